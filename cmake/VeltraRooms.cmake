@@ -1,0 +1,44 @@
+# A room is one folder of veltra/ and one target: its sources become part of the library, its tests
+# one program.
+#
+#   veltra_room(audio DEPENDS platform
+#       UNITS musical_context           # x.h and x.cpp, and x_test.cpp where there is one
+#       HEADERS only_a_header.h         # installed, without a source
+#       PRIVATE detail/helper.cpp       # sources whose headers are not installed
+#       TESTS detail/helper_test.cpp)
+#
+# Tests link the rooms themselves, not the library: they may look inside.
+function(veltra_room name)
+    cmake_parse_arguments(ROOM "" "" "DEPENDS;UNITS;HEADERS;PRIVATE;TESTS;LIBRARIES" ${ARGN})
+    string(REPLACE "/" "_" target "veltra_${name}")
+    set(sources ${ROOM_PRIVATE})
+    set(headers ${ROOM_HEADERS})
+    set(tests ${ROOM_TESTS})
+    foreach(unit IN LISTS ROOM_UNITS)
+        list(APPEND sources ${unit}.cpp)
+        list(APPEND headers ${unit}.h)
+        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${unit}_test.cpp")
+            list(APPEND tests ${unit}_test.cpp)
+        endif()
+    endforeach()
+
+    add_library(${target} OBJECT ${sources})
+    target_link_libraries(${target} PRIVATE veltra_flags Threads::Threads ${ROOM_LIBRARIES})
+    set_property(GLOBAL APPEND PROPERTY VELTRA_ROOMS ${target})
+    list(TRANSFORM headers PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+    set_property(GLOBAL APPEND PROPERTY VELTRA_PUBLIC_HEADERS ${headers})
+
+    if(VELTRA_TESTS AND tests)
+        veltra_test(${target}_test SOURCES ${tests})
+    endif()
+endfunction()
+
+# One test program, its cases known to ctest one by one.
+function(veltra_test target)
+    cmake_parse_arguments(TEST "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${target} ${TEST_SOURCES})
+    target_link_libraries(${target} PRIVATE
+        veltra_flags veltra_inside ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
+    include(GoogleTest)
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()

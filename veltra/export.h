@@ -1,0 +1,27 @@
+// What every public header needs: the export mark, and the frame of the functions with C linkage.
+//
+// Between VELTRA_C_BEGIN and VELTRA_C_END a header is plain C11. C++ sees the same functions in
+// namespace veltra, with C linkage and noexcept, so that one symbol serves every language.
+#pragma once
+
+#if defined(__GNUC__)
+#define VELTRA_EXPORT __attribute__((visibility("default")))
+#define VELTRA_PRINTF(format, arguments) __attribute__((format(printf, format, arguments)))
+#else
+#define VELTRA_EXPORT
+#define VELTRA_PRINTF(format, arguments)
+#endif
+
+#ifdef __cplusplus
+#define VELTRA_C_BEGIN \
+    namespace veltra { \
+    extern "C" {
+#define VELTRA_C_END \
+    }                \
+    }
+#define VELTRA_NOEXCEPT noexcept
+#else
+#define VELTRA_C_BEGIN
+#define VELTRA_C_END
+#define VELTRA_NOEXCEPT
+#endif

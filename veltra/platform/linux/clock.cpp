@@ -1,0 +1,49 @@
+#include "veltra/platform/clock.h"
+
+#include <atomic>
+#include <cerrno>
+
+#include <time.h>
+
+namespace veltra {
+
+namespace {
+
+class LinuxClocks final : public Clocks {
+public:
+    ClockReading monotonic() const noexcept override {
+        timespec now{};
+        if (::clock_gettime(CLOCK_MONOTONIC, &now) != 0) return {0, errno};
+        return {static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U +
+                    static_cast<std::uint64_t>(now.tv_nsec),
+                0};
+    }
+
+    WallTime wall() const noexcept override {
+        timespec now{};
+        if (::clock_gettime(CLOCK_REALTIME, &now) != 0) return {};
+        return {now.tv_sec, static_cast<std::int32_t>(now.tv_nsec)};
+    }
+};
+
+const Clocks& platformClocks() noexcept {
+    static const LinuxClocks clocks;
+    return clocks;
+}
+
+std::atomic<const Clocks*> installedClocks{nullptr};
+
+}  // namespace
+
+Clocks::~Clocks() = default;
+
+const Clocks& Clocks::current() noexcept {
+    const Clocks* installed = installedClocks.load(std::memory_order_acquire);  // with install()
+    return installed != nullptr ? *installed : platformClocks();
+}
+
+const Clocks* Clocks::install(const Clocks* clocks) noexcept {
+    return installedClocks.exchange(clocks, std::memory_order_acq_rel);  // with current()
+}
+
+}  // namespace veltra
