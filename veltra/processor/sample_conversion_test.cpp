@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -119,33 +120,27 @@ TEST(SampleConversion, FloatsOfEveryExponentBecomeTheTruncatedAndClippedInteger)
 TEST(SampleConversion, FullScaleClippingAndTinyValuesGiveTheDocumentedIntegers) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-    const struct {
-        float input;
-        std::int32_t of8, of16, of24, of32;
-    } rows[] = {
-        {1.0F, 127, 32767, 8388607, 2147483392},
-        {-1.0F, -128, -32768, -8388607, -2147483392},
-        {1.5F, 127, 32767, 8388607, 2147483392},
-        {-1.5F, -128, -32768, -8388607, -2147483392},
-        {kInfinity, 127, 32767, 8388607, 2147483392},
-        {-kInfinity, -128, -32768, -8388607, -2147483392},
-        {kNan, 127, 32767, 8388607, 2147483392},
-        {-kNan, -128, -32768, -8388607, -2147483392},
-        {0.99999994F, 127, 32767, 8388607, 2147483520},
-        {-1e-9F, -1, -1, -1, -2},
-        {0.0F, 0, 0, 0, 0},
-        {-0.0F, 0, 0, 0, 0},
-        {-1e-10F, 0, 0, 0, 0},
-        {1.9F / 32768, 0, 1, 486, 124518},
-    };
-    for (const auto& row : rows) {
-        const std::int32_t results[] = {row.of8, row.of16, row.of24, row.of32};
+    const std::pair<float, std::int32_t> rows[] = {{1.0F, 2147483392},
+                                                   {-1.0F, -2147483392},
+                                                   {1.5F, 2147483392},
+                                                   {-1.5F, -2147483392},
+                                                   {kInfinity, 2147483392},
+                                                   {-kInfinity, -2147483392},
+                                                   {kNan, 2147483392},
+                                                   {-kNan, -2147483392},
+                                                   {0.0F, 0},
+                                                   {-0.0F, 0},
+                                                   {0.99999994F, 2147483520},
+                                                   {-1e-9F, -2},
+                                                   {1.9F / 32768, 124518}};
+    for (const auto& [input, result] : rows) {
         for (const Form form : kIntegers) {
             Bytes expected;
-            append(expected, form, results[form.format - 1]);
-            EXPECT_EQ(fromFloats(form, {row.input}), expected) << row.input << " " << form.format;
+            append(expected, form, result >> (32 - 8 * form.format));
+            EXPECT_EQ(fromFloats(form, {input}), expected) << input << " " << form.format;
         }
     }
+    EXPECT_EQ(fromFloats({3, false}, {-1.0F}), (Bytes{0x80, 0x00, 0x01}));  // -8388607
 }
 
 TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {
@@ -163,68 +158,60 @@ TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidene
 }
 
 // What one channel gives is proved above; every other shape must agree with it.
-TEST(SampleConversion, ToFloatsTheShapesAgreeInPlaceAndNothingElseIsWritten) {
+TEST(SampleConversion, ToFloatsTwoChannelsAndInPlaceAgreeAndNothingElseIsWritten) {
     std::mt19937 random(1);
     for (const Form form : kForms) {
         const auto convert = GetConvertNToFloat(form.format, form.swapped);
-        for (const std::size_t count : {0, 1, 2, 3, 5, 64}) {
+        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U}) {
             SCOPED_TRACE(testing::Message() << form.format << form.swapped << " x " << count);
-            Bytes stream(2 * count * form.size() + 1);
+            Bytes stream(2 * count * form.size());
             std::generate(stream.begin(), stream.end(), [&] { return random() & 0xFFU; });
-            stream.pop_back();
-            const Floats all = toFloats(form, stream);
-            const Bytes one = bytesOf(Floats(all.begin(), all.begin() + static_cast<long>(count)));
-            Floats first;
-            Floats second;
+            const Bytes all = bytesOf(toFloats(form, stream));
+            const Bytes one(all.begin(), all.begin() + static_cast<long>(all.size() / 2));
+            Bytes two[2];
             for (std::size_t i = 0; i < all.size(); ++i) {
-                (i % 2 == 0 ? first : second).push_back(all[i]);
+                two[i / 4 % 2].push_back(all[i]);
             }
-            const bool splits = form.format != 4 && form.format != -8;
-            const bool splitsInPlace = form.format == 1 || form.format == 2;
+            if (form.format == 4 || form.format == -8) two[0] = one, two[1].clear();
+            const bool unsplit = form.format == 3 || form.format == -4;
+            const Bytes& firstInPlace = form.format == -4 ? stream : unsplit ? one : two[0];
 
             expectOnly({}, one,
                        [&](auto* at) { convert(floatsAt(at), stream.data(), count, nullptr); });
             expectOnly(stream, one, [&](auto* at) { convert(floatsAt(at), at, count, nullptr); });
-            expectOnly({}, splits ? bytesOf(second) : Bytes{}, [&](auto* secondAt) {
-                expectOnly({}, splits ? bytesOf(first) : one, [&](auto* at) {
-                    convert(floatsAt(at), stream.data(), count, floatsAt(secondAt));
+            expectOnly({}, two[1], [&](auto* second) {
+                expectOnly({}, two[0], [&](auto* at) {
+                    convert(floatsAt(at), stream.data(), count, floatsAt(second));
                 });
             });
-            expectOnly({}, splitsInPlace ? bytesOf(second) : Bytes{}, [&](auto* secondAt) {
-                const Bytes& after = form.format == -4 ? stream
-                                     : splitsInPlace   ? bytesOf(first)
-                                                       : one;
-                expectOnly(stream, after,
-                           [&](auto* at) { convert(floatsAt(at), at, count, floatsAt(secondAt)); });
+            expectOnly({}, unsplit ? Bytes{} : two[1], [&](auto* second) {
+                expectOnly(stream, firstInPlace,
+                           [&](auto* at) { convert(floatsAt(at), at, count, floatsAt(second)); });
             });
         }
     }
 }
 
-TEST(SampleConversion, FromFloatsTheShapesAgreeInPlaceAndNothingElseIsWritten) {
+TEST(SampleConversion, FromFloatsTwoChannelsAndInPlaceAgreeAndNothingElseIsWritten) {
     std::mt19937 random(2);
     std::uniform_real_distribution<float> distribution(-1.25F, 1.25F);
     for (const Form form : kForms) {
         const auto convert = GetConvertFloatToN(form.format, form.swapped);
-        for (const std::size_t count : {0, 1, 2, 3, 5, 64}) {
+        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U}) {
             SCOPED_TRACE(testing::Message() << form.format << form.swapped << " x " << count);
-            Floats first(count + 1);
-            Floats second(count + 1);
+            Floats first(count);
+            Floats second(count + 1);  // never null
             Floats both;
             for (std::size_t i = 0; i < count; ++i) {
                 both.push_back(first[i] = distribution(random));
                 both.push_back(second[i] = distribution(random));
             }
-            first.pop_back();
-            const Bytes source = bytesOf(first);
-            const Bytes one = fromFloats(form, first);
-            const Bytes two = form.format == -8 ? one : fromFloats(form, both);
-
-            for (const bool stereo : {false, true}) {
-                const float* other = stereo ? second.data() : nullptr;
-                const Bytes& after = stereo ? two : one;
+            for (const float* other :
+                 {static_cast<const float*>(nullptr), std::as_const(second).data()}) {
+                const bool interleaves = other != nullptr && form.format != -8;
+                const Bytes after = fromFloats(form, interleaves ? both : first);
                 expectOnly({}, after, [&](auto* at) { convert(at, first.data(), count, other); });
-                expectOnly(source, form.format == -4 ? source : after,
+                expectOnly(bytesOf(first), form.format == -4 ? Bytes{} : after,
                            [&](auto* at) { convert(at, floatsAt(at), count, other); });
             }
         }
@@ -232,25 +219,21 @@ TEST(SampleConversion, FromFloatsTheShapesAgreeInPlaceAndNothingElseIsWritten) {
 }
 
 TEST(SampleConversion, UnknownFormatsAndNullBuffersDoNothing) {
-    for (const std::int32_t format :
-         {INT32_MIN, -9, -8, -7, -5, -3, -2, -1, 0, 5, 8, 24, INT32_MAX}) {
-        for (const bool swapped : {false, true}) {
-            if (format == -8 && !swapped) continue;
-            float values[] = {0.5F, 0.25F};
-            float others[] = {0.125F};
-            GetConvertNToFloat(format, swapped)(values, others, 1, others);
-            GetConvertFloatToN(format, swapped)(values, others, 1, others);
-            EXPECT_TRUE(values[0] == 0.5F && values[1] == 0.25F && others[0] == 0.125F) << format;
-        }
+    float values[] = {0.5F, 0.25F};
+    float other = 0.125F;
+    for (const std::int32_t format : {INT32_MIN, -8, -3, -2, -1, 0, 5, 8, 24, INT32_MAX}) {
+        GetConvertNToFloat(format, true)(values, &other, 1, &other);
+        GetConvertFloatToN(format, true)(values, &other, 1, &other);
+        GetConvertNToFloat(format == -8 ? -7 : format, false)(values, &other, 1, &other);
+        GetConvertFloatToN(format == -8 ? -7 : format, false)(values, &other, 1, &other);
     }
     for (const Form form : kForms) {
-        float value = 0.5F;
-        GetConvertNToFloat(form.format, form.swapped)(nullptr, &value, 1, &value);
-        GetConvertNToFloat(form.format, form.swapped)(&value, nullptr, 1, nullptr);
-        GetConvertFloatToN(form.format, form.swapped)(nullptr, &value, 1, &value);
-        GetConvertFloatToN(form.format, form.swapped)(&value, nullptr, 1, nullptr);
-        EXPECT_EQ(value, 0.5F);
+        GetConvertNToFloat(form.format, form.swapped)(nullptr, values, 1, &other);
+        GetConvertNToFloat(form.format, form.swapped)(values, nullptr, 1, nullptr);
+        GetConvertFloatToN(form.format, form.swapped)(nullptr, values, 1, &other);
+        GetConvertFloatToN(form.format, form.swapped)(values, nullptr, 1, nullptr);
     }
+    EXPECT_TRUE(values[0] == 0.5F && values[1] == 0.25F && other == 0.125F);
 }
 
 }  // namespace
