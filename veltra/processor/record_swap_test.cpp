@@ -22,21 +22,19 @@ struct Model {
     std::uintptr_t limit;
 
     unsigned char* swap(unsigned char* record, std::size_t code) {
-        static const std::vector<int> kSizes[] = {
-            // a reversed part is positive
-            {-1},   {-1},      {-1},         {-1},   {-2},   {-3},      {-4},         {4},
-            {4, 4}, {4, 4, 4}, {4, 4, 4, 4}, {8},    {8, 8}, {8, 8, 8}, {8, 8, 8, 8}, {2},
-            {2, 2}, {2, 2, 2}, {2, 2, 2, 2}, {4, 2}, {8, 8}, {2}};
-        const auto& sizes = kSizes[code < 22 ? code : 0];
-        const bool repeats = sizes.size() > 1 && code < 19;
-        const std::size_t element = !repeats ? code : sizes[0] == 4 ? 7 : sizes[0] == 8 ? 11 : 15;
+        // Digits are reversed bytes, letters kept ones: a is 1 byte.
+        static const std::string kParts[] = {"a",  "a",   "a",    "a",  "b",  "c",   "d",    "4",
+                                             "44", "444", "4444", "8",  "88", "888", "8888", "2",
+                                             "22", "222", "2222", "42", "88", "2"};
+        const std::string& parts = kParts[code < 22 ? code : 0];
+        const bool repeats = parts.size() > 1 && code < 19;
+        const std::size_t element = !repeats ? code : code < 11 ? 7 : code < 15 ? 11 : 15;
         unsigned char* end = record;
-        for (const int size : sizes) {
-            if (repeats)
-                swap(end, element);
-            else if (size > 0)
-                std::reverse(end, end + size);
-            end += std::abs(size);
+        for (const char part : parts) {
+            const int size = part < 'a' ? part - '0' : part - 'a' + 1;
+            if (repeats) swap(end, element);
+            if (!repeats && part < 'a') std::reverse(end, end + size);
+            end += size;
         }
         const std::uintptr_t length = record[0] * 256U + record[1];
         if (code == 21 && length > 2 && length < 0x8000) limit = addressOf(record) + length;
@@ -142,13 +140,12 @@ TEST(RecordSwap, DescribedDataIsCopiedFieldByFieldAsFarAsItFits) {
 
 TEST(RecordSwap, NullPointersDoNothing) {
     std::string text = "abcd";
-    const std::int8_t description[] = {4, 0};
     EXPECT_EQ(IntelSwap(nullptr, 7), nullptr);
     MultiIntelSwap(nullptr, 7, 2);
     TabIntelSwap(nullptr, Table{7, 0}.data());
     LimitTabIntelSwap(text.data(), nullptr, 5);
-    SwapData(nullptr, text.data(), description, 4);
-    SwapData(text.data(), nullptr, description, 4);
+    SwapData(nullptr, "wxyz", std::vector<std::int8_t>{4, 0}.data(), 4);
+    SwapData(text.data(), nullptr, std::vector<std::int8_t>{4, 0}.data(), 4);
     SwapData(text.data(), "wxyz", nullptr, 4);
     EXPECT_EQ(text, "abcd");
 }

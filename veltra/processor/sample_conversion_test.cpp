@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -23,10 +24,9 @@ struct Form {
     std::size_t size() const { return static_cast<std::size_t>(std::abs(format)); }
 };
 
-constexpr Form kIntegers[] = {{1, false}, {1, true}, {2, false}, {2, true},
-                              {3, false}, {3, true}, {4, false}, {4, true}};
 constexpr Form kForms[] = {{1, false}, {1, true}, {2, false},  {2, true},  {3, false}, {3, true},
                            {4, false}, {4, true}, {-4, false}, {-4, true}, {-8, false}};
+constexpr std::span<const Form> kIntegers(kForms, 8);
 
 void append(Bytes& bytes, Form form, std::int64_t value) {
     if (form.format == 1 && form.swapped) value += 128;
@@ -99,19 +99,17 @@ TEST(SampleConversion, EveryIntegerBecomesItsExactFractionAndComesBack) {
 TEST(SampleConversion, FloatsOfEveryExponentBecomeTheTruncatedAndClippedInteger) {
     Floats floats;
     for (std::uint32_t top = 0; top < 0x200; ++top) {  // sign and exponent
-        for (std::uint32_t mantissa :
-             {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU}) {
-            floats.push_back(std::bit_cast<float>(top << 23 | mantissa));
+        for (std::uint32_t low : {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU}) {
+            floats.push_back(std::bit_cast<float>(top << 23 | low));
         }
     }
     for (const Form form : kIntegers) {
         Bytes expected;
         for (const float x : floats) {
             const double size = std::fabs(static_cast<double>(x));
-            const std::int64_t magnitude =
-                size < 1.0 ? static_cast<std::int64_t>(size * 2147483648.0) : 0x7FFFFF00;
-            append(expected, form,
-                   (std::signbit(x) ? -magnitude : magnitude) >> (32 - 8 * form.format));
+            const auto magnitude = static_cast<std::int64_t>(size < 1 ? size * 0x1p31 : 0x7FFFFF00);
+            const std::int64_t result = std::signbit(x) ? -magnitude : magnitude;
+            append(expected, form, result >> (32 - 8 * form.format));
         }
         EXPECT_EQ(fromFloats(form, floats), expected) << form.format << form.swapped;
     }
@@ -120,27 +118,14 @@ TEST(SampleConversion, FloatsOfEveryExponentBecomeTheTruncatedAndClippedInteger)
 TEST(SampleConversion, FullScaleClippingAndTinyValuesGiveTheDocumentedIntegers) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-    const std::pair<float, std::int32_t> rows[] = {{1.0F, 2147483392},
-                                                   {-1.0F, -2147483392},
-                                                   {1.5F, 2147483392},
-                                                   {-1.5F, -2147483392},
-                                                   {kInfinity, 2147483392},
-                                                   {-kInfinity, -2147483392},
-                                                   {kNan, 2147483392},
-                                                   {-kNan, -2147483392},
-                                                   {0.0F, 0},
-                                                   {-0.0F, 0},
-                                                   {0.99999994F, 2147483520},
-                                                   {-1e-9F, -2},
-                                                   {1.9F / 32768, 124518}};
-    for (const auto& [input, result] : rows) {
-        for (const Form form : kIntegers) {
-            Bytes expected;
-            append(expected, form, result >> (32 - 8 * form.format));
-            EXPECT_EQ(fromFloats(form, {input}), expected) << input << " " << form.format;
-        }
+    for (const float x : {1.0F, 1.5F, kInfinity, kNan}) {
+        EXPECT_EQ(fromFloats({1, true}, {x, -x}), (Bytes{255, 0}));
+        EXPECT_EQ(fromFloats({2, false}, {x, -x}), (Bytes{0x7F, 0xFF, 0x80, 0}));
+        EXPECT_EQ(fromFloats({3, true}, {x, -x}), (Bytes{0xFF, 0xFF, 0x7F, 1, 0, 0x80}));
+        EXPECT_EQ(fromFloats({4, false}, {x, -x}), (Bytes{0x7F, 0xFF, 0xFF, 0, 0x80, 0, 1, 0}));
     }
-    EXPECT_EQ(fromFloats({3, false}, {-1.0F}), (Bytes{0x80, 0x00, 0x01}));  // -8388607
+    EXPECT_EQ(fromFloats({1, false}, {0.0F, -0.0F, -1e-9F, -1e-10F}), (Bytes{0, 0, 255, 0}));
+    EXPECT_EQ(fromFloats({4, false}, {0.99999994F}), (Bytes{0x7F, 0xFF, 0xFF, 0x80}));
 }
 
 TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {
@@ -206,10 +191,9 @@ TEST(SampleConversion, FromFloatsTwoChannelsAndInPlaceAgreeAndNothingElseIsWritt
                 both.push_back(first[i] = distribution(random));
                 both.push_back(second[i] = distribution(random));
             }
-            for (const float* other :
-                 {static_cast<const float*>(nullptr), std::as_const(second).data()}) {
-                const bool interleaves = other != nullptr && form.format != -8;
-                const Bytes after = fromFloats(form, interleaves ? both : first);
+            for (const bool stereo : {false, true}) {
+                const float* other = stereo ? second.data() : nullptr;
+                const Bytes after = fromFloats(form, stereo && form.format != -8 ? both : first);
                 expectOnly({}, after, [&](auto* at) { convert(at, first.data(), count, other); });
                 expectOnly(bytesOf(first), form.format == -4 ? Bytes{} : after,
                            [&](auto* at) { convert(at, floatsAt(at), count, other); });
@@ -221,17 +205,17 @@ TEST(SampleConversion, FromFloatsTwoChannelsAndInPlaceAgreeAndNothingElseIsWritt
 TEST(SampleConversion, UnknownFormatsAndNullBuffersDoNothing) {
     float values[] = {0.5F, 0.25F};
     float other = 0.125F;
-    for (const std::int32_t format : {INT32_MIN, -8, -3, -2, -1, 0, 5, 8, 24, INT32_MAX}) {
-        GetConvertNToFloat(format, true)(values, &other, 1, &other);
-        GetConvertFloatToN(format, true)(values, &other, 1, &other);
-        GetConvertNToFloat(format == -8 ? -7 : format, false)(values, &other, 1, &other);
-        GetConvertFloatToN(format == -8 ? -7 : format, false)(values, &other, 1, &other);
+    const auto convertAll = [&](Form form, float* destination, const float* source) {
+        GetConvertNToFloat(form.format, form.swapped)(destination, source, 1, &other);
+        GetConvertFloatToN(form.format, form.swapped)(destination, source, 1, &other);
+    };
+    for (const std::int32_t format : {INT32_MIN, -7, -3, -2, -1, 0, 5, 8, 24, INT32_MAX}) {
+        convertAll({format, false}, values, &other);
+        convertAll({format == -7 ? -8 : format, true}, values, &other);
     }
     for (const Form form : kForms) {
-        GetConvertNToFloat(form.format, form.swapped)(nullptr, values, 1, &other);
-        GetConvertNToFloat(form.format, form.swapped)(values, nullptr, 1, nullptr);
-        GetConvertFloatToN(form.format, form.swapped)(nullptr, values, 1, &other);
-        GetConvertFloatToN(form.format, form.swapped)(values, nullptr, 1, nullptr);
+        convertAll(form, nullptr, values);
+        convertAll(form, values, nullptr);
     }
     EXPECT_TRUE(values[0] == 0.5F && values[1] == 0.25F && other == 0.125F);
 }
