@@ -205,9 +205,10 @@ bool operator==(const PropertyValue& left, const PropertyValue& right) noexcept 
     if (left.kind() != right.kind()) return false;
     switch (left.kind()) {
         case PropertyValue::Kind::Null:
+            return true;
         case PropertyValue::Kind::Bool:
         case PropertyValue::Kind::Integer:
-            return left.m_value == right.m_value;
+            return left.asInteger() == right.asInteger();
         case PropertyValue::Kind::Real: {
             const double leftReal = left.asReal();
             const double rightReal = right.asReal();

@@ -20,7 +20,6 @@
 #include <concepts>
 #include <cstdint>
 #include <initializer_list>
-#include <limits>
 #include <map>
 #include <memory>
 #include <span>
@@ -32,7 +31,16 @@
 
 namespace veltra {
 
+// Integers, without bool and the character types.
+template <class T>
+concept WholeNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char> &&
+                      !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> &&
+                      !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+
 class VELTRA_EXPORT PropertyValue {
+    struct ArrayNode;
+    struct DictionaryNode;
+
 public:
     enum class Kind : std::uint8_t { Null, Bool, Integer, Real, String, Data, Array, Dictionary };
 
@@ -40,6 +48,14 @@ public:
     using Array = std::vector<PropertyValue>;
     using Dictionary = std::map<std::string, PropertyValue, std::less<>>;  // keys in byte order
 
+private:
+    // In the order of Kind.
+    using Storage =
+        std::variant<std::monostate, bool, std::int64_t, double, std::shared_ptr<const std::string>,
+                     std::shared_ptr<const Data>, std::shared_ptr<const ArrayNode>,
+                     std::shared_ptr<const DictionaryNode>>;
+
+public:
     // A number or string is 0 deep, a container one more than its deepest member. A container that
     // would be deeper becomes null: whoever walks a value by recursion is safe from hostile input.
     static constexpr std::uint32_t kMaximumDepth = 128;
@@ -50,15 +66,10 @@ public:
     PropertyValue(T value) noexcept : m_value(value) {}
 
     // Unsigned numbers above INT64_MAX become reals.
-    template <std::integral T>
-    requires(!std::same_as<T, bool>) PropertyValue(T value)
-    noexcept {
-        if (std::in_range<std::int64_t>(value)) {
-            m_value = static_cast<std::int64_t>(value);
-        } else {
-            m_value = static_cast<double>(value);
-        }
-    }
+    template <WholeNumber T>
+    PropertyValue(T value) noexcept
+        : m_value(std::in_range<std::int64_t>(value) ? Storage(static_cast<std::int64_t>(value))
+                                                     : Storage(static_cast<double>(value))) {}
 
     template <std::floating_point T>
     PropertyValue(T value) noexcept : m_value(static_cast<double>(value)) {}
@@ -140,20 +151,13 @@ public:
                                          const PropertyValue& right) noexcept;
 
 private:
-    struct ArrayNode;
-    struct DictionaryNode;
-
     template <class T>
     const T* held() const noexcept {
         const auto* pointer = std::get_if<std::shared_ptr<const T>>(&m_value);
         return pointer != nullptr ? pointer->get() : nullptr;
     }
 
-    // In the order of Kind.
-    std::variant<std::monostate, bool, std::int64_t, double, std::shared_ptr<const std::string>,
-                 std::shared_ptr<const Data>, std::shared_ptr<const ArrayNode>,
-                 std::shared_ptr<const DictionaryNode>>
-        m_value;
+    Storage m_value;
 };
 
 }  // namespace veltra

@@ -1,5 +1,6 @@
 #include "veltra/platform/detail/base64.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace veltra {

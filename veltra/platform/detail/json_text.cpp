@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 

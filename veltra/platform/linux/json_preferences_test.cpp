@@ -2,6 +2,8 @@
 
 #include "veltra/platform/detail/json_text.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -204,12 +206,13 @@ TEST_F(JsonPreferencesTest, WritesThroughLinksKeepsModesAndRefusesWhatIsNoFile) 
     EXPECT_EQ(preferences.value("key"), 3);
 }
 
-TEST(PlatformPreferences, BelongToTheProgramInTheFolderOfTheUser) {
+TEST_F(JsonPreferencesTest, BelongsToTheProgramInTheFolderOfTheUser) {
     // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs
-    const std::string home = std::getenv("HOME");
+    const fs::path home = m_folder;
+    ::setenv("HOME", home.c_str(), 1);
     const std::string program = program_invocation_short_name;
     ::setenv("XDG_CONFIG_HOME", "relative", 1);
-    EXPECT_EQ(JsonPreferences().path(), home + "/.config/" + program + ".json");
+    EXPECT_EQ(JsonPreferences().path(), home / ".config" / (program + ".json"));
     ::setenv("HOME", "relative", 1);
     EXPECT_THAT(JsonPreferences().path(), testing::MatchesRegex("/.*/.config/.*json"));
     ::setenv("HOME", home.c_str(), 1);
