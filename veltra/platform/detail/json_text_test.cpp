@@ -60,7 +60,7 @@ TEST(JsonText, ReadsWhatOthersWriteAndRefusesWhatIsDamaged) {
         {R"({"a":{"$data":""}})", {{"a", Data{}}}},
         {R"({"a":{"$data":1}})", {{"a", Dictionary{{"$data", 1}}}}},
         {R"({"a":{"$real":"1"}})", {{"a", Dictionary{{"$real", "1"}}}}},
-        {R"({"a":{"$real":"inf","b":1}})", {{"a", Dictionary{{"$real", "inf"}, {"b", 1}}}}},
+        {R"({"a":{"b":1,"$real":"inf"}})", {{"a", Dictionary{{"$real", "inf"}, {"b", 1}}}}},
     };
     for (const auto& [text, members] : sound)
         EXPECT_EQ(dictionaryFromJson(text), members) << text;

@@ -141,9 +141,11 @@ TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsThe
         found = contents(m_file);
         if (found != before) break;
 
+        const auto fileCount = std::distance(fs::directory_iterator(m_file.parent_path()), {});
         failAfter(failures, ENOSPC);
         EXPECT_EQ(preferences.synchronise(), std::errc::no_space_on_device);
         EXPECT_EQ(contents(m_file), before);
+        EXPECT_EQ(std::distance(fs::directory_iterator(m_file.parent_path()), {}), fileCount);
         EXPECT_EQ(preferences.value("key"), "new");
         failAfter(1000, EIO);
         EXPECT_FALSE(preferences.synchronise());
@@ -180,6 +182,22 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
     EXPECT_FALSE(preferences.synchronise());
     EXPECT_EQ(stored("key"), 1);
     EXPECT_NE(preferences.takeDamageReport()->keptAs, "");
+}
+
+TEST_F(JsonPreferencesTest, DamageThatAnotherProcessRepairsMeanwhileIsNoDamage) {
+    static fs::path s_file;
+    s_file = m_file;
+    FileCalls calls = kSystemFileCalls;
+    calls.read = [](int file, void* buffer, std::size_t size) {
+        const ssize_t count = ::read(file, buffer, size);
+        if (count == 1 && fs::remove(s_file)) std::ofstream(s_file) << R"({"key": 1})";
+        return count;
+    };
+    store("{");
+    JsonPreferences preferences(m_file.string(), calls);
+    EXPECT_EQ(preferences.value("key"), 1);
+    EXPECT_FALSE(preferences.takeDamageReport());
+    EXPECT_TRUE(fs::exists(m_file));
 }
 
 TEST_F(JsonPreferencesTest, WritesThroughLinksKeepsModesAndRefusesWhatIsNoFile) {
