@@ -19,6 +19,8 @@ public:
     ~Descriptor() { close(); }
 
     int number() const noexcept { return m_number; }
+    // Hands the number to the caller, who closes it.
+    int release() noexcept { return std::exchange(m_number, -1); }
     bool isOpen() const noexcept { return m_number >= 0; }
 
     // An interrupted close has closed on Linux: never repeated.
