@@ -1,0 +1,128 @@
+#include "veltra/infrastructure/timer.h"
+
+#include "veltra/platform/testing/manual_run_loop.h"
+
+#include <functional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+// A control with a timer of its own. Writes down whether the timer is (v)alid in its action or not.
+struct Meter : Anchored {
+    explicit Meter(double seconds, bool repeats = true)
+        : timer(std::make_unique<QkTimer>(seconds, this, action<&Meter::tick>(), this, repeats)) {}
+    void tick(QkTimer& sender) {
+        EXPECT_EQ(&sender, timer.get());
+        ticks += sender.isValid() ? 'v' : '-';
+        if (const auto copy = then) copy();  // may delete this meter
+    }
+    std::string ticks;
+    std::function<void()> then;
+    std::unique_ptr<QkTimer> timer;
+};
+
+class QkTimerTest : public ::testing::Test {
+protected:
+    testing::ManualRunLoop loop;
+};
+
+TEST_F(QkTimerTest, RunsFromStartToStopAndKeepsItsStoredInterval) {
+    Meter meter(0.1);
+    meter.timer->fire();
+    meter.timer->stop();
+    EXPECT_FALSE(meter.timer->isValid());
+    EXPECT_EQ(meter.timer->userInfo(), &meter);
+
+    meter.timer->startWithTimeInterval(0.5);
+    meter.timer->startWithTimeInterval(0.01);  // ignored: it runs
+    meter.timer->start();                      // likewise
+    loop.advance(0.499);
+    EXPECT_EQ(meter.ticks, "");
+    loop.advance(0.001);
+    EXPECT_EQ(meter.ticks, "v");
+    meter.timer->invalidate();
+    meter.timer->startWithTimeInterval(0.02);
+    loop.advance(0.02);
+    EXPECT_EQ(meter.ticks, "vv");
+    meter.timer->stop();
+    EXPECT_FALSE(meter.timer->isActive());
+    meter.timer->start();
+    loop.advance(0.099);
+    EXPECT_EQ(meter.ticks, "vv");
+    loop.advance(0.001);
+    EXPECT_EQ(meter.ticks, "vvv");
+}
+
+TEST_F(QkTimerTest, ATimerThatFiresOnceIsIdleInItsActionAndMayStartAgainThere) {
+    Meter meter(0.1, false);
+    meter.then = [&] {
+        if (meter.ticks.size() < 3) meter.timer->start();
+    };
+    meter.timer->start();
+    loop.advance(0.2);
+    EXPECT_TRUE(meter.timer->isValid());
+    meter.timer->fire();
+    loop.advance(1.0);
+    EXPECT_EQ(meter.ticks, "---");
+}
+
+TEST_F(QkTimerTest, FiresInEveryMode) {
+    Meter meter(0.1);
+    meter.timer->start();
+    const RunLoop::ModeScope tracking(loop, RunLoopMode::EventTracking);
+    loop.advance(0.1);
+    const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
+    loop.advance(0.1);
+    EXPECT_EQ(meter.ticks, "vv");
+}
+
+TEST_F(QkTimerTest, ItsActionMayDeleteTheTimerOrTheTarget) {
+    for (const bool repeats : {true, false}) {
+        for (const bool byHand : {true, false}) {
+            Meter owner(0.1, repeats);
+            owner.then = [&] { owner.timer.reset(); };
+            auto* victim = new Meter(0.1, repeats);
+            victim->then = [victim] { delete victim; };
+            const WeakPointer<Meter> gone(victim);
+            for (QkTimer* timer : {owner.timer.get(), victim->timer.get()}) {
+                timer->start();
+                if (byHand) timer->fire();
+            }
+            loop.advance(1.0);
+            EXPECT_EQ(owner.ticks, repeats ? "v" : "-");
+            EXPECT_FALSE(gone || loop.nextDeadline());
+        }
+    }
+}
+
+TEST_F(QkTimerTest, WhatCannotBeSentIsPassedOver) {
+    struct Deaf : Anchored {
+    } deaf;
+    auto meter = std::make_unique<Meter>(0.1, false);
+    const auto any = loop.schedule({});
+    QkTimerProxy proxy(meter.get(), action<&Meter::tick>(), &loop, meter->timer.get());
+    meter->timer->start();
+    proxy.action(*any);  // ends the owner, which fires once
+    EXPECT_EQ(meter->ticks, "-");
+    meter->timer.reset();
+    proxy.action(*any);
+    EXPECT_EQ(meter->ticks, "-");
+
+    QkTimer orphan(0.1, meter.get(), action<&Meter::tick>(), nullptr);
+    QkTimer unheard(0.1, &deaf, action<&Meter::tick>(), nullptr);
+    meter.reset();
+    loop.clocks.error = 22;
+    orphan.start();
+    EXPECT_FALSE(orphan.isValid());
+    loop.clocks.error = 0;
+    orphan.start();
+    unheard.start();
+    loop.advance(0.25);
+    EXPECT_TRUE(orphan.isValid() && unheard.isValid());
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,74 @@
+#include "veltra/platform/action.h"
+
+#include <memory>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+struct Button : Anchored {};
+struct Clickable {
+    virtual ~Clickable() = default;
+    virtual void clicked() = 0;
+};
+struct Host : Anchored, Clickable {
+    int constant() const noexcept { return ++calls; }
+    void clicked() override { ++calls; }
+    void byReference(Button& sender) { senders.push_back(&sender); }
+    void byPointer(const Button* sender) { senders.push_back(sender); }
+    using Anchored::cutAnchor;
+
+    mutable int calls = 0;
+    std::vector<const Anchored*> senders;
+};
+
+TEST(Action, CallsTheMemberFunctionOnlyWhenTargetAndSenderFit) {
+    Host host;
+    Button button;
+    EXPECT_TRUE(action<&Host::constant>().send(&host, &host));
+    EXPECT_TRUE(action<&Clickable::clicked>().send(&host, nullptr));
+    EXPECT_TRUE(action<&Host::byReference>().send(&host, &button));
+    EXPECT_TRUE(action<&Host::byPointer>().send(&host, &button));
+    EXPECT_TRUE(action<&Host::byPointer>().send(&host, &host));
+    EXPECT_FALSE(action<&Host::byReference>().send(&host, &host));
+    EXPECT_FALSE(action<&Host::byReference>().send(&host, nullptr));
+    EXPECT_FALSE(action<&Host::constant>().send(&button, nullptr));
+    EXPECT_FALSE(action<&Host::constant>().send(nullptr, nullptr));
+    EXPECT_FALSE(Action().send(&host, nullptr));
+    EXPECT_EQ(host.calls, 2);
+    EXPECT_EQ(host.senders, (std::vector<const Anchored*>{&button, &button, nullptr}));
+}
+
+TEST(Action, IsAValueThatKnowsItsMemberFunction) {
+    Host host;
+    Button button;
+    Action stored = action<&Host::clicked>();
+    EXPECT_TRUE(stored && stored == action<&Host::clicked>() && stored.respondsTo(&host));
+    EXPECT_FALSE(stored == action<&Host::constant>() || stored.respondsTo(&button));
+    stored = nullptr;
+    EXPECT_FALSE(stored || stored.respondsTo(&host));
+}
+
+TEST(WeakPointer, AnswersNullOnceTheObjectIsGoneHoweverThePointersCameAndWent) {
+    auto host = std::make_unique<Host>();
+    const WeakPointer<Host> first(host.get());
+    auto second = std::make_unique<WeakPointer<Host>>(first);
+    WeakPointer<Anchored> third;
+    third = host.get();
+    third = *&third;
+    second.reset();  // from the middle of the list
+    const Host copy(*host);
+    EXPECT_TRUE(first.get() == host.get() && third.get() == host.get());
+    host.reset();
+    EXPECT_FALSE(first || third || third.get() != nullptr);
+
+    Host leaving;
+    third = &leaving;
+    leaving.cutAnchor();
+    EXPECT_FALSE(third || WeakPointer<Host>(&leaving));
+}
+
+}  // namespace
+}  // namespace veltra

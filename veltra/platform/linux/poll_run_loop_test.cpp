@@ -1,0 +1,106 @@
+#include "veltra/platform/linux/poll_run_loop.h"
+
+#include "veltra/platform/clock.h"
+
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+
+namespace veltra {
+namespace {
+
+struct Target : Anchored {
+    void tick() { then(); }
+    std::shared_ptr<RunLoopTimer> start(RunLoop& loop, double seconds) {
+        return loop.schedule({seconds, this, action<&Target::tick>(), nullptr, true});
+    }
+    std::function<void()> then = [] {};
+};
+
+std::uint64_t now() {
+    return Clocks::current().monotonic().nanoseconds;
+}
+
+bool isReadable(int descriptor, int milliseconds = 0) {
+    pollfd watched{descriptor, POLLIN, 0};
+    return ::poll(&watched, 1, milliseconds) == 1;
+}
+
+TEST(PollRunLoop, RunsTimersAlsoWithoutFileDescriptors) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    for (const rlim_t limit : {before.rlim_cur, rlim_t{0}}) {
+        const rlimit some{limit, before.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &some), 0);
+        PollRunLoop loop;
+        EXPECT_EQ(loop.descriptor() >= 0, limit > 0);
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+        int ticks = 0;
+        Target target;
+        target.then = [&] {
+            if (++ticks == 3) loop.stop();
+        };
+        const std::uint64_t start = now();
+        const auto timer = target.start(loop, 0.002);
+        loop.run();
+        EXPECT_EQ(ticks, 3);
+        EXPECT_GE(now() - start, 6'000'000U);
+    }
+}
+
+TEST(PollRunLoop, StopComesFromAnyThreadAndIsNotLostBetweenRuns) {
+    PollRunLoop loop;
+    for (int round = 0; round < 20; ++round) {
+        std::thread stopper([&] { loop.stop(); });
+        loop.run();
+        stopper.join();
+        EXPECT_FALSE(loop.runOnce(0.0));
+    }
+    loop.stop();
+    EXPECT_TRUE(loop.runFor(10.0));
+}
+
+TEST(PollRunLoop, SignalsDoNotShortenARun) {
+    const auto before = std::signal(SIGALRM, [](int) {});
+    const itimerval often{{0, 1000}, {0, 1000}};
+    const itimerval never{};
+    ASSERT_EQ(::setitimer(ITIMER_REAL, &often, nullptr), 0);
+    const std::uint64_t start = now();
+    EXPECT_FALSE(PollRunLoop().runFor(0.008));
+    EXPECT_GE(now() - start, 8'000'000U);
+    ::setitimer(ITIMER_REAL, &never, nullptr);
+    std::signal(SIGALRM, before);
+}
+
+TEST(PollRunLoop, TheDescriptorIsReadableExactlyWhileSomethingIsDue) {
+    PollRunLoop loop;
+    Target target;
+    const auto timer = target.start(loop, 0.003);
+    EXPECT_TRUE(isReadable(loop.descriptor(), 1000));
+    EXPECT_EQ(loop.runDue(), 1);
+    EXPECT_TRUE(isReadable(loop.descriptor(), 1000));
+    timer->invalidate();
+    EXPECT_FALSE(isReadable(loop.descriptor()));
+    const auto far = target.start(loop, 1e9), near = target.start(loop, 0.0);
+    EXPECT_TRUE(isReadable(loop.descriptor(), 1000));
+    near->invalidate();
+    EXPECT_FALSE(isReadable(loop.descriptor()));
+}
+
+TEST(PollRunLoop, MayBeDeletedByAnActionThatItRuns) {
+    auto* loop = new PollRunLoop;
+    Target target;
+    target.then = [&] { delete loop; };
+    const auto timer = target.start(*loop, 0.0);
+    loop->run();
+    EXPECT_FALSE(timer->isValid());
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,182 @@
+#include "veltra/platform/testing/manual_run_loop.h"
+
+#include <functional>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+using TimerPointer = std::shared_ptr<RunLoopTimer>;
+constexpr std::uint64_t kMillisecond = 1'000'000;
+
+// Writes its letter at each tick, then does what the test asks for.
+struct Pen : Anchored {
+    Pen(std::string& text, char sign) : page(text), letter(sign) {}
+    void write(RunLoopTimer& timer) {
+        page += letter;
+        if (then) then(timer);
+    }
+    std::string& page;
+    char letter;
+    std::function<void(RunLoopTimer&)> then;
+};
+
+class RunLoopTest : public ::testing::Test {
+protected:
+    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all(),
+                       bool repeats = true) {
+        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, repeats, modes});
+    }
+    TimerPointer once(double seconds, Pen& pen) {
+        return every(seconds, pen, RunLoopModes::all(), false);
+    }
+    testing::ManualRunLoop loop;
+    const std::uint64_t start = loop.clocks.now;
+    std::string page;
+    Pen a{page, 'a'}, b{page, 'b'}, c{page, 'c'};
+};
+
+TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecond) {
+    const TimerPointer slow = every(0.2, a), quick = every(0.1, b), single = once(0.1, c);
+    loop.clocks.now = start + 100 * kMillisecond - 1;
+    EXPECT_EQ(loop.runDue(), 0);
+    loop.clocks.now += 1;
+    EXPECT_EQ(loop.runDue(), 2);
+    loop.advance(0.1);
+    EXPECT_EQ(page, "bcab");
+    slow->invalidate();
+    EXPECT_EQ(loop.announced, start + 300 * kMillisecond);
+    quick->invalidate();
+    EXPECT_EQ(loop.announced, std::nullopt);
+    EXPECT_FALSE(quick->isValid() || single->isValid());
+}
+
+TEST_F(RunLoopTest, MissedTicksAreSkippedAndTheBeatIsKept) {
+    const TimerPointer timer = every(0.1, a);
+    loop.clocks.now = start + 350 * kMillisecond;
+    EXPECT_EQ(loop.runDue(), 1);
+    EXPECT_EQ(loop.nextDeadline(), start + 400 * kMillisecond);
+    a.then = [&](RunLoopTimer&) { loop.clocks.now += 250 * kMillisecond; };
+    loop.advance(0.05);
+    EXPECT_EQ(loop.nextDeadline(), start + 700 * kMillisecond);
+    EXPECT_EQ(page, "aa");
+}
+
+TEST_F(RunLoopTest, OddIntervalsAreTamed) {
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
+    for (const double seconds : {0.0, -kInfinite, std::numeric_limits<double>::quiet_NaN()}) {
+        const TimerPointer timer = every(seconds, a);
+        EXPECT_EQ(loop.nextDeadline(), start + kMillisecond / 10) << seconds;
+        timer->invalidate();
+    }
+    for (const double seconds : {kInfinite, 1e300, 1e10}) {
+        EXPECT_TRUE(every(seconds, a)->isValid());
+        EXPECT_EQ(loop.nextDeadline(), std::nullopt) << seconds;
+    }
+    const TimerPointer shortest = every(1e-300, a);
+    loop.clocks.now = start + 5;
+    EXPECT_EQ(loop.runDue(), 1);
+    EXPECT_EQ(loop.nextDeadline(), start + 6);
+}
+
+TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModes) {
+    const TimerPointer common = every(0.1, a), plain = every(0.1, b, RunLoopMode::Default);
+    const TimerPointer held = every(0.25, c, RunLoopMode::ModalPanel | RunLoopMode::EventTracking);
+    {
+        const RunLoop::ModeScope tracking(loop, RunLoopMode::EventTracking);
+        loop.advance(0.2);
+        const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
+        loop.advance(0.1);
+        EXPECT_EQ(page, "aaca");
+    }
+    EXPECT_EQ(loop.announced, start + 100 * kMillisecond);  // overdue: at once
+    loop.advance(0.0);
+    EXPECT_EQ(page, "aacab");
+}
+
+TEST_F(RunLoopTest, FireByHandKeepsTheBeatOfRepeatingTimersAndEndsOthers) {
+    const TimerPointer repeating = every(0.1, a), single = once(0.1, b);
+    b.then = [](RunLoopTimer& timer) { EXPECT_FALSE(timer.isValid()); };
+    loop.clocks.now += 30 * kMillisecond;
+    for (const TimerPointer& timer : {repeating, single, single})
+        timer->fire();
+    EXPECT_EQ(page, "ab");
+    EXPECT_EQ(loop.nextDeadline(), start + 100 * kMillisecond);
+}
+
+TEST_F(RunLoopTest, ActionsMayAddAndCancelTimersOfTheSameMoment) {
+    const TimerPointer first = once(0.1, a);
+    TimerPointer second = every(0.1, b);
+    a.then = [&](RunLoopTimer&) {
+        std::exchange(second, nullptr)->invalidate();
+        every(0.0, c);
+    };
+    c.then = [](RunLoopTimer& timer) { timer.invalidate(); };
+    loop.advance(0.15);
+    EXPECT_EQ(page, "ac");
+}
+
+TEST_F(RunLoopTest, ANestedLoopRunsTheOthersAndNeverTheTimerThatRunsIt) {
+    const TimerPointer outer = every(0.1, a), inner = every(0.1, b);
+    const TimerPointer plain = every(0.1, c, RunLoopMode::Default);
+    a.then = [&](RunLoopTimer&) {
+        const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
+        loop.advance(0.2);
+        page += '.';
+    };
+    loop.advance(0.1);
+    EXPECT_EQ(page, "abbb.c");
+    EXPECT_EQ(loop.nextDeadline(), start + 400 * kMillisecond);
+}
+
+TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
+    auto own = std::make_unique<testing::ManualRunLoop>();
+    auto gone = std::make_unique<Pen>(page, 'x');
+    const TimerPointer deleter = own->schedule({0.1, &a, action<&Pen::write>()});
+    const TimerPointer behind = own->schedule({0.1, gone.get(), action<&Pen::write>()});
+    const TimerPointer silent = own->schedule({0.05, gone.get(), action<&Pen::write>()});
+    gone.reset();
+    a.then = [&](RunLoopTimer&) {
+        const RunLoop::ModeScope dies(*own, RunLoopMode::ModalPanel);
+        own.reset();
+    };
+    own->advance(0.1);
+    behind->fire();
+    EXPECT_EQ(page, "a");
+    EXPECT_FALSE(deleter->isValid() || behind->isValid() || silent->isValid());
+}
+
+TEST_F(RunLoopTest, ErrorsOfTheClockAndOfActionsLeaveTheLoopInOrder) {
+    const TimerPointer first = every(0.1, a), second = every(0.1, b);
+    loop.clocks.now = start + 100 * kMillisecond;
+    loop.clocks.error = 22;
+    EXPECT_EQ(loop.runDue(), 0);
+    EXPECT_EQ(every(0.1, c), nullptr);
+    loop.clocks.error = 0;
+    a.then = [](RunLoopTimer&) { throw std::runtime_error("action"); };
+    EXPECT_THROW(loop.runDue(), std::runtime_error);
+    EXPECT_EQ(loop.announced, loop.clocks.now);
+    EXPECT_EQ(loop.runDue(), 1);
+    EXPECT_EQ(loop.announced, loop.clocks.now + 100 * kMillisecond);
+    EXPECT_EQ(page, "ab");
+}
+
+TEST_F(RunLoopTest, EachThreadHasItsOwnLoopWhileNoneIsSet) {
+    TimerPointer left;
+    std::thread([&] {
+        RunLoop* const own = RunLoop::current();
+        left = own->schedule({0.1, &a, action<&Pen::write>()});
+        EXPECT_TRUE(own != &loop && left->isValid());
+        { const testing::ManualRunLoop set; }
+        EXPECT_EQ(RunLoop::current(), own);
+    }).join();
+    EXPECT_FALSE(left->isValid());
+}
+
+}  // namespace
+}  // namespace veltra
