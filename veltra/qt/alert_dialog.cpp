@@ -85,6 +85,11 @@ AlertDialog::AlertDialog(const AlertTexts& texts, int timeoutMilliseconds)
     whole->addWidget(makeButtonRow(texts));
     whole->setSizeConstraint(QLayout::SetFixedSize);
     fitMessage();
+    // The order holds only among widgets that are in their window.
+    setTabOrder(m_buttons[0], m_buttons[1]);
+    setTabOrder(m_buttons[1], m_buttons[2]);
+    setTabOrder(m_buttons[2], m_message);
+    m_buttons[0]->setFocus();
 
     m_timeout.setSingleShot(true);
     m_timeout.setTimerType(Qt::PreciseTimer);
@@ -151,7 +156,7 @@ QWidget* AlertDialog::makeButtonRow(const AlertTexts& texts) {
     QPushButton* alternate = addButton(texts.alternateButton, AlertAnswer::Alternate);
     QPushButton* other = addButton(texts.otherButton, AlertAnswer::Other);
     chosen->setDefault(true);
-    chosen->setFocus();
+    m_buttons = {chosen, alternate, other};
 
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
@@ -163,9 +168,6 @@ QWidget* AlertDialog::makeButtonRow(const AlertTexts& texts) {
     for (QPushButton* button : {other, alternate, chosen}) {
         layout->addWidget(button);
     }
-    setTabOrder(chosen, alternate);
-    setTabOrder(alternate, other);
-    setTabOrder(other, m_message);
     return row;
 }
 
