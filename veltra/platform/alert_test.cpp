@@ -14,6 +14,7 @@ using ::testing::Return;
 
 class MockPresenter : public AlertPresenter {
 public:
+    // NOLINTNEXTLINE(bugprone-exception-escape): nothing here throws
     MOCK_METHOD(AlertAnswer, present, (const Alert&), (noexcept, override));
 };
 

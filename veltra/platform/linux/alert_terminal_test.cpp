@@ -63,7 +63,7 @@ Seen play(const Scene& scene) {
     const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     ::grantpt(master);
     ::unlockpt(master);
-    const std::string name = ::ptsname(master);
+    const std::string name = ::ptsname(master);  // NOLINT(concurrency-mt-unsafe): one thread
     const int keepsOpen = ::open(name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     EXPECT_GE(::write(master, scene.typedBefore.data(), scene.typedBefore.size()), 0);
     const pid_t child = ::fork();
