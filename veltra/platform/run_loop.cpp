@@ -1,0 +1,137 @@
+#include "veltra/platform/run_loop.h"
+
+#include "veltra/platform/clock.h"
+
+#include <new>
+
+namespace veltra {
+
+namespace {
+
+thread_local RunLoop* setLoop = nullptr;
+thread_local bool isThreadEnding = false;
+
+struct ThreadLoop {
+    std::unique_ptr<RunLoop> loop;
+    ~ThreadLoop() { isThreadEnding = true; }
+};
+
+}  // namespace
+
+RunLoop::~RunLoop() {
+    if (setLoop == this) setLoop = nullptr;
+    for (const auto& [place, timer] : m_timers)
+        timer->m_loop = nullptr;
+}
+
+RunLoop* RunLoop::current() noexcept {
+    if (setLoop != nullptr) return setLoop;
+    if (isThreadEnding) return nullptr;
+    thread_local ThreadLoop own;
+    if (own.loop == nullptr) own.loop = makeForPlatform();
+    return own.loop.get();
+}
+
+RunLoop* RunLoop::setCurrent(RunLoop* loop) noexcept {
+    return std::exchange(setLoop, loop);
+}
+
+std::shared_ptr<RunLoopTimer> RunLoop::schedule(const TimerRequest& request) noexcept {
+    const ClockReading now = Clocks::current().monotonic();
+    if (now.error != 0) return nullptr;
+    std::shared_ptr<RunLoopTimer> timer;
+    try {
+        timer = std::make_shared<RunLoopTimer>(RunLoopTimer::Making{}, request);
+        timer->m_due = RunLoopTimer::later(now.nanoseconds, timer->m_interval);
+        timer->m_serial = ++m_lastSerial;
+        m_timers.emplace(Place(timer->m_due, timer->m_serial), timer);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+    timer->m_loop = this;
+    announceDeadline();
+    return timer;
+}
+
+RunLoop::Timers::const_iterator RunLoop::firstRunnable() const noexcept {
+    auto at = m_timers.begin();
+    while (at != m_timers.end() &&
+           (at->second->m_isFiring || !at->second->m_modes.contains(m_mode)))
+        ++at;
+    return at != m_timers.end() && at->first.first == RunLoopTimer::kNever ? m_timers.end() : at;
+}
+
+std::optional<std::uint64_t> RunLoop::nextDeadline() const noexcept {
+    const auto first = firstRunnable();
+    if (first == m_timers.end()) return std::nullopt;
+    return first->first.first;
+}
+
+int RunLoop::runDue() {
+    m_isAnnounced = false;
+    const WeakPointer<RunLoop> self(this);
+    const ClockReading now = Clocks::current().monotonic();
+    int count = 0;
+    // Whatever fires is due after `now` from then on, so each timer comes at most once.
+    while (now.error == 0) {
+        const auto first = firstRunnable();
+        if (first == m_timers.end() || first->first.first > now.nanoseconds) break;
+        const std::shared_ptr<RunLoopTimer> timer = first->second;
+        runOne(timer, now.nanoseconds);
+        ++count;
+        if (!self) return count;
+    }
+    announceDeadline();
+    return count;
+}
+
+void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t now) {
+    if (timer->m_repeats) {
+        moveTo(*timer, timer->nextTickAfter(now));
+    } else {
+        remove(*timer);
+    }
+    timer->send();  // may delete the loop
+    if (!timer->isValid()) return;
+    const ClockReading after = Clocks::current().monotonic();
+    if (after.error == 0 && after.nanoseconds >= timer->m_due) {
+        moveTo(*timer, timer->nextTickAfter(after.nanoseconds));
+    }
+}
+
+void RunLoop::moveTo(RunLoopTimer& timer, std::uint64_t due) noexcept {
+    auto node = m_timers.extract(Place(timer.m_due, timer.m_serial));
+    timer.m_due = due;
+    node.key() = Place(due, timer.m_serial);
+    m_timers.insert(std::move(node));
+}
+
+void RunLoop::remove(RunLoopTimer& timer) noexcept {
+    timer.m_loop = nullptr;
+    const auto node = m_timers.extract(Place(timer.m_due, timer.m_serial));
+    announceDeadline();
+}
+
+void RunLoop::setMode(RunLoopMode mode) noexcept {
+    m_mode = mode;
+    announceDeadline();
+}
+
+void RunLoop::announceDeadline() noexcept {
+    const std::optional<std::uint64_t> deadline = nextDeadline();
+    if (m_isAnnounced && deadline == m_announcedDeadline) return;
+    m_announcedDeadline = deadline;
+    m_isAnnounced = true;
+    deadlineChanged(deadline);
+}
+
+RunLoop::ModeScope::ModeScope(RunLoop& loop, RunLoopMode mode) noexcept
+    : m_loop(&loop), m_before(loop.mode()) {
+    loop.setMode(mode);
+}
+
+RunLoop::ModeScope::~ModeScope() {
+    if (m_loop) m_loop->setMode(m_before);
+}
+
+}  // namespace veltra

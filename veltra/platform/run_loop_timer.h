@@ -1,0 +1,105 @@
+// The timer of a run loop: sends an action to a target after an interval, once or again and again.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/platform/action.h"
+#include "veltra/platform/weak_anchor.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace veltra {
+
+class RunLoop;
+
+// The state of a run loop's caller: what the user is doing decides which timers may run.
+enum class RunLoopMode : std::uint8_t {
+    Default = 1,
+    EventTracking = 2,  // a menu, slider or knob follows the pointer
+    ModalPanel = 4,     // a modal panel runs
+};
+
+// A set of modes.
+class RunLoopModes {
+public:
+    constexpr RunLoopModes(RunLoopMode mode) noexcept : m_bits(static_cast<unsigned>(mode)) {}
+    static constexpr RunLoopModes all() noexcept { return RunLoopModes(7U); }
+
+    constexpr bool contains(RunLoopMode mode) const noexcept {
+        return (m_bits & static_cast<unsigned>(mode)) != 0;
+    }
+    friend constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept;
+
+private:
+    constexpr explicit RunLoopModes(unsigned bits) noexcept : m_bits(bits) {}
+
+    unsigned m_bits;
+};
+
+constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept {
+    return RunLoopModes(static_cast<unsigned>(left) | static_cast<unsigned>(right));
+}
+
+// What a timer is made of.
+struct TimerRequest {
+    // Not above 0, or no number: 0.1 ms. Infinite or beyond 146 years: never fires.
+    double seconds = 0.0;
+    Anchored* target = nullptr;  // not retained: the timer goes on in silence when it is gone
+    Action action{};             // sent with the RunLoopTimer as sender
+    void* userInfo = nullptr;    // the caller's
+    bool repeats = false;
+    RunLoopModes modes = RunLoopMode::Default;
+};
+
+// Made by RunLoop::schedule(), which shares its ownership with the caller until the timer becomes
+// invalid: by invalidate(), because it was to fire once, or because its loop is gone. An invalid
+// timer stays invalid. Thread: the loop's.
+class VELTRA_EXPORT RunLoopTimer final : public Anchored,
+                                         public std::enable_shared_from_this<RunLoopTimer> {
+    struct Making {};
+
+public:
+    RunLoopTimer(Making /*only RunLoop makes them*/, const TimerRequest& request) noexcept;
+
+    // Whether it is still scheduled. False already inside the action of a timer that fires once.
+    // Realtime-safe: yes.
+    bool isValid() const noexcept { return m_loop != nullptr; }
+
+    // Takes the timer off its loop. Safe at any time, also inside the timer's own action, after
+    // which it does not fire again. Realtime-safe: no.
+    void invalidate() noexcept;
+
+    // Sends the action now; nothing when invalid. A repeating timer keeps its schedule, any other
+    // becomes invalid first. Realtime-safe: no.
+    void fire();
+
+    // Seconds between two ticks, after the corrections of TimerRequest. Realtime-safe: yes.
+    double interval() const noexcept { return m_seconds; }
+
+    bool isRepeating() const noexcept { return m_repeats; }
+    void* userInfo() const noexcept { return m_userInfo; }
+
+private:
+    friend class RunLoop;
+
+    static constexpr std::uint64_t kNever = UINT64_MAX;
+
+    static std::uint64_t later(std::uint64_t now, std::uint64_t interval) noexcept;
+    std::uint64_t nextTickAfter(std::uint64_t now) const noexcept;
+    void send();
+
+    const WeakPointer<Anchored> m_target;
+    const Action m_action;
+    void* const m_userInfo;
+    const double m_seconds;
+    const std::uint64_t m_interval;  // nanoseconds, at least 1
+    const bool m_repeats;
+    const RunLoopModes m_modes;
+
+    RunLoop* m_loop = nullptr;     // set while scheduled
+    std::uint64_t m_due = kNever;  // with m_serial its place in the loop's order
+    std::uint64_t m_serial = 0;
+    bool m_isFiring = false;
+};
+
+}  // namespace veltra
