@@ -1,0 +1,244 @@
+#include "veltra/processor/detail/plain_conversion.h"
+
+#include "veltra/processor/detail/bytes.h"
+
+#include <array>
+#include <cstring>
+
+namespace veltra::detail {
+
+namespace {
+
+constexpr std::size_t kFloatSize = sizeof(float);
+constexpr std::uint32_t kSignBit = 0x8000'0000U;
+constexpr std::uint32_t kOne = 0x3F80'0000U;        // the bits of 1.0F
+constexpr std::uint32_t kFullScale = 0x7FFF'FF00U;  // what 1.0 and more become, of 32 bits
+constexpr std::uint32_t kExponentBias = 127;
+constexpr int kMantissaBits = 23;
+
+// The float value / 2^23, value being from -2^23 to 2^23 - 1: the float of the same sign whose
+// mantissa is the magnitude has 1.0 too much.
+std::uint32_t floatOfFraction(std::int32_t value) noexcept {
+    const std::uint32_t sign = static_cast<std::uint32_t>(value) & kSignBit;
+    const std::uint32_t magnitude =
+        value < 0 ? 0U - static_cast<std::uint32_t>(value) : static_cast<std::uint32_t>(value);
+    const std::uint32_t one = kOne | sign;
+    return std::bit_cast<std::uint32_t>(std::bit_cast<float>(one + magnitude) -
+                                        std::bit_cast<float>(one));
+}
+
+// x * 2^31 truncated, clipped; works on the bits, so that no rounding mode or denormal setting of
+// the calling thread can change a file.
+std::uint32_t fractionOfFloat(std::uint32_t bits) noexcept {
+    const std::uint32_t biased = bits >> kMantissaBits & 0xFFU;
+    const std::uint32_t shift = kExponentBias - biased;  // huge when biased is above the bias
+    std::uint32_t magnitude = (bits << 8 | kSignBit) >> (shift & 31U);
+    magnitude = shift < 32 ? magnitude : 0;
+    magnitude = biased >= kExponentBias ? kFullScale : magnitude;
+    return (bits & kSignBit) != 0 ? 0U - magnitude : magnitude;
+}
+
+// A sample format: its size, what its bytes say as the bits of a float, and whether there is a
+// two-channel form to floats (kSplits) and from floats (kInterleaves). Integers pass through a word
+// that holds the sample in its top bits.
+template <std::size_t size, bool isFloat, bool splits, bool interleaves>
+struct SampleTraits {
+    static constexpr std::size_t kSize = size;
+    static constexpr bool kIsFloat = isFloat;  // nothing but copied
+    static constexpr bool kSplits = splits;
+    static constexpr bool kInterleaves = interleaves;
+};
+
+template <class Word, ByteOrder order>
+struct IntegerSample : SampleTraits<sizeof(Word), false, sizeof(Word) < 4, true> {
+    static constexpr int kShift = 32 - 8 * static_cast<int>(sizeof(Word));
+    // Little-endian bytes are unsigned.
+    static constexpr std::uint32_t kOffset =
+        sizeof(Word) == 1 && order == ByteOrder::Little ? kSignBit : 0;
+
+    static std::uint32_t decode(const unsigned char* bytes) noexcept {
+        const std::uint32_t word = std::uint32_t{load<Word, order>(bytes)} << kShift ^ kOffset;
+        return floatOfFraction(static_cast<std::int32_t>(word) >> 8);
+    }
+
+    static void encode(unsigned char* bytes, std::uint32_t bits) noexcept {
+        store<Word, order>(bytes, static_cast<Word>((fractionOfFloat(bits) ^ kOffset) >> kShift));
+    }
+};
+
+template <ByteOrder order>
+struct Integer24Sample : SampleTraits<3, false, true, true> {
+    static constexpr std::size_t kHigh = order == ByteOrder::Big ? 0 : 2;
+    static constexpr std::size_t kLow = 2 - kHigh;
+
+    static std::uint32_t decode(const unsigned char* bytes) noexcept {
+        const std::uint32_t word = std::uint32_t{bytes[kHigh]} << 24 |
+                                   std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[kLow]} << 8;
+        return floatOfFraction(static_cast<std::int32_t>(word) >> 8);
+    }
+
+    static void encode(unsigned char* bytes, std::uint32_t bits) noexcept {
+        const std::uint32_t word = fractionOfFloat(bits);
+        bytes[kHigh] = static_cast<unsigned char>(word >> 24);
+        bytes[1] = static_cast<unsigned char>(word >> 16);
+        bytes[kLow] = static_cast<unsigned char>(word >> 8);
+    }
+};
+
+struct Float32Sample : SampleTraits<sizeof(float), true, true, true> {
+    static std::uint32_t decode(const unsigned char* bytes) noexcept {
+        return load<std::uint32_t>(bytes);
+    }
+
+    static void encode(unsigned char* bytes, std::uint32_t bits) noexcept { store(bytes, bits); }
+};
+
+struct Float64Sample : SampleTraits<sizeof(double), false, false, false> {
+    static std::uint32_t decode(const unsigned char* bytes) noexcept {
+        return std::bit_cast<std::uint32_t>(static_cast<float>(load<double>(bytes)));
+    }
+
+    static void encode(unsigned char* bytes, std::uint32_t bits) noexcept {
+        store(bytes, static_cast<double>(std::bit_cast<float>(bits)));
+    }
+};
+
+bool apart(const unsigned char* first, std::size_t firstSize, const unsigned char* second,
+           std::size_t secondSize) noexcept {
+    const auto firstStart = reinterpret_cast<std::uintptr_t>(first);
+    const auto secondStart = reinterpret_cast<std::uintptr_t>(second);
+    return firstStart + firstSize <= secondStart || secondStart + secondSize <= firstStart;
+}
+
+// Runs the frames of a conversion. In place it must not write over what it has yet to read, so it
+// runs backwards when it widens; buffers that lie apart are faster forwards.
+template <bool widens, class Step>
+void eachFrame(std::size_t count, bool buffersApart, Step step) noexcept {
+    if (widens && !buffersApart) {
+        for (std::size_t index = count; index-- > 0;) {
+            step(index);
+        }
+    } else {
+        for (std::size_t index = 0; index < count; ++index) {
+            step(index);
+        }
+    }
+}
+
+// A frame is read whole before any of it is written.
+template <class Sample>
+void decodeOne(unsigned char* destination, const unsigned char* source,
+               std::size_t count) noexcept {
+    const bool buffersApart = apart(destination, kFloatSize * count, source, Sample::kSize * count);
+    eachFrame<Sample::kSize <= kFloatSize>(count, buffersApart, [=](std::size_t index) {
+        store(destination + kFloatSize * index, Sample::decode(source + Sample::kSize * index));
+    });
+}
+
+template <class Sample>
+void decodeTwo(unsigned char* first, unsigned char* second, const unsigned char* source,
+               std::size_t count) noexcept {
+    constexpr std::size_t kFrameSize = 2 * Sample::kSize;
+    const bool buffersApart = apart(first, kFloatSize * count, source, kFrameSize * count) &&
+                              apart(second, kFloatSize * count, source, kFrameSize * count);
+    eachFrame<kFrameSize <= kFloatSize>(count, buffersApart, [=](std::size_t index) {
+        const unsigned char* frame = source + kFrameSize * index;
+        const std::uint32_t firstBits = Sample::decode(frame);
+        const std::uint32_t secondBits = Sample::decode(frame + Sample::kSize);
+        store(first + kFloatSize * index, firstBits);
+        store(second + kFloatSize * index, secondBits);
+    });
+}
+
+template <class Sample>
+void encodeOne(unsigned char* destination, const unsigned char* source,
+               std::size_t count) noexcept {
+    const bool buffersApart = apart(destination, Sample::kSize * count, source, kFloatSize * count);
+    eachFrame<(Sample::kSize > kFloatSize)>(count, buffersApart, [=](std::size_t index) {
+        Sample::encode(destination + Sample::kSize * index,
+                       load<std::uint32_t>(source + kFloatSize * index));
+    });
+}
+
+template <class Sample>
+void encodeTwo(unsigned char* destination, const unsigned char* first, const unsigned char* second,
+               std::size_t count) noexcept {
+    constexpr std::size_t kFrameSize = 2 * Sample::kSize;
+    const bool buffersApart = apart(destination, kFrameSize * count, first, kFloatSize * count) &&
+                              apart(destination, kFrameSize * count, second, kFloatSize * count);
+    eachFrame<(kFrameSize > kFloatSize)>(count, buffersApart, [=](std::size_t index) {
+        unsigned char* frame = destination + kFrameSize * index;
+        const auto firstBits = load<std::uint32_t>(first + kFloatSize * index);
+        const auto secondBits = load<std::uint32_t>(second + kFloatSize * index);
+        Sample::encode(frame, firstBits);
+        Sample::encode(frame + Sample::kSize, secondBits);
+    });
+}
+
+const unsigned char* bytesOf(const void* buffer) noexcept {
+    return static_cast<const unsigned char*>(buffer);
+}
+
+unsigned char* bytesOf(void* buffer) noexcept {
+    return static_cast<unsigned char*>(buffer);
+}
+
+template <class Sample>
+void toFloat(float* destination, const void* source, std::size_t count,
+             float* secondDestination) noexcept {
+    const bool inPlace = destination == source;
+    if (destination == nullptr || source == nullptr) return;
+    if (Sample::kIsFloat && inPlace) return;
+    if (!Sample::kSplits || secondDestination == nullptr || (Sample::kSize == 3 && inPlace)) {
+        decodeOne<Sample>(bytesOf(destination), bytesOf(source), count);
+    } else {
+        decodeTwo<Sample>(bytesOf(destination), bytesOf(secondDestination), bytesOf(source), count);
+    }
+}
+
+template <class Sample>
+void fromFloat(void* destination, const float* source, std::size_t count,
+               const float* secondSource) noexcept {
+    if (destination == nullptr || source == nullptr) return;
+    if (Sample::kIsFloat && destination == source) return;
+    if (!Sample::kInterleaves || secondSource == nullptr) {
+        encodeOne<Sample>(bytesOf(destination), bytesOf(source), count);
+    } else {
+        encodeTwo<Sample>(bytesOf(destination), bytesOf(source), bytesOf(secondSource), count);
+    }
+}
+
+struct Row {
+    std::int32_t format;
+    bool swapped;
+    SampleConverters converters;
+};
+
+template <class Sample>
+constexpr SampleConverters kOf{toFloat<Sample>, fromFloat<Sample>};
+
+constexpr std::array<Row, 11> kRows{{
+    {kSampleFloat64, false, kOf<Float64Sample>},
+    {kSampleFloat32, false, kOf<Float32Sample>},
+    {kSampleInt8, false, kOf<IntegerSample<std::uint8_t, ByteOrder::Big>>},
+    {kSampleInt16, false, kOf<IntegerSample<std::uint16_t, ByteOrder::Big>>},
+    {kSampleInt24, false, kOf<Integer24Sample<ByteOrder::Big>>},
+    {kSampleInt32, false, kOf<IntegerSample<std::uint32_t, ByteOrder::Big>>},
+    {kSampleFloat32, true, kOf<Float32Sample>},
+    {kSampleInt8, true, kOf<IntegerSample<std::uint8_t, ByteOrder::Little>>},
+    {kSampleInt16, true, kOf<IntegerSample<std::uint16_t, ByteOrder::Little>>},
+    {kSampleInt24, true, kOf<Integer24Sample<ByteOrder::Little>>},
+    {kSampleInt32, true, kOf<IntegerSample<std::uint32_t, ByteOrder::Little>>},
+}};
+
+}  // namespace
+
+SampleConverters plainConverters(std::int32_t format, bool swapped) noexcept {
+    for (const Row& row : kRows) {
+        if (row.format == format && row.swapped == swapped) return row.converters;
+    }
+    return {[](float*, const void*, std::size_t, float*) noexcept {},
+            [](void*, const float*, std::size_t, const float*) noexcept {}};
+}
+
+}  // namespace veltra::detail

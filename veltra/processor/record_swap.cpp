@@ -1,0 +1,209 @@
+#include "veltra/processor/record_swap.h"
+
+#include "veltra/processor/detail/bytes.h"
+
+#include <array>
+#include <atomic>
+
+namespace veltra {
+
+namespace {
+
+using detail::ByteOrder;
+using detail::reverse;
+using detail::reverseWords;
+
+// Relaxed throughout: the limit is a value of its own and orders nothing else, so no operation on
+// it has a partner.
+std::atomic<std::uintptr_t> intelLimit{UINTPTR_MAX};
+
+std::uintptr_t currentLimit() noexcept {
+    return intelLimit.load(std::memory_order_relaxed);
+}
+
+void setLimit(std::uintptr_t limit) noexcept {
+    intelLimit.store(limit, std::memory_order_relaxed);
+}
+
+std::uintptr_t addressOf(const unsigned char* bytes) noexcept {
+    return reinterpret_cast<std::uintptr_t>(bytes);
+}
+
+enum class Kind : std::uint8_t {
+    Keep,
+    Reverse16,
+    Reverse32,
+    Reverse64,
+    Reverse32And16,
+    Reverse64Twice,
+    Length
+};
+
+struct Field {
+    Kind kind = Kind::Keep;
+    std::uint8_t size = 1;    // bytes of one value
+    std::uint8_t values = 1;  // how many, each with a limit test of its own
+};
+
+constexpr std::size_t kNamedCodes = 22;
+constexpr std::array<Field, kNamedCodes> kFields{{
+    {},                             // 0
+    {},                             // 1
+    {},                             // 2
+    {},                             // 3
+    {Kind::Keep, 2, 1},             // 4
+    {Kind::Keep, 3, 1},             // 5
+    {Kind::Keep, 4, 1},             // 6
+    {Kind::Reverse32, 4, 1},        // 7
+    {Kind::Reverse32, 4, 2},        // 8
+    {Kind::Reverse32, 4, 3},        // 9
+    {Kind::Reverse32, 4, 4},        // 10
+    {Kind::Reverse64, 8, 1},        // 11
+    {Kind::Reverse64, 8, 2},        // 12
+    {Kind::Reverse64, 8, 3},        // 13
+    {Kind::Reverse64, 8, 4},        // 14
+    {Kind::Reverse16, 2, 1},        // 15
+    {Kind::Reverse16, 2, 2},        // 16
+    {Kind::Reverse16, 2, 3},        // 17
+    {Kind::Reverse16, 2, 4},        // 18
+    {Kind::Reverse32And16, 6, 1},   // 19
+    {Kind::Reverse64Twice, 16, 1},  // 20
+    {Kind::Length, 2, 1},           // 21
+}};
+
+void reverseValue(unsigned char* value, Kind kind) noexcept {
+    switch (kind) {
+        case Kind::Keep:
+            break;
+        case Kind::Reverse32:
+            reverse<std::uint32_t>(value);
+            break;
+        case Kind::Reverse64:
+            reverse<std::uint64_t>(value);
+            break;
+        case Kind::Reverse32And16:
+            reverse<std::uint32_t>(value);
+            reverse<std::uint16_t>(value + sizeof(std::uint32_t));
+            break;
+        case Kind::Reverse64Twice:
+            reverseWords<std::uint64_t>(value, value, 2);
+            break;
+        case Kind::Reverse16:
+        case Kind::Length:
+            reverse<std::uint16_t>(value);
+            break;
+    }
+}
+
+// A length that says where its block ends moves the limit, and has then passed it: the length lies
+// inside the block. One that says nothing is a 16-bit value like any other.
+unsigned char* swapLength(unsigned char* record) noexcept {
+    reverse<std::uint16_t>(record);
+    const auto length =
+        static_cast<std::int16_t>(detail::load<std::uint16_t, ByteOrder::Big>(record));
+    unsigned char* const end = record + sizeof(std::uint16_t);
+    if (length > 2) {
+        setLimit(addressOf(record) + static_cast<std::uintptr_t>(length));
+    } else if (addressOf(end) > currentLimit()) {
+        reverse<std::uint16_t>(record);
+    }
+    return end;
+}
+
+// The limit is asked before a value is touched, so that a table may run past the end of a buffer
+// whose end is the limit.
+unsigned char* swapField(unsigned char* record, std::uint8_t fieldCode) noexcept {
+    const Field field = fieldCode < kNamedCodes ? kFields[fieldCode] : Field{};
+    if (field.kind == Kind::Length) return swapLength(record);
+
+    const std::uintptr_t limit = currentLimit();
+    unsigned char* end = record;
+    for (int value = 0; value < field.values; ++value) {
+        unsigned char* const start = end;
+        end += field.size;
+        if (addressOf(end) <= limit) reverseValue(start, field.kind);
+    }
+    if (field.values > 1 && addressOf(end) > limit) reverseValue(record, field.kind);
+    return end;
+}
+
+unsigned char* swapFields(unsigned char* record, std::uint8_t fieldCode,
+                          std::uint32_t count) noexcept {
+    for (std::uint32_t field = 0; field < count; ++field) {
+        record = swapField(record, fieldCode);
+    }
+    return record;
+}
+
+void swapTable(unsigned char* record, const std::uint8_t* table, std::uintptr_t limit) noexcept {
+    constexpr std::uint8_t kEnd = 0;
+    constexpr std::uint8_t kRepeat = 1;
+    constexpr std::uint8_t kRepeatLong = 2;
+
+    if (record == nullptr || table == nullptr) return;
+    const std::uintptr_t savedLimit = currentLimit();
+    setLimit(limit);
+    while (*table != kEnd) {
+        if (*table == kRepeat) {
+            record = swapFields(record, table[1], table[2]);
+            table += 3;
+        } else if (*table == kRepeatLong) {
+            record = swapFields(record, table[1],
+                                detail::load<std::uint16_t, ByteOrder::Big>(table + 2));
+            table += 4;
+        } else {
+            record = swapField(record, *table);
+            table += 1;
+        }
+    }
+    setLimit(savedLimit);
+}
+
+}  // namespace
+
+uintptr_t GetPIntelLimit() noexcept {
+    return currentLimit();
+}
+
+void SetPIntelLimit(uintptr_t limit) noexcept {
+    setLimit(limit);
+}
+
+void* IntelSwap(void* record, uint8_t fieldCode) noexcept {
+    return record == nullptr ? nullptr : swapField(static_cast<unsigned char*>(record), fieldCode);
+}
+
+void MultiIntelSwap(void* record, uint8_t fieldCode, int32_t repeatCount) noexcept {
+    if (record == nullptr || repeatCount <= 0) return;
+    swapFields(static_cast<unsigned char*>(record), fieldCode,
+               static_cast<std::uint32_t>(repeatCount));
+}
+
+void TabIntelSwap(void* record, const uint8_t* table) noexcept {
+    swapTable(static_cast<unsigned char*>(record), table, UINTPTR_MAX);
+}
+
+void LimitTabIntelSwap(void* record, const uint8_t* table, uintptr_t limit) noexcept {
+    swapTable(static_cast<unsigned char*>(record), table, limit);
+}
+
+void SwapData(void* destination, const void* source, const int8_t* description,
+              size_t length) noexcept {
+    if (destination == nullptr || source == nullptr || description == nullptr) return;
+    auto* to = static_cast<unsigned char*>(destination);
+    const auto* from = static_cast<const unsigned char*>(source);
+    for (; *description != 0; ++description) {
+        const int field = *description;
+        const auto size = static_cast<std::size_t>(field < 0 ? -field : field);
+        if (length < size) return;
+        std::memmove(to, from, size);
+        if (field == 2) reverse<std::uint16_t>(to);
+        if (field == 4) reverse<std::uint32_t>(to);
+        if (field == 8) reverse<std::uint64_t>(to);
+        to += size;
+        from += size;
+        length -= size;
+    }
+}
+
+}  // namespace veltra
