@@ -12,15 +12,16 @@
 
 VELTRA_C_BEGIN
 
-    // The counted forms: `count` groups of 8, 4, 4 and 2 bytes, each reversed. Deliberately, a
-    // count of 0x80000001 and more does nothing, just as 0 does: for callers that work out their
-    // count, a negative result is an empty buffer.
+    // Reverses each of `count` groups of 8, 4 and 2 bytes, in place.
+    //
+    // Deliberate, here and in PSwapCopyLong: a count of 0x80000001 and more does nothing, just as
+    // 0 does. To callers that work out their count, a negative result is an empty buffer.
     VELTRA_EXPORT void PSwapLongLong(void* buffer, uint32_t count) VELTRA_NOEXCEPT;
     VELTRA_EXPORT void PSwapLong(void* buffer, uint32_t count) VELTRA_NOEXCEPT;
     VELTRA_EXPORT void PSwapWord(void* buffer, uint32_t count) VELTRA_NOEXCEPT;
 
-    // Writes to `destination` what PSwapLong makes of `source`. `destination` may be `source`;
-    // buffers that overlap otherwise give no useful result.
+    // Writes to `destination` what PSwapLong would make of `source`. `destination` may be
+    // `source`; buffers that overlap otherwise give no useful result.
     VELTRA_EXPORT void PSwapCopyLong(void* destination, const void* source, uint32_t count)
         VELTRA_NOEXCEPT;
 
@@ -28,8 +29,7 @@ VELTRA_C_BEGIN
     VELTRA_EXPORT void SwapInt32(void* value) VELTRA_NOEXCEPT;
     VELTRA_EXPORT void SwapLong(void* value) VELTRA_NOEXCEPT;
 
-    // Turns `sampleCount` samples of a native stream into those of a swapped one, or back, in
-    // place:
+    // Turns `sampleCount` samples of a native stream into swapped ones, or back, in place:
     //   32 bits  reverses each 4-byte sample
     //   24 bits  exchanges the first and the third byte of each 3-byte sample
     //    8 bits  subtracts 128 from each byte (modulo 256): signed to unsigned and back

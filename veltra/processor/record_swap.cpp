@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdlib>
 
 namespace veltra {
 
@@ -110,8 +111,8 @@ unsigned char* swapLength(unsigned char* record) noexcept {
     return end;
 }
 
-// The limit is asked before a value is touched, so that a table may run past the end of a buffer
-// whose end is the limit.
+// A value is touched only after the limit allows it, so that a table may run past the end of a
+// buffer whose end is the limit; only the codes for several values reach for the first regardless.
 unsigned char* swapField(unsigned char* record, std::uint8_t fieldCode) noexcept {
     const Field field = fieldCode < kNamedCodes ? kFields[fieldCode] : Field{};
     if (field.kind == Kind::Length) return swapLength(record);
@@ -193,8 +194,8 @@ void SwapData(void* destination, const void* source, const int8_t* description,
     auto* to = static_cast<unsigned char*>(destination);
     const auto* from = static_cast<const unsigned char*>(source);
     for (; *description != 0; ++description) {
-        const int field = *description;
-        const auto size = static_cast<std::size_t>(field < 0 ? -field : field);
+        const int field{*description};
+        const auto size = static_cast<std::size_t>(std::abs(field));
         if (length < size) return;
         std::memmove(to, from, size);
         if (field == 2) reverse<std::uint16_t>(to);

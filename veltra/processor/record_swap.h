@@ -19,7 +19,8 @@
 //
 // The limit is one address for the whole process, and deliberately so: table runs, and fields of
 // code 21, on two threads at once disturb each other's limit. Keep them to one thread at a time.
-// No field need be aligned. A null record, table, destination, source or description does nothing.
+// No field need be aligned, and nothing depends on the host's own byte order. A null record, table,
+// destination, source or description does nothing. A table must end with 0.
 #pragma once
 
 #include "veltra/export.h"
@@ -29,8 +30,9 @@
 
 VELTRA_C_BEGIN
 
-    // The address that no reversed field may pass: a field may end at it. UINTPTR_MAX, which is
-    // where it starts, means no limit. Thread: any, see above. Realtime-safe: yes.
+    // The address that no reversed field may pass; a field may end at it. UINTPTR_MAX, the value
+    // at the start of the process, means no limit.
+    // Thread: any, see above. Realtime-safe: yes.
     VELTRA_EXPORT uintptr_t GetPIntelLimit(void) VELTRA_NOEXCEPT;
     VELTRA_EXPORT void SetPIntelLimit(uintptr_t limit) VELTRA_NOEXCEPT;
 
@@ -41,10 +43,10 @@ VELTRA_C_BEGIN
     // becomes record + L, the end of the block that the length heads, and stays there after the
     // call; outside a table run the caller puts it back.
     //
-    // Deliberate: the codes that stand for 2 to 4 values test the limit for each value, and when
-    // the last one ends beyond it, the first value is reversed once more, whether it was reversed
-    // before or not. Records that were written with these codes at the end of a block are read back
-    // only so. Thread: any, see above. Realtime-safe: yes.
+    // Deliberate: the codes for 2 to 4 values test the limit value by value, and when the last
+    // one ends beyond it, the first value is reversed once more, whether it was reversed before
+    // or not. Files hold records that were written so, and only the same rule reads them back.
+    // Thread: any, see above. Realtime-safe: yes.
     VELTRA_EXPORT void* IntelSwap(void* record, uint8_t fieldCode) VELTRA_NOEXCEPT;
 
     // IntelSwap on `repeatCount` fields of one code, one after another; 0 and less do nothing.
@@ -53,8 +55,8 @@ VELTRA_C_BEGIN
         VELTRA_NOEXCEPT;
 
     // Reverses the fields of `record` that `table` lists, without a limit or up to `limit`. The
-    // limit in force before is back in force afterwards. Thread: any, see above. Realtime-safe:
-    // yes.
+    // limit that was in force before is in force again afterwards.
+    // Thread: any, see above. Realtime-safe: yes.
     VELTRA_EXPORT void TabIntelSwap(void* record, const uint8_t* table) VELTRA_NOEXCEPT;
     VELTRA_EXPORT void LimitTabIntelSwap(void* record, const uint8_t* table, uintptr_t limit)
         VELTRA_NOEXCEPT;
@@ -62,8 +64,9 @@ VELTRA_C_BEGIN
     // Copies `length` bytes of fields, reversing some. `description` holds a signed byte for each
     // field and ends with 0: k > 0 is a field of k bytes, reversed when k is 2, 4 or 8; k < 0 is
     // |k| bytes kept as they are. The first field that does not fit in what is left of `length`
-    // ends the copy. `destination` and `source` may overlap: each field is moved before the next is
-    // read. Thread: any; does not use the limit. Realtime-safe: yes.
+    // ends the copy. A field may overlap its copy; with `destination` = `source` the fields are
+    // reversed in place.
+    // Thread: any; does not use the limit. Realtime-safe: yes.
     VELTRA_EXPORT void SwapData(void* destination, const void* source, const int8_t* description,
                                 size_t length) VELTRA_NOEXCEPT;
 

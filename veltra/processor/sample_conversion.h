@@ -35,15 +35,13 @@ VELTRA_C_BEGIN
     // Integers of n bits become s / 2^(n-1), exactly: -1.0 up to just below 1.0. Of 32 bits the
     // lowest eight are dropped, rounding down. 64-bit floats are rounded to 32 bits.
     //
-    // No buffer need be aligned. `destination` may be `source`, as far as it has room for the
-    // floats:
-    //   one channel, any format           converts in place
-    //   two channels, 8 and 16 bits       converts in place, `secondDestination` lying elsewhere
-    //   two channels, 24 bits             deliberately converts `count` samples in place as one
-    //                                     channel and leaves `secondDestination` as it is:
-    //                                     splitting 24-bit frames over themselves would lose
-    //                                     samples
-    //   two channels, 32-bit floats       does nothing
+    // No buffer need be aligned. `destination` may be `source`, when it has room for the floats:
+    //   one channel                   converts in place
+    //   two channels of 8 or 16 bits  converts in place, with `secondDestination` elsewhere
+    //   two channels of 24 bits       deliberately converts `count` samples in place as one channel
+    //                                 and leaves `secondDestination` as it is: frames split over
+    //                                 themselves would lose samples
+    //   two channels of 32-bit float  does nothing
     // Other overlaps are for no converter. A null `destination` or `source` does nothing.
     // Thread: any; a pure function of its buffers. Realtime-safe: yes.
     typedef void (*ConvertNToFloatProc)(float* destination, const void* source, size_t count,
@@ -53,17 +51,18 @@ VELTRA_C_BEGIN
     // interleaved from `source` and `secondSource`. kSampleFloat64 has one channel only and ignores
     // `secondSource`.
     //
-    // Integers are |x| * 2^31 truncated, with the sign of x, of which the top bits are kept: the
-    // narrow forms therefore round down, and the least negative x gives -1. What lies at or beyond
-    // +-1.0, infinities and NaNs by their sign bit, becomes +-0x7FFFFF00, so that 1.0 and -1.0 give
-    //     8 bits 127, -128   16 bits 32767, -32768   24 bits 8388607, -8388607   32 bits
-    //     +-2147483392.
-    // This is deliberate: other rounding would change the bytes of files that were rendered before.
+    // Integers are the top bits of |x| * 2^31, truncated, with the sign of x. The narrow formats
+    // therefore round down, and a negative x too small for them gives -1. What lies at or beyond
+    // 1.0 or -1.0, infinities and NaNs (by their sign bit) too, becomes 0x7FFFFF00 or its negative,
+    // so that 1.0 and -1.0 give
+    //    8 bits  127, -128            16 bits  32767, -32768
+    //   24 bits  8388607, -8388607    32 bits  2147483392, -2147483392
+    // Deliberate: other rounding would change the bytes of every file that is rendered again.
     //
     // No buffer need be aligned, and no byte past the last sample is written. `destination` may be
-    // `source`, as far as it has room for the stream: every format converts in place, with one
-    // channel and with two (`secondSource` lying elsewhere), but two-channel kSampleFloat32 does
-    // nothing. Other overlaps are for no converter. A null `destination` or `source` does nothing.
+    // `source`, when it has room for the stream: every format converts in place, with one channel
+    // and with two (`secondSource` elsewhere), but two channels of kSampleFloat32 do nothing.
+    // Other overlaps are for no converter. A null `destination` or `source` does nothing.
     // Thread: any; a pure function of its buffers. Realtime-safe: yes.
     typedef void (*ConvertFloatToNProc)(void* destination, const float* source, size_t count,
                                         const float* secondSource) VELTRA_NOEXCEPT;

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,10 +24,9 @@ struct Form {
     std::size_t size() const { return static_cast<std::size_t>(std::abs(format)); }
 };
 
-constexpr Form kIntegers[] = {{1, false}, {1, true}, {2, false}, {2, true},
-                              {3, false}, {3, true}, {4, false}, {4, true}};
 constexpr Form kForms[] = {{1, false}, {1, true}, {2, false},  {2, true},  {3, false}, {3, true},
                            {4, false}, {4, true}, {-4, false}, {-4, true}, {-8, false}};
+constexpr std::span<const Form> kIntegers(kForms, 8);
 
 void append(Bytes& bytes, Form form, std::int64_t value) {
     if (form.format == 1 && form.swapped) value += 128;
@@ -63,10 +64,13 @@ float* floatsAt(unsigned char* bytes) {
 template <class Convert>
 void expectOnly(const Bytes& before, const Bytes& after, Convert convert) {
     constexpr std::size_t kGuard = 13;
-    Bytes arena(std::max(before.size(), after.size()) + 2 * kGuard, 0xA5);
-    std::copy(before.begin(), before.end(), arena.begin() + kGuard);
+    Bytes arena(kGuard, 0xA5);
     Bytes expected = arena;
-    std::copy(after.begin(), after.end(), expected.begin() + kGuard);
+    arena.insert(arena.end(), before.begin(), before.end());
+    arena.resize(std::max(before.size(), after.size()) + 2 * kGuard, 0xA5);
+    expected.insert(expected.end(), after.begin(), after.end());
+    expected.insert(expected.end(), arena.begin() + static_cast<long>(expected.size()),
+                    arena.end());
     convert(arena.data() + kGuard);
     EXPECT_EQ(arena, expected);
 }
@@ -98,19 +102,17 @@ TEST(SampleConversion, EveryIntegerBecomesItsExactFractionAndComesBack) {
 TEST(SampleConversion, FloatsOfEveryExponentBecomeTheTruncatedAndClippedInteger) {
     Floats floats;
     for (std::uint32_t top = 0; top < 0x200; ++top) {  // sign and exponent
-        for (std::uint32_t mantissa :
-             {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU}) {
-            floats.push_back(std::bit_cast<float>(top << 23 | mantissa));
+        for (std::uint32_t low : {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU}) {
+            floats.push_back(std::bit_cast<float>(top << 23 | low));
         }
     }
     for (const Form form : kIntegers) {
         Bytes expected;
         for (const float x : floats) {
             const double size = std::fabs(static_cast<double>(x));
-            const std::int64_t magnitude =
-                size < 1.0 ? static_cast<std::int64_t>(size * 2147483648.0) : 0x7FFFFF00;
-            append(expected, form,
-                   (std::signbit(x) ? -magnitude : magnitude) >> (32 - 8 * form.format));
+            const auto magnitude = static_cast<std::int64_t>(size < 1 ? size * 0x1p31 : 0x7FFFFF00);
+            const std::int64_t result = std::signbit(x) ? -magnitude : magnitude;
+            append(expected, form, result >> (32 - 8 * form.format));
         }
         EXPECT_EQ(fromFloats(form, floats), expected) << form.format << form.swapped;
     }
@@ -119,33 +121,14 @@ TEST(SampleConversion, FloatsOfEveryExponentBecomeTheTruncatedAndClippedInteger)
 TEST(SampleConversion, FullScaleClippingAndTinyValuesGiveTheDocumentedIntegers) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-    const struct {
-        float input;
-        std::int32_t of8, of16, of24, of32;
-    } rows[] = {
-        {1.0F, 127, 32767, 8388607, 2147483392},
-        {-1.0F, -128, -32768, -8388607, -2147483392},
-        {1.5F, 127, 32767, 8388607, 2147483392},
-        {-1.5F, -128, -32768, -8388607, -2147483392},
-        {kInfinity, 127, 32767, 8388607, 2147483392},
-        {-kInfinity, -128, -32768, -8388607, -2147483392},
-        {kNan, 127, 32767, 8388607, 2147483392},
-        {-kNan, -128, -32768, -8388607, -2147483392},
-        {0.99999994F, 127, 32767, 8388607, 2147483520},
-        {-1e-9F, -1, -1, -1, -2},
-        {0.0F, 0, 0, 0, 0},
-        {-0.0F, 0, 0, 0, 0},
-        {-1e-10F, 0, 0, 0, 0},
-        {1.9F / 32768, 0, 1, 486, 124518},
-    };
-    for (const auto& row : rows) {
-        const std::int32_t results[] = {row.of8, row.of16, row.of24, row.of32};
-        for (const Form form : kIntegers) {
-            Bytes expected;
-            append(expected, form, results[form.format - 1]);
-            EXPECT_EQ(fromFloats(form, {row.input}), expected) << row.input << " " << form.format;
-        }
+    for (const float x : {1.0F, 1.5F, kInfinity, kNan}) {
+        EXPECT_EQ(fromFloats({1, true}, {x, -x}), (Bytes{255, 0}));
+        EXPECT_EQ(fromFloats({2, false}, {x, -x}), (Bytes{0x7F, 0xFF, 0x80, 0}));
+        EXPECT_EQ(fromFloats({3, true}, {x, -x}), (Bytes{0xFF, 0xFF, 0x7F, 1, 0, 0x80}));
+        EXPECT_EQ(fromFloats({4, false}, {x, -x}), (Bytes{0x7F, 0xFF, 0xFF, 0, 0x80, 0, 1, 0}));
     }
+    EXPECT_EQ(fromFloats({1, false}, {0.0F, -0.0F, -1e-9F, -1e-10F}), (Bytes{0, 0, 255, 0}));
+    EXPECT_EQ(fromFloats({4, false}, {0.99999994F}), (Bytes{0x7F, 0xFF, 0xFF, 0x80}));
 }
 
 TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {
@@ -163,68 +146,59 @@ TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidene
 }
 
 // What one channel gives is proved above; every other shape must agree with it.
-TEST(SampleConversion, ToFloatsTheShapesAgreeInPlaceAndNothingElseIsWritten) {
+TEST(SampleConversion, ToFloatsTwoChannelsAndInPlaceAgreeAndNothingElseIsWritten) {
     std::mt19937 random(1);
     for (const Form form : kForms) {
         const auto convert = GetConvertNToFloat(form.format, form.swapped);
-        for (const std::size_t count : {0, 1, 2, 3, 5, 64}) {
+        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U}) {
             SCOPED_TRACE(testing::Message() << form.format << form.swapped << " x " << count);
-            Bytes stream(2 * count * form.size() + 1);
+            Bytes stream(2 * count * form.size());
             std::generate(stream.begin(), stream.end(), [&] { return random() & 0xFFU; });
-            stream.pop_back();
-            const Floats all = toFloats(form, stream);
-            const Bytes one = bytesOf(Floats(all.begin(), all.begin() + static_cast<long>(count)));
-            Floats first;
-            Floats second;
+            const Bytes all = bytesOf(toFloats(form, stream));
+            const Bytes one(all.begin(), all.begin() + static_cast<long>(all.size() / 2));
+            Bytes two[2];
             for (std::size_t i = 0; i < all.size(); ++i) {
-                (i % 2 == 0 ? first : second).push_back(all[i]);
+                two[i / 4 % 2].push_back(all[i]);
             }
-            const bool splits = form.format != 4 && form.format != -8;
-            const bool splitsInPlace = form.format == 1 || form.format == 2;
+            if (form.format == 4 || form.format == -8) two[0] = one, two[1].clear();
+            const bool unsplit = form.format == 3 || form.format == -4;
+            const Bytes& firstInPlace = form.format == -4 ? stream : unsplit ? one : two[0];
 
             expectOnly({}, one,
                        [&](auto* at) { convert(floatsAt(at), stream.data(), count, nullptr); });
             expectOnly(stream, one, [&](auto* at) { convert(floatsAt(at), at, count, nullptr); });
-            expectOnly({}, splits ? bytesOf(second) : Bytes{}, [&](auto* secondAt) {
-                expectOnly({}, splits ? bytesOf(first) : one, [&](auto* at) {
-                    convert(floatsAt(at), stream.data(), count, floatsAt(secondAt));
+            expectOnly({}, two[1], [&](auto* second) {
+                expectOnly({}, two[0], [&](auto* at) {
+                    convert(floatsAt(at), stream.data(), count, floatsAt(second));
                 });
             });
-            expectOnly({}, splitsInPlace ? bytesOf(second) : Bytes{}, [&](auto* secondAt) {
-                const Bytes& after = form.format == -4 ? stream
-                                     : splitsInPlace   ? bytesOf(first)
-                                                       : one;
-                expectOnly(stream, after,
-                           [&](auto* at) { convert(floatsAt(at), at, count, floatsAt(secondAt)); });
+            expectOnly({}, unsplit ? Bytes{} : two[1], [&](auto* second) {
+                expectOnly(stream, firstInPlace,
+                           [&](auto* at) { convert(floatsAt(at), at, count, floatsAt(second)); });
             });
         }
     }
 }
 
-TEST(SampleConversion, FromFloatsTheShapesAgreeInPlaceAndNothingElseIsWritten) {
+TEST(SampleConversion, FromFloatsTwoChannelsAndInPlaceAgreeAndNothingElseIsWritten) {
     std::mt19937 random(2);
     std::uniform_real_distribution<float> distribution(-1.25F, 1.25F);
     for (const Form form : kForms) {
         const auto convert = GetConvertFloatToN(form.format, form.swapped);
-        for (const std::size_t count : {0, 1, 2, 3, 5, 64}) {
+        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U}) {
             SCOPED_TRACE(testing::Message() << form.format << form.swapped << " x " << count);
-            Floats first(count + 1);
-            Floats second(count + 1);
+            Floats first(count);
+            Floats second(count + 1);  // never null
             Floats both;
             for (std::size_t i = 0; i < count; ++i) {
                 both.push_back(first[i] = distribution(random));
                 both.push_back(second[i] = distribution(random));
             }
-            first.pop_back();
-            const Bytes source = bytesOf(first);
-            const Bytes one = fromFloats(form, first);
-            const Bytes two = form.format == -8 ? one : fromFloats(form, both);
-
             for (const bool stereo : {false, true}) {
                 const float* other = stereo ? second.data() : nullptr;
-                const Bytes& after = stereo ? two : one;
+                const Bytes after = fromFloats(form, stereo && form.format != -8 ? both : first);
                 expectOnly({}, after, [&](auto* at) { convert(at, first.data(), count, other); });
-                expectOnly(source, form.format == -4 ? source : after,
+                expectOnly(bytesOf(first), form.format == -4 ? Bytes{} : after,
                            [&](auto* at) { convert(at, floatsAt(at), count, other); });
             }
         }
@@ -232,25 +206,21 @@ TEST(SampleConversion, FromFloatsTheShapesAgreeInPlaceAndNothingElseIsWritten) {
 }
 
 TEST(SampleConversion, UnknownFormatsAndNullBuffersDoNothing) {
-    for (const std::int32_t format :
-         {INT32_MIN, -9, -8, -7, -5, -3, -2, -1, 0, 5, 8, 24, INT32_MAX}) {
-        for (const bool swapped : {false, true}) {
-            if (format == -8 && !swapped) continue;
-            float values[] = {0.5F, 0.25F};
-            float others[] = {0.125F};
-            GetConvertNToFloat(format, swapped)(values, others, 1, others);
-            GetConvertFloatToN(format, swapped)(values, others, 1, others);
-            EXPECT_TRUE(values[0] == 0.5F && values[1] == 0.25F && others[0] == 0.125F) << format;
-        }
+    float values[] = {0.5F, 0.25F};
+    float other = 0.125F;
+    const auto convertAll = [&](Form form, float* destination, const float* source) {
+        GetConvertNToFloat(form.format, form.swapped)(destination, source, 1, &other);
+        GetConvertFloatToN(form.format, form.swapped)(destination, source, 1, &other);
+    };
+    for (const std::int32_t format : {INT32_MIN, -7, -3, -2, -1, 0, 5, 8, 24, INT32_MAX}) {
+        convertAll({format, false}, values, &other);
+        convertAll({format == -7 ? -8 : format, true}, values, &other);
     }
     for (const Form form : kForms) {
-        float value = 0.5F;
-        GetConvertNToFloat(form.format, form.swapped)(nullptr, &value, 1, &value);
-        GetConvertNToFloat(form.format, form.swapped)(&value, nullptr, 1, nullptr);
-        GetConvertFloatToN(form.format, form.swapped)(nullptr, &value, 1, &value);
-        GetConvertFloatToN(form.format, form.swapped)(&value, nullptr, 1, nullptr);
-        EXPECT_EQ(value, 0.5F);
+        convertAll(form, nullptr, values);
+        convertAll(form, values, nullptr);
     }
+    EXPECT_TRUE(values[0] == 0.5F && values[1] == 0.25F && other == 0.125F);
 }
 
 }  // namespace
