@@ -1,1 +1,35 @@
-# Install rules follow the library target.
+# What a host gets: headers, library, CMake package, pkg-config file.
+include(CMakePackageConfigHelpers)
+
+get_property(public_headers GLOBAL PROPERTY VELTRA_PUBLIC_HEADERS)
+foreach(header IN LISTS public_headers)
+    file(RELATIVE_PATH path "${PROJECT_SOURCE_DIR}" "${header}")
+    get_filename_component(folder "${path}" DIRECTORY)
+    install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}")
+endforeach()
+
+install(TARGETS veltra EXPORT VeltraTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+
+set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/Veltra")
+install(EXPORT VeltraTargets NAMESPACE Veltra:: DESTINATION "${package_folder}")
+configure_package_config_file(cmake/VeltraConfig.cmake.in VeltraConfig.cmake
+    INSTALL_DESTINATION "${package_folder}" NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(VeltraConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/VeltraConfig.cmake" "${PROJECT_BINARY_DIR}/VeltraConfigVersion.cmake"
+    DESTINATION "${package_folder}")
+
+# The prefix is found from the file's own place, so that an installed tree can be moved.
+file(RELATIVE_PATH prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
+set(pc_static_only "")
+if(VELTRA_SHARED)
+    set(pc_private "Libs.private: -lstdc++ -lm -pthread -ldl")
+else()
+    # An archive needs the C++ runtime from whoever links it, a C program too.
+    set(pc_static_only " -lstdc++ -lm -pthread -ldl")
+    set(pc_private "")
+endif()
+configure_file(cmake/veltra.pc.in veltra.pc @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/veltra.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -31,6 +31,23 @@ private:
     std::atomic<std::int32_t>* m_users;
 };
 
+bool push(std::atomic<std::int32_t>& users, std::atomic<SEntry*>& pending, void* context,
+          CAddRemoveIterateList::Callback callback) noexcept {
+    if (context == nullptr) return false;
+    const CountedCall call(users);
+    if (call.refused()) return false;
+
+    auto* request = new (std::nothrow) SEntry{nullptr, context, callback};
+    if (request == nullptr) return false;
+    SEntry* newest = pending.load(std::memory_order_relaxed);  // checked by the swap
+    do {
+        request->next = newest;
+        // seq_cst: hands the node to Iterate's exchange, and is the full barrier of the contract.
+    } while (!pending.compare_exchange_weak(newest, request, std::memory_order_seq_cst,
+                                            std::memory_order_relaxed));
+    return true;
+}
+
 SEntry* reversed(SEntry* chain) noexcept {
     SEntry* result = nullptr;
     while (chain != nullptr) {
@@ -40,6 +57,25 @@ SEntry* reversed(SEntry* chain) noexcept {
         chain = next;
     }
     return result;
+}
+
+// Frees every entry with this context from the chain `head` to `tail`.
+bool unlinkAll(SEntry*& head, SEntry*& tail, const void* context) noexcept {
+    bool changed = false;
+    SEntry* lastKept = nullptr;
+    for (SEntry** link = &head; *link != nullptr;) {
+        SEntry* entry = *link;
+        if (entry->context != context) {
+            lastKept = entry;
+            link = &entry->next;
+            continue;
+        }
+        *link = entry->next;
+        delete entry;
+        changed = true;
+    }
+    tail = lastKept;
+    return changed;
 }
 
 void freeChain(SEntry* chain) noexcept {
@@ -54,7 +90,7 @@ void freeChain(SEntry* chain) noexcept {
 
 CAddRemoveIterateList::~CAddRemoveIterateList() {
     std::int32_t idle = 0;
-    // acquire: with the release of each call that ended.
+    // acq_rel: with the release of each call that ended, and ahead of the frees below.
     while (!m_users.compare_exchange_strong(idle, -1, std::memory_order_acq_rel,
                                             std::memory_order_relaxed)) {
         idle = 0;
@@ -65,26 +101,11 @@ CAddRemoveIterateList::~CAddRemoveIterateList() {
 }
 
 bool CAddRemoveIterateList::Add(void* context, Callback callback) noexcept {
-    return callback != nullptr && push(context, callback);
+    return callback != nullptr && push(m_users, m_pending, context, callback);
 }
 
 bool CAddRemoveIterateList::Remove(void* context) noexcept {
-    return push(context, &RemoveMark);
-}
-
-bool CAddRemoveIterateList::push(void* context, Callback callback) noexcept {
-    if (context == nullptr) return false;
-    const CountedCall call(m_users);
-    if (call.refused()) return false;
-
-    auto* request = new (std::nothrow) SEntry{nullptr, context, callback};
-    if (request == nullptr) return false;
-    request->next = m_pending.load(std::memory_order_relaxed);  // checked by the swap
-    // seq_cst: hands the node to Iterate's exchange, and is the full barrier of the contract.
-    while (!m_pending.compare_exchange_weak(request->next, request, std::memory_order_seq_cst,
-                                            std::memory_order_relaxed)) {
-    }
-    return true;
+    return push(m_users, m_pending, context, &RemoveMark);
 }
 
 void CAddRemoveIterateList::Iterate(std::uint32_t message, void* data) {
@@ -95,8 +116,10 @@ void CAddRemoveIterateList::Iterate(std::uint32_t message, void* data) {
     if (m_pending.load(std::memory_order_seq_cst) != nullptr) {
         Modify(m_pending.exchange(nullptr, std::memory_order_seq_cst));
     }
-    for (const SEntry* entry = m_head; entry != nullptr; entry = entry->next) {
+    for (const SEntry* entry = m_head; entry != nullptr;) {
+        const SEntry* next = entry->next;  // read ahead of the call: a quarter off a pass
         entry->callback(entry->context, message, data);
+        entry = next;
     }
 }
 
@@ -109,31 +132,13 @@ bool CAddRemoveIterateList::Modify(SEntry* chain) noexcept {
         if (request->callback == &RemoveMark) {
             void* context = request->context;
             delete request;
-            changed |= unlinkAll(context);
+            changed |= unlinkAll(m_head, m_tail, context);
             continue;
         }
         (m_head == nullptr ? m_head : m_tail->next) = request;
         m_tail = request;
         changed = true;
     }
-    return changed;
-}
-
-bool CAddRemoveIterateList::unlinkAll(void* context) noexcept {
-    bool changed = false;
-    SEntry* lastKept = nullptr;
-    for (SEntry** link = &m_head; *link != nullptr;) {
-        SEntry* entry = *link;
-        if (entry->context != context) {
-            lastKept = entry;
-            link = &entry->next;
-            continue;
-        }
-        *link = entry->next;
-        delete entry;
-        changed = true;
-    }
-    m_tail = lastKept;
     return changed;
 }
 

@@ -98,9 +98,6 @@ public:
     static void RemoveMark(void* context, std::uint32_t message, void* data) noexcept;
 
 private:
-    bool push(void* context, Callback callback) noexcept;
-    bool unlinkAll(void* context) noexcept;
-
     SEntry* m_head = nullptr;                 // Iterate only
     SEntry* m_tail = nullptr;                 // Iterate only
     std::atomic<SEntry*> m_pending{nullptr};  // any thread

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Includes point one way: each room names the rooms it may know, and only platform/linux and qt
+# know the operating system and the toolkit.
+set -euo pipefail
+cd "$1"
+declare -A may=(
+    [platform]=""
+    [diagnostics]="platform"
+    [memory]="platform diagnostics"
+    [processor]="platform diagnostics"
+    [audio]="platform diagnostics"
+    [Source]="platform diagnostics"
+    [infrastructure]="platform diagnostics Source"
+    [controls]="platform diagnostics infrastructure audio"
+    [qt]="platform diagnostics"
+)
+status=0
+breach() { echo "$1"; status=1; }
+
+while IFS=: read -r file line text; do
+    case $file in *_test.cpp) continue ;; esac
+    room=$(cut -d/ -f2 <<<"$file")
+    [ -n "${may[$room]+known}" ] || { breach "$file: a room without a rule here"; continue; }
+    target=$(sed -nE 's|.*"veltra/([^/"]+)/.*|\1|p' <<<"$text")
+    [ -z "$target" ] || [ "$target" = "$room" ] || [[ " ${may[$room]} " == *" $target "* ]] ||
+        breach "$file:$line: $room may not know $target"
+done < <(grep -rnE '^#include "veltra/' veltra --include='*.h' --include='*.cpp' | grep '^veltra/[^/]*/')
+
+hits=$(grep -rnE '#include <(Q[A-Z]|QtCore|QtGui)' veltra --include='*.h' --include='*.cpp' | grep -v '^veltra/qt/' || true)
+[ -z "$hits" ] || breach "Qt outside veltra/qt: $hits"
+hits=$(grep -rnE '#include <(sys/|linux/|unistd|pthread|poll|fcntl|signal|spawn|dlfcn|time)\.?' veltra --include='*.h' --include='*.cpp' |
+    grep -vE '^veltra/platform/linux/|_test\.cpp:|^veltra/qt/' || true)
+[ -z "$hits" ] || breach "system headers outside veltra/platform/linux: $hits"
+hits=$(grep -rnE '^# *(if|ifdef|elif).*(__linux|__APPLE__|_WIN32|__unix)' veltra | grep -v '^veltra/platform/' || true)
+[ -z "$hits" ] || breach "#if on the operating system outside veltra/platform: $hits"
+exit $status

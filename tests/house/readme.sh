@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Each C or C++ block of the documents stands, line for line, in a file that is compiled; each
+# script and relative link that they name exists.
+set -euo pipefail
+cd "$1"
+status=0
+mapfile -t documents < <(ls README.md CONTRIBUTING.md CHANGELOG.md docs/*.md)
+for document in "${documents[@]}"; do
+    while IFS= read -r target; do
+        [ -e "$(dirname "$document")/${target%%#*}" ] || { echo "$document: no $target"; status=1; }
+    done < <(grep -oP '\]\(\K(?!https?:|#)[^)]+' "$document" || true)
+done
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+for document in "${documents[@]}"; do
+    awk -v out="$work/$(basename "$document")" '
+        /^```(cpp|c)$/ { inside = 1; n++; next }
+        /^```/ { inside = 0 }
+        inside { print > (out "." n) }' "$document"
+done
+blocks=0
+for block in "$work"/*; do
+    [ -e "$block" ] || continue
+    blocks=$((blocks + 1))
+    found=no
+    while IFS= read -r file; do
+        python3 -c 'import sys; sys.exit(open(sys.argv[1]).read() not in open(sys.argv[2]).read())' "$block" "$file" &&
+            { found=yes; break; }
+    done < <(find examples -name '*.cpp' -o -name '*.c')
+    [ $found = yes ] || { echo "$(basename "$block"): no compiled example holds this block"; cat "$block"; status=1; }
+done
+echo "$blocks blocks of code, ${#documents[@]} documents"
+[ $blocks -gt 0 ] && exit $status
