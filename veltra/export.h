@@ -6,10 +6,10 @@
 
 #if defined(__GNUC__)
 #define VELTRA_EXPORT __attribute__((visibility("default")))
-#define VELTRA_PRINTF(format, arguments) __attribute__((format(printf, format, arguments)))
+#define VELTRA_PRINTF(text, first) __attribute__((format(printf, text, first)))
 #else
 #define VELTRA_EXPORT
-#define VELTRA_PRINTF(format, arguments)
+#define VELTRA_PRINTF(text, first)
 #endif
 
 #ifdef __cplusplus

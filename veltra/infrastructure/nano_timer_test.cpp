@@ -4,17 +4,13 @@
 
 #include <cerrno>
 #include <climits>
-#include <clocale>
-#include <memory>
-#include <string>
+#include <utility>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
 
-using ::testing::StartsWith;
 using ::testing::internal::CaptureStderr;
 using ::testing::internal::GetCapturedStderr;
 
@@ -41,38 +37,30 @@ TEST_F(QKNanoTimerTest, TakesOffItsOwnCostAtEachStopButNotWhileRunning) {
     timer->start();
     clocks.now += 100;
     EXPECT_EQ(timer->nanoseconds(), 100U);
-    timer->start();             // ignored
-    timer->setLoopcounter(50);  // ignored
+    timer->start();            // ignored
+    timer->setLoopcounter(9);  // ignored
     clocks.now += 20;
     timer->stop();
+    timer->stop();  // ignored
     EXPECT_EQ(timer->nanoseconds(), 90U);
-    timer->stop();        // ignored
     measure(*timer, 20);  // shorter than the cost: counts with 0
     EXPECT_EQ(timer->nanoseconds(), 45U);
-    measure(*timer, 30 + 11);
-    EXPECT_EQ(timer->nanoseconds(), 101U / 3);
-}
-
-TEST_F(QKNanoTimerTest, ResetForgetsAllButTheCorrection) {
-    const auto timer = calibrated(30);
-    measure(*timer, 1030);
     timer->start();
     timer->reset();
     timer->stop();
     EXPECT_EQ(timer->nanoseconds(), 0U);
-    measure(*timer, 130);
+    measure(*timer, 130);  // the correction outlives a reset
     EXPECT_EQ(timer->nanoseconds(), 100U);
 }
 
 TEST_F(QKNanoTimerTest, CountsDivideUnsignedAndWrap) {
     const auto timer = calibrated(0);
     measure(*timer, 1000);
-    timer->setLoopcounter(8);
-    EXPECT_EQ(timer->nanoseconds(), 125U);
-    timer->setLoopcounter(-1);
-    EXPECT_EQ(timer->nanoseconds(), 0U);
-    timer->setLoopcounter(0);
-    EXPECT_EQ(timer->nanoseconds(), 0U);
+    const std::pair<std::int32_t, std::uint64_t> cases[] = {{8, 125}, {-1, 0}, {0, 0}};
+    for (const auto& [count, average] : cases) {
+        timer->setLoopcounter(count);
+        EXPECT_EQ(timer->nanoseconds(), average);
+    }
     timer->setLoopcounter(INT_MAX);
     measure(*timer, 1);
     EXPECT_EQ(timer->nanoseconds(), 0U);
@@ -80,7 +68,6 @@ TEST_F(QKNanoTimerTest, CountsDivideUnsignedAndWrap) {
 
 TEST_F(QKNanoTimerTest, DescriptionChoosesTheUnitBeforeItRounds) {
     const auto timer = calibrated(0);
-    const char* const locale = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
     const struct {
         std::uint64_t nanoseconds;
         const char* text;
@@ -105,7 +92,6 @@ TEST_F(QKNanoTimerTest, DescriptionChoosesTheUnitBeforeItRounds) {
         clocks.now = each.nanoseconds;
         EXPECT_EQ(timer->description(), each.text);
     }
-    if (locale != nullptr) std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST_F(QKNanoTimerTest, ClockErrorsArePrintedAndReadAsZero) {
@@ -117,25 +103,6 @@ TEST_F(QKNanoTimerTest, ClockErrorsArePrintedAndReadAsZero) {
     CaptureStderr();
     EXPECT_EQ(QKNanoTimer::timer(), nullptr);
     EXPECT_EQ(GetCapturedStderr(), "host_get_clock_service : 22: Invalid argument\n");
-
-    CaptureStderr();
-    clocks.error = 0;
-    timer->start();
-    clocks.error = EIO;
-    timer->stop();
-    EXPECT_THAT(GetCapturedStderr(), StartsWith("clock_get_time : 5: "));
-    EXPECT_EQ(timer->nanoseconds(), 0U);  // 0 is before the start: clamped
-}
-
-TEST_F(QKNanoTimerTest, MeasuresWithTheSystemsClock) {
-    Clocks::install(nullptr);
-    const auto timer = QKNanoTimer::timer();
-    ASSERT_NE(timer, nullptr);
-    timer->start();
-    const std::uint64_t early = timer->nanoseconds();
-    EXPECT_LE(early, timer->nanoseconds());
-    timer->stop();
-    EXPECT_EQ(timer->nanoseconds(), timer->nanoseconds());
 }
 
 }  // namespace

@@ -9,22 +9,19 @@ namespace {
 
 TEST(QkTimeMarker, TellsSecondsAcrossMicrosecondBordersAndTheYear2038) {
     testing::ManualClocks clocks;
-    struct Case {
-        WallTime mark;
-        WallTime now;
+    const struct {
+        WallTime mark, now;
         float seconds;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{100, 0}, {100, 999}, 0.0F},  // below a microsecond
         {{100, 0}, {100, 1999}, 0.000001F},
         {{100, 750'000'000}, {102, 250'000'000}, 1.5F},
         {{100, 500'000'000}, {99, 0}, -1.5F},
         {{0x7FFFFFFF, 0}, {0x80000001, 500'000'000}, 2.5F},
         {{0xFFFFFFFF, 0}, {0x100000001, 0}, 2.0F},
-        {{0, 0}, {16'777'217, 0}, 16'777'216.0F},  // the difference is a float first
-        {{0, 0}, {16'777'217, 900'000'000}, 16'777'216.0F},
+        {{0, 0}, {16'777'217, 900'000'000}, 16'777'216.0F},  // the difference is a float first
     };
-    for (const Case& each : cases) {
+    for (const auto& each : cases) {
         clocks.wallTime = each.mark;
         QkTimeMarker marker;
         clocks.wallTime = each.now;

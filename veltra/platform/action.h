@@ -10,17 +10,17 @@
 // member function does not respond.
 #pragma once
 
-#include "veltra/export.h"
 #include "veltra/platform/weak_anchor.h"
 
 #include <cstddef>
-#include <type_traits>
+#include <typeinfo>
 
 namespace veltra {
 
 namespace detail {
 
 struct ActionEntry {
+    const std::type_info* name;
     bool (*respondsTo)(Anchored* target);
     bool (*send)(Anchored* target, Anchored* sender);
 };
@@ -79,14 +79,17 @@ template <typename Host, typename R, typename... P>
 struct ActionMethod<R (Host::*)(P...) const noexcept> : ActionSignature<Host, P...> {};
 
 template <auto Method>
+struct ActionName {};
+
+template <auto Method>
 bool respondsToAction(Anchored* target) {
     return dynamic_cast<typename ActionMethod<decltype(Method)>::Host*>(target) != nullptr;
 }
 
-// Its address is the identity of the action, in all libraries of a process: hence exported.
+// Each library of a process may have a copy of its own; the name is the same in all of them.
 template <auto Method>
-VELTRA_EXPORT inline constexpr ActionEntry actionEntry{
-    &respondsToAction<Method>, &ActionMethod<decltype(Method)>::template send<Method>};
+inline constexpr ActionEntry actionEntry{&typeid(ActionName<Method>), &respondsToAction<Method>,
+                                         &ActionMethod<decltype(Method)>::template send<Method>};
 
 }  // namespace detail
 
@@ -111,8 +114,9 @@ public:
     }
 
     constexpr explicit operator bool() const noexcept { return m_entry != nullptr; }
-    friend constexpr bool operator==(Action left, Action right) noexcept {
-        return left.m_entry == right.m_entry;
+    friend bool operator==(Action left, Action right) noexcept {
+        if (left.m_entry == right.m_entry) return true;
+        return left && right && *left.m_entry->name == *right.m_entry->name;
     }
 
 private:

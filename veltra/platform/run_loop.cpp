@@ -12,9 +12,11 @@ thread_local RunLoop* setLoop = nullptr;
 thread_local bool isThreadEnding = false;
 
 struct ThreadLoop {
-    std::unique_ptr<RunLoop> loop;
     ~ThreadLoop() { isThreadEnding = true; }
+    std::unique_ptr<RunLoop> loop;
 };
+
+thread_local ThreadLoop ownLoop;
 
 }  // namespace
 
@@ -27,9 +29,8 @@ RunLoop::~RunLoop() {
 RunLoop* RunLoop::current() noexcept {
     if (setLoop != nullptr) return setLoop;
     if (isThreadEnding) return nullptr;
-    thread_local ThreadLoop own;
-    if (own.loop == nullptr) own.loop = makeForPlatform();
-    return own.loop.get();
+    if (ownLoop.loop == nullptr) ownLoop.loop = makeForPlatform();
+    return ownLoop.loop.get();
 }
 
 RunLoop* RunLoop::setCurrent(RunLoop* loop) noexcept {

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <limits>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -12,27 +11,15 @@
 namespace veltra {
 namespace {
 
-using testing::ManualRunLoop;
 using TimerPointer = std::shared_ptr<RunLoopTimer>;
+constexpr std::uint64_t kMillisecond = 1'000'000;
 
 // Writes its letter at each tick, then does what the test asks for.
 struct Pen : Anchored {
     Pen(std::string& text, char sign) : page(text), letter(sign) {}
     void write(RunLoopTimer& timer) {
         page += letter;
-        if (const auto copy = then) copy(timer);  // the action may delete this pen
-    }
-    TimerRequest every(double seconds, RunLoopModes modes = RunLoopMode::Default) {
-        return {.seconds = seconds,
-                .target = this,
-                .action = action<&Pen::write>(),
-                .repeats = true,
-                .modes = modes};
-    }
-    TimerRequest once(double seconds) {
-        TimerRequest request = every(seconds);
-        request.repeats = false;
-        return request;
+        if (then) then(timer);
     }
     std::string& page;
     char letter;
@@ -41,205 +28,153 @@ struct Pen : Anchored {
 
 class RunLoopTest : public ::testing::Test {
 protected:
-    ManualRunLoop loop;
+    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all(),
+                       bool repeats = true) {
+        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, repeats, modes});
+    }
+    TimerPointer once(double seconds, Pen& pen) {
+        return every(seconds, pen, RunLoopModes::all(), false);
+    }
+    testing::ManualRunLoop loop;
+    const std::uint64_t start = loop.clocks.now;
     std::string page;
-    Pen a{page, 'a'};
-    Pen b{page, 'b'};
-    Pen c{page, 'c'};
+    Pen a{page, 'a'}, b{page, 'b'}, c{page, 'c'};
 };
 
 TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecond) {
-    const TimerPointer slow = loop.schedule(a.every(0.2));
-    const TimerPointer quick = loop.schedule(b.every(0.1));
-    loop.schedule(c.once(0.1));
-    const std::uint64_t start = loop.clocks.now;
-    EXPECT_EQ(loop.nextDeadline(), start + 100'000'000);
-    loop.clocks.now = start + 99'999'999;
+    const TimerPointer slow = every(0.2, a), quick = every(0.1, b), single = once(0.1, c);
+    loop.clocks.now = start + 100 * kMillisecond - 1;
     EXPECT_EQ(loop.runDue(), 0);
-    loop.clocks.now = start + 100'000'000;
+    loop.clocks.now += 1;
     EXPECT_EQ(loop.runDue(), 2);
-    EXPECT_EQ(page, "bc");
     loop.advance(0.1);
     EXPECT_EQ(page, "bcab");
     slow->invalidate();
+    EXPECT_EQ(loop.announced, start + 300 * kMillisecond);
     quick->invalidate();
     EXPECT_EQ(loop.announced, std::nullopt);
-    loop.advance(1.0);
-    EXPECT_EQ(page, "bcab");
+    EXPECT_FALSE(quick->isValid() || single->isValid());
 }
 
 TEST_F(RunLoopTest, MissedTicksAreSkippedAndTheBeatIsKept) {
-    const TimerPointer timer = loop.schedule(a.every(0.1));
-    const std::uint64_t start = loop.clocks.now;
-    loop.clocks.now = start + 350'000'000;
+    const TimerPointer timer = every(0.1, a);
+    loop.clocks.now = start + 350 * kMillisecond;
     EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.nextDeadline(), start + 400'000'000);
-
-    a.then = [&](RunLoopTimer&) { loop.clocks.now += 250'000'000; };  // a slow action
-    loop.clocks.now = start + 400'000'000;
-    EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.nextDeadline(), start + 700'000'000);
+    EXPECT_EQ(loop.nextDeadline(), start + 400 * kMillisecond);
+    a.then = [&](RunLoopTimer&) { loop.clocks.now += 250 * kMillisecond; };
+    loop.advance(0.05);
+    EXPECT_EQ(loop.nextDeadline(), start + 700 * kMillisecond);
     EXPECT_EQ(page, "aa");
 }
 
 TEST_F(RunLoopTest, OddIntervalsAreTamed) {
     constexpr double kInfinite = std::numeric_limits<double>::infinity();
-    constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
-    const std::uint64_t start = loop.clocks.now;
-    for (const double seconds : {0.0, -1.0, -kInfinite, kNoNumber}) {
-        const TimerPointer timer = loop.schedule(a.every(seconds));
-        EXPECT_EQ(timer->interval(), 0.0001) << seconds;
-        EXPECT_EQ(loop.nextDeadline(), start + 100'000) << seconds;
+    for (const double seconds : {0.0, -kInfinite, std::numeric_limits<double>::quiet_NaN()}) {
+        const TimerPointer timer = every(seconds, a);
+        EXPECT_EQ(loop.nextDeadline(), start + kMillisecond / 10) << seconds;
         timer->invalidate();
     }
     for (const double seconds : {kInfinite, 1e300, 1e10}) {
-        const TimerPointer timer = loop.schedule(a.every(seconds));
+        EXPECT_TRUE(every(seconds, a)->isValid());
         EXPECT_EQ(loop.nextDeadline(), std::nullopt) << seconds;
-        EXPECT_TRUE(timer->isValid());
-        timer->invalidate();
     }
-    const TimerPointer shortest = loop.schedule(a.every(1e-300));
-    EXPECT_EQ(loop.nextDeadline(), start + 1);
+    const TimerPointer shortest = every(1e-300, a);
     loop.clocks.now = start + 5;
     EXPECT_EQ(loop.runDue(), 1);
     EXPECT_EQ(loop.nextDeadline(), start + 6);
-    loop.clocks.now = UINT64_MAX - 3;
-    const TimerPointer late = loop.schedule(b.every(1.0));
-    EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.nextDeadline(), UINT64_MAX - 2);
 }
 
 TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModes) {
-    const TimerPointer common = loop.schedule(a.every(0.1, RunLoopModes::all()));
-    const TimerPointer plain = loop.schedule(b.every(0.1));
-    const TimerPointer modal =
-        loop.schedule(c.every(0.25, RunLoopMode::ModalPanel | RunLoopMode::EventTracking));
+    const TimerPointer common = every(0.1, a), plain = every(0.1, b, RunLoopMode::Default);
+    const TimerPointer held = every(0.25, c, RunLoopMode::ModalPanel | RunLoopMode::EventTracking);
     {
         const RunLoop::ModeScope tracking(loop, RunLoopMode::EventTracking);
         loop.advance(0.2);
-        EXPECT_EQ(page, "aa");
         const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
         loop.advance(0.1);
         EXPECT_EQ(page, "aaca");
-        common->invalidate();
-        modal->invalidate();
-        EXPECT_EQ(loop.announced, std::nullopt);
     }
-    EXPECT_EQ(loop.mode(), RunLoopMode::Default);
-    EXPECT_LT(loop.announced, loop.clocks.now);  // overdue: at once
-    loop.runDue();
+    EXPECT_EQ(loop.announced, start + 100 * kMillisecond);  // overdue: at once
+    loop.advance(0.0);
     EXPECT_EQ(page, "aacab");
 }
 
 TEST_F(RunLoopTest, FireByHandKeepsTheBeatOfRepeatingTimersAndEndsOthers) {
-    const TimerPointer repeating = loop.schedule(a.every(0.1));
-    const TimerPointer single = loop.schedule(b.once(0.1));
-    bool wasValid = true;
-    b.then = [&](RunLoopTimer& timer) { wasValid = timer.isValid(); };
-    const auto deadline = loop.nextDeadline();
-    loop.clocks.now += 30'000'000;
-    repeating->fire();
-    single->fire();
-    single->fire();
+    const TimerPointer repeating = every(0.1, a), single = once(0.1, b);
+    b.then = [](RunLoopTimer& timer) { EXPECT_FALSE(timer.isValid()); };
+    loop.clocks.now += 30 * kMillisecond;
+    for (const TimerPointer& timer : {repeating, single, single})
+        timer->fire();
     EXPECT_EQ(page, "ab");
-    EXPECT_FALSE(wasValid);
-    EXPECT_EQ(loop.nextDeadline(), deadline);
-    repeating->invalidate();
-    repeating->fire();
-    EXPECT_EQ(page, "ab");
+    EXPECT_EQ(loop.nextDeadline(), start + 100 * kMillisecond);
 }
 
 TEST_F(RunLoopTest, ActionsMayAddAndCancelTimersOfTheSameMoment) {
-    const TimerPointer first = loop.schedule(a.once(0.1));
-    TimerPointer second = loop.schedule(b.every(0.1));
-    const std::weak_ptr<RunLoopTimer> watched = second;
+    const TimerPointer first = once(0.1, a);
+    TimerPointer second = every(0.1, b);
     a.then = [&](RunLoopTimer&) {
-        second->invalidate();
-        second.reset();
-        loop.schedule(c.once(0.0));
+        std::exchange(second, nullptr)->invalidate();
+        every(0.0, c);
     };
-    c.then = [&](RunLoopTimer& timer) { timer.invalidate(); };
+    c.then = [](RunLoopTimer& timer) { timer.invalidate(); };
     loop.advance(0.15);
     EXPECT_EQ(page, "ac");
-    EXPECT_TRUE(watched.expired());
 }
 
 TEST_F(RunLoopTest, ANestedLoopRunsTheOthersAndNeverTheTimerThatRunsIt) {
-    const TimerPointer outer = loop.schedule(a.every(0.1, RunLoopModes::all()));
-    const TimerPointer inner = loop.schedule(b.every(0.1, RunLoopModes::all()));
-    const TimerPointer plain = loop.schedule(c.every(0.1));
+    const TimerPointer outer = every(0.1, a), inner = every(0.1, b);
+    const TimerPointer plain = every(0.1, c, RunLoopMode::Default);
     a.then = [&](RunLoopTimer&) {
-        page += '(';
         const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
         loop.advance(0.2);
-        page += ')';
+        page += '.';
     };
     loop.advance(0.1);
-    EXPECT_EQ(page, "a(bbb)c");
-    EXPECT_EQ(loop.nextDeadline(), loop.clocks.now + 100'000'000);  // one beat for all three
+    EXPECT_EQ(page, "abbb.c");
+    EXPECT_EQ(loop.nextDeadline(), start + 400 * kMillisecond);
 }
 
 TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
-    auto own = std::make_unique<ManualRunLoop>();
-    auto pen = std::make_unique<Pen>(page, 'x');
-    const TimerPointer deleter = own->schedule(a.every(0.1));
-    const TimerPointer behind = own->schedule(b.every(0.1));
-    const TimerPointer silent = own->schedule(pen->every(0.05));
-    pen.reset();
+    auto own = std::make_unique<testing::ManualRunLoop>();
+    auto gone = std::make_unique<Pen>(page, 'x');
+    const TimerPointer deleter = own->schedule({0.1, &a, action<&Pen::write>()});
+    const TimerPointer behind = own->schedule({0.1, gone.get(), action<&Pen::write>()});
+    const TimerPointer silent = own->schedule({0.05, gone.get(), action<&Pen::write>()});
+    gone.reset();
     a.then = [&](RunLoopTimer&) {
-        const RunLoop::ModeScope dies(*own, RunLoopMode::Default);
+        const RunLoop::ModeScope dies(*own, RunLoopMode::ModalPanel);
         own.reset();
     };
-    own->advance(0.05);
-    EXPECT_TRUE(silent->isValid());
-    own->advance(0.05);
+    own->advance(0.1);
+    behind->fire();
     EXPECT_EQ(page, "a");
     EXPECT_FALSE(deleter->isValid() || behind->isValid() || silent->isValid());
-    behind->fire();
-    behind->invalidate();
-    EXPECT_EQ(page, "a");
 }
 
-TEST_F(RunLoopTest, AnUnreadableClockFiresNothingAndBreaksNothing) {
-    const TimerPointer timer = loop.schedule(a.every(0.1));
-    loop.clocks.now += 200'000'000;
+TEST_F(RunLoopTest, ErrorsOfTheClockAndOfActionsLeaveTheLoopInOrder) {
+    const TimerPointer first = every(0.1, a), second = every(0.1, b);
+    loop.clocks.now = start + 100 * kMillisecond;
     loop.clocks.error = 22;
     EXPECT_EQ(loop.runDue(), 0);
-    EXPECT_EQ(loop.schedule(b.every(0.1)), nullptr);
+    EXPECT_EQ(every(0.1, c), nullptr);
     loop.clocks.error = 0;
-    a.then = [&](RunLoopTimer&) { loop.clocks.error = 22; };
-    EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_TRUE(timer->isValid());
-}
-
-TEST_F(RunLoopTest, AnActionThatThrowsLeavesTheLoopInOrder) {
-    const TimerPointer thrower = loop.schedule(a.every(0.1));
-    const TimerPointer behind = loop.schedule(b.every(0.1));
     a.then = [](RunLoopTimer&) { throw std::runtime_error("action"); };
-    loop.clocks.now += 100'000'000;
     EXPECT_THROW(loop.runDue(), std::runtime_error);
     EXPECT_EQ(loop.announced, loop.clocks.now);
     EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.announced, loop.clocks.now + 100'000'000);
+    EXPECT_EQ(loop.announced, loop.clocks.now + 100 * kMillisecond);
     EXPECT_EQ(page, "ab");
 }
 
-TEST_F(RunLoopTest, EachThreadHasItsOwnLoopUntilOneIsSet) {
-    EXPECT_EQ(RunLoop::current(), &loop);
-    RunLoop* other = nullptr;
+TEST_F(RunLoopTest, EachThreadHasItsOwnLoopWhileNoneIsSet) {
     TimerPointer left;
     std::thread([&] {
-        other = RunLoop::current();
-        EXPECT_EQ(other, RunLoop::current());
-        left = other->schedule(a.every(0.1));
-        EXPECT_TRUE(left->isValid());
-        {
-            const ManualRunLoop set;
-            EXPECT_EQ(RunLoop::current(), &set);
-        }
-        EXPECT_EQ(RunLoop::current(), other);
+        RunLoop* const own = RunLoop::current();
+        left = own->schedule({0.1, &a, action<&Pen::write>()});
+        EXPECT_TRUE(own != &loop && left->isValid());
+        { const testing::ManualRunLoop set; }
+        EXPECT_EQ(RunLoop::current(), own);
     }).join();
-    EXPECT_NE(other, &loop);
     EXPECT_FALSE(left->isValid());
 }
 

@@ -3,6 +3,7 @@
 #include "veltra/platform/run_loop.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace veltra {
 
@@ -18,7 +19,7 @@ std::uint64_t toNanoseconds(double seconds, std::uint64_t never) noexcept {
     constexpr double kLongest = 4611686018427387904.0;  // 2 to the 62nd
     const double nanoseconds = seconds * 1e9;
     if (nanoseconds >= kLongest) return never;
-    return std::max<std::uint64_t>(static_cast<std::uint64_t>(nanoseconds + 0.5), 1);
+    return std::max<std::uint64_t>(static_cast<std::uint64_t>(std::llround(nanoseconds)), 1);
 }
 
 }  // namespace

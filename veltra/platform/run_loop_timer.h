@@ -56,7 +56,9 @@ struct TimerRequest {
 // timer stays invalid. Thread: the loop's.
 class VELTRA_EXPORT RunLoopTimer final : public Anchored,
                                          public std::enable_shared_from_this<RunLoopTimer> {
-    struct Making {};
+    struct Making {
+        explicit Making() = default;
+    };
 
 public:
     RunLoopTimer(Making /*only RunLoop makes them*/, const TimerRequest& request) noexcept;

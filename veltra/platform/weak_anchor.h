@@ -23,10 +23,12 @@ namespace detail {
 
 // A weak pointer's place in the list of its object.
 class VELTRA_EXPORT WeakLink {
-protected:
-    WeakLink() noexcept = default;
+public:
     WeakLink(const WeakLink&) = delete;
     WeakLink& operator=(const WeakLink&) = delete;
+
+protected:
+    WeakLink() noexcept = default;
     ~WeakLink() { unlink(); }
 
     void link(const Anchored& object) noexcept;
@@ -49,6 +51,7 @@ class VELTRA_EXPORT Anchored {
 public:
     Anchored() noexcept = default;
     Anchored(const Anchored& /*other*/) noexcept {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assigns nothing at all
     Anchored& operator=(const Anchored& /*other*/) noexcept { return *this; }
     virtual ~Anchored();
 
@@ -77,8 +80,8 @@ public:
     ~WeakPointer() = default;
 
     WeakPointer& operator=(const WeakPointer& other) noexcept {
-        T* const object = other.get();  // before unlinking: other may be this very pointer
-        return *this = object;
+        if (this != &other) *this = other.get();
+        return *this;
     }
 
     WeakPointer& operator=(T* object) noexcept {

@@ -1,5 +1,7 @@
 #include "veltra/platform/clock.h"
 
+#include "veltra/platform/detail/immortal.h"
+
 #include <atomic>
 #include <cerrno>
 
@@ -27,8 +29,8 @@ public:
 };
 
 const Clocks& platformClocks() noexcept {
-    static const LinuxClocks clocks;
-    return clocks;
+    static const Immortal<LinuxClocks> clocks;
+    return *clocks;
 }
 
 std::atomic<const Clocks*> installedClocks{nullptr};

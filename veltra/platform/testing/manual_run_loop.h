@@ -5,6 +5,7 @@
 #include "veltra/platform/clock.h"
 #include "veltra/platform/run_loop.h"
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 
@@ -43,7 +44,8 @@ public:
     void advance(double seconds) {
         const WeakPointer<RunLoop> self(this);
         ManualClocks& clock = clocks;
-        const std::uint64_t end = clock.now + static_cast<std::uint64_t>(seconds * 1e9 + 0.5);
+        const std::uint64_t end =
+            clock.now + static_cast<std::uint64_t>(std::llround(seconds * 1e9));
         for (auto deadline = nextDeadline(); deadline && *deadline <= end;
              deadline = nextDeadline()) {
             if (*deadline > clock.now) clock.now = *deadline;

@@ -16,15 +16,10 @@ constexpr std::uint32_t kFullScale = 0x7FFF'FF00U;  // what 1.0 and more become,
 constexpr std::uint32_t kExponentBias = 127;
 constexpr int kMantissaBits = 23;
 
-// The float value / 2^23, value being from -2^23 to 2^23 - 1: the float of the same sign whose
-// mantissa is the magnitude has 1.0 too much.
+// The float value / 2^23, value being from -2^23 to 2^23 - 1. Both steps are exact in every
+// rounding mode: 24 bits fit a mantissa, and the factor is a power of two.
 std::uint32_t floatOfFraction(std::int32_t value) noexcept {
-    const std::uint32_t sign = static_cast<std::uint32_t>(value) & kSignBit;
-    const std::uint32_t magnitude =
-        value < 0 ? 0U - static_cast<std::uint32_t>(value) : static_cast<std::uint32_t>(value);
-    const std::uint32_t one = kOne | sign;
-    return std::bit_cast<std::uint32_t>(std::bit_cast<float>(one + magnitude) -
-                                        std::bit_cast<float>(one));
+    return std::bit_cast<std::uint32_t>(static_cast<float>(value) * 0x1p-23F);
 }
 
 // x * 2^31 truncated, clipped; works on the bits, so that no rounding mode or denormal setting of
@@ -77,6 +72,13 @@ struct Integer24Sample : SampleTraits<3, false, true, true> {
         return floatOfFraction(static_cast<std::int32_t>(word) >> 8);
     }
 
+    // The same where a byte follows the sample: one load instead of three.
+    static std::uint32_t decodeFollowed(const unsigned char* bytes) noexcept {
+        const auto four = load<std::uint32_t, order>(bytes);
+        const std::uint32_t word = order == ByteOrder::Big ? four : four << 8;
+        return floatOfFraction(static_cast<std::int32_t>(word) >> 8);
+    }
+
     static void encode(unsigned char* bytes, std::uint32_t bits) noexcept {
         const std::uint32_t word = fractionOfFloat(bits);
         bytes[kHigh] = static_cast<unsigned char>(word >> 24);
@@ -125,23 +127,62 @@ void eachFrame(std::size_t count, bool buffersApart, Step step) noexcept {
     }
 }
 
-// A frame is read whole before any of it is written.
+template <class Sample>
+std::uint32_t decodeFollowed(const unsigned char* bytes) noexcept {
+    if constexpr (Sample::kSize == 3) return Sample::decodeFollowed(bytes);
+    return Sample::decode(bytes);
+}
+
+// Decodes most of a stream whose buffers lie apart, and answers how many frames: all but the last
+// few. A block is read whole before it is written, so that the compiler may use vectors without
+// having to prove that the buffers lie apart.
+template <class Sample, std::size_t channels>
+std::size_t decodeBlocks(const std::array<unsigned char*, channels>& destinations,
+                         const unsigned char* source, std::size_t count) noexcept {
+    constexpr std::size_t kFrames = 4;
+    std::size_t index = 0;
+    for (; index + kFrames < count; index += kFrames) {
+        std::array<std::array<std::uint32_t, kFrames>, channels> block;
+        for (std::size_t frame = 0; frame < kFrames; ++frame) {
+            for (std::size_t channel = 0; channel < channels; ++channel) {
+                const std::size_t sample = channels * (index + frame) + channel;
+                block[channel][frame] = decodeFollowed<Sample>(source + Sample::kSize * sample);
+            }
+        }
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            std::memcpy(destinations[channel] + kFloatSize * index, block[channel].data(),
+                        sizeof block[channel]);
+        }
+    }
+    return index;
+}
+
 template <class Sample>
 void decodeOne(unsigned char* destination, const unsigned char* source,
                std::size_t count) noexcept {
     const bool buffersApart = apart(destination, kFloatSize * count, source, Sample::kSize * count);
-    eachFrame<Sample::kSize <= kFloatSize>(count, buffersApart, [=](std::size_t index) {
+    const std::size_t done =
+        buffersApart ? decodeBlocks<Sample, 1>({destination}, source, count) : 0;
+    destination += kFloatSize * done;
+    source += Sample::kSize * done;
+    eachFrame<Sample::kSize <= kFloatSize>(count - done, buffersApart, [=](std::size_t index) {
         store(destination + kFloatSize * index, Sample::decode(source + Sample::kSize * index));
     });
 }
 
+// A frame is read whole before any of it is written.
 template <class Sample>
 void decodeTwo(unsigned char* first, unsigned char* second, const unsigned char* source,
                std::size_t count) noexcept {
     constexpr std::size_t kFrameSize = 2 * Sample::kSize;
     const bool buffersApart = apart(first, kFloatSize * count, source, kFrameSize * count) &&
                               apart(second, kFloatSize * count, source, kFrameSize * count);
-    eachFrame<kFrameSize <= kFloatSize>(count, buffersApart, [=](std::size_t index) {
+    const std::size_t done =
+        buffersApart ? decodeBlocks<Sample, 2>({first, second}, source, count) : 0;
+    first += kFloatSize * done;
+    second += kFloatSize * done;
+    source += kFrameSize * done;
+    eachFrame<kFrameSize <= kFloatSize>(count - done, buffersApart, [=](std::size_t index) {
         const unsigned char* frame = source + kFrameSize * index;
         const std::uint32_t firstBits = Sample::decode(frame);
         const std::uint32_t secondBits = Sample::decode(frame + Sample::kSize);

@@ -1,0 +1,65 @@
+#include "veltra/diagnostics/assertion.h"
+
+#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/platform/alert.h"
+
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+namespace veltra {
+
+namespace {
+
+constexpr std::uint32_t kErrorLevel = 3;
+constexpr double kAlertSeconds = 60.0;
+constexpr std::size_t kTextSize = 4096;
+
+// Meant for one thread; atomic so that a second one reads an old value and nothing worse.
+std::atomic<int> assertionHasFailed{0};
+
+AlertAnswer report(std::string_view text, std::string_view otherButton) noexcept {
+    logText(kErrorLevel, wantedBanner(), "dbgASSERT", text);
+    return presentAlert({.header = "Assertion failed",
+                         .message = text,
+                         .defaultButton = "Resume",
+                         .alternateButton = "Debugger",
+                         .otherButton = otherButton,
+                         .timeoutSeconds = kAlertSeconds});
+}
+
+const char* orNull(const char* text) noexcept {
+    return text != nullptr ? text : "(null)";
+}
+
+}  // namespace
+
+extern "C" {
+
+int dbgASSERT(int condition, const char* expression, const char* location,
+              int32_t* showCounter) noexcept {
+    assertionHasFailed.store(condition == 0 ? 1 : 0, std::memory_order_relaxed);
+    if (condition != 0) return 0;
+    if (showCounter != nullptr && *showCounter <= 0 && *showCounter != -1) return 0;
+
+    std::array<char, kTextSize> text;
+    std::snprintf(text.data(), text.size(), "ASSERT(%s) in %s failed.\n", orNull(expression),
+                  orNull(location));
+    const AlertAnswer answer =
+        report(text.data(), showCounter != nullptr ? "Don't show again" : "Stop");
+    if (showCounter != nullptr && *showCounter > 0) --*showCounter;
+    if (answer == AlertAnswer::Alternate) return 1;
+    if (answer != AlertAnswer::Other) return 0;
+    if (showCounter == nullptr) std::exit(1);  // NOLINT(concurrency-mt-unsafe): the user says stop
+    *showCounter = 0;
+    return 0;
+}
+
+int dbgAssertionFailed() noexcept {
+    return assertionHasFailed.exchange(0, std::memory_order_relaxed);
+}
+
+}  // extern "C"
+
+}  // namespace veltra

@@ -1,0 +1,94 @@
+#include "veltra/diagnostics/log.h"
+
+#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/diagnostics/detail/object_format.h"
+#include "veltra/diagnostics/detail/text_buffer.h"
+#include "veltra/platform/detail/string_object_text.h"
+
+#include <cerrno>
+
+namespace veltra {
+
+namespace {
+
+class ErrnoKeeper {
+public:
+    ErrnoKeeper() = default;
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ~ErrnoKeeper() { errno = m_before; }
+
+private:
+    int m_before = errno;
+};
+
+Banner bannerFrom(bool withBanner) noexcept {
+    return withBanner ? Banner::Yes : Banner::No;
+}
+
+[[gnu::format(printf, 4, 0)]] void logFormat(std::uint32_t level, Banner banner, const char* tag,
+                                             const char* format, va_list arguments) noexcept {
+    if (level > kHighestLogLevel) return;
+    if (format == nullptr) {
+        logMessage(level, banner, tag, std::nullopt);
+        return;
+    }
+    LocalTextBuffer<kUsualMessage> message;
+    if (!message.appendFormat(format, arguments)) message.append(format);
+    logMessage(level, banner, tag, message.view());
+}
+
+void logObjectFormat(std::uint32_t level, Banner banner, const char* tag, const VLString* format,
+                     va_list arguments) noexcept {
+    if (level > kHighestLogLevel) return;
+    if (format == nullptr) {
+        logMessage(level, banner, tag, std::nullopt);
+        return;
+    }
+    LocalTextBuffer<kUsualMessage> formatText;
+    formatText.appendString(format);
+    LocalTextBuffer<kUsualMessage> text;
+    appendObjectFormat(text, formatText.view(), arguments);
+    logText(level, banner, tag, text.view());
+}
+
+}  // namespace
+
+extern "C" {
+
+bool QKLogWithSyslogBanner() noexcept {
+    return wantedBanner() == Banner::Yes;
+}
+
+void QKLogCString(uint32_t level, bool withBanner, const char* tag, const char* format,
+                  ...) noexcept {
+    const ErrnoKeeper keeper;
+    va_list arguments;
+    va_start(arguments, format);
+    logFormat(level, bannerFrom(withBanner), tag, format, arguments);
+    va_end(arguments);
+}
+
+void QKLogCStringV(uint32_t level, bool withBanner, const char* tag, const char* format,
+                   va_list arguments) noexcept {
+    const ErrnoKeeper keeper;
+    logFormat(level, bannerFrom(withBanner), tag, format, arguments);
+}
+
+void QKLog(uint32_t level, bool withBanner, const char* tag, const VLString* format, ...) noexcept {
+    const ErrnoKeeper keeper;
+    va_list arguments;
+    va_start(arguments, format);
+    logObjectFormat(level, bannerFrom(withBanner), tag, format, arguments);
+    va_end(arguments);
+}
+
+void QKLogV(uint32_t level, bool withBanner, const char* tag, const VLString* format,
+            va_list arguments) noexcept {
+    const ErrnoKeeper keeper;
+    logObjectFormat(level, bannerFrom(withBanner), tag, format, arguments);
+}
+
+}  // extern "C"
+
+}  // namespace veltra

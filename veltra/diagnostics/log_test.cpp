@@ -1,0 +1,241 @@
+#include "veltra/diagnostics/log.h"
+
+#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/diagnostics/log_fakes.h"
+#include "veltra/platform/detail/string_object_text.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace veltra {
+namespace {
+
+using namespace std::string_literals;
+using Kind = LogWorld::Kind;
+constexpr auto kUnset = std::nullopt;
+const char* const kNoFormat = nullptr;
+
+// A string object for the length of a test.
+class Text {
+public:
+    explicit Text(std::string_view utf8) : m_string(createString(utf8)) {}
+    explicit Text(std::u16string_view utf16) : m_string(createString(utf16)) {}
+    ~Text() { releaseString(m_string); }
+    operator const VLString*() const { return m_string; }
+
+private:
+    const VLString* m_string;
+};
+
+TEST(Log, TheLineAndTheRecordHoldTheDocumentedTexts) {
+    LogWorld world;
+    QKLogCString(3, true, "X", "hel%s", "lo");
+    EXPECT_EQ(world.line(), "2024-01-31 09:05:07.042 prog[123:a0b] X: hello\n");
+    ASSERT_EQ(world.records.size(), 1U);
+    EXPECT_EQ(world.records[0].facility, "X");
+    const decltype(world.records[0].fields) fields{{"CFLog Local Time", "2024-01-31 09:05:07.042"},
+                                                   {"CFLog Thread", "a0b"},
+                                                   {"ReadUID", "1000"},
+                                                   {"Level", "3"},
+                                                   {"Message", "hello"}};
+    EXPECT_EQ(world.records[0].fields, fields);
+
+    world.forget();
+    world.userId = 4294967294U;
+    QKLogCString(7, false, nullptr, "plain");
+    EXPECT_EQ(world.line(), "plain\n");
+    EXPECT_EQ(world.records[0].facility, "QKLogCString");
+    const decltype(world.records[0].fields) bare{{"CFLog Local Time", kUnset},
+                                                 {"CFLog Thread", kUnset},
+                                                 {"ReadUID", "-2"},
+                                                 {"Level", "7"},
+                                                 {"Message", "plain"}};
+    EXPECT_EQ(world.records[0].fields, bare);
+}
+
+TEST(Log, EveryFormOfBannerTagAndMessage) {
+    const std::string banner = "2024-01-31 09:05:07.042 prog[123:a0b] ";
+    struct Row {
+        bool withBanner;
+        const char* tag;
+        const char* format;
+        std::string line;
+        std::string message;
+    };
+    const Row rows[] = {
+        {true, "X", "hello", banner + "X: hello\n", "hello"},
+        {true, nullptr, "hello", banner + "hello\n", "hello"},
+        {true, "X", nullptr, banner + "X\n", "X"},
+        {false, "X", nullptr, "X\n", "X"},
+        {false, "X\n", nullptr, "X\n", "X\n"},
+        {false, "X", "hello", "hello\n", "hello"},
+        {true, "X", "", banner + "X\n", ""},
+        {true, nullptr, "", banner + "\n", ""},
+        {false, "X", "", "\n", ""},
+        {false, "", nullptr, "\n", ""},
+        {true, "", "hello", banner + ": hello\n", "hello"},
+        {true, "X", "open\b", banner + "X: open\b", "open\b"},
+        {true, "X", "line\n", banner + "X: line\n", "line\n"},
+        {false, nullptr, "line\n\r", "line\n\r\n", "line\n\r"},
+        {true, "X", nullptr, banner + "X\n", "X"},
+    };
+    for (const Row& row : rows) {
+        LogWorld world;
+        logMessage(5, row.withBanner ? Banner::Yes : Banner::No, row.tag,
+                   row.format != nullptr ? std::optional<std::string_view>(row.format) : kUnset);
+        EXPECT_EQ(world.line(), row.line);
+        EXPECT_EQ(world.message(), row.message);
+    }
+}
+
+TEST(Log, NothingIsLoggedAboveTheHighestLevelOrWithoutTagAndFormat) {
+    LogWorld world;
+    for (const std::uint32_t level : {8U, 9U, 0x80000000U, 0xFFFFFFFFU})
+        QKLogCString(level, true, "X", "hello");
+    QKLogCString(3, true, nullptr, kNoFormat);
+    QKLog(3, true, nullptr, nullptr);
+    QKLog(8, true, "X", Text("hello"));
+    EXPECT_TRUE(world.records.empty() && world.lines.empty());
+    for (std::uint32_t level = 0; level <= 7; ++level) {
+        QKLogCString(level, true, "X", kNoFormat);
+        EXPECT_EQ(world.records.back().fields[LogRecord::Level].second, std::to_string(level));
+    }
+    EXPECT_EQ(world.lines.size(), 8U);
+}
+
+TEST(Log, WithoutLocalTimeThereIsNoBanner) {
+    LogWorld world;
+    world.localTime.reset();
+    QKLogCString(3, true, "X", "hello");
+    EXPECT_EQ(world.line(), "hello\n");
+    EXPECT_EQ(world.records[0].fields[LogRecord::LocalTime].second, kUnset);
+    EXPECT_EQ(world.records[0].fields[LogRecord::Thread].second, kUnset);
+    world.forget();
+    QKLogCString(3, true, "X", kNoFormat);
+    EXPECT_EQ(world.line(), "X\n");
+}
+
+TEST(Log, WhoGetsALineOnStandardError) {
+    ::unsetenv("CFLOG_FORCE_STDERR");
+    for (const bool isForced : {false, true})
+        for (const bool hasRaisedRights : {false, true})
+            for (const bool managed : {false, true})
+                for (const Kind kind :
+                     {Kind::Unusable, Kind::RegularFile, Kind::Pipe, Kind::Socket, Kind::Other}) {
+                    if (isForced) ::setenv("CFLOG_FORCE_STDERR", "", 1);
+                    LogWorld world;
+                    world.hasRaisedRights = hasRaisedRights;
+                    world.managed = managed;
+                    world.kind = kind;
+                    QKLogCString(6, false, nullptr, "x");
+                    ::unsetenv("CFLOG_FORCE_STDERR");
+                    const bool expected = (isForced && !hasRaisedRights) ||
+                                          kind == Kind::RegularFile ||
+                                          (kind != Kind::Unusable && !managed);
+                    EXPECT_EQ(world.lines.size(), expected ? 1U : 0U)
+                        << isForced << hasRaisedRights << managed << static_cast<int>(kind);
+                    EXPECT_EQ(world.message(), "x");
+                }
+}
+
+TEST(Log, TheEnvironmentDecidesAboutBannersAtEveryCall) {
+    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    EXPECT_TRUE(QKLogWithSyslogBanner());
+    ::setenv("VELTRA_TRACE_WITHOUT_BANNER", "", 1);
+    EXPECT_FALSE(QKLogWithSyslogBanner());
+    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    EXPECT_TRUE(QKLogWithSyslogBanner());
+}
+
+TEST(Log, ObjectFormatsAreReadTwice) {
+    const Text object("caf\xC3\xA9 50%%");
+    const std::pair<const char*, std::string> rows[] = {
+        {"100%%", "100%"},
+        {"100%%%%", "100%"},
+        {"%%d and %%s", "%d and %s"},
+        {"%%%%%%%%", "%%"},
+        {"%@|%@", "caf\xC3\xA9 50%|(null)"},
+    };
+    for (const auto& [format, expected] : rows) {
+        LogWorld world;
+        QKLog(6, false, "X", Text(format), static_cast<const VLString*>(object), nullptr);
+        EXPECT_EQ(world.message(), expected) << format;
+    }
+    LogWorld world;
+    QKLog(6, false, "X", nullptr);
+    EXPECT_EQ(world.message(), "X");
+    world.forget();
+    QKLog(6, false, "X", Text(u"cut\0here"s));
+    EXPECT_EQ(world.message(), "cut");
+}
+
+[[gnu::format(printf, 1, 2)]] void wrapper(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    QKLogCStringV(6, false, nullptr, format, arguments);
+    va_end(arguments);
+}
+
+void objectWrapper(const VLString* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    QKLogV(6, false, nullptr, format, arguments);
+    va_end(arguments);
+}
+
+TEST(Log, LongTextsWrappersAndTextsThatPrintfRefuses) {
+    for (const int length : {1022, 1023, 1024, 1025, 5000, 200'000}) {
+        LogWorld world;
+        wrapper("%0*d", length, 7);
+        EXPECT_EQ(world.message(), std::string(static_cast<std::size_t>(length - 1), '0') + "7");
+        world.forget();
+        objectWrapper(Text("%0*d"), length, 7);
+        EXPECT_EQ(world.message(), std::string(static_cast<std::size_t>(length - 1), '0') + "7");
+    }
+    LogWorld world;
+    const wchar_t noCharacter[] = {static_cast<wchar_t>(0x7FFFFFFF), 0};
+    QKLogCString(6, false, nullptr, "bad %ls", noCharacter);
+    EXPECT_EQ(world.message(), "bad %ls");
+    world.forget();
+    QKLogCString(6, false, nullptr, "cut%chere", 0);
+    EXPECT_EQ(world.message(), "cut");
+    EXPECT_EQ(world.line(), "cut\n");
+}
+
+TEST(Log, ErrnoIsKeptAndCanBeLogged) {
+    LogWorld world;
+    errno = ENOSPC;
+    QKLogCString(6, true, "X", std::string("%m").c_str());
+    EXPECT_EQ(errno, ENOSPC);
+    QKLog(6, true, "X", Text("%d %m"), 1);
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "No space left on device");
+    EXPECT_EQ(world.records[1].fields[LogRecord::Message].second, "1 No space left on device");
+}
+
+TEST(Log, ATextIsCutWhenMemoryIsOut) {
+#ifdef VELTRA_SANITIZED
+    GTEST_SKIP() << "sanitizers need the address space that this test takes away";
+#endif
+    const pid_t child = ::fork();
+    if (child == 0) {
+        LogWorld world;
+        const rlimit limit{64U << 20U, 64U << 20U};
+        ::setrlimit(RLIMIT_AS, &limit);
+        wrapper("%0*d", 100'000'000, 7);
+        ::_exit(world.message() == std::string(1023, '0') ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,15 @@
+// Trace output for C callers. The entry points are kept so that traced programs link; they emit
+// nothing.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <stddef.h>
+
+VELTRA_C_BEGIN
+
+    // Would dump `count` bytes at `address`; deliberately emits nothing and reads nothing, so that
+    // any address and any count, also a negative one, are fine. Thread: any. Realtime-safe: yes.
+    VELTRA_EXPORT void QKOutputMemory(const void* address, ptrdiff_t count) VELTRA_NOEXCEPT;
+
+VELTRA_C_END

@@ -1,0 +1,51 @@
+#include "veltra/platform/alert.h"
+
+#include <algorithm>
+#include <atomic>
+
+namespace veltra {
+
+namespace {
+
+constexpr double kLongestTimeoutSeconds = 24.0 * 60.0 * 60.0;
+
+std::atomic<AlertPresenter*> installedPresenter{nullptr};
+
+bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
+    switch (answer) {
+        case AlertAnswer::Default:
+            return true;
+        case AlertAnswer::Alternate:
+            return !alert.alternateButton.empty();
+        case AlertAnswer::Other:
+            return !alert.otherButton.empty();
+        case AlertAnswer::TimedOut:
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+AlertPresenter::~AlertPresenter() = default;
+
+AlertPresenter& AlertPresenter::current() noexcept {
+    AlertPresenter* installed =
+        installedPresenter.load(std::memory_order_acquire);  // with install()
+    return installed != nullptr ? *installed : platform();
+}
+
+AlertPresenter* AlertPresenter::install(AlertPresenter* presenter) noexcept {
+    return installedPresenter.exchange(presenter, std::memory_order_acq_rel);  // with current()
+}
+
+AlertAnswer presentAlert(const Alert& alert) noexcept {
+    if (!(alert.timeoutSeconds > 0.0)) return AlertAnswer::TimedOut;
+    Alert asked = alert;
+    asked.timeoutSeconds = std::min(alert.timeoutSeconds, kLongestTimeoutSeconds);
+    if (asked.defaultButton.empty()) asked.defaultButton = "OK";
+    const AlertAnswer answer = AlertPresenter::current().present(asked);
+    return isOffered(answer, asked) ? answer : AlertAnswer::TimedOut;
+}
+
+}  // namespace veltra

@@ -1,0 +1,195 @@
+#include "veltra/platform/linux/journal_log.h"
+
+#include "veltra/platform/clock.h"
+#include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/linux/descriptor.h"
+#include "veltra/platform/linux/journal_datagram.h"
+#include "veltra/platform/linux/quiet_calls.h"
+#include "veltra/platform/local_time.h"
+#include "veltra/platform/process.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+
+namespace veltra {
+
+namespace {
+
+constexpr int kSendFlags = MSG_DONTWAIT | MSG_NOSIGNAL;
+
+constexpr std::size_t kMostToSyslog = 8192;  // bytes of message where a daemon takes no more
+
+sockaddr_un addressOf(const char* path) noexcept {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string_view text = path;
+    if (text.size() < sizeof address.sun_path)  // else the empty path, where nobody listens
+        text.copy(address.sun_path, text.size());
+    return address;
+}
+
+bool nobodyListens(int error) noexcept {
+    return error == ENOENT || error == ENOTDIR || error == ECONNREFUSED || error == EPROTOTYPE ||
+           error == EACCES;
+}
+
+// What a descriptor answers that is not our socket. Our own, given an address of its own family,
+// answers none of these.
+bool isForeign(int error) noexcept {
+    return error == EBADF || error == ENOTSOCK || error == EAFNOSUPPORT || error == EINVAL ||
+           error == EISCONN || error == EOPNOTSUPP || error == EDESTADDRREQ;
+}
+
+// A datagram socket honours the address or refuses it; connected sockets of other types ignore it,
+// and would take the record for data of their connection.
+int sendIfDatagram(int descriptor, const msghdr& message) noexcept {
+    int type = 0;
+    socklen_t size = sizeof type;
+    if (::getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &size) != 0) return errno;
+    if (type != SOCK_DGRAM) return EISCONN;
+    return ::sendmsg(descriptor, &message, kSendFlags) >= 0 ? 0 : errno;
+}
+
+// "<13>Jan  1 09:05:07 tag[123]: ", the date left out where it is unknown.
+std::size_t traditionalHeader(const LogRecord& record, char* text, std::size_t size) noexcept {
+    static constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    constexpr int kUserLevelMessages = 1 << 3;
+    const std::string_view level = record.fields[LogRecord::Level].value.value_or("");
+    const int priority = kUserLevelMessages + (level.size() == 1 ? level[0] - '0' : 0);
+    std::array<char, 32> date{};
+    if (const auto now = LocalTime::current().civilTime(Clocks::current().wall()))
+        std::snprintf(date.data(), date.size(), "%s %2d %02d:%02d:%02d ",
+                      kMonths[static_cast<std::size_t>(now->month - 1)], now->day, now->hour,
+                      now->minute, now->second);
+    const int tagLength = static_cast<int>(std::min<std::size_t>(record.facility.size(), 64));
+    const int length =
+        std::snprintf(text, size, "<%d>%s%.*s[%d]: ", priority, date.data(), tagLength,
+                      record.facility.data(), Process::current().processId());
+    return length > 0 ? std::min(static_cast<std::size_t>(length), size - 1) : 0;
+}
+
+}  // namespace
+
+JournalLog::JournalLog(const char* journalPath, const char* syslogPath) noexcept
+    : m_journal(addressOf(journalPath)), m_syslog(addressOf(syslogPath)) {}
+
+JournalLog::~JournalLog() {
+    const Descriptor closing(m_descriptor.load(std::memory_order_relaxed));
+}
+
+void JournalLog::send(const LogRecord& record) noexcept {
+    const NoCancellation noCancellation;
+    if (nobodyListens(sendToJournal(record))) sendToSyslog(record);
+}
+
+// The number of a new socket in the place of `refused`; another thread's where it was faster.
+int JournalLog::freshSocket(int refused) noexcept {
+    Descriptor fresh(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!fresh.isOpen()) return -1;
+    int current = refused;
+    // A number is all that is published: relaxed.
+    if (m_descriptor.compare_exchange_strong(current, fresh.number(), std::memory_order_relaxed))
+        return fresh.release();
+    return current;
+}
+
+int JournalLog::sendTo(const sockaddr_un& address, msghdr& message) noexcept {
+    message.msg_name = const_cast<sockaddr_un*>(&address);
+    message.msg_namelen = sizeof address;
+    int descriptor = m_descriptor.load(std::memory_order_relaxed);
+    int error = EBADF;
+    for (int attempt = 0; attempt < 2 && isForeign(error); ++attempt) {
+        if (descriptor < 0 || attempt > 0) descriptor = freshSocket(descriptor);
+        if (descriptor < 0) return EMFILE;
+        error = sendIfDatagram(descriptor, message);
+    }
+    return error;
+}
+
+int JournalLog::sendToJournal(const LogRecord& record) noexcept {
+    JournalDatagram datagram(record);
+    msghdr message{};
+    message.msg_iov = datagram.pieces();
+    message.msg_iovlen = datagram.count();
+    const int error = sendTo(m_journal, message);
+    if (error != EMSGSIZE && error != ENOBUFS) return error;
+    return sendAsFile(datagram.pieces(), datagram.count());
+}
+
+// What is too long for a datagram goes as a sealed file in memory, its descriptor in the datagram.
+int JournalLog::sendAsFile(const iovec* pieces, std::size_t count) noexcept {
+    const Descriptor file(::memfd_create("log record", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    if (!file.isOpen()) return EMFILE;
+    {
+        SignalHold signals;  // the limit on file sizes holds for these files too
+        for (std::size_t index = 0; index < count; ++index) {
+            const char* text = static_cast<const char*>(pieces[index].iov_base);
+            for (std::size_t left = pieces[index].iov_len; left > 0;) {
+                const ssize_t written = ::write(file.number(), text, left);
+                if (written < 0 && errno == EFBIG) signals.takeAway(SIGXFSZ);
+                if (written <= 0) return ENOSPC;
+                text += written;
+                left -= static_cast<std::size_t>(written);
+            }
+        }
+    }
+    if (::fcntl(file.number(), F_ADD_SEALS,
+                F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL))
+        return errno;
+
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+    msghdr message{};
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    cmsghdr* header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = SOL_SOCKET;
+    header->cmsg_type = SCM_RIGHTS;
+    header->cmsg_len = CMSG_LEN(sizeof(int));
+    const int number = file.number();
+    std::memcpy(CMSG_DATA(header), &number, sizeof number);
+    return sendTo(m_journal, message);
+}
+
+void JournalLog::sendToSyslog(const LogRecord& record) noexcept {
+    std::array<char, 160> header;
+    std::string_view text = record.fields[LogRecord::Message].value.value_or("");
+    std::array<iovec, 2> pieces{
+        {{header.data(), traditionalHeader(record, header.data(), header.size())},
+         {const_cast<char*>(text.data()), text.size()}}};
+    msghdr message{};
+    message.msg_iov = pieces.data();
+    message.msg_iovlen = pieces.size();
+    const int error = sendTo(m_syslog, message);
+    if ((error != EMSGSIZE && error != ENOBUFS) || text.size() <= kMostToSyslog) return;
+    pieces[1].iov_len = kMostToSyslog;
+    sendTo(m_syslog, message);
+}
+
+namespace {
+
+SystemLog& platformLog() noexcept {
+    static const Immortal<JournalLog> log;
+    return *log;
+}
+
+std::atomic<SystemLog*> installedLog{nullptr};
+
+}  // namespace
+
+SystemLog::~SystemLog() = default;
+
+SystemLog& SystemLog::current() noexcept {
+    SystemLog* installed = installedLog.load(std::memory_order_acquire);  // with install()
+    return installed != nullptr ? *installed : platformLog();
+}
+
+SystemLog* SystemLog::install(SystemLog* log) noexcept {
+    return installedLog.exchange(log, std::memory_order_acq_rel);  // with current()
+}
+
+}  // namespace veltra

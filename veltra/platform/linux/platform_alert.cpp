@@ -1,0 +1,35 @@
+#include "veltra/platform/linux/alert_ways.h"
+#include "veltra/platform/linux/deadline.h"
+
+#include <array>
+
+namespace veltra {
+
+namespace {
+
+constexpr std::array<AlertWay, 2> kWays = {askInWindow, askOnTerminal};
+
+class LinuxAlertPresenter final : public AlertPresenter {
+public:
+    AlertAnswer present(const Alert& alert) noexcept override { return askInTurn(alert, kWays); }
+};
+
+}  // namespace
+
+AlertPresenter& AlertPresenter::platform() noexcept {
+    static LinuxAlertPresenter presenter;
+    return presenter;
+}
+
+AlertAnswer askInTurn(const Alert& alert, std::span<const AlertWay> ways) noexcept {
+    const Deadline deadline(alert.timeoutSeconds);
+    Alert asked = alert;
+    for (const AlertWay way : ways) {
+        asked.timeoutSeconds = deadline.secondsLeft();
+        if (asked.timeoutSeconds <= 0.0) break;
+        if (const std::optional<AlertAnswer> answer = way(asked)) return *answer;
+    }
+    return AlertAnswer::TimedOut;
+}
+
+}  // namespace veltra

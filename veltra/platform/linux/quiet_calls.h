@@ -1,0 +1,62 @@
+// Guards for system calls that must have no other effect on the thread than their own.
+#pragma once
+
+#include <csignal>
+
+#include <pthread.h>
+#include <time.h>
+
+namespace veltra {
+
+// Writing and sending are points at which another thread may cancel this one. Cancelling unwinds
+// the stack, which a noexcept function answers by ending the process.
+class NoCancellation {
+public:
+    NoCancellation() noexcept { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }
+    NoCancellation(const NoCancellation&) = delete;
+    NoCancellation& operator=(const NoCancellation&) = delete;
+    ~NoCancellation() { ::pthread_setcancelstate(m_before, nullptr); }
+
+private:
+    int m_before = PTHREAD_CANCEL_ENABLE;
+};
+
+// Holds back the thread's signals: handlers run after the guard has gone, and a signal that a call
+// under the guard causes can be taken away again. A background process that writes to its terminal
+// is not stopped either. Faults are not held back: the kernel would end the process at once.
+class SignalHold {
+public:
+    SignalHold() noexcept {
+        static const sigset_t all = [] {
+            sigset_t set;
+            ::sigfillset(&set);
+            for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+                ::sigdelset(&set, fault);
+            return set;
+        }();
+        ::pthread_sigmask(SIG_SETMASK, &all, &m_before);
+        // What was not held back before cannot be waiting now.
+        if (wasHeld(SIGPIPE) || wasHeld(SIGXFSZ)) ::sigpending(&m_waiting);
+    }
+    SignalHold(const SignalHold&) = delete;
+    SignalHold& operator=(const SignalHold&) = delete;
+    ~SignalHold() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+    // To be called when a system call has answered the error that comes with `signal`.
+    void takeAway(int signal) noexcept {
+        if (wasHeld(signal) && ::sigismember(&m_waiting, signal) == 1) return;
+        sigset_t only;
+        ::sigemptyset(&only);
+        ::sigaddset(&only, signal);
+        const timespec atOnce{};
+        ::sigtimedwait(&only, nullptr, &atOnce);
+    }
+
+private:
+    bool wasHeld(int signal) const noexcept { return ::sigismember(&m_before, signal) == 1; }
+
+    sigset_t m_before{};
+    sigset_t m_waiting{};
+};
+
+}  // namespace veltra

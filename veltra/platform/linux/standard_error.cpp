@@ -1,0 +1,221 @@
+#include "veltra/platform/standard_error.h"
+
+#include "veltra/platform/detail/adaptive_lock.h"
+#include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/linux/descriptor_standard_error.h"
+#include "veltra/platform/linux/quiet_calls.h"
+#include "veltra/platform/process.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <mutex>
+
+#include <fcntl.h>
+#include <pthread.h>
+
+namespace veltra {
+
+namespace {
+
+constexpr int kMostInterruptions = 16;
+
+// One for the process, as standard error is.
+AdaptiveLock lineLock;
+
+void keepLockUsableInChildren() noexcept {
+    // Without handlers only a child forked in the middle of another thread's line would suffer.
+    [[maybe_unused]] static const int registered =
+        ::pthread_atfork(nullptr, nullptr, [] { lineLock.reset(); });
+}
+
+int reopenStandardError() noexcept {
+    return ::open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+}
+
+bool isRefusal(int error) noexcept {
+    return error == EOPNOTSUPP || error == ENOSYS || error == EINVAL || error == ESPIPE;
+}
+
+template <typename Number>
+bool takeNumber(std::string_view& text, Number& number) noexcept {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{}) return false;
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return true;
+}
+
+}  // namespace
+
+// What of a line is still to be written.
+class UnwrittenLine {
+public:
+    explicit UnwrittenLine(const StandardError::Pieces& pieces) noexcept {
+        for (const std::string_view piece : pieces)
+            if (!piece.empty())
+                m_pieces[m_count++] = {const_cast<char*>(piece.data()), piece.size()};
+    }
+
+    bool isDone() const noexcept { return m_count == 0; }
+    iovec* pieces() noexcept { return m_pieces.data() + m_first; }
+    int count() const noexcept { return m_count; }
+
+    void advance(std::size_t bytes) noexcept {
+        while (m_count > 0 && bytes >= pieces()->iov_len) {
+            bytes -= pieces()->iov_len;
+            ++m_first;
+            --m_count;
+        }
+        if (m_count == 0) return;
+        pieces()->iov_base = static_cast<char*>(pieces()->iov_base) + bytes;
+        pieces()->iov_len -= bytes;
+    }
+
+    // Repeats `attempt` until the line is done or an attempt gets nowhere; answers 0 or the error.
+    template <typename Attempt>
+    int drain(Attempt attempt) noexcept {
+        int interruptions = 0;
+        while (!isDone()) {
+            const ssize_t written = attempt();
+            if (written > 0)
+                advance(static_cast<std::size_t>(written));
+            else if (written == 0)
+                return EAGAIN;
+            else if (errno != EINTR || ++interruptions > kMostInterruptions)
+                return errno;
+        }
+        return 0;
+    }
+
+private:
+    std::array<iovec, std::tuple_size_v<StandardError::Pieces>> m_pieces{};
+    int m_first = 0;
+    int m_count = 0;
+};
+
+DescriptorStandardError::DescriptorStandardError() noexcept
+    : DescriptorStandardError(StandardErrorCalls{}) {}
+
+DescriptorStandardError::DescriptorStandardError(const StandardErrorCalls& calls) noexcept
+    : m_calls(calls) {
+    if (m_calls.reopen == nullptr) m_calls.reopen = reopenStandardError;
+    keepLockUsableInChildren();
+}
+
+StandardError::Status DescriptorStandardError::inspect() const noexcept {
+    struct stat status {};
+    if (m_calls.fpathconf(STDERR_FILENO, _PC_PIPE_BUF) < 0) return {};
+    if (m_calls.fstat(STDERR_FILENO, &status) != 0) return {};
+    const Kind kind = S_ISREG(status.st_mode)    ? Kind::RegularFile
+                      : S_ISFIFO(status.st_mode) ? Kind::Pipe
+                      : S_ISSOCK(status.st_mode) ? Kind::Socket
+                                                 : Kind::Other;
+    return {kind, status.st_dev, status.st_ino};
+}
+
+bool DescriptorStandardError::isManaged(const Status& status) const noexcept {
+    if (const char* starter = environmentVariable("SYSTEMD_EXEC_PID")) {
+        std::string_view text = starter;
+        std::int32_t number = 0;
+        if (takeNumber(text, number) && text.empty() && number == Process::current().processId())
+            return true;
+    }
+    if (const char* journal = environmentVariable("JOURNAL_STREAM")) {
+        std::string_view text = journal;
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
+        if (!takeNumber(text, device) || !text.starts_with(':')) return false;
+        text.remove_prefix(1);
+        return takeNumber(text, inode) && text.empty() && device == status.device &&
+               inode == status.inode;
+    }
+    return false;
+}
+
+int DescriptorStandardError::writeAll(UnwrittenLine& line, int descriptor) const noexcept {
+    return line.drain([&] { return m_calls.writev(descriptor, line.pieces(), line.count()); });
+}
+
+int DescriptorStandardError::writeIntoRoom(UnwrittenLine& line) const noexcept {
+    return line.drain([&]() -> ssize_t {
+        pollfd ready{STDERR_FILENO, POLLOUT, 0};
+        const int answer = m_calls.poll(&ready, 1, 0);
+        if (answer <= 0) return answer;
+        iovec little = *line.pieces();
+        little.iov_len = std::min<std::size_t>(little.iov_len, PIPE_BUF);
+        return m_calls.writev(STDERR_FILENO, &little, 1);
+    });
+}
+
+int DescriptorStandardError::writeWithoutWaiting(Kind kind, UnwrittenLine& line) noexcept {
+    std::atomic<bool>& refuses = kind == Kind::Pipe ? m_pipesRefuseNoWait : m_othersRefuseNoWait;
+    if (!refuses.load(std::memory_order_relaxed)) {  // a hint: nothing is published with it
+        const int error = line.drain(
+            [&] { return m_calls.writevNoWait(STDERR_FILENO, line.pieces(), line.count()); });
+        if (!isRefusal(error)) return error;
+        refuses.store(true, std::memory_order_relaxed);
+    }
+    if (kind == Kind::Pipe || m_calls.isatty(STDERR_FILENO) == 1) {
+        const int again = m_calls.reopen();
+        if (again >= 0) {
+            const int error = writeAll(line, again);
+            m_calls.close(again);
+            return error;
+        }
+    }
+    return writeIntoRoom(line);
+}
+
+void DescriptorStandardError::write(const Status& status, const Pieces& pieces) noexcept {
+    UnwrittenLine line(pieces);
+    const NoCancellation noCancellation;
+    SignalHold signals;
+    const std::lock_guard guard(lineLock);
+    int error = 0;
+    switch (status.kind) {
+        case Kind::Unusable:
+            return;
+        case Kind::RegularFile:
+            error = writeAll(line, STDERR_FILENO);
+            break;
+        case Kind::Socket:
+            error = line.drain([&] {
+                msghdr message{};
+                message.msg_iov = line.pieces();
+                message.msg_iovlen = static_cast<std::size_t>(line.count());
+                return m_calls.sendmsg(STDERR_FILENO, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
+            });
+            break;
+        case Kind::Pipe:
+        case Kind::Other:
+            error = writeWithoutWaiting(status.kind, line);
+            break;
+    }
+    if (error == EPIPE && status.kind != Kind::Socket) signals.takeAway(SIGPIPE);
+    if (error == EFBIG) signals.takeAway(SIGXFSZ);
+}
+
+namespace {
+
+StandardError& ownStandardError() noexcept {
+    static const Immortal<DescriptorStandardError> stream;
+    return *stream;
+}
+
+std::atomic<StandardError*> installedStream{nullptr};
+
+}  // namespace
+
+StandardError::~StandardError() = default;
+
+StandardError& StandardError::current() noexcept {
+    StandardError* installed = installedStream.load(std::memory_order_acquire);  // with install()
+    return installed != nullptr ? *installed : ownStandardError();
+}
+
+StandardError* StandardError::install(StandardError* stream) noexcept {
+    return installedStream.exchange(stream, std::memory_order_acq_rel);  // with current()
+}
+
+}  // namespace veltra

@@ -1,0 +1,46 @@
+// Civil time in the zone of the user: what a clock on the wall shows.
+#pragma once
+
+#include "veltra/platform/clock.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace veltra {
+
+struct CivilTime {
+    std::int32_t year = 1970;
+    std::int32_t month = 1;   // 1 to 12
+    std::int32_t day = 1;     // 1 to 31
+    std::int32_t hour = 0;    // 0 to 23
+    std::int32_t minute = 0;  // 0 to 59
+    std::int32_t second = 0;  // 0 to 59, or 60 in a zone that counts leap seconds
+
+    bool operator==(const CivilTime&) const = default;
+};
+
+class VELTRA_EXPORT LocalTime {
+public:
+    LocalTime() = default;
+    LocalTime(const LocalTime&) = delete;
+    LocalTime& operator=(const LocalTime&) = delete;
+    virtual ~LocalTime();
+
+    // `moment` in the Gregorian calendar and the local zone; nothing when the system cannot tell.
+    // A change of the zone (the variable TZ, the system's setting) shows within a quarter of an
+    // hour.
+    // Thread: any. Realtime-safe: no (it asks the system once in a quarter of an hour, under the
+    // C library's lock).
+    virtual std::optional<CivilTime> civilTime(WallTime moment) const noexcept = 0;
+
+    // The one in force: the installed one, else the platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static const LocalTime& current() noexcept;
+
+    // Puts `localTime` in force (not owned; must stay alive until replaced); null goes back to the
+    // platform's own. Answers what was installed before, null for the platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static const LocalTime* install(const LocalTime* localTime) noexcept;
+};
+
+}  // namespace veltra

@@ -1,0 +1,73 @@
+// What the user decided about the current application, kept between launches: for the current
+// user, on any host. Reading is cheap and touches no file after the first time, so that a service
+// may ask while memory is short.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/platform/property_value.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace veltra {
+
+// A preferences file that could not be understood. `keptAs` is where it was moved, empty when it
+// could not be moved and still lies there.
+struct DamagedPreferences {
+    std::string file;
+    std::string keptAs;
+};
+
+class VELTRA_EXPORT Preferences {
+public:
+    Preferences() = default;
+    Preferences(const Preferences&) = delete;
+    Preferences& operator=(const Preferences&) = delete;
+    virtual ~Preferences();
+
+    // Null when the key is not set, or when memory is out. The first call on the platform's own
+    // preferences reads the file; what cannot be read is empty.
+    // Thread: any; may wait for a synchronise() in progress. Realtime-safe: no.
+    virtual PropertyValue value(std::string_view key) const noexcept = 0;
+
+    // Seen by value() at once, by other processes and later launches after synchronise(). Null
+    // removes the key. Ill-formed UTF-8 in keys is replaced as in PropertyValue. False when memory
+    // is out: then nothing changed.
+    // Thread: any. Realtime-safe: no.
+    virtual bool setValue(std::string_view key, const PropertyValue& value) noexcept = 0;
+
+    // Writes the keys changed here into what is stored now, which another process may have changed
+    // meanwhile, and takes over what it wrote. With an error the stored preferences are as they
+    // were and the changes stay pending for the next call. No error: an object that tests false.
+    // Thread: any, not one that must not wait for a disk. Realtime-safe: no.
+    virtual std::error_code synchronise() noexcept = 0;
+
+    // Reads what is stored now; changes made here and not yet written stay in force. With an error
+    // the values are as they were.
+    // Thread: as synchronise(). Realtime-safe: no.
+    virtual std::error_code reload() noexcept = 0;
+
+    // The damaged file found last, once; the framework's log belongs to the caller. Empty when
+    // there is none, which is also the default for preferences without a file.
+    // Thread: any. Realtime-safe: no.
+    virtual std::optional<DamagedPreferences> takeDamageReport() noexcept;
+
+    // The preferences in force: the installed ones, else the platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static Preferences& current() noexcept;
+
+    // Puts `preferences` in force (not owned; must stay alive until replaced); null goes back to
+    // the platform's own. Answers what was installed before, null for the platform's own.
+    // Thread: any, while nobody reads preferences. Realtime-safe: yes.
+    static Preferences* install(Preferences* preferences) noexcept;
+
+    // Whose preferences the platform's own are; without it the program's file name is used. To be
+    // called at start: false once they were used, or when `name` cannot be part of a file name
+    // (empty, over 200 bytes, a leading dot, a slash, control characters).
+    // Thread: any. Realtime-safe: no.
+    static bool setApplicationName(std::string_view name) noexcept;
+};
+
+}  // namespace veltra

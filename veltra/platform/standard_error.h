@@ -1,0 +1,63 @@
+// The standard-error stream as a place for whole lines.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace veltra {
+
+class VELTRA_EXPORT StandardError {
+public:
+    enum class Kind {
+        Unusable,  // closed, or the system tells nothing about it
+        RegularFile,
+        Pipe,
+        Socket,
+        Other,  // a terminal or another device
+    };
+
+    struct Status {
+        Kind kind = Kind::Unusable;
+        std::uint64_t device = 0;  // with `inode`: which file it is
+        std::uint64_t inode = 0;
+    };
+
+    // One line in up to three pieces; empty ones are left out.
+    using Pieces = std::array<std::string_view, 3>;
+
+    StandardError() = default;
+    StandardError(const StandardError&) = delete;
+    StandardError& operator=(const StandardError&) = delete;
+    virtual ~StandardError();
+
+    // What the stream is at this moment.
+    // Thread: any. Realtime-safe: no (a system call).
+    virtual Status inspect() const noexcept = 0;
+
+    // Whether a service manager started this process or reads this stream: then nobody sits in
+    // front of it.
+    // Thread: any. Realtime-safe: no.
+    virtual bool isManaged(const Status& status) const noexcept = 0;
+
+    // Writes the pieces one after another, with no other thread's pieces between them. `status` is
+    // what inspect() answered just now. Never waits for a reader, never ends the process by a
+    // signal, and leaves no signal behind; what cannot be written at once is lost, and nothing is
+    // written twice. Signal handlers of this thread run after the line, so they may log too.
+    // Thread: any but audio. Realtime-safe: no.
+    virtual void write(const Status& status, const Pieces& pieces) noexcept = 0;
+
+    // The stream in force: the installed one, else the process's own.
+    // Thread: any. Realtime-safe: yes.
+    static StandardError& current() noexcept;
+
+    // Puts `stream` in force (not owned; must stay alive until replaced and until its last line is
+    // written); null goes back to the process's own. Answers what was installed before, null for
+    // the process's own.
+    // Thread: any. Realtime-safe: yes.
+    static StandardError* install(StandardError* stream) noexcept;
+};
+
+}  // namespace veltra

@@ -1,0 +1,54 @@
+// The system's structured log: where a log record goes.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace veltra {
+
+// One record. Keys keep these names and this order here; a transport that allows other names only
+// maps them when it sends.
+struct LogRecord {
+    struct Field {
+        std::string_view key;
+        std::optional<std::string_view> value;  // none: the key is not set
+    };
+    enum Key { LocalTime, Thread, ReadUserId, Level, Message };
+
+    std::string_view facility;
+    std::array<Field, 5> fields{{
+        {"CFLog Local Time", std::nullopt},  // "2024-01-31 09:05:07.042"
+        {"CFLog Thread", std::nullopt},      // lower-case hexadecimal
+        {"ReadUID", std::nullopt},           // decimal, signed
+        {"Level", std::nullopt},             // "0" (emergency) to "7" (debug)
+        {"Message", std::nullopt},
+    }};
+};
+
+class VELTRA_EXPORT SystemLog {
+public:
+    SystemLog() = default;
+    SystemLog(const SystemLog&) = delete;
+    SystemLog& operator=(const SystemLog&) = delete;
+    virtual ~SystemLog();
+
+    // Takes one record; the views in it are good during the call only. Never waits: a record that
+    // cannot be taken at once is lost. Several threads may send at once.
+    // Thread: any but audio. Realtime-safe: no.
+    virtual void send(const LogRecord& record) noexcept = 0;
+
+    // The log in force: the installed one, else the platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static SystemLog& current() noexcept;
+
+    // Puts `log` in force (not owned; must stay alive until replaced and until its last record is
+    // taken); null goes back to the platform's own. Answers what was installed before, null for the
+    // platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static SystemLog* install(SystemLog* log) noexcept;
+};
+
+}  // namespace veltra
