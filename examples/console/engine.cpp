@@ -3,6 +3,7 @@
 #include "block.h"
 
 #include <algorithm>
+#include <new>
 
 namespace veltra::console {
 
@@ -22,10 +23,14 @@ StripId Engine::add(std::unique_ptr<AudioFile> file) {
         // A head start before the audio thread can see it: no underrun at the first block.
         strip->feed();
         strip->feed();
-        m_reader.add(strip.get());
     }
-    m_list.Add(strip.get(), &Strip::render);
     m_strips.push_back({++m_lastId, std::move(strip)});
+    Strip* const added = m_strips.back().strip.get();
+    if (!m_list.Add(added, &Strip::render)) {
+        m_strips.pop_back();
+        throw std::bad_alloc();
+    }
+    if (live) m_reader.add(added);
     return m_lastId;
 }
 

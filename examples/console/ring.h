@@ -20,6 +20,8 @@
 
 namespace veltra::console {
 
+// The padding keeps what the writer changes and what the reader changes in cache lines of their
+// own. NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding)
 class Ring {
 public:
     // `frames` is rounded up to a power of two.
