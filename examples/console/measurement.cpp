@@ -1,5 +1,7 @@
 #include "measurement.h"
 
+#include "lanes.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -9,63 +11,33 @@ namespace veltra::console {
 
 namespace {
 
-// Four vectors of four lanes at a time, written as such because the compiler may not reorder sums
-// of floats by itself.
-constexpr std::size_t kWidth = 4;
-constexpr std::size_t kVectors = 4;
-constexpr std::size_t kLanes = kWidth * kVectors;
-using Floats [[gnu::vector_size(kWidth * sizeof(float))]] = float;
-using Counts [[gnu::vector_size(kWidth * sizeof(std::int32_t))]] = std::int32_t;
-
-// Squares are added as floats over a run only (eight a lane), then in double precision: as exact as
+// Squares are added as floats over a run only (32 a lane), then in double precision: as exact as
 // doubles throughout to nine digits, at the price of floats.
-constexpr std::size_t kRun = 128;
+constexpr std::size_t kRun = 512;
 
-struct Lanes {
-    std::array<Floats, kVectors> peak{};
-    std::array<Counts, kVectors> fullScale{};  // counted downwards: true is -1
-    std::array<double, kLanes> squares{};
-};
-
-Floats magnitudesAt(const float* samples) noexcept {
-    Counts bits;
-    std::memcpy(&bits, samples, sizeof bits);
-    bits &= 0x7FFFFFFF;  // all but the sign
-    Floats values;
-    std::memcpy(&values, &bits, sizeof values);
-    return values;
-}
-
-// NaN is never larger.
-Floats larger(Floats values, Floats others) noexcept {
-    return values > others ? values : others;
-}
-
-float largest(const std::array<Floats, kVectors>& lanes) noexcept {
-    float result = 0.0F;
-    for (std::size_t i = 0; i < kLanes; ++i) {
-        result = std::max(result, lanes[i / kWidth][i % kWidth]);
-    }
-    return result;
-}
-
-void measureRun(const float* samples, float fullScale, Lanes& lanes) noexcept {
+double squaresOfRun(const float* samples, Range& range) noexcept {
     std::array<Floats, kVectors> squares{};
-    std::array<Floats, kVectors> peak = lanes.peak;
-    std::array<Counts, kVectors> count = lanes.fullScale;
+    Range seen = range;  // a copy of its own stays in registers
     for (std::size_t start = 0; start < kRun; start += kLanes) {
         for (std::size_t i = 0; i < kVectors; ++i) {
-            const Floats magnitudes = magnitudesAt(samples + start + i * kWidth);
-            squares[i] += magnitudes * magnitudes;
-            peak[i] = larger(magnitudes, peak[i]);
-            count[i] += magnitudes >= fullScale;
+            const Floats values = load(samples + start + i * kWidth);
+            squares[i] += values * values;
+            seen.show(i, values);
         }
     }
-    lanes.peak = peak;
-    lanes.fullScale = count;
-    for (std::size_t i = 0; i < kLanes; ++i) {
-        lanes.squares[i] += static_cast<double>(squares[i / kWidth][i % kWidth]);
+    range = seen;
+    double sum = 0.0;
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        sum += static_cast<double>(squares[lane / kWidth][lane % kWidth]);
     }
+    return sum;
+}
+
+std::uint64_t countFrom(const float* samples, std::size_t count, float magnitude) noexcept {
+    std::uint64_t found = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        found += std::fabs(samples[i]) >= magnitude ? 1U : 0U;
+    return found;
 }
 
 // The careful way, for chunks in which a square is not finite: a NaN, an infinity, or a float so
@@ -106,38 +78,22 @@ float fullScaleMagnitude(int bits) noexcept {
 }
 
 Measurement measure(float* samples, std::size_t count, float fullScale) noexcept {
-    Lanes lanes;
+    Measurement result;
+    result.samples = count;
+    Range range;
     std::size_t done = 0;
-    for (; done + kRun <= count; done += kRun)
-        measureRun(samples + done, fullScale, lanes);
+    for (; done + kRun <= count; done += kRun) {
+        result.sumOfSquares += squaresOfRun(samples + done, range);
+    }
     if (done < count) {
         std::array<float, kRun> rest{};
         std::memcpy(rest.data(), samples + done, (count - done) * sizeof(float));
-        measureRun(rest.data(), fullScale, lanes);
+        result.sumOfSquares += squaresOfRun(rest.data(), range);
     }
+    if (!std::isfinite(result.sumOfSquares)) return measureCarefully(samples, count, fullScale);
 
-    Measurement result;
-    result.samples = count;
-    result.peak = largest(lanes.peak);
-    for (std::size_t i = 0; i < kLanes; ++i) {
-        result.sumOfSquares += lanes.squares[i];
-        result.fullScale += static_cast<std::uint64_t>(-lanes.fullScale[i / kWidth][i % kWidth]);
-    }
-    return std::isfinite(result.sumOfSquares) ? result
-                                              : measureCarefully(samples, count, fullScale);
-}
-
-float peakOf(const float* samples, std::size_t count) noexcept {
-    std::array<Floats, kVectors> peak{};
-    std::size_t done = 0;
-    for (; done + kLanes <= count; done += kLanes) {
-        for (std::size_t i = 0; i < kVectors; ++i) {
-            peak[i] = larger(magnitudesAt(samples + done + i * kWidth), peak[i]);
-        }
-    }
-    float result = largest(peak);
-    for (; done < count; ++done)
-        result = std::max(result, std::fabs(samples[done]));
+    result.peak = range.largestMagnitude();
+    if (result.peak >= fullScale) result.fullScale = countFrom(samples, count, fullScale);
     return result;
 }
 

@@ -31,10 +31,6 @@ float fullScaleMagnitude(int bits) noexcept;
 // Thread: any. Realtime-safe: yes.
 Measurement measure(float* samples, std::size_t count, float fullScale) noexcept;
 
-// The largest magnitude among `count` samples.
-// Thread: any. Realtime-safe: yes.
-float peakOf(const float* samples, std::size_t count) noexcept;
-
 // Decibels relative to full scale; minus infinity for 0.
 double decibels(double amplitude) noexcept;
 

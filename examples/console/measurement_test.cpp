@@ -1,5 +1,7 @@
 #include "measurement.h"
 
+#include "mixing.h"
+
 #include <cmath>
 #include <limits>
 #include <random>
@@ -10,7 +12,7 @@
 namespace veltra::console {
 namespace {
 
-TEST(Measurement, AgreesWithThePlainLoopForEveryLength) {
+TEST(Measurement, AndMixingAgreeWithPlainLoopsForEveryLength) {
     std::mt19937 random(7);
     std::uniform_real_distribution<float> amplitude(-1.0F, 1.0F);
     for (std::size_t length = 0; length < 600; ++length) {
@@ -30,7 +32,11 @@ TEST(Measurement, AgreesWithThePlainLoopForEveryLength) {
         EXPECT_EQ(measured.peak, peak);
         EXPECT_EQ(measured.fullScale, full);
         EXPECT_NEAR(measured.sumOfSquares, squares, squares * 1e-6);
-        EXPECT_EQ(peakOf(samples.data(), length), peak);
+
+        std::vector<float> mix(length, 0.25F);
+        EXPECT_EQ(addToMix(mix.data(), samples.data(), length), peak);
+        for (std::size_t i = 0; i < length; ++i)
+            ASSERT_EQ(mix[i], samples[i] + 0.25F);
     }
 }
 

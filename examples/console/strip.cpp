@@ -1,5 +1,7 @@
 #include "strip.h"
 
+#include "mixing.h"
+
 #include <algorithm>
 
 namespace veltra::console {
@@ -10,11 +12,6 @@ std::unique_ptr<Resampler> resamplerFor(const FileFormat& format, double outputR
     const auto rate = static_cast<double>(format.rate);
     if (outputRate <= 0.0 || outputRate == rate) return nullptr;
     return Resampler::make(static_cast<std::size_t>(format.channels), rate, outputRate);
-}
-
-void addSamples(float* destination, const float* source, std::size_t count) noexcept {
-    for (std::size_t i = 0; i < count; ++i)
-        destination[i] += source[i];
 }
 
 }  // namespace
@@ -100,10 +97,9 @@ void Strip::mix(const Block& block) noexcept {
         if (piece == 0) break;
         for (std::size_t c = 0; c < channels; ++c) {
             const float* source = m_ring.readPlace(c);
-            peak = std::max(peak, peakOf(source, piece));
             const std::size_t last = channels == 1 ? block.outputCount : c % block.outputCount + 1;
             for (std::size_t out = channels == 1 ? 0 : last - 1; out < last; ++out) {
-                addSamples(block.outputs[out] + done, source, piece);
+                peak = std::max(peak, addToMix(block.outputs[out] + done, source, piece));
             }
         }
         m_ring.consume(piece);
