@@ -26,11 +26,8 @@ std::size_t TextBuffer::makeRoom(std::size_t more) noexcept {
     return m_capacity - m_size;
 }
 
-void TextBuffer::append(std::string_view text) noexcept {
-    const std::size_t size = std::min(text.size(), makeRoom(text.size()));
-    if (size == 0) return;
-    std::memcpy(m_text + m_size, text.data(), size);
-    m_size += size;
+void TextBuffer::appendGrowing(std::string_view text) noexcept {
+    append(text.substr(0, makeRoom(text.size())));
 }
 
 void TextBuffer::appendString(const VLString* string) noexcept {
