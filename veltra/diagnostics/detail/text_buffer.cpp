@@ -65,6 +65,7 @@ bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
     va_list again;
     va_copy(again, arguments);
     std::size_t room = m_capacity - m_size;
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyser loses it between functions
     int needed = std::vsnprintf(m_text + m_size, room, format, arguments);
     // printf wants one byte more than the text has.
     if (needed >= 0 && static_cast<std::size_t>(needed) >= room) {
