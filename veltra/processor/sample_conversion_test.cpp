@@ -64,10 +64,13 @@ float* floatsAt(unsigned char* bytes) {
 template <class Convert>
 void expectOnly(const Bytes& before, const Bytes& after, Convert convert) {
     constexpr std::size_t kGuard = 13;
-    Bytes arena(std::max(before.size(), after.size()) + 2 * kGuard, 0xA5);
-    std::copy(before.begin(), before.end(), arena.begin() + kGuard);
+    Bytes arena(kGuard, 0xA5);
     Bytes expected = arena;
-    std::copy(after.begin(), after.end(), expected.begin() + kGuard);
+    arena.insert(arena.end(), before.begin(), before.end());
+    arena.resize(std::max(before.size(), after.size()) + 2 * kGuard, 0xA5);
+    expected.insert(expected.end(), after.begin(), after.end());
+    expected.insert(expected.end(), arena.begin() + static_cast<long>(expected.size()),
+                    arena.end());
     convert(arena.data() + kGuard);
     EXPECT_EQ(arena, expected);
 }

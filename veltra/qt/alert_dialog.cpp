@@ -1,15 +1,14 @@
 #include "veltra/qt/alert_dialog.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QAccessible>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShowEvent>
-#include <QStyle>
-#include <QTextBlock>
+#include <QTextLayout>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <chrono>
@@ -24,9 +23,45 @@ constexpr int kIconSize = 48;
 constexpr int kTextColumns = 60;  // of average characters
 constexpr int kMostLines = 12;    // more of them scroll
 
+constexpr auto kWrapMode = QTextOption::WrapAtWordBoundaryOrAnywhere;
+
 // Labels take "&" as the mark of a shortcut; here it is a character like any other.
 QString withoutShortcut(QString label) {
     return label.replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
+// How many lines `text` takes in a field of that width. The field itself knows only once it is
+// shown.
+int lineCount(const QString& text, const QFont& font, int width) {
+    int count = 0;
+    for (const QString& paragraph : text.split(QLatin1Char('\n'))) {
+        QTextLayout layout(paragraph, font);
+        QTextOption wrapping;
+        wrapping.setWrapMode(kWrapMode);
+        layout.setTextOption(wrapping);
+        layout.beginLayout();
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(width);
+        }
+        layout.endLayout();
+        count += std::max(layout.lineCount(), 1);
+    }
+    return count;
+}
+
+// A warning triangle in a square of kIconSize; the styles' own icons do not scale everywhere.
+void drawWarning(QPainter& painter) {
+    const QColor amber(0xF5, 0xB3, 0x01);
+    const QPolygonF triangle({{24, 8}, {43, 41}, {5, 41}});
+    painter.setBrush(amber);
+    painter.setPen(QPen(amber, 7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));  // rounds corners
+    painter.drawPolygon(triangle);
+    const QColor ink(0x3A, 0x2A, 0x00);
+    painter.setPen(QPen(ink, 4.5, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(24, 18), QPointF(24, 29));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ink);
+    painter.drawEllipse(QPointF(24, 36.5), 2.7, 2.7);
 }
 
 }  // namespace
@@ -50,6 +85,11 @@ AlertDialog::AlertDialog(const AlertTexts& texts, int timeoutMilliseconds)
     whole->addWidget(makeButtonRow(texts));
     whole->setSizeConstraint(QLayout::SetFixedSize);
     fitMessage();
+    // The order holds only among widgets that are in their window.
+    setTabOrder(m_buttons[0], m_buttons[1]);
+    setTabOrder(m_buttons[1], m_buttons[2]);
+    setTabOrder(m_buttons[2], m_message);
+    m_buttons[0]->setFocus();
 
     m_timeout.setSingleShot(true);
     m_timeout.setTimerType(Qt::PreciseTimer);
@@ -65,8 +105,15 @@ AlertDialog::AlertDialog(const AlertTexts& texts, int timeoutMilliseconds)
 
 QWidget* AlertDialog::makeIcon() {
     auto* icon = new QLabel;
-    const QIcon warning = style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this);
-    icon->setPixmap(warning.pixmap(QSize(kIconSize, kIconSize), devicePixelRatioF()));
+    const qreal scale = devicePixelRatioF();
+    QPixmap pixmap(QSize(kIconSize, kIconSize) * scale);
+    pixmap.setDevicePixelRatio(scale);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawWarning(painter);
+    painter.end();
+    icon->setPixmap(pixmap);
     return icon;
 }
 
@@ -84,7 +131,7 @@ QWidget* AlertDialog::makeTexts(const AlertTexts& texts) {
     m_message->setReadOnly(true);
     m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_message->setTabChangesFocus(true);
-    m_message->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_message->setWordWrapMode(kWrapMode);
     m_message->setFrameShape(QFrame::NoFrame);
     m_message->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_message->viewport()->setAutoFillBackground(false);
@@ -109,7 +156,7 @@ QWidget* AlertDialog::makeButtonRow(const AlertTexts& texts) {
     QPushButton* alternate = addButton(texts.alternateButton, AlertAnswer::Alternate);
     QPushButton* other = addButton(texts.otherButton, AlertAnswer::Other);
     chosen->setDefault(true);
-    chosen->setFocus();
+    m_buttons = {chosen, alternate, other};
 
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
@@ -121,9 +168,6 @@ QWidget* AlertDialog::makeButtonRow(const AlertTexts& texts) {
     for (QPushButton* button : {other, alternate, chosen}) {
         layout->addWidget(button);
     }
-    setTabOrder(chosen, alternate);
-    setTabOrder(alternate, other);
-    setTabOrder(other, m_message);
     return row;
 }
 
@@ -131,6 +175,7 @@ QPushButton* AlertDialog::addButton(const QString& label, AlertAnswer answer) {
     auto* button = new QPushButton(withoutShortcut(label), this);
     button->setAccessibleName(label);
     button->setAutoDefault(true);
+    button->setMinimumWidth(button->sizeHint().width() + kSpacing);
     button->setVisible(!label.isEmpty());
     connect(button, &QPushButton::clicked, this, [this, answer] {
         m_answer = answer;
@@ -142,14 +187,9 @@ QPushButton* AlertDialog::addButton(const QString& label, AlertAnswer answer) {
 // As wide as a comfortable line, as high as its lines.
 void AlertDialog::fitMessage() {
     const QFontMetrics metrics(m_message->font());
-    m_message->setFixedWidth(metrics.averageCharWidth() * kTextColumns);
-    QTextDocument* document = m_message->document();
-    document->setTextWidth(m_message->width());
-    int lines = 0;
-    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-        document->documentLayout()->blockBoundingRect(block);  // lays the block out
-        lines += block.layout()->lineCount();
-    }
+    const int width = metrics.averageCharWidth() * kTextColumns;
+    m_message->setFixedWidth(width);
+    const int lines = lineCount(m_message->toPlainText(), m_message->font(), width);
     m_message->setVerticalScrollBarPolicy(lines > kMostLines ? Qt::ScrollBarAlwaysOn
                                                              : Qt::ScrollBarAlwaysOff);
     m_message->setFixedHeight(metrics.lineSpacing() * std::clamp(lines, 1, kMostLines) + 2);

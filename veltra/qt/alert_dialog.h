@@ -6,6 +6,7 @@
 #include <QDeadlineTimer>
 #include <QDialog>
 #include <QTimer>
+#include <array>
 
 class QLabel;
 class QPlainTextEdit;
@@ -39,6 +40,7 @@ private:
     AlertAnswer m_answer = AlertAnswer::Default;  // what Escape and closing the window mean
     QString m_defaultLabel;
     QPlainTextEdit* m_message = nullptr;
+    std::array<QPushButton*, 3> m_buttons{};
     QLabel* m_countdown = nullptr;
     QDeadlineTimer m_deadline;
     QTimer m_timeout;

@@ -27,7 +27,8 @@ namespace veltra {
 
 namespace {
 
-constexpr std::size_t kLongestText = 16 * 1024;  // far below what the kernel takes as one argument
+constexpr std::size_t kLongestText =
+    16'384;  // bytes; far below what the kernel takes as one argument
 
 class Arguments {
 public:
@@ -147,7 +148,9 @@ std::optional<AlertAnswer> readAnswer(int socket, const Deadline& deadline) noex
         if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
         if (count <= 0) return std::nullopt;
         length += static_cast<std::size_t>(count);
-        if (text[length - 1] == '\n') return answerOf({text.data(), length - 1});
+        const std::string_view received(text.data(), length);
+        const std::size_t lineFeed = received.find('\n');
+        if (lineFeed != std::string_view::npos) return answerOf(received.substr(0, lineFeed));
     }
     return std::nullopt;
 }

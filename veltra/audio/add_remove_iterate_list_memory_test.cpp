@@ -1,0 +1,150 @@
+// The tests that replace operator new and delete. The thread sanitizer brings its own, so they are
+// not part of its build.
+#include "veltra/audio/add_remove_iterate_list.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <optional>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::atomic<int> allocated{0}, freed{0};
+std::atomic<bool> memoryIsOut{false};
+std::function<void()> whileFreeing;  // called once, in the next operator delete
+
+void countedFree(void* block) noexcept {
+    if (block != nullptr) ++freed;
+    if (whileFreeing) std::exchange(whileFreeing, nullptr)();
+    std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++allocated;
+    return memoryIsOut ? nullptr : std::malloc(size);
+}
+void* operator new(std::size_t size) {
+    void* block = operator new(size, std::nothrow);
+    return block != nullptr ? block : throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+    countedFree(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    countedFree(block);
+}
+
+namespace veltra {
+namespace {
+
+using List = CAddRemoveIterateList;
+
+struct Blocks {
+    int allocated, freed;
+    bool operator==(const Blocks&) const = default;
+};
+
+template <typename Call>
+Blocks blocksUsedBy(Call call) {
+    const Blocks before{allocated, freed};
+    call();
+    return {allocated - before.allocated, freed - before.freed};
+}
+
+char contexts[] = "abcd";  // a context is the letter that it points to
+
+void writeSmall(void* context, std::uint32_t message, void* data) {
+    EXPECT_EQ(message, 0x89ABCDEFU);
+    static_cast<std::string*>(data)->push_back(*static_cast<char*>(context));
+}
+
+void writeLarge(void* context, std::uint32_t, void* data) {
+    static_cast<std::string*>(data)->push_back(
+        static_cast<char>(*static_cast<char*>(context) - 32));
+}
+
+void neverCalled(void*, std::uint32_t, void*) {
+    ADD_FAILURE() << "called";
+}
+
+TEST(AddRemoveIterateList, BehavesAsASequentialListAndFreesOnlyInIterate) {
+    std::minstd_rand random(4711);
+    for (int run = 0; run < 300; ++run) {
+        List list;
+        std::string active;                           // the letters as they are to be called
+        std::vector<std::pair<bool, char>> requests;  // addition or removal of a letter
+        for (int step = 0; step < 100; ++step) {
+            const auto choice = random() % 8;
+            char* context = &contexts[random() % 4];
+            const bool large = random() % 2 != 0;
+            if (choice < 4) {
+                const auto used =
+                    blocksUsedBy([&] { list.Add(context, large ? writeLarge : writeSmall); });
+                EXPECT_EQ(used, (Blocks{1, 0}));
+                requests.emplace_back(true, static_cast<char>(*context - (large ? 32 : 0)));
+            } else if (choice < 6) {
+                EXPECT_EQ(blocksUsedBy([&] { list.Remove(context); }), (Blocks{1, 0}));
+                requests.emplace_back(false, *context);
+            } else {
+                int gone = 0;
+                for (const auto& [adds, letter] : requests) {
+                    if (adds) {
+                        active += letter;
+                        continue;
+                    }
+                    const auto has = [same = letter](char c) { return (c | 32) == same; };
+                    gone += 1 + static_cast<int>(std::erase_if(active, has));
+                }
+                requests.clear();
+                std::string calls;
+                calls.reserve(active.size() + 100);
+                EXPECT_EQ(blocksUsedBy([&] { list.Iterate(0x89ABCDEFU, &calls); }),
+                          (Blocks{0, gone}));
+                ASSERT_EQ(calls, active);
+            }
+        }
+    }
+}
+
+TEST(AddRemoveIterateList, InvalidRequestsAndWantOfMemoryAreAnsweredWithFalse) {
+    List list;
+    EXPECT_EQ(blocksUsedBy([&] {
+                  EXPECT_FALSE(list.Add(nullptr, neverCalled));
+                  EXPECT_FALSE(list.Add(contexts, nullptr));
+                  EXPECT_FALSE(list.Remove(nullptr));
+              }),
+              (Blocks{0, 0}));
+    memoryIsOut = true;
+    const bool added = list.Add(contexts, neverCalled), removed = list.Remove(contexts);
+    memoryIsOut = false;
+    EXPECT_FALSE(added || removed);
+    list.Iterate(0, nullptr);
+}
+
+TEST(AddRemoveIterateList, DestructionFreesWithoutCallingAndTurnsRequestsAway) {
+    std::optional<List> list(std::in_place);
+    list->Add(&contexts[0], [](void*, std::uint32_t, void*) {});
+    list->Iterate(0, nullptr);
+    list->Add(&contexts[1], neverCalled);
+    list->Remove(&contexts[0]);
+    bool turnedAway = false;
+    whileFreeing = [&, dying = &*list] {
+        turnedAway = !dying->Add(contexts, neverCalled) && !dying->Remove(contexts);
+        dying->Iterate(0, nullptr);
+    };
+    const Blocks used = blocksUsedBy([&] { list.reset(); });
+    EXPECT_TRUE(turnedAway);
+    EXPECT_EQ(used, (Blocks{0, 3}));
+}
+
+}  // namespace
+}  // namespace veltra
