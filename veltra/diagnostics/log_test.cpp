@@ -3,6 +3,7 @@
 #include "veltra/diagnostics/detail/log_text.h"
 #include "veltra/diagnostics/log_fakes.h"
 #include "veltra/platform/detail/string_object_text.h"
+#include "veltra/platform/testing/environment.h"
 
 #include <cerrno>
 #include <cstdarg>
@@ -123,19 +124,19 @@ TEST(Log, WithoutLocalTimeThereIsNoBanner) {
 }
 
 TEST(Log, WhoGetsALineOnStandardError) {
-    ::unsetenv("CFLOG_FORCE_STDERR");
+    setEnvironment("CFLOG_FORCE_STDERR", nullptr);
     for (const bool isForced : {false, true})
         for (const bool hasRaisedRights : {false, true})
             for (const bool managed : {false, true})
                 for (const Kind kind :
                      {Kind::Unusable, Kind::RegularFile, Kind::Pipe, Kind::Socket, Kind::Other}) {
-                    if (isForced) ::setenv("CFLOG_FORCE_STDERR", "", 1);
+                    if (isForced) setEnvironment("CFLOG_FORCE_STDERR", "");
                     LogWorld world;
                     world.hasRaisedRights = hasRaisedRights;
                     world.managed = managed;
                     world.kind = kind;
                     QKLogCString(6, false, nullptr, "x");
-                    ::unsetenv("CFLOG_FORCE_STDERR");
+                    setEnvironment("CFLOG_FORCE_STDERR", nullptr);
                     const bool expected = (isForced && !hasRaisedRights) ||
                                           kind == Kind::RegularFile ||
                                           (kind != Kind::Unusable && !managed);
@@ -146,11 +147,11 @@ TEST(Log, WhoGetsALineOnStandardError) {
 }
 
 TEST(Log, TheEnvironmentDecidesAboutBannersAtEveryCall) {
-    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
     EXPECT_TRUE(QKLogWithSyslogBanner());
-    ::setenv("VELTRA_TRACE_WITHOUT_BANNER", "", 1);
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", "");
     EXPECT_FALSE(QKLogWithSyslogBanner());
-    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
     EXPECT_TRUE(QKLogWithSyslogBanner());
 }
 
@@ -212,11 +213,11 @@ TEST(Log, LongTextsWrappersAndTextsThatPrintfRefuses) {
 TEST(Log, ErrnoIsKeptAndCanBeLogged) {
     LogWorld world;
     errno = ENOSPC;
-    QKLogCString(6, true, "X", std::string("%m").c_str());
+    QKLogCString(6, true, "X", std::string("%d %m").c_str(), 1);
     EXPECT_EQ(errno, ENOSPC);
     QKLog(6, true, "X", Text("%d %m"), 1);
     EXPECT_EQ(errno, ENOSPC);
-    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "No space left on device");
+    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "1 No space left on device");
     EXPECT_EQ(world.records[1].fields[LogRecord::Message].second, "1 No space left on device");
 }
 

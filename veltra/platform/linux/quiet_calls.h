@@ -56,8 +56,8 @@ public:
 private:
     bool wasHeld(int signal) const noexcept { return ::sigismember(&m_before, signal) == 1; }
 
-    sigset_t m_before{};
-    sigset_t m_waiting{};
+    sigset_t m_before;
+    sigset_t m_waiting;  // only told where a signal was held before
 };
 
 }  // namespace veltra
