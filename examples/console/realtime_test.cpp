@@ -51,7 +51,6 @@ extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
 void* __libc_realloc(void*, std::size_t);
-void* __libc_memalign(std::size_t, std::size_t);
 void __libc_free(void*);
 
 void* malloc(std::size_t size) {
@@ -65,10 +64,6 @@ void* calloc(std::size_t number, std::size_t size) {
 void* realloc(void* block, std::size_t size) {
     count(&Counts::allocations);
     return __libc_realloc(block, size);
-}
-void* aligned_alloc(std::size_t alignment, std::size_t size) {
-    count(&Counts::allocations);
-    return __libc_memalign(alignment, size);
 }
 void free(void* block) {
     if (block != nullptr) count(&Counts::frees);
