@@ -165,7 +165,7 @@ constexpr Ratio kRatios[] = {
     {"Iterate 1024 : sigc++", "iterate/list/1024", "iterate/sigc++/1024", 0},
     {"Iterate 16 : vector", "iterate/list/16", "iterate/vector/16", 0},
     {"Iterate 16 : sigc++", "iterate/list/16", "iterate/sigc++/16", 0},
-    // Following a chain costs a load's latency an entry, a cycle more than these calls.
+    // Following a chain costs a load's latency an entry: a cycle or two more than such calls take.
     {"Iterate 1024, bare : vector", "iterate/bare list/1024", "iterate/bare vector/1024", 0},
     {"Iterate 1024, bare : sigc++", "iterate/bare list/1024", "iterate/bare sigc++/1024", 0},
 };

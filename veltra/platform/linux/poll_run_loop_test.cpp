@@ -62,6 +62,9 @@ TEST(PollRunLoop, StopComesFromAnyThreadAndIsNotLostBetweenRuns) {
         stopper.join();
         EXPECT_FALSE(loop.runOnce(0.0));
     }
+    const std::uint64_t start = now();
+    EXPECT_FALSE(loop.runOnce(0.004));  // a stop that was taken leaves nothing to wake by
+    EXPECT_GE(now() - start, 4'000'000U);
     loop.stop();
     EXPECT_TRUE(loop.runFor(10.0));
 }
