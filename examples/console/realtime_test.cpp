@@ -46,7 +46,9 @@ void onTrap(int, siginfo_t* info, void*) {
 
 }  // namespace
 
-// The C library's own names; operator new and delete come here too.
+// The C library's own names, visible to all libraries of the process: operator new and delete come
+// here too.
+#pragma GCC visibility push(default)
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
@@ -78,6 +80,7 @@ int pthread_mutex_lock(pthread_mutex_t* mutex) {
     return lockMutex(mutex);
 }
 }
+#pragma GCC visibility pop
 
 namespace veltra::console {
 namespace {
