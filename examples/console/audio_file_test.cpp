@@ -14,35 +14,11 @@ using namespace testing;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-struct Variant {
-    const char* file;
-    const char* format;
-    const char* encoding;
-    ByteOrder order;
-};
-
 TEST(AudioFile, EveryUncompressedVariantGivesTheSamplesOfTheRecording) {
     SKIP_WITHOUT_RECORDINGS();
-    const std::array<Variant, 15> variants{{
-        {"8.wav", "-b 8", "8-bit unsigned integer", ByteOrder::None},
-        {"8.aiff", "-b 8", "8-bit signed integer", ByteOrder::None},
-        {"16.wav", "-b 16", "16-bit integer", ByteOrder::Little},
-        {"16be.wav", "-B -b 16", "16-bit integer", ByteOrder::Big},
-        {"16.aiff", "-b 16", "16-bit integer", ByteOrder::Big},
-        {"24.wav", "-b 24", "24-bit integer", ByteOrder::Little},
-        {"24.aiff", "-b 24", "24-bit integer", ByteOrder::Big},
-        {"32.wav", "-b 32", "32-bit integer", ByteOrder::Little},
-        {"32.aiff", "-b 32", "32-bit integer", ByteOrder::Big},
-        {"float.wav", "-e float -b 32", "32-bit float", ByteOrder::Little},
-        {"float.aifc", "-e float -b 32", "32-bit float", ByteOrder::Big},
-        {"double.wav", "-e float -b 64", "64-bit float", ByteOrder::Little},
-        {"double.aifc", "-e float -b 64", "64-bit float", ByteOrder::Big},
-        {"16.au", "-b 16", "16-bit integer", ByteOrder::Big},
-        {"24.caf", "-b 24", "24-bit integer", ByteOrder::Big},
-    }};
     for (const char* name : {"loop_tabla", "guit_em9"}) {
         const Planar original = readAll(kSamples + name + ".flac");  // 16 bits, decoded
-        for (const Variant& variant : variants) {
+        for (const Variant& variant : kVariants) {
             SCOPED_TRACE(std::string(name) + " " + variant.file);
             auto file = mustOpen(recording(name, variant.format, variant.file));
             EXPECT_EQ(file->format().encoding, variant.encoding);

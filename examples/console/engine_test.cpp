@@ -57,31 +57,22 @@ TEST(Engine, OfflineTheMixIsTheSumOfItsFilesAndEachIsMeasuredWhole) {
 TEST(Engine, ResamplingKeepsPitchAndLevelAndLeavesTheMeasurementAlone) {
     const std::string path = folder() + "sine.wav";
     ASSERT_EQ(shell("sox -V1 -n -r 44100 -c 1 -b 24 " + path + " synth 1 sine 1000 gain -6"), 0);
-    Strip direct(mustOpen(path), 0, 65536);
-    Strip resampled(mustOpen(path), 48000, 65536);
-    std::array<Measurement, 2> heard;
-    std::array<int, 2> crossings{};
-    std::array<std::size_t, 2> lengths{};
-    for (std::size_t i = 0; i < 2; ++i) {
-        Strip& strip = i == 0 ? direct : resampled;
-        while (strip.feed()) {
-        }
-        std::vector<float> samples(65536);
-        float* const output = samples.data();
-        Block block{&output, 1, 65536, 0};
-        Strip::render(&strip, kRenderMessage, &block);
-        EXPECT_TRUE(strip.isDrained());
-        heard[i] = measure(output, 44000, 1.0F);
-        for (std::size_t f = 1; f < samples.size(); ++f) {
-            if (samples[f - 1] < 0.0F && samples[f] >= 0.0F) ++crossings[i];
-            if (samples[f] != 0.0F) lengths[i] = f + 1;
-        }
+    Strip strip(mustOpen(path), 48000, 65536);
+    while (strip.feed()) {
     }
-    EXPECT_NEAR(crossings[1], crossings[0], 2);
-    EXPECT_NEAR(static_cast<double>(lengths[1]), 48000, 2);
-    EXPECT_NEAR(decibels(heard[1].rms()), decibels(heard[0].rms()), 0.01);
-    EXPECT_EQ(resampled.measurement().sumOfSquares, direct.measurement().sumOfSquares);
-    EXPECT_EQ(resampled.measurement().samples, 44100U);
+    std::vector<float> samples(65536);
+    float* const output = samples.data();
+    Block block{&output, 1, 65536, 0};
+    Strip::render(&strip, kRenderMessage, &block);
+    EXPECT_TRUE(strip.isDrained());
+    int crossings = 0;
+    for (std::size_t f = 1; f < samples.size(); ++f) {
+        if (samples[f - 1] < 0.0F && samples[f] >= 0.0F) ++crossings;
+    }
+    EXPECT_NEAR(crossings, 1000, 2);
+    EXPECT_NEAR(decibels(measure(output, 48000, 1.0F).rms()), -9.01, 0.02);
+    EXPECT_NEAR(decibels(strip.measurement().rms()), -9.01, 0.001);
+    EXPECT_EQ(strip.measurement().samples, 44100U);
 }
 
 // The output runs all the while; some strips come to their end, the others are taken out before.
@@ -121,16 +112,10 @@ TEST(Engine, StripsComeAndGoWhileTheOutputRuns) {
         EXPECT_TRUE(!result.complete || result.framesRead == 4410) << result.framesRead;
     }
     EXPECT_GT(engine.position(), 0);
-}
 
-TEST(Engine, StripsThatAreLeftWhenTheOutputHasStoppedAreCollectedAtOnce) {
-    SKIP_WITHOUT_RECORDINGS();
-    Engine engine(Engine::Feeding::ByThread, 44100);
-    engine.add(mustOpen(kSamples + "guit_em9.flac"));
+    engine.add(mustOpen(path));  // nobody plays it any more, so it can go at once
     engine.removeAll();
-    const auto results = engine.collect();
-    ASSERT_EQ(results.size(), 1U);
-    EXPECT_FALSE(results[0].complete);
+    EXPECT_EQ(engine.collect().size(), 1U);
 }
 
 }  // namespace

@@ -17,15 +17,18 @@ struct Encoding {
     std::uint32_t bytes;
 };
 
+// clang-format off
 constexpr std::array<Encoding, 7> kEncodings{{
-    {SF_FORMAT_PCM_S8, "8-bit signed integer", 8, 1, 1},
-    {SF_FORMAT_PCM_U8, "8-bit unsigned integer", 8, 1, 1},
-    {SF_FORMAT_PCM_16, "16-bit integer", 16, 2, 2},
-    {SF_FORMAT_PCM_24, "24-bit integer", 24, 3, 3},
-    {SF_FORMAT_PCM_32, "32-bit integer", 32, 4, 4},
-    {SF_FORMAT_FLOAT, "32-bit float", 32, -4, 4},
-    {SF_FORMAT_DOUBLE, "64-bit float", 64, -8, 8},
+    // subtype          name                      bits  converter  bytes
+    {SF_FORMAT_PCM_S8, "8-bit signed integer",       8,         1,     1},
+    {SF_FORMAT_PCM_U8, "8-bit unsigned integer",     8,         1,     1},
+    {SF_FORMAT_PCM_16, "16-bit integer",            16,         2,     2},
+    {SF_FORMAT_PCM_24, "24-bit integer",            24,         3,     3},
+    {SF_FORMAT_PCM_32, "32-bit integer",            32,         4,     4},
+    {SF_FORMAT_FLOAT,  "32-bit float",              32,        -4,     4},
+    {SF_FORMAT_DOUBLE, "64-bit float",              64,        -8,     8},
 }};
+// clang-format on
 
 // The containers whose sample data are plain interleaved frames. FLAC, for one, also calls its
 // samples "16 bit", but its bytes are not samples.
@@ -56,7 +59,9 @@ FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path)
     const ContainerCheck check = checkContainer(path);
 
     FileFormat format;
-    format.container = check.compressedAiff ? "AIFF-C" : libraryName(file, container);
+    format.container = check.compressedAiff          ? "AIFF-C"
+                       : container == SF_FORMAT_NIST ? "SPHERE"
+                                                     : libraryName(file, container);
     format.encoding = libraryName(file, subtype);
     format.rate = info.samplerate;
     format.channels = info.channels;

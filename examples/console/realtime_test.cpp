@@ -46,12 +46,13 @@ void onTrap(int, siginfo_t* info, void*) {
 
 }  // namespace
 
-// The C library's own names; operator new and delete come here too.
+// The C library's own names, visible to all libraries of the process: operator new and delete come
+// here too.
+#pragma GCC visibility push(default)
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
 void* __libc_realloc(void*, std::size_t);
-void* __libc_memalign(std::size_t, std::size_t);
 void __libc_free(void*);
 
 void* malloc(std::size_t size) {
@@ -66,10 +67,6 @@ void* realloc(void* block, std::size_t size) {
     count(&Counts::allocations);
     return __libc_realloc(block, size);
 }
-void* aligned_alloc(std::size_t alignment, std::size_t size) {
-    count(&Counts::allocations);
-    return __libc_memalign(alignment, size);
-}
 void free(void* block) {
     if (block != nullptr) count(&Counts::frees);
     __libc_free(block);
@@ -83,6 +80,7 @@ int pthread_mutex_lock(pthread_mutex_t* mutex) {
     return lockMutex(mutex);
 }
 }
+#pragma GCC visibility pop
 
 namespace veltra::console {
 namespace {

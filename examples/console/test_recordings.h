@@ -3,6 +3,7 @@
 
 #include "audio_file.h"
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -57,6 +58,31 @@ inline std::string contents(const std::string& path) {
 inline void writeFile(const std::string& path, std::string_view bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
+
+// Forms of one recording; only those of 8 bits lose something of 16.
+struct Variant {
+    const char* file;
+    const char* format;
+    const char* encoding;
+    ByteOrder order;
+};
+inline constexpr std::array<Variant, 15> kVariants{{
+    {"8.wav", "-b 8", "8-bit unsigned integer", ByteOrder::None},
+    {"8.aiff", "-b 8", "8-bit signed integer", ByteOrder::None},
+    {"16.wav", "-b 16", "16-bit integer", ByteOrder::Little},
+    {"16be.wav", "-B -b 16", "16-bit integer", ByteOrder::Big},
+    {"16.aiff", "-b 16", "16-bit integer", ByteOrder::Big},
+    {"24.wav", "-b 24", "24-bit integer", ByteOrder::Little},
+    {"24.aiff", "-b 24", "24-bit integer", ByteOrder::Big},
+    {"32.wav", "-b 32", "32-bit integer", ByteOrder::Little},
+    {"32.aiff", "-b 32", "32-bit integer", ByteOrder::Big},
+    {"float.wav", "-e float -b 32", "32-bit float", ByteOrder::Little},
+    {"float.aifc", "-e float -b 32", "32-bit float", ByteOrder::Big},
+    {"double.wav", "-e float -b 64", "64-bit float", ByteOrder::Little},
+    {"double.aifc", "-e float -b 64", "64-bit float", ByteOrder::Big},
+    {"16.au", "-b 16", "16-bit integer", ByteOrder::Big},
+    {"24.caf", "-b 24", "24-bit integer", ByteOrder::Big},
+}};
 
 // The first `share` of a file, under the name `file`.
 inline std::string cutShort(const std::string& path, double share, const std::string& file) {

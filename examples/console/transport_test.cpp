@@ -18,7 +18,7 @@ TEST(Transport, TheConsolesCalculatorIsTheBuiltInOneAt44100) {
     }
 }
 
-TEST(Transport, ABarTakesTwoSecondsAtEveryRate) {
+TEST(Transport, ABarTakesTwoSecondsAtEveryRateAndHalfABeatIs7680Ticks) {
     for (const std::int32_t rate : {8000, 22050, 44100, 48000, 96000, 192000}) {
         for (const std::int64_t bar : {1, 2, 17, 1000}) {
             const std::int64_t start = (bar - 1) * 2 * rate;
@@ -29,9 +29,6 @@ TEST(Transport, ABarTakesTwoSecondsAtEveryRate) {
                       std::to_string(bar) + ".4.00000");
         }
     }
-}
-
-TEST(Transport, HalfABeatIs7680Ticks) {
     EXPECT_EQ(toText(barBeatTick(12000, 48000)), "1.1.07680");
     EXPECT_EQ(toText(barBeatTick(12000 - 1, 48000)), "1.1.07679");
 }
