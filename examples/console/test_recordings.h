@@ -26,7 +26,8 @@ inline const std::string kSamples = "/usr/share/sonic-pi/samples/";
 // A folder of this process's own, gone at its end.
 inline const std::string& folder() {
     struct Folder {
-        std::string path = (std::filesystem::temp_directory_path() / "console-XXXXXX").string();
+        std::string path =
+            std::filesystem::temp_directory_path() / ("console-" + std::string(6, 'X'));
         Folder() { path = std::string(::mkdtemp(path.data())) + "/"; }
         ~Folder() { std::filesystem::remove_all(path); }
     };
