@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include <pthread.h>
+
 namespace veltra {
 
 class LogWorld final : private Clocks,
@@ -78,6 +80,7 @@ private:
     std::uint32_t effectiveUserId() const noexcept override { return userId; }
     bool isSetUserOrGroupId() const noexcept override { return hasRaisedRights; }
     void send(const LogRecord& record) noexcept override {
+        ::pthread_testcancel();  // as every system call may
         Record kept{std::string(record.facility), {}};
         for (const LogRecord::Field& field : record.fields)
             kept.fields.emplace_back(field.key, field.value);

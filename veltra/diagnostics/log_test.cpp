@@ -9,6 +9,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -219,6 +220,16 @@ TEST(Log, ErrnoIsKeptAndCanBeLogged) {
     EXPECT_EQ(errno, ENOSPC);
     EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "1 No space left on device");
     EXPECT_EQ(world.records[1].fields[LogRecord::Message].second, "1 No space left on device");
+}
+
+TEST(Log, ACancelledThreadEndsItsLine) {
+    LogWorld world;
+    std::thread([] {
+        ::pthread_cancel(::pthread_self());
+        QKLogCString(6, false, nullptr, "hello");
+        ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+    }).join();
+    EXPECT_EQ(world.line(), "hello\n");
 }
 
 TEST(Log, ATextIsCutWhenMemoryIsOut) {

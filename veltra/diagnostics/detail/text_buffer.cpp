@@ -70,7 +70,11 @@ bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
     // printf wants one byte more than the text has.
     if (needed >= 0 && static_cast<std::size_t>(needed) >= room) {
         const std::size_t grown = makeRoom(static_cast<std::size_t>(needed) + 1);
-        if (grown > room) needed = std::vsnprintf(m_text + m_size, room = grown, format, again);
+        if (grown > room) {
+            room = grown;
+            // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): and again
+            needed = std::vsnprintf(m_text + m_size, room, format, again);
+        }
     }
     va_end(again);
     if (needed < 0) return false;

@@ -4,7 +4,7 @@
 #include "veltra/platform/detail/immortal.h"
 #include "veltra/platform/linux/descriptor.h"
 #include "veltra/platform/linux/journal_datagram.h"
-#include "veltra/platform/linux/quiet_calls.h"
+#include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/process.h"
 
@@ -84,7 +84,6 @@ JournalLog::~JournalLog() {
 }
 
 void JournalLog::send(const LogRecord& record) noexcept {
-    const NoCancellation noCancellation;
     if (nobodyListens(sendToJournal(record))) sendToSyslog(record);
 }
 

@@ -3,7 +3,7 @@
 #include "veltra/platform/detail/adaptive_lock.h"
 #include "veltra/platform/detail/immortal.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
-#include "veltra/platform/linux/quiet_calls.h"
+#include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/process.h"
 
 #include <algorithm>
@@ -169,7 +169,6 @@ int DescriptorStandardError::writeWithoutWaiting(Kind kind, UnwrittenLine& line)
 
 void DescriptorStandardError::write(const Status& status, const Pieces& pieces) noexcept {
     UnwrittenLine line(pieces);
-    const NoCancellation noCancellation;
     SignalHold signals;
     const std::lock_guard guard(lineLock);
     int error = 0;

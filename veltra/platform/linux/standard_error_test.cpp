@@ -361,14 +361,13 @@ TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
         ::close(descriptor);
 }
 
-TEST(StandardError, ASignalHandlerMayWriteALineAndACancelledThreadEndsIts) {
+TEST(StandardError, ASignalHandlerMayWriteALine) {
     static std::string order;
     static DescriptorStandardError* stream;
     StandardErrorCalls calls;
     calls.writev = [](int, const iovec* pieces, int) -> ssize_t {
         const std::string_view text(static_cast<const char*>(pieces->iov_base), pieces->iov_len);
         if (text == "first") ::raise(SIGUSR1);
-        ::pthread_testcancel();
         order += text;
         return static_cast<ssize_t>(text.size());
     };
@@ -378,11 +377,7 @@ TEST(StandardError, ASignalHandlerMayWriteALineAndACancelledThreadEndsIts) {
     struct sigaction before {};
     action.sa_handler = [](int) { stream->write({Kind::RegularFile}, {"second", "", ""}); };
     ::sigaction(SIGUSR1, &action, &before);
-    std::thread([&] {
-        ::pthread_cancel(::pthread_self());
-        made.write({Kind::RegularFile}, {"first", "", ""});
-        ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    }).join();
+    made.write({Kind::RegularFile}, {"first", "", ""});
     ::sigaction(SIGUSR1, &before, nullptr);
     stream = nullptr;
     EXPECT_EQ(order, "firstsecond");

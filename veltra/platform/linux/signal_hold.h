@@ -1,4 +1,4 @@
-// Guards for system calls that must have no other effect on the thread than their own.
+// A guard for system calls that must have no other effect on the thread than their own.
 #pragma once
 
 #include <csignal>
@@ -8,19 +8,6 @@
 #include <time.h>
 
 namespace veltra {
-
-// Writing and sending are points at which another thread may cancel this one. Cancelling unwinds
-// the stack, which a noexcept function answers by ending the process.
-class NoCancellation {
-public:
-    NoCancellation() noexcept { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }
-    NoCancellation(const NoCancellation&) = delete;
-    NoCancellation& operator=(const NoCancellation&) = delete;
-    ~NoCancellation() { ::pthread_setcancelstate(m_before, nullptr); }
-
-private:
-    int m_before = PTHREAD_CANCEL_ENABLE;
-};
 
 // Holds back the thread's signals: handlers run after the guard has gone, and a signal that a call
 // under the guard causes can be taken away again. A background process that writes to its terminal
