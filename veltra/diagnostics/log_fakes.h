@@ -13,8 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include <pthread.h>
-
 namespace veltra {
 
 class LogWorld final : private Clocks,
@@ -53,6 +51,7 @@ public:
     bool hasRaisedRights = false;
     Kind kind = Kind::RegularFile;
     bool managed = false;
+    void (*whenSending)() = nullptr;
 
     std::vector<Record> records;
     std::vector<std::string> lines;
@@ -80,7 +79,7 @@ private:
     std::uint32_t effectiveUserId() const noexcept override { return userId; }
     bool isSetUserOrGroupId() const noexcept override { return hasRaisedRights; }
     void send(const LogRecord& record) noexcept override {
-        ::pthread_testcancel();  // as every system call may
+        if (whenSending != nullptr) whenSending();
         Record kept{std::string(record.facility), {}};
         for (const LogRecord::Field& field : record.fields)
             kept.fields.emplace_back(field.key, field.value);
