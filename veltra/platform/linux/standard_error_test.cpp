@@ -247,7 +247,8 @@ TEST(StandardError, ATerminalTakesTheLineAndAStoppedOneIsNotWaitedFor) {
 }
 
 TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
-    static std::atomic<bool> hasArrived{false}, mayGoOn{false};
+    static std::atomic<bool> hasArrived, mayGoOn;
+    hasArrived = mayGoOn = false;
     StandardErrorCalls calls;
     calls.writev = [](int, const iovec*, int) -> ssize_t {
         hasArrived = true;
@@ -270,6 +271,7 @@ TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
 
 TEST(StandardError, ASignalHandlerMayWriteALineAndACancelledThreadEndsIts) {
     static std::string order;
+    order.clear();
     static DescriptorStandardError* stream;
     StandardErrorCalls calls;
     calls.writev = [](int, const iovec* pieces, int) -> ssize_t {
@@ -296,7 +298,8 @@ TEST(StandardError, ASignalHandlerMayWriteALineAndACancelledThreadEndsIts) {
 TEST(StandardError, LinesOfSeveralThreadsAreNeverMixed) {
     constexpr std::size_t kThreads = 8, kLines = 200, kSize = 23;
     static std::array<char, kThreads * kLines * kSize> text{};
-    static std::atomic<std::size_t> length{0};
+    static std::atomic<std::size_t> length;
+    length = 0;
     // One byte a call, so that only the lock keeps a line together.
     StandardErrorCalls calls;
     calls.writev = [](int, const iovec* pieces, int) -> ssize_t {
