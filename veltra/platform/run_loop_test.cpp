@@ -28,12 +28,11 @@ struct Pen : Anchored {
 
 class RunLoopTest : public ::testing::Test {
 protected:
-    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all(),
-                       bool repeats = true) {
-        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, repeats, modes});
+    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all()) {
+        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, true, modes});
     }
     TimerPointer once(double seconds, Pen& pen) {
-        return every(seconds, pen, RunLoopModes::all(), false);
+        return loop.schedule({seconds, &pen, action<&Pen::write>()});
     }
     std::uint64_t after(std::uint64_t milliseconds) const {
         return start + milliseconds * kMillisecond;
@@ -106,26 +105,21 @@ TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModesAndANestedLoopTheOneThatR
     EXPECT_EQ(loop.nextDeadline(), after(700));
 }
 
-TEST_F(RunLoopTest, FireByHandKeepsTheBeatOfRepeatingTimersAndEndsOthers) {
+TEST_F(RunLoopTest, FiredByHandATimerKeepsItsBeatAndActionsMayAddAndCancelOthersOfTheMoment) {
     const TimerPointer repeating = every(0.1, a), single = once(0.1, b);
+    TimerPointer cancelled = every(0.1, c);
     b.then = [](RunLoopTimer& timer) { EXPECT_FALSE(timer.isValid()); };
-    loop.clocks.now += 30 * kMillisecond;
+    loop.clocks.now = after(30);
     for (const TimerPointer& timer : {single, single, repeating})
         timer->fire();
     EXPECT_EQ(page, "ba");
     EXPECT_EQ(loop.announced, after(100));
-}
-
-TEST_F(RunLoopTest, ActionsMayAddAndCancelTimersOfTheSameMoment) {
-    const TimerPointer first = once(0.1, a);
-    TimerPointer second = every(0.1, b);
     a.then = [&](RunLoopTimer&) {
-        std::exchange(second, nullptr)->invalidate();
-        every(0.0, c);
+        if (cancelled) std::exchange(cancelled, nullptr)->invalidate();
+        once(0.0, b);
     };
-    c.then = [](RunLoopTimer& timer) { timer.invalidate(); };
-    loop.advance(0.15);
-    EXPECT_EQ(page, "ac");
+    loop.advance(0.1);
+    EXPECT_EQ(page, "baab");
 }
 
 TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {

@@ -76,14 +76,12 @@ std::string play(const Scene& scene) {
                                               scene.otherButton, scene.timeout});
     };
     std::thread session([&] {
-        EXPECT_EQ(testing::inChild([&] {
-                      ::setsid();
-                      ::ioctl(::open(name.c_str(), O_RDWR), TIOCSCTTY, 0);
-                      return scene.isInBackground ? testing::inChild(isAnsweredRight) == 0
-                                                  : isAnsweredRight();
-                  }),
-                  0)
-            << scene.typed;
+        EXPECT_TRUE(testing::holdsInChild([&] {
+            ::setsid();
+            ::ioctl(::open(name.c_str(), O_RDWR), TIOCSCTTY, 0);
+            return scene.isInBackground ? testing::holdsInChild(isAnsweredRight)
+                                        : isAnsweredRight();
+        })) << scene.typed;
         EXPECT_EQ(::write(keepsOpen, "\a", 1), 1);  // the end
     });
     std::string text;

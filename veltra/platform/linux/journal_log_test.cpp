@@ -91,8 +91,6 @@ TEST_F(JournalLogTest, SendsKeysInOrderUnderNamesThatTheJournalTakes) {
               "CFLOG_LOCAL_TIME=2024-01-31 09:05:07.042\nCFLOG_THREAD=a0b\nREADUID=1000\n"
               "LEVEL=3\nPRIORITY=3\nMESSAGE\n\x09\0\0\0\0\0\0\0two\nlines\nSYSLOG_IDENTIFIER="s +
                   longTag + "\n");
-    log.send(record(""));
-    EXPECT_EQ(journal.take(), sent(""));
     const std::string lines(128, '\n');
     log.send(record(lines));
     EXPECT_EQ(journal.take(), "READUID=1000\nLEVEL=3\nPRIORITY=3\nMESSAGE\n\x80\0\0\0\0\0\0\0"s +
@@ -104,13 +102,12 @@ TEST_F(JournalLogTest, WhatIsTooLongForADatagramGoesAsASealedFileWithinTheLimitO
     const std::string message(1 << 20, 'x');
     log.send(record(message));
     EXPECT_EQ(journal.take(), sent(message));
-    EXPECT_EQ(testing::inChild([&] {
-                  const rlimit limit{4096, 4096};
-                  ::setrlimit(RLIMIT_FSIZE, &limit);
-                  log.send(record(message));
-                  return true;
-              }),
-              0);
+    EXPECT_TRUE(testing::holdsInChild([&] {
+        const rlimit limit{4096, 4096};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        log.send(record(message));
+        return true;
+    }));
     EXPECT_EQ(journal.take(), "-");
 }
 
@@ -126,7 +123,7 @@ TEST_F(JournalLogTest, AFullQueueARestartedServiceAndAForkedChildUseTheSocketAsI
             continue;
         log.send(record(message));
         EXPECT_EQ(journal.take(), sent(message));
-        EXPECT_EQ(testing::inChild([&] { return log.send(record("child")), true; }), 0);
+        EXPECT_TRUE(testing::holdsInChild([&] { return log.send(record("child")), true; }));
         EXPECT_EQ(journal.take(), sent("child"));
     }
     EXPECT_EQ(log.descriptor(), descriptor);
@@ -154,18 +151,19 @@ TEST_F(JournalLogTest, WithoutAJournalTheTraditionalDaemonGetsTheLine) {
 TEST_F(JournalLogTest, ANumberThatTheHostTookOverIsLeftAloneAndNeverGetsARecord) {
     Service journal(path);
     std::array<std::array<int, 2>, 5> connections{};
-    ASSERT_EQ(::pipe(connections[0].data()), 0);
-    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, connections[1].data()), 0);
-    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_DGRAM, 0, connections[2].data()), 0);
-    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, connections[3].data()), 0);
+    ::pipe2(connections[0].data(), O_NONBLOCK);
+    ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, connections[1].data());
+    ::socketpair(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0, connections[2].data());
+    ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK, 0, connections[3].data());
     // Another family: a socket that is connected to itself.
-    const int internet = ::socket(AF_INET, SOCK_DGRAM, 0);
+    const int internet = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK, 0);
     sockaddr_in local{};
     local.sin_family = AF_INET;
     local.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof local;
     auto* const name = reinterpret_cast<sockaddr*>(&local);
-    ASSERT_EQ(::bind(internet, name, size) | ::getsockname(internet, name, &size), 0);
+    ::bind(internet, name, size);
+    ::getsockname(internet, name, &size);
     ASSERT_EQ(::connect(internet, name, size), 0);
     connections[4] = {internet, ::dup(internet)};
 
@@ -177,7 +175,6 @@ TEST_F(JournalLogTest, ANumberThatTheHostTookOverIsLeftAloneAndNeverGetsARecord)
         log.send(record("after"));
         EXPECT_EQ(journal.take(), sent("after")) << writing;
         char byte = 0;
-        ::fcntl(reading, F_SETFL, O_NONBLOCK);
         EXPECT_EQ(::read(reading, &byte, 1), -1) << writing;
         EXPECT_EQ(::write(number, "x", 1), 1) << "the host's descriptor was closed";
         for (const int used : {number, reading, writing})

@@ -20,8 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // All steps of replacing a file fail from some step on, with an error or (0) with the process.
-int s_stepsLeft = 0;
-int s_error = 0;
+int s_stepsLeft = 0, s_error = 0;
 
 void failAfter(int steps, int error) {
     s_stepsLeft = steps, s_error = error;
@@ -59,11 +58,9 @@ protected:
 };
 
 TEST_F(JsonPreferencesTest, MergesOnlyItsOwnChangesAndReadsOthersWhenAsked) {
-    EXPECT_TRUE(m_preferences.setValue("mine", 1));
-    EXPECT_TRUE(m_preferences.setValue("bad\xFFkey", 1));
+    EXPECT_TRUE(m_preferences.setValue("mine", 1) && m_preferences.setValue("bad\xFFkey", 1));
     EXPECT_EQ(m_preferences.value("bad\xFFkey"), 1);
-    EXPECT_FALSE(fs::exists(m_file));
-    EXPECT_FALSE(m_preferences.synchronise());
+    EXPECT_FALSE(fs::exists(m_file) || m_preferences.synchronise());
     EXPECT_EQ(fs::status(m_file).permissions(), fs::perms(0600));
     EXPECT_EQ(fs::status(m_file.parent_path()).permissions(), fs::perms(0700));
     EXPECT_EQ(contents(m_file), jsonFromDictionary({{"bad\uFFFDkey", 1}, {"mine", 1}}));
@@ -71,8 +68,7 @@ TEST_F(JsonPreferencesTest, MergesOnlyItsOwnChangesAndReadsOthersWhenAsked) {
     m_preferences.setValue("mine", 2);
     m_preferences.setValue("gone", nullptr);
     store(R"({"mine": 3, "theirs": 3, "gone": 3})");
-    EXPECT_TRUE(m_preferences.value("theirs").isNull());
-    EXPECT_FALSE(m_preferences.reload());
+    EXPECT_TRUE(m_preferences.value("theirs").isNull() && !m_preferences.reload());
     EXPECT_EQ(m_preferences.value("theirs"), 3);
     EXPECT_EQ(m_preferences.value("mine"), 2);
     EXPECT_TRUE(m_preferences.value("gone").isNull());
@@ -92,11 +88,10 @@ TEST_F(JsonPreferencesTest, WritersInTwoProcessesAndTwoThreadsLoseNothing) {
         return isWritten;
     };
     std::thread child([&] {
-        EXPECT_EQ(testing::inChild([&] {
-                      JsonPreferences ofChild(m_file.string());
-                      return writeMany(ofChild, 'a');
-                  }),
-                  0);
+        EXPECT_TRUE(testing::holdsInChild([&] {
+            JsonPreferences ofChild(m_file.string());
+            return writeMany(ofChild, 'a');
+        }));
     });
     std::thread other([&] { EXPECT_TRUE(writeMany(m_preferences, 'b')); });
     EXPECT_TRUE(writeMany(m_preferences, 'c'));
@@ -118,7 +113,7 @@ TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsThe
         JsonPreferences preferences(m_file.string(), kFailingCalls);
         preferences.setValue("key", "new");
         failAfter(failures, 0);
-        EXPECT_EQ(testing::inChild([&] { return !preferences.synchronise(); }), 0);
+        EXPECT_TRUE(testing::holdsInChild([&] { return !preferences.synchronise(); }));
         if (contents(m_file) != before) break;
 
         const auto fileCount = std::distance(fs::directory_iterator(m_file.parent_path()), {});
@@ -153,10 +148,9 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
     preferences.setValue("key", 1);
     failAfter(0, EIO);
     EXPECT_EQ(preferences.synchronise(), std::errc::io_error);
-    EXPECT_EQ(contents(m_file), "{");
     EXPECT_EQ(preferences.takeDamageReport()->keptAs, "");
     EXPECT_EQ(preferences.reload(), std::errc::io_error);
-    EXPECT_FALSE(preferences.takeDamageReport());
+    EXPECT_FALSE(preferences.takeDamageReport() || contents(m_file) != "{");
     failAfter(1000, EIO);
     EXPECT_FALSE(preferences.synchronise());
     EXPECT_EQ(contents(m_file), jsonFromDictionary({{"key", 1}}));
@@ -183,13 +177,12 @@ TEST_F(JsonPreferencesTest, WritesThroughLinksKeepsModesAndRefusesWhatIsNoFile) 
     store("");
     fs::remove(m_file);
     fs::create_symlink("../real.json", m_file);
-    for (const fs::perms mode : {fs::perms(0600), fs::perms(0640)}) {
-        m_preferences.setValue("mode", static_cast<int>(mode));
-        if (fs::exists(real)) fs::permissions(real, mode);
-        EXPECT_FALSE(m_preferences.synchronise());
-        EXPECT_TRUE(fs::is_symlink(m_file));
-        EXPECT_EQ(contents(real), jsonFromDictionary({{"mode", static_cast<int>(mode)}}));
-        EXPECT_EQ(fs::status(real).permissions(), mode);
+    for (const int mode : {0600, 0640}) {
+        if (fs::exists(real)) fs::permissions(real, fs::perms(mode));
+        m_preferences.setValue("mode", mode);
+        EXPECT_TRUE(!m_preferences.synchronise() && fs::is_symlink(m_file));
+        EXPECT_EQ(contents(real), jsonFromDictionary({{"mode", mode}}));
+        EXPECT_EQ(fs::status(real).permissions(), fs::perms(mode));
     }
     fs::remove(m_file);
     fs::create_symlink("host.json", m_file);
@@ -213,18 +206,11 @@ TEST_F(JsonPreferencesTest, BelongsToTheProgramInTheFolderOfTheUser) {
     EXPECT_EQ(pathWith("/home/me", "/etc/me"), "/etc/me/" + program + ".json");
 
     JsonPreferences preferences;
-    for (const std::string& name : {std::string(), std::string("."), std::string("a/b"),
-                                    std::string("a\n"), std::string(201, 'a')})
+    for (const char* name : {"", ".", "a/b", "a\n", std::string(201, 'a').c_str()})
         EXPECT_FALSE(preferences.setApplicationName(name)) << name;
     EXPECT_TRUE(preferences.setApplicationName("My Host"));
     EXPECT_EQ(preferences.path(), "/etc/me/My Host.json");
     EXPECT_FALSE(preferences.setApplicationName("Other"));
-
-    Preferences* own = &Preferences::current();
-    EXPECT_EQ(Preferences::install(&preferences), nullptr);
-    EXPECT_EQ(&Preferences::current(), &preferences);
-    EXPECT_EQ(Preferences::install(nullptr), &preferences);
-    EXPECT_EQ(&Preferences::current(), own);
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 
 namespace veltra::testing {
 
-// The child's status: 0 when `body` answered true there. An alarm ends a child that hangs.
+// Whether `body` answered true there. An alarm ends a child that hangs.
 template <typename Body>
-int inChild(Body body) {
+bool holdsInChild(Body body) {
     const pid_t child = ::fork();
     if (child == 0) {
         ::alarm(60);
@@ -16,7 +16,7 @@ int inChild(Body body) {
     }
     int status = -1;
     ::waitpid(child, &status, 0);
-    return status;
+    return status == 0;
 }
 
 }  // namespace veltra::testing
