@@ -4,10 +4,10 @@
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -183,14 +183,20 @@ TEST_F(JournalLogTest, ANumberThatTheHostTookOverIsLeftAloneAndNeverGetsARecord)
 }
 
 TEST_F(JournalLogTest, SeveralThreadsShareOneSocket) {
-    std::vector<std::thread> threads;
     const int before = ::dup(0);
     ::close(before);
-    for (int count = 0; count < 8; ++count)
-        threads.emplace_back([this] { log.send(record("x")); });
-    for (std::thread& thread : threads)
-        thread.join();
-    ::close(log.descriptor());
+    for (int round = 0; round < 300; ++round) {
+        JournalLog shared(path.c_str(), "");
+        std::atomic<int> waiting{2};
+        const auto send = [&] {
+            for (--waiting; waiting > 0;)
+                std::this_thread::yield();
+            shared.send(record("x"));
+        };
+        std::thread other(send);
+        send();
+        other.join();
+    }
     const int after = ::dup(0);
     EXPECT_EQ(after, before) << "a socket was left open";
     ::close(after);

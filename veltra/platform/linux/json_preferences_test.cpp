@@ -206,7 +206,8 @@ TEST_F(JsonPreferencesTest, BelongsToTheProgramInTheFolderOfTheUser) {
     EXPECT_EQ(pathWith("/home/me", "/etc/me"), "/etc/me/" + program + ".json");
 
     JsonPreferences preferences;
-    for (const char* name : {"", ".", "a/b", "a\n", std::string(201, 'a').c_str()})
+    const std::string longName(201, 'a');
+    for (const std::string_view name : {"", ".", "a/b", "a\n", longName.c_str()})
         EXPECT_FALSE(preferences.setApplicationName(name)) << name;
     EXPECT_TRUE(preferences.setApplicationName("My Host"));
     EXPECT_EQ(preferences.path(), "/etc/me/My Host.json");

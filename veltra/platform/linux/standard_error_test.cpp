@@ -289,6 +289,7 @@ TEST(StandardError, LinesOfSeveralThreadsAreNeverMixed) {
     // One byte a call, so that only the lock keeps a line together.
     StandardErrorCalls calls;
     calls.writev = [](int descriptor, const iovec* pieces, int) {
+        std::this_thread::yield();
         const iovec one{pieces->iov_base, 1};
         return take(descriptor, &one, 1);
     };
