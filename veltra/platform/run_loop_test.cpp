@@ -28,12 +28,14 @@ struct Pen : Anchored {
 
 class RunLoopTest : public ::testing::Test {
 protected:
-    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all(),
-                       bool repeats = true) {
-        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, repeats, modes});
+    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all()) {
+        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, true, modes});
     }
     TimerPointer once(double seconds, Pen& pen) {
-        return every(seconds, pen, RunLoopModes::all(), false);
+        return loop.schedule({seconds, &pen, action<&Pen::write>()});
+    }
+    std::uint64_t after(std::uint64_t milliseconds) const {
+        return start + milliseconds * kMillisecond;
     }
     testing::ManualRunLoop loop;
     const std::uint64_t start = loop.clocks.now;
@@ -41,9 +43,9 @@ protected:
     Pen a{page, 'a'}, b{page, 'b'}, c{page, 'c'};
 };
 
-TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecond) {
+TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecondAndSkipsMissedTicks) {
     const TimerPointer slow = every(0.2, a), quick = every(0.1, b), single = once(0.1, c);
-    loop.clocks.now = start + 100 * kMillisecond - 1;
+    loop.clocks.now = after(100) - 1;
     EXPECT_EQ(loop.runDue(), 0);
     EXPECT_EQ(loop.announcements, 3);  // two changes, and one to arm a wake-up again
     loop.clocks.now += 1;
@@ -51,21 +53,16 @@ TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecond) {
     loop.advance(0.1);
     EXPECT_EQ(page, "bcab");
     slow->invalidate();
-    EXPECT_EQ(loop.announced, start + 300 * kMillisecond);
+    loop.clocks.now = after(550);
+    EXPECT_EQ(loop.runDue(), 1);
+    EXPECT_EQ(loop.announced, after(600));  // the beat is kept
+    b.then = [&](RunLoopTimer&) { loop.clocks.now += 250 * kMillisecond; };
+    loop.advance(0.05);
+    EXPECT_EQ(loop.announced, after(900));
+    EXPECT_EQ(page, "bcabbb");
     quick->invalidate();
     EXPECT_EQ(loop.announced, std::nullopt);
     EXPECT_FALSE(quick->isValid() || single->isValid());
-}
-
-TEST_F(RunLoopTest, MissedTicksAreSkippedAndTheBeatIsKept) {
-    const TimerPointer timer = every(0.1, a);
-    loop.clocks.now = start + 350 * kMillisecond;
-    EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.nextDeadline(), start + 400 * kMillisecond);
-    a.then = [&](RunLoopTimer&) { loop.clocks.now += 250 * kMillisecond; };
-    loop.advance(0.05);
-    EXPECT_EQ(loop.nextDeadline(), start + 700 * kMillisecond);
-    EXPECT_EQ(page, "aa");
 }
 
 TEST_F(RunLoopTest, OddIntervalsAreTamed) {
@@ -85,7 +82,7 @@ TEST_F(RunLoopTest, OddIntervalsAreTamed) {
     EXPECT_EQ(loop.nextDeadline(), start + 6);
 }
 
-TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModes) {
+TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModesAndANestedLoopTheOneThatRunsIt) {
     const TimerPointer common = every(0.1, a), plain = every(0.1, b, RunLoopMode::Default);
     const TimerPointer held = every(0.25, c, RunLoopMode::ModalPanel | RunLoopMode::EventTracking);
     {
@@ -95,44 +92,34 @@ TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModes) {
         loop.advance(0.1);
         EXPECT_EQ(page, "aaca");
     }
-    EXPECT_EQ(loop.announced, start + 100 * kMillisecond);  // overdue: at once
+    EXPECT_EQ(loop.announced, after(100));  // overdue: at once
     loop.advance(0.0);
     EXPECT_EQ(page, "aacab");
-}
-
-TEST_F(RunLoopTest, FireByHandKeepsTheBeatOfRepeatingTimersAndEndsOthers) {
-    const TimerPointer repeating = every(0.1, a), single = once(0.1, b);
-    b.then = [](RunLoopTimer& timer) { EXPECT_FALSE(timer.isValid()); };
-    loop.clocks.now += 30 * kMillisecond;
-    for (const TimerPointer& timer : {single, single, repeating})
-        timer->fire();
-    EXPECT_EQ(page, "ba");
-    EXPECT_EQ(loop.announced, start + 100 * kMillisecond);
-}
-
-TEST_F(RunLoopTest, ActionsMayAddAndCancelTimersOfTheSameMoment) {
-    const TimerPointer first = once(0.1, a);
-    TimerPointer second = every(0.1, b);
-    a.then = [&](RunLoopTimer&) {
-        std::exchange(second, nullptr)->invalidate();
-        every(0.0, c);
-    };
-    c.then = [](RunLoopTimer& timer) { timer.invalidate(); };
-    loop.advance(0.15);
-    EXPECT_EQ(page, "ac");
-}
-
-TEST_F(RunLoopTest, ANestedLoopRunsTheOthersAndNeverTheTimerThatRunsIt) {
-    const TimerPointer outer = every(0.1, a), inner = every(0.1, b);
-    const TimerPointer plain = every(0.1, c, RunLoopMode::Default);
     a.then = [&](RunLoopTimer&) {
         const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
         loop.advance(0.2);
         page += '.';
     };
     loop.advance(0.1);
-    EXPECT_EQ(page, "abbb.c");
-    EXPECT_EQ(loop.nextDeadline(), start + 400 * kMillisecond);
+    EXPECT_EQ(page, "aacabac.b");
+    EXPECT_EQ(loop.nextDeadline(), after(700));
+}
+
+TEST_F(RunLoopTest, FiredByHandATimerKeepsItsBeatAndActionsMayAddAndCancelOthersOfTheMoment) {
+    const TimerPointer repeating = every(0.1, a), single = once(0.1, b);
+    TimerPointer cancelled = every(0.1, c);
+    b.then = [](RunLoopTimer& timer) { EXPECT_FALSE(timer.isValid()); };
+    loop.clocks.now = after(30);
+    for (const TimerPointer& timer : {single, single, repeating})
+        timer->fire();
+    EXPECT_EQ(page, "ba");
+    EXPECT_EQ(loop.announced, after(100));
+    a.then = [&](RunLoopTimer&) {
+        if (cancelled) std::exchange(cancelled, nullptr)->invalidate();
+        once(0.0, b);
+    };
+    loop.advance(0.1);
+    EXPECT_EQ(page, "baab");
 }
 
 TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
@@ -154,16 +141,16 @@ TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
 
 TEST_F(RunLoopTest, ErrorsOfTheClockAndOfActionsLeaveTheLoopInOrder) {
     const TimerPointer first = every(0.1, a), second = every(0.1, b);
-    loop.clocks.now = start + 100 * kMillisecond;
+    loop.clocks.now = after(100);
     loop.clocks.error = 22;
     EXPECT_EQ(loop.runDue(), 0);
     EXPECT_EQ(every(0.1, c), nullptr);
     loop.clocks.error = 0;
     a.then = [](RunLoopTimer&) { throw std::runtime_error("action"); };
     EXPECT_THROW(loop.runDue(), std::runtime_error);
-    EXPECT_EQ(loop.announced, loop.clocks.now);
+    EXPECT_EQ(loop.announced, after(100));
     EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.announced, loop.clocks.now + 100 * kMillisecond);
+    EXPECT_EQ(loop.announced, after(200));
     EXPECT_EQ(page, "ab");
 }
 
@@ -173,11 +160,8 @@ TEST_F(RunLoopTest, EachThreadHasItsOwnLoopWhileNoneIsSet) {
         RunLoop* const own = RunLoop::current();
         left = own->schedule({0.1, &a, action<&Pen::write>()});
         EXPECT_TRUE(own != &loop && left->isValid());
-        {
-            RunLoop set;
-            RunLoop::setCurrent(&set);
-        }
-        EXPECT_EQ(RunLoop::current(), own);
+        RunLoop::setCurrent(std::make_unique<RunLoop>().get());
+        EXPECT_EQ(RunLoop::current(), own) << "a loop that is gone is still set";
     }).join();
     EXPECT_FALSE(left->isValid());
 }

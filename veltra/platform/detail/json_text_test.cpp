@@ -12,10 +12,9 @@ using Array = PropertyValue::Array;
 using Data = PropertyValue::Data;
 using Dictionary = PropertyValue::Dictionary;
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
-
 PropertyValue randomValue(std::mt19937& random, std::uint32_t depth) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
     static const Array kLeaves[] = {
         {nullptr, false, true, 0, -5, kSmallest, ~kSmallest, 0.0, -0.0, 5e-324, 1e22, 1.0 / 3.0},
         {kInfinity, -kInfinity, kInfinity * 0.0, "", "nan", "QUI=", "\t/\"\\\x7F\uFFFD\u266B"},
@@ -49,21 +48,20 @@ TEST(JsonText, EveryDictionaryComesBackAsItWas) {
 }
 
 TEST(JsonText, ReadsWhatOthersWriteAndRefusesWhatIsDamaged) {
-    const std::pair<std::string, Dictionary> sound[] = {
-        {"\xEF\xBB\xBF{\"a\":1,\"a\":2.0}", {{"a", 2.0}}},
-        {R"({"a":18446744073709551615})", {{"a", 18446744073709551615.0}}},
-        {R"({"$data":"QUI="})", {{"$data", "QUI="}}},
-        {R"({"a":{"$data":"QUI="}})", {{"a", Data{'A', 'B'}}}},
-        {R"({"a":{"$data":"QUI"}})", {{"a", Dictionary{{"$data", "QUI"}}}}},
-        {R"({"a":{"$data":"QUJ="}})", {{"a", Dictionary{{"$data", "QUJ="}}}}},
-        {R"({"a":{"$data":"Q==="}})", {{"a", Dictionary{{"$data", "Q==="}}}}},
-        {R"({"a":{"$data":""}})", {{"a", Data{}}}},
-        {R"({"a":{"$data":1}})", {{"a", Dictionary{{"$data", 1}}}}},
-        {R"({"a":{"$real":"1"}})", {{"a", Dictionary{{"$real", "1"}}}}},
-        {R"({"a":{"b":1,"$real":"inf"}})", {{"a", Dictionary{{"$real", "inf"}, {"b", 1}}}}},
+    EXPECT_EQ(dictionaryFromJson("\xEF\xBB\xBF{\"a\":1,\"a\":2.0}"), (Dictionary{{"a", 2.0}}));
+    EXPECT_EQ(dictionaryFromJson(R"({"$data":"QUI="})"), (Dictionary{{"$data", "QUI="}}));
+    const std::pair<std::string, PropertyValue> sound[] = {
+        {"18446744073709551615", 18446744073709551615.0},
+        {R"({"$data":"QUI="})", Data{'A', 'B'}},
+        {R"({"$data":"QUI"})", Dictionary{{"$data", "QUI"}}},
+        {R"({"$data":"QUJ="})", Dictionary{{"$data", "QUJ="}}},
+        {R"({"$data":"Q==="})", Dictionary{{"$data", "Q==="}}},
+        {R"({"$data":1})", Dictionary{{"$data", 1}}},
+        {R"({"$real":"1"})", Dictionary{{"$real", "1"}}},
+        {R"({"b":1,"$real":"inf"})", Dictionary{{"$real", "inf"}, {"b", 1}}},
     };
-    for (const auto& [text, members] : sound)
-        EXPECT_EQ(dictionaryFromJson(text), members) << text;
+    for (const auto& [text, value] : sound)
+        EXPECT_EQ(dictionaryFromJson("{\"a\":" + text + '}'), (Dictionary{{"a", value}})) << text;
 
     const auto nested = [](std::size_t depth) {
         return "{\"a\":" + std::string(depth, '[') + std::string(depth, ']') + '}';
@@ -72,20 +70,12 @@ TEST(JsonText, ReadsWhatOthersWriteAndRefusesWhatIsDamaged) {
     std::string objects;
     for (int depth = 0; depth < 10000; ++depth)
         objects += "{\"a\":";
-    const std::string damaged[] = {"",
-                                   "1",
-                                   "[]",
-                                   "{} x",
-                                   R"({"a":1e999})",
-                                   "{\"\xFF\":1}",
-                                   R"({"a":NaN})",
-                                   R"({"a":"\ud800"})",
-                                   nested(PropertyValue::kMaximumDepth + 1),
-                                   nested(10000),
-                                   objects,
-                                   std::string(10000, '[')};
-    for (const std::string& text : damaged)
-        EXPECT_FALSE(dictionaryFromJson(text)) << text;
+    for (const std::string& damaged :
+         {std::string(), std::string("1"), std::string("[]"), std::string("{} x"), objects,
+          std::string(R"({"a":1e999})"), std::string("{\"\xFF\":1}"), std::string(R"({"a":NaN})"),
+          std::string(R"({"a":"\ud800"})"), std::string(10000, '['), nested(10000),
+          nested(PropertyValue::kMaximumDepth + 1)})
+        EXPECT_FALSE(dictionaryFromJson(damaged)) << damaged;
 }
 
 }  // namespace

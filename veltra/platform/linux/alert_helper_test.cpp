@@ -1,21 +1,19 @@
 #include "veltra/platform/linux/alert_helper.h"
 
-#include "veltra/platform/clock.h"
 #include "veltra/platform/linux/alert_helper_search.h"
 #include "veltra/platform/linux/alert_ways.h"
+#include "veltra/platform/testing/child_process.h"
+#include "veltra/platform/testing/temporary_folder.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
+#include <ctime>
 #include <fstream>
-#include <sstream>
-#include <string>
+#include <iterator>
+#include <vector>
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace veltra {
 namespace {
@@ -23,31 +21,23 @@ namespace {
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
+namespace fs = std::filesystem;
 
 const Alert kAlert{"-h", "--message=-x\nline\xC3\xA9", "Resume", "Debugger", "-Stop", 0.3};
 
-double seconds() {
-    return static_cast<double>(Clocks::current().monotonic().nanoseconds) / 1e9;
-}
-
 class AlertHelperTest : public ::testing::Test {
 protected:
-    AlertHelperTest() {
-        std::string pattern = ::testing::TempDir() + "alertXXXXXX";
-        m_folder = ::mkdtemp(pattern.data());
-    }
     ~AlertHelperTest() override {
-        std::filesystem::remove_all(m_folder);
         EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
         EXPECT_EQ(errno, ECHILD);
     }
 
     std::string program(const std::string& relative, const std::string& script) const {
-        const std::filesystem::path path = m_folder / relative;
-        std::filesystem::create_directories(path.parent_path());
+        const fs::path path = m_folder.path / relative;
+        fs::create_directories(path.parent_path());
         // Not sh: some of them start by unblocking every signal.
         std::ofstream(path) << "#!/bin/bash\n" << script << '\n';
-        std::filesystem::permissions(path, std::filesystem::perms(0755));
+        fs::permissions(path, fs::perms(0755));
         return path;
     }
 
@@ -55,50 +45,36 @@ protected:
         return askHelper(kAlert, program("helper", script).c_str(), 0.1);
     }
 
-    std::filesystem::path m_folder;
+    testing::TemporaryFolder m_folder;
 };
 
-TEST_F(AlertHelperTest, OnlyAProperAnswerCountsWhateverTheExitStatus) {
-    const struct {
-        const char* script;
-        std::optional<AlertAnswer> answer;
-    } cases[] = {
-        {"echo default", AlertAnswer::Default},
-        {"echo alternate; exit 1", AlertAnswer::Alternate},
-        {"printf oth; printf 'er\\n'; kill -9 $$", AlertAnswer::Other},
-        {"echo timeout", AlertAnswer::TimedOut},
-        {"exit 0", std::nullopt},
-        {"kill -6 $$", std::nullopt},
-        {"echo", std::nullopt},
-        {"echo defaults", std::nullopt},
-        {"printf default", std::nullopt},
-        {"printf 'other\\nmore'", AlertAnswer::Other},
-        {"printf 'a line that is longer than any answer\\n'", std::nullopt},
-        {"echo other >&2", std::nullopt},
+TEST_F(AlertHelperTest, OnlyAProperAnswerInTimeCountsWhateverTheExitStatus) {
+    const std::pair<std::optional<AlertAnswer>, std::vector<std::string>> cases[] = {
+        {AlertAnswer::Default, {"echo default"}},
+        {AlertAnswer::Alternate, {"echo alternate; exit 1"}},
+        {AlertAnswer::Other,
+         {"printf oth; printf 'er\\n'; kill -9 $$", "printf 'other\\nmore'",
+          "echo other; exec sleep 60"}},
+        {AlertAnswer::TimedOut, {"echo timeout", "exec sleep 60"}},
+        {std::nullopt,
+         {"kill -6 $$", "echo", "echo defaults", "printf default", "echo other >&2",
+          "echo a line that is longer than any answer", "exec >&-; exec <&-; exec sleep 60"}},
     };
-    for (const auto& one : cases) {
-        EXPECT_EQ(ask(one.script), one.answer) << one.script;
-    }
+    const std::time_t start = std::time(nullptr);
+    for (const auto& [answer, scripts] : cases)
+        for (const std::string& script : scripts)
+            EXPECT_EQ(ask(script), answer) << script;
     EXPECT_EQ(askHelper(kAlert, (m_folder / "missing").c_str()), std::nullopt);
-}
-
-TEST_F(AlertHelperTest, AHelperThatHangsIsKilled) {
-    const double start = seconds();
-    EXPECT_EQ(ask("exec sleep 60"), AlertAnswer::TimedOut);
-    EXPECT_EQ(ask("echo other; exec sleep 60"), AlertAnswer::Other);
-    EXPECT_EQ(ask("exec >&-; exec <&-; exec sleep 60"), std::nullopt);
-    EXPECT_LT(seconds() - start, 20.0);
+    EXPECT_LT(std::time(nullptr) - start, 30) << "a helper that hangs was not killed";
 }
 
 TEST_F(AlertHelperTest, TextsArriveAsTheyAreAndNothingElseOfTheHostDoes) {
     const int leaky = ::dup2(STDERR_FILENO, 77);  // would survive exec
-    sigset_t blocked;
-    sigset_t before;
-    ::sigemptyset(&blocked);
+    sigset_t blocked{}, before{};
     ::sigaddset(&blocked, SIGUSR1);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
     const auto handler = std::signal(SIGUSR2, SIG_IGN);
-    EXPECT_EQ(ask("cd " + m_folder.string() +
+    EXPECT_EQ(ask("cd " + m_folder.path.string() +
                   "; { printf '[%s]' \"$@\"; echo /proc/$$/fd/*; } > written"
                   "; for signal in USR1 USR2"
                   "; do bash -c 'kill -'$signal' $$; echo survives '$signal >> written; done"
@@ -107,31 +83,25 @@ TEST_F(AlertHelperTest, TextsArriveAsTheyAreAndNothingElseOfTheHostDoes) {
     std::signal(SIGUSR2, handler);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 
-    std::ostringstream text;
-    text << std::ifstream(m_folder / "written").rdbuf();
-    const std::string written = text.str();
-    EXPECT_THAT(written, HasSubstr("[--header=-h][--message=--message=-x\nline\xC3\xA9]"
-                                   "[--default=Resume][--alternate=Debugger][--other=-Stop]"
-                                   "[--timeout=300]"));
-    EXPECT_THAT(written, Not(HasSubstr("survives")));
-    EXPECT_THAT(written, AllOf(HasSubstr("/fd/1"), Not(HasSubstr("/fd/77"))));
+    std::ifstream written(m_folder / "written");
+    EXPECT_THAT(std::string(std::istreambuf_iterator<char>(written), {}),
+                AllOf(HasSubstr("[--header=-h][--message=--message=-x\nline\xC3\xA9]"
+                                "[--default=Resume][--alternate=Debugger][--other=-Stop]"
+                                "[--timeout=300]"),
+                      HasSubstr("/fd/1"), Not(HasSubstr("/fd/77")), Not(HasSubstr("survives"))));
     ::close(leaky);
 }
 
 TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGetTheAnswerToo) {
     const std::string helper = program("helper", "echo other");
-    const pid_t host = ::fork();
-    if (host == 0) {
+    EXPECT_TRUE(testing::holdsInChild([&] {
         std::signal(SIGCHLD, SIG_IGN);
         const auto first = askHelper(kAlert, helper.c_str(), 0.1);
         for (const int number : {0, 1, 2})
             ::close(number);
         const auto second = askHelper(kAlert, helper.c_str(), 0.1);
-        ::_exit(first == AlertAnswer::Other && second == AlertAnswer::Other ? 0 : 1);
-    }
-    int status = -1;
-    ::waitpid(host, &status, 0);
-    EXPECT_EQ(status, 0);
+        return first == AlertAnswer::Other && second == AlertAnswer::Other;
+    }));
 }
 
 TEST_F(AlertHelperTest, IsFoundBesideTheLibraryInstalledAndInABuildTreeWhenItCanBeTrusted) {
@@ -141,11 +111,11 @@ TEST_F(AlertHelperTest, IsFoundBesideTheLibraryInstalledAndInABuildTreeWhenItCan
     for (const char* place : {"usr/veltra/qt", "usr/lib/qt", "usr/libexec/veltra",
                               "usr/lib/libexec/veltra", "usr/lib/machine"}) {
         const std::string helper = program(std::string(place) + "/veltra-alert", "");
-        EXPECT_EQ(std::filesystem::canonical(findAlertHelperNear(library.c_str())), helper);
+        EXPECT_EQ(fs::canonical(findAlertHelperNear(library.c_str())), helper);
     }
     const std::string nearest = m_folder / "usr/lib/machine/veltra-alert";
     for (const int unfit : {0644, 0757}) {
-        std::filesystem::permissions(nearest, std::filesystem::perms(unfit));
+        fs::permissions(nearest, fs::perms(unfit));
         EXPECT_NE(findAlertHelperNear(library.c_str()), nearest);
     }
 }
@@ -153,28 +123,28 @@ TEST_F(AlertHelperTest, IsFoundBesideTheLibraryInstalledAndInABuildTreeWhenItCan
 // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread
 
 // Presses `keys` in the window of the real helper, on a display of its own.
-std::optional<AlertAnswer> answerInWindow(const std::string& keys, double timeout) {
+std::optional<AlertAnswer> answerInWindow(const std::string& keys) {
     std::FILE* server = ::popen("exec timeout 60 Xvfb -displayfd 1 -terminate 2>/dev/null", "r");
     int display = -1;
-    const bool isUp = std::fscanf(server, "%d", &display) == 1;
+    EXPECT_EQ(std::fscanf(server, "%d", &display), 1);
     ::setenv("DISPLAY", (":" + std::to_string(display)).c_str(), 1);
     const std::string find = "exec timeout 30 xdotool search --sync --onlyvisible --name '^" +
                              std::string(program_invocation_short_name) + "$' ";
     const std::string press = "windowfocus sleep 0.2 key " + keys + " >/dev/null 2>&1";
     std::FILE* user = ::popen(keys.empty() ? "true" : (find + press).c_str(), "w");
     Alert alert = kAlert;
-    alert.timeoutSeconds = timeout;
-    const auto answer = isUp ? askInWindow(alert) : std::nullopt;
+    if (!keys.empty()) alert.timeoutSeconds = 20.0;
+    const auto answer = askInWindow(alert);
     ::pclose(user);
     ::pclose(server);
+    ::unsetenv("DISPLAY");
     return answer;
 }
 
 TEST_F(AlertHelperTest, RealWindowIsAnsweredByKeysAndByTime) {
-    if (std::system("command -v Xvfb >/dev/null && command -v xdotool >/dev/null") != 0) {
-        GTEST_SKIP() << "needs Xvfb and xdotool";
-    }
-    if (findAlertHelper().empty()) GTEST_SKIP() << "the helper is not built";
+    if (std::system("command -v Xvfb >/dev/null && command -v xdotool >/dev/null") != 0 ||
+        findAlertHelper().empty())
+        GTEST_SKIP() << "needs Xvfb, xdotool and the helper";
     ::unsetenv("WAYLAND_DISPLAY");
     ::unsetenv("DISPLAY");
     EXPECT_EQ(askInWindow(kAlert), std::nullopt) << "without a display";
@@ -184,11 +154,10 @@ TEST_F(AlertHelperTest, RealWindowIsAnsweredByKeysAndByTime) {
     EXPECT_EQ(askInWindow(kAlert), std::nullopt) << "where nobody sees the window";
     ::unsetenv("QT_QPA_PLATFORM");
 
-    EXPECT_EQ(answerInWindow("Tab Return", 20.0), AlertAnswer::Alternate);
-    EXPECT_EQ(answerInWindow("Tab Tab space", 20.0), AlertAnswer::Other);
-    EXPECT_EQ(answerInWindow("Escape", 20.0), AlertAnswer::Default);
-    EXPECT_EQ(answerInWindow("", 0.3), AlertAnswer::TimedOut);
-    ::unsetenv("DISPLAY");
+    EXPECT_EQ(answerInWindow("Tab Return"), AlertAnswer::Alternate);
+    EXPECT_EQ(answerInWindow("Tab Tab space"), AlertAnswer::Other);
+    EXPECT_EQ(answerInWindow("Escape"), AlertAnswer::Default);
+    EXPECT_EQ(answerInWindow(""), AlertAnswer::TimedOut);
 }
 
 // NOLINTEND(concurrency-mt-unsafe)

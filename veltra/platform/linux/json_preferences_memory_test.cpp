@@ -1,8 +1,8 @@
 // Every allocation fails once, and from some point on all of them do.
 #include "veltra/platform/linux/json_preferences.h"
+#include "veltra/platform/testing/temporary_folder.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <new>
 
@@ -39,9 +39,7 @@ namespace veltra {
 namespace {
 
 TEST(JsonPreferencesWithoutMemory, AnswersNeutrallyAndLosesNothing) {
-    namespace fs = std::filesystem;
-    std::string name = (fs::temp_directory_path() / "veltra-XXXXXX").string();
-    const fs::path folder = ::mkdtemp(name.data());
+    const testing::TemporaryFolder folder;
     const std::string file = folder / "host.json";
     const std::string longText(100, 'x');
     const PropertyValue added = PropertyValue::Array{longText, 1};
@@ -69,7 +67,6 @@ TEST(JsonPreferencesWithoutMemory, AnswersNeutrallyAndLosesNothing) {
             EXPECT_FALSE(isMemoryEnough && (old.isNull() || !isSet || error));
         }
     }
-    fs::remove_all(folder);
 }
 
 }  // namespace

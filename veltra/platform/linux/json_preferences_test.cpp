@@ -1,21 +1,18 @@
 #include "veltra/platform/linux/json_preferences.h"
 
 #include "veltra/platform/detail/json_text.h"
+#include "veltra/platform/testing/child_process.h"
+#include "veltra/platform/testing/temporary_folder.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <limits>
 #include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace veltra {
 namespace {
@@ -23,8 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // All steps of replacing a file fail from some step on, with an error or (0) with the process.
-int s_stepsLeft = 0;
-int s_error = 0;
+int s_stepsLeft = 0, s_error = 0;
 
 void failAfter(int steps, int error) {
     s_stepsLeft = steps, s_error = error;
@@ -45,10 +41,8 @@ constexpr FileCalls kFailingCalls{
     [](int) { return failed(); },
     [](const char* from, const char* to) { return failed() != 0 ? -1 : ::rename(from, to); }};
 
-class JsonPreferencesTest : public testing::Test {
+class JsonPreferencesTest : public ::testing::Test {
 protected:
-    ~JsonPreferencesTest() override { fs::remove_all(m_folder); }
-
     static std::string contents(const fs::path& file) {
         std::ifstream stream(file);
         return {std::istreambuf_iterator<char>(stream), {}};
@@ -57,89 +51,70 @@ protected:
         fs::create_directories(m_file.parent_path());
         std::ofstream(m_file) << text;
     }
-    // What the file holds for a process that starts now.
-    PropertyValue stored(std::string_view key) const {
-        return JsonPreferences(m_file.string()).value(key);
-    }
 
-    fs::path m_folder = fs::temp_directory_path() / ("veltra-" + std::to_string(::getpid()));
-    fs::path m_file = m_folder / "config" / "host.json";
+    testing::TemporaryFolder m_folder;
+    fs::path m_file = m_folder.path / "config" / "host.json";
+    JsonPreferences m_preferences{m_file.string()};
 };
 
 TEST_F(JsonPreferencesTest, MergesOnlyItsOwnChangesAndReadsOthersWhenAsked) {
-    JsonPreferences preferences(m_file.string());
-    EXPECT_TRUE(preferences.setValue("mine", 1));
-    EXPECT_TRUE(preferences.setValue("bad\xFFkey", 1));
-    EXPECT_EQ(preferences.value("bad\xFFkey"), 1);
-    EXPECT_FALSE(fs::exists(m_file));
-    EXPECT_FALSE(preferences.synchronise());
+    EXPECT_TRUE(m_preferences.setValue("mine", 1) && m_preferences.setValue("bad\xFFkey", 1));
+    EXPECT_EQ(m_preferences.value("bad\xFFkey"), 1);
+    EXPECT_FALSE(fs::exists(m_file) || m_preferences.synchronise());
     EXPECT_EQ(fs::status(m_file).permissions(), fs::perms(0600));
     EXPECT_EQ(fs::status(m_file.parent_path()).permissions(), fs::perms(0700));
     EXPECT_EQ(contents(m_file), jsonFromDictionary({{"bad\uFFFDkey", 1}, {"mine", 1}}));
 
-    preferences.setValue("mine", 2);
-    preferences.setValue("gone", nullptr);
+    m_preferences.setValue("mine", 2);
+    m_preferences.setValue("gone", nullptr);
     store(R"({"mine": 3, "theirs": 3, "gone": 3})");
-    EXPECT_TRUE(preferences.value("theirs").isNull());
-    EXPECT_FALSE(preferences.reload());
-    EXPECT_EQ(preferences.value("theirs"), 3);
-    EXPECT_EQ(preferences.value("mine"), 2);
-    EXPECT_TRUE(preferences.value("gone").isNull());
+    EXPECT_TRUE(m_preferences.value("theirs").isNull() && !m_preferences.reload());
+    EXPECT_EQ(m_preferences.value("theirs"), 3);
+    EXPECT_EQ(m_preferences.value("mine"), 2);
+    EXPECT_TRUE(m_preferences.value("gone").isNull());
     store(R"({"mine": 4, "theirs": 4, "gone": 4})");
-    EXPECT_FALSE(preferences.synchronise());
+    EXPECT_FALSE(m_preferences.synchronise());
     EXPECT_EQ(contents(m_file), jsonFromDictionary({{"mine", 2}, {"theirs", 4}}));
-    EXPECT_EQ(preferences.value("theirs"), 4);
+    EXPECT_EQ(m_preferences.value("theirs"), 4);
 }
 
 TEST_F(JsonPreferencesTest, WritersInTwoProcessesAndTwoThreadsLoseNothing) {
-    const auto writeMany = [&](const std::string& prefix) {
-        failAfter(std::numeric_limits<int>::max(), EIO);
-        JsonPreferences preferences(m_file.string(), kFailingCalls);
+    const auto writeMany = [](JsonPreferences& preferences, char prefix) {
+        bool isWritten = true;
         for (int number = 0; number < 40; ++number) {
             preferences.setValue(prefix + std::to_string(number), number);
-            if (preferences.synchronise()) return false;
+            isWritten = !preferences.synchronise() && isWritten;
         }
-        return true;
+        return isWritten;
     };
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(writeMany("child") ? 0 : 1);
-    EXPECT_TRUE(writeMany("parent"));
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-
-    JsonPreferences shared(m_file.string());
-    const auto setMany = [&](const std::string& prefix) {
-        for (int number = 0; number < 40; ++number) {
-            shared.setValue(prefix + std::to_string(number), number);
-            EXPECT_FALSE(number % 16 == 0 && shared.synchronise());
-        }
-    };
-    std::thread other(setMany, "other");
-    setMany("this");
+    std::thread child([&] {
+        EXPECT_TRUE(testing::holdsInChild([&] {
+            JsonPreferences ofChild(m_file.string());
+            return writeMany(ofChild, 'a');
+        }));
+    });
+    std::thread other([&] { EXPECT_TRUE(writeMany(m_preferences, 'b')); });
+    EXPECT_TRUE(writeMany(m_preferences, 'c'));
     other.join();
-    EXPECT_FALSE(shared.synchronise());
-    for (const char* prefix : {"child", "parent", "other", "this"}) {
-        for (int number = 0; number < 40; ++number) {
-            EXPECT_EQ(stored(prefix + std::to_string(number)), number) << prefix;
-        }
-    }
+    child.join();
+    PropertyValue::Dictionary all;
+    for (const char prefix : {'a', 'b', 'c'})
+        for (int number = 0; number < 40; ++number)
+            all[prefix + std::to_string(number)] = number;
+    EXPECT_EQ(contents(m_file), jsonFromDictionary(all));
 }
 
 TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsTheChanges) {
     const std::string before = jsonFromDictionary({{"key", "old"}});
     const std::string after = jsonFromDictionary({{"key", "new"}});
     int failures = 0;
-    for (std::string found = before; found == before; ++failures) {
+    for (;; ++failures) {
         store(before);
         JsonPreferences preferences(m_file.string(), kFailingCalls);
         preferences.setValue("key", "new");
         failAfter(failures, 0);
-        const pid_t child = ::fork();
-        if (child == 0) ::_exit(preferences.synchronise().value());
-        ASSERT_EQ(::waitpid(child, nullptr, 0), child);
-        found = contents(m_file);
-        if (found != before) break;
+        EXPECT_TRUE(testing::holdsInChild([&] { return !preferences.synchronise(); }));
+        if (contents(m_file) != before) break;
 
         const auto fileCount = std::distance(fs::directory_iterator(m_file.parent_path()), {});
         failAfter(failures, ENOSPC);
@@ -166,21 +141,19 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
         EXPECT_EQ(report->file, m_file);
         EXPECT_EQ(report->keptAs, m_file.string() + ".damaged-" + std::to_string(length + 1));
         EXPECT_EQ(contents(report->keptAs), sound.substr(0, length));
-        EXPECT_FALSE(preferences.takeDamageReport());
-        EXPECT_FALSE(fs::exists(m_file));
+        EXPECT_FALSE(preferences.takeDamageReport() || fs::exists(m_file));
     }
     store("{");
     JsonPreferences preferences(m_file.string(), kFailingCalls);
     preferences.setValue("key", 1);
     failAfter(0, EIO);
     EXPECT_EQ(preferences.synchronise(), std::errc::io_error);
-    EXPECT_EQ(contents(m_file), "{");
     EXPECT_EQ(preferences.takeDamageReport()->keptAs, "");
     EXPECT_EQ(preferences.reload(), std::errc::io_error);
-    EXPECT_FALSE(preferences.takeDamageReport());
+    EXPECT_FALSE(preferences.takeDamageReport() || contents(m_file) != "{");
     failAfter(1000, EIO);
     EXPECT_FALSE(preferences.synchronise());
-    EXPECT_EQ(stored("key"), 1);
+    EXPECT_EQ(contents(m_file), jsonFromDictionary({{"key", 1}}));
     EXPECT_NE(preferences.takeDamageReport()->keptAs, "");
 }
 
@@ -196,61 +169,49 @@ TEST_F(JsonPreferencesTest, DamageThatAnotherProcessRepairsMeanwhileIsNoDamage) 
     store("{");
     JsonPreferences preferences(m_file.string(), calls);
     EXPECT_EQ(preferences.value("key"), 1);
-    EXPECT_FALSE(preferences.takeDamageReport());
-    EXPECT_TRUE(fs::exists(m_file));
+    EXPECT_FALSE(preferences.takeDamageReport() || !fs::exists(m_file));
 }
 
 TEST_F(JsonPreferencesTest, WritesThroughLinksKeepsModesAndRefusesWhatIsNoFile) {
-    fs::create_directories(m_file.parent_path());
-    fs::create_directories(m_folder / "elsewhere");
-    fs::create_symlink("../elsewhere/real.json", m_file);
-    JsonPreferences preferences(m_file.string());
-    preferences.setValue("key", 1);
-    EXPECT_FALSE(preferences.synchronise());
-    EXPECT_TRUE(fs::is_symlink(m_file));
-    fs::permissions(m_file, fs::perms(0640));
-    preferences.setValue("key", 2);
-    EXPECT_FALSE(preferences.synchronise());
-    EXPECT_EQ(contents(m_folder / "elsewhere/real.json"), jsonFromDictionary({{"key", 2}}));
-    EXPECT_EQ(fs::status(m_file).permissions(), fs::perms(0640));
-
+    const fs::path real = m_folder / "real.json";
+    store("");
+    fs::remove(m_file);
+    fs::create_symlink("../real.json", m_file);
+    for (const int mode : {0600, 0640}) {
+        if (fs::exists(real)) fs::permissions(real, fs::perms(mode));
+        m_preferences.setValue("mode", mode);
+        EXPECT_TRUE(!m_preferences.synchronise() && fs::is_symlink(m_file));
+        EXPECT_EQ(contents(real), jsonFromDictionary({{"mode", mode}}));
+        EXPECT_EQ(fs::status(real).permissions(), fs::perms(mode));
+    }
     fs::remove(m_file);
     fs::create_symlink("host.json", m_file);
-    EXPECT_EQ(preferences.reload(), std::errc::too_many_symbolic_link_levels);
+    EXPECT_EQ(m_preferences.reload(), std::errc::too_many_symbolic_link_levels);
     fs::remove(m_file);
     ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
-    preferences.setValue("key", 3);
-    EXPECT_EQ(preferences.synchronise(), std::errc::invalid_argument);
-    EXPECT_EQ(preferences.value("key"), 3);
+    m_preferences.setValue("key", 3);
+    EXPECT_EQ(m_preferences.synchronise(), std::errc::invalid_argument);
+    EXPECT_EQ(m_preferences.value("key"), 3);
 }
 
 TEST_F(JsonPreferencesTest, BelongsToTheProgramInTheFolderOfTheUser) {
-    // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs
-    const fs::path home = m_folder;
-    ::setenv("HOME", home.c_str(), 1);
+    const auto pathWith = [](const char* home, const char* configuration) {
+        ::setenv("HOME", home, 1);                      // NOLINT(concurrency-mt-unsafe): one thread
+        ::setenv("XDG_CONFIG_HOME", configuration, 1);  // NOLINT(concurrency-mt-unsafe): likewise
+        return JsonPreferences().path();
+    };
     const std::string program = program_invocation_short_name;
-    ::setenv("XDG_CONFIG_HOME", "relative", 1);
-    EXPECT_EQ(JsonPreferences().path(), home / ".config" / (program + ".json"));
-    ::setenv("HOME", "relative", 1);
-    EXPECT_THAT(JsonPreferences().path(), testing::MatchesRegex("/.*/.config/.*json"));
-    ::setenv("HOME", home.c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", "/etc/me", 1);
-    // NOLINTEND(concurrency-mt-unsafe)
+    EXPECT_EQ(pathWith("/home/me", "relative"), "/home/me/.config/" + program + ".json");
+    EXPECT_THAT(pathWith("relative", "relative"), ::testing::MatchesRegex("/.*/.config/.*json"));
+    EXPECT_EQ(pathWith("/home/me", "/etc/me"), "/etc/me/" + program + ".json");
 
     JsonPreferences preferences;
-    for (const std::string& name : {std::string(), std::string("."), std::string("a/b"),
-                                    std::string("a\n"), std::string(201, 'a')}) {
+    const std::string longName(201, 'a');
+    for (const std::string_view name : {"", ".", "a/b", "a\n", longName.c_str()})
         EXPECT_FALSE(preferences.setApplicationName(name)) << name;
-    }
     EXPECT_TRUE(preferences.setApplicationName("My Host"));
     EXPECT_EQ(preferences.path(), "/etc/me/My Host.json");
     EXPECT_FALSE(preferences.setApplicationName("Other"));
-
-    Preferences* own = &Preferences::current();
-    EXPECT_EQ(Preferences::install(&preferences), nullptr);
-    EXPECT_EQ(&Preferences::current(), &preferences);
-    EXPECT_EQ(Preferences::install(nullptr), &preferences);
-    EXPECT_EQ(&Preferences::current(), own);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "veltra/platform/linux/preferences_file.h"
 
+#include "veltra/platform/linux/descriptor.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -32,24 +34,6 @@ std::error_code lastError() noexcept {
     return errorOf(errno);
 }
 
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) noexcept : m_descriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { (void)close(); }
-
-    int get() const noexcept { return m_descriptor; }
-    bool isOpen() const noexcept { return m_descriptor >= 0; }
-    int close() noexcept {
-        const int descriptor = std::exchange(m_descriptor, -1);
-        return descriptor >= 0 ? ::close(descriptor) : 0;
-    }
-
-private:
-    int m_descriptor;
-};
-
 // With the last slash; empty for the working folder.
 std::string folderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
@@ -77,20 +61,24 @@ PreferencesFile::PreferencesFile(std::string path, const FileCalls& calls)
 }
 
 PreferencesFile::~PreferencesFile() {
-    if (m_lockDescriptor >= 0) ::close(m_lockDescriptor);
+    if (m_lockDescriptor < 0) return;
+    // Closing alone would leave the lock with a child that was forked meanwhile, as long as it
+    // runs.
+    (void)::flock(m_lockDescriptor, LOCK_UN);
+    ::close(m_lockDescriptor);
 }
 
 std::error_code PreferencesFile::read(std::string& text) const {
     if (m_pathError) return m_pathError;
     const Descriptor file(::open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) return lastError();
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) return lastError();
     if (!S_ISREG(status.st_mode)) return errorOf(EINVAL);
 
     text.clear();
     std::array<char, 16384> buffer;
     for (;;) {
-        const ssize_t count = m_calls.read(file.get(), buffer.data(), buffer.size());
+        const ssize_t count = m_calls.read(file.number(), buffer.data(), buffer.size());
         if (count == 0) return {};
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return lastError();
@@ -144,11 +132,11 @@ std::error_code PreferencesFile::replace(std::string_view text) const {
     struct stat old {};
     if (::stat(m_path.c_str(), &old) == 0) {
         // Before the owner is right nobody else may look in.
-        const bool isOwnerKept = ::fchown(file.get(), old.st_uid, old.st_gid) == 0;
-        (void)::fchmod(file.get(), old.st_mode & (isOwnerKept ? 07777U : 0700U));
+        const bool isOwnerKept = ::fchown(file.number(), old.st_uid, old.st_gid) == 0;
+        (void)::fchmod(file.number(), old.st_mode & (isOwnerKept ? 07777U : 0700U));
     }
-    std::error_code error = writeThrough(file.get(), text);
-    if (file.close() != 0 && !error) error = lastError();
+    std::error_code error = writeThrough(file.number(), text);
+    if (::close(file.release()) != 0 && !error) error = lastError();
     if (!error && m_calls.rename(name.c_str(), m_path.c_str()) != 0) error = lastError();
     if (error) {
         (void)::unlink(name.c_str());
@@ -157,7 +145,7 @@ std::error_code PreferencesFile::replace(std::string_view text) const {
     // The new file is in its place; whether the folder can be flushed changes nothing about that.
     const char* folderName = m_folder.empty() ? "." : m_folder.c_str();
     const Descriptor folder(::open(folderName, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.isOpen()) (void)m_calls.fsync(folder.get());
+    if (folder.isOpen()) (void)m_calls.fsync(folder.number());
     return {};
 }
 
