@@ -80,7 +80,8 @@ StripResult Engine::resultOf(const Entry& entry) {
     result.framesRead = strip.file().framesRead();
     result.underruns = strip.underruns();
     result.missedFrames = strip.missedFrames();
-    result.end = barBeatTick(static_cast<std::int64_t>(result.framesRead), result.format.rate);
+    const auto end = static_cast<std::int64_t>(result.framesRead);
+    result.end = barBeatTick(musicalContext(end, result.format.rate).m_positionInTicks);
     result.complete = strip.isDrained();
     result.problem = strip.file().problem();
     return result;
@@ -110,8 +111,10 @@ void Engine::processBlock(float* const* outputs, std::uint32_t outputCount,
         std::fill_n(outputs[out], frames, 0.0F);
     }
     const std::int64_t position = m_position.load(std::memory_order_relaxed);
-    Block block{outputs, outputCount, frames, position};
-    if (outputCount > 0) m_list.Iterate(kRenderMessage, &block);
+    const CMusicalContext music = musicalContext(position, m_rate);
+    m_ticks.store(music.m_positionInTicks, std::memory_order_relaxed);
+    Block block{outputs, outputCount, frames, position, music};
+    m_list.Iterate(kRenderMessage, &block);
     m_position.store(position + frames, std::memory_order_relaxed);
     m_finished.fetch_add(1, std::memory_order_release);  // with collect()
 }

@@ -88,13 +88,16 @@ public:
     void feed(std::uint32_t frames);
 
     // Renders the next block: clears `outputs`, lets every strip add itself, moves the transport.
+    // With no outputs the strips go on all the same, unheard.
     // Thread: audio, one at a time. Realtime-safe: yes.
     void processBlock(float* const* outputs, std::uint32_t outputCount,
                       std::uint32_t frames) noexcept;
 
     // The transport, in samples and in musical time. Thread: any. Realtime-safe: yes.
     std::int64_t position() const noexcept { return m_position.load(std::memory_order_relaxed); }
-    BarBeatTick musicalPosition() const { return barBeatTick(position(), m_rate); }
+    BarBeatTick musicalPosition() const {
+        return barBeatTick(m_ticks.load(std::memory_order_relaxed));
+    }
 
 private:
     // 0.7 seconds at 48 kHz. Offline one chunk does, and stays in the cache.
@@ -123,6 +126,7 @@ private:
     std::atomic<std::uint64_t> m_started{0};   // blocks; audio thread counts, main thread reads
     std::atomic<std::uint64_t> m_finished{0};  // blocks; audio thread counts, main thread reads
     std::atomic<std::int64_t> m_position{0};   // audio thread moves, any thread reads
+    std::atomic<std::int32_t> m_ticks{0};      // as the position, of the last block's beginning
 };
 
 }  // namespace veltra::console

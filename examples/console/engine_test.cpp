@@ -62,7 +62,8 @@ TEST(Engine, ResamplingKeepsPitchAndLevelAndLeavesTheMeasurementAlone) {
     }
     std::vector<float> samples(65536);
     float* const output = samples.data();
-    Block block{&output, 1, 65536, 0};
+    const CMusicalContext music(0, 0);
+    Block block{&output, 1, 65536, 0, music};
     Strip::render(&strip, kRenderMessage, &block);
     EXPECT_TRUE(strip.isDrained());
     int crossings = 0;

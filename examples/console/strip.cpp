@@ -95,7 +95,7 @@ void Strip::mix(const Block& block) noexcept {
     while (done < block.frames) {
         const std::size_t piece = std::min(m_ring.readableInOnePiece(), block.frames - done);
         if (piece == 0) break;
-        for (std::size_t c = 0; c < channels; ++c) {
+        for (std::size_t c = 0; c < channels && block.outputCount > 0; ++c) {
             const float* source = m_ring.readPlace(c);
             const std::size_t last = channels == 1 ? block.outputCount : c % block.outputCount + 1;
             for (std::size_t out = channels == 1 ? 0 : last - 1; out < last; ++out) {

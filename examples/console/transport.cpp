@@ -31,16 +31,19 @@ void calculateAtRate(std::int32_t samplePosition, std::int32_t rate, CMusicalCon
         toTicks(samplesPerTick - std::remainder(double(samplePosition), samplesPerTick));
 }
 
-BarBeatTick barBeatTick(std::int64_t position, std::int32_t rate) {
+CMusicalContext musicalContext(std::int64_t position, std::int32_t rate) {
     constexpr std::int64_t kLast = std::numeric_limits<std::int32_t>::max();
     const auto sample = static_cast<std::int32_t>(std::clamp<std::int64_t>(position, 0, kLast));
-    const CMusicalContext context(sample, rate, rate == kBuiltInRate ? nullptr : calculateAtRate);
+    return {sample, rate, rate == kBuiltInRate ? nullptr : calculateAtRate};
+}
 
-    const std::int32_t beats = context.m_positionInTicks / CMusicalContext::kTicksPerBeat;
+BarBeatTick barBeatTick(std::int32_t ticks) {
+    constexpr std::int32_t kBeatsPerBar = 4;
+    const std::int32_t beats = ticks / CMusicalContext::kTicksPerBeat;
     BarBeatTick place;
-    place.bar = beats / context.m_meterNumerator + 1;
-    place.beat = beats % context.m_meterNumerator + 1;
-    place.tick = context.m_positionInTicks % CMusicalContext::kTicksPerBeat;
+    place.bar = beats / kBeatsPerBar + 1;
+    place.beat = beats % kBeatsPerBar + 1;
+    place.tick = ticks % CMusicalContext::kTicksPerBeat;
     return place;
 }
 

@@ -22,10 +22,13 @@ struct BarBeatTick {
 // Thread: any. Realtime-safe: yes.
 void calculateAtRate(std::int32_t samplePosition, std::int32_t rate, CMusicalContext& context);
 
-// The place `position` samples after the start at `rate` samples a second. A context counts in 32
-// bits: from sample 2,147,483,647 on (12 hours at 48 kHz) the answer stands still.
+// Musical time `position` samples after the start at `rate` samples a second. A context counts in
+// 32 bits: from sample 2,147,483,647 on (12 hours at 48 kHz) it stands still.
 // Thread: any. Realtime-safe: yes.
-BarBeatTick barBeatTick(std::int64_t position, std::int32_t rate);
+CMusicalContext musicalContext(std::int64_t position, std::int32_t rate);
+
+// The place `ticks` after the start. Thread: any. Realtime-safe: yes.
+BarBeatTick barBeatTick(std::int32_t ticks);
 
 // "12.3.00480".
 std::string toText(const BarBeatTick& place);

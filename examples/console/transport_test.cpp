@@ -7,6 +7,10 @@
 namespace veltra::console {
 namespace {
 
+BarBeatTick placeOf(std::int64_t position, std::int32_t rate) {
+    return barBeatTick(musicalContext(position, rate).m_positionInTicks);
+}
+
 TEST(Transport, TheConsolesCalculatorIsTheBuiltInOneAt44100) {
     for (std::int64_t sample = -100'000; sample < 2'000'000'000; sample += 99'991) {
         const auto position = static_cast<std::int32_t>(sample);
@@ -22,21 +26,20 @@ TEST(Transport, ABarTakesTwoSecondsAtEveryRateAndHalfABeatIs7680Ticks) {
     for (const std::int32_t rate : {8000, 22050, 44100, 48000, 96000, 192000}) {
         for (const std::int64_t bar : {1, 2, 17, 1000}) {
             const std::int64_t start = (bar - 1) * 2 * rate;
-            EXPECT_EQ(toText(barBeatTick(start, rate)), std::to_string(bar) + ".1.00000");
-            EXPECT_EQ(toText(barBeatTick(start + rate / 2, rate)),
-                      std::to_string(bar) + ".2.00000");
-            EXPECT_EQ(toText(barBeatTick(start + rate * 3 / 2, rate)),
+            EXPECT_EQ(toText(placeOf(start, rate)), std::to_string(bar) + ".1.00000");
+            EXPECT_EQ(toText(placeOf(start + rate / 2, rate)), std::to_string(bar) + ".2.00000");
+            EXPECT_EQ(toText(placeOf(start + rate * 3 / 2, rate)),
                       std::to_string(bar) + ".4.00000");
         }
     }
-    EXPECT_EQ(toText(barBeatTick(12000, 48000)), "1.1.07680");
-    EXPECT_EQ(toText(barBeatTick(12000 - 1, 48000)), "1.1.07679");
+    EXPECT_EQ(toText(placeOf(12000, 48000)), "1.1.07680");
+    EXPECT_EQ(toText(placeOf(12000 - 1, 48000)), "1.1.07679");
 }
 
 TEST(Transport, BeyondTheLastSampleOrTickTimeStandsStill) {
-    EXPECT_EQ(toText(barBeatTick(-5, 48000)), "1.1.00000");
-    EXPECT_EQ(toText(barBeatTick(INT64_MAX, 48000)), toText(barBeatTick(INT32_MAX, 48000)));
-    EXPECT_EQ(toText(barBeatTick(INT32_MAX, 1)), toText(barBeatTick(INT32_MAX - 1, 1)));
+    EXPECT_EQ(toText(placeOf(-5, 48000)), "1.1.00000");
+    EXPECT_EQ(toText(placeOf(INT64_MAX, 48000)), toText(placeOf(INT32_MAX, 48000)));
+    EXPECT_EQ(toText(placeOf(INT32_MAX, 1)), toText(placeOf(INT32_MAX - 1, 1)));
 }
 
 }  // namespace
