@@ -27,7 +27,7 @@ void agrees(const char* format, Arguments... arguments) {
     char expected[512];
     const int size = std::snprintf(expected, sizeof expected, format, arguments...);
     EXPECT_EQ(formatted(format, arguments...),
-              std::string(expected, static_cast<std::size_t>(size)))
+              std::string_view(expected, static_cast<std::size_t>(size)))
         << format;
 }
 
