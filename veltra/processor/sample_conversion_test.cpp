@@ -89,10 +89,11 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
 
 TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {
     const Floats floats{std::bit_cast<float>(0x7FA00001U), -0.0F, 1e-45F, 0.1F};
+    Bytes copied(floats.size() * sizeof(float));
+    std::memcpy(copied.data(), floats.data(), copied.size());
     for (const bool swapped : {false, true}) {
-        const Bytes copied = fromFloats({-4, swapped}, floats);
-        EXPECT_EQ(std::memcmp(copied.data(), floats.data(), copied.size()), 0);
-        EXPECT_EQ(std::memcmp(toFloats({-4, swapped}, copied).data(), floats.data(), 16), 0);
+        EXPECT_EQ(fromFloats({-4, swapped}, floats), copied);
+        EXPECT_EQ(fromFloats(kFloat, toFloats({-4, swapped}, copied)), copied);
     }
     const double doubles[] = {0.1, -1e300, 1e-45, 1.0 + 0x1p-24, 1.0 + 0x3p-24};
     Bytes bytes(sizeof doubles);
