@@ -8,6 +8,7 @@
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/system_log.h"
 
+#include <cerrno>
 #include <optional>
 #include <string>
 #include <utility>
@@ -82,6 +83,7 @@ private:
         for (const LogRecord::Field& field : record.fields)
             kept.fields.emplace_back(field.key, field.value);
         records.push_back(kept);
+        errno = EIO;  // as a failing sink would leave it
     }
     Status inspect() const noexcept override { return {kind, 1, 2}; }
     bool isManaged(const Status&) const noexcept override { return managed; }

@@ -107,15 +107,17 @@ TEST(Log, NothingIsLoggedAboveTheHighestLevelOrWithoutTagAndFormat) {
 TEST(Log, WithoutLocalTimeThereIsNoBanner) {
     LogWorld world;
     world.localTime.reset();
+    world.userId = 0;
     QKLogCString(3, true, "X", "hello");
     EXPECT_EQ(world.line(), "hello\n");
     EXPECT_EQ(world.records[0].fields[LogRecord::LocalTime].second, kUnset);
     EXPECT_EQ(world.records[0].fields[LogRecord::Thread].second, kUnset);
+    EXPECT_EQ(world.records[0].fields[LogRecord::ReadUserId].second, "0");
 }
 
 TEST(Log, WhoGetsALineOnStandardError) {
     ::unsetenv("CFLOG_FORCE_STDERR");
-    using enum LogWorld::Kind;
+    using enum StandardError::Kind;
     for (int bits = 0; bits < 8; ++bits) {
         for (const auto kind : {Unusable, RegularFile, Pipe, Socket, Other}) {
             const bool isForced = (bits & 4) != 0;
@@ -198,11 +200,11 @@ TEST(Log, LongTextsWrappersAndTextsThatPrintfRefuses) {
 TEST(Log, ErrnoIsKeptAndCanBeLogged) {
     LogWorld world;
     errno = ENOSPC;
-    QKLogCString(6, true, "X", std::string("%m").c_str());
+    QKLogCString(6, true, "X", std::string("%m %d").c_str(), 1);
     EXPECT_EQ(errno, ENOSPC);
     QKLog(6, true, "X", Text("%d %m"), 1);
     EXPECT_EQ(errno, ENOSPC);
-    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "No space left on device");
+    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "No space left on device 1");
     EXPECT_EQ(world.records[1].fields[LogRecord::Message].second, "1 No space left on device");
 }
 
