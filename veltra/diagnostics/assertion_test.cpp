@@ -2,6 +2,7 @@
 
 #include "veltra/diagnostics/log_fakes.h"
 #include "veltra/platform/alert.h"
+#include "veltra/platform/testing/environment.h"
 
 #include <cstdlib>
 #include <limits>
@@ -39,7 +40,7 @@ private:
 };
 
 TEST(Assertion, IsLoggedThenShown) {
-    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
     LogWorld world;
     Presenter presenter(world);
     EXPECT_EQ(dbgASSERT(0, "a %% b < 1", "f()", nullptr), 0);

@@ -27,40 +27,41 @@
 
 VELTRA_C_BEGIN
 
-    // Whether lines should have a banner: true unless the environment variable
-    // VELTRA_TRACE_WITHOUT_BANNER is set (to anything, even nothing). What callers pass as
-    // `withBanner`. Thread: any. Realtime-safe: no.
-    VELTRA_EXPORT bool QKLogWithSyslogBanner(void) VELTRA_NOEXCEPT;
+// Whether lines should have a banner: true unless the environment variable
+// VELTRA_TRACE_WITHOUT_BANNER is set (to anything, even nothing). What callers pass as
+// `withBanner`.
+// Thread: any. Realtime-safe: no.
+VELTRA_EXPORT bool QKLogWithSyslogBanner(void) VELTRA_NOEXCEPT;
 
-    // Logs a message made of `format` and the arguments by the rules of printf. `tag` or `format`
-    // may be null: without a format the tag is the message; without both, or with a level above 7,
-    // nothing happens. Text that printf cannot make is replaced by the format as it stands. A line
-    // feed is added on standard error unless the message ends in one, or in a backspace: that is
-    // deliberate, so that a progress display can go on on its line. Thread: any but audio.
-    // Realtime-safe: no.
-    VELTRA_EXPORT void QKLogCString(uint32_t level, bool withBanner, const char* tag,
-                                    const char* format, ...) VELTRA_NOEXCEPT VELTRA_PRINTF(4, 5);
+// Logs a message made of `format` and the arguments by the rules of printf. `tag` or `format`
+// may be null: without a format the tag is the message; without both, or with a level above 7,
+// nothing happens. Text that printf cannot make is replaced by the format as it stands. A line
+// feed is added on standard error unless the message ends in one, or in a backspace: that is
+// deliberate, so that a progress display can go on on its line.
+// Thread: any but audio. Realtime-safe: no.
+VELTRA_EXPORT void QKLogCString(uint32_t level, bool withBanner, const char* tag,
+                                const char* format, ...) VELTRA_NOEXCEPT VELTRA_PRINTF(4, 5);
 
-    // The same for wrappers; `arguments` is used up as by vprintf.
-    // Thread: any but audio. Realtime-safe: no.
-    VELTRA_EXPORT void QKLogCStringV(uint32_t level, bool withBanner, const char* tag,
-                                     const char* format, va_list arguments)
-        VELTRA_NOEXCEPT VELTRA_PRINTF(4, 0);
+// The same for wrappers; `arguments` is used up as by vprintf.
+// Thread: any but audio. Realtime-safe: no.
+VELTRA_EXPORT void QKLogCStringV(uint32_t level, bool withBanner, const char* tag,
+                                 const char* format, va_list arguments) VELTRA_NOEXCEPT
+    VELTRA_PRINTF(4, 0);
 
-    // The same with a string object as format, which may also hold "%@": it takes a string object
-    // (const VLString*, or null for "(null)"; no reference is kept, width and precision do
-    // nothing).
-    // "%n" takes its argument and writes nothing; what is no conversion is copied as it stands.
-    //
-    // The text that comes out is deliberately read a second time, without arguments: "%%" becomes
-    // "%", everything else stays. Callers that log a "%" double it, in arguments too. Thread: any
-    // but audio. Realtime-safe: no.
-    VELTRA_EXPORT void QKLog(uint32_t level, bool withBanner, const char* tag,
-                             const VLString* format, ...) VELTRA_NOEXCEPT;
+// The same with a string object as format, which may also hold "%@": it takes a string object
+// (const VLString*, or null for "(null)"; no reference is kept, width and precision do
+// nothing). "%n" takes its argument and writes nothing; what is no conversion is copied as it
+// stands.
+//
+// The text that comes out is deliberately read a second time, without arguments: "%%" becomes
+// "%", everything else stays. Callers that log a "%" double it, in arguments too.
+// Thread: any but audio. Realtime-safe: no.
+VELTRA_EXPORT void QKLog(uint32_t level, bool withBanner, const char* tag, const VLString* format,
+                         ...) VELTRA_NOEXCEPT;
 
-    // The same for wrappers; `arguments` is used up as by vprintf.
-    // Thread: any but audio. Realtime-safe: no.
-    VELTRA_EXPORT void QKLogV(uint32_t level, bool withBanner, const char* tag,
-                              const VLString* format, va_list arguments) VELTRA_NOEXCEPT;
+// The same for wrappers; `arguments` is used up as by vprintf.
+// Thread: any but audio. Realtime-safe: no.
+VELTRA_EXPORT void QKLogV(uint32_t level, bool withBanner, const char* tag, const VLString* format,
+                          va_list arguments) VELTRA_NOEXCEPT;
 
 VELTRA_C_END

@@ -8,7 +8,6 @@
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/system_log.h"
 
-#include <cerrno>
 #include <optional>
 #include <string>
 #include <utility>
@@ -52,6 +51,7 @@ public:
     bool hasRaisedRights = false;
     Kind kind = Kind::RegularFile;
     bool managed = false;
+    void (*whenSending)() = nullptr;
 
     std::vector<Record> records;
     std::vector<std::string> lines;
@@ -79,11 +79,11 @@ private:
     std::uint32_t effectiveUserId() const noexcept override { return userId; }
     bool isSetUserOrGroupId() const noexcept override { return hasRaisedRights; }
     void send(const LogRecord& record) noexcept override {
+        if (whenSending != nullptr) whenSending();
         Record kept{std::string(record.facility), {}};
         for (const LogRecord::Field& field : record.fields)
             kept.fields.emplace_back(field.key, field.value);
         records.push_back(kept);
-        errno = EIO;  // as a failing sink would leave it
     }
     Status inspect() const noexcept override { return {kind, 1, 2}; }
     bool isManaged(const Status&) const noexcept override { return managed; }

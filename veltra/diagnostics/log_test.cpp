@@ -3,13 +3,16 @@
 #include "veltra/diagnostics/detail/log_text.h"
 #include "veltra/diagnostics/log_fakes.h"
 #include "veltra/platform/detail/string_object_text.h"
+#include "veltra/platform/testing/environment.h"
 
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -116,18 +119,18 @@ TEST(Log, WithoutLocalTimeThereIsNoBanner) {
 }
 
 TEST(Log, WhoGetsALineOnStandardError) {
-    ::unsetenv("CFLOG_FORCE_STDERR");
+    setEnvironment("CFLOG_FORCE_STDERR", nullptr);
     using enum StandardError::Kind;
     for (int bits = 0; bits < 8; ++bits) {
         for (const auto kind : {Unusable, RegularFile, Pipe, Socket, Other}) {
             const bool isForced = (bits & 4) != 0;
-            if (isForced) ::setenv("CFLOG_FORCE_STDERR", "", 1);
+            if (isForced) setEnvironment("CFLOG_FORCE_STDERR", "");
             LogWorld world;
             world.hasRaisedRights = (bits & 2) != 0;
             world.managed = (bits & 1) != 0;
             world.kind = kind;
             QKLogCString(6, false, nullptr, "x");
-            ::unsetenv("CFLOG_FORCE_STDERR");
+            setEnvironment("CFLOG_FORCE_STDERR", nullptr);
             const bool expected = (isForced && !world.hasRaisedRights) || kind == RegularFile ||
                                   (kind != Unusable && !world.managed);
             EXPECT_EQ(world.lines.size(), expected ? 1U : 0U) << bits << static_cast<int>(kind);
@@ -137,11 +140,11 @@ TEST(Log, WhoGetsALineOnStandardError) {
 }
 
 TEST(Log, TheEnvironmentDecidesAboutBannersAtEveryCall) {
-    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
     EXPECT_TRUE(QKLogWithSyslogBanner());
-    ::setenv("VELTRA_TRACE_WITHOUT_BANNER", "", 1);
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", "");
     EXPECT_FALSE(QKLogWithSyslogBanner());
-    ::unsetenv("VELTRA_TRACE_WITHOUT_BANNER");
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
 }
 
 TEST(Log, ObjectFormatsAreReadTwice) {
@@ -199,13 +202,25 @@ TEST(Log, LongTextsWrappersAndTextsThatPrintfRefuses) {
 
 TEST(Log, ErrnoIsKeptAndCanBeLogged) {
     LogWorld world;
+    world.whenSending = [] { errno = EIO; };
     errno = ENOSPC;
-    QKLogCString(6, true, "X", std::string("%m %d").c_str(), 1);
+    QKLogCString(6, true, "X", std::string("%d %m").c_str(), 1);
     EXPECT_EQ(errno, ENOSPC);
     QKLog(6, true, "X", Text("%d %m"), 1);
     EXPECT_EQ(errno, ENOSPC);
-    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "No space left on device 1");
+    EXPECT_EQ(world.records[0].fields[LogRecord::Message].second, "1 No space left on device");
     EXPECT_EQ(world.records[1].fields[LogRecord::Message].second, "1 No space left on device");
+}
+
+TEST(Log, ACancelledThreadEndsItsLine) {
+    LogWorld world;
+    world.whenSending = ::pthread_testcancel;  // as every system call is one
+    std::thread([] {
+        ::pthread_cancel(::pthread_self());
+        QKLogCString(6, false, nullptr, "hello");
+        ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+    }).join();
+    EXPECT_EQ(world.line(), "hello\n");
 }
 
 TEST(Log, ATextIsCutWhenMemoryIsOut) {

@@ -8,8 +8,9 @@
 
 VELTRA_C_BEGIN
 
-    // Would dump `count` bytes at `address`; deliberately emits nothing and reads nothing, so that
-    // any address and any count, also a negative one, are fine. Thread: any. Realtime-safe: yes.
-    VELTRA_EXPORT void QKOutputMemory(const void* address, ptrdiff_t count) VELTRA_NOEXCEPT;
+// Would dump `count` bytes at `address`; deliberately emits nothing and reads nothing, so that
+// any address and any count, also a negative one, are fine.
+// Thread: any. Realtime-safe: yes.
+VELTRA_EXPORT void QKOutputMemory(const void* address, ptrdiff_t count) VELTRA_NOEXCEPT;
 
 VELTRA_C_END

@@ -46,6 +46,7 @@ public:
     // what inspect() answered just now. Never waits for a reader, never ends the process by a
     // signal, and leaves no signal behind; what cannot be written at once is lost, and nothing is
     // written twice. Signal handlers of this thread run after the line, so they may log too.
+    // The log calls it while the thread cannot be cancelled.
     // Thread: any but audio. Realtime-safe: no.
     virtual void write(const Status& status, const Pieces& pieces) noexcept = 0;
 

@@ -36,7 +36,8 @@ public:
     virtual ~SystemLog();
 
     // Takes one record; the views in it are good during the call only. Never waits: a record that
-    // cannot be taken at once is lost. Several threads may send at once.
+    // cannot be taken at once is lost. Several threads may send at once. The
+    // log calls it while the thread cannot be cancelled.
     // Thread: any but audio. Realtime-safe: no.
     virtual void send(const LogRecord& record) noexcept = 0;
 

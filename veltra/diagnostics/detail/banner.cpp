@@ -6,24 +6,31 @@
 
 namespace veltra {
 
+namespace {
+
+void putTwoDigits(char* place, std::int32_t value) noexcept {
+    place[0] = static_cast<char>('0' + value / 10);
+    place[1] = static_cast<char>('0' + value % 10);
+}
+
+}  // namespace
+
 bool BannerText::compose(const char* tag, std::string_view separator) noexcept {
     const WallTime now = Clocks::current().wall();
     const std::optional<CivilTime> time = LocalTime::current().civilTime(now);
     if (!time) return false;
 
     m_line.appendDecimal(time->year, 4);
-    m_line.append("-");
-    m_line.appendDecimal(time->month, 2);
-    m_line.append("-");
-    m_line.appendDecimal(time->day, 2);
-    m_line.append(" ");
-    m_line.appendDecimal(time->hour, 2);
-    m_line.append(":");
-    m_line.appendDecimal(time->minute, 2);
-    m_line.append(":");
-    m_line.appendDecimal(time->second, 2);
-    m_line.append(".");
-    m_line.appendDecimal(now.nanoseconds / 1'000'000, 3);
+    char rest[] = "-00-00 00:00:00.000";
+    putTwoDigits(&rest[1], time->month);
+    putTwoDigits(&rest[4], time->day);
+    putTwoDigits(&rest[7], time->hour);
+    putTwoDigits(&rest[10], time->minute);
+    putTwoDigits(&rest[13], time->second);
+    const std::int32_t milliseconds = now.nanoseconds / 1'000'000;
+    putTwoDigits(&rest[16], milliseconds / 10);
+    rest[18] = static_cast<char>('0' + milliseconds % 10);
+    m_line.append(rest);
     m_timeLength = m_line.view().size();
 
     const Process& process = Process::current();

@@ -2,6 +2,7 @@
 
 #include "veltra/diagnostics/detail/banner.h"
 #include "veltra/diagnostics/detail/text_buffer.h"
+#include "veltra/platform/detail/no_cancellation.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/system_log.h"
@@ -17,13 +18,12 @@ constexpr std::array<std::string_view, kHighestLogLevel + 1> kLevelNames{"0", "1
 
 // What standard error is, when it gets the line.
 std::optional<StandardError::Status> readStandardError(const StandardError& stream) noexcept {
+    const StandardError::Status status = stream.inspect();
+    if (status.kind == StandardError::Kind::RegularFile) return status;
+    if (status.kind != StandardError::Kind::Unusable && !stream.isManaged(status)) return status;
     const bool isForced = !Process::current().isSetUserOrGroupId() &&
                           environmentVariable("CFLOG_FORCE_STDERR") != nullptr;
-    const StandardError::Status status = stream.inspect();
-    if (isForced || status.kind == StandardError::Kind::RegularFile) return status;
-    if (status.kind == StandardError::Kind::Unusable || stream.isManaged(status))
-        return std::nullopt;
-    return status;
+    return isForced ? std::optional(status) : std::nullopt;
 }
 
 }  // namespace
@@ -35,6 +35,7 @@ Banner wantedBanner() noexcept {
 void logMessage(std::uint32_t level, Banner banner, const char* tag,
                 std::optional<std::string_view> message) noexcept {
     if (level > kHighestLogLevel || (tag == nullptr && !message)) return;
+    const NoCancellation noCancellation;
     if (message) message = message->substr(0, message->find('\0'));
 
     BannerText bannerText;

@@ -390,7 +390,7 @@ private:
         }
         format.append(conversion.modifier);
         format.append({&conversion.letter, 1});
-        format.append({"", 1});
+        format.append({"\0", 1});
         return format.view().ends_with('\0');  // else memory was out
     }
 

@@ -26,11 +26,8 @@ std::size_t TextBuffer::makeRoom(std::size_t more) noexcept {
     return m_capacity - m_size;
 }
 
-void TextBuffer::append(std::string_view text) noexcept {
-    const std::size_t size = std::min(text.size(), makeRoom(text.size()));
-    if (size == 0) return;
-    std::memcpy(m_text + m_size, text.data(), size);
-    m_size += size;
+void TextBuffer::appendGrowing(std::string_view text) noexcept {
+    append(text.substr(0, makeRoom(text.size())));
 }
 
 void TextBuffer::appendString(const VLString* string) noexcept {
@@ -68,11 +65,16 @@ bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
     va_list again;
     va_copy(again, arguments);
     std::size_t room = m_capacity - m_size;
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyser loses it between functions
     int needed = std::vsnprintf(m_text + m_size, room, format, arguments);
     // printf wants one byte more than the text has.
     if (needed >= 0 && static_cast<std::size_t>(needed) >= room) {
         const std::size_t grown = makeRoom(static_cast<std::size_t>(needed) + 1);
-        if (grown > room) needed = std::vsnprintf(m_text + m_size, room = grown, format, again);
+        if (grown > room) {
+            room = grown;
+            // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): and again
+            needed = std::vsnprintf(m_text + m_size, room, format, again);
+        }
     }
     va_end(again);
     if (needed < 0) return false;

@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace veltra {
@@ -19,7 +20,15 @@ public:
 
     std::string_view view() const noexcept { return {m_text, m_size}; }
 
-    void append(std::string_view text) noexcept;
+    void append(std::string_view text) noexcept {
+        if (text.size() > m_capacity - m_size) {
+            appendGrowing(text);
+            return;
+        }
+        if (text.empty()) return;
+        std::memcpy(m_text + m_size, text.data(), text.size());
+        m_size += text.size();
+    }
 
     // The text of a string object as UTF-8; nothing for null.
     void appendString(const VLString* string) noexcept;
@@ -41,6 +50,8 @@ protected:
     ~TextBuffer();
 
 private:
+    void appendGrowing(std::string_view text) noexcept;
+
     // How many more bytes fit, after trying to make room for `more`.
     std::size_t makeRoom(std::size_t more) noexcept;
 

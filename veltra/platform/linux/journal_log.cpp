@@ -4,13 +4,14 @@
 #include "veltra/platform/detail/immortal.h"
 #include "veltra/platform/linux/descriptor.h"
 #include "veltra/platform/linux/journal_datagram.h"
-#include "veltra/platform/linux/quiet_calls.h"
+#include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/process.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -83,7 +84,6 @@ JournalLog::~JournalLog() {
 }
 
 void JournalLog::send(const LogRecord& record) noexcept {
-    const NoCancellation noCancellation;
     if (nobodyListens(sendToJournal(record))) sendToSyslog(record);
 }
 
@@ -92,8 +92,9 @@ int JournalLog::freshSocket(int refused) noexcept {
     Descriptor fresh(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (!fresh.isOpen()) return -1;
     int current = refused;
-    // A number is all that is published: relaxed.
-    if (m_descriptor.compare_exchange_strong(current, fresh.number(), std::memory_order_relaxed))
+    // Release: with the load in sendTo(). Acquire: the other thread's socket is used next.
+    if (m_descriptor.compare_exchange_strong(current, fresh.number(), std::memory_order_acq_rel,
+                                             std::memory_order_acquire))
         return fresh.release();
     return current;
 }
@@ -101,7 +102,7 @@ int JournalLog::freshSocket(int refused) noexcept {
 int JournalLog::sendTo(const sockaddr_un& address, msghdr& message) noexcept {
     message.msg_name = const_cast<sockaddr_un*>(&address);
     message.msg_namelen = sizeof address;
-    int descriptor = m_descriptor.load(std::memory_order_relaxed);
+    int descriptor = m_descriptor.load(std::memory_order_acquire);  // with freshSocket()
     int error = EBADF;
     for (int attempt = 0; attempt < 2 && isForeign(error); ++attempt) {
         if (descriptor < 0 || attempt > 0) descriptor = freshSocket(descriptor);

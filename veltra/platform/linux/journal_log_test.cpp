@@ -262,6 +262,7 @@ TEST(JournalLog, SeveralThreadsShareOneSocket) {
     const Folder folder;
     JournalLog log(folder.path("journal").c_str(), "");
     std::vector<std::thread> threads;
+    threads.reserve(8);
     const int before = ::dup(0);
     ::close(before);
     for (int count = 0; count < 8; ++count)

@@ -1,5 +1,7 @@
 #include "veltra/platform/local_time.h"
 
+#include "veltra/platform/testing/environment.h"
+
 #include <cstdlib>
 #include <ostream>
 
@@ -25,7 +27,7 @@ bool agreesWithTheSystem(std::int64_t seconds) {
 int sweep(const char* zone) {
     const pid_t child = ::fork();
     if (child == 0) {
-        ::setenv("TZ", zone, 1);
+        setEnvironment("TZ", zone);
         ::tzset();
         bool agrees = true;
         for (std::int64_t seconds = -5'000'000'000; seconds < 20'000'000'000; seconds += 1'000'003)
@@ -62,10 +64,10 @@ TEST(LocalTime, ANewZoneShowsInTheNextQuarterAndImpossibleYearsAreNotTold) {
     const pid_t child = ::fork();
     if (child == 0) {
         const LocalTime& localTime = LocalTime::current();
-        ::setenv("TZ", "UTC", 1);
-        const bool utc = localTime.civilTime({900 * 50, 0}) == CivilTime{1970, 1, 1, 12, 30, 0};
-        ::setenv("TZ", "AAA-2", 1);
-        const bool later = localTime.civilTime({900 * 51, 0}) == CivilTime{1970, 1, 1, 14, 45, 0};
+        setEnvironment("TZ", "UTC");
+        const bool utc = localTime.civilTime({45'000, 0}) == CivilTime{1970, 1, 1, 12, 30, 0};
+        setEnvironment("TZ", "AAA-2");
+        const bool later = localTime.civilTime({45'900, 0}) == CivilTime{1970, 1, 1, 14, 45, 0};
         const bool never =
             !localTime.civilTime({INT64_MAX, 0}) && !localTime.civilTime({INT64_MIN, 0});
         ::_exit(utc && later && never ? 0 : 1);

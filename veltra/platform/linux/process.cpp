@@ -41,8 +41,8 @@ struct KnownThread {
 // Initial-exec: reading it never allocates, also when the library was loaded late.
 [[gnu::tls_model("initial-exec")]] thread_local KnownThread knownThread;
 
-// The process number is kept with the generation's low bit pattern beside it in two words; the
-// generation is stored last and read first, so a number is never older than its generation.
+// The process's number, and the generation that read it: stored last and loaded first, so that a
+// number is never older than its generation.
 std::atomic<std::int32_t> knownProcess{0};
 std::atomic<std::uint32_t> knownProcessGeneration{0};
 
@@ -73,7 +73,10 @@ public:
 
     std::uint32_t effectiveUserId() const noexcept override { return ::geteuid(); }
 
-    bool isSetUserOrGroupId() const noexcept override { return ::getauxval(AT_SECURE) != 0; }
+    bool isSetUserOrGroupId() const noexcept override {
+        static const bool isSecure = ::getauxval(AT_SECURE) != 0;
+        return isSecure;
+    }
 };
 
 const Process& platformProcess() noexcept {

@@ -1,5 +1,7 @@
 #include "veltra/platform/process.h"
 
+#include "veltra/platform/testing/environment.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -55,9 +57,9 @@ TEST(Process, TheNameIsTheOneThatTheHostSets) {
 }
 
 TEST(Process, TheEnvironmentIsReadAnewAtEveryCall) {
-    ::setenv("VELTRA_TEST_VARIABLE", "", 1);
+    setEnvironment("VELTRA_TEST_VARIABLE", "");
     EXPECT_STREQ(environmentVariable("VELTRA_TEST_VARIABLE"), "");
-    ::unsetenv("VELTRA_TEST_VARIABLE");
+    setEnvironment("VELTRA_TEST_VARIABLE", nullptr);
     EXPECT_EQ(environmentVariable("VELTRA_TEST_VARIABLE"), nullptr);
 }
 

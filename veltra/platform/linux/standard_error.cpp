@@ -3,7 +3,7 @@
 #include "veltra/platform/detail/adaptive_lock.h"
 #include "veltra/platform/detail/immortal.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
-#include "veltra/platform/linux/quiet_calls.h"
+#include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/process.h"
 
 #include <algorithm>
@@ -59,7 +59,7 @@ public:
 
     bool isDone() const noexcept { return m_count == 0; }
     iovec* pieces() noexcept { return m_pieces.data() + m_first; }
-    int count() const noexcept { return m_count; }
+    int count() const noexcept { return static_cast<int>(m_count); }
 
     void advance(std::size_t bytes) noexcept {
         while (m_count > 0 && bytes >= pieces()->iov_len) {
@@ -90,8 +90,8 @@ public:
 
 private:
     std::array<iovec, std::tuple_size_v<StandardError::Pieces>> m_pieces{};
-    int m_first = 0;
-    int m_count = 0;
+    std::size_t m_first = 0;
+    std::size_t m_count = 0;
 };
 
 DescriptorStandardError::DescriptorStandardError() noexcept
@@ -169,7 +169,6 @@ int DescriptorStandardError::writeWithoutWaiting(Kind kind, UnwrittenLine& line)
 
 void DescriptorStandardError::write(const Status& status, const Pieces& pieces) noexcept {
     UnwrittenLine line(pieces);
-    const NoCancellation noCancellation;
     SignalHold signals;
     const std::lock_guard guard(lineLock);
     int error = 0;

@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::size_t kFloatSize = sizeof(float);
 constexpr std::uint32_t kSignBit = 0x8000'0000U;
-constexpr std::uint32_t kOne = 0x3F80'0000U;        // the bits of 1.0F
 constexpr std::uint32_t kFullScale = 0x7FFF'FF00U;  // what 1.0 and more become, of 32 bits
 constexpr std::uint32_t kExponentBias = 127;
 constexpr int kMantissaBits = 23;

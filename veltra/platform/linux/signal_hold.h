@@ -1,25 +1,13 @@
-// Guards for system calls that must have no other effect on the thread than their own.
+// A guard for system calls that must have no other effect on the thread than their own.
 #pragma once
 
 #include <csignal>
+#include <initializer_list>
 
 #include <pthread.h>
 #include <time.h>
 
 namespace veltra {
-
-// Writing and sending are points at which another thread may cancel this one. Cancelling unwinds
-// the stack, which a noexcept function answers by ending the process.
-class NoCancellation {
-public:
-    NoCancellation() noexcept { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }
-    NoCancellation(const NoCancellation&) = delete;
-    NoCancellation& operator=(const NoCancellation&) = delete;
-    ~NoCancellation() { ::pthread_setcancelstate(m_before, nullptr); }
-
-private:
-    int m_before = PTHREAD_CANCEL_ENABLE;
-};
 
 // Holds back the thread's signals: handlers run after the guard has gone, and a signal that a call
 // under the guard causes can be taken away again. A background process that writes to its terminal
@@ -55,8 +43,8 @@ public:
 private:
     bool wasHeld(int signal) const noexcept { return ::sigismember(&m_before, signal) == 1; }
 
-    sigset_t m_before{};
-    sigset_t m_waiting{};
+    sigset_t m_before;
+    sigset_t m_waiting;  // only told where a signal was held before
 };
 
 }  // namespace veltra

@@ -1,0 +1,90 @@
+#include "audio_file.h"
+
+#include "text.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace veltra::console {
+
+namespace {
+
+// What the file system alone can say against a path; empty when it looks like a file with bytes.
+// Asked first, because opening a pipe would wait for its writer.
+std::string objection(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::not_found) {
+        return "there is no such file; check its name";
+    }
+    if (error) return error.message() + "; check the file's folder and permissions";
+    if (fs::is_directory(status)) return "this is a folder; name the audio files in it";
+    if (!fs::is_regular_file(status)) return "not a regular file; copy it into one";
+    if (fs::file_size(path, error) == 0 && !error)
+        return "the file is empty; record or copy it again";
+    return {};
+}
+
+std::string refusal(int error, const char* libraryText) {
+    const std::string text = libraryText;
+    if (error == SF_ERR_SYSTEM) return text + "; check the file's permissions";
+    if (error == SF_ERR_UNRECOGNISED_FORMAT) {
+        return "not an audio file of a known format; convert it to WAV, AIFF or FLAC";
+    }
+    return "a damaged or unusual audio file (" + text + "); copy or convert it again";
+}
+
+}  // namespace
+
+std::unique_ptr<AudioFile> AudioFile::open(const std::string& path, std::string& problem) {
+    std::string reason = objection(path);
+    SF_INFO info{};
+    SoundHandle handle;
+    if (reason.empty()) {
+        handle.reset(sf_open(path.c_str(), SFM_READ, &info));
+        if (!handle) {
+            reason = refusal(sf_error(nullptr), sf_strerror(nullptr));
+        } else if (info.channels < 1 || info.samplerate < 1) {
+            reason = "a damaged audio file (no channels or no sample rate); copy it again";
+        }
+    }
+    if (!reason.empty()) {
+        problem = printable(reason);
+        return nullptr;
+    }
+
+    FileFormat format = describe(handle.get(), info, path);
+    std::unique_ptr<FrameReader> reader = format.layout.converterFormat != 0
+                                              ? makePcmReader(std::move(handle), format)
+                                              : makeDecodedReader(std::move(handle), format);
+    return std::unique_ptr<AudioFile>(new AudioFile(path, std::move(format), std::move(reader)));
+}
+
+AudioFile::AudioFile(std::string path, FileFormat format, std::unique_ptr<FrameReader> reader)
+    : m_path(std::move(path)), m_format(std::move(format)), m_reader(std::move(reader)) {}
+
+std::size_t AudioFile::read(float* const* channels, std::size_t frames) {
+    if (m_ended) return 0;
+    const std::size_t got = m_reader->read(channels, frames);
+    m_framesRead += got;
+    m_ended = got < frames;
+    return got;
+}
+
+std::string AudioFile::problem() const {
+    std::string reason;
+    if (m_format.missingBytes > 0) {
+        reason = std::to_string(m_format.missingBytes) + " bytes of its samples are missing";
+    } else if (m_ended && m_format.lengthUnknown) {
+        reason = "its end mark is missing";
+    } else if (m_ended && m_framesRead < m_format.frames) {
+        reason = "only " + std::to_string(m_framesRead) + " of " + std::to_string(m_format.frames) +
+                 " frames can be read";
+    }
+    if (reason.empty()) return {};
+    return "the file breaks off, " + reason +
+           "; what is there is played, copy the rest from its source";
+}
+
+}  // namespace veltra::console

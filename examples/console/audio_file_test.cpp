@@ -1,0 +1,100 @@
+#include "audio_file.h"
+
+#include "test_recordings.h"
+
+#include <array>
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+namespace veltra::console {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST(AudioFile, EveryUncompressedVariantGivesTheSamplesOfTheRecording) {
+    SKIP_WITHOUT_RECORDINGS();
+    for (const char* name : {"loop_tabla", "guit_em9"}) {
+        const Planar original = readAll(kSamples + name + ".flac");  // 16 bits, decoded
+        for (const Variant& variant : kVariants) {
+            SCOPED_TRACE(std::string(name) + " " + variant.file);
+            auto file = mustOpen(recording(name, variant.format, variant.file));
+            EXPECT_EQ(file->format().encoding, variant.encoding);
+            EXPECT_EQ(file->format().byteOrder, variant.order);
+            const Planar samples = readAll(*file);
+            EXPECT_THAT(file->problem(), IsEmpty());
+            EXPECT_EQ(file->framesRead(), file->format().frames);
+            if (file->format().bits >= 16) {
+                EXPECT_EQ(samples, original);  // to the last bit
+                continue;
+            }
+            ASSERT_EQ(samples[0].size(), original[0].size());
+            for (std::size_t i = 0; i < samples[0].size(); ++i) {
+                ASSERT_LE(std::fabs(samples[0][i] - original[0][i]), 1.0F / 256) << i;
+            }
+        }
+    }
+}
+
+TEST(AudioFile, ChannelsStayApartForAnyNumberOfThem) {
+    SKIP_WITHOUT_RECORDINGS();
+    const Planar original = readAll(kSamples + "guit_em9.flac");
+    for (const char* format : {"-b 24", "-b 32", "-e float -b 32", "-e float -b 64"}) {
+        for (const char* file : {"mono.wav", "mono.aifc"}) {
+            EXPECT_EQ(readAll(recording("guit_em9", format, file, "remix 2")), Planar{original[1]});
+        }
+        const Planar five{original[1], original[0], original[0], original[1], original[0]};
+        EXPECT_EQ(readAll(recording("guit_em9", format, "five.wav", "remix 2 1 1 2 1")), five);
+    }
+}
+
+TEST(AudioFile, WhatCannotBeReadIsRefusedWithTheReason) {
+    writeFile(folder() + "empty.wav", "");
+    writeFile(folder() + "text.wav", "Dear diary, today I recorded nothing at all.\n");
+    writeFile(folder() + "cut.wav", std::string_view("RIFF\x24\0\0\0WAVEfmt \x10\0", 18));
+    ASSERT_EQ(shell("mkfifo " + folder() + "pipe"), 0);
+    const std::array<std::array<const char*, 2>, 6> cases{{{"missing.wav", "no such file"},
+                                                           {"empty.wav", "empty"},
+                                                           {"text.wav", "not an audio file"},
+                                                           {"cut.wav", "damaged"},
+                                                           {"pipe", "not a regular file"},
+                                                           {".", "folder"}}};
+    for (const auto& [name, reason] : cases) {
+        std::string problem;
+        EXPECT_EQ(AudioFile::open(folder() + name, problem), nullptr) << name;
+        EXPECT_THAT(problem, HasSubstr(reason)) << name;
+        EXPECT_THAT(problem, HasSubstr("; ")) << name << ": says what to do";
+    }
+}
+
+TEST(AudioFile, ATruncatedFileIsReadAsFarAsItGoesAndSaysSo) {
+    SKIP_WITHOUT_RECORDINGS();
+    const Planar original = readAll(kSamples + "loop_tabla.flac");
+    for (const char* name : {"whole.wav", "whole.aiff", "whole.aifc", "whole.au", "whole.flac"}) {
+        const std::string path =
+            cutShort(recording("loop_tabla", "-b 16", name), 0.6, std::string("cut.") + name);
+        auto file = mustOpen(path);
+        const Planar samples = readAll(*file);
+        EXPECT_THAT(file->problem(), HasSubstr("breaks off")) << name;
+        ASSERT_GT(samples[0].size(), original[0].size() / 3) << name;
+        ASSERT_LT(samples[0].size(), original[0].size()) << name;
+        EXPECT_TRUE(std::equal(samples[1].begin(), samples[1].end(), original[1].begin())) << name;
+    }
+    auto vorbis = mustOpen(cutShort(recording("loop_tabla", "", "whole.ogg"), 0.6, "cut.ogg"));
+    readAll(*vorbis);
+    EXPECT_THAT(vorbis->problem(), HasSubstr("end mark"));
+}
+
+TEST(AudioFile, AStreamedFileWithoutALengthIsWhole) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string path = folder() + "streamed.wav";
+    ASSERT_EQ(shell("sox -V1 " + kSamples + "guit_em9.flac -t wav - 2>&1 | cat > " + path), 0);
+    auto file = mustOpen(path);
+    EXPECT_EQ(readAll(*file), readAll(kSamples + "guit_em9.flac"));
+    EXPECT_THAT(file->problem(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace veltra::console

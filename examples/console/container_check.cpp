@@ -1,0 +1,80 @@
+#include "container_check.h"
+
+#include <array>
+#include <cstddef>
+#include <fstream>
+#include <string_view>
+
+namespace veltra::console {
+
+namespace {
+
+constexpr std::uint32_t kStreamedSize = 0x7FFF0000;  // sizes from here on mean "until it ends"
+
+class HeaderFile {
+public:
+    explicit HeaderFile(const std::string& path) : m_stream(path, std::ios::binary) {
+        m_stream.seekg(0, std::ios::end);
+        if (m_stream) m_size = static_cast<std::uint64_t>(m_stream.tellg());
+    }
+
+    std::uint64_t size() const noexcept { return m_size; }
+
+    // The bytes of a header that lies whole in the file.
+    template <std::size_t count>
+    bool read(std::uint64_t position, std::array<char, count>& bytes) {
+        if (position > m_size || m_size - position < count) return false;
+        m_stream.seekg(static_cast<std::streamoff>(position));
+        return static_cast<bool>(m_stream.read(bytes.data(), count));
+    }
+
+private:
+    std::ifstream m_stream;
+    std::uint64_t m_size = 0;
+};
+
+std::uint32_t number(const char* bytes, bool bigEndian) {
+    std::uint32_t value = 0;
+    for (unsigned i = 0; i < 4; ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[bigEndian ? i : 3 - i]);
+        value = value << 8 | byte;
+    }
+    return value;
+}
+
+std::uint64_t missing(std::uint32_t announced, std::uint64_t start, std::uint64_t fileSize) {
+    if (announced == 0 || announced >= kStreamedSize) return 0;
+    const std::uint64_t there = fileSize > start ? fileSize - start : 0;
+    return announced > there ? announced - there : 0;
+}
+
+}  // namespace
+
+ContainerCheck checkContainer(const std::string& path) {
+    HeaderFile file(path);
+    std::array<char, 12> head{};
+    if (!file.read(0, head)) return {};
+    const std::string_view kind(head.data(), 4);
+    if (kind == ".snd") {
+        return {false, missing(number(&head[8], true), number(&head[4], true), file.size())};
+    }
+    if (kind != "RIFF" && kind != "RIFX" && kind != "FORM") return {};
+
+    const bool bigEndian = kind != "RIFF";
+    ContainerCheck result;
+    result.compressedAiff = std::string_view(&head[8], 4) == "AIFC";
+    std::array<char, 8> chunk{};
+    for (std::uint64_t position = head.size(); file.read(position, chunk);) {
+        const std::string_view name(chunk.data(), 4);
+        const std::uint32_t size = number(&chunk[4], bigEndian);
+        position += chunk.size();
+        if (name == "data" || name == "SSND") {
+            result.missingBytes = missing(size, position, file.size());
+            break;
+        }
+        position += std::uint64_t{size} + size % 2;  // chunks are padded to an even length
+    }
+    return result;
+}
+
+}  // namespace veltra::console

@@ -1,0 +1,119 @@
+#include "engine.h"
+
+#include "block.h"
+
+#include <algorithm>
+#include <new>
+
+namespace veltra::console {
+
+Engine::Engine(Feeding feeding, std::int32_t rate, std::size_t aheadFrames)
+    : m_feeding(feeding), m_rate(rate), m_aheadFrames(aheadFrames) {
+    if (m_feeding == Feeding::ByThread) m_reader.start();
+}
+
+Engine::~Engine() {
+    m_reader.stop();
+}
+
+StripId Engine::add(std::unique_ptr<AudioFile> file) {
+    const bool live = m_feeding == Feeding::ByThread;
+    auto strip = std::make_unique<Strip>(std::move(file), live ? m_rate : 0.0, m_aheadFrames);
+    if (live) {
+        // A head start before the audio thread can see it: no underrun at the first block.
+        strip->feed();
+        strip->feed();
+    }
+    m_strips.push_back({++m_lastId, std::move(strip)});
+    Strip* const added = m_strips.back().strip.get();
+    if (!m_list.Add(added, &Strip::render)) {
+        m_strips.pop_back();
+        throw std::bad_alloc();
+    }
+    if (live) m_reader.add(added);
+    return m_lastId;
+}
+
+void Engine::remove(StripId id) {
+    for (Entry& entry : m_strips) {
+        if (entry.id == id && !entry.removed) takeOut(entry);
+    }
+}
+
+void Engine::removeAll() {
+    for (Entry& entry : m_strips) {
+        if (!entry.removed) takeOut(entry);
+    }
+}
+
+void Engine::takeOut(Entry& entry) {
+    if (!m_list.Remove(entry.strip.get())) return;  // memory is out: collect() tries again
+    entry.lastUse = m_started.load(std::memory_order_seq_cst);  // with processBlock(); see above
+    entry.removed = true;
+    if (m_feeding == Feeding::ByThread) m_reader.remove(entry.strip.get());
+}
+
+std::vector<StripResult> Engine::collect() {
+    std::vector<StripResult> results;
+    for (Entry& entry : m_strips) {
+        if (!entry.removed && entry.strip->isDrained()) takeOut(entry);
+    }
+    const std::uint64_t finished = m_finished.load(std::memory_order_acquire);  // processBlock()
+    for (auto entry = m_strips.begin(); entry != m_strips.end();) {
+        if (entry->removed && entry->lastUse <= finished) {
+            results.push_back(resultOf(*entry));
+            entry = m_strips.erase(entry);
+        } else {
+            ++entry;
+        }
+    }
+    return results;
+}
+
+StripResult Engine::resultOf(const Entry& entry) {
+    const Strip& strip = *entry.strip;
+    StripResult result;
+    result.id = entry.id;
+    result.path = strip.path();
+    result.format = strip.format();
+    result.measurement = strip.measurement();
+    result.framesRead = strip.file().framesRead();
+    result.underruns = strip.underruns();
+    result.missedFrames = strip.missedFrames();
+    result.end = barBeatTick(static_cast<std::int64_t>(result.framesRead), result.format.rate);
+    result.complete = strip.isDrained();
+    result.problem = strip.file().problem();
+    return result;
+}
+
+std::vector<StripMeter> Engine::meters() {
+    std::vector<StripMeter> meters;
+    for (const Entry& entry : m_strips) {
+        if (entry.removed) continue;
+        meters.push_back(
+            {entry.id, entry.strip->path(), entry.strip->takePeak(), entry.strip->underruns()});
+    }
+    return meters;
+}
+
+void Engine::feed(std::uint32_t frames) {
+    for (const Entry& entry : m_strips) {
+        while (!entry.strip->isReadyFor(frames) && entry.strip->feed()) {
+        }
+    }
+}
+
+void Engine::processBlock(float* const* outputs, std::uint32_t outputCount,
+                          std::uint32_t frames) noexcept {
+    m_started.fetch_add(1, std::memory_order_seq_cst);  // with takeOut()
+    for (std::uint32_t out = 0; out < outputCount; ++out) {
+        std::fill_n(outputs[out], frames, 0.0F);
+    }
+    const std::int64_t position = m_position.load(std::memory_order_relaxed);
+    Block block{outputs, outputCount, frames, position};
+    if (outputCount > 0) m_list.Iterate(kRenderMessage, &block);
+    m_position.store(position + frames, std::memory_order_relaxed);
+    m_finished.fetch_add(1, std::memory_order_release);  // with collect()
+}
+
+}  // namespace veltra::console

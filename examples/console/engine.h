@@ -1,0 +1,128 @@
+// The console's engine: strips in a callback list, a transport, and the meters to look at them. It
+// knows no terminal and no window; a front end of either kind drives it.
+//
+// The life of a strip. add() puts it into the list while the audio thread runs. When it has played
+// everything, or remove() is called, the entry is removed from the list; the strip itself is
+// destroyed by a later collect(), when no block that may still call it is in progress. That is
+// known by counting: processBlock() counts up `started` before and `finished` after it walks the
+// list. A walk that began before Remove returned has a number up to `started` as it stands then,
+// and blocks do not overlap; so once `finished` has reached that number the strip is unreachable.
+// Both the push inside Remove and the count of `started` are sequentially consistent: either the
+// new walk sees the removal, or we see the walk.
+#pragma once
+
+#include "reader_thread.h"
+#include "strip.h"
+#include "transport.h"
+#include "veltra/audio/add_remove_iterate_list.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace veltra::console {
+
+using StripId = std::uint32_t;  // never used twice in one engine
+
+// What is known of a strip that is gone.
+struct StripResult {
+    StripId id = 0;
+    std::string path;
+    FileFormat format;
+    Measurement measurement;
+    std::uint64_t framesRead = 0;
+    std::uint64_t underruns = 0;
+    std::uint64_t missedFrames = 0;
+    BarBeatTick end;        // of what was read, at the file's own rate
+    bool complete = false;  // false: removed before its end
+    std::string problem;    // one line for the user, or empty
+};
+
+// What can be shown of a strip while it plays.
+struct StripMeter {
+    StripId id = 0;
+    std::string path;
+    float peak = 0.0F;  // since the last look
+    std::uint64_t underruns = 0;
+};
+
+class Engine {
+public:
+    enum class Feeding {
+        ByThread,  // for a real-time output: a thread of the engine reads ahead
+        ByCaller,  // offline: the caller feeds before each block
+    };
+
+    // `rate` is the output's, in frames a second; offline every file plays at its own rate, and
+    // `rate` is only the transport's. `aheadFrames` is how far reading runs ahead of playing, at
+    // least kChunkFrames.
+    Engine(Feeding feeding, std::int32_t rate, std::size_t aheadFrames);
+    Engine(Feeding feeding, std::int32_t rate)
+        : Engine(feeding, rate, feeding == Feeding::ByThread ? kAheadFrames : kChunkFrames) {}
+
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    // No block may be in progress, and none may come any more.
+    ~Engine();
+
+    // Thread: main.
+    StripId add(std::unique_ptr<AudioFile> file);
+    void remove(StripId id);
+    void removeAll();
+
+    // Takes strips that have ended out of the list, destroys those that nobody uses any more, and
+    // answers what is known of the destroyed ones. Call it every now and then. Thread: main.
+    std::vector<StripResult> collect();
+
+    // Strips that play or wait for their end. Thread: main.
+    std::size_t stripCount() const noexcept { return m_strips.size(); }
+
+    // Thread: main.
+    std::vector<StripMeter> meters();
+
+    // Fills the rings so that blocks of `frames` in all (at most `aheadFrames`) can be rendered.
+    // With Feeding::ByCaller only. Thread: that of processBlock.
+    void feed(std::uint32_t frames);
+
+    // Renders the next block: clears `outputs`, lets every strip add itself, moves the transport.
+    // Thread: audio, one at a time. Realtime-safe: yes.
+    void processBlock(float* const* outputs, std::uint32_t outputCount,
+                      std::uint32_t frames) noexcept;
+
+    // The transport, in samples and in musical time. Thread: any. Realtime-safe: yes.
+    std::int64_t position() const noexcept { return m_position.load(std::memory_order_relaxed); }
+    BarBeatTick musicalPosition() const { return barBeatTick(position(), m_rate); }
+
+private:
+    // 0.7 seconds at 48 kHz. Offline one chunk does, and stays in the cache.
+    static constexpr std::size_t kAheadFrames = 32768;
+
+    struct Entry {
+        StripId id;
+        std::unique_ptr<Strip> strip;
+        bool removed = false;       // from the list and from the reader
+        std::uint64_t lastUse = 0;  // the block that has to be finished before it dies
+    };
+
+    void takeOut(Entry& entry);
+    static StripResult resultOf(const Entry& entry);
+
+    const Feeding m_feeding;
+    const std::int32_t m_rate;
+    const std::size_t m_aheadFrames;
+    CAddRemoveIterateList m_list;
+
+    // Main thread only (offline: the one thread).
+    std::vector<Entry> m_strips;
+    StripId m_lastId = 0;
+    ReaderThread m_reader;
+
+    std::atomic<std::uint64_t> m_started{0};   // blocks; audio thread counts, main thread reads
+    std::atomic<std::uint64_t> m_finished{0};  // blocks; audio thread counts, main thread reads
+    std::atomic<std::int64_t> m_position{0};   // audio thread moves, any thread reads
+};
+
+}  // namespace veltra::console

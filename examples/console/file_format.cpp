@@ -1,0 +1,95 @@
+#include "file_format.h"
+
+#include "container_check.h"
+
+#include <array>
+#include <bit>
+
+namespace veltra::console {
+
+namespace {
+
+struct Encoding {
+    int subtype;
+    const char* name;
+    int bits;
+    std::int32_t converterFormat;
+    std::uint32_t bytes;
+};
+
+// clang-format off
+constexpr std::array<Encoding, 7> kEncodings{{
+    // subtype          name                      bits  converter  bytes
+    {SF_FORMAT_PCM_S8, "8-bit signed integer",       8,         1,     1},
+    {SF_FORMAT_PCM_U8, "8-bit unsigned integer",     8,         1,     1},
+    {SF_FORMAT_PCM_16, "16-bit integer",            16,         2,     2},
+    {SF_FORMAT_PCM_24, "24-bit integer",            24,         3,     3},
+    {SF_FORMAT_PCM_32, "32-bit integer",            32,         4,     4},
+    {SF_FORMAT_FLOAT,  "32-bit float",              32,        -4,     4},
+    {SF_FORMAT_DOUBLE, "64-bit float",              64,        -8,     8},
+}};
+// clang-format on
+
+// The containers whose sample data are plain interleaved frames. FLAC, for one, also calls its
+// samples "16 bit", but its bytes are not samples.
+constexpr std::array<int, 10> kPlainContainers{
+    SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64,  SF_FORMAT_W64, SF_FORMAT_AIFF,
+    SF_FORMAT_AU,  SF_FORMAT_CAF,   SF_FORMAT_IRCAM, SF_FORMAT_AVR, SF_FORMAT_NIST};
+
+bool isPlain(int container) {
+    for (const int plain : kPlainContainers) {
+        if (container == plain) return true;
+    }
+    return false;
+}
+
+std::string libraryName(SNDFILE* file, int format) {
+    SF_FORMAT_INFO info{};
+    info.format = format;
+    if (sf_command(file, SFC_GET_FORMAT_INFO, &info, sizeof info) != 0) return "unknown";
+    const std::string name = info.name != nullptr ? info.name : "unknown";
+    return name.substr(0, name.find(" ("));  // "WAV (Microsoft)" is a WAV to everybody
+}
+
+}  // namespace
+
+FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path) {
+    const int container = info.format & SF_FORMAT_TYPEMASK;
+    const int subtype = info.format & SF_FORMAT_SUBMASK;
+    const ContainerCheck check = checkContainer(path);
+
+    FileFormat format;
+    format.container = check.compressedAiff          ? "AIFF-C"
+                       : container == SF_FORMAT_NIST ? "SPHERE"
+                                                     : libraryName(file, container);
+    format.encoding = libraryName(file, subtype);
+    format.rate = info.samplerate;
+    format.channels = info.channels;
+    format.lengthUnknown = info.frames == SF_COUNT_MAX;
+    if (info.frames > 0 && !format.lengthUnknown) {
+        format.frames = static_cast<std::uint64_t>(info.frames);
+    }
+    format.missingBytes = check.missingBytes;
+
+    for (const Encoding& encoding : kEncodings) {
+        if (encoding.subtype != subtype) continue;
+        format.encoding = encoding.name;
+        format.bits = encoding.bits;
+        if (!isPlain(container)) break;
+
+        // libsndfile tells whether the data are of the other order than this machine's.
+        const bool foreign = sf_command(file, SFC_RAW_DATA_NEEDS_ENDSWAP, nullptr, 0) == SF_TRUE;
+        const bool little = foreign != (std::endian::native == std::endian::little);
+        const bool oneByte = encoding.bytes == 1;
+        const bool isFloat = encoding.converterFormat < 0;
+        format.byteOrder = oneByte ? ByteOrder::None : little ? ByteOrder::Little : ByteOrder::Big;
+        format.layout.converterFormat = encoding.converterFormat;
+        format.layout.bytes = encoding.bytes;
+        format.layout.swapped = oneByte ? subtype == SF_FORMAT_PCM_U8 : !isFloat && little;
+        format.layout.foreignFloat = isFloat && foreign;
+        break;
+    }
+    return format;
+}
+
+}  // namespace veltra::console

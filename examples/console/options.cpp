@@ -1,0 +1,94 @@
+#include "options.h"
+
+#include <string_view>
+
+namespace veltra::console {
+
+const char* const kHelpText =
+    R"(Usage: veltra-console [--headless] [--report -|FILE] [--device auto|null] FILE...
+
+Plays audio files, all at once, and tells what is in them.
+
+  --headless      read and measure only, as fast as possible; the report goes to standard output
+                  unless --report says otherwise
+  --report FILE   write the report to FILE when all has ended; - is standard output
+  --device auto   play on the default audio device, or in silence when there is none (the default)
+  --device null   play in silence, at the pace of real time
+  --help          print this text
+  --              what follows are files, also when it begins with a dash
+
+Ctrl-C ends early, with the report of what was read so far.
+
+The report has a block for each file, in the order of the command line: the file's name, then the
+lines below, names in columns 3 to 14 and values from column 15; a blank line between blocks.
+
+  format      container and encoding of the samples
+  byte order  big-endian, little-endian, or none (single bytes, compressed)
+  rate        frames a second
+  channels    number of channels
+  length      seconds and frames that were read
+  peak        largest magnitude, 1.0 is full scale, and the same in dBFS
+  rms         root of the mean square of all samples of all channels, and the same in dBFS
+              (relative to 1.0: a sine at full scale has -3.01)
+  full scale  number of samples whose magnitude is that of the format's largest value or more, but
+              for formats finer than 16 bits that of 16 bits (32767/32768)
+  end         bar.beat.tick where the file ends: 120 beats a minute, 4 beats to the bar, 15360
+              ticks to the beat; bars and beats count from 1
+  underruns   blocks of audio for which the disk was too slow, and the frames that were missing
+  note        only when there is something to say: the file breaks off, samples that are no
+              numbers, ended early
+
+A file that cannot be read has one line instead: error, and the reason. All measurements are of the
+file's own samples, before any change of sample rate.
+
+Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one was not or the report could
+not be written, 2 the command line makes no sense.
+)";
+
+std::optional<Options> parseOptions(std::span<const char* const> arguments, std::string& error) {
+    Options options;
+    bool onlyFiles = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string_view argument = arguments[i];
+        if (onlyFiles || argument.empty() || argument.front() != '-') {
+            options.files.emplace_back(argument);
+            continue;
+        }
+        const std::size_t equals = argument.find('=');
+        const std::string_view name = argument.substr(0, equals);
+        const bool takesValue = name == "--report" || name == "--device";
+        std::string_view value;
+        if (takesValue && equals != std::string_view::npos) {
+            value = argument.substr(equals + 1);
+        } else if (takesValue && i + 1 < arguments.size()) {
+            value = arguments[++i];
+        } else if (takesValue || equals != std::string_view::npos) {
+            error = std::string(name).append(takesValue ? " needs a value" : " takes no value");
+            return std::nullopt;
+        }
+
+        if (name == "--") {
+            onlyFiles = true;
+        } else if (name == "--help") {
+            options.help = true;
+        } else if (name == "--headless") {
+            options.headless = true;
+        } else if (name == "--report" && !value.empty()) {
+            options.report = value;
+        } else if (name == "--device" && (value == "auto" || value == "null")) {
+            options.device = value == "null" ? Device::Null : Device::Auto;
+        } else {
+            error = takesValue ? std::string(name).append(" cannot be '").append(value).append("'")
+                               : std::string("unknown option ").append(argument);
+            return std::nullopt;
+        }
+    }
+    if (options.files.empty() && !options.help) {
+        error = "no files are named";
+        return std::nullopt;
+    }
+    if (options.headless && options.report.empty()) options.report.assign(1, '-');
+    return options;
+}
+
+}  // namespace veltra::console

@@ -1,0 +1,28 @@
+// The command line.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace veltra::console {
+
+enum class Device { Auto, Null };
+
+struct Options {
+    bool help = false;
+    bool headless = false;
+    Device device = Device::Auto;
+    std::string report;  // "-": standard output; empty: none
+    std::vector<std::string> files;
+};
+
+// Nothing when the arguments (without the program's name) make no sense; `error` is then one line
+// for the user.
+std::optional<Options> parseOptions(std::span<const char* const> arguments, std::string& error);
+
+// What --help prints.
+extern const char* const kHelpText;
+
+}  // namespace veltra::console

@@ -1,0 +1,77 @@
+#include "report.h"
+
+#include "text.h"
+
+#include <cmath>
+
+namespace veltra::console {
+
+namespace {
+
+std::string line(const char* name, const std::string& value) {
+    return formatted("  %-12s", name) + value + "\n";
+}
+
+std::string level(double amplitude) {
+    const std::string linear = formatted("%-12.9f", amplitude);
+    if (amplitude <= 0.0) return linear + "-inf dBFS";
+    return linear + formatted("%.2f dBFS", decibels(amplitude));
+}
+
+const char* byteOrderName(ByteOrder order) {
+    switch (order) {
+        case ByteOrder::Big:
+            return "big-endian";
+        case ByteOrder::Little:
+            return "little-endian";
+        case ByteOrder::None:
+            break;
+    }
+    return "none";
+}
+
+std::string block(const StripResult& result) {
+    const FileFormat& format = result.format;
+    const Measurement& measured = result.measurement;
+    const auto frames = static_cast<unsigned long long>(result.framesRead);
+    const double seconds = static_cast<double>(result.framesRead) / format.rate;
+    std::string text;
+    text += line("format", format.container + ", " + format.encoding);
+    text += line("byte order", byteOrderName(format.byteOrder));
+    text += line("rate", formatted("%d Hz", format.rate));
+    text += line("channels", formatted("%d", format.channels));
+    text += line("length", formatted("%.6f s  %llu frames", seconds, frames));
+    text += line("peak", level(static_cast<double>(measured.peak)));
+    text += line("rms", level(measured.rms()));
+    text += line("full scale",
+                 formatted("%llu samples", static_cast<unsigned long long>(measured.fullScale)));
+    text += line("end", toText(result.end));
+    text += line("underruns", formatted("%llu blocks  %llu frames",
+                                        static_cast<unsigned long long>(result.underruns),
+                                        static_cast<unsigned long long>(result.missedFrames)));
+    if (!result.complete) text += line("note", "ended early, before the end of the file");
+    if (!result.problem.empty()) text += line("note", result.problem);
+    if (measured.notFinite > 0) {
+        text += line("note", formatted("%llu samples are no numbers and count as silence",
+                                       static_cast<unsigned long long>(measured.notFinite)));
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string makeReport(std::span<const ReportEntry> entries) {
+    std::string text;
+    for (const ReportEntry& entry : entries) {
+        if (!text.empty()) text += "\n";
+        text += printable(entry.path) + "\n";
+        if (entry.result) {
+            text += block(*entry.result);
+        } else {
+            text += line("error", entry.error.empty() ? "not read, ended early" : entry.error);
+        }
+    }
+    return text;
+}
+
+}  // namespace veltra::console

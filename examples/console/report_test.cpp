@@ -1,0 +1,185 @@
+// The program as its user sees it: reports, log lines, exit status.
+#include "report.h"
+
+#include "options.h"
+#include "status_line.h"
+#include "test_recordings.h"
+
+#include <algorithm>
+#include <array>
+
+#include <gmock/gmock.h>
+
+namespace veltra::console {
+namespace {
+
+using namespace testing;
+using ::testing::ContainsRegex;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+struct Outcome {
+    int status;
+    std::string output;
+    std::string log;
+};
+
+Outcome console(const std::string& arguments) {
+    const std::string out = folder() + "out";
+    const std::string log = folder() + "log";
+    const int status =
+        shell("CFLOG_FORCE_STDERR=1 " VELTRA_CONSOLE " " + arguments + " >" + out + " 2>" + log);
+    return {status, contents(out), contents(log)};
+}
+
+// The value of line `name` in a report's block for the file `path`.
+std::string value(const std::string& report, const std::string& path, const std::string& name) {
+    const std::size_t block = report.find(path + "\n");
+    const std::size_t line = report.find("\n  " + name + " ", block);
+    if (block == std::string::npos || line == std::string::npos) return "no such line";
+    return report.substr(line + 15, report.find('\n', line + 1) - line - 15);
+}
+
+double number(const std::string& report, const std::string& path, const std::string& name) {
+    return std::atof(value(report, path, name).c_str());
+}
+
+TEST(Report, EveryVariantOfARecordingHasTheSameReportWithinItsPrecision) {
+    SKIP_WITHOUT_RECORDINGS();
+    // As recorded, in 16 bits, and so loud that it clips, which needs all bits there are.
+    for (const char* effects : {"", "gain 14.3"}) {
+        for (const char* name : {"loop_tabla", "guit_em9"}) {
+            std::string files;
+            for (const Variant& variant : kVariants) {
+                files += recording(name, variant.format, variant.file, effects) + " ";
+            }
+            const Outcome run = console("--headless " + files);
+            EXPECT_EQ(run.status, 0);
+            EXPECT_THAT(run.log, IsEmpty());
+            const std::string best = folder() + "32.wav";
+            for (const Variant& variant : kVariants) {
+                SCOPED_TRACE(std::string(name) + " " + variant.file + " " + effects);
+                const std::string path = folder() + variant.file;
+                const char first = variant.file[0];
+                const double step = first == '8' ? 1.0 / 128 : first == '1' ? 1.0 / 32768 : 0.0;
+                for (const char* line : {"peak", "rms"}) {
+                    EXPECT_NEAR(number(run.output, path, line), number(run.output, best, line),
+                                step / 2 + 1.2e-7);
+                }
+                for (const char* line : {"rate", "channels", "length", "end", "full scale"}) {
+                    if (line[0] == 'f' && step != 0.0) continue;  // see below
+                    EXPECT_EQ(value(run.output, path, line), value(run.output, best, line));
+                }
+            }
+            // What a narrow format rounds up to its largest value counts there: no less than is
+            // beyond that value, no more than is beyond it less half a step.
+            const Planar samples = readAll(best);
+            for (const auto& [file, step] :
+                 {std::pair{"16.wav", 1.0F / 32768}, std::pair{"8.wav", 1.0F / 128}}) {
+                double certain = 0;
+                double possible = 0;
+                for (const auto& channel : samples) {
+                    for (const float sample : channel) {
+                        certain += std::abs(sample) >= 1.0F - step ? 1 : 0;
+                        possible += std::abs(sample) >= 1.0F - 1.5F * step ? 1 : 0;
+                    }
+                }
+                EXPECT_LE(certain, number(run.output, folder() + file, "full scale")) << file;
+                EXPECT_GE(possible, number(run.output, folder() + file, "full scale")) << file;
+                EXPECT_EQ(certain > 0, effects[0] != '\0');
+            }
+        }
+    }
+}
+
+TEST(Report, LevelsAreThoseThatSoxMeasures) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string path = recording("guit_em9", "-b 16", "judge.wav", "remix 1");
+    const std::string judgement = folder() + "judgement";
+    ASSERT_EQ(shell("sox " + path + " -n stat 2>" + judgement), 0);
+    const std::string text = contents(judgement);
+    const auto judged = [&text](const std::string& name) {
+        return std::atof(text.c_str() + text.find(name) + name.size());
+    };
+    const Outcome run = console("--headless --report - " + path);
+    EXPECT_NEAR(number(run.output, path, "rms"), judged("RMS     amplitude:"), 1e-6);
+    const double peak = std::max(judged("Maximum amplitude:"), -judged("Minimum amplitude:"));
+    EXPECT_NEAR(number(run.output, path, "peak"), peak, 1e-6);
+}
+
+TEST(Report, BadFilesGetALineEachAndTheOthersStillRun) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string good = recording("guit_em9", "-b 24", "good.aiff", "trim 0 0.2");
+    const std::string cut = cutShort(good, 0.5, "cut.aiff");
+    writeFile(folder() + "empty.wav", "");
+    writeFile(folder() + "text.wav", "no sound in here\n");
+    const std::array<const char*, 4> bad{"missing.wav", "empty.wav", "text.wav", ""};
+    std::string arguments = " --report " + folder() + "report";
+    for (const char* name : bad)
+        arguments.append(" ").append(folder()).append(name);
+    arguments.append(" ").append(cut).append(" ").append(good);
+    for (const char* mode : {"--headless", "--device null"}) {
+        SCOPED_TRACE(mode);
+        const Outcome run = console(mode + arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(run.output, IsEmpty());
+        EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 5) << run.log;
+        const std::string report = contents(folder() + "report");
+        for (const char* name : bad) {
+            EXPECT_THAT(value(report, folder() + name, "error"), HasSubstr("; ")) << name;
+            EXPECT_THAT(run.log, HasSubstr("veltra-console: " + folder() + name + ": "));
+        }
+        EXPECT_THAT(value(report, cut, "note"), HasSubstr("breaks off"));
+        EXPECT_THAT(run.log, HasSubstr("veltra-console: " + cut + ": the file breaks off"));
+        EXPECT_GT(number(report, good, "rms"), 0.01);
+        EXPECT_EQ(value(report, good, "length"), "0.200000 s  8820 frames");
+    }
+}
+
+TEST(Report, AReportThatCannotBeWrittenIsAnErrorAndALinkIsFollowed) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string file = recording("guit_em9", "-b 16", "a.wav", "trim 0 0.1");
+    for (const char* report : {"/dev/full", "/nowhere/report"}) {
+        const Outcome run = console("--headless --report " + std::string(report) + " " + file);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(run.log, ContainsRegex(std::string(report) + ": the report cannot be written"));
+    }
+    EXPECT_EQ(shell(VELTRA_CONSOLE " --headless " + file + " >/dev/full 2>/dev/null"), 1);
+
+    writeFile(folder() + "real", "old");
+    std::filesystem::create_symlink("real", folder() + "link");
+    EXPECT_EQ(console("--headless --report=" + folder() + "link " + file).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder() + "link"));
+    EXPECT_GT(number(contents(folder() + "real"), file, "rms"), 0.0);
+    EXPECT_EQ(console("--headless --report /dev/null " + file).status, 0);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
+    for (const char* arguments :
+         {"", "--nonsense x", "--report", "--device loud x", "--headless=1 x"}) {
+        const Outcome run = console(arguments);
+        EXPECT_EQ(run.status, 2) << arguments;
+        EXPECT_THAT(run.log, ContainsRegex("^veltra-console: .*--help\n$")) << arguments;
+    }
+    const Outcome help = console("--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("full scale"));
+    std::string error;
+    const std::array<const char*, 5> arguments{"a", "--device=null", "--", "--help", "-"};
+    const auto options = parseOptions(arguments, error);
+    ASSERT_TRUE(options.has_value()) << error;
+    EXPECT_EQ(options->files, (std::vector<std::string>{"a", "--help", "-"}));
+    EXPECT_EQ(options->device, Device::Null);
+}
+
+TEST(StatusLine, ShowsPlaceNamesAndPeaksInTheTerminalsWidth) {
+    const std::vector<StripMeter> meters{{1, "/music/kick\n.wav", 1.0F, 0},
+                                         {2, "pad.wav", 0.0F, 3}};
+    EXPECT_EQ(statusText({12, 3, 480}, meters, 80),
+              "12.3.00480  kick?.wav [##########]  pad.wav [          ] !3");
+    EXPECT_EQ(statusText({12, 3, 480}, meters, 5), "12.3.");
+}
+
+}  // namespace
+}  // namespace veltra::console

@@ -1,0 +1,48 @@
+// One run of the program: opens the files, lets the engine play or read them, keeps the terminal
+// informed, and ends with the report.
+#pragma once
+
+#include "audio_output.h"
+#include "engine.h"
+#include "options.h"
+#include "report.h"
+#include "status_line.h"
+#include "veltra/platform/weak_anchor.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace veltra::console {
+
+// Thread: main. Anchored, because a timer sends it actions.
+class Session final : public Anchored {
+public:
+    explicit Session(Options options);
+
+    // Answers the exit status.
+    int run();
+
+private:
+    void runHeadless();
+    void runLive();
+    void tick();  // every 100 ms of a live run
+    void collect();
+    bool addNextFile();
+    std::unique_ptr<AudioFile> openNextFile();
+    std::unique_ptr<AudioOutput> openOutput(std::int32_t rate);
+    void startOutput(std::unique_ptr<AudioOutput> output);
+    void complain(const std::string& about, const std::string& problem);
+
+    const Options m_options;
+    std::vector<ReportEntry> m_entries;       // one for each file, in the order of the command line
+    std::size_t m_opened = 0;                 // how many of them were tried
+    std::unique_ptr<AudioFile> m_first;       // opened early, for its sample rate
+    std::vector<std::size_t> m_entryOfStrip;  // by StripId
+    std::unique_ptr<Engine> m_engine;
+    std::unique_ptr<AudioOutput> m_output;  // after the engine: stops before the engine goes
+    StatusLine m_status;
+    bool m_hasProblems = false;
+};
+
+}  // namespace veltra::console

@@ -1,0 +1,15 @@
+// Ownership of libsndfile's handle.
+#pragma once
+
+#include <memory>
+
+#include <sndfile.h>
+
+namespace veltra::console {
+
+struct SoundCloser {
+    void operator()(SNDFILE* file) const noexcept { sf_close(file); }
+};
+using SoundHandle = std::unique_ptr<SNDFILE, SoundCloser>;
+
+}  // namespace veltra::console

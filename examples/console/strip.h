@@ -1,0 +1,96 @@
+// One file on its way to the output: read, measured, resampled if need be, and held ready in a ring
+// for the audio thread.
+//
+// Two threads meet here, and only in the ring and in the atomic members. The feeding thread calls
+// feed(): it alone touches the disk. The audio thread calls render() through the callback list: it
+// copies and adds, nothing else. The main thread looks at both from outside.
+#pragma once
+
+#include "audio_file.h"
+#include "block.h"
+#include "measurement.h"
+#include "resampler.h"
+#include "ring.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace veltra::console {
+
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the ring is in the order of its use
+class Strip {
+public:
+    // `outputRate` is the rate at which blocks are asked for; 0, or the file's own rate: no
+    // resampling. A file slower or faster by more than 256 times is played as it is. `ringFrames`
+    // is how far reading runs ahead of playing, at least kChunkFrames.
+    Strip(std::unique_ptr<AudioFile> file, double outputRate, std::size_t ringFrames);
+
+    // Reads, measures and converts one chunk. Answers false when there is nothing to do: the ring
+    // is full, or the file has ended.
+    // Thread: the feeding one. Realtime-safe: no.
+    bool feed();
+
+    // Whether a block of `frames` can be rendered without waiting for feed().
+    // Thread: the feeding one.
+    bool isReadyFor(std::size_t frames) const noexcept;
+
+    // The strip's entry in the callback list: `strip` is a Strip, `data` a Block.
+    // Thread: audio. Realtime-safe: yes.
+    static void render(void* strip, std::uint32_t message, void* data) noexcept;
+
+    // The file has ended and everything was played. Thread: any.
+    bool isDrained() const noexcept {
+        return m_drained.load(std::memory_order_acquire);  // with mix()
+    }
+
+    // The largest magnitude mixed since the last call. Thread: main.
+    float takePeak() noexcept { return m_peak.exchange(0.0F, std::memory_order_relaxed); }
+
+    // Frames that were due and not there. Thread: any.
+    std::uint64_t missedFrames() const noexcept {
+        return m_missedFrames.load(std::memory_order_relaxed);
+    }
+    // Blocks in which that happened. Thread: any.
+    std::uint64_t underruns() const noexcept { return m_underruns.load(std::memory_order_relaxed); }
+
+    // What never changes. Thread: any.
+    const std::string& path() const noexcept { return m_file->path(); }
+    const FileFormat& format() const noexcept { return m_file->format(); }
+
+    // For when neither feed() nor render() can be running any more.
+    const AudioFile& file() const noexcept { return *m_file; }
+    const Measurement& measurement() const noexcept { return m_measurement; }
+
+private:
+    std::size_t readAndMeasure(std::size_t frames);
+    bool feedDirectly();
+    bool feedResampled();
+    void mix(const Block& block) noexcept;
+
+    const std::unique_ptr<AudioFile> m_file;  // feeding thread
+    Ring m_ring;                              // written by the feeding, read by the audio thread
+
+    // Feeding thread only.
+    const std::unique_ptr<Resampler> m_resampler;
+    const float m_fullScale;
+    Measurement m_measurement;
+    std::vector<float*> m_places;             // where the next chunk goes, a channel each
+    std::vector<std::vector<float>> m_chunk;  // input of the resampler, a channel each
+    std::vector<const float*> m_chunkPlaces;  // what is left of it
+    std::size_t m_chunkFrames = 0;
+    std::size_t m_chunkUsed = 0;
+    bool m_fileEnded = false;
+
+    std::atomic<bool> m_inputEnded{false};         // set by the feeding, read by the audio thread
+    std::atomic<bool> m_drained{false};            // set by the audio, read by the main thread
+    std::atomic<float> m_peak{0.0F};               // audio thread raises, main thread takes
+    std::atomic<std::uint64_t> m_missedFrames{0};  // audio thread counts
+    std::atomic<std::uint64_t> m_underruns{0};     // audio thread counts
+
+    static_assert(std::atomic<float>::is_always_lock_free);
+};
+
+}  // namespace veltra::console
