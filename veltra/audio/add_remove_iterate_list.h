@@ -22,7 +22,7 @@
 //   them. Increments and decrements are atomic: with plain stores two overlapping calls lose one,
 //   the count ends at -1 at rest, and the list is dead. scripts/check-model proves both.
 //
-// Add and Remove are lock-free, Iterate's own work is wait-free but for the allocator.
+// But for the allocator, Add and Remove are lock-free and Iterate's own work is wait-free.
 #pragma once
 
 #include "veltra/export.h"

@@ -5,7 +5,7 @@
 #include "veltra/platform/testing/environment.h"
 
 #include <cstdlib>
-#include <optional>
+#include <limits>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -62,59 +62,41 @@ TEST(Assertion, IsLoggedThenShown) {
     EXPECT_EQ(presenter.message, "ASSERT((null)) in caf\x8E failed.\n");
 }
 
-TEST(Assertion, CountersAndAnswers) {
-    struct Row {
-        std::optional<std::int32_t> counter;
-        AlertAnswer answer;
-        int result;
-        std::int32_t counterAfter;
-        int alerts;
-    };
+TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
+    using Answer = AlertAnswer;
     constexpr auto kLeast = std::numeric_limits<std::int32_t>::min();
-    const Row rows[] = {
-        {std::nullopt, AlertAnswer::Default, 0, 0, 1},
-        {std::nullopt, AlertAnswer::Alternate, 1, 0, 1},
-        {std::nullopt, AlertAnswer::TimedOut, 0, 0, 1},
-        {3, AlertAnswer::Default, 0, 2, 1},
-        {3, AlertAnswer::Alternate, 1, 2, 1},
-        {3, AlertAnswer::Other, 0, 0, 1},
-        {1, AlertAnswer::TimedOut, 0, 0, 1},
-        {-1, AlertAnswer::Default, 0, -1, 1},
-        {-1, AlertAnswer::Alternate, 1, -1, 1},
-        {-1, AlertAnswer::Other, 0, 0, 1},
-        {0, AlertAnswer::Alternate, 0, 0, 0},
-        {-2, AlertAnswer::Alternate, 0, -2, 0},
-        {kLeast, AlertAnswer::Other, 0, kLeast, 0},
-    };
-    for (const Row& row : rows) {
-        LogWorld world;
-        Presenter presenter(world);
-        presenter.answer = row.answer;
-        std::int32_t counter = row.counter.value_or(0);
-        EXPECT_EQ(dbgASSERT(0, "x", "f()", row.counter ? &counter : nullptr), row.result);
-        EXPECT_EQ(counter, row.counterAfter);
-        EXPECT_EQ(presenter.count, row.alerts);
-        EXPECT_EQ(world.records.size(), static_cast<std::size_t>(row.alerts));
-        if (row.counter && row.alerts > 0) {
-            EXPECT_EQ(presenter.buttons, "Resume|Debugger|Don't show again");
+    constexpr std::int32_t kNone = 7;  // stands for the call without a counter
+    for (const Answer answer :
+         {Answer::Default, Answer::Alternate, Answer::Other, Answer::TimedOut}) {
+        for (const std::int32_t before : {kNone, 3, 1, -1, 0, -2, kLeast}) {
+            LogWorld world;
+            Presenter presenter(world);
+            presenter.answer = answer;
+            std::int32_t counter = before;
+            std::int32_t* const given = before == kNone ? nullptr : &counter;
+            if (given == nullptr && answer == Answer::Other) {
+                EXPECT_EXIT(dbgASSERT(0, "x", "f()", given), ::testing::ExitedWithCode(1), "");
+                continue;
+            }
+            const bool isShown = before > 0 || before == -1;
+            const std::int32_t left = before > 0 ? before - 1 : before;
+            EXPECT_EQ(dbgASSERT(0, "x", "f()", given), isShown && answer == Answer::Alternate);
+            EXPECT_EQ(counter, given == nullptr                     ? before
+                               : isShown && answer == Answer::Other ? 0
+                                                                    : left);
+            EXPECT_EQ(presenter.count, isShown ? 1 : 0);
+            EXPECT_EQ(world.records.size(), isShown ? 1U : 0U);
+            const char* const third = given != nullptr ? "Don't show again" : "Stop";
+            EXPECT_EQ(presenter.buttons, isShown ? "Resume|Debugger|" + std::string(third) : "");
+            EXPECT_EQ(dbgAssertionFailed(), 1);
+            EXPECT_EQ(dbgAssertionFailed(), 0);
+            dbgASSERT(0, "x", "f()", given);
+            const std::int32_t after = counter;
+            EXPECT_EQ(dbgASSERT(-1, "x", "f()", given), 0);
+            EXPECT_EQ(counter, after);
+            EXPECT_EQ(dbgAssertionFailed(), 0) << "an assertion that holds clears the flag";
         }
-        EXPECT_EQ(dbgAssertionFailed(), 1);
-        EXPECT_EQ(dbgAssertionFailed(), 0);
-
-        counter = row.counter.value_or(0);
-        dbgASSERT(0, "x", "f()", row.counter ? &counter : nullptr);
-        const std::int32_t before = counter;
-        EXPECT_EQ(dbgASSERT(-1, "x", "f()", &counter), 0);
-        EXPECT_EQ(counter, before);
-        EXPECT_EQ(dbgAssertionFailed(), 0) << "an assertion that holds clears the flag";
     }
-}
-
-TEST(AssertionDeathTest, StopEndsTheProcessWithStatusOne) {
-    LogWorld world;
-    Presenter presenter(world);
-    presenter.answer = AlertAnswer::Other;
-    EXPECT_EXIT(dbgASSERT(0, "x", "f()", nullptr), ::testing::ExitedWithCode(1), "");
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 #include "veltra/infrastructure/nano_timer.h"
 
 #include "veltra/platform/clock.h"
+#include "veltra/platform/standard_error.h"
 
 #include <array>
 #include <charconv>
-#include <cstdio>
 #include <exception>
 #include <new>
 #include <string_view>
@@ -14,13 +14,17 @@ namespace veltra {
 
 namespace {
 
-void printClockError(const char* request, int error) noexcept {
+void printClockError(std::string_view request, int error) noexcept {
+    std::string text = ": \n";
     try {
-        const std::string text = std::generic_category().message(error);
-        std::fprintf(stderr, "%s : %d: %s\n", request, error, text.c_str());
-    } catch (const std::exception&) {
-        std::fprintf(stderr, "%s : %d: \n", request, error);
+        text.insert(2, std::generic_category().message(error));
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the number stays
     }
+    std::array<char, 16> number{};
+    const char* end = std::to_chars(number.data(), number.data() + number.size(), error).ptr;
+    const std::string_view digits(number.data(), static_cast<std::size_t>(end - number.data()));
+    StandardError& stream = StandardError::current();
+    stream.write(stream.inspect(), {request, digits, text});
 }
 
 // One digit after a point, whatever the locale.
@@ -45,7 +49,7 @@ bool QKNanoTimer::init() noexcept {
     myHost = 0;
     clk_realtime = 0;
     if (const int error = Clocks::current().monotonic().error; error != 0) {
-        printClockError("host_get_clock_service", error);
+        printClockError("host_get_clock_service : ", error);
         return false;
     }
     for (int round = 0; round < kCalibrationRounds; ++round) {
@@ -60,7 +64,7 @@ bool QKNanoTimer::init() noexcept {
 std::uint64_t QKNanoTimer::_getclock() const noexcept {
     const ClockReading now = Clocks::current().monotonic();
     if (now.error == 0) return now.nanoseconds;
-    printClockError("clock_get_time", now.error);
+    printClockError("clock_get_time : ", now.error);
     return 0;
 }
 

@@ -22,7 +22,7 @@ namespace veltra {
 // after a clock error makes one wild interval, never a crash.
 //
 // Thread: any, one at a time for each timer. Realtime-safe: as each function says, and only while
-// the clock can be read: an error is printed to standard error, with the C library's buffering.
+// the clock can be read: an error is printed to standard error, as a line is that the log writes.
 class VELTRA_EXPORT QKNanoTimer {
 public:
     // A calibrated timer, idle and with empty sums, owned by the caller. Null when memory is out,

@@ -15,7 +15,7 @@ namespace {
 std::string formatted(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    LocalTextBuffer<64> text;
+    LocalTextBuffer<8> text;
     appendObjectFormat(text, format, arguments);
     va_end(arguments);
     return std::string(text.view());
@@ -27,7 +27,7 @@ void agrees(const char* format, Arguments... arguments) {
     char expected[512];
     const int size = std::snprintf(expected, sizeof expected, format, arguments...);
     EXPECT_EQ(formatted(format, arguments...),
-              std::string(expected, static_cast<std::size_t>(size)))
+              std::string_view(expected, static_cast<std::size_t>(size)))
         << format;
 }
 
@@ -54,7 +54,6 @@ TEST(ObjectFormat, AgreesWithPrintf) {
     agrees("%3$*1$.*2$f %3$g", 9, 3, 2.5);
     agrees("%2$d %1$s %2$d %1$s", "text", 7);
     agrees("%d %s %f %c %u %ld %g %x %s", 1, "two", 3.0, '4', 5U, 6L, 7.0, 8U, "nine");
-    agrees("no conversion", 0);
 }
 
 TEST(ObjectFormat, ObjectsNullsAndCounts) {
