@@ -10,9 +10,9 @@
 
 namespace veltra::console {
 
-// Frames that are read and converted at a time: large enough that a call to the system costs
-// nothing, small enough that raw bytes and floats stay in the processor's nearest caches.
-inline constexpr std::size_t kChunkFrames = 4096;
+// Frames that are converted at a time: small enough that the floats stay in the processor's nearest
+// cache until they are measured.
+inline constexpr std::size_t kChunkFrames = 8192;
 
 class FrameReader {
 public:

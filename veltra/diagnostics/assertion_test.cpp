@@ -1,6 +1,6 @@
 #include "veltra/diagnostics/assertion.h"
 
-#include "veltra/diagnostics/log_fakes.h"
+#include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/alert.h"
 #include "veltra/platform/testing/environment.h"
 

@@ -1,7 +1,7 @@
 #include "veltra/diagnostics/log.h"
 
 #include "veltra/diagnostics/detail/log_text.h"
-#include "veltra/diagnostics/log_fakes.h"
+#include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/detail/string_object_text.h"
 #include "veltra/platform/testing/environment.h"
 
