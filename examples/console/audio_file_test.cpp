@@ -87,14 +87,5 @@ TEST(AudioFile, ATruncatedFileIsReadAsFarAsItGoesAndSaysSo) {
     EXPECT_THAT(vorbis->problem(), HasSubstr("end mark"));
 }
 
-TEST(AudioFile, AStreamedFileWithoutALengthIsWhole) {
-    SKIP_WITHOUT_RECORDINGS();
-    const std::string path = folder() + "streamed.wav";
-    ASSERT_EQ(shell("sox -V1 " + kSamples + "guit_em9.flac -t wav - 2>&1 | cat > " + path), 0);
-    auto file = mustOpen(path);
-    EXPECT_EQ(readAll(*file), readAll(kSamples + "guit_em9.flac"));
-    EXPECT_THAT(file->problem(), IsEmpty());
-}
-
 }  // namespace
 }  // namespace veltra::console

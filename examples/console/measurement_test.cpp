@@ -58,13 +58,5 @@ TEST(Measurement, WhatIsNotFiniteIsCountedAndSilenced) {
     EXPECT_NEAR(measure(samples.data(), samples.size(), 1.0F).rms() / 1e30, 1.0, 1e-6);
 }
 
-TEST(Measurement, FullScaleIsTheLargestValueOfNoMoreThan16Bits) {
-    EXPECT_EQ(fullScaleMagnitude(8), 127.0F / 128.0F);
-    for (const int bits : {16, 24, 32, 64})
-        EXPECT_EQ(fullScaleMagnitude(bits), 32767.0F / 32768);
-    EXPECT_EQ(Measurement{}.rms(), 0.0);
-    EXPECT_NEAR(decibels(0.5), -6.0206, 1e-4);
-}
-
 }  // namespace
 }  // namespace veltra::console

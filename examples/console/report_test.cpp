@@ -136,25 +136,6 @@ TEST(Report, BadFilesGetALineEachAndTheOthersStillRun) {
     }
 }
 
-TEST(Report, AReportThatCannotBeWrittenIsAnErrorAndALinkIsFollowed) {
-    SKIP_WITHOUT_RECORDINGS();
-    const std::string file = recording("guit_em9", "-b 16", "a.wav", "trim 0 0.1");
-    for (const char* report : {"/dev/full", "/nowhere/report"}) {
-        const Outcome run = console("--headless --report " + std::string(report) + " " + file);
-        EXPECT_EQ(run.status, 1);
-        EXPECT_THAT(run.log, ContainsRegex(std::string(report) + ": the report cannot be written"));
-    }
-    EXPECT_EQ(shell(VELTRA_CONSOLE " --headless " + file + " >/dev/full 2>/dev/null"), 1);
-
-    writeFile(folder() + "real", "old");
-    std::filesystem::create_symlink("real", folder() + "link");
-    EXPECT_EQ(console("--headless --report=" + folder() + "link " + file).status, 0);
-    EXPECT_TRUE(std::filesystem::is_symlink(folder() + "link"));
-    EXPECT_GT(number(contents(folder() + "real"), file, "rms"), 0.0);
-    EXPECT_EQ(console("--headless --report /dev/null " + file).status, 0);
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
-}
-
 TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
     for (const char* arguments :
          {"", "--nonsense x", "--report", "--device loud x", "--headless=1 x"}) {
@@ -171,14 +152,6 @@ TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
     ASSERT_TRUE(options.has_value()) << error;
     EXPECT_EQ(options->files, (std::vector<std::string>{"a", "--help", "-"}));
     EXPECT_EQ(options->device, Device::Null);
-}
-
-TEST(StatusLine, ShowsPlaceNamesAndPeaksInTheTerminalsWidth) {
-    const std::vector<StripMeter> meters{{1, "/music/kick\n.wav", 1.0F, 0},
-                                         {2, "pad.wav", 0.0F, 3}};
-    EXPECT_EQ(statusText({12, 3, 480}, meters, 80),
-              "12.3.00480  kick?.wav [##########]  pad.wav [          ] !3");
-    EXPECT_EQ(statusText({12, 3, 480}, meters, 5), "12.3.");
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 /* The first program again, in C11: cc main.c $(pkg-config --cflags --libs veltra) */
-#include <stdio.h>
-
 #include "veltra/diagnostics/log.h"
 #include "veltra/processor/byte_order.h"
 #include "veltra/processor/sample_conversion.h"
+
+#include <stdio.h>
 
 int main(void) {
     const unsigned char big_endian[] = {0x80, 0x00, 0x40, 0x00, 0x7F, 0xFF};

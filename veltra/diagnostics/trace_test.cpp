@@ -36,19 +36,5 @@ TEST(Trace, TheInnermostScopeDecidesHowManySpacesAreWrittenAndItsDepthStopsAtThe
     EXPECT_EQ(traceIndents().capacity(), 16U);
 }
 
-TEST(Trace, TheOtherEntryPointsEmitAndReadNothing) {
-    std::ostringstream stream;
-    int counter = 1;
-    bbAssert(false, "x", "f()", TAssertType::Default, &counter);
-    TraceOutIndentBegin(stream, "label", "name", 4);
-    TraceOutContainerBegin(stream, "label", 2, "name", 4);
-    TraceOutContainerEndl(stream);
-    TraceOutContainerEnd(stream);
-    TraceOutIndentEnd(stream);
-    QKOutputMemory("", PTRDIFF_MAX);
-    QKOutputMemory(nullptr, -1);
-    EXPECT_EQ(stream.str() + std::to_string(counter), "1");
-}
-
 }  // namespace
 }  // namespace veltra

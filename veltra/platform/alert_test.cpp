@@ -44,14 +44,5 @@ TEST_F(AlertTest, InstalledPresenterGetsTheQuestionAndAnswersThatWereNotOfferedC
     }
 }
 
-TEST_F(AlertTest, TimeOutsAreBoundedAndNoneMeansNothingIsShown) {
-    for (const double none : {0.0, -1.0, std::nan("")})
-        EXPECT_EQ(presentAlert({"", "", "a", "", "", none}), AlertAnswer::TimedOut);
-    EXPECT_FALSE(seen);
-    presentAlert({"", "", "", "", "", std::numeric_limits<double>::infinity()});
-    EXPECT_EQ(seen->timeoutSeconds, 86400.0);
-    EXPECT_EQ(seen->defaultButton, "OK");
-}
-
 }  // namespace
 }  // namespace veltra

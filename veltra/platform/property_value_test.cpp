@@ -41,24 +41,6 @@ TEST(PropertyValue, ConvertsBetweenNumbersAndTheirSpellings) {
     EXPECT_FALSE(PropertyValue("2").asBool());
 }
 
-TEST(PropertyValue, CopiesShareMovesLeaveNullAndKindsAreUnequal) {
-    PropertyValue text = "text";
-    const PropertyValue copy = text;
-    EXPECT_EQ(copy.asString().data(), text.asString().data());
-    EXPECT_EQ(PropertyValue(std::move(text)), copy);
-    EXPECT_TRUE(text.isNull());  // NOLINT(bugprone-*,clang-analyzer-*): what moving leaves
-
-    const PropertyValue values[] = {nullptr, false,       0, 0.0, "", PropertyValue::Data{},
-                                    Array{}, Dictionary{}};
-    for (std::size_t left = 0; left < std::size(values); ++left) {
-        EXPECT_EQ(static_cast<std::size_t>(values[left].kind()), left);
-        for (std::size_t right = 0; right < std::size(values); ++right)
-            EXPECT_EQ(values[left] == values[right], left == right);
-        EXPECT_TRUE(values[left].asString().empty() && values[left].asData().empty());
-        EXPECT_TRUE(values[left].asArray().empty() && values[left]["key"].isNull());
-    }
-}
-
 TEST(PropertyValue, PathsLeadToMembersAndSetThem) {
     const PropertyValue value = PropertyValue()
                                     .settingValueAtPath({"group", "key"}, 1)

@@ -65,23 +65,6 @@ TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecondAndSkipsMissed
     EXPECT_FALSE(quick->isValid() || single->isValid());
 }
 
-TEST_F(RunLoopTest, OddIntervalsAreTamed) {
-    constexpr double kInfinite = std::numeric_limits<double>::infinity();
-    for (const double seconds : {0.0, -kInfinite, std::numeric_limits<double>::quiet_NaN()}) {
-        const TimerPointer timer = every(seconds, a);
-        EXPECT_EQ(loop.nextDeadline(), start + kMillisecond / 10) << seconds;
-        timer->invalidate();
-    }
-    for (const double seconds : {kInfinite, 1e300, 1e10}) {
-        EXPECT_TRUE(every(seconds, a)->isValid());
-        EXPECT_EQ(loop.nextDeadline(), std::nullopt) << seconds;
-    }
-    const TimerPointer shortest = every(1e-300, a);
-    loop.clocks.now = start + 5;
-    EXPECT_EQ(loop.runDue(), 1);
-    EXPECT_EQ(loop.nextDeadline(), start + 6);
-}
-
 TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModesAndANestedLoopTheOneThatRunsIt) {
     const TimerPointer common = every(0.1, a), plain = every(0.1, b, RunLoopMode::Default);
     const TimerPointer held = every(0.25, c, RunLoopMode::ModalPanel | RunLoopMode::EventTracking);
@@ -152,18 +135,6 @@ TEST_F(RunLoopTest, ErrorsOfTheClockAndOfActionsLeaveTheLoopInOrder) {
     EXPECT_EQ(loop.runDue(), 1);
     EXPECT_EQ(loop.announced, after(200));
     EXPECT_EQ(page, "ab");
-}
-
-TEST_F(RunLoopTest, EachThreadHasItsOwnLoopWhileNoneIsSet) {
-    TimerPointer left;
-    std::thread([&] {
-        RunLoop* const own = RunLoop::current();
-        left = own->schedule({0.1, &a, action<&Pen::write>()});
-        EXPECT_TRUE(own != &loop && left->isValid());
-        RunLoop::setCurrent(std::make_unique<RunLoop>().get());
-        EXPECT_EQ(RunLoop::current(), own) << "a loop that is gone is still set";
-    }).join();
-    EXPECT_FALSE(left->isValid());
 }
 
 }  // namespace

@@ -66,21 +66,5 @@ TEST(StringObject, ACopyIsCutBetweenCharactersAndSaysWhatItNeeds) {
     VLStringRelease(string);
 }
 
-TEST(StringObject, NullAndEmptyAreEmptyAndReferencesAreCounted) {
-    EXPECT_EQ(VLStringLength(nullptr) + VLStringCopyUtf8(nullptr, nullptr, 0), 0U);
-    VLStringRelease(VLStringRetain(nullptr));
-
-    const VLString* empty = VLStringCreateWithUtf8(nullptr, 0);
-    EXPECT_EQ(VLStringRetain(empty), empty);
-    VLStringRelease(empty);
-    EXPECT_EQ(textOf(empty), "");
-    VLStringRelease(empty);
-
-    static const VLString constant = constantString(u"fixed");
-    VLStringRelease(&constant);
-    VLStringRelease(VLStringRetain(&constant));
-    EXPECT_EQ(textOf(&constant), "fixed");
-}
-
 }  // namespace
 }  // namespace veltra

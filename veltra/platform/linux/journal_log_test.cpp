@@ -182,25 +182,5 @@ TEST_F(JournalLogTest, ANumberThatTheHostTookOverIsLeftAloneAndNeverGetsARecord)
     }
 }
 
-TEST_F(JournalLogTest, SeveralThreadsShareOneSocket) {
-    const int before = ::dup(0);
-    ::close(before);
-    for (int round = 0; round < 300; ++round) {
-        JournalLog shared(path.c_str(), "");
-        std::atomic<int> waiting{2};
-        const auto send = [&] {
-            for (--waiting; waiting > 0;)
-                std::this_thread::yield();
-            shared.send(record("x"));
-        };
-        std::thread other(send);
-        send();
-        other.join();
-    }
-    const int after = ::dup(0);
-    EXPECT_EQ(after, before) << "a socket was left open";
-    ::close(after);
-}
-
 }  // namespace
 }  // namespace veltra

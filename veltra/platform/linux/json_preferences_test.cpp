@@ -157,21 +157,6 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
     EXPECT_NE(preferences.takeDamageReport()->keptAs, "");
 }
 
-TEST_F(JsonPreferencesTest, DamageThatAnotherProcessRepairsMeanwhileIsNoDamage) {
-    static fs::path s_file;
-    s_file = m_file;
-    FileCalls calls = kSystemFileCalls;
-    calls.read = [](int file, void* buffer, std::size_t size) {
-        const ssize_t count = ::read(file, buffer, size);
-        if (count == 1 && fs::remove(s_file)) std::ofstream(s_file) << R"({"key": 1})";
-        return count;
-    };
-    store("{");
-    JsonPreferences preferences(m_file.string(), calls);
-    EXPECT_EQ(preferences.value("key"), 1);
-    EXPECT_FALSE(preferences.takeDamageReport() || !fs::exists(m_file));
-}
-
 TEST_F(JsonPreferencesTest, WritesThroughLinksKeepsModesAndRefusesWhatIsNoFile) {
     const fs::path real = m_folder / "real.json";
     store("");

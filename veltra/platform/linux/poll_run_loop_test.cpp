@@ -31,28 +31,6 @@ bool isReadable(int descriptor, int milliseconds = 0) {
     return ::poll(&watched, 1, milliseconds) == 1;
 }
 
-TEST(PollRunLoop, RunsTimersAlsoWithoutFileDescriptors) {
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    for (const rlim_t limit : {before.rlim_cur, rlim_t{0}}) {
-        const rlimit some{limit, before.rlim_max};
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &some), 0);
-        PollRunLoop loop;
-        EXPECT_EQ(loop.descriptor() >= 0, limit > 0);
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
-        int ticks = 0;
-        Target target;
-        target.then = [&] {
-            if (++ticks == 3) loop.stop();
-        };
-        const std::uint64_t start = now();
-        const auto timer = target.start(loop, 0.002);
-        loop.run();
-        EXPECT_EQ(ticks, 3);
-        EXPECT_GE(now() - start, 6'000'000U);
-    }
-}
-
 TEST(PollRunLoop, StopComesFromAnyThreadIsNotLostBetweenRunsAndSignalsShortenNone) {
     PollRunLoop loop;
     for (int round = 0; round < 20; ++round) {

@@ -104,25 +104,6 @@ TEST(StandardError, EveryErrorAtEveryByteEndsTheLineOrIsOvercomeAndNothingIsRepe
                 }
 }
 
-TEST(StandardError, WithoutRoomOrEndlesslyInterruptedTheLineIsDroppedAndOnlyLittleIsGivenAtOnce) {
-    StandardErrorCalls calls = scripted(true, false);  // no terminal: not opened again
-    for (const int room : {0, -1}) {
-        kernel = {3, -EOPNOTSUPP, room};
-        DescriptorStandardError(calls).write({Kind::Other}, kPieces);
-        EXPECT_EQ(kernel.taken, kLine.substr(0, 3));
-    }
-    calls.writev = [](int, const iovec*, int) -> ssize_t { return errno = EINTR, -1; };
-    DescriptorStandardError(calls).write({Kind::RegularFile}, kPieces);
-    calls.writev = [](int, const iovec* pieces, int count) {
-        EXPECT_TRUE(count == 1 && pieces->iov_len <= PIPE_BUF);
-        return take(2, pieces, count);
-    };
-    const std::string large(10'000, 'x');
-    kernel = {0, -EOPNOTSUPP};
-    DescriptorStandardError(calls).write({Kind::Other}, {"", large, "\n"});
-    EXPECT_EQ(kernel.taken, large + "\n");
-}
-
 TEST(StandardError, AManagerReadsItWhenTheEnvironmentNamesItOrTheProcess) {
     const auto isManaged = [](const std::string& journal, const std::string& starter) {
         ::setenv("JOURNAL_STREAM", journal.c_str(), 1);
