@@ -38,18 +38,6 @@ TEST(AudioFile, EveryUncompressedVariantGivesTheSamplesOfTheRecording) {
     }
 }
 
-TEST(AudioFile, ChannelsStayApartForAnyNumberOfThem) {
-    SKIP_WITHOUT_RECORDINGS();
-    const Planar original = readAll(kSamples + "guit_em9.flac");
-    for (const char* format : {"-b 24", "-b 32", "-e float -b 32", "-e float -b 64"}) {
-        for (const char* file : {"mono.wav", "mono.aifc"}) {
-            EXPECT_EQ(readAll(recording("guit_em9", format, file, "remix 2")), Planar{original[1]});
-        }
-        const Planar five{original[1], original[0], original[0], original[1], original[0]};
-        EXPECT_EQ(readAll(recording("guit_em9", format, "five.wav", "remix 2 1 1 2 1")), five);
-    }
-}
-
 TEST(AudioFile, WhatCannotBeReadIsRefusedWithTheReason) {
     writeFile(folder() + "empty.wav", "");
     writeFile(folder() + "text.wav", "Dear diary, today I recorded nothing at all.\n");

@@ -36,11 +36,5 @@ TEST(Transport, ABarTakesTwoSecondsAtEveryRateAndHalfABeatIs7680Ticks) {
     EXPECT_EQ(toText(placeOf(12000 - 1, 48000)), "1.1.07679");
 }
 
-TEST(Transport, BeyondTheLastSampleOrTickTimeStandsStill) {
-    EXPECT_EQ(toText(placeOf(-5, 48000)), "1.1.00000");
-    EXPECT_EQ(toText(placeOf(INT64_MAX, 48000)), toText(placeOf(INT32_MAX, 48000)));
-    EXPECT_EQ(toText(placeOf(INT32_MAX, 1)), toText(placeOf(INT32_MAX - 1, 1)));
-}
-
 }  // namespace
 }  // namespace veltra::console

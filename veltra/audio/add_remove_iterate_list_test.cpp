@@ -22,30 +22,6 @@ constexpr std::size_t kSmallStack = 1U << 20U;  // room for the tools' own frame
 constexpr std::size_t kSmallStack = 1U << 16U;
 #endif
 
-TEST(AddRemoveIterateList, DestructionWaitsForThePassInProgress) {
-    struct Pass {
-        std::atomic<bool> begun{false}, destroying{false};
-        bool ended = false;  // not atomic: the destructor must order it
-    } pass;
-    auto list = std::make_unique<List>();
-    list->Add(&pass, [](void* context, std::uint32_t, void*) {
-        auto& running = *static_cast<Pass*>(context);
-        running.begun = true;
-        while (!running.destroying)
-            std::this_thread::yield();
-        for (int turn = 0; turn < 1000; ++turn)
-            std::this_thread::yield();
-        running.ended = true;
-    });
-    std::thread audio([iterated = list.get()] { iterated->Iterate(0, nullptr); });
-    while (!pass.begun)
-        std::this_thread::yield();
-    pass.destroying = true;
-    list.reset();
-    EXPECT_TRUE(pass.ended);
-    audio.join();
-}
-
 constexpr std::uint32_t kProducers = 8, kEntries = 100'000;  // of each producer
 constexpr std::uint32_t kLive = 16;                          // at most, of each producer
 

@@ -41,21 +41,6 @@ TEST(PropertyValue, ConvertsBetweenNumbersAndTheirSpellings) {
     EXPECT_FALSE(PropertyValue("2").asBool());
 }
 
-TEST(PropertyValue, PathsLeadToMembersAndSetThem) {
-    const PropertyValue value = PropertyValue()
-                                    .settingValueAtPath({"group", "key"}, 1)
-                                    .settingValueAtPath({"group", "other"}, 2)
-                                    .settingValueAtPath({"list"}, Array{3});
-    EXPECT_EQ(value,
-              (Dictionary{{"group", Dictionary{{"key", 1}, {"other", 2}}}, {"list", Array{3}}}));
-    EXPECT_EQ(value.valueAtPath({"group", "key"}), 1);
-    EXPECT_TRUE(value.valueAtPath({"group", "key", "deeper"}).isNull());
-    EXPECT_EQ(value.settingValueAtPath({"list", "key"}, 4)["list"]["key"], 4);
-    EXPECT_EQ(value.settingValueAtPath({"group", "key"}, nullptr)["group"],
-              (Dictionary{{"other", 2}}));
-    EXPECT_EQ(value.settingValueAtPath({"new", "key"}, nullptr), value);
-}
-
 TEST(PropertyValue, IsNeverDeeperThanItsLimit) {
     PropertyValue value;
     for (std::uint32_t depth = 1; depth <= PropertyValue::kMaximumDepth; ++depth) {

@@ -88,23 +88,6 @@ TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModesAndANestedLoopTheOneThatR
     EXPECT_EQ(loop.nextDeadline(), after(700));
 }
 
-TEST_F(RunLoopTest, FiredByHandATimerKeepsItsBeatAndActionsMayAddAndCancelOthersOfTheMoment) {
-    const TimerPointer repeating = every(0.1, a), single = once(0.1, b);
-    TimerPointer cancelled = every(0.1, c);
-    b.then = [](RunLoopTimer& timer) { EXPECT_FALSE(timer.isValid()); };
-    loop.clocks.now = after(30);
-    for (const TimerPointer& timer : {single, single, repeating})
-        timer->fire();
-    EXPECT_EQ(page, "ba");
-    EXPECT_EQ(loop.announced, after(100));
-    a.then = [&](RunLoopTimer&) {
-        if (cancelled) std::exchange(cancelled, nullptr)->invalidate();
-        once(0.0, b);
-    };
-    loop.advance(0.1);
-    EXPECT_EQ(page, "baab");
-}
-
 TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
     auto own = std::make_unique<testing::ManualRunLoop>();
     auto gone = std::make_unique<Pen>(page, 'x');

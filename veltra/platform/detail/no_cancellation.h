@@ -1,6 +1,6 @@
 // Keeps the calling thread from being cancelled while the guard lives. Writing and sending are
-// points at which that could happen; it unwinds the stack, and a noexcept function answers by ending
-// the process.
+// points at which that could happen; it unwinds the stack, and a noexcept function answers by
+// ending the process.
 #pragma once
 
 namespace veltra {

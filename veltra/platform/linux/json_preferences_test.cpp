@@ -157,28 +157,6 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
     EXPECT_NE(preferences.takeDamageReport()->keptAs, "");
 }
 
-TEST_F(JsonPreferencesTest, WritesThroughLinksKeepsModesAndRefusesWhatIsNoFile) {
-    const fs::path real = m_folder / "real.json";
-    store("");
-    fs::remove(m_file);
-    fs::create_symlink("../real.json", m_file);
-    for (const int mode : {0600, 0640}) {
-        if (fs::exists(real)) fs::permissions(real, fs::perms(mode));
-        m_preferences.setValue("mode", mode);
-        EXPECT_TRUE(!m_preferences.synchronise() && fs::is_symlink(m_file));
-        EXPECT_EQ(contents(real), jsonFromDictionary({{"mode", mode}}));
-        EXPECT_EQ(fs::status(real).permissions(), fs::perms(mode));
-    }
-    fs::remove(m_file);
-    fs::create_symlink("host.json", m_file);
-    EXPECT_EQ(m_preferences.reload(), std::errc::too_many_symbolic_link_levels);
-    fs::remove(m_file);
-    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
-    m_preferences.setValue("key", 3);
-    EXPECT_EQ(m_preferences.synchronise(), std::errc::invalid_argument);
-    EXPECT_EQ(m_preferences.value("key"), 3);
-}
-
 TEST_F(JsonPreferencesTest, BelongsToTheProgramInTheFolderOfTheUser) {
     const auto pathWith = [](const char* home, const char* configuration) {
         ::setenv("HOME", home, 1);                      // NOLINT(concurrency-mt-unsafe): one thread

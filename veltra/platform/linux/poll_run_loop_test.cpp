@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/time.h>
 
 namespace veltra {
@@ -67,15 +66,6 @@ TEST(PollRunLoop, TheDescriptorIsReadableExactlyWhileSomethingIsDue) {
     EXPECT_TRUE(isReadable(loop.descriptor(), 1000));
     near->invalidate();
     EXPECT_FALSE(isReadable(loop.descriptor()));
-}
-
-TEST(PollRunLoop, MayBeDeletedByAnActionThatItRuns) {
-    auto* loop = new PollRunLoop;
-    Target target;
-    target.then = [&] { delete loop; };
-    const auto timer = target.start(*loop, 0.0);
-    loop->run();
-    EXPECT_FALSE(timer->isValid());
 }
 
 }  // namespace
