@@ -162,7 +162,7 @@ TEST_F(JournalLogTest, ANumberThatTheHostTookOverIsLeftAloneAndNeverGetsARecord)
     local.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof local;
     auto* const name = reinterpret_cast<sockaddr*>(&local);
-    ::bind(internet, name, size);
+    ASSERT_EQ(::bind(internet, name, size), 0);
     ::getsockname(internet, name, &size);
     ASSERT_EQ(::connect(internet, name, size), 0);
     connections[4] = {internet, ::dup(internet)};

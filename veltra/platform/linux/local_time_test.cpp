@@ -52,10 +52,10 @@ TEST(LocalTime, ANewZoneShowsInTheNextQuarterAndImpossibleYearsAreNotTold) {
     EXPECT_TRUE(testing::holdsInChild([] {
         ::setenv("TZ", "UTC", 1);
         const LocalTime& local = LocalTime::current();
-        const auto early = local.civilTime({900 * 50, 0});
+        const auto early = local.civilTime({45'000, 0});
         ::setenv("TZ", "AAA-2", 1);
         return early == CivilTime{1970, 1, 1, 12, 30, 0} &&
-               local.civilTime({900 * 51, 0}) == CivilTime{1970, 1, 1, 14, 45, 0} &&
+               local.civilTime({45'900, 0}) == CivilTime{1970, 1, 1, 14, 45, 0} &&
                !local.civilTime({INT64_MAX, 0}) && !local.civilTime({INT64_MIN, 0});
     }));
 }

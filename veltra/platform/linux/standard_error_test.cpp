@@ -258,6 +258,7 @@ TEST(StandardError, ASignalHandlerMayWriteALine) {
     });
     made.write({Kind::RegularFile}, {"first", "", ""});
     std::signal(SIGUSR1, before);
+    stream = nullptr;
     EXPECT_EQ(order, "firstsecond");
 }
 
