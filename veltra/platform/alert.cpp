@@ -1,7 +1,8 @@
 #include "veltra/platform/alert.h"
 
+#include "veltra/platform/detail/replaceable.h"
+
 #include <algorithm>
-#include <atomic>
 
 namespace veltra {
 
@@ -9,7 +10,7 @@ namespace {
 
 constexpr double kLongestTimeoutSeconds = 24.0 * 60.0 * 60.0;
 
-std::atomic<AlertPresenter*> installedPresenter{nullptr};
+Replaceable<AlertPresenter, &AlertPresenter::platform> replaceableAlertPresenter;
 
 bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
     switch (answer) {
@@ -30,13 +31,11 @@ bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
 AlertPresenter::~AlertPresenter() = default;
 
 AlertPresenter& AlertPresenter::current() noexcept {
-    AlertPresenter* installed =
-        installedPresenter.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : platform();
+    return replaceableAlertPresenter.current();
 }
 
 AlertPresenter* AlertPresenter::install(AlertPresenter* presenter) noexcept {
-    return installedPresenter.exchange(presenter, std::memory_order_acq_rel);  // with current()
+    return replaceableAlertPresenter.install(presenter);
 }
 
 AlertAnswer presentAlert(const Alert& alert) noexcept {

@@ -1,14 +1,13 @@
 #include "veltra/platform/preferences.h"
 
 #include "veltra/platform/detail/platform_preferences.h"
-
-#include <atomic>
+#include "veltra/platform/detail/replaceable.h"
 
 namespace veltra {
 
 namespace {
 
-std::atomic<Preferences*> installedPreferences{nullptr};
+Replaceable<Preferences, &platformPreferences> replaceablePreferences;
 
 }  // namespace
 
@@ -19,13 +18,11 @@ std::optional<DamagedPreferences> Preferences::takeDamageReport() noexcept {
 }
 
 Preferences& Preferences::current() noexcept {
-    Preferences* installed =
-        installedPreferences.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : platformPreferences();
+    return replaceablePreferences.current();
 }
 
 Preferences* Preferences::install(Preferences* preferences) noexcept {
-    return installedPreferences.exchange(preferences, std::memory_order_acq_rel);  // with current()
+    return replaceablePreferences.install(preferences);
 }
 
 bool Preferences::setApplicationName(std::string_view name) noexcept {

@@ -1,8 +1,8 @@
 #include "veltra/platform/clock.h"
 
 #include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/replaceable.h"
 
-#include <atomic>
 #include <cerrno>
 
 #include <time.h>
@@ -33,19 +33,18 @@ const Clocks& platformClocks() noexcept {
     return *clocks;
 }
 
-std::atomic<const Clocks*> installedClocks{nullptr};
+Replaceable<const Clocks, &platformClocks> replaceableClocks;
 
 }  // namespace
 
 Clocks::~Clocks() = default;
 
 const Clocks& Clocks::current() noexcept {
-    const Clocks* installed = installedClocks.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : platformClocks();
+    return replaceableClocks.current();
 }
 
 const Clocks* Clocks::install(const Clocks* clocks) noexcept {
-    return installedClocks.exchange(clocks, std::memory_order_acq_rel);  // with current()
+    return replaceableClocks.install(clocks);
 }
 
 }  // namespace veltra

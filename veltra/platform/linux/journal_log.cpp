@@ -2,6 +2,7 @@
 
 #include "veltra/platform/clock.h"
 #include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/replaceable.h"
 #include "veltra/platform/linux/descriptor.h"
 #include "veltra/platform/linux/journal_datagram.h"
 #include "veltra/platform/linux/signal_hold.h"
@@ -178,19 +179,18 @@ SystemLog& platformLog() noexcept {
     return *log;
 }
 
-std::atomic<SystemLog*> installedLog{nullptr};
+Replaceable<SystemLog, &platformLog> replaceableSystemLog;
 
 }  // namespace
 
 SystemLog::~SystemLog() = default;
 
 SystemLog& SystemLog::current() noexcept {
-    SystemLog* installed = installedLog.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : platformLog();
+    return replaceableSystemLog.current();
 }
 
 SystemLog* SystemLog::install(SystemLog* log) noexcept {
-    return installedLog.exchange(log, std::memory_order_acq_rel);  // with current()
+    return replaceableSystemLog.install(log);
 }
 
 }  // namespace veltra

@@ -1,6 +1,7 @@
 #include "veltra/platform/local_time.h"
 
 #include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/replaceable.h"
 
 #include <atomic>
 #include <chrono>
@@ -91,20 +92,18 @@ const LocalTime& platformLocalTime() noexcept {
     return *localTime;
 }
 
-std::atomic<const LocalTime*> installedLocalTime{nullptr};
+Replaceable<const LocalTime, &platformLocalTime> replaceableLocalTime;
 
 }  // namespace
 
 LocalTime::~LocalTime() = default;
 
 const LocalTime& LocalTime::current() noexcept {
-    const LocalTime* installed =
-        installedLocalTime.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : platformLocalTime();
+    return replaceableLocalTime.current();
 }
 
 const LocalTime* LocalTime::install(const LocalTime* localTime) noexcept {
-    return installedLocalTime.exchange(localTime, std::memory_order_acq_rel);  // with current()
+    return replaceableLocalTime.install(localTime);
 }
 
 }  // namespace veltra

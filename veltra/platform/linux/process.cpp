@@ -1,6 +1,7 @@
 #include "veltra/platform/process.h"
 
 #include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/replaceable.h"
 
 #include <atomic>
 #include <cerrno>
@@ -84,19 +85,18 @@ const Process& platformProcess() noexcept {
     return *process;
 }
 
-std::atomic<const Process*> installedProcess{nullptr};
+Replaceable<const Process, &platformProcess> replaceableProcess;
 
 }  // namespace
 
 Process::~Process() = default;
 
 const Process& Process::current() noexcept {
-    const Process* installed = installedProcess.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : platformProcess();
+    return replaceableProcess.current();
 }
 
 const Process* Process::install(const Process* process) noexcept {
-    return installedProcess.exchange(process, std::memory_order_acq_rel);  // with current()
+    return replaceableProcess.install(process);
 }
 
 const char* environmentVariable(const char* name) noexcept {

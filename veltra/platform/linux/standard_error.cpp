@@ -2,6 +2,7 @@
 
 #include "veltra/platform/detail/adaptive_lock.h"
 #include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/replaceable.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
 #include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/process.h"
@@ -202,19 +203,18 @@ StandardError& ownStandardError() noexcept {
     return *stream;
 }
 
-std::atomic<StandardError*> installedStream{nullptr};
+Replaceable<StandardError, &ownStandardError> replaceableStandardError;
 
 }  // namespace
 
 StandardError::~StandardError() = default;
 
 StandardError& StandardError::current() noexcept {
-    StandardError* installed = installedStream.load(std::memory_order_acquire);  // with install()
-    return installed != nullptr ? *installed : ownStandardError();
+    return replaceableStandardError.current();
 }
 
 StandardError* StandardError::install(StandardError* stream) noexcept {
-    return installedStream.exchange(stream, std::memory_order_acq_rel);  // with current()
+    return replaceableStandardError.install(stream);
 }
 
 }  // namespace veltra
