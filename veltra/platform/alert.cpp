@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kLongestTimeoutSeconds = 24.0 * 60.0 * 60.0;
 
-Replaceable<AlertPresenter, &AlertPresenter::platform> replaceableAlertPresenter;
+constinit Replaceable<AlertPresenter, &AlertPresenter::platform> replaceableAlertPresenter;
 
 bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
     switch (answer) {

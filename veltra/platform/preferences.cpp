@@ -7,7 +7,7 @@ namespace veltra {
 
 namespace {
 
-Replaceable<Preferences, &platformPreferences> replaceablePreferences;
+constinit Replaceable<Preferences, &platformPreferences> replaceablePreferences;
 
 }  // namespace
 

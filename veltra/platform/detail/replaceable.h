@@ -15,7 +15,7 @@ public:
         return installed != nullptr ? *installed : platform();
     }
 
-    // Null goes back to the platform's own; so does the answer name it.
+    // Null stands for the platform's own, as argument and as answer.
     Interface* install(Interface* next) noexcept {
         return m_installed.exchange(next, std::memory_order_acq_rel);  // with current()
     }

@@ -33,7 +33,7 @@ const Clocks& platformClocks() noexcept {
     return *clocks;
 }
 
-Replaceable<const Clocks, &platformClocks> replaceableClocks;
+constinit Replaceable<const Clocks, &platformClocks> replaceableClocks;
 
 }  // namespace
 

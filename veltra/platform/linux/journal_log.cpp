@@ -179,7 +179,7 @@ SystemLog& platformLog() noexcept {
     return *log;
 }
 
-Replaceable<SystemLog, &platformLog> replaceableSystemLog;
+constinit Replaceable<SystemLog, &platformLog> replaceableSystemLog;
 
 }  // namespace
 

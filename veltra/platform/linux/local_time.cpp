@@ -92,7 +92,7 @@ const LocalTime& platformLocalTime() noexcept {
     return *localTime;
 }
 
-Replaceable<const LocalTime, &platformLocalTime> replaceableLocalTime;
+constinit Replaceable<const LocalTime, &platformLocalTime> replaceableLocalTime;
 
 }  // namespace
 

@@ -85,7 +85,7 @@ const Process& platformProcess() noexcept {
     return *process;
 }
 
-Replaceable<const Process, &platformProcess> replaceableProcess;
+constinit Replaceable<const Process, &platformProcess> replaceableProcess;
 
 }  // namespace
 

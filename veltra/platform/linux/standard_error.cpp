@@ -203,7 +203,7 @@ StandardError& ownStandardError() noexcept {
     return *stream;
 }
 
-Replaceable<StandardError, &ownStandardError> replaceableStandardError;
+constinit Replaceable<StandardError, &ownStandardError> replaceableStandardError;
 
 }  // namespace
 
