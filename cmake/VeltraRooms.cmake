@@ -33,12 +33,14 @@ function(veltra_room name)
     endif()
 endfunction()
 
-# One test program, its cases known to ctest one by one.
+# One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
+# host and links only the LIBRARIES that it names.
 function(veltra_test target)
-    cmake_parse_arguments(TEST "" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(TEST "HOST" "" "SOURCES;LIBRARIES" ${ARGN})
+    set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE
-        veltra_flags veltra_inside ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
+        veltra_flags ${inside} ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
     include(GoogleTest)
     gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
 endfunction()

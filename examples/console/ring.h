@@ -28,8 +28,6 @@ public:
     Ring(std::size_t channels, std::size_t frames)
         : m_capacity(std::bit_ceil(frames)), m_samples(channels * m_capacity) {}
 
-    std::size_t capacity() const noexcept { return m_capacity; }
-
     // Writer only. How many frames may be written in one piece; they begin at writePlace().
     std::size_t writable() const noexcept {
         const std::uint64_t written = m_written.load(std::memory_order_relaxed);  // own count
