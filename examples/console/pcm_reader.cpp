@@ -24,7 +24,7 @@ public:
           m_frameBytes(m_channels * m_layout.bytes),
           m_places(m_channels),
           m_raw(kRawFrames * m_frameBytes) {
-        if (!isPlanarAtOnce()) m_interleaved.resize(kChunkFrames * m_channels);
+        if (!isPlanarAtOnce()) m_interleaved.resize(kRawFrames * m_channels);
     }
 
     std::size_t read(float* const* channels, std::size_t frames) override {
