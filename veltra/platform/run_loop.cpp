@@ -68,9 +68,24 @@ std::optional<std::uint64_t> RunLoop::nextDeadline() const noexcept {
     return first->first.first;
 }
 
+// A loop that dies meanwhile is left alone.
+class RunLoop::DepthScope {
+public:
+    explicit DepthScope(RunLoop& loop) noexcept : m_loop(&loop) { ++loop.m_depth; }
+    DepthScope(const DepthScope&) = delete;
+    DepthScope& operator=(const DepthScope&) = delete;
+    ~DepthScope() {
+        if (m_loop) --m_loop->m_depth;
+    }
+
+private:
+    const WeakPointer<RunLoop> m_loop;
+};
+
 int RunLoop::runDue() {
     m_isAnnounced = false;
     const WeakPointer<RunLoop> self(this);
+    const DepthScope depth(*this);
     const ClockReading now = Clocks::current().monotonic();
     int count = 0;
     // Whatever fires is due after `now` from then on, so each timer comes at most once.

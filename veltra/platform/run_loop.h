@@ -54,6 +54,9 @@ public:
 
     RunLoopMode mode() const noexcept { return m_mode; }
 
+    // How many calls of runDue() are on the stack: 0 outside of any timer's action.
+    int depth() const noexcept { return m_depth; }
+
     // Sets a loop's mode for as long as the scope lives; scopes end in the opposite order of their
     // beginning. A loop that dies first is left alone.
     class VELTRA_EXPORT ModeScope {
@@ -81,6 +84,8 @@ protected:
 private:
     friend class RunLoopTimer;
 
+    class DepthScope;
+
     using Place = std::pair<std::uint64_t, std::uint64_t>;  // due time, serial number
     using Timers = std::map<Place, std::shared_ptr<RunLoopTimer>>;
 
@@ -96,6 +101,7 @@ private:
     Timers m_timers;
     std::uint64_t m_lastSerial = 0;
     RunLoopMode m_mode = RunLoopMode::Default;
+    int m_depth = 0;
     std::optional<std::uint64_t> m_announcedDeadline;
     bool m_isAnnounced = true;
 };
