@@ -19,11 +19,6 @@ constexpr double kTickSeconds = 0.1;
 // caches and for the limit on open files.
 constexpr std::size_t kHeadlessStrips = 4;
 
-void renderBlock(void* engine, float* const* outputs, std::uint32_t outputCount,
-                 std::uint32_t frames) noexcept {
-    static_cast<Engine*>(engine)->processBlock(outputs, outputCount, frames);
-}
-
 }  // namespace
 
 Session::Session(Options options) : m_options(std::move(options)) {
@@ -46,7 +41,7 @@ int Session::run() {
     m_status.clear();
     if (!m_options.report.empty()) {
         const std::string problem = writeReport(makeReport(m_entries), m_options.report);
-        if (!problem.empty()) complain(m_options.report, problem);
+        if (!problem.empty()) complain(m_options.report + ": " + problem);
     }
     return m_hasProblems ? 1 : 0;
 }
@@ -65,9 +60,13 @@ void Session::runHeadless() {
 }
 
 void Session::runLive() {
-    std::unique_ptr<AudioOutput> output = openOutput(m_first->format().rate);
-    m_engine = std::make_unique<Engine>(Engine::Feeding::ByThread, output->rate());
-    startOutput(std::move(output));
+    std::string notice;
+    m_output = std::make_unique<LiveOutput>(m_options.device, m_first->format().rate, notice);
+    if (!notice.empty()) {
+        QKLogCString(kNotice, QKLogWithSyslogBanner(), kLogTag, "%s", notice.c_str());
+    }
+    m_engine = std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate());
+    if (const std::string problem = m_output->start(*m_engine); !problem.empty()) complain(problem);
 
     PollRunLoop loop;
     RunLoop::setCurrent(&loop);
@@ -83,16 +82,13 @@ void Session::runLive() {
 
 void Session::tick() {
     collect();
-    if (!m_output->isRunning()) {
-        complain(m_output->name(), "the audio device has stopped; playing to no device");
-        startOutput(openNullOutput(m_output->rate()));
-    }
+    if (const std::string problem = m_output->keepRunning(); !problem.empty()) complain(problem);
     if (m_status.isShown()) m_status.show(m_engine->musicalPosition(), m_engine->meters());
 }
 
 void Session::collect() {
     for (StripResult& result : m_engine->collect()) {
-        if (!result.problem.empty()) complain(result.path, result.problem);
+        if (!result.problem.empty()) complain(result.path + ": " + result.problem);
         m_entries[m_entryOfStrip[result.id]].result = std::move(result);
     }
 }
@@ -112,33 +108,15 @@ std::unique_ptr<AudioFile> Session::openNextFile() {
     while (m_opened < m_entries.size()) {
         ReportEntry& entry = m_entries[m_opened++];
         if (auto file = AudioFile::open(entry.path, entry.error)) return file;
-        complain(entry.path, entry.error);
+        complain(entry.path + ": " + entry.error);
     }
     return nullptr;
 }
 
-std::unique_ptr<AudioOutput> Session::openOutput(std::int32_t rate) {
-    if (m_options.device == Device::Auto) {
-        std::string problem;
-        if (auto device = openDeviceOutput(rate, problem)) return device;
-        QKLogCString(kNotice, QKLogWithSyslogBanner(), kLogTag, "%s", problem.c_str());
-    }
-    return openNullOutput(rate);
-}
-
-void Session::startOutput(std::unique_ptr<AudioOutput> output) {
-    m_output = std::move(output);  // the one before, if any, stops first
-    if (m_output->start(&renderBlock, m_engine.get())) return;
-    complain(m_output->name(), "the audio device does not start; playing to no device");
-    m_output = openNullOutput(m_output->rate());
-    m_output->start(&renderBlock, m_engine.get());
-}
-
-void Session::complain(const std::string& about, const std::string& problem) {
+void Session::complain(const std::string& problem) {
     m_status.clear();
     m_hasProblems = true;
-    QKLogCString(kError, QKLogWithSyslogBanner(), kLogTag, "%s: %s", printable(about).c_str(),
-                 problem.c_str());
+    QKLogCString(kError, QKLogWithSyslogBanner(), kLogTag, "%s", printable(problem).c_str());
 }
 
 }  // namespace veltra::console

@@ -2,8 +2,8 @@
 // informed, and ends with the report.
 #pragma once
 
-#include "audio_output.h"
 #include "engine.h"
+#include "live_output.h"
 #include "options.h"
 #include "report.h"
 #include "status_line.h"
@@ -30,9 +30,7 @@ private:
     void collect();
     bool addNextFile();
     std::unique_ptr<AudioFile> openNextFile();
-    std::unique_ptr<AudioOutput> openOutput(std::int32_t rate);
-    void startOutput(std::unique_ptr<AudioOutput> output);
-    void complain(const std::string& about, const std::string& problem);
+    void complain(const std::string& problem);
 
     const Options m_options;
     std::vector<ReportEntry> m_entries;       // one for each file, in the order of the command line
@@ -40,7 +38,7 @@ private:
     std::unique_ptr<AudioFile> m_first;       // opened early, for its sample rate
     std::vector<std::size_t> m_entryOfStrip;  // by StripId
     std::unique_ptr<Engine> m_engine;
-    std::unique_ptr<AudioOutput> m_output;  // after the engine: stops before the engine goes
+    std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
     StatusLine m_status;
     bool m_hasProblems = false;
 };
