@@ -24,8 +24,8 @@ bool hasVpclmulAvx2(const ProcessorFeatures& features) noexcept {
 #endif
 #ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
 bool hasVpclmulAvx512(const ProcessorFeatures& features) noexcept {
-    return features.vpclmulqdq && features.pclmulqdq && features.avx512f && features.avx512bw &&
-           features.avx512vl;
+    return features.vpclmulqdq && features.pclmulqdq && features.gfni && features.avx512f &&
+           features.avx512bw && features.avx512vl;
 }
 #endif
 
@@ -71,13 +71,13 @@ uint32_t QKCRC16(const char* text) noexcept {
     const std::size_t length =
         end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : kLongest;
     return detail::crc16Kernels.current()(kInitial, reinterpret_cast<const unsigned char*>(text),
-                                           length);
+                                          length);
 }
 
 uint32_t QKCRC32(uint32_t previous, const void* buffer, size_t length) noexcept {
     if (buffer == nullptr) return 0;
     return detail::crc32Kernels.current()(previous, static_cast<const unsigned char*>(buffer),
-                                           length);
+                                          length);
 }
 
 }  // namespace veltra

@@ -34,14 +34,16 @@ consteval Multipliers moveBy(int bytes) {
 }
 
 // The multipliers of the words of a block of up to 64 bytes that begins n bytes before the end of
-// the message (0 to 128). A block may reach beyond the end, when zeros stand there: powers of x
-// are also divided by.
+// the message (0 to kFarthest). A block may reach beyond the end, when zeros stand there: powers of
+// x are also divided by.
 //
 // 32 bits each; what they multiply to has 96 bits, the remainder's in the last 32. Mirrored, the
 // product is one bit short of that, which the exponent makes up for.
 template <class Crc>
 struct EndTable {
-    static constexpr int kLength = 24;
+    static constexpr int kFarthest = 511;
+    static constexpr int kWords = kFarthest / 8 + 1;
+    static constexpr int kLength = kWords + 8;
     std::uint32_t row[8][kLength];  // n modulo 8, then backwards by whole words
 
     consteval EndTable() : row{} {
@@ -49,7 +51,8 @@ struct EndTable {
         for (int odd = 0; odd < 8; ++odd) {
             std::uint32_t power = powerOfX<Crc>(8 * odd + 64 * -8 + Crc::kDegree - kShift);
             for (int index = kLength - 1; index >= 0; --index) {
-                row[odd][index] = kMirrored<Crc> ? mirrored(power) : power << (32 - Crc::kDegree);
+                const std::uint32_t scaled = power << (32 - Crc::kDegree);
+                row[odd][index] = kMirrored<Crc> ? mirrored(scaled) : scaled;
                 for (int bit = 0; bit < 64; ++bit) {
                     power = timesX<Crc>(power);
                 }
@@ -58,7 +61,7 @@ struct EndTable {
     }
 
     constexpr const std::uint32_t* from(std::size_t n) const noexcept {
-        return row[n % 8] + (16 - n / 8);
+        return row[n % 8] + (kWords - n / 8);
     }
 };
 

@@ -20,6 +20,11 @@ struct Crc16 {
     static constexpr BitOrder kOrder = BitOrder::MostSignificantFirst;
 };
 
+// The same CRC for kernels that reverse the bits of each byte as they load it.
+struct MirroredCrc16 : Crc16 {
+    static constexpr BitOrder kOrder = BitOrder::LeastSignificantFirst;
+};
+
 struct Crc32 {
     using Register = std::uint32_t;
     static constexpr int kDegree = 32;

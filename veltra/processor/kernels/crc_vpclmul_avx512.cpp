@@ -1,29 +1,45 @@
-// CRCs 64 bytes a register. The end of a message needs no loop: a masked load fills it up with
-// zeros, and multipliers picked by its length take them off again.
+// CRCs 64 bytes a register. The end of a message needs no loop that waits for itself: every block
+// goes straight to the end, with multipliers picked by its distance, and a masked load fills up the
+// last one with zeros.
+//
+// Multiplications and shuffles share one port of many processors. The 16-bit CRC, whose bits come
+// the other way round, is therefore computed mirrored: reversing the bits of each byte keeps
+// another port busy than reversing the bytes of each block would.
 #include "veltra/processor/detail/checksum_kernels.h"
 #include "veltra/processor/kernels/crc_fold.h"
+
+#include <type_traits>
 
 namespace veltra::kernels {
 
 namespace {
 
 template <class Crc>
-__m512i inOrder(__m512i bytes) noexcept {
-    if constexpr (detail::kMirrored<Crc>) return bytes;
-    const __m512i reverse =
-        _mm512_broadcast_i32x4(_mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
-    return _mm512_shuffle_epi8(bytes, reverse);
+inline constexpr bool kReversesBits = std::is_same_v<Crc, detail::MirroredCrc16>;
+
+constexpr long long kReverseBits = static_cast<long long>(0x8040201008040201);
+
+template <class Crc>
+__m128i inBitOrder(__m128i bytes) noexcept {
+    if constexpr (!kReversesBits<Crc>) return bytes;
+    return _mm_gf2p8affine_epi64_epi8(bytes, _mm_set1_epi64x(kReverseBits), 0);
+}
+
+template <class Crc>
+__m512i inBitOrder(__m512i bytes) noexcept {
+    if constexpr (!kReversesBits<Crc>) return bytes;
+    return _mm512_gf2p8affine_epi64_epi8(bytes, _mm512_set1_epi64(kReverseBits), 0);
 }
 
 template <class Crc>
 __m512i load(const unsigned char* bytes) noexcept {
-    return inOrder<Crc>(_mm512_loadu_si512(bytes));
+    return inBitOrder<Crc>(_mm512_loadu_si512(bytes));
 }
 
 // One to 64 bytes, filled up with zeros.
 template <class Crc>
 __m512i loadSome(const unsigned char* bytes, std::size_t count) noexcept {
-    return inOrder<Crc>(_mm512_maskz_loadu_epi8(~std::uint64_t{0} >> (64 - count), bytes));
+    return inBitOrder<Crc>(_mm512_maskz_loadu_epi8(~std::uint64_t{0} >> (64 - count), bytes));
 }
 
 __m512i add(__m512i a, __m512i b, __m512i c) noexcept {
@@ -55,31 +71,33 @@ std::uint32_t remainderOf(__m512i sum) noexcept {
         _mm_xor_si128(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1)));
 }
 
+// `before` is added to the first bytes.
 template <class Crc>
-std::uint32_t update(std::uint32_t state, const unsigned char* bytes, std::size_t length) noexcept {
-    const __m128i before = asBytes<Crc>(state);
+std::uint32_t update(__m128i before, const unsigned char* bytes, std::size_t length) noexcept {
     if (length <= 16) {
         const __m128i block =
             _mm_maskz_loadu_epi8(static_cast<__mmask16>((1U << length) - 1), bytes);
         return remainder<Crc>(
-            multiplyToEnd<Crc>(kernels::inOrder<Crc>(_mm_xor_si128(block, before)), length));
+            multiplyToEnd<Crc>(inBitOrder<Crc>(_mm_xor_si128(block, before)), length));
     }
-    const __m512i state512 = inOrder<Crc>(_mm512_zextsi128_si512(before));
+    __m512i sum = _mm512_setzero_si512();
+    const __m512i before512 = inBitOrder<Crc>(_mm512_zextsi128_si512(before));
     if (length <= 64) {
-        const __m512i block = _mm512_xor_si512(loadSome<Crc>(bytes, length), state512);
-        return remainderOf<Crc>(foldToEnd<Crc>(block, length, _mm512_setzero_si512()));
+        const __m512i block = _mm512_xor_si512(loadSome<Crc>(bytes, length), before512);
+        return remainderOf<Crc>(foldToEnd<Crc>(block, length, sum));
     }
 
-    __m512i last = _mm512_xor_si512(load<Crc>(bytes), state512);
-    bytes += 64;
-    length -= 64;
-    if (length >= 192) {
-        __m512i a = last;
-        __m512i b = load<Crc>(bytes);
-        __m512i c = load<Crc>(bytes + 64);
-        __m512i d = load<Crc>(bytes + 128);
-        bytes += 192;
-        length -= 192;
+    __m512i a = _mm512_xor_si512(load<Crc>(bytes), before512);
+    if (length < 256) {
+        sum = foldToEnd<Crc>(a, length, sum);
+        bytes += 64;
+        length -= 64;
+    } else {
+        __m512i b = load<Crc>(bytes + 64);
+        __m512i c = load<Crc>(bytes + 128);
+        __m512i d = load<Crc>(bytes + 192);
+        bytes += 256;
+        length -= 256;
         if (length >= 256 + 512) {
             __m512i e = load<Crc>(bytes);
             __m512i f = load<Crc>(bytes + 64);
@@ -108,26 +126,32 @@ std::uint32_t update(std::uint32_t state, const unsigned char* bytes, std::size_
             c = fold<Crc, 256>(c, load<Crc>(bytes + 128));
             d = fold<Crc, 256>(d, load<Crc>(bytes + 192));
         }
-        last = fold<Crc, 128>(fold<Crc, 64>(a, b), fold<Crc, 64>(c, d));
+        sum = foldToEnd<Crc>(a, length + 256, sum);
+        sum = foldToEnd<Crc>(b, length + 192, sum);
+        sum = foldToEnd<Crc>(c, length + 128, sum);
+        sum = foldToEnd<Crc>(d, length + 64, sum);
     }
     for (; length >= 64; bytes += 64, length -= 64) {
-        last = fold<Crc, 64>(last, load<Crc>(bytes));
+        sum = foldToEnd<Crc>(load<Crc>(bytes), length, sum);
     }
-    __m512i sum = _mm512_setzero_si512();
     if (length > 0) sum = foldToEnd<Crc>(loadSome<Crc>(bytes, length), length, sum);
-    return remainderOf<Crc>(foldToEnd<Crc>(last, 64 + length, sum));
+    return remainderOf<Crc>(sum);
 }
 
 }  // namespace
 
 std::uint32_t crc16VpclmulAvx512(std::uint32_t previous, const unsigned char* bytes,
                                  std::size_t length) noexcept {
-    return update<detail::Crc16>(previous, bytes, length);
+    const __m128i state = _mm_cvtsi32_si128(static_cast<int>(
+        update<detail::MirroredCrc16>(asBytes<detail::Crc16>(previous), bytes, length)));
+    const auto reversed =
+        static_cast<std::uint32_t>(_mm_cvtsi128_si32(inBitOrder<detail::MirroredCrc16>(state)));
+    return (reversed & 0xFFU) << 8 | (reversed >> 8 & 0xFFU);
 }
 
 std::uint32_t crc32VpclmulAvx512(std::uint32_t previous, const unsigned char* bytes,
                                  std::size_t length) noexcept {
-    return ~update<detail::Crc32>(~previous, bytes, length);
+    return ~update<detail::Crc32>(asBytes<detail::Crc32>(~previous), bytes, length);
 }
 
 }  // namespace veltra::kernels
