@@ -41,7 +41,7 @@ consteval Multipliers moveBy(int bytes) {
 // product is one bit short of that, which the exponent makes up for.
 template <class Crc>
 struct EndTable {
-    static constexpr int kFarthest = 511;
+    static constexpr int kFarthest = 319;
     static constexpr int kWords = kFarthest / 8 + 1;
     static constexpr int kLength = kWords + 8;
     std::uint32_t row[8][kLength];  // n modulo 8, then backwards by whole words

@@ -126,10 +126,8 @@ std::uint32_t update(__m128i before, const unsigned char* bytes, std::size_t len
             c = fold<Crc, 256>(c, load<Crc>(bytes + 128));
             d = fold<Crc, 256>(d, load<Crc>(bytes + 192));
         }
-        sum = foldToEnd<Crc>(a, length + 256, sum);
-        sum = foldToEnd<Crc>(b, length + 192, sum);
-        sum = foldToEnd<Crc>(c, length + 128, sum);
-        sum = foldToEnd<Crc>(d, length + 64, sum);
+        a = fold<Crc, 64>(c, fold<Crc, 128>(b, fold<Crc, 192>(a, d)));
+        sum = foldToEnd<Crc>(a, length + 64, sum);
     }
     for (; length >= 64; bytes += 64, length -= 64) {
         sum = foldToEnd<Crc>(load<Crc>(bytes), length, sum);
