@@ -10,7 +10,7 @@ namespace detail {
 
 namespace {
 
-using Variant = KernelVariant<CrcKernel>;
+using Variant = KernelVariant<kernels::CrcKernel>;
 
 #ifdef VELTRA_KERNEL_CRC_PCLMUL
 bool hasPclmul(const ProcessorFeatures& features) noexcept {
@@ -57,8 +57,8 @@ constexpr Variant kCrc32Variants[] = {
 
 }  // namespace
 
-constinit KernelChoice<CrcKernel> crc16Kernels{"crc16", kCrc16Variants};
-constinit KernelChoice<CrcKernel> crc32Kernels{"crc32", kCrc32Variants};
+constinit KernelChoice<kernels::CrcKernel> crc16Kernels{"crc16", kCrc16Variants};
+constinit KernelChoice<kernels::CrcKernel> crc32Kernels{"crc32", kCrc32Variants};
 
 }  // namespace detail
 

@@ -33,7 +33,7 @@ std::uint32_t crc32BitByBit(std::uint32_t value, const unsigned char* bytes, std
 }
 
 struct Family {
-    detail::KernelChoice<detail::CrcKernel>& kernels;
+    detail::KernelChoice<kernels::CrcKernel>& kernels;
     std::uint32_t (*bitByBit)(std::uint32_t value, const unsigned char* bytes, std::size_t length);
     std::uint32_t mask;
 };

@@ -1,43 +1,12 @@
-// The checksum kernels and the choice among them.
+// The choice among the checksum kernels.
 #pragma once
 
 #include "veltra/processor/detail/kernel_choice.h"
-
-#include <cstddef>
-#include <cstdint>
+#include "veltra/processor/kernels/crc_kernels.h"
 
 namespace veltra::detail {
 
-// The CRC of what went before, continued over `length` bytes at `bytes`. Of no bytes it is
-// `previous` itself, and then `bytes` is not read.
-using CrcKernel = std::uint32_t (*)(std::uint32_t previous, const unsigned char* bytes,
-                                    std::size_t length) noexcept;
-
-extern KernelChoice<CrcKernel> crc16Kernels;
-extern KernelChoice<CrcKernel> crc32Kernels;
+extern KernelChoice<kernels::CrcKernel> crc16Kernels;
+extern KernelChoice<kernels::CrcKernel> crc32Kernels;
 
 }  // namespace veltra::detail
-
-namespace veltra::kernels {
-
-// plain: slicing tables, sixteen bytes a step, any processor.
-std::uint32_t crc16Plain(std::uint32_t previous, const unsigned char* bytes,
-                         std::size_t length) noexcept;
-std::uint32_t crc32Plain(std::uint32_t previous, const unsigned char* bytes,
-                         std::size_t length) noexcept;
-
-// Carry-less multiplication of 128, 256 and 512 bits.
-std::uint32_t crc16Pclmul(std::uint32_t previous, const unsigned char* bytes,
-                          std::size_t length) noexcept;
-std::uint32_t crc32Pclmul(std::uint32_t previous, const unsigned char* bytes,
-                          std::size_t length) noexcept;
-std::uint32_t crc16VpclmulAvx2(std::uint32_t previous, const unsigned char* bytes,
-                               std::size_t length) noexcept;
-std::uint32_t crc32VpclmulAvx2(std::uint32_t previous, const unsigned char* bytes,
-                               std::size_t length) noexcept;
-std::uint32_t crc16VpclmulAvx512(std::uint32_t previous, const unsigned char* bytes,
-                                 std::size_t length) noexcept;
-std::uint32_t crc32VpclmulAvx512(std::uint32_t previous, const unsigned char* bytes,
-                                 std::size_t length) noexcept;
-
-}  // namespace veltra::kernels

@@ -9,7 +9,6 @@
 
 #include "veltra/processor/detail/crc_polynomial.h"
 
-#include <cstddef>
 #include <cstdint>
 
 namespace veltra::detail {
@@ -25,7 +24,7 @@ struct alignas(16) Multipliers {
 // Mirrored, the product of two words a and c stands for a * c * x^33 when c is in the lower half of
 // its word, which the exponent makes up for.
 template <class Crc>
-consteval Multipliers moveBy(int bytes) {
+static constexpr Multipliers moveBy(int bytes) {
     constexpr int kShift = kMirrored<Crc> ? 33 : 0;
     const std::uint32_t first = powerOfX<Crc>(8 * bytes + 64 - kShift);
     const std::uint32_t second = powerOfX<Crc>(8 * bytes - kShift);
@@ -39,61 +38,61 @@ consteval Multipliers moveBy(int bytes) {
 //
 // 32 bits each; what they multiply to has 96 bits, the remainder's in the last 32. Mirrored, the
 // product is one bit short of that, which the exponent makes up for.
-template <class Crc>
 struct EndTable {
     static constexpr int kFarthest = 319;
     static constexpr int kWords = kFarthest / 8 + 1;
     static constexpr int kLength = kWords + 8;
     std::uint32_t row[8][kLength];  // n modulo 8, then backwards by whole words
+};
 
-    consteval EndTable() : row{} {
-        constexpr int kShift = kMirrored<Crc> ? 1 : 0;
-        for (int odd = 0; odd < 8; ++odd) {
-            std::uint32_t power = powerOfX<Crc>(8 * odd + 64 * -8 + Crc::kDegree - kShift);
-            for (int index = kLength - 1; index >= 0; --index) {
-                const std::uint32_t scaled = power << (32 - Crc::kDegree);
-                row[odd][index] = kMirrored<Crc> ? mirrored(scaled) : scaled;
-                for (int bit = 0; bit < 64; ++bit) {
-                    power = timesX<Crc>(power);
-                }
+template <class Crc>
+static constexpr EndTable makeEndTable() {
+    constexpr int kShift = kMirrored<Crc> ? 1 : 0;
+    EndTable table{};
+    for (int odd = 0; odd < 8; ++odd) {
+        std::uint32_t power = powerOfX<Crc>(8 * odd + 64 * -8 + Crc::kDegree - kShift);
+        for (int index = EndTable::kLength - 1; index >= 0; --index) {
+            const std::uint32_t scaled = power << (32 - Crc::kDegree);
+            table.row[odd][index] = kMirrored<Crc> ? mirrored(scaled) : scaled;
+            for (int bit = 0; bit < 64; ++bit) {
+                power = timesX<Crc>(power);
             }
         }
     }
-
-    constexpr const std::uint32_t* from(std::size_t n) const noexcept {
-        return row[n % 8] + (kWords - n / 8);
-    }
-};
+    return table;
+}
 
 // Exact division of 96 bits by P * x^(32 - degree).
-template <class Crc>
 struct Division {
     std::uint64_t polynomial;  // with its highest term
     std::uint64_t reciprocal;  // mirrored: its inverse modulo x^64; else x^64 divided by it
     std::uint64_t fold;        // x^64 modulo it, for the order that is not mirrored
-
-    consteval Division() : polynomial{}, reciprocal{}, fold{} {
-        const std::uint32_t scaled = Crc::kPolynomial << (32 - Crc::kDegree);
-        if constexpr (kMirrored<Crc>) {
-            polynomial = std::uint64_t{mirrored(scaled)} << 1 | 1U;
-            std::uint64_t rest = 1;
-            for (int bit = 0; bit < 64; ++bit) {
-                if ((rest >> bit & 1U) == 0) continue;
-                rest ^= polynomial << bit;
-                reciprocal |= std::uint64_t{1} << bit;
-            }
-        } else {
-            polynomial = std::uint64_t{1} << 32 | scaled;
-            reciprocal = std::uint64_t{1} << 32;
-            std::uint64_t rest = std::uint64_t{scaled} << 32;
-            for (int bit = 31; bit >= 0; --bit) {
-                if ((rest >> (bit + 32) & 1U) == 0) continue;
-                rest ^= polynomial << bit;
-                reciprocal |= std::uint64_t{1} << bit;
-            }
-            fold = powerOfX<Crc>(64 - (32 - Crc::kDegree)) << (32 - Crc::kDegree);
-        }
-    }
 };
+
+template <class Crc>
+static constexpr Division makeDivision() {
+    const std::uint32_t scaled = Crc::kPolynomial << (32 - Crc::kDegree);
+    Division division{};
+    if constexpr (kMirrored<Crc>) {
+        division.polynomial = std::uint64_t{mirrored(scaled)} << 1 | 1U;
+        std::uint64_t rest = 1;
+        for (int bit = 0; bit < 64; ++bit) {
+            if ((rest >> bit & 1U) == 0) continue;
+            rest ^= division.polynomial << bit;
+            division.reciprocal |= std::uint64_t{1} << bit;
+        }
+    } else {
+        division.polynomial = std::uint64_t{1} << 32 | scaled;
+        division.reciprocal = std::uint64_t{1} << 32;
+        std::uint64_t rest = std::uint64_t{scaled} << 32;
+        for (int bit = 31; bit >= 0; --bit) {
+            if ((rest >> (bit + 32) & 1U) == 0) continue;
+            rest ^= division.polynomial << bit;
+            division.reciprocal |= std::uint64_t{1} << bit;
+        }
+        division.fold = powerOfX<Crc>(64 - (32 - Crc::kDegree)) << (32 - Crc::kDegree);
+    }
+    return division;
+}
 
 }  // namespace veltra::detail

@@ -1,5 +1,8 @@
 // The arithmetic behind the checksums, done by the compiler: polynomials over one bit, where
 // addition is exclusive or, and remainders of powers of x.
+//
+// The functions have internal linkage: a file that is built for one processor variant must not
+// lend its copy to the others.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +38,7 @@ struct Crc32 {
 template <class Crc>
 inline constexpr bool kMirrored = Crc::kOrder == BitOrder::LeastSignificantFirst;
 
-consteval std::uint32_t mirrored(std::uint32_t value) {
+static constexpr std::uint32_t mirrored(std::uint32_t value) {
     std::uint32_t result = 0;
     for (int bit = 0; bit < 32; ++bit) {
         result = result << 1 | (value >> bit & 1U);
@@ -46,21 +49,21 @@ consteval std::uint32_t mirrored(std::uint32_t value) {
 // value * x and value / x modulo the polynomial, whose constant term is 1, so that x has an
 // inverse.
 template <class Crc>
-consteval std::uint32_t timesX(std::uint32_t value) {
+static constexpr std::uint32_t timesX(std::uint32_t value) {
     const std::uint32_t top = 1U << (Crc::kDegree - 1);
     const std::uint32_t shifted = (value & (top - 1)) << 1;
     return (value & top) != 0 ? shifted ^ Crc::kPolynomial : shifted;
 }
 
 template <class Crc>
-consteval std::uint32_t overX(std::uint32_t value) {
+static constexpr std::uint32_t overX(std::uint32_t value) {
     const std::uint32_t top = 1U << (Crc::kDegree - 1);
     return (value & 1U) != 0 ? (value ^ Crc::kPolynomial) >> 1 | top : value >> 1;
 }
 
 // x^exponent modulo the polynomial; the exponent may be negative.
 template <class Crc>
-consteval std::uint32_t powerOfX(int exponent) {
+static constexpr std::uint32_t powerOfX(int exponent) {
     std::uint32_t value = 1;
     for (; exponent > 0; --exponent) {
         value = timesX<Crc>(value);

@@ -4,6 +4,8 @@
 
 #include "veltra/processor/detail/crc_constants.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include <immintrin.h>
@@ -18,11 +20,17 @@ template <class Crc>
 inline constexpr int kSecondWords = detail::kMirrored<Crc> ? 0x11 : 0x10;
 
 template <class Crc>
-alignas(64) inline constexpr detail::EndTable<Crc> kEndTable;
+alignas(64) inline constexpr detail::EndTable kEndTable = detail::makeEndTable<Crc>();
 template <class Crc>
-inline constexpr detail::Division<Crc> kDivision;
+inline constexpr detail::Division kDivision = detail::makeDivision<Crc>();
 template <class Crc, int bytes>
 inline constexpr detail::Multipliers kMoveBy = detail::moveBy<Crc>(bytes);
+
+// The multipliers of a block that begins n bytes before the end of the message.
+template <class Crc>
+static inline const std::uint32_t* endMultipliers(std::size_t n) noexcept {
+    return kEndTable<Crc>.row[n % 8] + (detail::EndTable::kWords - n / 8);
+}
 
 // The state of the CRC as the first bytes of the message that it is added to.
 template <class Crc>
@@ -53,7 +61,7 @@ static inline __m128i multiply(__m128i block, __m128i multipliers) noexcept {
 template <class Crc>
 static inline __m128i multiplyToEnd(__m128i block, std::size_t n) noexcept {
     const __m128i packed =
-        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kEndTable<Crc>.from(n)));
+        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(endMultipliers<Crc>(n)));
     return multiply<Crc>(block, _mm_cvtepu32_epi64(packed));
 }
 

@@ -1,5 +1,5 @@
-#include "veltra/processor/detail/checksum_kernels.h"
 #include "veltra/processor/detail/crc_polynomial.h"
+#include "veltra/processor/kernels/crc_kernels.h"
 
 namespace veltra::kernels {
 
@@ -27,35 +27,34 @@ constexpr std::uint32_t withoutFirstByte(std::uint32_t value) noexcept {
 template <class Crc>
 struct SlicingTable {
     typename Crc::Register row[kSlice][256];
-
-    consteval SlicingTable() : row{} {
-        std::uint32_t step = kMirrored<Crc> ? detail::mirrored(Crc::kPolynomial) : Crc::kPolynomial;
-        for (unsigned bit = 0; bit < 8; ++bit) {  // of a byte, the last of the message first
-            const unsigned value = kMirrored<Crc> ? 0x80U >> bit : 1U << bit;
-            row[0][value] = static_cast<typename Crc::Register>(step);
-            if constexpr (kMirrored<Crc>) {
-                step =
-                    (step & 1U) != 0 ? step >> 1 ^ detail::mirrored(Crc::kPolynomial) : step >> 1;
-            } else {
-                step = detail::timesX<Crc>(step);
-            }
-        }
-        for (unsigned value = 1; value < 256; ++value) {
-            const unsigned lowest = value & (~value + 1U);
-            row[0][value] = row[0][lowest] ^ row[0][value ^ lowest];
-        }
-        for (std::size_t slice = 1; slice < kSlice; ++slice) {
-            for (unsigned value = 0; value < 256; ++value) {
-                const std::uint32_t before = row[slice - 1][value];
-                row[slice][value] = static_cast<typename Crc::Register>(
-                    row[0][byteOf<Crc>(before, 0)] ^ withoutFirstByte<Crc>(before));
-            }
-        }
-    }
 };
 
 template <class Crc>
-alignas(64) constexpr SlicingTable<Crc> kTable;
+constexpr SlicingTable<Crc> makeTable() {
+    using Register = typename Crc::Register;
+    SlicingTable<Crc> table{};
+    auto& row = table.row;
+    for (int bit = 0; bit < 8; ++bit) {
+        const std::uint32_t power = detail::powerOfX<Crc>(Crc::kDegree + bit);
+        row[0][kMirrored<Crc> ? 0x80 >> bit : 1 << bit] =
+            static_cast<Register>(kMirrored<Crc> ? detail::mirrored(power) : power);
+    }
+    for (unsigned value = 1; value < 256; ++value) {
+        const unsigned lowest = value & (~value + 1U);
+        row[0][value] = row[0][lowest] ^ row[0][value ^ lowest];
+    }
+    for (std::size_t slice = 1; slice < kSlice; ++slice) {
+        for (unsigned value = 0; value < 256; ++value) {
+            const std::uint32_t before = row[slice - 1][value];
+            row[slice][value] = static_cast<Register>(row[0][byteOf<Crc>(before, 0)] ^
+                                                      withoutFirstByte<Crc>(before));
+        }
+    }
+    return table;
+}
+
+template <class Crc>
+alignas(64) constexpr SlicingTable<Crc> kTable = makeTable<Crc>();
 
 template <class Crc>
 std::uint32_t slice(std::uint32_t value, const unsigned char* bytes, std::size_t length) noexcept {

@@ -1,4 +1,4 @@
-#include "veltra/processor/detail/checksum_kernels.h"
+#include "veltra/processor/kernels/crc_kernels.h"
 #include "veltra/processor/kernels/crc_wide.h"
 
 namespace veltra::kernels {

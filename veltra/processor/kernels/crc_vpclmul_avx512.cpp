@@ -5,8 +5,8 @@
 // Multiplications and shuffles share one port of many processors. The 16-bit CRC, whose bits come
 // the other way round, is therefore computed mirrored: reversing the bits of each byte keeps
 // another port busy than reversing the bytes of each block would.
-#include "veltra/processor/detail/checksum_kernels.h"
 #include "veltra/processor/kernels/crc_fold.h"
+#include "veltra/processor/kernels/crc_kernels.h"
 
 #include <type_traits>
 
@@ -58,7 +58,7 @@ __m512i fold(__m512i block, __m512i later) noexcept {
 template <class Crc>
 __m512i foldToEnd(__m512i block, std::size_t n, __m512i sum) noexcept {
     const __m512i multipliers = _mm512_cvtepu32_epi64(
-        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(kEndTable<Crc>.from(n))));
+        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(endMultipliers<Crc>(n))));
     return add(_mm512_clmulepi64_epi128(block, multipliers, kFirstWords<Crc>),
                _mm512_clmulepi64_epi128(block, multipliers, kSecondWords<Crc>), sum);
 }

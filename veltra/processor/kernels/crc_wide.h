@@ -32,12 +32,13 @@ static inline __m128i fold(__m128i block, __m128i later) noexcept {
     return _mm_xor_si128(multiply<Crc>(block, loadBytes(&kMoveBy<Crc, distance>)), later);
 }
 
+// `kind` only tells the width.
 template <class Crc>
-static inline void load(__m128i& block, const unsigned char* bytes) noexcept {
-    block = inOrder<Crc>(loadBytes(bytes));
+static inline __m128i load(const unsigned char* bytes, __m128i /*kind*/) noexcept {
+    return inOrder<Crc>(loadBytes(bytes));
 }
 
-static inline __m128i widened(__m128i block, __m128i /*any*/) noexcept {
+static inline __m128i widened(__m128i block, __m128i /*kind*/) noexcept {
     return block;
 }
 
@@ -58,15 +59,14 @@ static inline __m256i fold(__m256i block, __m256i later) noexcept {
 }
 
 template <class Crc>
-static inline void load(__m256i& block, const unsigned char* bytes) noexcept {
-    block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
-    if constexpr (!detail::kMirrored<Crc>) {
-        const __m128i reverse = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-        block = _mm256_shuffle_epi8(block, _mm256_broadcastsi128_si256(reverse));
-    }
+static inline __m256i load(const unsigned char* bytes, __m256i /*kind*/) noexcept {
+    const __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+    if constexpr (detail::kMirrored<Crc>) return block;
+    const __m128i reverse = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    return _mm256_shuffle_epi8(block, _mm256_broadcastsi128_si256(reverse));
 }
 
-static inline __m256i widened(__m128i block, __m256i /*any*/) noexcept {
+static inline __m256i widened(__m128i block, __m256i /*kind*/) noexcept {
     return _mm256_zextsi128_si256(block);
 }
 
@@ -83,15 +83,22 @@ static inline __m128i foldEight(__m128i before, const unsigned char*& bytes,
                                 std::size_t& length) noexcept {
     constexpr int kSize = sizeof(Block);
     constexpr std::size_t kStep = 8 * sizeof(Block);
-    Block block[8];
-    for (int index = 0; index < 8; ++index) {
-        load<Crc>(block[index], bytes + kSize * index);
-    }
-    block[0] ^= widened(before, Block{});
+    const Block kind{};
+    // GCC makes a copy through memory of a loop.
+    Block block[8] = {
+        load<Crc>(bytes, kind),
+        load<Crc>(bytes + kSize, kind),
+        load<Crc>(bytes + 2 * kSize, kind),
+        load<Crc>(bytes + 3 * kSize, kind),
+        load<Crc>(bytes + 4 * kSize, kind),
+        load<Crc>(bytes + 5 * kSize, kind),
+        load<Crc>(bytes + 6 * kSize, kind),
+        load<Crc>(bytes + 7 * kSize, kind),
+    };
+    block[0] ^= widened(before, kind);
     for (bytes += kStep, length -= kStep; length >= kStep; bytes += kStep, length -= kStep) {
         for (int index = 0; index < 8; ++index) {
-            Block later;
-            load<Crc>(later, bytes + kSize * index);
+            const Block later = load<Crc>(bytes + kSize * index, kind);
             block[index] = fold<Crc, 8 * kSize>(block[index], later);
         }
     }
@@ -121,15 +128,12 @@ static inline std::uint32_t update(std::uint32_t state, const unsigned char* byt
     if (length >= 8 * sizeof(Block)) {
         last = foldEight<Crc, Block>(before, bytes, length);
     } else {
-        load<Crc>(last, bytes);
-        last = _mm_xor_si128(last, before);
+        last = _mm_xor_si128(load<Crc>(bytes, __m128i{}), before);
         bytes += 16;
         length -= 16;
     }
     for (; length >= 16; bytes += 16, length -= 16) {
-        __m128i later;
-        load<Crc>(later, bytes);
-        last = fold<Crc, 16>(last, later);
+        last = fold<Crc, 16>(last, load<Crc>(bytes, __m128i{}));
     }
     __m128i sum = multiplyToEnd<Crc>(last, 16 + length);
     if (length > 0) {  // the sixteen bytes that end the message, without those that were added
