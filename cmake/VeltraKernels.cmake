@@ -15,8 +15,8 @@ function(veltra_kernel path)
     check_cxx_source_compiles("#include <immintrin.h>\nint main() { return 0; }" ${macro}_COMPILES)
     if(${macro}_COMPILES)
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-            # The undefined registers of GCC 12's own headers set these off.
-            list(APPEND KERNEL_FLAGS -Wno-uninitialized -Wno-maybe-uninitialized)
+            # The undefined registers of GCC 12's own headers set this off.
+            list(APPEND KERNEL_FLAGS -Wno-uninitialized)
         endif()
         set_source_files_properties(${path}.cpp PROPERTIES COMPILE_OPTIONS "${KERNEL_FLAGS}")
         set(KERNEL_SOURCES ${KERNEL_SOURCES} ${path}.cpp PARENT_SCOPE)

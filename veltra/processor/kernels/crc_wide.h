@@ -81,7 +81,7 @@ static inline __m128i narrowed(__m256i block) noexcept {
 template <class Crc, class Block>
 static inline __m128i foldEight(__m128i before, const unsigned char*& bytes,
                                 std::size_t& length) noexcept {
-    constexpr int kSize = sizeof(Block);
+    constexpr std::ptrdiff_t kSize = sizeof(Block);
     constexpr std::size_t kStep = 8 * sizeof(Block);
     const Block kind{};
     // GCC makes a copy through memory of a loop.
