@@ -1,0 +1,83 @@
+#include "veltra/processor/checksum.h"
+
+#include "veltra/processor/detail/checksum_kernels.h"
+
+#include <cstring>
+
+namespace veltra {
+
+namespace detail {
+
+namespace {
+
+using Variant = KernelVariant<kernels::CrcKernel>;
+
+#ifdef VELTRA_KERNEL_CRC_PCLMUL
+bool hasPclmul(const ProcessorFeatures& features) noexcept {
+    return features.pclmulqdq && features.ssse3 && features.sse41;
+}
+#endif
+#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX2
+bool hasVpclmulAvx2(const ProcessorFeatures& features) noexcept {
+    return features.vpclmulqdq && features.avx2 && features.pclmulqdq;
+}
+#endif
+#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
+bool hasVpclmulAvx512(const ProcessorFeatures& features) noexcept {
+    return features.vpclmulqdq && features.pclmulqdq && features.gfni && features.avx512f &&
+           features.avx512bw && features.avx512vl;
+}
+#endif
+
+constexpr Variant kCrc16Variants[] = {
+#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
+    {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc16VpclmulAvx512},
+#endif
+#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX2
+    {"vpclmulqdq-avx2", hasVpclmulAvx2, kernels::crc16VpclmulAvx2},
+#endif
+#ifdef VELTRA_KERNEL_CRC_PCLMUL
+    {"pclmulqdq", hasPclmul, kernels::crc16Pclmul},
+#endif
+    {"plain", runsEverywhere, kernels::crc16Plain},
+};
+
+constexpr Variant kCrc32Variants[] = {
+#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
+    {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc32VpclmulAvx512},
+#endif
+#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX2
+    {"vpclmulqdq-avx2", hasVpclmulAvx2, kernels::crc32VpclmulAvx2},
+#endif
+#ifdef VELTRA_KERNEL_CRC_PCLMUL
+    {"pclmulqdq", hasPclmul, kernels::crc32Pclmul},
+#endif
+    {"plain", runsEverywhere, kernels::crc32Plain},
+};
+
+}  // namespace
+
+constinit KernelChoice<kernels::CrcKernel> crc16Kernels{"crc16", kCrc16Variants};
+constinit KernelChoice<kernels::CrcKernel> crc32Kernels{"crc32", kCrc32Variants};
+
+}  // namespace detail
+
+uint32_t QKCRC16(const char* text) noexcept {
+    constexpr std::uint32_t kInitial = 0x1D0F;
+    constexpr std::size_t kLongest = 65536;
+
+    if (text == nullptr) return kInitial;
+    const void* const end = std::memchr(text, 0, kLongest);
+    const std::size_t length =
+        end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : kLongest;
+    return detail::crc16Kernels.current()(kInitial, reinterpret_cast<const unsigned char*>(text),
+                                          length);
+}
+
+uint32_t QKCRC32(uint32_t previous, const void* buffer, size_t length) noexcept {
+    if (buffer == nullptr) return 0;
+    return detail::crc32Kernels.current()(previous, static_cast<const unsigned char*>(buffer),
+                                          length);
+}
+
+}  // namespace veltra

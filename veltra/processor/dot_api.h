@@ -1,0 +1,104 @@
+// Which variant of the host's own signal-processing code ("optimizations") runs, and the menu in
+// which a user, or a developer in debug mode, may choose another.
+//
+//     CDotAPI::SetDebugMode(false);
+//     for (unsigned p = 0; p < CDotAPI::MenuEntries(); ++p) addItem(CDotAPI::MenuText(int(p)));
+//     CDotAPI::SetSelection(1);
+//     switch (CDotAPI::ID()) { ... }
+//
+// The framework's own kernels choose for themselves (kernels.h).
+#pragma once
+
+#include "veltra/export.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace veltra {
+
+// Every query first detects the processor (Init) when that has not been done.
+//
+// Thread: any for the queries. Of SetDebugMode, Init, SetSelection and Override, one at a time, and
+// a query beside them may see the one half done. Realtime-safe: yes, after Init.
+class VELTRA_EXPORT CDotAPI {
+public:
+    enum EID : std::int32_t {
+        eID_SSE = 0,
+        eID_SSE3 = 1,
+        eID_SSEAlt = 2,
+        eID_AltiVecG4 = 3,
+        eID_AltiVecG5 = 4,
+        eID_Off = 5,
+        eID_Debug = 6
+    };
+    static constexpr int kVariants = 7;
+
+    CDotAPI() = delete;
+
+    // Chooses which variants the menu offers, from here on; meant to be called before anything
+    // else. Detects nothing and keeps an override in force.
+    static void SetDebugMode(bool debug) noexcept;
+
+    // Detects the processor (ProcessorFeatures::current) and takes the menu of the mode. May be
+    // called again; an override stays.
+    //
+    //   PowerPC  AltiVec: eID_AltiVecG5 when the processor's version is unknown or that of a G5 or
+    //            later, else eID_AltiVecG4
+    //   x86      eID_SSE3 or eID_SSE; eID_SSEAlt is never detected
+    //   else     eID_Off
+    static void Init() noexcept;
+
+    // The detected variant, and the variant in force: the override's, else the detected one.
+    static EID ProcessorID() noexcept;
+    static EID ID() noexcept;
+
+    // The menu: what the mode offers to the detected processor. Positions count from 0.
+    static unsigned MenuEntries() noexcept;
+
+    // The text at a position, a constant; null for every position outside the menu. Two
+    // variants deliberately share "SSE optimizations".
+    static const char* MenuText(int position) noexcept;
+
+    // The EID at a position; deliberately 0 for a position outside the menu, but -1 for -1.
+    static int MenuID(int position) noexcept;
+
+    // The first position from 0 to 6 whose MenuID is the variant in force, 0 when none is.
+    static int GetSelection() noexcept;
+
+    // Override(MenuID(position)); nothing for a negative position. The detected variant's position,
+    // or one past the end of the menu, thus ends an override, unless the menu has variant 0.
+    static void SetSelection(int position) noexcept;
+
+    // Asks for a variant. In force from here on when the menu offers it and it is not the detected
+    // one; any other value ends an override. Answers the detected variant.
+    static EID Override(EID variant) noexcept;
+
+    // The interleave factor of the variant in force, and the largest of the detected one. They
+    // deliberately disagree on the last two variants: off works with 1 though it might with 4,
+    // debug with 4 though its largest is 1.
+    static int Interleave() noexcept;
+    static int MaxInterleave() noexcept;
+
+    // A flag kept for the host; true at the start.
+    static bool UpdateHistory() noexcept;
+    static void EnableHistoryUpdate() noexcept;
+    static void DisableHistoryUpdate() noexcept;
+
+private:
+    using Flag = std::atomic<std::uint32_t>;
+
+    static void requireInit() noexcept;
+    static void enable(bool debug) noexcept;
+    static bool isEnabled(EID variant) noexcept;
+    static int columnAt(int position) noexcept;
+
+    static Flag s_afEnable[kVariants][kVariants];  // row: detected variant; column: offered
+    static Flag s_fDbgMode;
+    static Flag s_fInit;
+    static std::atomic<EID> s_eID;
+    static std::atomic<EID> s_eOverride;  // kept also when not in force
+    static Flag s_fOverride;
+    static Flag s_bEnableHistoryUpdate;
+};
+
+}  // namespace veltra

@@ -1,0 +1,61 @@
+#include "veltra/processor/kernels.h"
+
+#include "veltra/processor/detail/checksum_kernels.h"
+
+namespace veltra {
+
+namespace {
+
+constexpr KernelFamily* kFamilies[] = {
+    &detail::crc16Kernels,
+    &detail::crc32Kernels,
+};
+
+}  // namespace
+
+std::span<KernelFamily* const> KernelFamily::all() noexcept {
+    return kFamilies;
+}
+
+KernelFamily* KernelFamily::find(std::string_view name) noexcept {
+    for (KernelFamily* family : kFamilies) {
+        if (name == family->name()) return family;
+    }
+    return nullptr;
+}
+
+const char* KernelFamily::variantName(std::size_t index) const noexcept {
+    return index < m_variantCount ? nameAt(index) : nullptr;
+}
+
+bool KernelFamily::runs(std::size_t index) const noexcept {
+    return index < m_variantCount && testAt(index)(ProcessorFeatures::current());
+}
+
+const char* KernelFamily::inForce() noexcept {
+    return nameAt(chosen());
+}
+
+bool KernelFamily::use(std::string_view variant) noexcept {
+    for (std::size_t index = 0; index < m_variantCount; ++index) {
+        if (variant != nameAt(index)) continue;
+        if (!runs(index)) return false;
+        choose(index);
+        return true;
+    }
+    return false;
+}
+
+void KernelFamily::useBest() noexcept {
+    forget();
+}
+
+std::size_t KernelFamily::best() const noexcept {
+    const ProcessorFeatures features = ProcessorFeatures::current();
+    std::size_t index = 0;
+    while (index + 1 < m_variantCount && !testAt(index)(features))
+        ++index;
+    return index;
+}
+
+}  // namespace veltra

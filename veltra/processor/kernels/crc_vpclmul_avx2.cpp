@@ -1,0 +1,16 @@
+#include "veltra/processor/kernels/crc_kernels.h"
+#include "veltra/processor/kernels/crc_wide.h"
+
+namespace veltra::kernels {
+
+std::uint32_t crc16VpclmulAvx2(std::uint32_t previous, const unsigned char* bytes,
+                               std::size_t length) noexcept {
+    return update<detail::Crc16, __m256i>(previous, bytes, length);
+}
+
+std::uint32_t crc32VpclmulAvx2(std::uint32_t previous, const unsigned char* bytes,
+                               std::size_t length) noexcept {
+    return ~update<detail::Crc32, __m256i>(~previous, bytes, length);
+}
+
+}  // namespace veltra::kernels
