@@ -1,0 +1,17 @@
+// The variants that are built; which of them may run is for utf8_kernels.cpp to find out.
+#pragma once
+
+#include "veltra/processor/detail/utf8_kernels.h"
+
+namespace veltra {
+
+extern const Utf8Kernels kUtf8Plain;
+#if defined(__x86_64__)
+extern const Utf8Kernels kUtf8Avx2;    // needs AVX2, BMI1 and BMI2
+extern const Utf8Kernels kUtf8Avx512;  // needs AVX-512 F and BW, BMI1 and BMI2
+#endif
+
+// The plain check, which the vector ones leave rare input to.
+bool checkUtf8Plainly(const char* text) noexcept;
+
+}  // namespace veltra
