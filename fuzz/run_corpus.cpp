@@ -1,4 +1,4 @@
-// Stands in for libFuzzer: gives the target each file of the folders that are named, once.
+// Stands in for libFuzzer: gives the target each file of a folder once.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -7,16 +7,13 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
 
-int main(int argc, char** argv) {
+int main(int, char** argv) {
     int count = 0;
-    for (int index = 1; index < argc; ++index) {
-        for (const auto& entry : std::filesystem::directory_iterator(argv[index])) {
-            std::ifstream file(entry.path(), std::ios::binary);
-            const std::string bytes(std::istreambuf_iterator<char>(file), {});
-            LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(bytes.data()),
-                                   bytes.size());
-            ++count;
-        }
+    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::string bytes(std::istreambuf_iterator<char>(file), {});
+        LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+        ++count;
     }
     std::printf("%d inputs\n", count);
     return count > 0 ? 0 : 1;

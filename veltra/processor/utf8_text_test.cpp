@@ -1,6 +1,7 @@
 #include "veltra/processor/utf8_text.h"
 
 #include "veltra/diagnostics/testing/log_fakes.h"
+#include "veltra/platform/testing/environment.h"
 #include "veltra/platform/text_services.h"
 #include "veltra/processor/testing/utf8_laws.h"
 
@@ -8,80 +9,54 @@
 
 #include <gmock/gmock.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 namespace veltra {
 namespace {
 
-using namespace std::string_view_literals;
 using testing::ElementsAre;
+using testing::PrintToString;
 
-// Memory between two pages that nobody may touch.
-class GuardedPages {
-public:
-    GuardedPages() {
-        m_pages = static_cast<char*>(
-            ::mmap(nullptr, 4 * page(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        ::mprotect(first(), 2 * page(), PROT_READ | PROT_WRITE);
-    }
-    ~GuardedPages() { ::munmap(m_pages, 4 * page()); }
-
-    static std::size_t page() { return static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)); }
-    char* first() const { return m_pages + page(); }
-
-    std::string_view atStart(std::string_view text) const { return put(first(), text); }
-    std::string_view atEnd(std::string_view text) const {
-        return put(first() + 2 * page() - text.size() - 1, text);
-    }
-
-private:
-    static std::string_view put(char* place, std::string_view text) {
-        place[text.copy(place, text.size())] = '\0';
-        return {place, text.size()};
-    }
-
-    char* m_pages = nullptr;
-};
+// Puts `text` and its terminator at the start or the end of memory between two pages that nobody
+// may touch.
+enum class Place { Start, End };
+std::string_view guarded(std::string_view text, Place place) {
+    constexpr std::size_t kPage = 0x10000;  // a multiple of any page in use
+    static char* const memory = [] {
+        void* pages = ::mmap(nullptr, 3 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        ::mprotect(static_cast<char*>(pages) + kPage, kPage, PROT_READ | PROT_WRITE);
+        return static_cast<char*>(pages) + kPage;
+    }();
+    char* const start = place == Place::Start ? memory : memory + kPage - text.size() - 1;
+    start[text.copy(start, text.size())] = '\0';
+    return {start, text.size()};
+}
 
 TEST(Utf8Text, EveryVariantAgreesWithTheSlowReferenceOnAllShortTexts) {
-    const GuardedPages pages;
     constexpr std::string_view kBytes = "a\xA9\xC3\xE2\xF0\xF8\xFC\xFD\xFE\xFF";
     for (std::size_t number = 0; number < 11 * 11 * 11 * 11; ++number) {
         std::string text;
         for (std::size_t rest = number; rest > 0; rest /= 11)
             if (rest % 11 > 0) text += kBytes[rest % 11 - 1];
-        ASSERT_EQ(brokenLaw(pages.atEnd(text)), "") << testing::PrintToString(text);
+        ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << PrintToString(text);
     }
 }
 
-TEST(Utf8Text, EveryVariantAgreesOnLongTextsOfEveryPlaceAndReadsNoOtherPage) {
-    const GuardedPages pages;
+TEST(Utf8Text, EveryVariantAgreesOnLongTextsAndReadsNoOtherPage) {
+    constexpr std::string_view kCharacters[] = {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8E\xB5"};
+    constexpr std::string_view kFaults = "\x80\xC3\xE2\xF0\xF9\xFDq";
     std::mt19937 random(1);
     int valid = 0;
     for (std::size_t round = 0; round < 1500; ++round) {
-        const std::size_t size = 1 + random() % 700;
         std::string text;
-        while (text.size() < size) {
-            constexpr std::string_view kParts[] = {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8E\xB5"};
-            text.append(random() % (round % 3 == 0 ? 300 : 4), 'a').append(kParts[random() % 3]);
-        }
+        for (const std::size_t size = 1 + random() % 700; text.size() < size;)
+            text.append(random() % (round % 3 == 0 ? 300 : 4), 'a') += kCharacters[random() % 3];
         for (std::size_t faults = round % 2 * (random() % 3); faults > 0; --faults)
-            text[random() % text.size()] = static_cast<char>(
-                "\x80\xC3\xE2\xF0\xF9\xFD"
-                "a"[random() % 7]);
+            text[random() % text.size()] = kFaults[random() % kFaults.size()];
         valid += slowCheck(text) ? 1 : 0;
-        ASSERT_EQ(brokenLaw(pages.atEnd(text)), "") << testing::PrintToString(text);
-        ASSERT_EQ(brokenLaw(pages.atStart(text)), "") << testing::PrintToString(text);
+        ASSERT_EQ(brokenLaw(guarded(text, Place::Start)), "") << PrintToString(text);
+        ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << PrintToString(text);
     }
     EXPECT_THAT(valid, testing::AllOf(testing::Gt(500), testing::Lt(1400)));
-}
-
-TEST(Utf8Text, TheChoiceOfTheVariantCanBeAskedAndOverridden) {
-    EXPECT_TRUE(chooseUtf8Kernels("plain"));
-    EXPECT_FALSE(chooseUtf8Kernels("abacus"));
-    EXPECT_STREQ(utf8Kernels().name, "plain");
-    EXPECT_TRUE(chooseUtf8Kernels(""));
-    EXPECT_EQ(&utf8Kernels(), utf8KernelVariants().front());
 }
 
 TEST(Utf8Text, NullAndNoRoomHaveNeutralAnswers) {
@@ -90,84 +65,79 @@ TEST(Utf8Text, NullAndNoRoomHaveNeutralAnswers) {
     EXPECT_EQ(utf8_check(nullptr) + utf8_is_ascii(nullptr, 0) + utf8_verify(), 0);
     EXPECT_EQ(utf8_strncpy(nullptr, "a", 1), nullptr);
     EXPECT_EQ(*utf8_strlcpy(&byte, "a", 0), '#');
-    utf8_from_cfstring(&byte, nullptr, 0);
-    EXPECT_EQ(byte, '#');
-    EXPECT_EQ(*utf8_strncpy(&byte, nullptr, 1), '\0');
     EXPECT_EQ(utf8_to_cfstring(""), nullptr);
     EXPECT_EQ(utf8_to_nsstring("\xED\xA0\x80"), nullptr);
-    EXPECT_EQ(utf8_to_fileSystemRepresentation(&byte, "a", 1), 0);
+    EXPECT_EQ(*utf8_strncpy(&byte, nullptr, 1) + utf8_to_fileSystemRepresentation(&byte, "a", 1),
+              0);
 }
 
 TEST(Utf8Text, AStringObjectIsCutByUnitsAndThenByWholeCharacters) {
-    const VLString* string = utf8_to_nsstring("ab\xF0\x9F\x8E\xB5z");
-    std::vector<std::string> copies;
-    for (std::size_t capacity = 1; capacity < 9; ++capacity) {
-        std::vector<char> buffer(capacity, '#');
-        utf8_from_nsstring(buffer.data(), string, capacity);
-        copies.emplace_back(buffer.data());
+    const std::string note = "\xF0\x9F\x8E\xB5", ascii = "ab" + note, other = "\xC3\xA9" + note;
+    for (const std::string& text : {ascii, other}) {
+        std::string copies;
+        const VLString* string = utf8_to_nsstring(text.c_str());
+        for (std::size_t capacity = 1; capacity < 8; ++capacity) {
+            std::vector<char> buffer(capacity, '#');
+            utf8_from_nsstring(buffer.data(), string, capacity);
+            copies.append(buffer.data()) += '|';
+        }
+        VLStringRelease(string);
+        EXPECT_EQ(copies, text == ascii ? "|a|ab|ab?|ab|ab|" + ascii + '|'
+                                        : "||\xC3\xA9|\xC3\xA9|\xC3\xA9|\xC3\xA9|" + other + '|');
     }
-    const std::string all = "ab\xF0\x9F\x8E\xB5z";
-    EXPECT_THAT(copies, ElementsAre("", "a", "ab", "ab?", "ab", "ab", "ab\xF0\x9F\x8E\xB5", all));
-    VLStringRelease(string);
 }
 
 TEST(Utf8Text, TheLogGetsTheTextAsItStandsOrTheComplaint) {
     LogWorld world;
-    utf8_log(nullptr);
-    utf8_trace("");
-    utf8_log("100%% caf\xC3\xA9 %@");
-    utf8_log("\xFF");
-    utf8_trace("\xC0\x80");
-    utf8_trace("caf\xC3\xA9");
-    std::vector<std::string> messages;
-    for (const LogWorld::Record& record : world.records)
-        messages.push_back(*record.fields[LogRecord::Message].second);
-    EXPECT_THAT(messages, ElementsAre("100%% caf\xC3\xA9 %@", "utf8_log: malformed string",
-                                      "utf8_trace: malformed string", "caf\xC3\xA9"));
-    ASSERT_EQ(world.lines.size(), 5U);
-    EXPECT_EQ(world.lines[3], "text of 5 bytes: caf\xC3\xA9\n");
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", "");
+    for (const char* text : {"", "100%% caf\xC3\xA9 %@", "\xFF"})
+        utf8_log(text);
+    for (const char* text : {"", "\xC0\x80", "caf\xC3\xA9"})
+        utf8_trace(text);
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
+    EXPECT_THAT(world.lines, ElementsAre("100%% caf\xC3\xA9 %@\n", "utf8_log: malformed string\n",
+                                         "utf8_trace: malformed string\n",
+                                         "text of 5 bytes: caf\xC3\xA9\n", "caf\xC3\xA9\n"));
+    EXPECT_EQ(world.records.size(), 4U);
 }
 
 TEST(Utf8Text, TheLegacyEncodingSubstitutesCutsAndTellsWhatWasLost) {
-    if (!TextServices::current().fromLegacy("a")) GTEST_SKIP() << "no legacy converter";
+    const TextServices& services = TextServices::current();
+    if (!services.fromLegacy("a")) GTEST_SKIP() << "no legacy converter";
     const struct {
         const char* source;
         std::size_t capacity;
-        std::string_view expected;
+        const char* expected;
         const char* lost;
     } rows[] = {
-        {"caf\xC3\xA9 \xE2\x82\xAC", 9, "caf\x8E \xDB"sv, nullptr},
-        {"\xCE\xA9\xE4\xB8\x80\xF0\x9F\x8E\xB5!", 9, "\xBD__!"sv, "\xCE\xA9__!"},
-        {"caf\xC3\xA9", 4, "caf"sv, "caf"},
-        {"caf\xC3\xA9", 1, ""sv, nullptr},
-        {"\xC3", 9, ""sv, nullptr},
-        {"", 0, ""sv, nullptr},
+        {"caf\xC3\xA9 \xE2\x82\xAC", 9, "caf\x8E \xDB", ""},
+        {"\xCE\xA9\xE4\xB8\x80\xF0\x9F\x8E\xB5!", 9, "\xBD__!", "\xCE\xA9__!"},
+        {"caf\xC3\xA9", 4, "caf", "caf"},
+        {"\xC3", 9, "", ""},
+        {"a", 0, "", ""},
     };
     for (const auto& row : rows) {
-        for (const bool isPascal : {false, true}) {
-            std::vector<char> buffer(row.capacity + 1, '#');
-            const VLString* lost = nullptr;
-            (isPascal ? utf8_to_fsspecFileSystemPascalString : utf8_to_fsspecFileSystemCString)(
-                buffer.data(), row.source, row.capacity, &lost);
-            const std::string_view text(buffer.data() + isPascal, row.expected.size());
-            EXPECT_EQ(text, row.expected) << row.source;
-            EXPECT_EQ(isPascal ? buffer[0] : buffer[text.size()], isPascal ? text.size() : 0U);
-            std::vector<char> lostText(32);
-            utf8_from_cfstring(lostText.data(), lost, lostText.size());
-            EXPECT_STREQ(lostText.data(), row.lost != nullptr ? row.lost : "") << row.source;
-            VLStringRelease(lost);
-        }
+        std::vector<char> text(row.capacity + 1, '#'), pascal = text, lostText(8);
+        const VLString* lost = nullptr;
+        utf8_to_fsspecFileSystemCString(text.data(), row.source, row.capacity, &lost);
+        utf8_from_cfstring(lostText.data(), lost, lostText.size());
+        EXPECT_STREQ(text.data(), row.expected);
+        EXPECT_STREQ(lostText.data(), row.lost) << row.source;
+        VLStringRelease(lost);
+        utf8_to_fsspecFileSystemPascalString(pascal.data(), row.source, row.capacity, nullptr);
+        const std::string expected = row.expected;
+        EXPECT_EQ(static_cast<std::size_t>(pascal[0]), expected.size());
+        EXPECT_EQ(std::string(pascal.data() + 1, expected.size()), expected);
     }
-    std::string bytes;
-    for (int byte = 0; byte < 256; ++byte)
-        bytes += static_cast<char>(byte);
-    const std::u16string units = TextServices::current().fromLegacy(bytes).value();
-    std::string again(300, '#');
-    EXPECT_EQ(TextServices::current().toLegacy(units, '_', again), 256U);
+    std::string longName(300, '#');
+    utf8_to_fsspecFileSystemPascalString(longName.data(), std::string(300, 'x').c_str(), 300,
+                                         nullptr);
+    EXPECT_EQ(longName.substr(0, 255), '\xFE' + std::string(254, 'x'));
+    std::string bytes(256, '\0'), again(300, '#');
+    std::generate(bytes.begin(), bytes.end(),
+                  [next = 0]() mutable { return static_cast<char>(next++); });
+    EXPECT_EQ(services.toLegacy(services.fromLegacy(bytes).value(), '_', again), 256U);
     EXPECT_EQ(again.substr(0, 256), bytes);
-    char longName[301];
-    utf8_to_fsspecFileSystemPascalString(longName, std::string(300, 'x').c_str(), 301, nullptr);
-    EXPECT_EQ(longName[0], static_cast<char>(254));
 }
 
 }  // namespace
