@@ -33,9 +33,9 @@ std::string_view guarded(std::string_view text, Place place) {
 
 TEST(Utf8Text, EveryVariantAgreesWithTheSlowReferenceOnAllShortTexts) {
     constexpr std::string_view kBytes = "a\xA9\xC3\xE2\xF0\xF8\xFC\xFD\xFE\xFF";
-    for (std::size_t number = 0; number < 11 * 11 * 11 * 11; ++number) {
+    for (unsigned number = 0; number < 11U * 11 * 11 * 11; ++number) {
         std::string text;
-        for (std::size_t rest = number; rest > 0; rest /= 11)
+        for (unsigned rest = number; rest > 0; rest /= 11)
             if (rest % 11 > 0) text += kBytes[rest % 11 - 1];
         ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << PrintToString(text);
     }

@@ -8,6 +8,9 @@ namespace veltra {
 
 namespace {
 
+using detail::kBlock;
+using detail::kGroup;
+
 class Avx2Block {
 public:
     explicit Avx2Block(const char* aligned) noexcept
@@ -52,8 +55,8 @@ private:
 
 }  // namespace
 
-const Utf8Kernels kUtf8Avx2{"avx2", asciiLength<Avx2Block>, asciiLengthWithin<Avx2Block>,
-                            check<Avx2Block>};
+const Utf8Kernels kUtf8Avx2{"avx2", detail::asciiLength<Avx2Block>,
+                            detail::asciiLengthWithin<Avx2Block>, detail::check<Avx2Block>};
 
 }  // namespace veltra
 

@@ -8,6 +8,8 @@ namespace veltra {
 
 namespace {
 
+using detail::kBlock;
+
 class Avx512Block {
 public:
     explicit Avx512Block(const char* aligned) noexcept : m_bytes(load(aligned)) {}
@@ -46,8 +48,8 @@ private:
 
 }  // namespace
 
-const Utf8Kernels kUtf8Avx512{"avx512", asciiLength<Avx512Block>, asciiLengthWithin<Avx512Block>,
-                              check<Avx512Block>};
+const Utf8Kernels kUtf8Avx512{"avx512", detail::asciiLength<Avx512Block>,
+                              detail::asciiLengthWithin<Avx512Block>, detail::check<Avx512Block>};
 
 }  // namespace veltra
 

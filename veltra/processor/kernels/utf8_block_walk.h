@@ -22,26 +22,25 @@
 
 #include <cstdint>
 
-namespace veltra {
-namespace {
+namespace veltra::detail {
 
-constexpr std::size_t kBlock = 64;
-constexpr std::size_t kGroup = 4 * kBlock;
+static constexpr std::size_t kBlock = 64;
+static constexpr std::size_t kGroup = 4 * kBlock;
 
-std::size_t offsetIn(std::size_t size, const char* text) noexcept {
+static std::size_t offsetIn(std::size_t size, const char* text) noexcept {
     return reinterpret_cast<std::uintptr_t>(text) & (size - 1);
 }
 
-std::size_t firstOf(std::uint64_t bits) noexcept {
+static std::size_t firstOf(std::uint64_t bits) noexcept {
     return static_cast<std::size_t>(__builtin_ctzll(bits));
 }
 
-std::size_t smallerOf(std::size_t one, std::size_t other) noexcept {
+static std::size_t smallerOf(std::size_t one, std::size_t other) noexcept {
     return one < other ? one : other;
 }
 
 template <class Block>
-std::size_t asciiLength(const char* text) noexcept {
+static std::size_t asciiLength(const char* text) noexcept {
     const std::size_t offset = offsetIn(kBlock, text);
     const std::uint64_t first = Block(text - offset).stops() >> offset;
     if (first != 0) return firstOf(first);
@@ -56,7 +55,7 @@ std::size_t asciiLength(const char* text) noexcept {
 }
 
 template <class Block>
-std::size_t asciiLengthWithin(const char* text, std::size_t limit) noexcept {
+static std::size_t asciiLengthWithin(const char* text, std::size_t limit) noexcept {
     if (limit == 0) return 0;
     const std::size_t offset = offsetIn(kBlock, text);
     std::uint64_t stops = Block(text - offset).stops() >> offset;
@@ -78,7 +77,7 @@ struct Carry {
 };
 
 // `bits` moved on by one byte; the bit that leaves the block is exchanged for the carried one.
-std::uint64_t movedOn(std::uint64_t bits, std::uint64_t& carried) noexcept {
+static std::uint64_t movedOn(std::uint64_t bits, std::uint64_t& carried) noexcept {
     const std::uint64_t moved = bits * 2 + carried;
     carried = bits >> 63;
     return moved;
@@ -89,7 +88,7 @@ std::uint64_t movedOn(std::uint64_t bits, std::uint64_t& carried) noexcept {
 // continuation bytes as it announces. `live` marks the text's bytes that are not ASCII; no live
 // byte is at or above 0xF8.
 template <class Block>
-bool isBroken(const Block& block, std::uint64_t live, Carry& carry) noexcept {
+static bool isBroken(const Block& block, std::uint64_t live, Carry& carry) noexcept {
     const std::uint64_t leads = block.template atLeast<0xC0>() & live;
     const std::uint64_t leadsOf3 = block.template atLeast<0xE0>() & live;
     const std::uint64_t leadsOf4 = block.template atLeast<0xF0>() & live;
@@ -105,7 +104,7 @@ bool isBroken(const Block& block, std::uint64_t live, Carry& carry) noexcept {
 }
 
 template <class Block>
-bool check(const char* text) noexcept {
+static bool check(const char* text) noexcept {
     const std::size_t offset = offsetIn(kBlock, text);
     const char* at = text - offset;
     std::uint64_t within = ~std::uint64_t{0} << offset;
@@ -129,5 +128,4 @@ bool check(const char* text) noexcept {
     }
 }
 
-}  // namespace
-}  // namespace veltra
+}  // namespace veltra::detail

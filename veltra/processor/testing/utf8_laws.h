@@ -64,7 +64,8 @@ inline std::string brokenLaw(std::string_view text) {
             const bool isAscii = ascii >= (size != 0 ? std::min(size, text.size()) : text.size());
             if ((utf8_is_ascii(text.data(), size) == 1) != isAscii) return "is_ascii " + name;
         }
-        if (utf8_is_ascii(text.data(), SIZE_MAX) != utf8_is_ascii(text.data(), 0)) return name;
+        if (utf8_is_ascii(text.data(), SIZE_MAX) != utf8_is_ascii(text.data(), 0))
+            return "is_ascii without end, " + name;
     }
     for (const std::size_t size : sizes) {
         // On the heap to the byte, so that a sanitizer sees what is written outside.
