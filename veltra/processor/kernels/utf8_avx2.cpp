@@ -1,6 +1,6 @@
-#include "veltra/processor/kernels/utf8_block_walk.h"
-
 #if defined(__x86_64__)
+
+#include "veltra/processor/kernels/utf8_block_walk.h"
 
 #include <immintrin.h>
 
