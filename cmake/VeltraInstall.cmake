@@ -12,6 +12,14 @@ install(TARGETS veltra EXPORT VeltraTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 
+set(static_dependencies "")
+set(pc_icu "")
+if(VELTRA_ICU)
+    set(pc_icu "-licuuc -licudata ")
+    if(NOT VELTRA_SHARED)
+        set(static_dependencies "find_dependency(ICU COMPONENTS uc)\n")
+    endif()
+endif()
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/Veltra")
 install(EXPORT VeltraTargets NAMESPACE Veltra:: DESTINATION "${package_folder}")
 configure_package_config_file(cmake/VeltraConfig.cmake.in VeltraConfig.cmake
@@ -25,10 +33,10 @@ file(RELATIVE_PATH prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
 set(pc_static_only "")
 if(VELTRA_SHARED)
-    set(pc_private "Libs.private: -lstdc++ -lm -pthread -ldl")
+    set(pc_private "Libs.private: ${pc_icu}-lstdc++ -lm -pthread -ldl")
 else()
     # An archive needs the C++ runtime from whoever links it, a C program too.
-    set(pc_static_only " -lstdc++ -lm -pthread -ldl")
+    set(pc_static_only " ${pc_icu}-lstdc++ -lm -pthread -ldl")
     set(pc_private "")
 endif()
 configure_file(cmake/veltra.pc.in veltra.pc @ONLY)

@@ -26,6 +26,8 @@ struct VELTRA_EXPORT ProcessorFeatures {
     bool pclmulqdq = false;
     bool avx = false;
     bool avx2 = false;
+    bool bmi = false;
+    bool bmi2 = false;
     bool gfni = false;
     bool vpclmulqdq = false;
     bool avx512f = false;

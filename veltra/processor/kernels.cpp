@@ -1,6 +1,7 @@
 #include "veltra/processor/kernels.h"
 
 #include "veltra/processor/detail/checksum_kernels.h"
+#include "veltra/processor/detail/utf8_kernels.h"
 
 namespace veltra {
 
@@ -9,6 +10,7 @@ namespace {
 constexpr KernelFamily* kFamilies[] = {
     &detail::crc16Kernels,
     &detail::crc32Kernels,
+    &detail::utf8KernelChoice,
 };
 
 }  // namespace

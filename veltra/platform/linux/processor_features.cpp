@@ -51,7 +51,9 @@ ProcessorFeatures query() noexcept {
     features.avx = ymm;
     if (__get_cpuid_count(7, 0, &a, &b, &c, &d) == 0) return features;
     features.gfni = bit(c, 8);
+    features.bmi = ymm && bit(b, 3);
     features.avx2 = ymm && bit(b, 5);
+    features.bmi2 = ymm && bit(b, 8);
     features.vpclmulqdq = ymm && bit(c, 10);
     features.avx512f = zmm && bit(b, 16);
     features.avx512dq = features.avx512f && bit(b, 17);

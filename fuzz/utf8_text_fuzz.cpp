@@ -1,0 +1,17 @@
+// Any bytes as a text in memory of just its size, at any place within a cache line.
+#include "veltra/processor/testing/utf8_laws.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    std::string_view input(reinterpret_cast<const char*>(data), size);
+    const std::size_t offset = input.empty() ? 0 : data[0] & 63U;
+    input = input.substr(0, input.find('\0'));
+    std::vector<char> memory(offset + input.size() + 1);
+    input.copy(memory.data() + offset, input.size());
+    const std::string broken = veltra::brokenLaw({memory.data() + offset, input.size()});
+    if (broken.empty()) return 0;
+    std::fprintf(stderr, "broken: %s\n", broken.c_str());
+    std::abort();
+}

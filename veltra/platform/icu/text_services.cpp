@@ -1,0 +1,108 @@
+#include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/platform_text_services.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+#include <unicode/ucnv.h>
+
+namespace veltra {
+
+namespace {
+
+// The whole encoding, read from ICU once: afterwards nothing allocates, locks or can fail.
+class LegacyTable {
+public:
+    // Throws when ICU has no such converter or memory is out.
+    LegacyTable() {
+        UErrorCode error = U_ZERO_ERROR;
+        const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(
+            ucnv_open("macintosh", &error), &ucnv_close);
+        std::array<char, kCount> bytes{};
+        for (std::size_t index = 0; index < kCount; ++index)
+            bytes[index] = static_cast<char>(index);
+        const std::int32_t length = U_SUCCESS(error)
+                                        ? ucnv_toUChars(converter.get(), m_units.data(), kCount,
+                                                        bytes.data(), kCount, &error)
+                                        : 0;
+        if (U_FAILURE(error) || length != kCount) throw std::runtime_error("no converter");
+        for (std::size_t index = 0; index < kCount; ++index)
+            m_byUnit[index] = {m_units[index], bytes[index]};
+        std::sort(m_byUnit.begin(), m_byUnit.end(), precedes);
+    }
+
+    char16_t unitOf(char byte) const noexcept { return m_units[static_cast<unsigned char>(byte)]; }
+
+    char byteOf(char16_t unit, char substitute) const noexcept {
+        const Pair wanted{unit, '\0'};
+        const auto* const found =
+            std::lower_bound(m_byUnit.data(), m_byUnit.data() + kCount, wanted, precedes);
+        return found != m_byUnit.data() + kCount && found->unit == unit ? found->byte : substitute;
+    }
+
+private:
+    static constexpr std::size_t kCount = 256;
+
+    struct Pair {
+        char16_t unit;
+        char byte;
+    };
+
+    static bool precedes(const Pair& one, const Pair& other) noexcept {
+        return one.unit < other.unit;
+    }
+
+    std::array<char16_t, kCount> m_units{};
+    std::array<Pair, kCount> m_byUnit{};
+};
+
+// Null when it cannot be made; the next call tries again.
+const LegacyTable* legacyTable() noexcept {
+    try {
+        static const LegacyTable table;
+        return &table;
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+class IcuTextServices final : public TextServices {
+public:
+    std::optional<std::size_t> toLegacy(std::u16string_view text, char substitute,
+                                        std::span<char> destination) const noexcept override {
+        const LegacyTable* const table = legacyTable();
+        if (table == nullptr) return std::nullopt;
+        std::size_t written = 0;
+        for (const char16_t unit : text) {
+            if (unit >= 0xDC00 && unit < 0xE000) continue;  // its first half stood for both
+            if (written == destination.size()) break;
+            destination[written++] = table->byteOf(unit, substitute);
+        }
+        return written;
+    }
+
+    std::optional<std::u16string> fromLegacy(std::string_view bytes) const noexcept override {
+        const LegacyTable* const table = legacyTable();
+        if (table == nullptr) return std::nullopt;
+        try {
+            std::u16string text(bytes.size(), u'\0');
+            std::transform(bytes.begin(), bytes.end(), text.begin(),
+                           [table](char byte) { return table->unitOf(byte); });
+            return text;
+        } catch (const std::bad_alloc&) {
+            return std::nullopt;
+        }
+    }
+};
+
+}  // namespace
+
+const TextServices& platformTextServices() noexcept {
+    static const Immortal<IcuTextServices> services;
+    return *services;
+}
+
+}  // namespace veltra

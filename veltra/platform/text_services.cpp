@@ -1,0 +1,24 @@
+#include "veltra/platform/text_services.h"
+
+#include "veltra/platform/detail/platform_text_services.h"
+#include "veltra/platform/detail/replaceable.h"
+
+namespace veltra {
+
+namespace {
+
+constinit Replaceable<const TextServices, &platformTextServices> replaceableTextServices;
+
+}  // namespace
+
+TextServices::~TextServices() = default;
+
+const TextServices& TextServices::current() noexcept {
+    return replaceableTextServices.current();
+}
+
+const TextServices* TextServices::install(const TextServices* services) noexcept {
+    return replaceableTextServices.install(services);
+}
+
+}  // namespace veltra

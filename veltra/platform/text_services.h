@@ -1,0 +1,45 @@
+// What the framework needs to know about text beyond Unicode's own forms: the encoding in which
+// file systems kept names before Unicode, which is Mac Roman.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace veltra {
+
+class VELTRA_EXPORT TextServices {
+public:
+    TextServices() = default;
+    TextServices(const TextServices&) = delete;
+    TextServices& operator=(const TextServices&) = delete;
+    virtual ~TextServices();
+
+    // Writes `text` (well-formed UTF-16) in the legacy encoding: one byte for each character,
+    // `substitute` for one that the encoding lacks, as many as fit. Answers how many bytes were
+    // written; nothing when there is no converter.
+    // Thread: any. Realtime-safe: no (the first call loads the converter).
+    virtual std::optional<std::size_t> toLegacy(std::u16string_view text, char substitute,
+                                                std::span<char> destination) const noexcept = 0;
+
+    // The UTF-16 of a text in the legacy encoding; nothing when there is no converter or memory is
+    // out.
+    // Thread: any. Realtime-safe: no.
+    virtual std::optional<std::u16string> fromLegacy(std::string_view bytes) const noexcept = 0;
+
+    // The services in force: the installed ones, else the platform's own. Those have a converter
+    // when the library was built with ICU.
+    // Thread: any. Realtime-safe: yes.
+    static const TextServices& current() noexcept;
+
+    // Puts `services` in force (not owned; must stay alive until replaced); null goes back to the
+    // platform's own. Answers what was installed before, null for the platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static const TextServices* install(const TextServices* services) noexcept;
+};
+
+}  // namespace veltra

@@ -1,0 +1,144 @@
+#include "veltra/processor/utf8_text.h"
+
+#include "veltra/diagnostics/testing/log_fakes.h"
+#include "veltra/platform/testing/environment.h"
+#include "veltra/platform/text_services.h"
+#include "veltra/processor/testing/utf8_laws.h"
+
+#include <random>
+
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+
+namespace veltra {
+namespace {
+
+using testing::ElementsAre;
+using testing::PrintToString;
+
+// Puts `text` and its terminator at the start or the end of memory between two pages that nobody
+// may touch.
+enum class Place { Start, End };
+std::string_view guarded(std::string_view text, Place place) {
+    constexpr std::size_t kPage = 0x10000;  // a multiple of any page in use
+    static char* const memory = [] {
+        void* pages = ::mmap(nullptr, 3 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        ::mprotect(static_cast<char*>(pages) + kPage, kPage, PROT_READ | PROT_WRITE);
+        return static_cast<char*>(pages) + kPage;
+    }();
+    char* const start = place == Place::Start ? memory : memory + kPage - text.size() - 1;
+    start[text.copy(start, text.size())] = '\0';
+    return {start, text.size()};
+}
+
+TEST(Utf8Text, EveryVariantAgreesWithTheSlowReferenceOnAllShortTexts) {
+    constexpr std::string_view kBytes = "a\xA9\xC3\xE2\xF0\xF8\xFC\xFD\xFE\xFF";
+    for (unsigned number = 0; number < 11U * 11 * 11 * 11; ++number) {
+        std::string text;
+        for (unsigned rest = number; rest > 0; rest /= 11)
+            if (rest % 11 > 0) text += kBytes[rest % 11 - 1];
+        ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << PrintToString(text);
+    }
+}
+
+TEST(Utf8Text, EveryVariantAgreesOnLongTextsAndReadsNoOtherPage) {
+    constexpr std::string_view kCharacters[] = {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8E\xB5"};
+    constexpr std::string_view kFaults = "\x80\xC3\xE2\xF0\xF9\xFDq";
+    std::mt19937 random(1);
+    int valid = 0;
+    for (std::size_t round = 0; round < 1500; ++round) {
+        std::string text;
+        for (const std::size_t size = 1 + random() % 700; text.size() < size;)
+            text.append(random() % (round % 3 == 0 ? 300 : 4), 'a') += kCharacters[random() % 3];
+        for (std::size_t faults = round % 2 * (random() % 3); faults > 0; --faults)
+            text[random() % text.size()] = kFaults[random() % kFaults.size()];
+        valid += slowCheck(text) ? 1 : 0;
+        ASSERT_EQ(brokenLaw(guarded(text, Place::Start)), "") << PrintToString(text);
+        ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << PrintToString(text);
+    }
+    EXPECT_THAT(valid, testing::AllOf(testing::Gt(500), testing::Lt(1400)));
+}
+
+TEST(Utf8Text, NullAndNoRoomHaveNeutralAnswers) {
+    char byte = '#';
+    EXPECT_EQ(utf8_strlen(nullptr), 0U);
+    EXPECT_EQ(utf8_check(nullptr) + utf8_is_ascii(nullptr, 0) + utf8_verify(), 0);
+    EXPECT_EQ(utf8_strncpy(nullptr, "a", 1), nullptr);
+    EXPECT_EQ(*utf8_strlcpy(&byte, "a", 0), '#');
+    EXPECT_EQ(utf8_to_cfstring(""), nullptr);
+    EXPECT_EQ(utf8_to_nsstring("\xED\xA0\x80"), nullptr);
+    EXPECT_EQ(*utf8_strncpy(&byte, nullptr, 1) + utf8_to_fileSystemRepresentation(&byte, "a", 1),
+              0);
+}
+
+TEST(Utf8Text, AStringObjectIsCutByUnitsAndThenByWholeCharacters) {
+    const std::string note = "\xF0\x9F\x8E\xB5", ascii = "ab" + note, other = "\xC3\xA9" + note;
+    for (const std::string& text : {ascii, other}) {
+        std::string copies;
+        const VLString* string = utf8_to_nsstring(text.c_str());
+        for (std::size_t capacity = 1; capacity < 8; ++capacity) {
+            std::vector<char> buffer(capacity, '#');
+            utf8_from_nsstring(buffer.data(), string, capacity);
+            copies.append(buffer.data()) += '|';
+        }
+        VLStringRelease(string);
+        EXPECT_EQ(copies, text == ascii ? "|a|ab|ab?|ab|ab|" + ascii + '|'
+                                        : "||\xC3\xA9|\xC3\xA9|\xC3\xA9|\xC3\xA9|" + other + '|');
+    }
+}
+
+TEST(Utf8Text, TheLogGetsTheTextAsItStandsOrTheComplaint) {
+    LogWorld world;
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", "");
+    for (const char* text : {"", "100%% caf\xC3\xA9 %@", "\xFF"})
+        utf8_log(text);
+    for (const char* text : {"", "\xC0\x80", "caf\xC3\xA9"})
+        utf8_trace(text);
+    setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
+    EXPECT_THAT(world.lines, ElementsAre("100%% caf\xC3\xA9 %@\n", "utf8_log: malformed string\n",
+                                         "utf8_trace: malformed string\n",
+                                         "text of 5 bytes: caf\xC3\xA9\n", "caf\xC3\xA9\n"));
+    EXPECT_EQ(world.records.size(), 4U);
+}
+
+TEST(Utf8Text, TheLegacyEncodingSubstitutesCutsAndTellsWhatWasLost) {
+    const TextServices& services = TextServices::current();
+    if (!services.fromLegacy("a")) GTEST_SKIP() << "no legacy converter";
+    const struct {
+        const char* source;
+        std::size_t capacity;
+        const char* expected;
+        const char* lost;
+    } rows[] = {
+        {"caf\xC3\xA9 \xE2\x82\xAC", 9, "caf\x8E \xDB", ""},
+        {"\xCE\xA9\xE4\xB8\x80\xF0\x9F\x8E\xB5!", 9, "\xBD__!", "\xCE\xA9__!"},
+        {"caf\xC3\xA9", 4, "caf", "caf"},
+        {"\xC3", 9, "", ""},
+        {"a", 0, "", ""},
+    };
+    for (const auto& row : rows) {
+        std::vector<char> text(row.capacity + 1, '#'), pascal = text, lostText(8);
+        const VLString* lost = nullptr;
+        utf8_to_fsspecFileSystemCString(text.data(), row.source, row.capacity, &lost);
+        utf8_from_cfstring(lostText.data(), lost, lostText.size());
+        EXPECT_STREQ(text.data(), row.expected);
+        EXPECT_STREQ(lostText.data(), row.lost) << row.source;
+        VLStringRelease(lost);
+        utf8_to_fsspecFileSystemPascalString(pascal.data(), row.source, row.capacity, nullptr);
+        const std::string expected = row.expected;
+        EXPECT_EQ(static_cast<std::size_t>(pascal[0]), expected.size());
+        EXPECT_EQ(std::string(pascal.data() + 1, expected.size()), expected);
+    }
+    std::string longName(300, '#');
+    utf8_to_fsspecFileSystemPascalString(longName.data(), std::string(300, 'x').c_str(), 300,
+                                         nullptr);
+    EXPECT_EQ(longName.substr(0, 255), '\xFE' + std::string(254, 'x'));
+    std::string bytes(256, '\0'), again(300, '#');
+    std::generate(bytes.begin(), bytes.end(),
+                  [next = 0]() mutable { return static_cast<char>(next++); });
+    EXPECT_EQ(services.toLegacy(services.fromLegacy(bytes).value(), '_', again), 256U);
+    EXPECT_EQ(again.substr(0, 256), bytes);
+}
+
+}  // namespace
+}  // namespace veltra
