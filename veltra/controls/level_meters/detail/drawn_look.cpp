@@ -1,0 +1,236 @@
+#include "veltra/controls/level_meters/detail/drawn_look.h"
+
+#include "veltra/controls/level_meters/detail/meter_layout.h"
+#include "veltra/platform/ui/canvas.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+namespace veltra::detail {
+
+namespace {
+
+// Fills areas of a picture in either orientation.
+class Brush {
+public:
+    Brush(Canvas& canvas, const LevelMeterPictureRequest& request)
+        : m_canvas(canvas),
+          m_request(request),
+          m_isVertical(request.orientation == LevelMeterOrientation::Vertical) {}
+
+    void fill(const MeterArea& area, Color color) {
+        if (!area.isEmpty()) m_canvas.fillRect(rect(area), color);
+    }
+
+    // From `edge` at the sides to `middle` half-way across.
+    void fillRounded(const MeterArea& area, Color edge, Color middle) {
+        if (area.isEmpty()) return;
+        const std::int32_t half = (area.near + area.far) / 2;
+        shade({area.low, area.high, area.near, half}, edge, middle);
+        shade({area.low, area.high, half, area.far}, middle, edge);
+    }
+
+private:
+    Rect rect(const MeterArea& area) const {
+        return meterRect(area, m_request.orientation, m_request.length, m_request.scale);
+    }
+
+    void shade(const MeterArea& area, Color from, Color to) {
+        if (area.isEmpty()) return;
+        const Rect place = rect(area);
+        const Point end =
+            m_isVertical ? Point{place.maxX(), place.minY()} : Point{place.minX(), place.maxY()};
+        m_canvas.fillPath(Path::rect(place), LinearGradient{from, to, place.origin, end});
+    }
+
+    Canvas& m_canvas;
+    const LevelMeterPictureRequest& m_request;
+    const bool m_isVertical;
+};
+
+// The well is dark in both appearances: lit LEDs need a dark ground to stand out.
+struct Palette {
+    Color frame;
+    Color rim;  // where the light falls on the frame: the far and the low side
+    Color well;
+};
+
+Palette paletteFor(Appearance appearance) {
+    if (appearance == Appearance::Dark)
+        return {Color::fromRgb(0x07080A), Color::fromRgb(0x31353D), Color::fromRgb(0x0F1114)};
+    return {Color::fromRgb(0x1B1E23), Color::fromRgb(0x9BA1AB), Color::fromRgb(0x22262C)};
+}
+
+constexpr float kUnlitPart = 0.17F;  // of the lit colour in an unlit LED
+constexpr float kGlowPart = 0.30F;   // of the lit colour in the gap above a lit LED
+constexpr float kBlend = 0.02F;      // half the way from one zone's colour to the next, continuous
+
+MeterArea whole(const LevelMeterPictureRequest& request) {
+    return {0, request.length, 0, request.thickness};
+}
+
+// The well with its frame; answers the area inside.
+MeterArea drawWell(Brush& brush, const LevelMeterPictureRequest& request, float edge) {
+    const Palette palette = paletteFor(request.appearance);
+    const MeterArea all = whole(request);
+    const std::int32_t frame = devicePixels(edge, request.scale);
+    const MeterArea inside = all.inset(frame);
+    brush.fill(all, palette.frame);
+    if (frame > 0) {
+        const bool isVertical = request.orientation == LevelMeterOrientation::Vertical;
+        brush.fill({all.low, all.high, all.far - frame, all.far}, palette.rim);
+        if (isVertical)
+            brush.fill({all.low, frame, all.near, all.far}, palette.rim);
+        else
+            brush.fill({all.high - frame, all.high, all.near, all.far}, palette.rim);
+    }
+    brush.fill(inside, palette.well);
+    return inside;
+}
+
+std::shared_ptr<const Image> drawnImage(const LevelMeterPictureRequest& request,
+                                        const std::function<void(Brush&)>& draw) {
+    const MeterArea all = whole(request);
+    return Image::drawn(meterRect(all, request.orientation, request.length, request.scale).size,
+                        request.scale, [&](Canvas& canvas) {
+                            Brush brush(canvas, request);
+                            draw(brush);
+                        });
+}
+
+// Where the LEDs lie: whole pixels each, what is left over shared by both ends.
+struct Leds {
+    std::int32_t start = 0;
+    std::int32_t pitch = 0;
+    std::int32_t gap = 0;
+    std::int32_t count = 0;
+};
+
+Leds layOutLeds(std::int32_t room, std::uint32_t wanted, float scale) {
+    Leds leds;
+    if (wanted == 0 || room <= 0 || wanted > static_cast<std::uint32_t>(room)) return leds;
+    leds.count = static_cast<std::int32_t>(wanted);
+    const std::int32_t fullGap = devicePixels(1.0F, scale);
+    leds.pitch = (room + fullGap) / leds.count;
+    leds.gap = leds.pitch >= 3 * fullGap ? fullGap : std::min(leds.pitch / 2, 1);
+    if (leds.pitch * leds.count - leds.gap > room) leds.pitch = room / leds.count;
+    leds.start = (room - (leds.pitch * leds.count - leds.gap)) / 2;
+    return leds;
+}
+
+}  // namespace
+
+DrawnLook::DrawnLook(LevelMeterStyle style) : m_style(std::move(style)) {}
+
+LevelMeterMeasures DrawnLook::measures(LevelMeterOrientation /*orientation*/) const {
+    return {0.0F, m_style.thickness, m_style.lightLength, m_style.lightGap};
+}
+
+Color DrawnLook::colorAt(float position) const {
+    Color color = m_style.zones.empty() ? kWhite : m_style.zones.front().color;
+    for (const LevelMeterZone& zone : m_style.zones) {
+        if (position >= zone.start) color = zone.color;
+    }
+    return color;
+}
+
+Color DrawnLook::blendedColorAt(float position) const {
+    for (const LevelMeterZone& zone : m_style.zones) {
+        const float part = (position - zone.start + kBlend) / (2.0F * kBlend);
+        if (zone.start > 0.0F && part > 0.0F && part < 1.0F)
+            return colorAt(zone.start - kBlend).mixedWith(zone.color, part);
+    }
+    return colorAt(position);
+}
+
+LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const {
+    const std::int32_t inset =
+        devicePixels(m_style.edge, request.scale) + devicePixels(m_style.padding, request.scale);
+    const std::int32_t room = request.length - 2 * inset;
+    const Leds leds = layOutLeds(room, m_style.isContinuous ? 0 : request.ledCount, request.scale);
+    LevelMeterPicture picture;
+    picture.start = std::min(inset + leds.start, request.length);
+    picture.end = leds.count > 0 ? picture.start + leds.count * leds.pitch
+                                 : std::max(request.length - inset, picture.start);
+    picture.ledCount = static_cast<std::uint32_t>(leds.count);
+
+    const Color well = paletteFor(request.appearance).well;
+    const auto drawLeds = [&](Brush& brush, const MeterArea& inside, bool isLit) {
+        for (std::int32_t i = 0; i < leds.count; ++i) {
+            const float middle = (static_cast<float>(i) + 0.5F) / static_cast<float>(leds.count);
+            const Color color = colorAt(middle);
+            const std::int32_t low = picture.start + i * leds.pitch;
+            const MeterArea led = inside.part(low, low + leds.pitch - leds.gap);
+            if (isLit) {
+                const MeterArea gap =
+                    inside.part(led.high, std::min(led.high + leds.gap, inside.high));
+                brush.fillRounded(gap, well, well.mixedWith(color, kGlowPart));
+                brush.fillRounded(led, color.mixedWith(kBlack, 0.16F),
+                                  color.mixedWith(kWhite, 0.16F));
+            } else {
+                brush.fill(led, well.mixedWith(color, kUnlitPart));
+            }
+        }
+    };
+    const auto drawContinuous = [&](Brush& brush, const MeterArea& inside, bool isLit) {
+        const auto length = static_cast<float>(picture.end - picture.start);
+        for (std::int32_t low = picture.start; low < picture.end; ++low) {
+            const float position = (static_cast<float>(low - picture.start) + 0.5F) / length;
+            const Color color = blendedColorAt(position);
+            const MeterArea slice = inside.part(low, low + 1);
+            if (isLit) {
+                brush.fillRounded(slice, color.mixedWith(kBlack, 0.16F),
+                                  color.mixedWith(kWhite, 0.16F));
+            } else {
+                brush.fill(slice, well.mixedWith(color, kUnlitPart * 0.6F));
+            }
+        }
+        const std::int32_t width = devicePixels(1.0F, request.scale);
+        for (const float mark : m_style.marks) {
+            const std::int32_t low =
+                picture.start + static_cast<std::int32_t>(std::lround(mark * length));
+            const Color line = isLit ? kBlack.withAlpha(0.42F) : kWhite.withAlpha(0.20F);
+            brush.fill(inside.part(low, std::min(low + width, picture.end)), line);
+        }
+    };
+    const auto drawn = [&](bool isLit) {
+        return drawnImage(request, [&](Brush& brush) {
+            const MeterArea inside = drawWell(brush, request, m_style.edge)
+                                         .inset(devicePixels(m_style.padding, request.scale));
+            if (leds.count > 0)
+                drawLeds(brush, inside, isLit);
+            else
+                drawContinuous(brush, inside, isLit);
+        });
+    };
+    picture.off = drawn(false);
+    picture.on = drawn(true);
+    return picture;
+}
+
+LevelMeterPicture DrawnLook::light(const LevelMeterPictureRequest& request) const {
+    const auto drawn = [&](bool isLit) {
+        return drawnImage(request, [&](Brush& brush) {
+            const MeterArea inside = drawWell(brush, request, m_style.edge);
+            const Color well = paletteFor(request.appearance).well;
+            const Color color = m_style.lightColor;
+            if (!isLit) {
+                brush.fill(inside.inset(devicePixels(m_style.padding, request.scale)),
+                           well.mixedWith(color, kUnlitPart));
+                return;
+            }
+            brush.fill(inside, color);
+            const std::int32_t side =
+                std::max(std::min(inside.high - inside.low, inside.far - inside.near) / 4, 1);
+            brush.fillRounded(inside.inset(side), color.mixedWith(kWhite, 0.55F), kWhite);
+        });
+    };
+    LevelMeterPicture picture;
+    picture.off = drawn(false);
+    picture.on = drawn(true);
+    return picture;
+}
+
+}  // namespace veltra::detail

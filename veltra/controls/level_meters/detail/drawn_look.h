@@ -1,0 +1,23 @@
+// The look that is drawn by code.
+#pragma once
+
+#include "veltra/controls/level_meters/level_meter_look.h"
+
+namespace veltra::detail {
+
+class DrawnLook final : public LevelMeterLook {
+public:
+    explicit DrawnLook(LevelMeterStyle style);
+
+    LevelMeterMeasures measures(LevelMeterOrientation orientation) const override;
+    LevelMeterPicture bar(const LevelMeterPictureRequest& request) const override;
+    LevelMeterPicture light(const LevelMeterPictureRequest& request) const override;
+
+private:
+    Color colorAt(float position) const;
+    Color blendedColorAt(float position) const;
+
+    const LevelMeterStyle m_style;
+};
+
+}  // namespace veltra::detail

@@ -1,0 +1,56 @@
+// Puts a meter together from its pictures.
+#pragma once
+
+#include "veltra/controls/level_meters/detail/meter_layout.h"
+#include "veltra/controls/level_meters/level_meter_look.h"
+
+#include <memory>
+
+namespace veltra {
+class Canvas;
+class UiPort;
+}  // namespace veltra
+
+namespace veltra::detail {
+
+struct MeterLooks {
+    std::shared_ptr<const LevelMeterLook> bar;
+    std::shared_ptr<const LevelMeterLook> light;
+
+    friend bool operator==(const MeterLooks&, const MeterLooks&) = default;
+};
+
+struct MeterState {
+    float level;
+    float maximum;  // 0: none
+    bool isClipped;
+    float inset;  // of the lit part, points
+};
+
+class MeterDrawing {
+public:
+    // Lays out and gets the pictures, unless those at hand fit. `request` leaves the sizes open.
+    void fit(const MeterLooks& looks, Size frame, const LevelMeterPictureRequest& request);
+
+    const MeterLayout& layout() const noexcept { return m_layout; }
+    const LevelMeterPicture& bar() const noexcept { return m_bar; }
+    const LevelMeterPicture& light() const noexcept { return m_light; }
+
+    // `place` begins and ends on borders between device pixels.
+    void draw(Canvas& canvas, const Rect& place, const MeterState& state) const;
+
+private:
+    std::int32_t litEnd(float level) const;
+    void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
+                  const MeterArea& part) const;
+
+    const UiPort* m_port = nullptr;  // whose images they are
+    MeterLooks m_looks;
+    Size m_frame;
+    LevelMeterPictureRequest m_request;
+    MeterLayout m_layout;
+    LevelMeterPicture m_bar;
+    LevelMeterPicture m_light;
+};
+
+}  // namespace veltra::detail

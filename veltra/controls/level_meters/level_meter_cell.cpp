@@ -1,0 +1,277 @@
+#include "veltra/controls/level_meters/level_meter_cell.h"
+
+#include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/controls/level_meters/detail/meter_drawing.h"
+#include "veltra/platform/clock.h"
+#include "veltra/platform/localization.h"
+#include "veltra/platform/ui/canvas.h"
+#include "veltra/platform/ui/view.h"
+#include "veltra/platform/ui/window.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace veltra {
+
+namespace {
+
+constexpr float kNaturalLength = 170.0F;           // points
+constexpr double kShortestTick = 0.005;            // seconds; a display shows no more
+constexpr double kTimerSlack = 1e-6;               // seconds; timers count whole nanoseconds
+constexpr double kQuietest = -99.95;               // decibels; below is silence
+constexpr std::uint64_t kTellPause = 500'000'000;  // nanoseconds
+constexpr float kWorthTelling = 0.01F;
+
+// No time passes while the clock cannot be read.
+std::uint64_t timeNow() noexcept {
+    return Clocks::current().monotonic().nanoseconds;
+}
+
+// One decimal, whatever the locale.
+std::string oneDecimal(double number) {
+    char text[32];
+    const auto end =
+        std::to_chars(text, text + sizeof text, number, std::chars_format::fixed, 1).ptr;
+    const std::string result(text, end);
+    return result == "-0.0" ? "0.0" : result;
+}
+
+}  // namespace
+
+struct QkLevelMeterCell::Drawing : detail::MeterDrawing {};
+
+QkLevelMeterCell::QkLevelMeterCell()
+    : m_timer(1.0, this, veltra::action<&QkLevelMeterCell::timerAction>(), nullptr, false),
+      m_maxtimer(1.0, this, veltra::action<&QkLevelMeterCell::maxtimerAction>(), nullptr, false),
+      m_drawing(std::make_unique<Drawing>()) {}
+
+QkLevelMeterCell::~QkLevelMeterCell() {
+    cutAnchor();
+}
+
+void QkLevelMeterCell::setLevel(float level, bool forceDisplayIfNeeded) {
+    const std::uint64_t now = timeNow();
+    const bool wasPeak = peak();
+    if (m_ballistics.setLevel(level, forceDisplayIfNeeded, now)) setNeedsDisplay();
+    armTimers(now);
+    tellLevel(now, peak() != wasPeak);
+}
+
+void QkLevelMeterCell::setPeak(bool isOn) {
+    const bool changes = isOn != peak();
+    m_ballistics.setPeak(isOn);
+    setNeedsDisplay();
+    if (changes) tellLevel(timeNow(), true);
+}
+
+void QkLevelMeterCell::setFallBackStep(float step) {
+    m_ballistics.setFallBackStep(step);
+    restartTimers();
+}
+
+void QkLevelMeterCell::setFallBackStepTime(double seconds) {
+    m_ballistics.setFallBackStepTime(seconds);
+    restartTimers();
+}
+
+void QkLevelMeterCell::setMaxLevelHoldTime(double seconds) {
+    m_ballistics.setMaxLevelHoldTime(seconds);
+    restartTimers();
+}
+
+// A timer that runs is left alone: when it fires too early, because a level has come meanwhile, it
+// is started again for the rest. That spares each setLevel() a trip to the run loop.
+void QkLevelMeterCell::armTimers(std::uint64_t now) {
+    const auto arm = [](QkTimer& timer, std::optional<double> seconds) {
+        if (!seconds) {
+            timer.stop();
+        } else if (!timer.isValid()) {
+            timer.startWithTimeInterval(*seconds);
+        }
+    };
+    auto toTick = m_ballistics.secondsToTick(now);
+    if (toTick && fallBackStepTime() < kShortestTick) toTick = kShortestTick;  // several steps each
+    arm(m_timer, toTick);
+    arm(m_maxtimer, m_ballistics.secondsToHoldEnd(now));
+}
+
+void QkLevelMeterCell::restartTimers() {
+    m_timer.stop();
+    m_maxtimer.stop();
+    armTimers(timeNow());
+}
+
+void QkLevelMeterCell::timerAction(QkTimer* timer) {
+    const std::uint64_t now = timeNow();
+    const bool isEarly =
+        timer != nullptr && m_ballistics.secondsToTick(now).value_or(0.0) > kTimerSlack;
+    if (!isEarly) {
+        m_ballistics.tick(now);
+        setNeedsDisplay();
+    }
+    armTimers(now);
+    if (!isEarly) tellLevel(now, false);
+}
+
+void QkLevelMeterCell::maxtimerAction(QkTimer* timer) {
+    const std::uint64_t now = timeNow();
+    const bool isEarly =
+        timer != nullptr && m_ballistics.secondsToHoldEnd(now).value_or(0.0) > kTimerSlack;
+    if (!isEarly) {
+        m_ballistics.dropMaximum();
+        setNeedsDisplay();
+    }
+    armTimers(now);
+}
+
+template <typename T>
+void QkLevelMeterCell::change(T& member, T value) {
+    if (member == value) return;
+    member = value;
+    setNeedsDisplay();
+}
+
+void QkLevelMeterCell::setLEDCount(std::uint32_t count) {
+    change(m_LED_count, count);
+}
+
+void QkLevelMeterCell::setOnStateLEDInset(float inset) {
+    change(m_onStateLEDInset, inset > 0.0F ? inset : 0.0F);
+}
+
+void QkLevelMeterCell::setImageIDs(std::int32_t levelMeterImageID, std::int32_t peakLEDImageID) {
+    change(m_levelMeterImageID, levelMeterImageID);
+    change(m_peakLEDImageID, peakLEDImageID);
+}
+
+void QkLevelMeterCell::setOrientation(std::optional<LevelMeterOrientation> orientation) {
+    change(m_orientation, orientation);
+}
+
+LevelMeterOrientation QkLevelMeterCell::orientation() const noexcept {
+    const Size size = cellFrame().size;
+    return m_orientation.value_or(size.width > size.height ? LevelMeterOrientation::Horizontal
+                                                           : LevelMeterOrientation::Vertical);
+}
+
+float QkLevelMeterCell::cellHeight() const {
+    const LevelMeterMeasures bar = levelMeterLook(m_levelMeterImageID)->measures(orientation());
+    if (orientation() == LevelMeterOrientation::Horizontal) return bar.thickness;
+    if (bar.length > 0.0F) {
+        const LevelMeterMeasures light = levelMeterLook(m_peakLEDImageID)->measures(orientation());
+        return bar.length + light.lightGap + light.lightLength;
+    }
+    return controlView() != nullptr ? controlView()->bounds().size.height : kNaturalLength;
+}
+
+Size QkLevelMeterCell::cellSizeForBounds(const Rect& bounds) const {
+    const LevelMeterMeasures bar = levelMeterLook(m_levelMeterImageID)->measures(orientation());
+    const float width = orientation() == LevelMeterOrientation::Vertical ? bar.thickness
+                        : bar.length > 0.0F                              ? bar.length
+                                                                         : kNaturalLength;
+    return {std::min(width, bounds.size.width), std::min(cellHeight(), bounds.size.height)};
+}
+
+const QkLevelMeterCell::Drawing& QkLevelMeterCell::drawing(Size frame, float scale,
+                                                           Appearance appearance) const {
+    m_drawing->fit({levelMeterLook(m_levelMeterImageID), levelMeterLook(m_peakLEDImageID)}, frame,
+                   {0, 0, scale, orientation(), appearance, m_LED_count});
+    return *m_drawing;
+}
+
+const QkLevelMeterCell::Drawing* QkLevelMeterCell::drawingOfFrame() const {
+    if (cellFrame().isEmpty()) return nullptr;
+    const View* const view = controlView();
+    const Window* const window = view != nullptr ? view->window() : nullptr;
+    return &drawing(cellFrame().size, window != nullptr ? window->scale() : 1.0F,
+                    view != nullptr ? view->effectiveAppearance() : Appearance::Light);
+}
+
+Rect QkLevelMeterCell::rectOfPart(bool isLight) const {
+    const View* const view = controlView();
+    const Window* const window = view != nullptr ? view->window() : nullptr;
+    const auto layout = detail::MeterLayout::make(
+        cellFrame().size, window != nullptr ? window->scale() : 1.0F, orientation(),
+        levelMeterLook(m_levelMeterImageID)->measures(orientation()),
+        levelMeterLook(m_peakLEDImageID)->measures(orientation()));
+    return layout.inView(isLight ? layout.light : layout.bar, cellFrame(),
+                         view != nullptr && view->isFlipped());
+}
+
+Rect QkLevelMeterCell::levelMeterRect() const {
+    return rectOfPart(false);
+}
+
+Rect QkLevelMeterCell::peakLEDRect() const {
+    return rectOfPart(true);
+}
+
+std::shared_ptr<const Image> QkLevelMeterCell::levelMeterOffImage() const {
+    const Drawing* const drawn = drawingOfFrame();
+    return drawn != nullptr ? drawn->bar().off : nullptr;
+}
+
+std::shared_ptr<const Image> QkLevelMeterCell::levelMeterOnImage() const {
+    const Drawing* const drawn = drawingOfFrame();
+    return drawn != nullptr ? drawn->bar().on : nullptr;
+}
+
+std::shared_ptr<const Image> QkLevelMeterCell::peakLedOffImage() const {
+    const Drawing* const drawn = drawingOfFrame();
+    return drawn != nullptr ? drawn->light().off : nullptr;
+}
+
+std::shared_ptr<const Image> QkLevelMeterCell::peakLedOnImage() const {
+    const Drawing* const drawn = drawingOfFrame();
+    return drawn != nullptr ? drawn->light().on : nullptr;
+}
+
+void QkLevelMeterCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
+    const Rect place = canvas.alignedToDevice(frame);
+    drawing(place.size, canvas.scale(), view.effectiveAppearance())
+        .draw(canvas, place, {displayLevel(), maxDisplayLevel(), peak(), m_onStateLEDInset});
+}
+
+void QkLevelMeterCell::tellLevel(std::uint64_t now, bool isUrgent) {
+    const bool isDue = !m_toldDate || now < *m_toldDate || now - *m_toldDate >= kTellPause;
+    const bool differs = std::fabs(displayLevel() - m_toldLevel) > kWorthTelling;
+    if (!isUrgent && !(isDue && differs)) return;
+    m_toldLevel = displayLevel();
+    m_toldDate = now;
+    postAccessibilityNotification(AccessibilityNotification::ValueChanged);
+}
+
+AccessibilityElement* QkLevelMeterCell::accessibilityParent() const {
+    AccessibilityElement* const parent = m_accessibilityParent.get();
+    return parent != nullptr ? parent : ActionCell::accessibilityParent();
+}
+
+AccessibilityRole QkLevelMeterCell::accessibilityRole() const {
+    return AccessibilityRole::LevelIndicator;
+}
+
+std::string QkLevelMeterCell::accessibilityName() const {
+    return localizedString(m_accessibilityDescription);
+}
+
+AccessibilityOrientation QkLevelMeterCell::accessibilityOrientation() const {
+    return orientation() == LevelMeterOrientation::Horizontal ? AccessibilityOrientation::Horizontal
+                                                              : AccessibilityOrientation::Vertical;
+}
+
+std::optional<AccessibilityNumber> QkLevelMeterCell::accessibilityNumber() const {
+    return AccessibilityNumber{static_cast<double>(std::min(displayLevel(), 1.0F)), 0.0, 1.0, 0.0};
+}
+
+std::string QkLevelMeterCell::accessibilityValueText() const {
+    const double decibels = m_levelScale == LevelScale::Amplitude
+                                ? decibelsForAmplitude(displayLevel())
+                                : decibelsForMeterPosition(displayLevel());
+    std::string text = decibels > kQuietest ? oneDecimal(decibels) + ' ' + localizedString("dB")
+                                            : localizedString("silence");
+    if (peak()) text += ", " + localizedString("clipped");
+    return text;
+}
+
+}  // namespace veltra

@@ -1,0 +1,148 @@
+// One channel of a level meter: the level shown falls steadily, the highest level is held for a
+// while, and a light goes on when the channel clips and stays on.
+//
+//   auto meter = std::make_unique<DfStereoLevelMeterView>(Rect{{8, 8}, {28, 180}});
+//   meter->setLevelL(meterPositionForAmplitude(left), meterPositionForAmplitude(right));
+//
+// It works without a view and without a toolkit: setLevel() then moves the model, and the getters
+// tell what would be shown. While no level comes, two timers on the thread's run loop let the
+// display fall and the held maximum end; where nobody runs that loop, the next setLevel() makes up
+// for it. LevelBallistics is the same without clock and timers.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/controls/level_meters/level_ballistics.h"
+#include "veltra/controls/level_meters/level_meter_look.h"
+#include "veltra/controls/level_meters/level_meter_looks.h"
+#include "veltra/infrastructure/timer.h"
+#include "veltra/platform/ui/action_cell.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace veltra {
+
+class VELTRA_EXPORT QkLevelMeterCell : public ActionCell {
+public:
+    QkLevelMeterCell();
+    ~QkLevelMeterCell() override;
+
+    // The level. Numbers out of range are answered as LevelBallistics says. Asks the control view
+    // to draw cellFrame() again when that is due, or in any case with `forceDisplayIfNeeded`.
+    void setLevel(float level, bool forceDisplayIfNeeded = false);
+    float level() const noexcept { return m_ballistics.level(); }
+    float displayLevel() const noexcept { return m_ballistics.displayLevel(); }
+    float maxDisplayLevel() const noexcept { return m_ballistics.maxDisplayLevel(); }
+
+    // The clip light; goes on by itself, off only here. Always draws the cell again.
+    bool peak() const noexcept { return m_ballistics.peak(); }
+    void setPeak(bool isOn);
+
+    // What LevelBallistics says, with its defaults: 0.01 each 1/30 s, held for 1.5 s.
+    float fallBackStep() const noexcept { return m_ballistics.fallBackStep(); }
+    void setFallBackStep(float step);
+    double fallBackStepTime() const noexcept { return m_ballistics.fallBackStepTime(); }
+    void setFallBackStepTime(double seconds);
+    double maxLevelHoldTime() const noexcept { return m_ballistics.maxLevelHoldTime(); }
+    void setMaxLevelHoldTime(double seconds);
+
+    // One step down. The decay timer calls it when no level has come for a fallBackStepTime();
+    // `timer` is null when somebody else does. Always draws the cell again.
+    void timerAction(QkTimer* timer);
+    // Ends the held maximum, likewise.
+    void maxtimerAction(QkTimer* timer);
+
+    // The number of LEDs; 0 shows a continuous bar. 32 to begin with: LEDs of 4 points and gaps of
+    // 1 in a meter 170 points long. More than there are pixels count as 0.
+    std::uint32_t LEDCount() const noexcept { return m_LED_count; }
+    void setLEDCount(std::uint32_t count);
+
+    // What is cut off all around the lit part of the bar, in points: for images whose LEDs have a
+    // border. 0 to begin with; below 0 or no number counts as 0.
+    float onStateLEDInset() const noexcept { return m_onStateLEDInset; }
+    void setOnStateLEDInset(float inset);
+
+    // The looks of the bar and of the clip light, see level_meter_looks.h.
+    std::int32_t levelMeterImageID() const noexcept { return m_levelMeterImageID; }
+    std::int32_t peakLEDImageID() const noexcept { return m_peakLEDImageID; }
+    void setImageIDs(std::int32_t levelMeterImageID, std::int32_t peakLEDImageID);
+
+    // Nothing, as to begin with: horizontal where the frame is wider than high.
+    void setOrientation(std::optional<LevelMeterOrientation> orientation);
+    LevelMeterOrientation orientation() const noexcept;
+
+    // The height that the meter wants, in points. Lying: the thickness of the bar. Upright: the
+    // images' height; looks drawn by code take that of the control view, 170 without one.
+    float cellHeight() const;
+    Size cellSizeForBounds(const Rect& bounds) const override;
+
+    // Where the bar and the clip light are, in the control view. Empty before the cell has a frame.
+    Rect levelMeterRect() const;
+    Rect peakLEDRect() const;
+
+    // The images for the present frame and window; null before the first frame and where images
+    // cannot be drawn.
+    std::shared_ptr<const Image> levelMeterOffImage() const;
+    std::shared_ptr<const Image> levelMeterOnImage() const;
+    std::shared_ptr<const Image> peakLedOffImage() const;
+    std::shared_ptr<const Image> peakLedOnImage() const;
+
+    void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) override;
+
+    // Accessibility. A change of the level is told at most twice a second, the clip light at once.
+
+    // What the levels are, for the words in which a screen reader tells them in decibels.
+    enum class LevelScale : std::uint8_t {
+        Amplitude,  // linear, to begin with
+        Decibels,   // positions of decibel_scale.h
+    };
+    void setLevelScale(LevelScale scale) noexcept { m_levelScale = scale; }
+
+    // The name, a key of localizedString(). "level" to begin with.
+    void setAccessibilityDescription(std::string key) {
+        m_accessibilityDescription = std::move(key);
+    }
+    // Not retained; null: the control view.
+    void setAccessibilityParent(AccessibilityElement* parent) { m_accessibilityParent = parent; }
+    AccessibilityElement* accessibilityParent() const override;
+    AccessibilityRole accessibilityRole() const override;
+    std::string accessibilityName() const override;
+    AccessibilityOrientation accessibilityOrientation() const override;
+    std::optional<AccessibilityNumber> accessibilityNumber() const override;
+    // Such as "-12.3 dB", "silence", "-0.2 dB, clipped"; the words are keys of localizedString().
+    std::string accessibilityValueText() const override;
+
+private:
+    struct Drawing;  // the layout and the pictures
+
+    void armTimers(std::uint64_t now);
+    void restartTimers();
+    void tellLevel(std::uint64_t now, bool isUrgent);
+    const Drawing& drawing(Size frame, float scale, Appearance appearance) const;
+    const Drawing* drawingOfFrame() const;
+    Rect rectOfPart(bool isLight) const;
+    template <typename T>
+    void change(T& member, T value);
+
+    LevelBallistics m_ballistics;
+    QkTimer m_timer;
+    QkTimer m_maxtimer;
+    std::int32_t m_levelMeterImageID = kLevelMeterImageLED;
+    std::int32_t m_peakLEDImageID = kLevelMeterImageLED;
+    std::uint32_t m_LED_count = 32;
+    float m_onStateLEDInset = 0.0F;
+    std::optional<LevelMeterOrientation> m_orientation;
+    const std::unique_ptr<Drawing> m_drawing;  // kept as long as it fits
+
+    WeakPointer<AccessibilityElement> m_accessibilityParent;
+    std::string m_accessibilityDescription = "level";
+    LevelScale m_levelScale = LevelScale::Amplitude;
+    float m_toldLevel = 0.0F;
+    std::optional<std::uint64_t> m_toldDate;
+};
+
+}  // namespace veltra

@@ -1,0 +1,103 @@
+// What a level meter looks like: a look makes the four images that a meter is put together from,
+// the bar and the clip light, each unlit and lit. There are looks drawn by code, sharp at every
+// scale, in light and dark windows, and looks made of ready images.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/platform/ui/appearance.h"
+#include "veltra/platform/ui/color.h"
+#include "veltra/platform/ui/image.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace veltra {
+
+// Vertical meters rise from the bottom to the top, horizontal ones from left to right; the clip
+// light is at the far end.
+enum class LevelMeterOrientation : std::uint8_t { Vertical, Horizontal };
+
+// In points. "Length" runs with the level, "thickness" across.
+struct LevelMeterMeasures {
+    float length = 0.0F;  // of the bar; 0: as long as there is room
+    float thickness = 0.0F;
+    float lightLength = 0.0F;  // of the clip light; 0: it has none
+    float lightGap = 0.0F;     // between the bar and the clip light
+};
+
+// The bar, or the clip light, of one meter.
+struct LevelMeterPictureRequest {
+    std::int32_t length = 0;  // device pixels
+    std::int32_t thickness = 0;
+    float scale = 1.0F;  // device pixels a point
+    LevelMeterOrientation orientation = LevelMeterOrientation::Vertical;
+    Appearance appearance = Appearance::Light;
+    std::uint32_t ledCount = 0;  // 0: a continuous bar
+
+    friend bool operator==(const LevelMeterPictureRequest&,
+                           const LevelMeterPictureRequest&) = default;
+};
+
+// Both images have the same size; null where they cannot be drawn, and then nothing is.
+struct LevelMeterPicture {
+    std::shared_ptr<const Image> off;
+    std::shared_ptr<const Image> on;
+    // Of a bar: the part that levels from 0 to 1 light, in device pixels from the low end. With
+    // LEDs it holds ledCount of them, all of one length; a gap belongs to the LED below it.
+    std::int32_t start = 0;
+    std::int32_t end = 0;
+    std::uint32_t ledCount = 0;
+};
+
+class VELTRA_EXPORT LevelMeterLook {
+public:
+    LevelMeterLook() = default;
+    LevelMeterLook(const LevelMeterLook&) = delete;
+    LevelMeterLook& operator=(const LevelMeterLook&) = delete;
+    virtual ~LevelMeterLook();
+
+    virtual LevelMeterMeasures measures(LevelMeterOrientation orientation) const = 0;
+
+    // Called when no picture of such a request is at hand. The answer is kept and shared by all
+    // meters with an equal request, so it must depend on the request alone.
+    virtual LevelMeterPicture bar(const LevelMeterPictureRequest& request) const = 0;
+    virtual LevelMeterPicture light(const LevelMeterPictureRequest& request) const = 0;
+};
+
+// A colour from a position on.
+struct LevelMeterZone {
+    float start;  // 0 to 1
+    Color color;  // of what is lit; what is not is a shade of it
+};
+
+// Green, amber from -9 dB, red from -3 dB, at their places of the decibel scale. The three differ
+// in lightness as well as in hue: amber is the lightest, red the darkest, and the green has some
+// blue in it, so that they can be told apart with any kind of colour vision.
+VELTRA_EXPORT std::vector<LevelMeterZone> defaultLevelMeterZones();
+
+// What the looks drawn by code leave open. Sizes in points.
+struct LevelMeterStyle {
+    std::vector<LevelMeterZone> zones = defaultLevelMeterZones();  // in rising order, not empty
+    std::vector<float> marks;   // positions of thin lines across a continuous bar
+    bool isContinuous = false;  // also where a number of LEDs is set
+    float thickness = 12.0F;
+    float edge = 1.0F;     // the frame of the well
+    float padding = 1.0F;  // between the frame and the LEDs
+    float lightLength = 8.0F;
+    float lightGap = 2.0F;
+    Color lightColor = Color::fromRgb(0xFF4B3E);
+};
+
+// A dark well with LEDs or a continuous bar. The images are opaque.
+VELTRA_EXPORT std::shared_ptr<const LevelMeterLook> drawnLevelMeterLook(LevelMeterStyle style);
+
+// Ready images, drawn in their own size. The lit part of the bar runs over the whole image. Null
+// stands for an image that is not drawn.
+VELTRA_EXPORT std::shared_ptr<const LevelMeterLook> levelMeterLookOfImages(
+    std::shared_ptr<const Image> levelMeterOff, std::shared_ptr<const Image> levelMeterOn,
+    std::shared_ptr<const Image> peakLedOff, std::shared_ptr<const Image> peakLedOn);
+
+}  // namespace veltra

@@ -1,0 +1,65 @@
+#include "veltra/controls/level_meters/level_meter_looks.h"
+
+#include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/platform/detail/immortal.h"
+
+#include <map>
+#include <utility>
+
+namespace veltra {
+
+namespace {
+
+using Looks = std::map<std::int32_t, std::shared_ptr<const LevelMeterLook>>;
+
+LevelMeterStyle barStyle() {
+    LevelMeterStyle style;
+    style.isContinuous = true;
+    for (const double decibels : {-40.0, -30.0, -20.0, -9.0, -3.0})
+        style.marks.push_back(meterPositionForDecibels(decibels));
+    return style;
+}
+
+LevelMeterStyle slimStyle() {
+    LevelMeterStyle style = barStyle();
+    style.marks.clear();
+    style.thickness = 6.0F;
+    style.edge = 0.0F;
+    style.padding = 0.0F;
+    style.lightLength = 4.0F;
+    style.lightGap = 1.0F;
+    return style;
+}
+
+const Looks& builtIn() {
+    static const Immortal<Looks> looks(
+        Looks{{kLevelMeterImageLED, drawnLevelMeterLook(LevelMeterStyle{})},
+              {kLevelMeterImageBar, drawnLevelMeterLook(barStyle())},
+              {kLevelMeterImageSlim, drawnLevelMeterLook(slimStyle())}});
+    return *looks;
+}
+
+Looks& registered() {
+    static const Immortal<Looks> looks;
+    return *looks;
+}
+
+}  // namespace
+
+void registerLevelMeterLook(std::int32_t imageID, std::shared_ptr<const LevelMeterLook> look) {
+    if (look) {
+        registered()[imageID] = std::move(look);
+    } else {
+        registered().erase(imageID);
+    }
+}
+
+std::shared_ptr<const LevelMeterLook> levelMeterLook(std::int32_t imageID) {
+    for (const Looks* looks : {&std::as_const(registered()), &builtIn()}) {
+        const auto found = looks->find(imageID);
+        if (found != looks->end()) return found->second;
+    }
+    return imageID != kLevelMeterImageLED ? levelMeterLook(kLevelMeterImageLED) : nullptr;
+}
+
+}  // namespace veltra

@@ -1,0 +1,180 @@
+#include "veltra/controls/level_meters/stereo_level_meter_view.h"
+
+#include "veltra/platform/ui/canvas.h"
+
+#include <algorithm>
+
+namespace veltra {
+
+DfStereoLevelMeterView::DfStereoLevelMeterView(const Rect& frame) : Control(frame) {
+    for (QkLevelMeterCell* cell : {&m_cellL, &m_cellR}) {
+        cell->setControlView(this);
+        cell->setAccessibilityParent(this);
+    }
+    m_cellL.setAccessibilityDescription("left stereo");
+    m_cellR.setAccessibilityDescription("right stereo");
+    layOut();
+}
+
+DfStereoLevelMeterView::~DfStereoLevelMeterView() {
+    cutAnchor();
+}
+
+CellFactory DfStereoLevelMeterView::cellClass() {
+    return cellFactory<QkLevelMeterCell>();
+}
+
+void DfStereoLevelMeterView::setLevelL(float levelL, float levelR, bool forceDisplayIfNeeded) {
+    const WeakPointer<View> self(this);
+    m_cellL.setLevel(levelL, forceDisplayIfNeeded);
+    if (self) m_cellR.setLevel(levelR, forceDisplayIfNeeded);
+}
+
+void DfStereoLevelMeterView::setPeakL(bool isOn) {
+    m_cellL.setPeak(isOn);
+}
+
+void DfStereoLevelMeterView::setPeakR(bool isOn) {
+    m_cellR.setPeak(isOn);
+}
+
+void DfStereoLevelMeterView::setLEDCount(std::uint32_t count) {
+    m_cellL.setLEDCount(count);
+    m_cellR.setLEDCount(count);
+}
+
+void DfStereoLevelMeterView::setFallBackStep(float step) {
+    m_cellL.setFallBackStep(step);
+    m_cellR.setFallBackStep(step);
+}
+
+void DfStereoLevelMeterView::setFallBackStepTime(double seconds) {
+    m_cellL.setFallBackStepTime(seconds);
+    m_cellR.setFallBackStepTime(seconds);
+}
+
+void DfStereoLevelMeterView::setMaxLevelHoldTime(double seconds) {
+    m_cellL.setMaxLevelHoldTime(seconds);
+    m_cellR.setMaxLevelHoldTime(seconds);
+}
+
+void DfStereoLevelMeterView::setOnStateLEDInset(float inset) {
+    m_cellL.setOnStateLEDInset(inset);
+    m_cellR.setOnStateLEDInset(inset);
+}
+
+void DfStereoLevelMeterView::setImageIDs(std::int32_t levelMeterImageID,
+                                         std::int32_t peakLEDImageID) {
+    m_ImageIDLevel = levelMeterImageID;
+    m_ImageIDPeak = peakLEDImageID;
+    m_cellL.setImageIDs(m_ImageIDLevel, m_ImageIDPeak);
+    m_cellR.setImageIDs(m_ImageIDLevel, m_ImageIDPeak);
+    layOut();
+}
+
+void DfStereoLevelMeterView::setOrientation(std::optional<LevelMeterOrientation> orientation) {
+    m_orientation = orientation;
+    layOut();
+}
+
+LevelMeterOrientation DfStereoLevelMeterView::orientation() const noexcept {
+    const Size size = bounds().size;
+    return m_orientation.value_or(size.width > size.height ? LevelMeterOrientation::Horizontal
+                                                           : LevelMeterOrientation::Vertical);
+}
+
+void DfStereoLevelMeterView::setPadding(std::int32_t padding) {
+    m_padding = std::max(padding, 0);
+    layOut();
+}
+
+void DfStereoLevelMeterView::getCellFrames(Rect& left, Rect& right) const {
+    const Size whole = bounds().size;
+    const auto gap = static_cast<float>(m_padding);
+    const float wanted = m_cellL.cellHeight();
+    if (orientation() == LevelMeterOrientation::Vertical) {
+        const float width = std::max((whole.width - gap) * 0.5F, 0.0F);
+        const float height = std::min(wanted, whole.height);
+        const float low = isFlipped() ? whole.height - height : 0.0F;  // they stand on the bottom
+        left = {{0.0F, low}, {width, height}};
+        right = {{width + gap, low}, {width, height}};
+        return;
+    }
+    const float height = std::min(wanted, std::max((whole.height - gap) * 0.5F, 0.0F));
+    const float near = (whole.height - 2.0F * height - gap) * 0.5F;
+    const float far = near + height + gap;
+    left = {{0.0F, isFlipped() ? near : far}, {whole.width, height}};
+    right = {{0.0F, isFlipped() ? far : near}, {whole.width, height}};
+}
+
+void DfStereoLevelMeterView::layOut() {
+    m_cellL.setOrientation(orientation());
+    m_cellR.setOrientation(orientation());
+    Rect left;
+    Rect right;
+    getCellFrames(left, right);
+    m_cellL.calculateInternalsFromCellFrame(left, *this);
+    m_cellR.calculateInternalsFromCellFrame(right, *this);
+
+    const auto renew = [this](std::int32_t& tag, const Rect& rect, const std::string& text) {
+        toolTips().removeToolTip(tag);
+        tag = text.empty() || rect.isEmpty() ? 0 : toolTips().addToolTipRect(rect, text);
+    };
+    renew(m_ToolTipTagLevelL, m_cellL.levelMeterRect(), m_levelText);
+    renew(m_ToolTipTagLevelR, m_cellR.levelMeterRect(), m_levelText);
+    renew(m_ToolTipTagPeakL, m_cellL.peakLEDRect(), m_peakText);
+    renew(m_ToolTipTagPeakR, m_cellR.peakLEDRect(), m_peakText);
+    setNeedsDisplay();
+}
+
+void DfStereoLevelMeterView::setToolTips(const std::string& levelText,
+                                         const std::string& peakText) {
+    m_levelText = levelText;
+    m_peakText = peakText;
+    layOut();
+}
+
+void DfStereoLevelMeterView::viewDidMoveToWindow() {
+    Control::viewDidMoveToWindow();
+    layOut();  // the window's scale moves the clip lights by fractions of a point
+}
+
+void DfStereoLevelMeterView::mouseDown(const Event& /*event*/) {
+    if (isEnabled()) clearPeaksAndSendAction();
+}
+
+void DfStereoLevelMeterView::clearPeaksAndSendAction() {
+    const WeakPointer<View> self(this);
+    layOut();
+    m_cellL.setPeak(false);
+    if (self) m_cellR.setPeak(false);
+    if (!self) return;
+    setNeedsDisplay();
+    sendAction();
+}
+
+void DfStereoLevelMeterView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
+    for (QkLevelMeterCell* cell : {&m_cellL, &m_cellR}) {
+        if (needsToDrawRect(cell->cellFrame()))
+            cell->drawWithFrame(canvas, cell->cellFrame(), *this);
+    }
+}
+
+std::vector<AccessibilityElement*> DfStereoLevelMeterView::accessibilityChildren() const {
+    std::vector<AccessibilityElement*> children = Control::accessibilityChildren();
+    for (const QkLevelMeterCell* cell : {&m_cellL, &m_cellR})
+        children.push_back(const_cast<QkLevelMeterCell*>(cell));
+    return children;
+}
+
+std::vector<AccessibilityAction> DfStereoLevelMeterView::accessibilityActions() const {
+    return {AccessibilityAction::Press};
+}
+
+bool DfStereoLevelMeterView::performAccessibilityAction(AccessibilityAction action) {
+    if (action != AccessibilityAction::Press || !isEnabled()) return false;
+    clearPeaksAndSendAction();
+    return true;
+}
+
+}  // namespace veltra

@@ -1,0 +1,92 @@
+// Two level meters side by side, left and right. A click puts out both clip lights and sends the
+// action.
+//
+// Upright meters stand beside each other, lying ones above each other with the left channel on top.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/controls/level_meters/level_meter_cell.h"
+#include "veltra/platform/ui/cell_factory.h"
+#include "veltra/platform/ui/control.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace veltra {
+
+class VELTRA_EXPORT DfStereoLevelMeterView : public Control {
+public:
+    explicit DfStereoLevelMeterView(const Rect& frame = {});
+    ~DfStereoLevelMeterView() override;
+
+    // Of its cells: QkLevelMeterCell.
+    static CellFactory cellClass();
+    QkLevelMeterCell& cellL() noexcept { return m_cellL; }
+    QkLevelMeterCell& cellR() noexcept { return m_cellR; }
+
+    // The selectors of QkLevelMeterCell for one or both cells, left before right.
+    void setLevelL(float levelL, float levelR, bool forceDisplayIfNeeded = false);
+    float levelL() const noexcept { return m_cellL.level(); }
+    float levelR() const noexcept { return m_cellR.level(); }
+    void setPeakL(bool isOn);
+    void setPeakR(bool isOn);
+    void setLEDCount(std::uint32_t count);
+    void setFallBackStep(float step);
+    void setFallBackStepTime(double seconds);
+    void setMaxLevelHoldTime(double seconds);
+    void setOnStateLEDInset(float inset);
+    void setImageIDs(std::int32_t levelMeterImageID, std::int32_t peakLEDImageID);
+
+    // Nothing, as to begin with: lying where the view is wider than high.
+    void setOrientation(std::optional<LevelMeterOrientation> orientation);
+    LevelMeterOrientation orientation() const noexcept;
+
+    // Between the cells, in points. 2 to begin with; below 0 counts as 0.
+    std::int32_t padding() const noexcept { return m_padding; }
+    void setPadding(std::int32_t padding);
+
+    // What appears when the pointer rests on the bars and on the clip lights; empty: nothing.
+    void setToolTips(const std::string& levelText, const std::string& peakText);
+
+    // A click on a disabled view is swallowed.
+    void mouseDown(const Event& event) override;
+    void mouseDragged(const Event& /*event*/) override {}
+    void mouseUp(const Event& /*event*/) override {}
+    void drawRect(Canvas& canvas, const Rect& dirty) override;
+    void appearanceDidChange() override { layOut(); }
+    void viewDidMoveToWindow() override;
+
+    // A group of two level indicators, "left stereo" and "right stereo" (keys of
+    // localizedString()). Press does what a click does.
+    AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
+    std::vector<AccessibilityElement*> accessibilityChildren() const override;
+    std::vector<AccessibilityAction> accessibilityActions() const override;
+    bool performAccessibilityAction(AccessibilityAction action) override;
+
+protected:
+    void frameDidChange() override { layOut(); }
+
+private:
+    // The cells' frames. Each cell has its cellHeight(), less where the bounds are too low; lying
+    // ones keep to the middle.
+    void getCellFrames(Rect& left, Rect& right) const;
+    void layOut();
+    void clearPeaksAndSendAction();
+
+    QkLevelMeterCell m_cellL;
+    QkLevelMeterCell m_cellR;
+    std::int32_t m_ImageIDLevel = kLevelMeterImageLED;
+    std::int32_t m_ImageIDPeak = kLevelMeterImageLED;
+    std::int32_t m_ToolTipTagLevelL = 0;  // 0: none
+    std::int32_t m_ToolTipTagLevelR = 0;
+    std::int32_t m_ToolTipTagPeakL = 0;
+    std::int32_t m_ToolTipTagPeakR = 0;
+    std::int32_t m_padding = 2;
+    std::string m_levelText;
+    std::string m_peakText;
+    std::optional<LevelMeterOrientation> m_orientation;
+};
+
+}  // namespace veltra
