@@ -1,6 +1,7 @@
 #include "engine.h"
 
 #include "block.h"
+#include "mixing.h"
 
 #include <algorithm>
 #include <new>
@@ -18,7 +19,8 @@ Engine::~Engine() {
 
 StripId Engine::add(std::unique_ptr<AudioFile> file) {
     const bool live = m_feeding == Feeding::ByThread;
-    auto strip = std::make_unique<Strip>(std::move(file), live ? m_rate : 0.0, m_aheadFrames);
+    const double rate = m_feeding == Feeding::ByCaller ? 0.0 : m_rate;
+    auto strip = std::make_unique<Strip>(std::move(file), rate, m_aheadFrames);
     if (live) {
         // A head start before the audio thread can see it: no underrun at the first block.
         strip->feed();
@@ -87,14 +89,42 @@ StripResult Engine::resultOf(const Entry& entry) {
     return result;
 }
 
+bool Engine::isDrained() const noexcept {
+    return std::all_of(m_strips.begin(), m_strips.end(), [](const Entry& entry) {
+        return entry.removed || entry.strip->isDrained();
+    });
+}
+
+void Engine::setMuted(StripId id, bool muted) noexcept {
+    for (const Entry& entry : m_strips) {
+        if (entry.id == id) entry.strip->setMuted(muted);
+    }
+}
+
 std::vector<StripMeter> Engine::meters() {
     std::vector<StripMeter> meters;
     for (const Entry& entry : m_strips) {
         if (entry.removed) continue;
-        meters.push_back(
-            {entry.id, entry.strip->path(), entry.strip->takePeak(), entry.strip->underruns()});
+        StripMeter& meter = meters.emplace_back();
+        meter.id = entry.id;
+        meter.path = entry.strip->path();
+        meter.peaks = entry.strip->takePeaks();
+        meter.peak = *std::max_element(meter.peaks.begin(), meter.peaks.end());
+        meter.underruns = entry.strip->underruns();
+        meter.muted = entry.strip->isMuted();
+        meter.channels = entry.strip->format().channels;
+        meter.rate = entry.strip->format().rate;
+        meter.framesPlayed = entry.strip->framesPlayed();
+        meter.framesTotal = entry.strip->framesTotal();
     }
     return meters;
+}
+
+OutputPeaks Engine::takeOutputPeaks() noexcept {
+    OutputPeaks peaks{};
+    for (std::size_t i = 0; i < peaks.size(); ++i)
+        peaks[i] = m_outputPeaks[i].take();
+    return peaks;
 }
 
 void Engine::feed(std::uint32_t frames) {
@@ -115,6 +145,9 @@ void Engine::processBlock(float* const* outputs, std::uint32_t outputCount,
     m_ticks.store(music.m_positionInTicks, std::memory_order_relaxed);
     Block block{outputs, outputCount, frames, position, music};
     m_list.Iterate(kRenderMessage, &block);
+    for (std::uint32_t out = 0; out < outputCount; ++out) {
+        m_outputPeaks[out % m_outputPeaks.size()].raise(largestMagnitude(outputs[out], frames));
+    }
     m_position.store(position + frames, std::memory_order_relaxed);
     m_finished.fetch_add(1, std::memory_order_release);  // with collect()
 }

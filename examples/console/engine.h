@@ -11,11 +11,13 @@
 // new walk sees the removal, or we see the walk.
 #pragma once
 
+#include "peak_hold.h"
 #include "reader_thread.h"
 #include "strip.h"
 #include "transport.h"
 #include "veltra/audio/add_remove_iterate_list.h"
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -44,20 +46,31 @@ struct StripResult {
 struct StripMeter {
     StripId id = 0;
     std::string path;
-    float peak = 0.0F;  // since the last look
+    float peak = 0.0F;         // the largest of `peaks`
+    std::vector<float> peaks;  // since the last look, of each channel as it is mixed
     std::uint64_t underruns = 0;
+    bool muted = false;
+    int channels = 0;                // of the file, so many are `peaks`
+    int rate = 0;                    // the file's own, in frames a second
+    std::uint64_t framesPlayed = 0;  // in the file's own frames; see Strip::framesPlayed()
+    std::uint64_t framesTotal = 0;   // 0: unknown
 };
+
+// The largest magnitude of each output. Those beyond the second are folded: even ones count with
+// the first, odd ones with the second. Of an output that is not there it is 0.
+using OutputPeaks = std::array<float, 2>;
 
 class Engine {
 public:
     enum class Feeding {
-        ByThread,  // for a real-time output: a thread of the engine reads ahead
-        ByCaller,  // offline: the caller feeds before each block
+        ByThread,           // for a real-time output: a thread of the engine reads ahead
+        ByCaller,           // offline, to measure: the caller feeds before each block
+        ByCallerResampled,  // offline, to hear or see the files together: the caller feeds, too
     };
 
-    // `rate` is the output's, in frames a second; offline every file plays at its own rate, and
-    // `rate` is only the transport's. `aheadFrames` is how far reading runs ahead of playing, at
-    // least kChunkFrames.
+    // `rate` is the output's, in frames a second, and files of other rates are resampled to it.
+    // With ByCaller every file plays at its own rate, and `rate` is only the transport's.
+    // `aheadFrames` is how far reading runs ahead of playing, at least kChunkFrames.
     Engine(Feeding feeding, std::int32_t rate, std::size_t aheadFrames);
     Engine(Feeding feeding, std::int32_t rate)
         : Engine(feeding, rate, feeding == Feeding::ByThread ? kAheadFrames : kChunkFrames) {}
@@ -80,11 +93,21 @@ public:
     // Strips that play or wait for their end. Thread: main.
     std::size_t stripCount() const noexcept { return m_strips.size(); }
 
-    // Thread: main.
+    // Whether every strip has played to its end, also when there is none. Thread: main.
+    bool isDrained() const noexcept;
+
+    // A strip that is not there is no error. Thread: main.
+    void setMuted(StripId id, bool muted) noexcept;
+
+    // Of the strips that play or wait for their end, in the order in which they were added. Takes
+    // the peaks. Thread: main.
     std::vector<StripMeter> meters();
 
+    // Of the whole mix, since the last call. Thread: main.
+    OutputPeaks takeOutputPeaks() noexcept;
+
     // Fills the rings so that blocks of `frames` in all (at most `aheadFrames`) can be rendered.
-    // With Feeding::ByCaller only. Thread: that of processBlock.
+    // Not with Feeding::ByThread. Thread: that of processBlock.
     void feed(std::uint32_t frames);
 
     // Renders the next block: clears `outputs`, lets every strip add itself, moves the transport.
@@ -127,6 +150,7 @@ private:
     std::atomic<std::uint64_t> m_finished{0};  // blocks; audio thread counts, main thread reads
     std::atomic<std::int64_t> m_position{0};   // audio thread moves, any thread reads
     std::atomic<std::int32_t> m_ticks{0};      // as the position, of the last block's beginning
+    std::array<PeakHold, std::tuple_size_v<OutputPeaks>> m_outputPeaks;  // audio raises, main takes
 };
 
 }  // namespace veltra::console

@@ -4,6 +4,7 @@
 #include "block.h"
 #include "test_recordings.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -55,9 +56,7 @@ TEST(Engine, OfflineTheMixIsTheSumOfItsFilesAndEachIsMeasuredWhole) {
 }
 
 TEST(Engine, ResamplingKeepsPitchAndLevelAndLeavesTheMeasurementAlone) {
-    const std::string path = folder() + "sine.wav";
-    ASSERT_EQ(shell("sox -V1 -n -r 44100 -c 1 -b 24 " + path + " synth 1 sine 1000 gain -6"), 0);
-    Strip strip(mustOpen(path), 48000, 65536);
+    Strip strip(mustOpen(synthetic("sine.wav", 44100, "1 sine 1000 gain -6")), 48000, 65536);
     while (strip.feed()) {
     }
     std::vector<float> samples(65536);
@@ -74,6 +73,58 @@ TEST(Engine, ResamplingKeepsPitchAndLevelAndLeavesTheMeasurementAlone) {
     EXPECT_NEAR(decibels(measure(output, 48000, 1.0F).rms()), -9.01, 0.02);
     EXPECT_NEAR(decibels(strip.measurement().rms()), -9.01, 0.001);
     EXPECT_EQ(strip.measurement().samples, 44100U);
+}
+
+TEST(Engine, MutingFadesOverFiveMillisecondsAndPeaksAreThoseOfTheMix) {
+    constexpr int kRamp = 221;  // 5 ms, to the next frame
+    constexpr std::array kChannels{0.125F, 0.25F, 0.5F, 0.375F, 0.75F, 0.5F};  // all along
+    const auto path = synthetic("six.wav", 44100,
+                                "4000s sin 9 vol 0 dcshift 0.5 remix 1v.25 1v.5 1 1v.75 1v1.5 1");
+    Engine engine(Engine::Feeding::ByCaller, 44100);
+    const StripId id = engine.add(mustOpen(path));
+    engine.setMuted(engine.add(mustOpen(path)), true);  // never makes a sound
+    std::array<float, 500> left{};
+    std::array<float, 500> right{};
+    const std::array<float*, 2> outputs{left.data(), right.data()};
+    int open = kRamp;
+    // The third turns round on the way, the fifth is silent throughout.
+    for (const int block : {500, -100, 50, -500, -300, 500}) {
+        const auto frames = static_cast<std::uint32_t>(std::abs(block));
+        engine.setMuted(id, block < 0);
+        engine.feed(frames);
+        engine.processBlock(outputs.data(), 2, frames);
+        float highest = 0.0F;
+        for (std::uint32_t f = 0; f < frames; ++f) {
+            open = std::clamp(open + (block < 0 ? -1 : 1), 0, kRamp);
+            const float gain = static_cast<float>(open) / kRamp;
+            ASSERT_NEAR(right[f], gain * 9 / 8, open % kRamp == 0 ? 0.0F : 1e-6F) << f;
+            highest = std::max(highest, gain);
+        }
+        const StripMeter meter = engine.meters()[0];
+        for (std::size_t c = 0; c < kChannels.size(); ++c)
+            EXPECT_EQ(meter.peaks.at(c), kChannels[c] * highest);
+        EXPECT_NEAR(engine.takeOutputPeaks()[0], highest * 11 / 8, 1e-6F);
+        EXPECT_EQ(meter.framesPlayed, static_cast<std::uint64_t>(engine.position()));
+    }
+}
+
+TEST(Engine, NoPeakIsTakenTwiceAndNoneIsLostBehindASmallerOne) {
+    PeakHold hold;
+    std::atomic<bool> done{false};
+    std::thread audio([&] {
+        for (int i = 1; i < 200'000; ++i)  // up by odd ones, down by even ones
+            hold.raise(static_cast<float>(std::min(2 * i - 1, 400'000 - 2 * i)));
+        done.store(true, std::memory_order_release);
+    });
+    std::vector<float> taken;
+    while (!done.load(std::memory_order_acquire)) {
+        if (const float peak = hold.take(); peak > 0.0F) taken.push_back(peak);
+    }
+    audio.join();
+    taken.push_back(hold.take());
+    std::sort(taken.begin(), taken.end());
+    EXPECT_EQ(std::adjacent_find(taken.begin(), taken.end()), taken.end());
+    EXPECT_EQ(taken.back(), 199'999.0F);
 }
 
 // The output runs all the while; some strips come to their end, the others are taken out before.
@@ -100,6 +151,8 @@ TEST(Engine, StripsComeAndGoWhileTheOutputRuns) {
         const StripId id = engine.add(mustOpen(path));
         wasTakenOut[id] = i % 3 == 0;
         if (wasTakenOut[id]) engine.remove(id);
+        engine.setMuted(id, i % 2 == 0);
+        engine.meters();
         collect();
     }
     while (engine.stripCount() > 0) {

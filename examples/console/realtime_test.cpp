@@ -116,19 +116,22 @@ void runBlocks(Engine& engine, Shared& shared, int blocks) {
     pthread_mutex_lock(&mutex);
     static_cast<void>(::getppid());
     counts = &shared.blocks;
-    for (int i = 0; i < blocks; ++i)
+    for (int i = 0; i < blocks; ++i) {
+        engine.setMuted(static_cast<StripId>(i % 4 + 1), i % 3 == 0);
         engine.processBlock(outputs.data(), 2, kBlockFrames);
+    }
     counts = nullptr;
     ::_exit(0);
 }
 
 class RealtimeTest : public ::testing::Test {
 protected:
-    // Three strips, read far enough ahead for all blocks; `takeOut` of them are removed before.
+    // Four strips, read far enough ahead for all blocks; `takeOut` of them are removed before.
     void run(int takeOut, int blocks) {
-        const std::array<std::string, 3> paths{
+        const std::array<std::string, 4> paths{
             recording("loop_tabla", "-b 16", "a.wav"), recording("loop_tabla", "-b 24", "b.aiff"),
-            recording("loop_tabla", "-e float -b 32", "c.wav", "remix 1")};
+            recording("loop_tabla", "-e float -b 32", "c.wav", "remix 1"),
+            recording("loop_tabla", "-b 16", "d.wav", "remix 1 2 1 2 1 2")};
         void* memory = ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
                               MAP_SHARED | MAP_ANONYMOUS, -1, 0);
         ASSERT_NE(memory, MAP_FAILED);
@@ -137,7 +140,7 @@ protected:
         ASSERT_GE(child, 0);
         if (child == 0) {
             Engine engine(Engine::Feeding::ByCaller, 44100, std::size_t{kBlockFrames} * kBlocks);
-            std::array<StripId, 3> ids{};
+            std::array<StripId, 4> ids{};
             for (std::size_t i = 0; i < ids.size(); ++i)
                 ids[i] = engine.add(mustOpen(paths[i]));
             engine.feed(kBlockFrames * kBlocks);

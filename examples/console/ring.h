@@ -61,6 +61,9 @@ public:
                      std::memory_order_release);  // with writable()
     }
 
+    // All frames consumed since the beginning. Thread: any, for a number to show.
+    std::uint64_t consumed() const noexcept { return m_read.load(std::memory_order_relaxed); }
+
 private:
     static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
 

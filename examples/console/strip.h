@@ -9,6 +9,8 @@
 #include "audio_file.h"
 #include "block.h"
 #include "measurement.h"
+#include "mixing.h"
+#include "peak_hold.h"
 #include "resampler.h"
 #include "ring.h"
 
@@ -46,8 +48,24 @@ public:
         return m_drained.load(std::memory_order_acquire);  // with mix()
     }
 
-    // The largest magnitude mixed since the last call. Thread: main.
-    float takePeak() noexcept { return m_peak.exchange(0.0F, std::memory_order_relaxed); }
+    // For each channel of the file, the largest magnitude mixed since the last call; what is muted
+    // or rendered without outputs is not mixed. Thread: main.
+    std::vector<float> takePeaks();
+
+    // Fades out or in over 5 ms, linearly; whoever is muted before the first frame starts silent. A
+    // muted strip goes on playing. Thread: main.
+    void setMuted(bool muted) noexcept {
+        m_muted.store(muted, std::memory_order_relaxed);  // with mix(): the flag is all there is
+    }
+    bool isMuted() const noexcept { return m_muted.load(std::memory_order_relaxed); }
+
+    // Frames of the file that were rendered. When resampled, frames of output times the ratio of
+    // the rates, rounded down: within one frame of the place in the file. Thread: any.
+    std::uint64_t framesPlayed() const noexcept;
+    // 0 when the file does not say. Thread: any.
+    std::uint64_t framesTotal() const noexcept {
+        return format().lengthUnknown ? 0 : format().frames;
+    }
 
     // Frames that were due and not there. Thread: any.
     std::uint64_t missedFrames() const noexcept {
@@ -69,12 +87,19 @@ private:
     bool feedDirectly();
     bool feedResampled();
     void mix(const Block& block) noexcept;
+    std::size_t mixPiece(const Block& block, std::size_t done, std::size_t frames,
+                         std::size_t target) noexcept;
 
     const std::unique_ptr<AudioFile> m_file;  // feeding thread
     Ring m_ring;                              // written by the feeding, read by the audio thread
 
-    // Feeding thread only.
+    // Audio thread only. The gain is m_open / m_rampFrames.
+    const std::size_t m_rampFrames;  // 5 ms, at least one frame
+    std::size_t m_open;
+
+    // Feeding thread only, but for m_speed.
     const std::unique_ptr<Resampler> m_resampler;
+    const double m_speed;  // frames of the file for each frame of output
     const float m_fullScale;
     Measurement m_measurement;
     std::vector<float*> m_places;             // where the next chunk goes, a channel each
@@ -86,11 +111,12 @@ private:
 
     std::atomic<bool> m_inputEnded{false};         // set by the feeding, read by the audio thread
     std::atomic<bool> m_drained{false};            // set by the audio, read by the main thread
-    std::atomic<float> m_peak{0.0F};               // audio thread raises, main thread takes
+    std::atomic<bool> m_muted{false};              // set by the main, read by the audio thread
     std::atomic<std::uint64_t> m_missedFrames{0};  // audio thread counts
     std::atomic<std::uint64_t> m_underruns{0};     // audio thread counts
+    std::vector<PeakHold> m_peaks;                 // audio thread raises, main thread takes
 
-    static_assert(std::atomic<float>::is_always_lock_free);
+    static_assert(std::atomic<bool>::is_always_lock_free);
 };
 
 }  // namespace veltra::console

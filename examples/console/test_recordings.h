@@ -50,6 +50,13 @@ inline std::string recording(const std::string& name, const std::string& format,
     return path;
 }
 
+// What sox synthesises, one channel of floats unless `effects` make more of it; answers its path.
+inline std::string synthetic(const std::string& file, int rate, const std::string& effects) {
+    const std::string format = " -c 1 -n -e float -b 32 " + folder() + file + " synth ";
+    EXPECT_EQ(shell("sox -V1 -r " + std::to_string(rate) + format + effects), 0);
+    return folder() + file;
+}
+
 inline std::string contents(const std::string& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();

@@ -39,7 +39,8 @@ void CellTracking::handle(const Event& event) {
             if (event.eventNumber == m_eventNumber) drag(pointOf(event));
             return;
         case EventType::LeftMouseUp:
-            if (event.eventNumber == m_eventNumber) release(pointOf(event), true);
+            if (event.clickCount == 0) return cancel();
+            if (event.eventNumber == m_eventNumber) release(pointOf(event));
             return;
         case EventType::ScrollWheel:
             return m_cell->scrollWheel(event);
@@ -61,21 +62,17 @@ void CellTracking::drag(Point point) {
     m_cell->stopTracking(last, point, *m_view.get(), false);
 }
 
-void CellTracking::release(Point point, bool isReal) {
+void CellTracking::release(Point point) {
     m_isActive = false;
     const bool isInside = mouseInRect(m_last + m_origin, m_frame, m_view->isFlipped());
     const WeakPointer<CellTracking> self(this);
     m_cell->stopTracking(m_last, point, *m_view.get(), true);
-    if (self) m_hasSucceeded = isReal && m_cell && (m_untilMouseUp || isInside);
+    if (self) m_hasSucceeded = m_cell && (m_untilMouseUp || isInside);
 }
 
 void CellTracking::cancel() {
-    if (!m_isActive) return;
-    if (m_cell && m_view) {
-        release(m_last, false);
-    } else {
-        m_isActive = false;
-    }
+    if (!std::exchange(m_isActive, false)) return;
+    if (m_cell && m_view) m_cell->stopTracking(m_last, m_last, *m_view.get(), false);
 }
 
 }  // namespace veltra

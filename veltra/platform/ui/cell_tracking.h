@@ -22,7 +22,8 @@ public:
     // is under way. A drag or release belongs to the press with the same event number.
     void handle(const Event& event);
 
-    // Ends it as if the button were released where the pointer was last, without success.
+    // Ends it where the pointer was last: the cell is told that the button is not up. The same
+    // happens at a release that stands for a lost pointer (clickCount 0).
     void cancel();
 
     bool isActive() const noexcept { return m_isActive; }
@@ -34,7 +35,7 @@ public:
 
 private:
     void drag(Point point);
-    void release(Point point, bool isReal);
+    void release(Point point);
     Point pointOf(const Event& event) const;
 
     WeakPointer<Cell> m_cell;

@@ -96,10 +96,6 @@ void Control::mouseUp(const Event& event) {
     if (!m_cell) return View::mouseUp(event);
     if (!m_tracking.isActive()) return;
     const WeakPointer<Control> self(this);
-    if (event.clickCount == 0) {  // nobody let go: the pointer was lost
-        m_tracking.cancel();
-        return;
-    }
     m_tracking.handle(event);
     if (!self || !m_tracking.hasSucceeded() || !m_cell) return;
     if (!m_cell->sendActionMask().contains(EventType::LeftMouseUp)) return;
