@@ -53,8 +53,8 @@ public:
     void mouseUp(const Event& event) override { note(event); }
     void rightMouseDown(const Event& event) override { note(event); }
     void keyDown(const Event& event) override {
-        note(event);
         View::keyDown(event);
+        note(event);
     }
     void flagsChanged(const Event& event) override { note(event); }
     void scrollWheel(const Event& event) override {
@@ -91,9 +91,9 @@ protected:
         before.setFocus();
         return hosted;
     }
-    void drag(QPoint to) {
-        QMouseEvent move(QEvent::MouseMove, to, widget->mapToGlobal(to), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
+    void drag(QPoint to, Qt::MouseButton held = Qt::LeftButton) {
+        QMouseEvent move(QEvent::MouseMove, to, widget->mapToGlobal(to), Qt::NoButton, held,
+                         Qt::NoModifier);
         QApplication::sendEvent(widget, &move);
     }
     bool turn(QPoint angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -269,7 +269,7 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
         if (widget) QTest::mousePress(widget, Qt::LeftButton, {}, {5, 5});
         if (widget) drag({9, 9});
         if (widget) QTest::mouseRelease(widget, Qt::LeftButton, {}, {9, 9});
-        if (widget) QTest::keyClick(widget, Qt::Key_A);
+        if (widget) QTest::keyPress(widget, Qt::Key_A);
         EXPECT_TRUE(widget.isNull());
     }
     Probe* const ticking = show();
@@ -297,18 +297,18 @@ TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
         [this] { delete widget.data(); },
         [this] {
             QEvent lost(QEvent::WindowDeactivate);
-            QApplication::sendEvent(&outside, &lost);
+            QApplication::sendEvent(widget, &lost);
         },
         [this] {
             QEvent lost(QEvent::UngrabMouse);
             QApplication::sendEvent(widget, &lost);
         },
         [this] {
-            QTest::mouseMove(widget, {30, 30});
+            drag({30, 30}, Qt::NoButton);
         },  // with no button held
         [] { QCoreApplication::quit(); },
     };
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
+    host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
     for (const auto& end : ends) {
         if (!widget) {
             widget = new ViewWidget;
@@ -334,7 +334,6 @@ TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
         EXPECT_EQ(last.type, EventType::LeftMouseUp);
         EXPECT_EQ(last.clickCount, 0) << &end - ends;
     }
-    static_cast<void>(probe);
 }
 
 TEST_F(OnQt, TimersGoOnInMenusAndInLoopsThatATimerRuns) {
@@ -446,10 +445,7 @@ TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
     QHelpEvent rest(QEvent::ToolTip, {5, 5}, widget->mapToGlobal(QPoint(5, 5)));
     QApplication::sendEvent(widget, &rest);
     EXPECT_EQ(tip->text(), "resting");
-    QTest::mouseMove(widget, {60, 5});
-    QMouseEvent leaves(QEvent::MouseMove, {60, 5}, widget->mapToGlobal(QPointF(60, 5)),
-                       Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(widget, &leaves);
+    drag({60, 5}, Qt::NoButton);
     EXPECT_FALSE(tip->isVisible());
 }
 
