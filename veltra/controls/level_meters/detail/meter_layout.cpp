@@ -49,14 +49,13 @@ MeterLayout MeterLayout::make(Size frame, const LevelMeterLook& bar, const Level
         request.length = std::clamp(bar.fittingLength(request), 0, room);
         start = (room - request.length) / 2;
     }
-    const auto area = [&](std::int32_t low, std::int32_t length,
-                          const LevelMeterMeasures& measures) {
-        const std::int32_t own = measures.length > 0.0F ? toPixels(measures.thickness) : thickness;
-        const std::int32_t near = (thickness - own) / 2;
-        return MeterArea{low, low + length, near, near + own};
+    const auto area = [&](std::int32_t low, std::int32_t high, const LevelMeterMeasures& own) {
+        const std::int32_t across = own.length > 0.0F ? toPixels(own.thickness) : thickness;
+        const std::int32_t near = (thickness - across) / 2;
+        return MeterArea{low, high, near, near + across};
     };
-    layout.bar = area(start, request.length, barMeasures);
-    layout.light = area(layout.bar.high + gap, lightLength, lightMeasures);
+    layout.bar = area(start, start + request.length, barMeasures);
+    layout.light = area(layout.bar.high + gap, layout.bar.high + gap + lightLength, lightMeasures);
     return layout;
 }
 
