@@ -16,7 +16,7 @@ namespace veltra {
 
 namespace {
 
-constexpr float kNaturalLength = 170.0F;           // points
+constexpr float kNaturalLength = 173.0F;           // points
 constexpr double kShortestTick = 0.005;            // seconds; a display shows no more
 constexpr double kTimerSlack = 1e-6;               // seconds; timers count whole nanoseconds
 constexpr double kQuietest = -99.95;               // decibels; below is silence
@@ -192,9 +192,9 @@ Rect QkLevelMeterCell::rectOfPart(bool isLight) const {
     const View* const view = controlView();
     const Window* const window = view != nullptr ? view->window() : nullptr;
     const auto layout = detail::MeterLayout::make(
-        cellFrame().size, window != nullptr ? window->scale() : 1.0F, orientation(),
-        levelMeterLook(m_levelMeterImageID)->measures(orientation()),
-        levelMeterLook(m_peakLEDImageID)->measures(orientation()));
+        cellFrame().size, *levelMeterLook(m_levelMeterImageID), *levelMeterLook(m_peakLEDImageID),
+        {0, 0, window != nullptr ? window->scale() : 1.0F, orientation(), Appearance::Light,
+         m_LED_count});
     return layout.inView(isLight ? layout.light : layout.bar, cellFrame(),
                          view != nullptr && view->isFlipped());
 }

@@ -57,7 +57,7 @@ public:
     void maxtimerAction(QkTimer* timer);
 
     // The number of LEDs; 0 shows a continuous bar. 32 to begin with: LEDs of 4 points and gaps of
-    // 1 in a meter 170 points long. More than there are pixels count as 0.
+    // 1 in a meter 173 points long. More than there are pixels count as 0.
     std::uint32_t LEDCount() const noexcept { return m_LED_count; }
     void setLEDCount(std::uint32_t count);
 
@@ -76,7 +76,7 @@ public:
     LevelMeterOrientation orientation() const noexcept;
 
     // The height that the meter wants, in points. Lying: the thickness of the bar. Upright: the
-    // images' height; looks drawn by code take that of the control view, 170 without one.
+    // images' height; looks drawn by code take that of the control view, 173 without one.
     float cellHeight() const;
     Size cellSizeForBounds(const Rect& bounds) const override;
 

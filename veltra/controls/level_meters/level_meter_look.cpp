@@ -50,9 +50,9 @@ private:
 LevelMeterLook::~LevelMeterLook() = default;
 
 std::vector<LevelMeterZone> defaultLevelMeterZones() {
-    return {{0.0F, Color::fromRgb(0x22B488)},
-            {meterPositionForDecibels(-9.0), Color::fromRgb(0xFFD75A)},
-            {meterPositionForDecibels(-3.0), Color::fromRgb(0xF04A3C)}};
+    return {{0.0F, Color::fromRgb(0x25B98B)},
+            {meterPositionForDecibels(-9.0), Color::fromRgb(0xFFDB60)},
+            {meterPositionForDecibels(-3.0), Color::fromRgb(0xFF5848)}};
 }
 
 std::shared_ptr<const LevelMeterLook> drawnLevelMeterLook(LevelMeterStyle style) {

@@ -61,6 +61,12 @@ public:
 
     virtual LevelMeterMeasures measures(LevelMeterOrientation orientation) const = 0;
 
+    // How much of the room for a bar, request.length, the bar fills without a rest. What is left
+    // over stays empty, half of it at either end of the meter.
+    virtual std::int32_t fittingLength(const LevelMeterPictureRequest& request) const {
+        return request.length;
+    }
+
     // Called when no picture of such a request is at hand. The answer is kept and shared by all
     // meters with an equal request, so it must depend on the request alone.
     virtual LevelMeterPicture bar(const LevelMeterPictureRequest& request) const = 0;
@@ -88,7 +94,7 @@ struct LevelMeterStyle {
     float padding = 1.0F;  // between the frame and the LEDs
     float lightLength = 8.0F;
     float lightGap = 2.0F;
-    Color lightColor = Color::fromRgb(0xFF4B3E);
+    Color lightColor = Color::fromRgb(0xFF5848);
 };
 
 // A dark well with LEDs or a continuous bar. The images are opaque.

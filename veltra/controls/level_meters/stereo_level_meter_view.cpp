@@ -1,8 +1,10 @@
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 
 #include "veltra/platform/ui/canvas.h"
+#include "veltra/platform/ui/window.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace veltra {
 
@@ -89,22 +91,24 @@ void DfStereoLevelMeterView::setPadding(std::int32_t padding) {
 }
 
 void DfStereoLevelMeterView::getCellFrames(Rect& left, Rect& right) const {
-    const Size whole = bounds().size;
-    const auto gap = static_cast<float>(m_padding);
+    const float scale = window() != nullptr ? window()->scale() : 1.0F;
+    const auto whole = [scale](float points) { return std::floor(points * scale) / scale; };
+    const Size size = bounds().size;
+    const auto gap = std::round(static_cast<float>(m_padding) * scale) / scale;
     const float wanted = m_cellL.cellHeight();
     if (orientation() == LevelMeterOrientation::Vertical) {
-        const float width = std::max((whole.width - gap) * 0.5F, 0.0F);
-        const float height = std::min(wanted, whole.height);
-        const float low = isFlipped() ? whole.height - height : 0.0F;  // they stand on the bottom
+        const float width = std::max(whole((size.width - gap) * 0.5F), 0.0F);
+        const float height = std::min(wanted, size.height);
+        const float low = isFlipped() ? size.height - height : 0.0F;  // they stand on the bottom
         left = {{0.0F, low}, {width, height}};
         right = {{width + gap, low}, {width, height}};
         return;
     }
-    const float height = std::min(wanted, std::max((whole.height - gap) * 0.5F, 0.0F));
-    const float near = (whole.height - 2.0F * height - gap) * 0.5F;
+    const float height = std::min(wanted, std::max(whole((size.height - gap) * 0.5F), 0.0F));
+    const float near = whole((size.height - 2.0F * height - gap) * 0.5F);
     const float far = near + height + gap;
-    left = {{0.0F, isFlipped() ? near : far}, {whole.width, height}};
-    right = {{0.0F, isFlipped() ? far : near}, {whole.width, height}};
+    left = {{0.0F, isFlipped() ? near : far}, {size.width, height}};
+    right = {{0.0F, isFlipped() ? far : near}, {size.width, height}};
 }
 
 void DfStereoLevelMeterView::layOut() {

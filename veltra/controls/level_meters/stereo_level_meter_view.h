@@ -69,8 +69,8 @@ protected:
     void frameDidChange() override { layOut(); }
 
 private:
-    // The cells' frames. Each cell has its cellHeight(), less where the bounds are too low; lying
-    // ones keep to the middle.
+    // The cells' frames, of equal sizes in device pixels. Each cell has its cellHeight(), less
+    // where the bounds are too low; lying ones keep to the middle.
     void getCellFrames(Rect& left, Rect& right) const;
     void layOut();
     void clearPeaksAndSendAction();

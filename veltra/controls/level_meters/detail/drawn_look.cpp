@@ -59,23 +59,38 @@ struct Palette {
 
 Palette paletteFor(Appearance appearance) {
     if (appearance == Appearance::Dark)
-        return {Color::fromRgb(0x07080A), Color::fromRgb(0x31353D), Color::fromRgb(0x0F1114)};
-    return {Color::fromRgb(0x1B1E23), Color::fromRgb(0x9BA1AB), Color::fromRgb(0x22262C)};
+        return {Color::fromRgb(0x07080A), Color::fromRgb(0x2B2F36), Color::fromRgb(0x0F1114)};
+    return {Color::fromRgb(0x0E1013), Color::fromRgb(0xB4B9C1), Color::fromRgb(0x171A1F)};
 }
 
-constexpr float kUnlitPart = 0.17F;  // of the lit colour in an unlit LED
+constexpr float kUnlitPart = 0.14F;  // of the lit colour in an unlit LED
 constexpr float kGlowPart = 0.30F;   // of the lit colour in the gap above a lit LED
+constexpr float kShade = 0.10F;      // of black at the sides of what is lit
+constexpr float kShine = 0.18F;      // of white in its middle
 constexpr float kBlend = 0.02F;      // half the way from one zone's colour to the next, continuous
 
 MeterArea whole(const LevelMeterPictureRequest& request) {
     return {0, request.length, 0, request.thickness};
 }
 
+// Thin lines rather too thin than too thick.
+std::int32_t edgePixels(float edge, float scale) {
+    return edge > 0.0F ? std::max(static_cast<std::int32_t>(edge * scale), 1) : 0;
+}
+
+// From the sides of the picture to the LEDs. Thin meters leave out the padding.
+std::int32_t insetOf(const LevelMeterStyle& style, const LevelMeterPictureRequest& request) {
+    constexpr float kThin = 8.5F;  // points
+    const bool isThin = static_cast<float>(request.thickness) < kThin * request.scale;
+    return edgePixels(style.edge, request.scale) +
+           (isThin ? 0 : devicePixels(style.padding, request.scale));
+}
+
 // The well with its frame; answers the area inside.
 MeterArea drawWell(Brush& brush, const LevelMeterPictureRequest& request, float edge) {
     const Palette palette = paletteFor(request.appearance);
     const MeterArea all = whole(request);
-    const std::int32_t frame = devicePixels(edge, request.scale);
+    const std::int32_t frame = edgePixels(edge, request.scale);
     const MeterArea inside = all.inset(frame);
     brush.fill(all, palette.frame);
     if (frame > 0) {
@@ -100,7 +115,7 @@ std::shared_ptr<const Image> drawnImage(const LevelMeterPictureRequest& request,
                         });
 }
 
-// Where the LEDs lie: whole pixels each, what is left over shared by both ends.
+// LEDs of whole pixels; what is left over is shared by both ends.
 struct Leds {
     std::int32_t start = 0;
     std::int32_t pitch = 0;
@@ -128,6 +143,13 @@ LevelMeterMeasures DrawnLook::measures(LevelMeterOrientation /*orientation*/) co
     return {0.0F, m_style.thickness, m_style.lightLength, m_style.lightGap};
 }
 
+std::int32_t DrawnLook::fittingLength(const LevelMeterPictureRequest& request) const {
+    if (m_style.isContinuous) return request.length;
+    const std::int32_t around = 2 * insetOf(m_style, request);
+    const Leds leds = layOutLeds(request.length - around, request.ledCount, request.scale);
+    return leds.count > 0 ? leds.count * leds.pitch - leds.gap + around : request.length;
+}
+
 Color DrawnLook::colorAt(float position) const {
     Color color = m_style.zones.empty() ? kWhite : m_style.zones.front().color;
     for (const LevelMeterZone& zone : m_style.zones) {
@@ -146,8 +168,7 @@ Color DrawnLook::blendedColorAt(float position) const {
 }
 
 LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const {
-    const std::int32_t inset =
-        devicePixels(m_style.edge, request.scale) + devicePixels(m_style.padding, request.scale);
+    const std::int32_t inset = insetOf(m_style, request);
     const std::int32_t room = request.length - 2 * inset;
     const Leds leds = layOutLeds(room, m_style.isContinuous ? 0 : request.ledCount, request.scale);
     LevelMeterPicture picture;
@@ -167,8 +188,8 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
                 const MeterArea gap =
                     inside.part(led.high, std::min(led.high + leds.gap, inside.high));
                 brush.fillRounded(gap, well, well.mixedWith(color, kGlowPart));
-                brush.fillRounded(led, color.mixedWith(kBlack, 0.16F),
-                                  color.mixedWith(kWhite, 0.16F));
+                brush.fillRounded(led, color.mixedWith(kBlack, kShade),
+                                  color.mixedWith(kWhite, kShine));
             } else {
                 brush.fill(led, well.mixedWith(color, kUnlitPart));
             }
@@ -181,8 +202,8 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
             const Color color = blendedColorAt(position);
             const MeterArea slice = inside.part(low, low + 1);
             if (isLit) {
-                brush.fillRounded(slice, color.mixedWith(kBlack, 0.16F),
-                                  color.mixedWith(kWhite, 0.16F));
+                brush.fillRounded(slice, color.mixedWith(kBlack, kShade),
+                                  color.mixedWith(kWhite, kShine));
             } else {
                 brush.fill(slice, well.mixedWith(color, kUnlitPart * 0.6F));
             }
@@ -197,8 +218,8 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
     };
     const auto drawn = [&](bool isLit) {
         return drawnImage(request, [&](Brush& brush) {
-            const MeterArea inside = drawWell(brush, request, m_style.edge)
-                                         .inset(devicePixels(m_style.padding, request.scale));
+            drawWell(brush, request, m_style.edge);
+            const MeterArea inside = whole(request).inset(inset);
             if (leds.count > 0)
                 drawLeds(brush, inside, isLit);
             else
@@ -217,7 +238,7 @@ LevelMeterPicture DrawnLook::light(const LevelMeterPictureRequest& request) cons
             const Color well = paletteFor(request.appearance).well;
             const Color color = m_style.lightColor;
             if (!isLit) {
-                brush.fill(inside.inset(devicePixels(m_style.padding, request.scale)),
+                brush.fill(whole(request).inset(insetOf(m_style, request)),
                            well.mixedWith(color, kUnlitPart));
                 return;
             }

@@ -10,6 +10,7 @@ public:
     explicit DrawnLook(LevelMeterStyle style);
 
     LevelMeterMeasures measures(LevelMeterOrientation orientation) const override;
+    std::int32_t fittingLength(const LevelMeterPictureRequest& request) const override;
     LevelMeterPicture bar(const LevelMeterPictureRequest& request) const override;
     LevelMeterPicture light(const LevelMeterPictureRequest& request) const override;
 

@@ -33,9 +33,7 @@ void MeterDrawing::fit(const MeterLooks& looks, Size frame,
     m_looks = looks;
     m_frame = frame;
     m_request = request;
-    m_layout = MeterLayout::make(frame, request.scale, request.orientation,
-                                 looks.bar->measures(request.orientation),
-                                 looks.light->measures(request.orientation));
+    m_layout = MeterLayout::make(frame, *looks.bar, *looks.light, request);
     m_bar = pictureOf(looks.bar, MeterPart::Bar, m_layout.bar, request);
     LevelMeterPictureRequest ofLight = request;
     ofLight.ledCount = 0;
@@ -69,7 +67,8 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
 
     const std::int32_t inset = devicePixels(state.inset, m_layout.scale);
     const auto drawLit = [&](std::int32_t low, std::int32_t high) {
-        drawPart(canvas, place, m_bar.on.get(), bar, bar.part(low, high).inset(inset));
+        drawPart(canvas, place, m_bar.on.get(), bar,
+                 bar.part(bar.low + low, bar.low + high).inset(inset));
     };
     drawLit(m_bar.start, litEnd(state.level));
     const std::int32_t top = litEnd(state.maximum);

@@ -27,29 +27,35 @@ Rect meterRect(const MeterArea& area, LevelMeterOrientation orientation, std::in
     return {{points(area.near), points(length - area.high)}, {across, along}};
 }
 
-MeterLayout MeterLayout::make(Size frame, float scale, LevelMeterOrientation orientation,
-                              const LevelMeterMeasures& bar, const LevelMeterMeasures& light) {
-    const bool isVertical = orientation == LevelMeterOrientation::Vertical;
-    const std::int32_t length = devicePixels(isVertical ? frame.height : frame.width, scale);
-    const std::int32_t thickness = devicePixels(isVertical ? frame.width : frame.height, scale);
-    std::int32_t lightLength = devicePixels(light.lightLength, scale);
-    std::int32_t gap = devicePixels(light.lightGap, scale);
-    std::int32_t barLength = devicePixels(bar.length, scale);
-    if (barLength == 0) {
-        if (length < (1 + kLeastBar) * lightLength + gap) lightLength = gap = 0;
-        barLength = length - lightLength - gap;
+MeterLayout MeterLayout::make(Size frame, const LevelMeterLook& bar, const LevelMeterLook& light,
+                              LevelMeterPictureRequest request) {
+    const bool isVertical = request.orientation == LevelMeterOrientation::Vertical;
+    const auto toPixels = [&](float points) { return devicePixels(points, request.scale); };
+    const LevelMeterMeasures barMeasures = bar.measures(request.orientation);
+    const LevelMeterMeasures lightMeasures = light.measures(request.orientation);
+    MeterLayout layout{request.orientation, request.scale,
+                       toPixels(isVertical ? frame.height : frame.width)};
+    const std::int32_t thickness = toPixels(isVertical ? frame.width : frame.height);
+
+    std::int32_t lightLength = toPixels(lightMeasures.lightLength);
+    std::int32_t gap = toPixels(lightMeasures.lightGap);
+    request.length = toPixels(barMeasures.length);
+    request.thickness = thickness;
+    std::int32_t start = 0;
+    if (request.length == 0) {
+        if (layout.length < (1 + kLeastBar) * lightLength + gap) lightLength = gap = 0;
+        const std::int32_t room = layout.length - lightLength - gap;
+        request.length = room;
+        request.length = std::clamp(bar.fittingLength(request), 0, room);
+        start = (room - request.length) / 2;
     }
-    const auto acrossOf = [&](const LevelMeterMeasures& measures, float fixedLength) {
-        if (!(fixedLength > 0.0F)) return MeterArea{0, 0, 0, thickness};
-        const std::int32_t own = devicePixels(measures.thickness, scale);
-        const std::int32_t near = (thickness - own) / 2;
-        return MeterArea{0, 0, near, near + own};
+    const auto area = [&](std::int32_t low, std::int32_t high, const LevelMeterMeasures& own) {
+        const std::int32_t across = own.length > 0.0F ? toPixels(own.thickness) : thickness;
+        const std::int32_t near = (thickness - across) / 2;
+        return MeterArea{low, high, near, near + across};
     };
-    MeterLayout layout{orientation, scale, length, acrossOf(bar, bar.length),
-                       acrossOf(light, light.length)};
-    layout.bar.high = barLength;
-    layout.light.low = barLength + gap;
-    layout.light.high = layout.light.low + lightLength;
+    layout.bar = area(start, start + request.length, barMeasures);
+    layout.light = area(layout.bar.high + gap, layout.bar.high + gap + lightLength, lightMeasures);
     return layout;
 }
 

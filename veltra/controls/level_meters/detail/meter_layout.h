@@ -28,9 +28,9 @@ struct MeterLayout {
     MeterArea light{};  // empty when there is no room for it
 
     // A frame too short for bar and clip light has the bar alone. Looks of a fixed size lie at the
-    // low end and in the middle across.
-    static MeterLayout make(Size frame, float scale, LevelMeterOrientation orientation,
-                            const LevelMeterMeasures& bar, const LevelMeterMeasures& light);
+    // low end and in the middle across. `request` leaves the sizes open.
+    static MeterLayout make(Size frame, const LevelMeterLook& bar, const LevelMeterLook& light,
+                            LevelMeterPictureRequest request);
 
     // In points from the upper left corner of the frame.
     Rect fromUpperLeft(const MeterArea& area) const;

@@ -1,0 +1,251 @@
+#include "veltra/controls/level_meters/stereo_level_meter_view.h"
+
+#include "veltra/platform/localization.h"
+#include "veltra/platform/testing/manual_run_loop.h"
+#include "veltra/platform/ui/testing/scripted_port.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+using testing::HostedView;
+using testing::RecordingCanvas;
+
+class LevelMeterTest : public ::testing::Test {
+protected:
+    testing::ManualRunLoop loop;
+    testing::ScriptedPort port;
+};
+
+struct Flipped : DfStereoLevelMeterView {
+    using DfStereoLevelMeterView::DfStereoLevelMeterView;
+    bool isFlipped() const override { return true; }
+};
+
+std::vector<RecordingCanvas::Call> images(HostedView& host, float scale = 1.0F) {
+    return RecordingCanvas::only(RecordingCanvas::What::Image, host.display(scale));
+}
+
+TEST_F(LevelMeterTest, ACellNeedsNoViewAndItsTimersStandInForCallsThatStayAway) {
+    QkLevelMeterCell cell;
+    cell.setFallBackStep(0.1F);
+    cell.setFallBackStepTime(0.05);
+    cell.setMaxLevelHoldTime(1.0);
+    cell.setLevel(1.0F);
+    EXPECT_EQ(cell.cellHeight(), 173.0F);
+    cell.setLevel(0.35F);
+    loop.advance(0.04);
+    cell.setLevel(0.35F);  // postpones the tick that was due at 0.05
+    EXPECT_NEAR(cell.displayLevel(), 0.92F, 1e-6);
+    loop.advance(0.049);
+    EXPECT_NEAR(cell.displayLevel(), 0.92F, 1e-6);
+    loop.advance(0.001);
+    EXPECT_NEAR(cell.displayLevel(), 0.82F, 1e-6);
+    cell.setLevel(0.35F);  // that time is used up
+    EXPECT_NEAR(cell.displayLevel(), 0.82F, 1e-6);
+    loop.advance(0.5);
+    EXPECT_EQ(cell.displayLevel(), 0.35F);
+    EXPECT_EQ(cell.maxDisplayLevel(), 1.0F);
+    loop.advance(0.409);  // 0.999 s since the maximum
+    EXPECT_EQ(cell.maxDisplayLevel(), 1.0F);
+    loop.advance(0.001);
+    EXPECT_EQ(cell.maxDisplayLevel(), 0.0F);
+    EXPECT_FALSE(loop.nextDeadline());
+
+    cell.setLevel(1.2F);
+    EXPECT_TRUE(cell.peak());
+    cell.setLevel(0.0F);
+    cell.timerAction(nullptr);
+    EXPECT_FLOAT_EQ(cell.displayLevel(), 1.0F);
+    cell.maxtimerAction(nullptr);
+    EXPECT_EQ(cell.maxDisplayLevel(), 0.0F);
+    cell.setFallBackStepTime(1e-9);  // many steps a tick
+    loop.advance(0.1);
+    EXPECT_EQ(cell.displayLevel(), 0.0F);
+}
+
+TEST_F(LevelMeterTest, OnlyMetersThatChangeAreDrawnAndOnlyTheirRectangles) {
+    auto all = std::make_unique<View>(Rect{{}, {3000, 200}});
+    std::vector<DfStereoLevelMeterView*> views;
+    views.reserve(100);
+    for (int i = 0; i < 100; ++i) {
+        views.push_back(&all->addSubview(std::make_unique<DfStereoLevelMeterView>(
+            Rect{{static_cast<float>(i) * 30.0F, 10}, {26, 180}})));
+    }
+    HostedView host(std::move(all));
+    for (auto* view : views)
+        view->setLevelL(0.5F, 0.5F);
+    EXPECT_EQ(images(host).size(), 200U * 4U);  // unlit, lit, maximum, clip light
+    for (std::size_t i = 0; i < 100; ++i)
+        views[i]->setLevelL(0.5F, i % 10 == 0 ? 0.8F : 0.495F);
+    ASSERT_EQ(host.port.invalid.size(), 10U);
+    EXPECT_EQ(host.port.invalid[1], (Rect{{314, 10}, {12, 180}}));
+    const auto drawn = images(host);
+    EXPECT_EQ(drawn.size(), 10U * 4U);
+    for (const auto& call : drawn)
+        EXPECT_GE(std::fmod(call.rect.minX(), 300.0F), 14.0F);
+    views[0]->setLevelL(0.5F, 0.8F, true);
+    EXPECT_EQ(host.port.invalid.size(), 2U);
+}
+
+// On every surface the parts of a meter begin and end between device pixels, the lit part holds
+// whole LEDs, and the low end is at the bottom or on the left.
+TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
+    const auto check = [&](std::unique_ptr<DfStereoLevelMeterView> made, float scale, int imageID,
+                           Size size) {
+        DfStereoLevelMeterView* const view = made.get();
+        const bool lies = size.width > size.height;
+        view->setFrame({{}, size});
+        HostedView host(std::move(made));
+        view->setImageIDs(imageID, imageID);
+        view->setLEDCount(20);
+        view->setFallBackStepTime(0.0);
+        view->setLevelL(0.9F, 0.0F);
+        view->setLevelL(0.52F, 0.0F);
+        view->setPeakL(true);
+        view->setNeedsDisplay();
+        const auto calls = images(host, scale);
+        ASSERT_EQ(calls.size(), 6U);
+        const auto low = [&](const Rect& rect) { return lies ? rect.minX() : -rect.maxY(); };
+        const auto high = [&](const Rect& rect) { return lies ? rect.maxX() : -rect.minY(); };
+        const Rect bar = calls[0].rect, lit = calls[1].rect, maximum = calls[2].rect;
+        EXPECT_LT(high(lit), low(maximum));
+        EXPECT_LE(high(bar), low(calls[3].rect));
+        EXPECT_EQ(lies ? calls[4].rect.minX() : calls[4].rect.minY(),
+                  lies ? bar.minX() : bar.minY());
+        EXPECT_TRUE(lies ? calls[4].rect.minY() > bar.maxY() : calls[4].rect.minX() > bar.maxX());
+        for (const auto& call : calls) {
+            for (const float side : {call.rect.minX(), call.rect.maxX(), call.rect.minY(),
+                                     call.rect.maxY(), call.source.minX(), call.source.maxY()}) {
+                EXPECT_NEAR(side * scale, std::round(side * scale), 1e-3);
+            }
+            EXPECT_NEAR(call.rect.size.width, call.source.size.width, 1e-4);
+            EXPECT_NEAR(call.rect.size.height, call.source.size.height, 1e-4);
+        }
+        if (imageID != kLevelMeterImageLED) return;
+        const float pitch = high(maximum) - low(maximum);
+        EXPECT_NEAR(high(lit) - low(lit), pitch * 10.0F, 1e-3);
+        EXPECT_NEAR(low(maximum) - low(lit), pitch * 17.0F, 1e-3);
+    };
+    for (const float scale : {1.0F, 1.5F, 2.0F}) {
+        for (const int imageID : {kLevelMeterImageLED, kLevelMeterImageBar, kLevelMeterImageSlim}) {
+            for (const Size size : {Size{27, 131}, Size{141, 29}}) {
+                SCOPED_TRACE(std::to_string(scale) + ' ' + std::to_string(imageID));
+                check(std::make_unique<DfStereoLevelMeterView>(), scale, imageID, size);
+                check(std::make_unique<Flipped>(), scale, imageID, size);
+            }
+        }
+    }
+}
+
+TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
+    const auto off = std::make_shared<testing::RecordedImage>(10, 100, 1.0F);
+    const auto on = std::make_shared<testing::RecordedImage>(10, 100, 1.0F);
+    const auto light = std::make_shared<testing::RecordedImage>(10, 8, 1.0F);
+    registerLevelMeterLook(77, levelMeterLookOfImages(off, on, light, light));
+    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {30, 200}});
+    DfStereoLevelMeterView& view = *made;
+    HostedView host(std::move(made));
+    view.setImageIDs(77, 77);
+    view.setLEDCount(10);
+    view.setOnStateLEDInset(1.0F);
+    view.setLevelL(0.3F, 0.0F);
+    EXPECT_EQ(view.cellL().cellHeight(), 108.0F);
+    EXPECT_EQ(view.cellL().levelMeterOffImage(), off);
+    const auto calls = images(host);
+    ASSERT_EQ(calls.size(), 6U);
+    EXPECT_EQ(calls[1].image, on.get());
+    EXPECT_EQ(calls[1].source, (Rect{{1, 71}, {8, 28}}));
+    EXPECT_EQ(calls[1].rect, (Rect{{3, 171}, {8, 28}}));
+    EXPECT_EQ(calls[2].source, (Rect{{1, 71}, {8, 8}}));
+
+    registerLevelMeterLook(77, nullptr);
+    EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));
+    view.setNeedsDisplay();
+    EXPECT_NE(images(host)[0].image, off.get());
+}
+
+struct Target : Anchored {
+    void clicked(DfStereoLevelMeterView& sender) {
+        ++clicks;
+        EXPECT_FALSE(sender.cellL().peak() || sender.cellR().peak());
+        if (victim != nullptr) victim->reset();
+    }
+    int clicks = 0;
+    std::unique_ptr<HostedView>* victim = nullptr;
+};
+
+TEST_F(LevelMeterTest, AClickOrAPressPutsOutBothClipLightsAndSendsTheAction) {
+    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {26, 183}});
+    DfStereoLevelMeterView& view = *made;
+    auto host = std::make_unique<HostedView>(std::move(made));
+    Target target;
+    view.setTarget(&target);
+    view.setAction(action<&Target::clicked>());
+    view.setToolTips("level", "clip");
+    EXPECT_EQ(host->window.toolTipAt({5, 100})->text, "level");
+    EXPECT_EQ(host->window.toolTipAt({20, 174})->text, "clip");
+    EXPECT_FALSE(host->window.toolTipAt({13, 100}));
+
+    view.setLevelL(1.5F, 1.5F);
+    host->display();
+    view.setEnabled(false);
+    host->click({5, 5});
+    EXPECT_FALSE(view.performAccessibilityAction(AccessibilityAction::Press));
+    EXPECT_TRUE(view.cellL().peak());
+    view.setEnabled(true);
+    host->display();
+    host->click({5, 5});
+    EXPECT_EQ(target.clicks, 1);
+    EXPECT_TRUE(std::count(host->port.invalid.begin(), host->port.invalid.end(), view.bounds()));
+    target.victim = &host;  // the action deletes the view
+    view.setPeakR(true);
+    EXPECT_TRUE(view.performAccessibilityAction(AccessibilityAction::Press));
+    EXPECT_EQ(host, nullptr);
+    EXPECT_EQ(target.clicks, 2);
+}
+
+TEST_F(LevelMeterTest, TellsAScreenReaderInWordsAndNotTooOften) {
+    struct German final : LocalizedStrings {
+        std::string stringForKey(std::string_view key) const override {
+            return key == "left stereo" ? "links" : std::string(key);
+        }
+    } german;
+    LocalizedStrings::install(&german);
+    DfStereoLevelMeterView view({{}, {26, 180}});
+    const auto children = view.accessibilityChildren();
+    ASSERT_EQ(children.size(), 2U);
+    EXPECT_EQ(children[0]->accessibilityName(), "links");
+    LocalizedStrings::install(nullptr);
+    EXPECT_EQ(children[1]->accessibilityName(), "right stereo");
+    EXPECT_EQ(children[1]->accessibilityParent(), &view);
+
+    QkLevelMeterCell& cell = view.cellL();
+    EXPECT_EQ(cell.accessibilityValueText(), "silence");
+    const auto& told = port.notifications[AccessibilityNotification::ValueChanged];
+    for (int i = 0; i < 600; ++i) {
+        view.setLevelL(i / 40 % 2 != 0 ? 0.9F : 0.0F, 0.0F);
+        loop.advance(1.0 / 60.0);
+    }
+    EXPECT_GT(told.size(), 10U);
+    EXPECT_LE(told.size(), 21U);
+    cell.setFallBackStepTime(0.0);
+    view.setLevelL(0.25F, 0.0F);
+    EXPECT_EQ(cell.accessibilityValueText(), "-12.0 dB");
+    cell.setLevelScale(QkLevelMeterCell::LevelScale::Decibels);
+    const std::size_t before = told.size();
+    view.setLevelL(1.5F, 0.0F);
+    EXPECT_EQ(told.size(), before + 1);
+    view.setLevelL(0.5F, 0.0F);
+    EXPECT_EQ(cell.accessibilityValueText(), "-20.0 dB, clipped");
+    EXPECT_EQ(cell.accessibilityNumber()->value, 0.5);
+}
+
+}  // namespace
+}  // namespace veltra
