@@ -104,7 +104,15 @@ class QtAccessibility::Element final : public QAccessibleInterface,
                                        public QAccessibleValueInterface,
                                        public QAccessibleActionInterface {
 public:
-    explicit Element(AccessibilityElement& element) : m_element(&element) {}
+    explicit Element(AccessibilityElement& element) : m_element(&element), m_key(&element) {}
+    // Qt itself deletes those that are left when its application ends.
+    ~Element() override {
+        if (QtUiPort* const port = QtUiPort::installed()) {
+            port->accessibility().interfaceDied(*this, *m_key);
+        }
+    }
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
 
     AccessibilityElement* element() const noexcept { return m_element.get(); }
     QAccessible::Id id = 0;
@@ -232,6 +240,7 @@ private:
     }
 
     const WeakPointer<AccessibilityElement> m_element;
+    const AccessibilityElement* const m_key;
 };
 
 // The widget itself. Widgets that a host puts into it come behind the elements.
@@ -330,6 +339,12 @@ void QtAccessibility::elementDied(const AccessibilityElement& element) {
     m_retired.push_back(found->second);
     m_elements.erase(found);
     if (m_uses == 0) deleteRetired();
+}
+
+void QtAccessibility::interfaceDied(const Element& shown, const AccessibilityElement& element) {
+    const auto found = m_elements.find(&element);
+    if (found != m_elements.end() && found->second == &shown) m_elements.erase(found);
+    m_retired.erase(std::remove(m_retired.begin(), m_retired.end(), &shown), m_retired.end());
 }
 
 void QtAccessibility::deleteRetired() {

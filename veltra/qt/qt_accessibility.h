@@ -40,6 +40,7 @@ private:
     class Host;
 
     static QAccessibleInterface* make(const QString& className, QObject* object);
+    void interfaceDied(const Element& shown, const AccessibilityElement& element);
     void deleteRetired();
 
     std::unordered_map<const AccessibilityElement*, Element*> m_elements;
