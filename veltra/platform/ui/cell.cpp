@@ -121,6 +121,8 @@ void Cell::setNeedsDisplay() {
 
 void Cell::drawWithFrame(Canvas& canvas, const Rect& frame, View& view) {
     calculateInternalsFromCellFrame(frame, view);
+    const Canvas::StateScope scope(canvas);
+    canvas.clipTo(frame);  // one rectangle, however many are dirty: images are then plain copies
     if (m_isBordered || m_isBezeled) {
         const Path outline = Path::roundedRect(frame.inset(0.5F, 0.5F), m_isBezeled ? 4.0F : 0.0F);
         canvas.strokePath(outline, view.systemColor(SystemColor::Separator), 1.0F);

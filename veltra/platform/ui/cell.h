@@ -75,7 +75,8 @@ public:
     // Asks the control view to draw cellFrame() again.
     void setNeedsDisplay();
 
-    // Drawing. drawWithFrame() calculates the internals, then draws the border and the interior.
+    // Drawing. drawWithFrame() calculates the internals, then draws the border and the interior;
+    // what is outside of the frame is cut off.
     void drawWithFrame(Canvas& canvas, const Rect& frame, View& view);
     virtual void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view);
     Size cellSize() const;
