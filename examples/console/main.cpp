@@ -2,6 +2,7 @@
 // framework's pieces are put together; read on in session.cpp, then engine.h and pcm_reader.cpp.
 #include "options.h"
 #include "session.h"
+#include "window_program.h"
 
 #include <cstdio>
 #include <exception>
@@ -15,6 +16,16 @@ int main(int argc, char** argv) try {
         return 2;
     }
     if (options->help) return std::fputs(kHelpText, stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+    // The window is a program of its own: who only reads files need not load a toolkit.
+    if (wantsWindow(*options)) becomeWindow(argv);
+    if (!options->picture.empty()) {
+        std::fprintf(stderr, "veltra-console: veltra-console-window is not installed beside it\n");
+        return 1;
+    }
+    if (options->files.empty()) {
+        std::fprintf(stderr, "veltra-console: no files are named; see veltra-console --help\n");
+        return 2;
+    }
     return Session(*options).run();
 } catch (const std::exception& failure) {
     std::fprintf(stderr, "veltra-console: %s; giving up\n", failure.what());

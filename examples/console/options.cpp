@@ -1,16 +1,23 @@
 #include "options.h"
 
+#include <charconv>
 #include <string_view>
 
 namespace veltra::console {
 
 const char* const kHelpText =
-    R"(Usage: veltra-console [--headless] [--report -|FILE] [--device auto|null] FILE...
+    R"(Usage: veltra-console [--headless | --terminal] [--report -|FILE] [--device auto|null] FILE...
+       veltra-console --picture FILE.png [--scale N] [--theme light|dark] FILE...
 
-Plays audio files, all at once, and tells what is in them.
+Plays audio files, all at once, and tells what is in them: in a window where there is a display,
+else in the terminal. In the window files can be left out, and come and go while others play.
 
   --headless      read and measure only, as fast as possible; the report goes to standard output
                   unless --report says otherwise
+  --terminal      no window
+  --picture FILE  draw the window at the loudest moment into a PNG file, without a display
+  --scale N       of the picture: pixels a point, 1 to 4 (1)
+  --theme NAME    of the picture: light or dark (light)
   --report FILE   write the report to FILE when all has ended; - is standard output
   --device auto   play on the default audio device, or in silence when there is none (the default)
   --device null   play in silence, at the pace of real time
@@ -45,6 +52,19 @@ Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one was not or
 not be written, 2 the command line makes no sense.
 )";
 
+namespace {
+
+bool parseScale(std::string_view text, float& scale) {
+    float value = 0.0F;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return false;
+    if (!(value >= 1.0F && value <= 4.0F)) return false;
+    scale = value;
+    return true;
+}
+
+}  // namespace
+
 std::optional<Options> parseOptions(std::span<const char* const> arguments, std::string& error) {
     Options options;
     bool onlyFiles = false;
@@ -56,7 +76,8 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
         }
         const std::size_t equals = argument.find('=');
         const std::string_view name = argument.substr(0, equals);
-        const bool takesValue = name == "--report" || name == "--device";
+        const bool takesValue = name == "--report" || name == "--device" || name == "--picture" ||
+                                name == "--scale" || name == "--theme";
         std::string_view value;
         if (takesValue && equals != std::string_view::npos) {
             value = argument.substr(equals + 1);
@@ -73,6 +94,13 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
             options.help = true;
         } else if (name == "--headless") {
             options.headless = true;
+        } else if (name == "--terminal") {
+            options.terminal = true;
+        } else if (name == "--picture" && !value.empty()) {
+            options.picture = value;
+        } else if (name == "--scale" && parseScale(value, options.scale)) {
+        } else if (name == "--theme" && (value == "light" || value == "dark")) {
+            options.theme = value == "dark" ? Appearance::Dark : Appearance::Light;
         } else if (name == "--report" && !value.empty()) {
             options.report = value;
         } else if (name == "--device" && (value == "auto" || value == "null")) {
@@ -83,7 +111,8 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
             return std::nullopt;
         }
     }
-    if (options.files.empty() && !options.help) {
+    const bool needsFiles = options.headless || options.terminal || !options.picture.empty();
+    if (options.files.empty() && !options.help && needsFiles) {
         error = "no files are named";
         return std::nullopt;
     }

@@ -1,6 +1,8 @@
 // The command line.
 #pragma once
 
+#include "veltra/platform/ui/appearance.h"
+
 #include <optional>
 #include <span>
 #include <string>
@@ -13,7 +15,11 @@ enum class Device { Auto, Null };
 struct Options {
     bool help = false;
     bool headless = false;
+    bool terminal = false;  // no window, even where there is a display
     Device device = Device::Auto;
+    std::string picture;  // a PNG file to draw; empty: none
+    float scale = 1.0F;   // of the picture, pixels a point
+    Appearance theme = Appearance::Light;
     std::string report;  // "-": standard output; empty: none
     std::vector<std::string> files;
 };

@@ -94,6 +94,7 @@ void Application::postEvent(Event event) {
     if (!event.window || !event.window->admits(event)) return;
     if (m_pulls > 0) {
         m_queue.push_back(std::move(event));
+        UiPort::current().eventWasPosted();
         return;
     }
     dispatchQueue();  // what was kept came before

@@ -24,6 +24,10 @@ void Control::setCell(std::unique_ptr<Cell> cell) {
     setNeedsDisplay();
 }
 
+void Control::frameDidChange() {
+    if (m_cell) m_cell->calculateInternalsFromCellFrame(bounds(), *this);
+}
+
 void Control::setTarget(Anchored* target) {
     m_target = target;
     m_hasTarget = target != nullptr;

@@ -75,6 +75,10 @@ public:
     std::vector<AccessibilityElement*> accessibilityChildren() const override;
     bool accessibilityIsEnabled() const override { return isEnabled(); }
 
+protected:
+    // The cell fills the bounds.
+    void frameDidChange() override;
+
 private:
     std::unique_ptr<Cell> m_cell;
     CellTracking m_tracking;

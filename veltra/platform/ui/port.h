@@ -81,6 +81,8 @@ public:
     // event was handed to Application::postEvent(). Answers false when there is nothing to wait
     // for.
     virtual bool waitForEvent() = 0;
+    // An event was handed over, by whomever, while somebody waits: waitForEvent() is to return.
+    virtual void eventWasPosted() {}
     // Ends the toolkit's main event loop.
     virtual void terminate() = 0;
 

@@ -1,0 +1,115 @@
+#include "../test_recordings.h"
+#include "console_widget.h"
+#include "veltra/qt/qt_port.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QMimeData>
+#include <QUrl>
+#include <QtTest>
+
+#include <gmock/gmock.h>
+
+namespace veltra::console::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+// What a screen reader finds under `element` by its name.
+AccessibilityElement* find(const AccessibilityElement& element, const std::string& name) {
+    for (AccessibilityElement* child : shownAccessibilityChildren(element)) {
+        if (child->accessibilityName() == name) return child;
+        if (AccessibilityElement* found = find(*child, name)) return found;
+    }
+    return nullptr;
+}
+
+void click(ViewWidget& widget, const AccessibilityElement& element) {
+    const Point middle = accessibilityFrameInWindow(element).center();
+    const auto height = static_cast<float>(widget.height());
+    QTest::mouseClick(&widget, Qt::LeftButton, {},
+                      QPoint(static_cast<int>(middle.x), static_cast<int>(height - middle.y)));
+}
+
+TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string six = synthetic("six.wav", 48000, "30 sine 300 gain -6 remix 1 1 1 1 1 1");
+    const std::string brief = synthetic("brief.wav", 48000, "0.05 sine 300");
+    Player player(Device::Null);
+    ConsoleWidget widget(player);
+    widget.addFiles({kSamples + "loop_tabla.flac", "/nowhere.wav"});
+    widget.show();
+    View& root = *widget.contentView();
+
+    QMimeData dropped;
+    dropped.setUrls({QUrl::fromLocalFile(QString::fromStdString(six)),
+                     QUrl::fromLocalFile(QString::fromStdString(brief))});
+    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &enter);
+    QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &drop);
+    ASSERT_EQ(player.look().strips.size(), 3U);
+    AccessibilityElement* const bridge = find(root, "six.wav meters");
+    ASSERT_NE(bridge, nullptr);
+    EXPECT_EQ(shownAccessibilityChildren(*bridge).size(), 6U);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return find(*bridge, "channel 6")->accessibilityValueText() == "-6.0 dB";
+    })) << find(*bridge, "channel 6")->accessibilityValueText();
+
+    click(widget, *find(root, "Mute six.wav"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return player.look().strips[1].meter.muted; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return find(root, "Play brief.wav again") != nullptr; }));
+    click(widget, *find(root, "Play brief.wav again"));
+    EXPECT_FALSE(player.look().strips[2].ended);
+    click(widget, *find(root, "Remove six.wav"));
+    EXPECT_EQ(player.look().strips.size(), 2U);
+    EXPECT_EQ(find(root, "Mute six.wav"), nullptr);
+
+    AccessibilityElement* const messages = find(root, "Messages");
+    ASSERT_NE(messages, nullptr);
+    EXPECT_THAT(shownAccessibilityChildren(*messages).front()->accessibilityName(),
+                HasSubstr("/nowhere.wav: "));
+    click(widget, *find(*messages, "Dismiss"));
+    EXPECT_EQ(find(root, "Messages"), nullptr);
+
+    const auto entries = player.finish();
+    ASSERT_EQ(entries.size(), 5U);
+    EXPECT_FALSE(entries[1].error.empty());
+    EXPECT_TRUE(entries[3].result->complete);
+    EXPECT_FALSE(entries[2].result->complete);
+}
+
+TEST(ConsolePicture, ShowsTheLoudestMomentAtItsScale) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string loud =
+        synthetic("loud.wav", 48000, "2 sine 300 fade q 1.5 2 0.4 gain -1 remix 1 1");
+    const std::string picture = folder() + "picture.png";
+    const auto draw = [&](const std::string& options) {
+        EXPECT_EQ(shell(VELTRA_CONSOLE " --picture " + picture + options + " " + loud), 0);
+        return QImage(QString::fromStdString(picture));
+    };
+    const QImage large = draw(" --scale 2 --theme dark");
+    const QImage small = draw("");
+    EXPECT_EQ(large.size(), small.size() * 2);
+    EXPECT_LT(qGray(large.pixel(2, 2)), 60);
+    EXPECT_GT(qGray(small.pixel(2, 2)), 220);
+    int red = 0;  // what only the upper zone of a meter near full scale has
+    for (int y = 0; y < small.height(); ++y) {
+        for (int x = 0; x < small.width(); ++x) {
+            const QColor color = small.pixelColor(x, y);
+            red += color.red() > 200 && color.green() < 120 && color.blue() < 120;
+        }
+    }
+    EXPECT_GT(red, 100);
+}
+
+}  // namespace
+}  // namespace veltra::console::testing
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    veltra::installQtPort();
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,39 @@
+// A line of text in a view; what does not fit ends in an ellipsis, and rests in a tool tip.
+#pragma once
+
+#include "veltra/platform/ui/styled_text.h"
+#include "veltra/platform/ui/view.h"
+
+#include <string>
+
+namespace veltra::console {
+
+// Thread: main.
+class Label final : public View {
+public:
+    Label(const Rect& frame, Font font, SystemColor color,
+          TextAlignment alignment = TextAlignment::Left);
+
+    const std::string& text() const noexcept { return m_text; }
+    void setText(const std::string& text);
+    // Shown when the pointer rests, in place of a text that is too long.
+    void setFullText(const std::string& text);
+
+    bool isFlipped() const override { return true; }
+    void drawRect(Canvas& canvas, const Rect& dirty) override;
+
+    AccessibilityRole accessibilityRole() const override;
+    std::string accessibilityName() const override;
+
+protected:
+    void frameDidChange() override;
+
+private:
+    const Font m_font;
+    const SystemColor m_color;
+    const TextAlignment m_alignment;
+    std::string m_text;
+    std::string m_fullText;
+};
+
+}  // namespace veltra::console

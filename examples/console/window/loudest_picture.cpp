@@ -1,0 +1,71 @@
+#include "loudest_picture.h"
+
+#include "../rehearsal.h"
+#include "console_view.h"
+#include "veltra/platform/clock.h"
+#include "veltra/platform/ui/picture.h"
+
+namespace veltra::console {
+
+namespace {
+
+// Time as it passes in the recording, so that the meters fall as they would while it plays.
+class RehearsalClock final : public Clocks {
+public:
+    RehearsalClock() noexcept : m_before(Clocks::install(this)) {}
+    ~RehearsalClock() override { Clocks::install(m_before); }
+
+    void setStep(std::int64_t step) noexcept {
+        m_now = static_cast<std::uint64_t>(step) * 1'000'000'000U / Rehearsal::kStepsPerSecond;
+    }
+    ClockReading monotonic() const noexcept override { return {m_now, 0}; }
+    WallTime wall() const noexcept override { return {}; }
+
+private:
+    std::uint64_t m_now = 0;
+    const Clocks* m_before;
+};
+
+ConsoleState stateOf(Rehearsal& rehearsal) {
+    ConsoleState state;
+    for (StripMeter& meter : rehearsal.engine().meters()) {
+        StripState strip;
+        strip.key = static_cast<StripKey>(meter.id);
+        strip.path = meter.path;
+        strip.format.rate = meter.rate;
+        strip.format.channels = meter.channels;
+        strip.meter = std::move(meter);
+        state.strips.push_back(std::move(strip));
+    }
+    state.outputPeaks = rehearsal.engine().takeOutputPeaks();
+    state.place = rehearsal.engine().musicalPosition();
+    state.seconds = static_cast<double>(rehearsal.engine().position()) / rehearsal.rate();
+    state.outputName = "loudest moment";
+    return state;
+}
+
+}  // namespace
+
+std::string writeLoudestPicture(const Options& options) {
+    const std::int64_t loudest = loudestStep(options.files).value_or(0);
+    RehearsalClock clock;
+    Rehearsal rehearsal(options.files);
+    ConsoleDelegate nobody;
+    PictureWindow picture(ConsoleView::sizeForStrips(rehearsal.engine().stripCount()),
+                          options.scale, options.theme);
+    const Rect whole{{}, picture.window().contentSize()};
+    auto owned = std::make_unique<ConsoleView>(whole, nobody);
+    ConsoleView& view = *owned;
+    picture.window().setContentView(std::move(owned));
+    for (const Rehearsal::Problem& problem : rehearsal.problems())
+        view.addMessage(problem.path + ": " + problem.text);
+    while (rehearsal.stepsDone() < loudest && rehearsal.step()) {
+        clock.setStep(rehearsal.stepsDone());
+        view.update(stateOf(rehearsal));
+    }
+    const auto image = picture.draw();
+    if (image && image->writePng(options.picture)) return {};
+    return options.picture + ": the picture cannot be written; choose another name or folder";
+}
+
+}  // namespace veltra::console

@@ -1,0 +1,56 @@
+// veltra-console-window: the console with a window. veltra-console starts it where there is a
+// display, or for a picture; the command line is the same.
+#include "../interruption.h"
+#include "../options.h"
+#include "../report.h"
+#include "../text.h"
+#include "console_widget.h"
+#include "loudest_picture.h"
+#include "veltra/qt/qt_port.h"
+
+#include <QApplication>
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+using namespace veltra::console;
+
+int showWindow(const Options& options) {
+    listenForInterruption();
+    Player player(options.device);
+    {
+        ConsoleWidget widget(player);
+        widget.addFiles(options.files);
+        widget.show();
+        QApplication::exec();
+    }
+    const auto entries = player.finish();
+    if (options.report.empty()) return 0;
+    const std::string problem = writeReport(makeReport(entries), options.report);
+    if (problem.empty()) return 0;
+    std::fprintf(stderr, "veltra-console: %s: %s\n", options.report.c_str(), problem.c_str());
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+    std::string error;
+    const auto options = parseOptions({argv + 1, static_cast<std::size_t>(argc - 1)}, error);
+    if (!options) {
+        std::fprintf(stderr, "veltra-console: %s; see veltra-console --help\n", error.c_str());
+        return 2;
+    }
+    if (!options->picture.empty()) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Veltra Console"));
+    veltra::installQtPort();
+    if (options->picture.empty()) return showWindow(*options);
+    const std::string problem = writeLoudestPicture(*options);
+    if (!problem.empty()) std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
+    return problem.empty() ? 0 : 1;
+} catch (const std::exception& failure) {
+    std::fprintf(stderr, "veltra-console: %s; giving up\n", failure.what());
+    return 1;
+}

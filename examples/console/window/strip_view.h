@@ -1,0 +1,49 @@
+// One file in the window: its name and format, its meters, how far it has played, and its buttons.
+#pragma once
+
+#include "console_delegate.h"
+#include "label.h"
+#include "meter_bridge.h"
+#include "progress_bar.h"
+#include "veltra/platform/ui/button.h"
+
+namespace veltra::console {
+
+// Thread: main.
+class StripView final : public View {
+public:
+    static constexpr float kWidth = 128.0F;
+
+    // `delegate` must outlive the view.
+    StripView(const Rect& frame, const StripState& state, ConsoleDelegate& delegate);
+
+    StripKey key() const noexcept { return m_key; }
+    void update(const StripState& state);
+
+    bool isFlipped() const override { return true; }
+    void drawRect(Canvas& canvas, const Rect& dirty) override;
+
+    AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
+    std::string accessibilityName() const override { return m_name.text(); }
+
+protected:
+    void frameDidChange() override;
+
+private:
+    void muteWasPressed();
+    void removeWasPressed();
+    void againWasPressed();
+
+    const StripKey m_key;
+    ConsoleDelegate& m_delegate;
+    Label& m_name;
+    Label& m_format;
+    MeterBridge& m_meters;
+    Label& m_time;
+    ProgressBar& m_progress;
+    Button& m_mute;
+    Button& m_again;  // in the place of the mute button once the file has ended
+    Button& m_remove;
+};
+
+}  // namespace veltra::console

@@ -1,0 +1,29 @@
+#include "window_program.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace veltra::console {
+
+bool wantsWindow(const Options& options) {
+    if (!options.picture.empty()) return true;
+    if (options.headless || options.terminal) return false;
+    const auto isSet = [](const char* name) {
+        const char* const value = std::getenv(name);
+        return value != nullptr && *value != '\0';
+    };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
+}
+
+void becomeWindow(char** arguments) {
+    std::error_code error;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) return;
+    const std::string program = self.parent_path() / "veltra-console-window";
+    execv(program.c_str(), arguments);
+}
+
+}  // namespace veltra::console

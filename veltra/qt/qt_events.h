@@ -1,0 +1,39 @@
+// Events of Qt as those of platform/ui.
+#pragma once
+
+#include "veltra/platform/ui/event.h"
+
+#include <QPointF>
+#include <optional>
+
+class QInputEvent;
+class QKeyEvent;
+class QMouseEvent;
+class QWheelEvent;
+
+namespace veltra {
+
+// What one surface has to remember from event to event: Qt counts presses up to two, and numbers
+// and measures nothing.
+class QtEvents {
+public:
+    // `height` is that of the window's content; events have no window yet. Nothing for buttons
+    // other than the left and the right one.
+    std::optional<Event> mouse(const QMouseEvent& event, float height);
+    Event exit(float height) const;
+    Event wheel(const QWheelEvent& event, float height) const;
+    // Nothing for the releases of a key that repeats.
+    static std::optional<Event> key(const QKeyEvent& event);
+
+private:
+    void countPress(const QMouseEvent& event);
+
+    QPointF m_last;   // where the pointer was
+    QPointF m_press;  // where the button went down
+    std::uint64_t m_pressTime = 0;
+    int m_pressButton = 0;
+    std::int32_t m_clickCount = 0;
+    std::int32_t m_eventNumber = 0;
+};
+
+}  // namespace veltra

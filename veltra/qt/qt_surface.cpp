@@ -1,0 +1,318 @@
+#include "veltra/qt/qt_surface.h"
+
+#include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/ui/application.h"
+#include "veltra/qt/painter_canvas.h"
+#include "veltra/qt/qt_types.h"
+#include "veltra/qt/qt_ui_port.h"
+
+#include <QHelpEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QWidget>
+#include <utility>
+#include <vector>
+
+namespace veltra {
+
+namespace {
+
+class HostResponder final : public Responder {
+public:
+    bool wasReached = false;
+
+    Responder* nextResponder() const override { return &Application::current(); }
+    void mouseDown(const Event& /*event*/) override { wasReached = true; }
+    void mouseDragged(const Event& /*event*/) override { wasReached = true; }
+    void mouseUp(const Event& /*event*/) override { wasReached = true; }
+    void rightMouseDown(const Event& /*event*/) override { wasReached = true; }
+    void rightMouseDragged(const Event& /*event*/) override { wasReached = true; }
+    void rightMouseUp(const Event& /*event*/) override { wasReached = true; }
+    void mouseMoved(const Event& /*event*/) override { wasReached = true; }
+    void scrollWheel(const Event& /*event*/) override { wasReached = true; }
+    void keyDown(const Event& /*event*/) override { wasReached = true; }
+    void keyUp(const Event& /*event*/) override { wasReached = true; }
+    void flagsChanged(const Event& /*event*/) override { wasReached = true; }
+};
+
+HostResponder& beyond() {
+    static Immortal<HostResponder> responder;
+    return *responder;
+}
+
+Qt::CursorShape shape(Cursor cursor) {
+    switch (cursor) {
+        case Cursor::Arrow:
+            break;
+        case Cursor::PointingHand:
+            return Qt::PointingHandCursor;
+        case Cursor::OpenHand:
+            return Qt::OpenHandCursor;
+        case Cursor::ClosedHand:
+            return Qt::ClosedHandCursor;
+        case Cursor::ResizeUpDown:
+            return Qt::SizeVerCursor;
+    }
+    return Qt::ArrowCursor;
+}
+
+}  // namespace
+
+Responder& QtSurface::hostResponder() {
+    return beyond();
+}
+
+QtSurface::QtSurface(QWidget& widget, MoveFocus moveFocus)
+    : m_widget(&widget), m_moveFocus(std::move(moveFocus)) {
+    widget.setMouseTracking(true);
+    if (QtUiPort* const port = QtUiPort::installed()) port->add(*this);
+}
+
+QtSurface::~QtSurface() {
+    if (QtUiPort* const port = QtUiPort::installed()) port->remove(*this);
+}
+
+// What the window asks for.
+
+void QtSurface::invalidate(const Rect& surfaceRect) {
+    if (m_widget == nullptr || !m_widget->isVisible()) return;  // showing draws it all
+    const QRect rect = around(surfaceRect);
+    m_invalid += rect;
+    m_widget->update(rect);
+}
+
+void QtSurface::displayIfNeeded() {
+    if (m_widget == nullptr || m_isPainting || m_invalid.isEmpty()) return;
+    if (m_widget->isVisible()) m_widget->repaint(m_invalid);
+}
+
+void QtSurface::takeKeyboard() {
+    if (m_widget != nullptr) m_widget->setFocus(Qt::OtherFocusReason);
+}
+
+bool QtSurface::passKeyboard(bool forward) {
+    return m_widget != nullptr && m_moveFocus(forward);
+}
+
+void QtSurface::setCursor(Cursor cursor) {
+    if (cursor == m_cursor || m_widget == nullptr) return;
+    m_cursor = cursor;
+    m_widget->setCursor(shape(cursor));
+}
+
+float QtSurface::scale() const {
+    return m_widget != nullptr ? static_cast<float>(m_widget->devicePixelRatioF()) : 1.0F;
+}
+
+// What the widget hears.
+
+bool QtSurface::handle(QEvent& event) {
+    if (m_widget == nullptr) return false;
+    const QPointer<QWidget> widget(m_widget);
+    switch (event.type()) {
+        case QEvent::Paint:
+            paint(static_cast<const QPaintEvent&>(event));
+            return true;
+        case QEvent::FocusIn:
+            focusIn(static_cast<const QFocusEvent&>(event));
+            break;
+        case QEvent::FocusOut:
+            focusOut(static_cast<const QFocusEvent&>(event));
+            break;
+        case QEvent::Resize:
+            place();
+            break;
+        case QEvent::Show:
+            m_window->visibilityDidChange(true);
+            break;
+        case QEvent::Hide:
+            m_invalid = {};
+            if (QtUiPort* const port = QtUiPort::installed()) port->toolTip().close(*widget);
+            m_isLeftDown = false;
+            m_window->visibilityDidChange(false);
+            break;
+        case QEvent::WindowDeactivate:
+        case QEvent::WindowBlocked:
+        case QEvent::UngrabMouse:
+            cancelTracking();
+            break;
+        case QEvent::PaletteChange:
+        case QEvent::FontChange:
+            updateAppearance();
+            break;
+        case QEvent::ScreenChangeInternal:
+            noteScale();
+            break;
+        case QEvent::ToolTip:
+            return showToolTip(static_cast<const QHelpEvent&>(event));
+        default:
+            return input(event);
+    }
+    return widget.isNull();
+}
+
+bool QtSurface::input(QEvent& event) {
+    QtUiPort* const port = QtUiPort::installed();
+    const float height = m_window->contentSize().height;
+    switch (event.type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseMove:
+            return mouse(static_cast<QMouseEvent&>(event));
+        case QEvent::Leave:
+            if (port != nullptr) port->toolTip().interrupt();
+            if (!m_isLeftDown) post(m_events.exit(height), event);
+            return true;
+        case QEvent::Wheel:
+            if (port != nullptr) port->toolTip().interrupt();
+            return post(m_events.wheel(static_cast<const QWheelEvent&>(event), height), event);
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+            if (port != nullptr) port->toolTip().interrupt();
+            if (auto key = QtEvents::key(static_cast<const QKeyEvent&>(event))) {
+                return post(*std::move(key), event);
+            }
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool QtSurface::mouse(QMouseEvent& event) {
+    const QPointer<QWidget> widget(m_widget);
+    if (QtUiPort* const port = QtUiPort::installed()) {
+        if (event.type() == QEvent::MouseMove) {
+            port->toolTip().pointerMoved(*widget, event.position().toPoint());
+        } else {
+            port->toolTip().interrupt();
+        }
+    }
+    // The release went elsewhere: to a menu, say, that opened under the pointer.
+    if (m_isLeftDown && event.type() == QEvent::MouseMove &&
+        !event.buttons().testFlag(Qt::LeftButton)) {
+        cancelTracking();
+        if (!widget) return true;
+    }
+    auto translated = m_events.mouse(event, m_window->contentSize().height);
+    if (!translated) {
+        event.ignore();
+        return true;
+    }
+    if (translated->type == EventType::LeftMouseDown) {
+        m_isLeftDown = true;
+        View* const content = m_window->contentView();
+        View* const hit =
+            content != nullptr ? content->hitTest(translated->locationInWindow) : nullptr;
+        // Only who wants keys takes the keyboard away from others.
+        if (hit != nullptr && hit->acceptsFirstResponder() && !widget->hasFocus()) {
+            widget->setFocus(Qt::MouseFocusReason);
+            if (!widget) return true;
+        }
+    } else if (translated->type == EventType::LeftMouseUp) {
+        m_isLeftDown = false;
+    }
+    return post(*std::move(translated), event);
+}
+
+// Hands the event over. What nobody took goes on to the widgets around.
+bool QtSurface::post(Event event, QEvent& source) {
+    event.window = m_window;
+    HostResponder& host = beyond();
+    const bool outer = std::exchange(host.wasReached, false);
+    Application::current().postEvent(std::move(event));  // may delete the surface
+    source.setAccepted(!std::exchange(host.wasReached, outer));
+    return true;
+}
+
+void QtSurface::cancelTracking() {
+    m_isLeftDown = false;
+    m_window->cancelTracking();
+}
+
+void QtSurface::paint(const QPaintEvent& event) {
+    noteScale();
+    m_invalid -= event.region();
+    std::vector<Rect> dirty;
+    for (const QRect& rect : event.region())
+        dirty.push_back(fromQt(QRectF(rect)));
+    QPainter painter(m_widget);
+    if (m_fillsGround) {
+        const auto ground = systemColor(SystemColor::WindowBackground, m_window->appearance());
+        painter.fillRect(event.rect(), toQt(ground));
+    }
+    PainterCanvas canvas(painter);
+    m_isPainting = true;
+    m_window->display(canvas, dirty);
+    m_isPainting = false;
+}
+
+void QtSurface::focusIn(const QFocusEvent& event) {
+    const QPointer<QWidget> widget(m_widget);
+    if (event.reason() == Qt::PopupFocusReason) return;
+    m_window->keyStateDidChange(true);
+    if (!widget) return;
+    const bool isTab = event.reason() == Qt::TabFocusReason;
+    const bool isBacktab = event.reason() == Qt::BacktabFocusReason;
+    if (isTab || isBacktab) {
+        m_window->keyboardArrives(isTab);
+    } else if (event.reason() != Qt::MouseFocusReason && m_window->firstResponder() == nullptr) {
+        m_window->keyboardArrives(true);
+    }
+    if (!widget || !(isTab || isBacktab) || m_window->firstResponder() != nullptr) return;
+    // Nobody in here wants keys. Where that is true of all in the focus chain, it ends with who
+    // began to look.
+    static const QWidget* s_seeker = nullptr;
+    if (s_seeker == widget) return;
+    const bool isFirst = s_seeker == nullptr;
+    if (isFirst) s_seeker = widget;
+    m_moveFocus(isTab);
+    if (isFirst) s_seeker = nullptr;
+}
+
+void QtSurface::focusOut(const QFocusEvent& event) {
+    if (event.reason() == Qt::PopupFocusReason) return cancelTracking();
+    m_window->keyStateDidChange(false);
+}
+
+void QtSurface::place() {
+    const QPointF origin = m_widget->mapToGlobal(QPointF(0, 0));
+    m_window->frameDidChange(fromQt(QRectF(origin, m_widget->size())));
+}
+
+bool QtSurface::showToolTip(const QHelpEvent& event) {
+    const Point inWindow{static_cast<float>(event.pos().x()),
+                         m_window->contentSize().height - static_cast<float>(event.pos().y())};
+    const auto found = m_window->toolTipAt(inWindow);
+    if (!found) return false;
+    const float top = m_window->contentSize().height - found->rect.maxY();
+    const Rect area{{found->rect.minX(), top}, found->rect.size};
+    QtUiPort* const port = QtUiPort::installed();
+    if (port != nullptr) port->toolTip().rest(*this, found->text, event.globalPos(), around(area));
+    return true;
+}
+
+// No event tells reliably that the scale has changed.
+void QtSurface::noteScale() {
+    const float before = std::exchange(m_scale, scale());
+    if (before == 0.0F || before == m_scale) return;
+    m_window->appearanceDidChange();
+}
+
+void QtSurface::updateAppearance() {
+    const QtUiPort* const port = QtUiPort::installed();
+    if (m_widget == nullptr || port == nullptr) return;
+    const Appearance own = QtUiPort::appearanceOf(m_widget->palette());
+    std::optional<Appearance> wanted;
+    if (!port->isAppearanceSet() && own != port->appearance()) wanted = own;
+    // Setting one tells the views; an appearance that the host set on the window is left alone.
+    if (wanted != m_ownAppearance) {
+        m_ownAppearance = wanted;
+        m_window->setAppearance(wanted);
+    } else {
+        m_window->appearanceDidChange();
+    }
+}
+
+}  // namespace veltra

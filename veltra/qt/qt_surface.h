@@ -1,0 +1,89 @@
+// The place of one Window in a QWidget: paints the widget, translates its events, and takes the
+// window's wishes to it. An embedded view and a window of the system both work with one.
+//
+// Thread: main. Realtime-safe: no.
+#pragma once
+
+#include "veltra/platform/ui/port.h"
+#include "veltra/platform/ui/window.h"
+#include "veltra/qt/qt_events.h"
+
+#include <QRegion>
+#include <functional>
+#include <optional>
+
+class QEvent;
+class QFocusEvent;
+class QHelpEvent;
+class QKeyEvent;
+class QMouseEvent;
+class QPaintEvent;
+class QWheelEvent;
+class QWidget;
+
+namespace veltra {
+
+class QtSurface : public WindowPort {
+public:
+    // Moves the keyboard on in the widget's focus chain; false when it leads nowhere else.
+    using MoveFocus = std::function<bool(bool forward)>;
+
+    // Without widget() (not owned) nothing appears: that is what remains of a window when Qt's
+    // application has ended.
+    QtSurface(QWidget& widget, MoveFocus moveFocus);
+    ~QtSurface() override;
+
+    // Not owned; may be under construction. Set once, before the widget hears anything.
+    void setWindow(Window& window) noexcept { m_window = &window; }
+    Window& window() const noexcept { return *m_window; }
+    // Paints the window's background colour under the views.
+    void fillsGround() noexcept { m_fillsGround = true; }
+    QWidget* widget() const noexcept { return m_widget; }
+    // The application ends, the widget with it.
+    virtual void abandonWidget() { m_widget = nullptr; }
+
+    // Called with each event of the widget, before the widget. True: it needs no more handling. The
+    // widget, and the surface with it, may be gone.
+    bool handle(QEvent& event);
+
+    // The widget was moved or resized.
+    void place();
+    // The colours to be used may be others.
+    void updateAppearance();
+
+    // The window ends its chain of responders with this one, which notices that nobody took the
+    // event, so that the widgets around are offered it. The application's chain goes on behind it.
+    static Responder& hostResponder();
+
+    void invalidate(const Rect& surfaceRect) override;
+    void displayIfNeeded() override;
+    void takeKeyboard() override;
+    bool passKeyboard(bool forward) override;
+    void setCursor(Cursor cursor) override;
+    float scale() const override;
+
+private:
+    bool input(QEvent& event);
+    bool mouse(QMouseEvent& event);
+    bool post(Event event, QEvent& source);
+    void paint(const QPaintEvent& event);
+    void focusIn(const QFocusEvent& event);
+    void focusOut(const QFocusEvent& event);
+    bool showToolTip(const QHelpEvent& event);
+    void noteScale();
+    void cancelTracking();
+
+    Window* m_window = nullptr;
+    QWidget* m_widget;
+    const MoveFocus m_moveFocus;
+    QtEvents m_events;
+    QRegion m_invalid;  // asked to be drawn again, not drawn yet
+    float m_scale = 0.0F;
+    bool m_fillsGround = false;
+    bool m_isPainting = false;
+    bool m_isLeftDown = false;
+    Cursor m_cursor = Cursor::Arrow;
+    std::optional<Appearance> m_ownAppearance;  // where the widget's palette is not the system's
+};
+
+}  // namespace veltra

@@ -1,0 +1,131 @@
+#include "veltra/qt/qt_text.h"
+
+#include "veltra/qt/qt_types.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QPainter>
+
+namespace veltra {
+
+namespace {
+
+constexpr int kLayoutSize = 64;  // pixels
+
+QFont layoutFont(const Font& font, bool isSmooth) {
+    QFont result(font.name.empty() ? QApplication::font().family() : toQt(font.name));
+    result.setPixelSize(kLayoutSize);
+    result.setHintingPreference(QFont::PreferNoHinting);
+    result.setStyleStrategy(isSmooth ? QFont::PreferAntialias : QFont::NoAntialias);
+    switch (font.weight) {
+        case FontWeight::Regular:
+            break;
+        case FontWeight::Medium:
+            result.setWeight(QFont::Medium);
+            break;
+        case FontWeight::Bold:
+            result.setWeight(QFont::Bold);
+            break;
+    }
+    if (font.hasEqualDigits) result.setKerning(false);
+    return result;
+}
+
+bool isDigit(QChar character) {
+    return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+}
+
+// The width of the widest digit; 0 when all are of one width and the text can be laid out as it is.
+double digitCell(const QFontMetricsF& metrics) {
+    double least = metrics.horizontalAdvance(QLatin1Char('0'));
+    double most = least;
+    for (char digit = '1'; digit <= '9'; ++digit) {
+        const double width = metrics.horizontalAdvance(QLatin1Char(digit));
+        least = std::min(least, width);
+        most = std::max(most, width);
+    }
+    return most - least > 0.01 * most ? most : 0.0;
+}
+
+// A piece of a line and how much room it takes: all of it, or one digit in its cell.
+struct Piece {
+    QString string;
+    double width;  // of its room, at the size of the layout
+    double shift;  // of the piece in its room
+};
+
+std::vector<Piece> pieces(const StyledText& text, const QFontMetricsF& metrics) {
+    const QString line = toQt(text.string);
+    const double cell = text.font.hasEqualDigits ? digitCell(metrics) : 0.0;
+    if (cell == 0.0) return {{line, metrics.horizontalAdvance(line), 0.0}};
+    std::vector<Piece> result;
+    for (qsizetype at = 0; at < line.size();) {
+        qsizetype end = at + 1;
+        if (!isDigit(line[at])) {
+            while (end < line.size() && !isDigit(line[end]))
+                ++end;
+        }
+        const QString string = line.mid(at, end - at);
+        const double width = metrics.horizontalAdvance(string);
+        const bool isCell = isDigit(line[at]);
+        result.push_back({string, isCell ? cell : width, isCell ? (cell - width) / 2 : 0.0});
+        at = end;
+    }
+    return result;
+}
+
+double totalWidth(const std::vector<Piece>& all) {
+    double width = 0.0;
+    for (const Piece& piece : all)
+        width += piece.width;
+    return width;
+}
+
+}  // namespace
+
+bool hasQtFontFamily(const std::string& name) {
+    return QFontDatabase::hasFamily(toQt(name));
+}
+
+Size qtTextSize(const StyledText& text) {
+    const QFontMetricsF metrics(layoutFont(text.font, true));
+    const double scale = static_cast<double>(text.font.size) / kLayoutSize;
+    return {static_cast<float>(totalWidth(pieces(text, metrics)) * scale),
+            static_cast<float>(metrics.height() * scale)};
+}
+
+void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, bool isSmooth) {
+    const double scale = static_cast<double>(text.font.size) / kLayoutSize;
+    if (!(scale > 0.0)) return;
+    const QFont font = layoutFont(text.font, isSmooth);
+    const QFontMetricsF metrics(font);
+    const std::vector<Piece> all = pieces(text, metrics);
+    const double width = totalWidth(all) * scale;
+    const double room = static_cast<double>(rect.size.width) - width;
+    double left = rect.minX();
+    if (text.alignment == TextAlignment::Center) left += room / 2;
+    if (text.alignment == TextAlignment::Right) left += room;
+    const double baseline = rect.center().y + (metrics.ascent() - metrics.descent()) / 2 * scale;
+
+    painter.save();
+    if (room < 0.0) {
+        const double height = metrics.height() * scale;
+        painter.setClipRect(
+            QRectF(rect.minX(), rect.center().y - height, rect.size.width, 2 * height),
+            Qt::IntersectClip);
+    }
+    painter.translate(left, baseline);
+    painter.scale(scale, scale);
+    painter.setFont(font);
+    painter.setPen(toQt(text.color));
+    double at = 0.0;
+    for (const Piece& piece : all) {
+        painter.drawText(QPointF(at + piece.shift, 0.0), piece.string);
+        at += piece.width;
+    }
+    painter.restore();
+}
+
+}  // namespace veltra

@@ -1,0 +1,126 @@
+#include "veltra/qt/qt_tool_tip.h"
+
+#include "veltra/qt/qt_surface.h"
+#include "veltra/qt/qt_types.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPainter>
+#include <QScreen>
+#include <QToolTip>
+#include <algorithm>
+
+namespace veltra {
+
+namespace {
+constexpr int kGap = 14;         // points between a knob's centre and the tip
+constexpr int kPointerGap = 20;  // below the resting pointer
+constexpr int kRadius = 4;
+}  // namespace
+
+class QtToolTip::Label final : public QLabel {
+public:
+    explicit Label(QWidget* parent)
+        : QLabel(parent, Qt::ToolTip | Qt::WindowTransparentForInput |
+                             Qt::WindowDoesNotAcceptFocus | Qt::FramelessWindowHint) {
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setAttribute(Qt::WA_TranslucentBackground);
+        setTextFormat(Qt::PlainText);
+        setFont(QToolTip::font());
+        setContentsMargins(7, 3, 7, 3);
+    }
+
+    void setAppearance(Appearance appearance) {
+        m_ground = toQt(systemColor(SystemColor::ControlBackground, appearance));
+        m_border = toQt(systemColor(SystemColor::Separator, appearance));
+        QPalette colors = palette();
+        colors.setColor(QPalette::WindowText, toQt(systemColor(SystemColor::Label, appearance)));
+        setPalette(colors);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        {
+            QPainter painter(this);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(m_border);
+            painter.setBrush(m_ground);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius,
+                                    kRadius);
+        }
+        QLabel::paintEvent(event);
+    }
+
+private:
+    QColor m_ground;
+    QColor m_border;
+};
+
+QtToolTip::~QtToolTip() {
+    delete m_label.data();
+}
+
+QtToolTip::Label& QtToolTip::prepare(const QtSurface& surface, const std::string& text) {
+    QWidget* const parent = surface.widget()->window();
+    if (m_label && m_label->parentWidget() != parent) delete m_label.data();
+    if (!m_label) m_label = new Label(parent);
+    m_owner = surface.widget();
+    m_label->setAppearance(surface.window().appearance());
+    m_label->setText(toQt(text));
+    m_label->resize(m_label->sizeHint());
+    return *m_label;
+}
+
+// Centred above the point, below it where the screen ends, and never beyond its sides.
+void QtToolTip::place(Label& label, QPoint point, int gap) {
+    const QScreen* screen = QGuiApplication::screenAt(point);
+    if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr) return;
+    const QRect room = screen->availableGeometry();
+    int x = point.x() - label.width() / 2;
+    x = std::max(std::min(x, room.right() + 1 - label.width()), room.left());
+    int y = point.y() - gap - label.height();
+    if (gap < 0) y = point.y() - gap;
+    if (y < room.top()) y = point.y() + gap;
+    if (y + label.height() > room.bottom() + 1) y = point.y() - std::abs(gap) - label.height();
+    label.move(x, y);
+    label.show();
+    label.raise();
+}
+
+void QtToolTip::follow(const QtSurface& surface, const std::string& text, QPointF position) {
+    if (surface.widget() == nullptr || !surface.widget()->isVisible()) return;
+    Label& label = prepare(surface, text);
+    m_rests = false;
+    place(label, surface.widget()->mapToGlobal(position).toPoint(), kGap);
+}
+
+void QtToolTip::rest(const QtSurface& surface, const std::string& text, QPoint onScreen,
+                     QRect area) {
+    if (surface.widget() == nullptr) return;
+    if (m_label && m_label->isVisible() && !m_rests) return;  // a value is being changed
+    Label& label = prepare(surface, text);
+    m_rests = true;
+    m_area = area;
+    place(label, onScreen, -kPointerGap);
+}
+
+void QtToolTip::pointerMoved(const QWidget& widget, QPoint position) {
+    if (m_rests && (m_owner != &widget || !m_area.contains(position))) close();
+}
+
+void QtToolTip::interrupt() {
+    if (m_rests) close();
+}
+
+void QtToolTip::close() {
+    m_rests = false;
+    if (m_label) m_label->hide();
+}
+
+void QtToolTip::close(const QWidget& widget) {
+    if (m_owner == &widget) close();
+}
+
+}  // namespace veltra

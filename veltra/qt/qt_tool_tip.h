@@ -1,0 +1,53 @@
+// The tool tip: one small window that lets the pointer through, in the colours of the window that
+// it belongs to. Either a control moves it while a value changes, or it shows where the pointer
+// rests.
+//
+// Thread: main. Realtime-safe: no.
+#pragma once
+
+#include "veltra/platform/ui/geometry.h"
+
+#include <QPointer>
+#include <QRect>
+#include <string>
+
+class QPoint;
+class QWidget;
+
+namespace veltra {
+
+class QtSurface;
+
+class QtToolTip {
+public:
+    QtToolTip() = default;
+    QtToolTip(const QtToolTip&) = delete;
+    QtToolTip& operator=(const QtToolTip&) = delete;
+    ~QtToolTip();
+
+    // Above a point of the surface, in its coordinates, or below where there is no room.
+    void follow(const QtSurface& surface, const std::string& text, QPointF position);
+    // At the resting pointer, until it leaves `area` of the widget.
+    void rest(const QtSurface& surface, const std::string& text, QPoint onScreen, QRect area);
+
+    // The pointer has moved, or something else was done that ends the tip of a resting pointer.
+    void pointerMoved(const QWidget& widget, QPoint position);
+    void interrupt();
+
+    void close();
+    // Closes it if it belongs to the widget.
+    void close(const QWidget& widget);
+
+private:
+    class Label;
+
+    Label& prepare(const QtSurface& surface, const std::string& text);
+    void place(Label& label, QPoint above, int gap);
+
+    QPointer<Label> m_label;
+    QPointer<QWidget> m_owner;
+    QRect m_area;
+    bool m_rests = false;
+};
+
+}  // namespace veltra

@@ -1,0 +1,494 @@
+#include "veltra/qt/view_widget.h"
+
+#include "veltra/platform/run_loop.h"
+#include "veltra/platform/ui/application.h"
+#include "veltra/platform/ui/canvas.h"
+#include "veltra/platform/ui/control.h"
+#include "veltra/platform/ui/panel.h"
+#include "veltra/platform/ui/slider_cell.h"
+#include "veltra/qt/qt_port.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QEventLoop>
+#include <QHBoxLayout>
+#include <QHelpEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
+#include <functional>
+
+#include <gmock/gmock.h>
+
+// What Qt and the libraries below it keep until the process ends.
+extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
+    return "leak:libfontconfig\nleak:libQt6XcbQpa\nleak:libdbus-1\n";
+}
+
+namespace veltra {
+namespace {
+
+using ::testing::ElementsAre;
+
+class Probe : public View {
+public:
+    using View::View;
+
+    bool takesKeys = true;
+    int draws = 0;
+    Color color = Color::fromRgb(0xFF0000);
+    std::vector<Event> events;
+    std::function<void(const Event&)> react;
+
+    void drawRect(Canvas& canvas, const Rect& /*dirty*/) override {
+        ++draws;
+        canvas.fillRect(bounds(), color);
+    }
+    bool acceptsFirstResponder() const override { return takesKeys; }
+    void mouseDown(const Event& event) override { note(event); }
+    void mouseDragged(const Event& event) override { note(event); }
+    void mouseUp(const Event& event) override { note(event); }
+    void rightMouseDown(const Event& event) override { note(event); }
+    void keyDown(const Event& event) override {
+        View::keyDown(event);
+        note(event);
+    }
+    void flagsChanged(const Event& event) override { note(event); }
+    void scrollWheel(const Event& event) override {
+        if (takesKeys) return note(event);
+        View::scrollWheel(event);
+    }
+    void tick(Anchored* /*sender*/) {
+        if (const auto reaction = react) reaction({});
+    }
+
+private:
+    void note(const Event& event) {
+        events.push_back(event);
+        if (const auto reaction = react) reaction(event);  // may delete this view
+    }
+};
+
+class OnQt : public ::testing::Test {
+protected:
+    // In a window of its own, between two fields that take the keyboard.
+    template <typename V>
+    V& host(std::unique_ptr<V> view) {
+        V& hosted = *view;
+        widget = new ViewWidget(&outside);
+        widget->setContentView(std::move(view));
+        auto* row = new QHBoxLayout(&outside);
+        for (QWidget* item : {static_cast<QWidget*>(&before), static_cast<QWidget*>(widget.data()),
+                              static_cast<QWidget*>(&behind)})
+            row->addWidget(item);
+        widget->setFixedSize(widget->sizeHint());
+        outside.show();
+        outside.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&outside));
+        before.setFocus();
+        return hosted;
+    }
+    void drag(QPoint to, Qt::MouseButton held = Qt::LeftButton) {
+        QMouseEvent move(QEvent::MouseMove, to, widget->mapToGlobal(to), Qt::NoButton, held,
+                         Qt::NoModifier);
+        QApplication::sendEvent(widget, &move);
+    }
+    bool turn(QPoint angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        const QPointF at(5, 5);
+        QWheelEvent wheel(at, widget->mapToGlobal(at), {}, angle, Qt::NoButton, modifiers,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(widget, &wheel);
+        return wheel.isAccepted();
+    }
+
+    int argumentCount = 1;
+    char name[5] = "test";
+    char* arguments[2] = {name, nullptr};
+    QApplication application{argumentCount, arguments};
+    QWidget outside;
+    QLineEdit before{&outside};
+    QLineEdit behind{&outside};
+    QPointer<ViewWidget> widget;
+};
+
+TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
+    auto& all = host(std::make_unique<View>(Rect{{}, {400, 200}}));
+    std::vector<Probe*> meters;
+    for (int i = 0; i < 200; ++i) {
+        const Point at{static_cast<float>(i % 20 * 20), static_cast<float>(i / 20 * 20)};
+        meters.push_back(&all.addSubview(std::make_unique<Probe>(Rect{at, {18, 18}})));
+    }
+    widget->repaint();
+    for (Probe* meter : meters)
+        meter->draws = 0;
+    for (std::size_t i = 0; i < 200; i += 20) {
+        meters[i]->color = Color::fromRgb(0x0000FF);
+        meters[i]->setNeedsDisplay();
+    }
+    widget->veltraWindow().displayIfNeeded();
+    int total = 0;
+    for (std::size_t i = 0; i < 200; ++i) {
+        EXPECT_EQ(meters[i]->draws, i % 20 == 0 ? 1 : 0) << i;
+        total += meters[i]->draws;
+    }
+    EXPECT_EQ(total, 10);
+    const QImage picture = widget->grab().toImage();
+    const auto scale = static_cast<int>(picture.devicePixelRatio());
+    EXPECT_EQ(picture.pixelColor(9 * scale, 191 * scale), QColor(Qt::blue));  // the lowest row
+    EXPECT_EQ(picture.pixelColor(29 * scale, 191 * scale), QColor(Qt::red));
+}
+
+TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
+    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
+    QTest::mousePress(widget, Qt::LeftButton, Qt::ShiftModifier | Qt::AltModifier, {10, 20});
+    drag({13, 16});
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, {13, 16});
+    ASSERT_EQ(probe.events.size(), 3U);
+    EXPECT_EQ(probe.events[0].locationInWindow, (Point{10, 30}));
+    EXPECT_EQ(probe.events[0].modifierFlags, kShiftKeyMask | kAlternateKeyMask);
+    EXPECT_EQ(probe.events[1].type, EventType::LeftMouseDragged);
+    EXPECT_EQ(probe.events[1].deltaX, 3);
+    EXPECT_EQ(probe.events[1].deltaY, -4);
+    EXPECT_EQ(probe.events[2].eventNumber, probe.events[0].eventNumber);
+    EXPECT_TRUE(widget->hasFocus());
+
+    const int last = probe.events[2].eventNumber;
+    probe.events.clear();
+    std::uint64_t time = 100'000;
+    for (const auto type :
+         {QEvent::MouseButtonPress, QEvent::MouseButtonDblClick, QEvent::MouseButtonPress}) {
+        QMouseEvent press(type, {50, 20}, widget->mapToGlobal(QPointF(50, 20)), Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        press.setTimestamp(time += 100);
+        QApplication::sendEvent(widget, &press);
+    }
+    std::vector<std::int32_t> clicks;
+    for (const Event& event : probe.events)
+        clicks.push_back(event.clickCount);
+    EXPECT_THAT(clicks, ElementsAre(1, 2, 3));
+    EXPECT_EQ(probe.events.back().eventNumber, last + 3);
+
+    EXPECT_TRUE(turn({0, 24}));
+    EXPECT_FLOAT_EQ(probe.events.back().deltaY, 0.2F);
+    EXPECT_TRUE(turn({-120, 0}, Qt::AltModifier));  // as systems that swap the axes send it
+    EXPECT_EQ(probe.events.back().deltaY, -1);
+    probe.takesKeys = false;
+    EXPECT_FALSE(turn({0, 120})) << "what no view takes is offered to the widgets around";
+}
+
+TEST_F(OnQt, TellsKeysAsCharactersThatControlsKnow) {
+    const struct {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        QString text;
+        std::u16string characters, ignoring;
+        ModifierFlags flags;
+    } rows[] = {
+        {Qt::Key_A, {}, "a", u"a", u"a", 0},
+        {Qt::Key_A, Qt::ShiftModifier, "A", u"A", u"A", kShiftKeyMask},
+        {Qt::Key_A, Qt::ControlModifier, "\x01", u"\x01", u"a", kControlKeyMask},
+        {Qt::Key_Up, {}, "", u"\uF700", u"\uF700", kFunctionKeyMask},
+        {Qt::Key_F3, Qt::MetaModifier, "", u"\uF706", u"\uF706",
+         kFunctionKeyMask | kCommandKeyMask},
+        {Qt::Key_Enter, Qt::KeypadModifier, "\r", u"\x03", u"\x03", kNumericPadKeyMask},
+        {Qt::Key_Backspace, {}, "\b", u"\x7F", u"\x7F", 0},
+        {Qt::Key_Dead_Acute, {}, "", u"", u"", 0},
+        {Qt::Key_Shift, {}, "", u"", u"", kShiftKeyMask},
+    };
+    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
+    widget->veltraWindow().makeFirstResponder(&probe);
+    for (const auto& row : rows) {
+        QKeyEvent press(QEvent::KeyPress, row.key, row.modifiers, 38, 0, 0, row.text);
+        QApplication::sendEvent(widget, &press);
+        const Event& event = probe.events.back();
+        EXPECT_EQ(event.characters, row.characters) << row.key;
+        EXPECT_EQ(event.charactersIgnoringModifiers, row.ignoring) << row.key;
+        EXPECT_EQ(event.modifierFlags, row.flags) << row.key;
+        EXPECT_EQ(event.keyCode, 38) << row.key;
+        EXPECT_EQ(event.type == EventType::FlagsChanged, row.key == Qt::Key_Shift);
+    }
+}
+
+TEST_F(OnQt, TabLeadsThroughTheKeyViewsAndOn) {
+    auto& all = host(std::make_unique<View>(Rect{{}, {100, 50}}));
+    auto& first = all.addSubview(std::make_unique<Probe>(Rect{{}, {10, 10}}));
+    auto& second = all.addSubview(std::make_unique<Probe>(Rect{{20, 0}, {10, 10}}));
+    const auto tab = [](Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); };
+    QWidget::setTabOrder(&before, widget);
+    QWidget::setTabOrder(widget, &behind);
+    tab(Qt::Key_Tab);
+    EXPECT_TRUE(first.isFirstResponder());
+    tab(Qt::Key_Tab);
+    EXPECT_TRUE(second.isFirstResponder());
+    tab(Qt::Key_Tab);
+    EXPECT_TRUE(behind.hasFocus());
+    EXPECT_FALSE(second.isFirstResponder());
+    tab(Qt::Key_Backtab);
+    EXPECT_TRUE(second.isFirstResponder());
+    first.takesKeys = second.takesKeys = false;
+    widget->veltraWindow().makeFirstResponder(nullptr);
+    before.setFocus();
+    tab(Qt::Key_Tab);
+    EXPECT_TRUE(behind.hasFocus()) << "nobody in there wants keys";
+    before.setFocus();
+    QTest::mouseClick(widget, Qt::LeftButton, {}, {5, 45});
+    EXPECT_TRUE(before.hasFocus()) << "a click takes the keyboard only where a view wants it";
+}
+
+TEST_F(OnQt, MayBeDeletedInEveryCallback) {
+    struct Deleter final : Control {
+        using Control::Control;
+        bool performAccessibilityAction(AccessibilityAction /*action*/) override {
+            delete victim.data();
+            return true;
+        }
+        AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Button; }
+        std::vector<AccessibilityAction> accessibilityActions() const override {
+            return {AccessibilityAction::Press};
+        }
+        QPointer<ViewWidget> victim;
+    };
+    const auto show = [this] {
+        widget = new ViewWidget;
+        auto probe = std::make_unique<Probe>(Rect{{}, {50, 50}});
+        Probe& shown = *probe;
+        widget->setContentView(std::move(probe));
+        widget->show();
+        return &shown;
+    };
+    for (const EventType when : {EventType::LeftMouseDown, EventType::LeftMouseDragged,
+                                 EventType::LeftMouseUp, EventType::KeyDown}) {
+        Probe* const probe = show();
+        widget->veltraWindow().makeFirstResponder(probe);
+        probe->react = [this, when](const Event& event) {
+            if (event.type == when) delete widget.data();
+        };
+        if (widget) QTest::mousePress(widget, Qt::LeftButton, {}, {5, 5});
+        if (widget) drag({9, 9});
+        if (widget) QTest::mouseRelease(widget, Qt::LeftButton, {}, {9, 9});
+        if (widget) QTest::keyPress(widget, Qt::Key_A);
+        EXPECT_TRUE(widget.isNull());
+    }
+    Probe* const ticking = show();
+    ticking->react = [this](const Event& /*event*/) { delete widget.data(); };
+    const auto timer = RunLoop::current()->schedule(
+        {.seconds = 0.001, .target = ticking, .action = action<&Probe::tick>(), .repeats = true});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return widget.isNull(); }));
+    timer->invalidate();
+
+    show();
+    auto deleter = std::make_unique<Deleter>(Rect{{}, {50, 50}});
+    deleter->victim = widget;
+    widget->setContentView(std::move(deleter));
+    auto* const root = QAccessible::queryAccessibleInterface(widget.data());
+    ASSERT_EQ(root->childCount(), 1);
+    QAccessibleInterface* const button = root->child(0);
+    button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(widget.isNull());
+    EXPECT_FALSE(button->isValid()) << "it is there until the reader has returned";
+}
+
+TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
+    const std::function<void()> ends[] = {
+        [this] { widget->hide(); },
+        [this] { delete widget.data(); },
+        [this] {
+            QEvent lost(QEvent::WindowDeactivate);
+            QApplication::sendEvent(widget, &lost);
+        },
+        [this] {
+            QEvent lost(QEvent::UngrabMouse);
+            QApplication::sendEvent(widget, &lost);
+        },
+        [this] {
+            drag({30, 30}, Qt::NoButton);
+        },  // with no button held
+        [] { QCoreApplication::quit(); },
+    };
+    host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
+    for (const auto& end : ends) {
+        if (!widget) {
+            widget = new ViewWidget;
+            widget->setContentView(std::make_unique<Probe>(Rect{{}, {50, 50}}));
+        }
+        widget->show();
+        auto& pulling = static_cast<Probe&>(*widget->contentView());
+        Event last;
+        last.clickCount = -1;
+        pulling.react = [&](const Event& event) {
+            if (event.type != EventType::LeftMouseDown) return;
+            QTimer::singleShot(0, &application, end);
+            last = Application::current().nextEvent(EventType::LeftMouseUp,
+                                                    RunLoopMode::EventTracking);
+        };
+        QTimer::singleShot(0, widget, [this] {
+            QMouseEvent press(QEvent::MouseButtonPress, {5, 5}, widget->mapToGlobal(QPointF(5, 5)),
+                              Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(widget, &press);
+            QCoreApplication::exit();
+        });
+        QCoreApplication::exec();
+        EXPECT_EQ(last.type, EventType::LeftMouseUp);
+        EXPECT_EQ(last.clickCount, 0) << &end - ends;
+    }
+}
+
+TEST_F(OnQt, TimersGoOnInMenusAndInLoopsThatATimerRuns) {
+    auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
+    int ticks = 0;
+    probe.react = [&ticks](const Event& /*event*/) { ++ticks; };
+    const auto beat = RunLoop::current()->schedule(
+        {.seconds = 0.001, .target = &probe, .action = action<&Probe::tick>(), .repeats = true});
+    QMenu menu;
+    menu.addAction("item");
+    Probe opener;
+    opener.react = [&](const Event& /*event*/) {
+        ticks = 0;
+        menu.popup({0, 0});
+        EXPECT_TRUE(QTest::qWaitFor([&ticks] { return ticks >= 3; }));
+        menu.close();
+        opener.react = nullptr;
+    };
+    RunLoop::current()->schedule({.target = &opener, .action = action<&Probe::tick>()});
+    EXPECT_TRUE(QTest::qWaitFor([&opener] { return !opener.react; }));
+    beat->invalidate();
+}
+
+TEST_F(OnQt, ReadersSeeAndMoveTheCells) {
+    auto slider =
+        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>());
+    auto& cell = static_cast<SliderCell&>(*slider->cell());
+    cell.setAltIncrementValue(0.25);
+    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
+    auto& control = all.addSubview(std::move(slider));
+    auto* const root = QAccessible::queryAccessibleInterface(widget.data());
+    ASSERT_EQ(root->childCount(), 1);
+    QAccessibleInterface* const shown = root->child(0);
+    EXPECT_EQ(root->child(0), shown);
+    EXPECT_EQ(root->indexOfChild(shown), 0);
+    EXPECT_EQ(shown->parent(), root);
+    EXPECT_EQ(shown->role(), QAccessible::Slider);
+    EXPECT_EQ(shown->text(QAccessible::Description), "horizontal");
+    EXPECT_EQ(shown->rect(), QRect(widget->mapToGlobal(QPoint(10, 20)), QSize(200, 20)));
+    const QPoint inside = shown->rect().center();
+    EXPECT_EQ(root->childAt(inside.x(), inside.y()), shown);
+    shown->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
+    EXPECT_EQ(cell.doubleValue(), 0.25);
+    shown->valueInterface()->setCurrentValue(2.0);
+    EXPECT_EQ(shown->valueInterface()->currentValue().toDouble(), 1.0);
+    control.setEnabled(false);
+    shown->valueInterface()->setCurrentValue(0.5);
+    EXPECT_EQ(cell.doubleValue(), 1.0);
+    EXPECT_TRUE(shown->state().disabled);
+    control.removeFromSuperview();
+    EXPECT_EQ(root->childCount(), 0);
+}
+
+TEST_F(OnQt, TextGrowsEvenlyAndFiguresStayInPlace) {
+    host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
+    const auto width = [](const char* text, float size, bool hasEqualDigits) {
+        StyledText styled{text, Font::systemFont(size), kBlack};
+        styled.font.hasEqualDigits = hasEqualDigits;
+        return styled.size().width;
+    };
+    const float one = width("Volume -12.5 dB", 10.0F, false);
+    for (const float size : {11.5F, 12.0F, 12.5F, 99.5F})
+        EXPECT_NEAR(width("Volume -12.5 dB", size, false) / one, size / 10.0F, 1e-3F) << size;
+    EXPECT_EQ(width("111.1", 12.5F, true), width("888.8", 12.5F, true));
+    EXPECT_FALSE(Font::fontWithName("No such family", 12.0F));
+}
+
+TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
+    installQtPort();
+    const auto draw = [](Canvas& canvas) {
+        canvas.fillRect({{0, 0}, {1, 1}}, Color::fromRgb(0x336699));
+    };
+    const auto image = Image::drawn({2, 1}, 2.0F, draw);
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->pixelAt(1, 1), 0xFF336699U);
+    EXPECT_EQ(image->pixelAt(2, 0), 0U);
+    EXPECT_EQ(toQImage(*image).format(), QImage::Format_ARGB32_Premultiplied);
+    const auto opaque = Image::drawn({1, 1}, 2.0F, draw);
+    EXPECT_EQ(toQImage(*opaque).format(), QImage::Format_RGB32);
+    EXPECT_EQ(toQImage(*opaque).devicePixelRatio(), 2.0);
+    EXPECT_EQ(fromQImage(toQImage(*opaque))->size(), (Size{1, 1}));
+}
+
+TEST_F(OnQt, AppearanceFollowsThePaletteAroundUnlessSet) {
+    auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
+    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
+    outside.setPalette(QPalette(QColor(0x30, 0x30, 0x30)));
+    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
+    setQtAppearance(Appearance::Light);
+    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
+    setQtAppearance(std::nullopt);
+    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
+}
+
+TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
+    struct Source final : Anchored, ToolTipSource {
+        std::string stringForTag(std::int32_t tag) override { return std::to_string(tag); }
+    } source;
+    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
+    probe.toolTips().addToolTipRect({{0, 0}, {20, 50}}, "resting");
+    ToolTipWindow::shared().showToolTipWindowForView(probe, &source, 7, {50, 25});
+    auto* const tip = outside.findChild<QLabel*>();
+    ASSERT_NE(tip, nullptr);
+    EXPECT_TRUE(tip->isVisible());
+    EXPECT_EQ(tip->text(), "7");
+    EXPECT_FALSE(tip->geometry().contains(widget->mapToGlobal(QPoint(50, 25))));
+    ToolTipWindow::shared().closeToolTipWindow();
+    EXPECT_FALSE(tip->isVisible());
+    QHelpEvent rest(QEvent::ToolTip, {5, 5}, widget->mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(widget, &rest);
+    EXPECT_EQ(tip->text(), "resting");
+    drag({60, 5}, Qt::NoButton);
+    EXPECT_FALSE(tip->isVisible());
+}
+
+TEST(QtPort, WindowsOutliveTheApplication) {
+    struct Closing final : Panel {
+        using Panel::Panel;
+        void didClose() override { wasClosed = true; }
+        bool wasClosed = false;
+    };
+    std::unique_ptr<Closing> window;
+    EXPECT_FALSE(installQtPort());
+    for (int round = 0; round < 2; ++round) {
+        int count = 1;
+        char name[] = "test";
+        char* arguments[] = {name, nullptr};
+        QApplication application(count, arguments);
+        ASSERT_TRUE(installQtPort());
+        window = std::make_unique<Closing>(Rect{{100, 100}, {200, 80}});
+        window->setContentView(std::make_unique<Probe>(Rect{}));
+        window->setMinSize({150, 60});
+        window->makeKeyAndOrderFront();
+        QWidget* const top = QApplication::topLevelWidgets().constFirst();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(top));
+        EXPECT_TRUE(window->isVisible());
+        window->setFrame({{120, 90}, {10, 300}});
+        EXPECT_EQ(top->size(), QSize(150, 300));
+        EXPECT_EQ(window->contentView()->frame().size, (Size{150, 300}));
+        top->close();
+        EXPECT_TRUE(window->wasClosed);
+        EXPECT_FALSE(window->isVisible());
+        window->orderFront();
+    }
+    EXPECT_FALSE(window->isVisible());
+    window->contentView()->setNeedsDisplay();
+    window->makeKeyAndOrderFront();
+    window->setFrame({{0, 0}, {300, 300}});
+}
+
+}  // namespace
+}  // namespace veltra
+
+int main(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    ::testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}
