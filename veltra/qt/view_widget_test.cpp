@@ -395,6 +395,31 @@ TEST_F(OnQt, ReadersSeeAndMoveTheCells) {
     EXPECT_EQ(root->childCount(), 0);
 }
 
+std::vector<std::pair<QAccessible::Event, QAccessible::Role>> heard;
+
+TEST_F(OnQt, ReadersHearOfChanges) {
+    if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON")) {
+        GTEST_SKIP() << "no accessibility bus";
+    }
+    ASSERT_TRUE(QTest::qWaitFor([] { return QAccessible::isActive(); }));
+    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
+    auto& slider = all.addSubview(
+        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>()));
+    QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        heard.emplace_back(event->type(), event->accessibleInterface()->role());
+    });
+    using Notice = AccessibilityNotification;
+    for (const Notice notice : {Notice::ValueChanged, Notice::StateChanged, Notice::NameChanged,
+                                Notice::FocusGained, Notice::ChildrenChanged})
+        slider.postAccessibilityNotification(notice);
+    QAccessible::installUpdateHandler(nullptr);
+    EXPECT_THAT(heard, ElementsAre(std::pair(QAccessible::ValueChanged, QAccessible::Slider),
+                                   std::pair(QAccessible::StateChanged, QAccessible::Slider),
+                                   std::pair(QAccessible::NameChanged, QAccessible::Slider),
+                                   std::pair(QAccessible::Focus, QAccessible::Slider),
+                                   std::pair(QAccessible::ObjectReorder, QAccessible::Grouping)));
+}
+
 TEST_F(OnQt, TextGrowsEvenlyAndFiguresStayInPlace) {
     host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
     const auto width = [](const char* text, float size, bool hasEqualDigits) {
