@@ -41,3 +41,12 @@ else()
 endif()
 configure_file(cmake/veltra.pc.in veltra.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/veltra.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+if(VELTRA_QT)
+    install(TARGETS veltra-qt EXPORT VeltraQtTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+    install(EXPORT VeltraQtTargets NAMESPACE Veltra:: DESTINATION "${package_folder}")
+    configure_file(cmake/veltra-qt.pc.in veltra-qt.pc @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/veltra-qt.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endif()

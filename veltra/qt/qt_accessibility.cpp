@@ -300,8 +300,7 @@ QtAccessibility::Use::~Use() {
     QtAccessibility& all = port->accessibility();
     if (--all.m_uses > 0 || all.m_retired.empty()) return;
     // The reader has yet to return through the interface.
-    QMetaObject::invokeMethod(
-        &all.m_later, [&all] { all.deleteRetired(); }, Qt::QueuedConnection);
+    all.m_later.start(0);
 }
 
 QAccessibleInterface* QtAccessibility::make(const QString& /*className*/, QObject* object) {
@@ -312,6 +311,8 @@ QAccessibleInterface* QtAccessibility::make(const QString& /*className*/, QObjec
 
 QtAccessibility::QtAccessibility() {
     QAccessible::installFactory(&QtAccessibility::make);
+    m_later.setSingleShot(true);
+    QObject::connect(&m_later, &QTimer::timeout, &m_later, [this] { deleteRetired(); });
 }
 
 QtAccessibility::~QtAccessibility() {

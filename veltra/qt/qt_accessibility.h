@@ -7,7 +7,7 @@
 #include "veltra/platform/ui/accessibility.h"
 
 #include <QAccessible>
-#include <QObject>
+#include <QTimer>
 #include <unordered_map>
 #include <vector>
 
@@ -45,7 +45,7 @@ private:
 
     std::unordered_map<const AccessibilityElement*, Element*> m_elements;
     std::vector<Element*> m_retired;
-    QObject m_later;
+    QTimer m_later;
     int m_uses = 0;
 };
 

@@ -135,6 +135,7 @@ bool QtSurface::handle(QEvent& event) {
         case QEvent::WindowDeactivate:
         case QEvent::WindowBlocked:
         case QEvent::UngrabMouse:
+        case QEvent::EnabledChange:
             cancelTracking();
             break;
         case QEvent::PaletteChange:
@@ -154,7 +155,9 @@ bool QtSurface::handle(QEvent& event) {
 
 bool QtSurface::input(QEvent& event) {
     QtUiPort* const port = QtUiPort::installed();
+    const QPointer<QWidget> widget(m_widget);
     const float height = m_window->contentSize().height;
+    if (!m_widget->isEnabled()) return false;
     switch (event.type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
@@ -164,7 +167,7 @@ bool QtSurface::input(QEvent& event) {
         case QEvent::Leave:
             if (port != nullptr) port->toolTip().interrupt();
             if (!m_isLeftDown) post(m_events.exit(height), event);
-            return true;
+            return widget.isNull();
         case QEvent::Wheel:
             if (port != nullptr) port->toolTip().interrupt();
             return post(m_events.wheel(static_cast<const QWheelEvent&>(event), height), event);

@@ -63,28 +63,34 @@ QtToolTip::~QtToolTip() {
 
 QtToolTip::Label& QtToolTip::prepare(const QtSurface& surface, const std::string& text) {
     QWidget* const parent = surface.widget()->window();
-    if (m_label && m_label->parentWidget() != parent) delete m_label.data();
-    if (!m_label) m_label = new Label(parent);
+    Label* label = m_label;
+    if (label != nullptr && label->parentWidget() != parent) {
+        delete label;
+        label = nullptr;
+    }
+    if (label == nullptr) m_label = label = new Label(parent);
     m_owner = surface.widget();
-    m_label->setAppearance(surface.window().appearance());
-    m_label->setText(toQt(text));
-    m_label->resize(m_label->sizeHint());
-    return *m_label;
+    label->setAppearance(surface.window().appearance());
+    label->setText(toQt(text));
+    label->resize(label->sizeHint());
+    return *label;
 }
 
-// Centred above the point, below it where the screen ends, and never beyond its sides.
-void QtToolTip::place(Label& label, QPoint point, int gap) {
+// Centred above the point or below it, on the other side where the screen ends, and never beyond
+// its sides.
+void QtToolTip::place(Label& label, QPoint point, Side side, int gap) {
     const QScreen* screen = QGuiApplication::screenAt(point);
     if (screen == nullptr) screen = QGuiApplication::primaryScreen();
     if (screen == nullptr) return;
     const QRect room = screen->availableGeometry();
-    int x = point.x() - label.width() / 2;
-    x = std::max(std::min(x, room.right() + 1 - label.width()), room.left());
-    int y = point.y() - gap - label.height();
-    if (gap < 0) y = point.y() - gap;
-    if (y < room.top()) y = point.y() + gap;
-    if (y + label.height() > room.bottom() + 1) y = point.y() - std::abs(gap) - label.height();
-    label.move(x, y);
+    const int rightmost = room.right() + 1 - label.width();
+    const int x = std::max(std::min(point.x() - label.width() / 2, rightmost), room.left());
+    const int above = point.y() - gap - label.height();
+    const int below = point.y() + gap;
+    const bool isAboveFree = above >= room.top();
+    const bool isBelowFree = below + label.height() <= room.bottom() + 1;
+    const bool isAbove = side == Side::Above ? isAboveFree : !isBelowFree && isAboveFree;
+    label.move(x, isAbove ? above : below);
     label.show();
     label.raise();
 }
@@ -93,7 +99,7 @@ void QtToolTip::follow(const QtSurface& surface, const std::string& text, QPoint
     if (surface.widget() == nullptr || !surface.widget()->isVisible()) return;
     Label& label = prepare(surface, text);
     m_rests = false;
-    place(label, surface.widget()->mapToGlobal(position).toPoint(), kGap);
+    place(label, surface.widget()->mapToGlobal(position).toPoint(), Side::Above, kGap);
 }
 
 void QtToolTip::rest(const QtSurface& surface, const std::string& text, QPoint onScreen,
@@ -103,7 +109,7 @@ void QtToolTip::rest(const QtSurface& surface, const std::string& text, QPoint o
     Label& label = prepare(surface, text);
     m_rests = true;
     m_area = area;
-    place(label, onScreen, -kPointerGap);
+    place(label, onScreen, Side::Below, kPointerGap);
 }
 
 void QtToolTip::pointerMoved(const QWidget& widget, QPoint position) {

@@ -7,6 +7,7 @@
 
 #include "veltra/platform/ui/geometry.h"
 
+#include <QPointF>
 #include <QPointer>
 #include <QRect>
 #include <string>
@@ -40,9 +41,10 @@ public:
 
 private:
     class Label;
+    enum class Side { Above, Below };
 
     Label& prepare(const QtSurface& surface, const std::string& text);
-    void place(Label& label, QPoint above, int gap);
+    static void place(Label& label, QPoint point, Side side, int gap);
 
     QPointer<Label> m_label;
     QPointer<QWidget> m_owner;

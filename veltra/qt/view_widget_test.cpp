@@ -24,7 +24,8 @@
 #include <gmock/gmock.h>
 
 // What Qt and the libraries below it keep until the process ends.
-extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
+extern "C" VELTRA_EXPORT const char*
+__lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
     return "leak:libfontconfig\nleak:libQt6XcbQpa\nleak:libdbus-1\n";
 }
 
@@ -118,7 +119,8 @@ TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
     auto& all = host(std::make_unique<View>(Rect{{}, {400, 200}}));
     std::vector<Probe*> meters;
     for (int i = 0; i < 200; ++i) {
-        const Point at{static_cast<float>(i % 20 * 20), static_cast<float>(i / 20 * 20)};
+        const int row = i / 20;
+        const Point at{static_cast<float>(i % 20 * 20), static_cast<float>(row * 20)};
         meters.push_back(&all.addSubview(std::make_unique<Probe>(Rect{at, {18, 18}})));
     }
     widget->repaint();
@@ -320,16 +322,22 @@ TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
         last.clickCount = -1;
         pulling.react = [&](const Event& event) {
             if (event.type != EventType::LeftMouseDown) return;
-            QTimer::singleShot(0, &application, end);
+            QTimer ending;
+            ending.setSingleShot(true);
+            QObject::connect(&ending, &QTimer::timeout, &application, end);
+            ending.start(0);
             last = Application::current().nextEvent(EventType::LeftMouseUp,
                                                     RunLoopMode::EventTracking);
         };
-        QTimer::singleShot(0, widget, [this] {
+        QTimer start;
+        start.setSingleShot(true);
+        QObject::connect(&start, &QTimer::timeout, &application, [this] {
             QMouseEvent press(QEvent::MouseButtonPress, {5, 5}, widget->mapToGlobal(QPointF(5, 5)),
                               Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(widget, &press);
             QCoreApplication::exit();
         });
+        start.start(0);
         QCoreApplication::exec();
         EXPECT_EQ(last.type, EventType::LeftMouseUp);
         EXPECT_EQ(last.clickCount, 0) << &end - ends;
@@ -385,6 +393,31 @@ TEST_F(OnQt, ReadersSeeAndMoveTheCells) {
     EXPECT_TRUE(shown->state().disabled);
     control.removeFromSuperview();
     EXPECT_EQ(root->childCount(), 0);
+}
+
+std::vector<std::pair<QAccessible::Event, QAccessible::Role>> heard;
+
+TEST_F(OnQt, ReadersHearOfChanges) {
+    if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON")) {
+        GTEST_SKIP() << "no accessibility bus";
+    }
+    ASSERT_TRUE(QTest::qWaitFor([] { return QAccessible::isActive(); }));
+    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
+    auto& slider = all.addSubview(
+        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>()));
+    QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        heard.emplace_back(event->type(), event->accessibleInterface()->role());
+    });
+    using Notice = AccessibilityNotification;
+    for (const Notice notice : {Notice::ValueChanged, Notice::StateChanged, Notice::NameChanged,
+                                Notice::FocusGained, Notice::ChildrenChanged})
+        slider.postAccessibilityNotification(notice);
+    QAccessible::installUpdateHandler(nullptr);
+    EXPECT_THAT(heard, ElementsAre(std::pair(QAccessible::ValueChanged, QAccessible::Slider),
+                                   std::pair(QAccessible::StateChanged, QAccessible::Slider),
+                                   std::pair(QAccessible::NameChanged, QAccessible::Slider),
+                                   std::pair(QAccessible::Focus, QAccessible::Slider),
+                                   std::pair(QAccessible::ObjectReorder, QAccessible::Grouping)));
 }
 
 TEST_F(OnQt, TextGrowsEvenlyAndFiguresStayInPlace) {
