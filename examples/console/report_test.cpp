@@ -28,7 +28,8 @@ Outcome console(const std::string& arguments) {
     const std::string out = folder() + "out";
     const std::string log = folder() + "log";
     const int status =
-        shell("env -u DISPLAY -u WAYLAND_DISPLAY CFLOG_FORCE_STDERR=1 " VELTRA_CONSOLE " " + arguments + " >" + out + " 2>" + log);
+        shell("env -u DISPLAY -u WAYLAND_DISPLAY CFLOG_FORCE_STDERR=1 " VELTRA_CONSOLE " " +
+              arguments + " >" + out + " 2>" + log);
     return {status, contents(out), contents(log)};
 }
 
