@@ -110,9 +110,10 @@ void Player::keepResult(StripResult&& result, std::vector<std::string>& problems
 const ConsoleState& Player::look() {
     if (!m_engine) return m_state;
     for (StripMeter& meter : m_engine->meters()) {
-        for (StripState& strip : m_state.strips) {
-            if (strip.meter.id == meter.id && !strip.ended) strip.meter = std::move(meter);
-        }
+        const auto strip = std::find_if(
+            m_state.strips.begin(), m_state.strips.end(),
+            [&meter](const StripState& each) { return each.meter.id == meter.id && !each.ended; });
+        if (strip != m_state.strips.end()) strip->meter = std::move(meter);
     }
     m_state.outputPeaks = m_engine->takeOutputPeaks();
     m_state.place = m_engine->musicalPosition();

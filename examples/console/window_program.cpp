@@ -12,7 +12,7 @@ bool wantsWindow(const Options& options) {
     if (!options.picture.empty()) return true;
     if (options.headless || options.terminal) return false;
     const auto isSet = [](const char* name) {
-        const char* const value = std::getenv(name);
+        const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): one thread
         return value != nullptr && *value != '\0';
     };
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");

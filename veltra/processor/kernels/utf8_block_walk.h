@@ -27,20 +27,20 @@ namespace veltra::detail {
 static constexpr std::size_t kBlock = 64;
 static constexpr std::size_t kGroup = 4 * kBlock;
 
-static std::size_t offsetIn(std::size_t size, const char* text) noexcept {
+static inline std::size_t offsetIn(std::size_t size, const char* text) noexcept {
     return reinterpret_cast<std::uintptr_t>(text) & (size - 1);
 }
 
-static std::size_t firstOf(std::uint64_t bits) noexcept {
+static inline std::size_t firstOf(std::uint64_t bits) noexcept {
     return static_cast<std::size_t>(__builtin_ctzll(bits));
 }
 
-static std::size_t smallerOf(std::size_t one, std::size_t other) noexcept {
+static inline std::size_t smallerOf(std::size_t one, std::size_t other) noexcept {
     return one < other ? one : other;
 }
 
 template <class Block>
-static std::size_t asciiLength(const char* text) noexcept {
+static inline std::size_t asciiLength(const char* text) noexcept {
     const std::size_t offset = offsetIn(kBlock, text);
     const std::uint64_t first = Block(text - offset).stops() >> offset;
     if (first != 0) return firstOf(first);
@@ -55,7 +55,7 @@ static std::size_t asciiLength(const char* text) noexcept {
 }
 
 template <class Block>
-static std::size_t asciiLengthWithin(const char* text, std::size_t limit) noexcept {
+static inline std::size_t asciiLengthWithin(const char* text, std::size_t limit) noexcept {
     if (limit == 0) return 0;
     const std::size_t offset = offsetIn(kBlock, text);
     std::uint64_t stops = Block(text - offset).stops() >> offset;
@@ -77,7 +77,7 @@ struct Carry {
 };
 
 // `bits` moved on by one byte; the bit that leaves the block is exchanged for the carried one.
-static std::uint64_t movedOn(std::uint64_t bits, std::uint64_t& carried) noexcept {
+static inline std::uint64_t movedOn(std::uint64_t bits, std::uint64_t& carried) noexcept {
     const std::uint64_t moved = bits * 2 + carried;
     carried = bits >> 63;
     return moved;
