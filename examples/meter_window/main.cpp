@@ -30,7 +30,9 @@ int main(int argc, char** argv) {
     poll.start(16);
     window.show();
 
-    QTimer::singleShot(2000, &application, &QApplication::quit);
+    QTimer end;
+    QObject::connect(&end, &QTimer::timeout, &application, &QApplication::quit);
+    end.start(2000);
     QApplication::exec();
     return meter.levelL() > 0.0F ? 0 : 1;
 }
