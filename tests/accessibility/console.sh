@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# A screen reader's view of the console: a client of the accessibility bus reads names, roles and
-# values from outside, and puts out a clip light.
+# The console from outside: a client of the accessibility bus reads names, roles and values as a
+# screen reader does, and puts out a clip light; the pointer clicks, a key is pressed.
 set -euo pipefail
 program=$1 client=$(dirname "$0")/client.py
-for tool in Xvfb dbus-run-session gdbus sox /usr/libexec/at-spi-bus-launcher; do
+for tool in Xvfb xdotool dbus-run-session gdbus sox /usr/libexec/at-spi-bus-launcher; do
     command -v "$tool" >/dev/null || { echo "$tool is not installed"; exit 77; }
 done
 /usr/bin/python3 -c 'import gi; gi.require_version("Atspi", "2.0")' 2>/dev/null ||
@@ -16,6 +16,7 @@ trap 'rm -rf "$folder"' EXIT
 for name in one two; do
     sox -V1 -n -r 48000 -c 2 "$folder/$name.wav" synth 1 sine 300 gain -1
 done
+sox -V1 -n -r 48000 -c 1 "$folder/long.wav" synth 100 sine 300 gain -40
 timeout 60 dbus-run-session -- bash -euc '
     Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$folder/display" 2>/dev/null &
     server=$!
@@ -24,5 +25,6 @@ timeout 60 dbus-run-session -- bash -euc '
     export DISPLAY=:$(cat "$folder/display")
     gdbus call --session --dest org.a11y.Bus --object-path /org/a11y/bus \
         --method org.a11y.Bus.GetAddress >/dev/null
-    "$program" --device null "$folder/one.wav" "$folder/two.wav" &
+    "$program" --device null "$folder/one.wav" "$folder/two.wav" \
+        "$folder/long.wav" &
     /usr/bin/python3 -W ignore "$client"'

@@ -132,8 +132,13 @@ void PainterCanvas::drawImage(const Image& image, const Rect& source, const Rect
                               float alpha) {
     const QImage pixels = toQImage(image);
     const double imageScale = image.scale();
-    const QRectF from(source.minX() * imageScale, source.minY() * imageScale,
-                      source.size.width * imageScale, source.size.height * imageScale);
+    // Whole pixels of the image where floats miss them by a rounding.
+    const auto pixel = [imageScale](float points) {
+        const double exact = static_cast<double>(points) * imageScale;
+        return isWhole(exact) ? std::round(exact) : exact;
+    };
+    const QRectF from(pixel(source.minX()), pixel(source.minY()), pixel(source.size.width),
+                      pixel(source.size.height));
     QRectF to = toQt(destination);
     m_painter.setOpacity(alpha);
     const bool isCopy = isWhole(from.width() - to.width() * m_scale) &&
