@@ -27,7 +27,7 @@ void Label::frameDidChange() {
 
 void Label::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
     const StyledText text{m_text, m_font, systemColor(m_color), m_alignment};
-    canvas.drawText(text.truncatedTo(bounds().size.width), bounds());
+    canvas.drawText(text.truncatedTo(bounds().size.width, TextTruncation::Middle), bounds());
 }
 
 AccessibilityRole Label::accessibilityRole() const {

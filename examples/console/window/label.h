@@ -1,4 +1,4 @@
-// A line of text in a view; what does not fit ends in an ellipsis, and rests in a tool tip.
+// A line of text in a view; an ellipsis stands for what does not fit, which rests in a tool tip.
 #pragma once
 
 #include "veltra/platform/ui/styled_text.h"

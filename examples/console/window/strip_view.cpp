@@ -42,7 +42,7 @@ StripView::StripView(const Rect& frame, const StripState& state, ConsoleDelegate
       m_again(addSubview(std::make_unique<Button>(Rect{}, "Again"))),
       m_remove(addSubview(std::make_unique<Button>(Rect{}, "\u00D7"))) {
     const std::string name = printable(std::filesystem::path(state.path).filename().string());
-    m_name.setText(name);
+    m_name.setText(printable(std::filesystem::path(state.path).stem().string()));
     m_name.setFullText(printable(state.path));
     m_format.setText(formatText(state.format));
     m_format.setFullText(state.format.container + ", " + state.format.encoding);

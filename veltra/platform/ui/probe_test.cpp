@@ -420,6 +420,7 @@ TEST(TextThatIsTooLong, LosesItsEndBetweenCharacters) {
     EXPECT_EQ(text.truncatedTo(40.0F).string, "Gru\u00DF\u2026");  // three bytes are the ellipsis
     EXPECT_EQ(text.truncatedTo(35.0F).string, "Gru\u2026");
     EXPECT_EQ(text.truncatedTo(0.0F).string, "\u2026");
+    EXPECT_EQ(text.truncatedTo(40.0F, TextTruncation::Middle).string, "Gru\u2026el");
 }
 
 TEST(Pictures, ShowTheWholeWindowAtTheirScaleAndTheme) {

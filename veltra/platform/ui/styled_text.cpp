@@ -23,26 +23,27 @@ Size StyledText::size() const {
     return UiPort::current().textSize(*this);
 }
 
-StyledText StyledText::truncatedTo(float width) const {
+StyledText StyledText::truncatedTo(float width, TextTruncation truncation) const {
     if (size().width <= width) return *this;
-    const auto cutAt = [this](std::size_t length) {
+    // With `kept` bytes of the text at most, and no character in pieces.
+    const auto cutTo = [&](std::size_t kept) {
+        std::size_t head = truncation == TextTruncation::End ? kept : (kept + 1) / 2;
+        std::size_t tail = string.size() - (kept - head);
+        while (head > 0 && continuesCharacter(string[head]))
+            --head;
+        while (tail < string.size() && continuesCharacter(string[tail]))
+            ++tail;
         StyledText cut = *this;
-        cut.string = string.substr(0, length) + kEllipsis;
+        cut.string = string.substr(0, head) + kEllipsis + string.substr(tail);
         return cut;
-    };
-    const auto back = [this](std::size_t length) {  // to the beginning of a character
-        while (length > 0 && continuesCharacter(string[length]))
-            --length;
-        return length;
     };
     std::size_t fits = 0;
     std::size_t tooLong = string.size();
     while (fits + 1 < tooLong) {
-        const std::size_t middle = back(fits + (tooLong - fits) / 2);
-        if (middle <= fits) break;  // one character of several bytes is left
-        (cutAt(middle).size().width <= width ? fits : tooLong) = middle;
+        const std::size_t middle = fits + (tooLong - fits) / 2;
+        (cutTo(middle).size().width <= width ? fits : tooLong) = middle;
     }
-    return cutAt(fits);
+    return cutTo(fits);
 }
 
 }  // namespace veltra

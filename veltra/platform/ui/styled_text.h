@@ -12,6 +12,7 @@
 namespace veltra {
 
 enum class TextAlignment : std::uint8_t { Left, Center, Right };
+enum class TextTruncation : std::uint8_t { End, Middle };
 
 struct VELTRA_EXPORT StyledText {
     std::string string;  // UTF-8
@@ -26,9 +27,10 @@ struct VELTRA_EXPORT StyledText {
     // Thread: main. Realtime-safe: no.
     Size size() const;
 
-    // This text, or as much of its beginning as fits `width` with an ellipsis behind it.
+    // This text, or as much of it as fits `width` with an ellipsis for what is left out: the end,
+    // or the middle, for names that differ in their last letters.
     // Thread: main. Realtime-safe: no.
-    StyledText truncatedTo(float width) const;
+    StyledText truncatedTo(float width, TextTruncation truncation = TextTruncation::End) const;
 };
 
 }  // namespace veltra
