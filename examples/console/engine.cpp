@@ -79,6 +79,7 @@ StripResult Engine::resultOf(const Entry& entry) {
     result.path = strip.path();
     result.format = strip.format();
     result.measurement = strip.measurement();
+    result.loudestChannels = strip.loudestChannels().seconds();
     result.framesRead = strip.file().framesRead();
     result.underruns = strip.underruns();
     result.missedFrames = strip.missedFrames();
@@ -87,6 +88,12 @@ StripResult Engine::resultOf(const Entry& entry) {
     result.complete = strip.isDrained();
     result.problem = strip.file().problem();
     return result;
+}
+
+const FileFormat* Engine::format(StripId id) const noexcept {
+    const auto entry = std::find_if(m_strips.begin(), m_strips.end(),
+                                    [id](const Entry& each) { return each.id == id; });
+    return entry != m_strips.end() ? &entry->strip->format() : nullptr;
 }
 
 bool Engine::isDrained() const noexcept {

@@ -21,6 +21,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ struct StripResult {
     std::string path;
     FileFormat format;
     Measurement measurement;
+    std::vector<std::optional<std::size_t>> loudestChannels;  // see LoudestChannels::seconds()
     std::uint64_t framesRead = 0;
     std::uint64_t underruns = 0;
     std::uint64_t missedFrames = 0;
@@ -89,6 +91,9 @@ public:
     // Takes strips that have ended out of the list, destroys those that nobody uses any more, and
     // answers what is known of the destroyed ones. Call it every now and then. Thread: main.
     std::vector<StripResult> collect();
+
+    // Of a strip that collect() has not told of yet, else null. Thread: main.
+    const FileFormat* format(StripId id) const noexcept;
 
     // Strips that play or wait for their end. Thread: main.
     std::size_t stripCount() const noexcept { return m_strips.size(); }

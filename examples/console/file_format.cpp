@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bit>
+#include <vector>
 
 namespace veltra::console {
 
@@ -65,6 +66,12 @@ FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path)
     format.encoding = libraryName(file, subtype);
     format.rate = info.samplerate;
     format.channels = info.channels;
+    std::vector<int> positions(static_cast<std::size_t>(info.channels));
+    const auto bytes = static_cast<int>(positions.size() * sizeof(int));
+    if (sf_command(file, SFC_GET_CHANNEL_MAP_INFO, positions.data(), bytes) != SF_TRUE) {
+        positions.assign(positions.size(), SF_CHANNEL_MAP_INVALID);
+    }
+    format.plan = channelPlan(positions);
     format.lengthUnknown = info.frames == SF_COUNT_MAX;
     if (info.frames > 0 && !format.lengthUnknown) {
         format.frames = static_cast<std::uint64_t>(info.frames);

@@ -1,6 +1,8 @@
 // What a file says about itself.
 #pragma once
 
+#include "channel_plan.h"
+
 #include <cstdint>
 #include <string>
 
@@ -26,6 +28,7 @@ struct FileFormat {
     SampleLayout layout;
     int rate = 0;  // frames a second
     int channels = 0;
+    ChannelPlan plan;                // what they are
     std::uint64_t frames = 0;        // as many as the file announces and libsndfile finds
     bool lengthUnknown = false;      // a stream without its end mark: `frames` says nothing
     std::uint64_t missingBytes = 0;  // of sample data that the header announces

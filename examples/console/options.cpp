@@ -33,12 +33,14 @@ lines below, names in columns 3 to 14 and values from column 15; a blank line be
   byte order  big-endian, little-endian, or none (single bytes, compressed)
   rate        frames a second
   channels    number of channels
+  layout      only with more than two: the surround format, and the channels in the file's order
   length      seconds and frames that were read
   peak        largest magnitude, 1.0 is full scale, and the same in dBFS
   rms         root of the mean square of all samples of all channels, and the same in dBFS
               (relative to 1.0: a sine at full scale has -3.01)
   full scale  number of samples whose magnitude is that of the format's largest value or more, but
               for formats finer than 16 bits that of 16 bits (32767/32768)
+  loudest     only with more than two channels: the loudest one of each second, "L 0-1, R 2 s"
   end         bar.beat.tick where the file ends: 120 beats a minute, 4 beats to the bar, 15360
               ticks to the beat; bars and beats count from 1
   underruns   blocks of audio for which the disk was too slow, and the frames that were missing

@@ -30,6 +30,31 @@ const char* byteOrderName(ByteOrder order) {
     return "none";
 }
 
+// "5.1, MPEG 5.1 A: L R C LFE Ls Rs"
+std::string layout(const FileFormat& format) {
+    if (format.plan.order.empty()) return "unknown, channels go by number";
+    const std::string order = format.plan.orderName();
+    std::string text = format.plan.name(format.channels) + (order.empty() ? "" : ", ") + order;
+    for (std::size_t i = 0; i < format.plan.order.size(); ++i)
+        text += (i == 0 ? ": " : " ") + format.plan.channelName(i);
+    return text;
+}
+
+// "L 0-1, R 2, LFE 3 s": who is loudest in which seconds.
+std::string loudest(const StripResult& result) {
+    const auto& seconds = result.loudestChannels;
+    std::string text;
+    for (std::size_t begin = 0, end = 0; begin < seconds.size(); begin = end) {
+        while (end < seconds.size() && seconds[end] == seconds[begin])
+            ++end;
+        if (!text.empty()) text += ", ";
+        text += seconds[begin] ? result.format.plan.channelName(*seconds[begin]) : "none";
+        text += ' ' + std::to_string(begin);
+        if (end - begin > 1) text += '-' + std::to_string(end - 1);
+    }
+    return text.empty() ? "none" : text + " s";
+}
+
 std::string block(const StripResult& result) {
     const FileFormat& format = result.format;
     const Measurement& measured = result.measurement;
@@ -40,11 +65,13 @@ std::string block(const StripResult& result) {
     text += line("byte order", byteOrderName(format.byteOrder));
     text += line("rate", formatted("%d Hz", format.rate));
     text += line("channels", formatted("%d", format.channels));
+    if (format.channels > 2) text += line("layout", layout(format));
     text += line("length", formatted("%.6f s  %llu frames", seconds, frames));
     text += line("peak", level(static_cast<double>(measured.peak)));
     text += line("rms", level(measured.rms()));
     text += line("full scale",
                  formatted("%llu samples", static_cast<unsigned long long>(measured.fullScale)));
+    if (format.channels > 2) text += line("loudest", loudest(result));
     text += line("end", toText(result.end));
     text += line("underruns", formatted("%llu blocks  %llu frames",
                                         static_cast<unsigned long long>(result.underruns),

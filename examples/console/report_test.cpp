@@ -108,6 +108,15 @@ TEST(Report, LevelsAreThoseThatSoxMeasures) {
     EXPECT_NEAR(number(run.output, path, "peak"), peak, 1e-6);
 }
 
+TEST(Report, NamesTheChannelsOfASurroundFileAndTheLoudestOfEachSecond) {
+    const std::string path = surroundVoices("voices.wav");
+    if (path.empty()) GTEST_SKIP() << "the package alsa-utils is not installed here";
+    const Outcome run = console("--headless --report - " + path);
+    EXPECT_EQ(value(run.output, path, "layout"), "5.1, MPEG 5.1 A: L R C LFE Ls Rs");
+    EXPECT_EQ(value(run.output, path, "loudest"),
+              "L 0-1, R 2-3, C 4-5, LFE 6-7, Ls 8-9, Rs 10-11 s");
+}
+
 TEST(Report, BadFilesGetALineEachAndTheOthersStillRun) {
     SKIP_WITHOUT_RECORDINGS();
     const std::string good = recording("guit_em9", "-b 24", "good.aiff", "trim 0 0.2");

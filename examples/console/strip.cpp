@@ -28,6 +28,7 @@ Strip::Strip(std::unique_ptr<AudioFile> file, double outputRate, std::size_t rin
       m_resampler(resamplerFor(format(), outputRate)),
       m_speed(m_resampler ? format().rate / outputRate : 1.0),
       m_fullScale(fullScaleMagnitude(format().bits)),
+      m_loudest(static_cast<std::size_t>(format().channels), format().rate),
       m_places(static_cast<std::size_t>(format().channels)),
       m_chunkPlaces(m_places.size()),
       m_peaks(m_places.size()) {
@@ -46,8 +47,16 @@ bool Strip::isReadyFor(std::size_t frames) const noexcept {
 // Reads into m_places.
 std::size_t Strip::readAndMeasure(std::size_t frames) {
     const std::size_t got = m_file->read(m_places.data(), frames);
-    for (float* samples : m_places)
-        m_measurement.add(measure(samples, got, m_fullScale));
+    for (std::size_t done = 0; done < got;) {
+        const std::size_t piece = std::min(got - done, m_loudest.framesLeft());
+        for (std::size_t c = 0; c < m_places.size(); ++c) {
+            const Measurement measured = measure(m_places[c] + done, piece, m_fullScale);
+            m_measurement.add(measured);
+            m_loudest.add(c, measured.sumOfSquares);
+        }
+        m_loudest.advance(piece);
+        done += piece;
+    }
     m_fileEnded = got < frames;
     return got;
 }

@@ -8,6 +8,7 @@
 
 #include "audio_file.h"
 #include "block.h"
+#include "loudest_channels.h"
 #include "measurement.h"
 #include "mixing.h"
 #include "peak_hold.h"
@@ -81,6 +82,7 @@ public:
     // For when neither feed() nor render() can be running any more.
     const AudioFile& file() const noexcept { return *m_file; }
     const Measurement& measurement() const noexcept { return m_measurement; }
+    const LoudestChannels& loudestChannels() const noexcept { return m_loudest; }
 
 private:
     std::size_t readAndMeasure(std::size_t frames);
@@ -102,6 +104,7 @@ private:
     const double m_speed;  // frames of the file for each frame of output
     const float m_fullScale;
     Measurement m_measurement;
+    LoudestChannels m_loudest;
     std::vector<float*> m_places;             // where the next chunk goes, a channel each
     std::vector<std::vector<float>> m_chunk;  // input of the resampler, a channel each
     std::vector<const float*> m_chunkPlaces;  // what is left of it

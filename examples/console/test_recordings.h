@@ -57,6 +57,20 @@ inline std::string synthetic(const std::string& file, int rate, const std::strin
     return folder() + file;
 }
 
+// Six voices of the Debian package alsa-utils, each saying its place, one after the other: two
+// seconds each, in the order of WAV, noise in place of the LFE. Empty without the package.
+inline std::string surroundVoices(const std::string& file) {
+    const std::string voices = "/usr/share/sounds/alsa/";
+    if (!std::filesystem::exists(voices + "Noise.wav")) return {};
+    std::string inputs;
+    for (const char* voice :
+         {"Front_Left", "Front_Right", "Front_Center", "Noise", "Rear_Left", "Rear_Right"}) {
+        inputs += voices + voice + ".wav ";
+    }
+    EXPECT_EQ(shell("sox -V1 -M " + inputs + folder() + file + " delay 0 2 4 6 8 10"), 0);
+    return folder() + file;
+}
+
 inline std::string contents(const std::string& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();

@@ -32,8 +32,7 @@ ConsoleState stateOf(Rehearsal& rehearsal) {
         StripState strip;
         strip.key = static_cast<StripKey>(meter.id);
         strip.path = meter.path;
-        strip.format.rate = meter.rate;
-        strip.format.channels = meter.channels;
+        strip.format = *rehearsal.engine().format(meter.id);
         strip.meter = std::move(meter);
         state.strips.push_back(std::move(strip));
     }
