@@ -1,0 +1,246 @@
+#include "veltra/audio/transients.h"
+
+#include "veltra/diagnostics/detail/indent_stack.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <iostream>
+#include <limits>
+#include <map>
+#include <random>
+#include <sstream>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+namespace veltra {
+namespace {
+
+using Limits = std::numeric_limits<std::int64_t>;
+using List = CTransients;
+
+bool byPos(const CTransient& one, const CTransient& other) {
+    return one.pos < other.pos;
+}
+
+// Written with the floats themselves; what is not a number comes last.
+bool byEnergyAndPos(const CTransient& one, const CTransient& other) {
+    const bool oneIsNan = std::isnan(one.Energy), otherIsNan = std::isnan(other.Energy);
+    if (oneIsNan != otherIsNan) return otherIsNan;
+    if (!oneIsNan && one.Energy != other.Energy) return one.Energy < other.Energy;
+    return one.pos < other.pos;
+}
+
+bool byNumber(const CTransient& one, const CTransient& other) {
+    return one.reserved3 < other.reserved3;
+}
+
+bool areSame(const List& one, const List& other) {
+    return one.size() == other.size() &&
+           (one.empty() ||
+            std::memcmp(one.data(), other.data(), one.size() * sizeof(CTransient)) == 0);
+}
+
+// Lists of every kind that the sorts tell apart; `reserved3` numbers the transients, so that the
+// order of equal ones shows.
+std::map<std::string, List> lists(std::size_t size) {
+    std::mt19937_64 random(size);
+    const auto below = [&](std::uint64_t limit) {
+        return static_cast<std::int64_t>(random() % limit);
+    };
+    constexpr float kSpecial[] = {0.0F,
+                                  -0.0F,
+                                  1e-42F,
+                                  -1e-42F,
+                                  std::numeric_limits<float>::infinity(),
+                                  -std::numeric_limits<float>::infinity(),
+                                  std::numeric_limits<float>::quiet_NaN(),
+                                  -std::numeric_limits<float>::quiet_NaN(),
+                                  std::numeric_limits<float>::max(),
+                                  -3.0F};
+    constexpr std::int64_t kEnds[] = {Limits::min(), Limits::min() + 1, -1, 0, 1, Limits::max()};
+    std::map<std::string, List> all;
+    const auto add = [&](const char* name, auto make) {
+        List list(size);
+        for (std::size_t index = 0; index < size; ++index)
+            make(list[index], static_cast<std::int64_t>(index));
+        all.emplace(name, std::move(list));
+    };
+    add("random", [&](CTransient& t, std::int64_t) {
+        t.pos = static_cast<std::int64_t>(random());
+        t.Energy = static_cast<float>(below(1 << 24)) / static_cast<float>(1 << 24);
+    });
+    add("few values", [&](CTransient& t, std::int64_t) {
+        t.pos = below(7);
+        t.Energy = static_cast<float>(below(3));
+    });
+    add("extreme", [&](CTransient& t, std::int64_t) {
+        t.pos = kEnds[below(6)];
+        t.Energy = kSpecial[below(10)];
+    });
+    add("clustered", [&](CTransient& t, std::int64_t) {
+        t.pos = std::int64_t{1} << below(63);
+        t.pos += below(5);
+        t.Energy = std::ldexp(1.0F, static_cast<int>(below(200)) - 100);
+    });
+    add("equal", [&](CTransient&, std::int64_t) {});
+    add("reversed", [&](CTransient& t, std::int64_t index) {
+        t.pos = -index;
+        t.Energy = static_cast<float>(-index);
+    });
+    add("sorted", [&](CTransient& t, std::int64_t index) {
+        t.pos = index / 3;
+        t.Energy = static_cast<float>(index / 2);
+    });
+    for (const std::int64_t oneIn : {100, 12, 4}) {
+        List list = all["sorted"];
+        for (std::size_t index = 0; index + 1 < size; ++index) {
+            if (below(static_cast<std::uint64_t>(oneIn)) == 0)
+                std::swap(list[index], list[static_cast<std::size_t>(below(size))]);
+        }
+        all["swapped 1 in " + std::to_string(oneIn)] = list;
+    }
+    List& run = all["with a run that belongs to the front"] = all["sorted"];
+    std::rotate(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(size / 40), run.end());
+    List& outlying = all["begun by great ones"] = all["sorted"];
+    for (std::size_t index = 0; index < size / 50; ++index) {
+        outlying[index].pos = Limits::max() - static_cast<std::int64_t>(index);
+        outlying[index].Energy = 1e9F;
+    }
+    for (auto& [name, list] : all) {
+        std::uint32_t number = 0;
+        for (CTransient& transient : list)
+            transient.reserved3 = number++;
+    }
+    return all;
+}
+
+TEST(Transients, SortsAreStableAndThinningKeepsTheWeakestInListsOfEveryKindAndSize) {
+    for (const std::size_t size : {0, 1, 2, 20, 21, 127, 128, 1000, 4096, 4097, 30000, 132000}) {
+        for (const auto& [name, list] : lists(size)) {
+            List sorted = list, expected = list;
+            sorted.SortByPos();
+            std::stable_sort(expected.begin(), expected.end(), byPos);
+            EXPECT_TRUE(areSame(sorted, expected)) << name << " " << size;
+            EXPECT_TRUE(sorted.AreSortedByPos());
+            EXPECT_EQ(list.AreSortedByPos(), std::is_sorted(list.begin(), list.end(), byPos));
+
+            List ranked = list;
+            ranked.SortByEnergyAndPos();
+            expected = list;
+            std::stable_sort(expected.begin(), expected.end(), byEnergyAndPos);
+            EXPECT_TRUE(areSame(ranked, expected)) << name << " " << size;
+
+            for (const std::size_t kept : {std::size_t{0}, size / 10, size / 2, size, size + 1}) {
+                List thinned = list, weakest = expected;
+                thinned.ThinOutToSizeAndSortByPos(kept);
+                if (kept < size) weakest.resize(kept);
+                std::sort(weakest.begin(), weakest.end(), byNumber);
+                std::stable_sort(weakest.begin(), weakest.end(), byPos);
+                EXPECT_TRUE(areSame(thinned, weakest)) << name << " " << size << " " << kept;
+            }
+        }
+    }
+}
+
+// Where the address space cannot be limited, this only sorts once more.
+TEST(Transients, SortsToTheSameResultWithoutMemoryForWorkSpace) {
+    List list = lists(300'000)["few values"], expected = list, thinned = list;
+    expected.SortByEnergyAndPos();
+    List weakest = list;
+    weakest.ThinOutToSizeAndSortByPos(100);
+#ifndef VELTRA_SANITIZED
+    rlimit before;
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &none), 0);
+#endif
+    list.SortByEnergyAndPos();
+    thinned.ThinOutToSizeAndSortByPos(100);
+#ifndef VELTRA_SANITIZED
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &before), 0);
+#endif
+    EXPECT_TRUE(areSame(list, expected));
+    EXPECT_TRUE(areSame(thinned, weakest));
+}
+
+TEST(Transients, UniquePositionsKeepTheFirstTransientAtEach) {
+    List list;
+    for (const std::int64_t pos : {5, -1, 5, 0, -1, 5}) {
+        list.push_back({pos});
+        list.back().reserved3 = static_cast<std::uint32_t>(list.size());
+    }
+    list.SortAndMakeUniquePos();
+    ASSERT_EQ(list.size(), 3U);
+    EXPECT_TRUE(list.AreUniqueAndSortedByPos());
+    EXPECT_EQ(list[0].reserved3 * 100 + list[1].reserved3 * 10 + list[2].reserved3, 241U);
+    list.push_back(list.back());
+    EXPECT_TRUE(list.AreSortedByPos());
+    EXPECT_FALSE(list.AreUniqueAndSortedByPos());
+}
+
+template <typename Action>
+std::string writtenToCout(Action action) {
+    std::ostringstream captured;
+    std::streambuf* const before = std::cout.rdbuf(captured.rdbuf());
+    action();
+    std::cout.rdbuf(before);
+    return captured.str();
+}
+
+TEST(Transients, TracesEndWithTheAddressOfTheStream) {
+    const CTransient one = {-5'000'000'000, 0.1F, 0, 2.5F, {}, 1e9F};
+    const List list = {one, {}};
+    const std::string full =
+        "CTransient: pos -5000000000, Energy 0.1, visibleweight 2.5, "
+        "FreqHz 1e+09";
+    const std::string second = "CTransient: pos 0, Energy 1, visibleweight 1, FreqHz 0";
+    std::ostringstream address, texts;
+    address << static_cast<const void*>(&std::cout);
+    texts << one << list;
+    EXPECT_EQ(one.TraceStr(), full);
+    EXPECT_EQ(list.TraceStr(), "CTransients: size  2\n" + full + "\n" + second);
+    EXPECT_EQ(texts.str(), one.TraceStr() + list.TraceStr());
+    EXPECT_EQ(writtenToCout([&] { one.Trace(); }), full + address.str());
+    EXPECT_EQ(writtenToCout([&] { one.TraceBrief(); }),
+              "CTransient: pos -5000000000, Energy 0.1, FreqHz 1e+09" + address.str());
+    EXPECT_EQ(writtenToCout([&] { list.Trace(); }), list.TraceStr() + address.str());
+    EXPECT_EQ(writtenToCout([&] { list.TraceBrief(); }), "CTransients: size  2" + address.str());
+
+    ASSERT_TRUE(traceIndents().push(3));
+    std::ostringstream block;
+    EXPECT_EQ(writtenToCout([&] { TraceOutContainer(block, list, "onsets", 7); }), "      ");
+    ASSERT_TRUE(traceIndents().push(-3));
+    EXPECT_EQ(block.str(), full + second);
+}
+
+TEST(Transients, TheListAsStatementsIsTheListAgain) {
+    List transients;
+#define STATEMENTS                                             \
+    transients.push_back({-9223372036854775807 - 1,            \
+                          0.1F,                                \
+                          7U,                                  \
+                          -0.0F,                               \
+                          {1U, 2U, 4294967295U},               \
+                          std::bit_cast<float>(2143289345U)}); \
+    transients.push_back({5, 1.0F, 0U, 1e-45F, {0U, 0U, 0U}, 3.4028235e+38F});
+    STATEMENTS
+#define TEXT_OF(statements) #statements
+#define EXPANDED_TEXT_OF(statements) TEXT_OF(statements)
+    const auto squeezed = [](std::string text) {
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+        return text;
+    };
+    EXPECT_EQ(squeezed(transients.TraceAsPushBackList()), squeezed(EXPANDED_TEXT_OF(STATEMENTS)));
+    EXPECT_EQ(List().TraceAsPushBackList(), "");
+
+    CTransient untouched = transients[0];
+    SwapTransientCallback(&untouched, 1024);
+    EXPECT_EQ(std::memcmp(&untouched, &transients[0], sizeof untouched), 0);
+}
+
+}  // namespace
+}  // namespace veltra
