@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine.h"
+#include "overview.h"
 
 #include <cstdint>
 #include <string>
@@ -16,8 +17,9 @@ struct StripState {
     StripKey key = 0;
     std::string path;
     FileFormat format;
-    StripMeter meter;    // as the engine answered last
-    bool ended = false;  // has played to its end
+    StripMeter meter;                          // as the engine answered last
+    bool ended = false;                        // has played to its end
+    std::shared_ptr<const Overview> overview;  // null until the file has been read
 };
 
 struct ConsoleState {

@@ -29,6 +29,7 @@ std::string Player::add(const std::string& path) {
     strip.meter.id = play(strip.key, std::move(file));
     strip.meter.channels = strip.format.channels;
     m_state.strips.push_back(std::move(strip));
+    m_overviews.request(path);
     return {};
 }
 
@@ -114,6 +115,9 @@ const ConsoleState& Player::look() {
             m_state.strips.begin(), m_state.strips.end(),
             [&meter](const StripState& each) { return each.meter.id == meter.id && !each.ended; });
         if (strip != m_state.strips.end()) strip->meter = std::move(meter);
+    }
+    for (StripState& strip : m_state.strips) {
+        if (strip.overview == nullptr) strip.overview = m_overviews.find(strip.path);
     }
     m_state.outputPeaks = m_engine->takeOutputPeaks();
     m_state.place = m_engine->musicalPosition();

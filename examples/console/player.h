@@ -4,6 +4,7 @@
 
 #include "console_state.h"
 #include "live_output.h"
+#include "overview_reader.h"
 #include "report.h"
 
 #include <memory>
@@ -54,6 +55,7 @@ private:
     const Device m_device;
     std::unique_ptr<Engine> m_engine;      // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
+    OverviewReader m_overviews;
     ConsoleState m_state;
     std::vector<Playing> m_playing;
     std::vector<ReportEntry> m_entries;

@@ -3,6 +3,7 @@
 #include "veltra/platform/ui/canvas.h"
 
 #include <algorithm>
+#include <array>
 
 namespace veltra::console {
 
@@ -12,7 +13,9 @@ constexpr float kMargin = 16.0F;
 constexpr float kGap = 10.0F;
 constexpr float kHeaderHeight = 64.0F;
 constexpr float kOutputWidth = 104.0F;
-constexpr float kWindowHeight = 460.0F;
+constexpr float kWindowHeight = 500.0F;
+constexpr float kLeastStripsWidth = 414.0F;
+constexpr float kMostStripsWidth = 1104.0F;
 constexpr float kAddWidth = 104.0F;
 constexpr float kScrollStep = 60.0F;
 
@@ -35,7 +38,8 @@ ConsoleView::ConsoleView(const Rect& frame, ConsoleDelegate& delegate)
       m_box(addSubview(std::make_unique<FlippedBox>(Rect{}))),
       m_hint(addSubview(std::make_unique<Label>(
           Rect{}, Font::systemFont(15.0F), SystemColor::SecondaryLabel, TextAlignment::Center))),
-      m_output(addSubview(std::make_unique<MeterBridge>(Rect{}, 2))),
+      m_output(
+          addSubview(std::make_unique<MeterBridge>(Rect{}, 2, channelPlan(std::array<int, 2>{})))),
       m_messages(addSubview(std::make_unique<MessageBar>(Rect{}))) {
     m_add.setTarget(this);
     m_add.setAction(action<&ConsoleView::addWasPressed>());
@@ -44,9 +48,12 @@ ConsoleView::ConsoleView(const Rect& frame, ConsoleDelegate& delegate)
     layOut();
 }
 
-Size ConsoleView::sizeForStrips(std::size_t strips) {
-    const float count = static_cast<float>(std::clamp<std::size_t>(strips, 3, 8));
-    return {2.0F * kMargin + count * (StripView::kWidth + kGap) + kGap + kOutputWidth,
+Size ConsoleView::sizeForStrips(std::span<const StripState> strips) {
+    float width = 0.0F;
+    for (const StripState& strip : strips)
+        width += StripView::widthFor(strip.format) + kGap;
+    return {2.0F * kMargin + std::clamp(width, kLeastStripsWidth, kMostStripsWidth) + kGap +
+                kOutputWidth,
             kWindowHeight};
 }
 
@@ -73,12 +80,14 @@ void ConsoleView::layOut() {
                        {kOutputWidth - 2.0F * kGap, strips.size.height - 60.0F}});
     m_messages.setFrame({{0.0F, bounds().size.height - MessageBar::kHeight},
                          {bounds().size.width, MessageBar::kHeight}});
-    const float step = StripView::kWidth + kGap;
-    const float needed = static_cast<float>(m_strips.size()) * step - kGap;
+    float needed = -kGap;
+    for (const StripView* const strip : m_strips)
+        needed += strip->frame().size.width + kGap;
     m_scrolled = std::clamp(m_scrolled, 0.0F, std::max(needed - strips.size.width, 0.0F));
-    for (std::size_t i = 0; i < m_strips.size(); ++i) {
-        m_strips[i]->setFrame({{static_cast<float>(i) * step - m_scrolled, 0.0F},
-                               {StripView::kWidth, strips.size.height}});
+    float left = -m_scrolled;
+    for (StripView* const strip : m_strips) {
+        strip->setFrame({{left, 0.0F}, {strip->frame().size.width, strips.size.height}});
+        left += strip->frame().size.width + kGap;
     }
 }
 
@@ -98,7 +107,8 @@ void ConsoleView::matchStrips(const ConsoleState& state) {
     });
     bool isChanged = before != m_strips.size();
     for (std::size_t i = m_strips.size(); i < state.strips.size(); ++i) {
-        const Rect frame{{}, {StripView::kWidth, m_box.bounds().size.height}};
+        const float width = StripView::widthFor(state.strips[i].format);
+        const Rect frame{{}, {width, m_box.bounds().size.height}};
         m_strips.push_back(
             &m_box.addSubview(std::make_unique<StripView>(frame, state.strips[i], m_delegate)));
         isChanged = true;

@@ -6,6 +6,7 @@
 #include "strip_view.h"
 #include "transport_view.h"
 
+#include <span>
 #include <vector>
 
 namespace veltra::console {
@@ -16,8 +17,8 @@ public:
     // `delegate` must outlive the view.
     ConsoleView(const Rect& frame, ConsoleDelegate& delegate);
 
-    // A size that shows `strips` of them.
-    static Size sizeForStrips(std::size_t strips);
+    // A size that shows these strips, or as many of them as a screen holds.
+    static Size sizeForStrips(std::span<const StripState> strips);
 
     // Shows the state. Only what differs from the state before is drawn again.
     void update(const ConsoleState& state);

@@ -39,7 +39,7 @@ private:
 };
 
 ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
-    const Size size = ConsoleView::sizeForStrips(m_player.look().strips.size());
+    const Size size = ConsoleView::sizeForStrips(m_player.look().strips);
     auto view = std::make_unique<ConsoleView>(Rect{{}, size}, *this);
     m_view = view.get();
     setContentView(std::move(view));

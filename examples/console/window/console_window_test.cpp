@@ -53,8 +53,11 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     ASSERT_NE(bridge, nullptr);
     EXPECT_EQ(shownAccessibilityChildren(*bridge).size(), 6U);
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        return find(*bridge, "channel 6")->accessibilityValueText() == "-6.0 dB";
-    })) << find(*bridge, "channel 6")->accessibilityValueText();
+        return find(*bridge, "channel Rs")->accessibilityValueText() == "-6.0 dB";
+    })) << find(*bridge, "channel Rs")->accessibilityValueText();
+
+    EXPECT_NE(find(root, "Speakers L R C LFE Ls Rs"), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return find(root, "Waveform with 1 onset") != nullptr; }));
 
     click(widget, *find(root, "Mute six.wav"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return player.look().strips[1].meter.muted; }));

@@ -5,6 +5,8 @@
 #include "veltra/platform/clock.h"
 #include "veltra/platform/ui/picture.h"
 
+#include <map>
+
 namespace veltra::console {
 
 namespace {
@@ -26,12 +28,26 @@ private:
     const Clocks* m_before;
 };
 
-ConsoleState stateOf(Rehearsal& rehearsal) {
+using Overviews = std::map<std::string, std::shared_ptr<const Overview>>;
+
+Overviews overviewsOf(const std::vector<std::string>& paths) {
+    Overviews overviews;
+    std::string problem;  // told by the rehearsal
+    for (const std::string& path : paths) {
+        if (const auto file = AudioFile::open(path, problem)) {
+            overviews[path] = readOverview(*file, false);
+        }
+    }
+    return overviews;
+}
+
+ConsoleState stateOf(Rehearsal& rehearsal, const Overviews& overviews) {
     ConsoleState state;
     for (StripMeter& meter : rehearsal.engine().meters()) {
         StripState strip;
         strip.key = static_cast<StripKey>(meter.id);
         strip.path = meter.path;
+        strip.overview = overviews.at(meter.path);
         strip.format = *rehearsal.engine().format(meter.id);
         strip.meter = std::move(meter);
         state.strips.push_back(std::move(strip));
@@ -49,8 +65,9 @@ std::string writeLoudestPicture(const Options& options) {
     const std::int64_t loudest = loudestStep(options.files).value_or(0);
     RehearsalClock clock;
     Rehearsal rehearsal(options.files);
+    const Overviews overviews = overviewsOf(options.files);
     ConsoleDelegate nobody;
-    PictureWindow picture(ConsoleView::sizeForStrips(rehearsal.engine().stripCount()),
+    PictureWindow picture(ConsoleView::sizeForStrips(stateOf(rehearsal, overviews).strips),
                           options.scale, options.theme);
     const Rect whole{{}, picture.window().contentSize()};
     auto owned = std::make_unique<ConsoleView>(whole, nobody);
@@ -60,7 +77,7 @@ std::string writeLoudestPicture(const Options& options) {
         view.addMessage(problem.path + ": " + problem.text);
     while (rehearsal.stepsDone() < loudest && rehearsal.step()) {
         clock.setStep(rehearsal.stepsDone());
-        view.update(stateOf(rehearsal));
+        view.update(stateOf(rehearsal, overviews));
     }
     const auto image = picture.draw();
     if (image && image->writePng(options.picture)) return {};

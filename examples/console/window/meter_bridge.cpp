@@ -14,25 +14,29 @@ namespace {
 
 constexpr float kScaleWidth = 24.0F;
 constexpr float kScaleGap = 5.0F;
+constexpr float kNamesHeight = 14.0F;
 constexpr float kThickness = 14.0F;
 constexpr float kGap = 2.0F;
-constexpr float kLedPitch = 5.0F;  // points from one LED to the next
-constexpr int kDecibels[] = {0, -6, -12, -18, -24, -30, -40, -50, -60};
+constexpr float kLedPitch = 5.0F;    // points from one LED to the next
+constexpr float kScaleStep = 10.0F;  // points between labels at least
+constexpr int kDecibels[] = {-60, -50, -40, -30, -24, -18, -12, -6, 0};
 
 }  // namespace
 
-MeterBridge::MeterBridge(const Rect& frame, int channels) : View(frame) {
+MeterBridge::MeterBridge(const Rect& frame, int channels, const ChannelPlan& plan) : View(frame) {
+    for (int channel = 0; channel < channels; ++channel)
+        m_channelNames.push_back(plan.channelName(static_cast<std::size_t>(channel)));
     if (channels == 2) {
         m_stereo = &addSubview(std::make_unique<DfStereoLevelMeterView>());
         m_stereo->cellL().setLevelScale(QkLevelMeterCell::LevelScale::Decibels);
         m_stereo->cellR().setLevelScale(QkLevelMeterCell::LevelScale::Decibels);
         m_stereo->setToolTips("Peak level in dBFS", "Has clipped; click to reset");
     } else {
-        for (int channel = 1; channel <= channels; ++channel) {
+        for (const std::string& name : m_channelNames) {
             auto cell = std::make_unique<QkLevelMeterCell>();
             cell->setOrientation(LevelMeterOrientation::Vertical);
             cell->setLevelScale(QkLevelMeterCell::LevelScale::Decibels);
-            cell->setAccessibilityDescription(formatted("channel %d", channel));
+            cell->setAccessibilityDescription("channel " + name);
             m_cells.push_back(std::move(cell));
         }
     }
@@ -41,13 +45,18 @@ MeterBridge::MeterBridge(const Rect& frame, int channels) : View(frame) {
 
 // In the middle, where that leaves room for the scale.
 Rect MeterBridge::metersRect() const {
-    const float count = m_stereo != nullptr ? 2.0F : static_cast<float>(m_cells.size());
+    const float count = static_cast<float>(m_channelNames.size());
     const float scale = kScaleWidth + kScaleGap;
     const float room = bounds().size.width - scale;
     const float most = std::min(kThickness, (room + kGap) / count - kGap);
     const float width = count * (std::max(most, 2.0F) + kGap) - kGap;
     const float left = std::max((bounds().size.width - width) * 0.5F, scale);
-    return {{left, 0.0F}, {width, bounds().size.height}};
+    return {{left, 0.0F}, {width, bounds().size.height - kNamesHeight}};
+}
+
+// From the left edge of a meter to the next one's.
+float MeterBridge::meterPitch() const {
+    return (metersRect().size.width + kGap) / static_cast<float>(m_channelNames.size());
 }
 
 void MeterBridge::layOut() {
@@ -59,14 +68,14 @@ void MeterBridge::layOut() {
         return;
     }
     m_frames.clear();
-    const float count = static_cast<float>(m_cells.size());
-    const float width = (meters.size.width + kGap) / count - kGap;
     for (std::size_t i = 0; i < m_cells.size(); ++i) {
-        const float left = meters.minX() + static_cast<float>(i) * (width + kGap);
-        m_frames.push_back({{left, 0.0F}, {width, meters.size.height}});
+        const float left = meters.minX() + static_cast<float>(i) * meterPitch();
+        m_frames.push_back({{left, 0.0F}, {meterPitch() - kGap, meters.size.height}});
         m_cells[i]->calculateInternalsFromCellFrame(m_frames.back(), *this);
-        m_cells[i]->setLEDCount(fittingLedCount());
     }
+    const std::uint32_t count = fittingLedCount();  // before the first cell fits its bar to it
+    for (const auto& cell : m_cells)
+        cell->setLEDCount(count);
 }
 
 // LEDs are whole pixels long: as many as fill the bar without leaving room at its ends.
@@ -96,6 +105,8 @@ void MeterBridge::setPeaks(std::span<const float> peaks) {
 void MeterBridge::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
     const Rect meters = metersRect();
     if (needsToDrawRect({{}, {meters.minX(), meters.size.height}})) drawScale(canvas);
+    if (needsToDrawRect({{0.0F, meters.maxY()}, {bounds().size.width, kNamesHeight}}))
+        drawNames(canvas);
     for (std::size_t i = 0; i < m_cells.size(); ++i) {
         if (needsToDrawRect(m_frames[i])) m_cells[i]->drawWithFrame(canvas, m_frames[i], *this);
     }
@@ -109,12 +120,28 @@ void MeterBridge::drawScale(Canvas& canvas) const {
                     Font{{}, 9.0F, FontWeight::Regular, true},
                     systemColor(SystemColor::SecondaryLabel),
                     TextAlignment::Right};
+    float below = bar.maxY() + kScaleStep;  // the label of which the next one stays clear
     for (const int decibels : kDecibels) {
         const float y = bar.maxY() - bar.size.height * meterPositionForDecibels(decibels);
+        if (below - y < kScaleStep) continue;
+        below = y;
         text.string = std::to_string(decibels);
         canvas.drawText(text, {{right - kScaleWidth, y - 6.0F}, {kScaleWidth - 3.0F, 12.0F}});
         const Rect tick{{right, y - 0.5F}, {3.0F, 1.0F}};
         canvas.fillRect(canvas.alignedToDevice(tick), systemColor(SystemColor::Grid));
+    }
+}
+
+void MeterBridge::drawNames(Canvas& canvas) const {
+    const Rect meters = metersRect();
+    StyledText text{{},
+                    Font::systemFont(9.0F),
+                    systemColor(SystemColor::SecondaryLabel),
+                    TextAlignment::Center};
+    for (std::size_t i = 0; i < m_channelNames.size(); ++i) {
+        const float middle = meters.minX() + (static_cast<float>(i) + 0.5F) * meterPitch();
+        text.string = m_channelNames[i];
+        canvas.drawText(text, {{middle - 16.0F, meters.maxY() + 1.0F}, {31.0F, 12.0F}});
     }
 }
 

@@ -1,6 +1,7 @@
 // The meters of one file or output, a channel each, beside a scale in decibels.
 #pragma once
 
+#include "../channel_plan.h"
 #include "veltra/controls/level_meters/level_meter_cell.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/platform/ui/view.h"
@@ -16,7 +17,8 @@ namespace veltra::console {
 // clip lights out. Thread: main.
 class MeterBridge final : public View {
 public:
-    MeterBridge(const Rect& frame, int channels);
+    // `plan` names the channels, below the meters and for screen readers.
+    MeterBridge(const Rect& frame, int channels, const ChannelPlan& plan);
 
     // What a screen reader calls it.
     void setName(const std::string& name) { m_name = name; }
@@ -39,15 +41,18 @@ protected:
     void frameDidChange() override { layOut(); }
 
 private:
+    float meterPitch() const;
     Rect metersRect() const;
     Rect barRect() const;
     std::uint32_t fittingLedCount() const;
     void layOut();
     void drawScale(Canvas& canvas) const;
+    void drawNames(Canvas& canvas) const;
 
     DfStereoLevelMeterView* m_stereo = nullptr;  // a subview
     std::vector<std::unique_ptr<QkLevelMeterCell>> m_cells;
-    std::vector<Rect> m_frames;  // of the cells
+    std::vector<Rect> m_frames;               // of the cells
+    std::vector<std::string> m_channelNames;  // one for each meter
     std::string m_name;
 };
 

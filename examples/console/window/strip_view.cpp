@@ -10,6 +10,8 @@ namespace veltra::console {
 namespace {
 
 constexpr float kMargin = 10.0F;
+constexpr float kSpeakersHeight = 100.0F;
+constexpr float kNoteWidth = 32.0F;
 
 std::string timeText(std::uint64_t frames, int rate) {
     const auto seconds = static_cast<unsigned long long>(frames) / static_cast<unsigned>(rate);
@@ -17,10 +19,7 @@ std::string timeText(std::uint64_t frames, int rate) {
 }
 
 std::string formatText(const FileFormat& format) {
-    const std::string channels = format.channels == 1   ? "mono"
-                                 : format.channels == 2 ? "stereo"
-                                                        : formatted("%d channels", format.channels);
-    return formatted("%g kHz, ", format.rate / 1000.0) + channels;
+    return formatted("%g kHz, ", format.rate / 1000.0) + format.plan.name(format.channels);
 }
 
 }  // namespace
@@ -33,11 +32,16 @@ StripView::StripView(const Rect& frame, const StripState& state, ConsoleDelegate
                                                 SystemColor::Label))),
       m_format(addSubview(
           std::make_unique<Label>(Rect{}, Font::systemFont(11.0F), SystemColor::SecondaryLabel))),
-      m_meters(addSubview(std::make_unique<MeterBridge>(Rect{}, state.format.channels))),
-      m_time(
-          addSubview(std::make_unique<Label>(Rect{}, Font{{}, 11.0F, FontWeight::Regular, true},
-                                             SystemColor::SecondaryLabel, TextAlignment::Center))),
-      m_progress(addSubview(std::make_unique<ProgressBar>(Rect{}))),
+      m_speakers(state.format.plan.order.size() > 2
+                     ? &addSubview(std::make_unique<SpeakerCircle>(Rect{}, state.format.plan))
+                     : nullptr),
+      m_meters(addSubview(
+          std::make_unique<MeterBridge>(Rect{}, state.format.channels, state.format.plan))),
+      m_time(addSubview(std::make_unique<Label>(Rect{}, Font{{}, 11.0F, FontWeight::Regular, true},
+                                                SystemColor::SecondaryLabel))),
+      m_note(addSubview(std::make_unique<Label>(Rect{}, Font::systemFont(11.0F), SystemColor::Label,
+                                                TextAlignment::Right))),
+      m_waveform(addSubview(std::make_unique<WaveformView>(Rect{}))),
       m_mute(addSubview(std::make_unique<Button>(Rect{}, "Mute", ButtonCell::Kind::Toggle))),
       m_again(addSubview(std::make_unique<Button>(Rect{}, "Again"))),
       m_remove(addSubview(std::make_unique<Button>(Rect{}, "\u00D7"))) {
@@ -45,7 +49,9 @@ StripView::StripView(const Rect& frame, const StripState& state, ConsoleDelegate
     m_name.setText(printable(std::filesystem::path(state.path).stem().string()));
     m_name.setFullText(printable(state.path));
     m_format.setText(formatText(state.format));
-    m_format.setFullText(state.format.container + ", " + state.format.encoding);
+    const std::string order = state.format.plan.orderName();
+    m_format.setFullText(state.format.container + ", " + state.format.encoding +
+                         (order.empty() ? "" : ", " + order));
     m_meters.setName(name);
     for (Button* const button : {&m_mute, &m_again, &m_remove})
         button->setTarget(this);
@@ -61,15 +67,22 @@ StripView::StripView(const Rect& frame, const StripState& state, ConsoleDelegate
     update(state);
 }
 
+float StripView::widthFor(const FileFormat& format) {
+    return format.channels > 2 ? 168.0F : 128.0F;
+}
+
 void StripView::frameDidChange() {
     const float width = bounds().size.width - 2.0F * kMargin;
     const float bottom = bounds().size.height - kMargin;
     const auto row = [width](float y, float height) { return Rect{{kMargin, y}, {width, height}}; };
     m_name.setFrame(row(9.0F, 18.0F));
     m_format.setFrame(row(27.0F, 16.0F));
-    m_time.setFrame(row(bottom - 56.0F, 16.0F));
-    m_progress.setFrame(row(bottom - 36.0F, 4.0F));
-    m_meters.setFrame(row(50.0F, bottom - 62.0F - 50.0F));
+    const float speakers = m_speakers != nullptr ? kSpeakersHeight : 0.0F;
+    if (m_speakers != nullptr) m_speakers->setFrame(row(48.0F, speakers));
+    m_meters.setFrame(row(50.0F + speakers, bottom - 92.0F - 50.0F - speakers));
+    m_time.setFrame({{kMargin, bottom - 88.0F}, {width - kNoteWidth, 16.0F}});
+    m_note.setFrame({{kMargin + width - kNoteWidth, bottom - 88.0F}, {kNoteWidth, 16.0F}});
+    m_waveform.setFrame(row(bottom - 70.0F, 38.0F));
     m_mute.setFrame({{kMargin, bottom - 24.0F}, {width - 32.0F, 24.0F}});
     m_again.setFrame(m_mute.frame());
     m_remove.setFrame({{kMargin + width - 26.0F, bottom - 24.0F}, {26.0F, 24.0F}});
@@ -86,7 +99,10 @@ void StripView::update(const StripState& state) {
     if (meter.framesTotal > 0) time += " / " + timeText(meter.framesTotal, rate);
     if (meter.underruns > 0) time += " !";
     m_time.setText(state.ended ? "ended" : time);
-    m_progress.setProgress(meter.framesTotal > 0 ? static_cast<double>(meter.framesPlayed) /
+    m_note.setText(noteAt(state));
+    if (m_speakers != nullptr) m_speakers->setPeaks(meter.peaks);
+    m_waveform.setOverview(state.overview);
+    m_waveform.setProgress(meter.framesTotal > 0 ? static_cast<double>(meter.framesPlayed) /
                                                        static_cast<double>(meter.framesTotal)
                                                  : -1.0);
 }
@@ -96,6 +112,11 @@ void StripView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
     canvas.fillPath(Path::roundedRect(bounds(), 8.0F), systemColor(SystemColor::Separator));
     canvas.fillPath(Path::roundedRect(bounds().inset(line, line), 8.0F - line),
                     systemColor(SystemColor::ControlBackground));
+}
+
+// The pitch of the onset that was last when the file played up to here.
+std::string StripView::noteAt(const StripState& /*state*/) const {
+    return {};
 }
 
 void StripView::muteWasPressed() {

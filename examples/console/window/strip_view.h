@@ -4,15 +4,17 @@
 #include "console_delegate.h"
 #include "label.h"
 #include "meter_bridge.h"
-#include "progress_bar.h"
+#include "speaker_circle.h"
 #include "veltra/platform/ui/button.h"
+#include "waveform_view.h"
 
 namespace veltra::console {
 
 // Thread: main.
 class StripView final : public View {
 public:
-    static constexpr float kWidth = 128.0F;
+    // More than two channels need more room.
+    static float widthFor(const FileFormat& format);
 
     // `delegate` must outlive the view.
     StripView(const Rect& frame, const StripState& state, ConsoleDelegate& delegate);
@@ -30,6 +32,7 @@ protected:
     void frameDidChange() override;
 
 private:
+    std::string noteAt(const StripState& state) const;
     void muteWasPressed();
     void removeWasPressed();
     void againWasPressed();
@@ -38,9 +41,11 @@ private:
     ConsoleDelegate& m_delegate;
     Label& m_name;
     Label& m_format;
+    SpeakerCircle* const m_speakers;  // a subview, only with more than two channels
     MeterBridge& m_meters;
     Label& m_time;
-    ProgressBar& m_progress;
+    Label& m_note;  // the pitch of what began last
+    WaveformView& m_waveform;
     Button& m_mute;
     Button& m_again;  // in the place of the mute button once the file has ended
     Button& m_remove;

@@ -1,0 +1,86 @@
+#include "overview.h"
+
+#include "measurement.h"
+
+#include <algorithm>
+#include <span>
+
+namespace veltra::console {
+
+namespace {
+
+// Between half of it and all of it are in use, for however long the file turns out to be.
+constexpr std::size_t kMostColumns = 1024;
+
+class ColumnMaker {
+public:
+    void push(std::span<const float> samples) {
+        for (const float sample : samples) {
+            m_column.low = std::min(m_column.low, sample);
+            m_column.high = std::max(m_column.high, sample);
+            if (++m_filled == m_columnFrames) endColumn();
+        }
+    }
+
+    void finish(Overview& overview) {
+        if (m_filled > 0) m_columns.push_back(m_column);
+        overview.columns = std::move(m_columns);
+        overview.columnFrames = m_columnFrames;
+    }
+
+private:
+    void endColumn() {
+        m_columns.push_back(m_column);
+        m_column = {};
+        m_filled = 0;
+        if (m_columns.size() < kMostColumns) return;
+        for (std::size_t i = 0; i < kMostColumns / 2; ++i) {
+            const auto& left = m_columns[2 * i];
+            const auto& right = m_columns[2 * i + 1];
+            m_columns[i] = {std::min(left.low, right.low), std::max(left.high, right.high)};
+        }
+        m_columns.resize(kMostColumns / 2);
+        m_columnFrames *= 2;
+    }
+
+    std::vector<Overview::Column> m_columns;
+    Overview::Column m_column;
+    std::uint64_t m_columnFrames = 64;
+    std::uint64_t m_filled = 0;
+};
+
+}  // namespace
+
+std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<bool>& stop) {
+    const auto channels = static_cast<std::size_t>(file.format().channels);
+    std::vector<std::vector<float>> samples(channels, std::vector<float>(kChunkFrames));
+    std::vector<float*> places;
+    for (auto& channel : samples)
+        places.push_back(channel.data());
+
+    ColumnMaker columns;
+    OnsetDetector detector(file.format().rate);
+    for (std::size_t got = kChunkFrames; got == kChunkFrames;) {
+        if (stop.load(std::memory_order_relaxed)) return nullptr;  // only a wish to end early
+        got = file.read(places.data(), kChunkFrames);
+        for (std::vector<float>& channel : samples)
+            measure(channel.data(), got, 1.0F);  // silences what is not finite
+        for (std::size_t i = 0; i < got; ++i) {
+            float sum = 0.0F;
+            for (const auto& channel : samples)
+                sum += channel[i];
+            samples[0][i] = sum / static_cast<float>(channels);
+        }
+        const auto mean = std::span(samples[0]).first(got);
+        columns.push(mean);
+        detector.push(mean);
+    }
+    auto overview = std::make_shared<Overview>();
+    columns.finish(*overview);
+    overview->frames = file.framesRead();
+    overview->rate = file.format().rate;
+    overview->onsets = detector.onsets();
+    return overview;
+}
+
+}  // namespace veltra::console

@@ -1,0 +1,42 @@
+// Makes overviews of files in a thread of its own, so that nobody waits for a long one.
+#pragma once
+
+#include "overview.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace veltra::console {
+
+// Thread: main.
+class OverviewReader {
+public:
+    OverviewReader() = default;
+    OverviewReader(const OverviewReader&) = delete;
+    OverviewReader& operator=(const OverviewReader&) = delete;
+    ~OverviewReader();  // ends early, within a chunk
+
+    // Files that have been asked for before are not read again.
+    void request(const std::string& path);
+
+    // Null while the file is not read to its end, or when it cannot be.
+    std::shared_ptr<const Overview> find(const std::string& path) const;
+
+private:
+    void run();
+
+    std::thread m_thread;
+    std::atomic<bool> m_stopping{false};
+    mutable std::mutex m_mutex;  // guards what follows
+    std::condition_variable m_wake;
+    std::deque<std::string> m_waiting;
+    std::map<std::string, std::shared_ptr<const Overview>> m_overviews;  // null: not done
+};
+
+}  // namespace veltra::console

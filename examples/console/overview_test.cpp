@@ -1,0 +1,93 @@
+#include "overview.h"
+
+#include "overview_reader.h"
+#include "test_recordings.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace veltra::console {
+namespace {
+
+using namespace testing;
+
+// Tones that begin at once and die away, one after the other, over a quiet hum.
+std::vector<float> tones(int rate, const std::vector<double>& hertz, double secondsApart) {
+    const auto apart = static_cast<std::size_t>(secondsApart * rate);
+    std::vector<float> samples((hertz.size() + 1) * apart);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double turns = 50.0 * static_cast<double>(i) / rate;
+        samples[i] = static_cast<float>(0.001 * std::sin(2.0 * std::numbers::pi * turns));
+        if (i < apart) continue;
+        const double time = static_cast<double>(i % apart) / rate;
+        const double phase = 2.0 * std::numbers::pi * hertz[i / apart - 1] * time;
+        const double wave = std::sin(phase) + 0.5 * std::sin(2.0 * phase);
+        samples[i] += static_cast<float>(0.4 * std::exp(-8.0 * time) * wave);
+    }
+    return samples;
+}
+
+TEST(OnsetDetector, FindsWhereTonesBeginAndTheirPitch) {
+    const std::vector<double> hertz{110.0, 261.63, 440.0, 987.77, 61.74};
+    for (const int rate : {8000, 44100, 96000}) {
+        const std::vector<float> samples = tones(rate, hertz, 0.6);
+        OnsetDetector whole(rate);
+        whole.push(samples);
+        OnsetDetector inPieces(rate);
+        for (std::size_t i = 0; i < samples.size(); i += 777)
+            inPieces.push(
+                std::span(samples).subspan(i, std::min<std::size_t>(777, samples.size() - i)));
+        ASSERT_EQ(whole.onsets().size(), hertz.size()) << rate;
+        EXPECT_TRUE(whole.onsets().AreUniqueAndSortedByPos());
+        for (std::size_t i = 0; i < hertz.size(); ++i) {
+            const CTransient& onset = whole.onsets()[i];
+            const double seconds = static_cast<double>(onset.pos) / rate;
+            EXPECT_NEAR(seconds, 0.6 * static_cast<double>(i + 1), 0.01);
+            EXPECT_NEAR(static_cast<double>(onset.FreqHz) / hertz[i], 1.0, rate > 8000 ? 0.005 : 0.02) << hertz[i];
+            EXPECT_EQ(inPieces.onsets()[i].pos, static_cast<std::int64_t>(onset.pos));
+            EXPECT_EQ(inPieces.onsets()[i].FreqHz, static_cast<float>(onset.FreqHz));
+        }
+    }
+}
+
+TEST(Overview, HoldsTheExtremesOfEveryStretchOfTheFile) {
+    for (const char* seconds : {"0.05", "0.9", "5"}) {
+        const std::string path =
+            synthetic("shape.wav", 44100, std::string(seconds) + " pinknoise fade q 0 0 0.01");
+        const Planar samples = readAll(path);
+        const auto overview = readOverview(*mustOpen(path), false);
+        ASSERT_EQ(overview->frames, samples[0].size());
+        ASSERT_LT(overview->columns.size(), 1024U);
+        for (std::size_t i = 0; i < overview->columns.size(); ++i) {
+            const std::size_t begin = i * overview->columnFrames;
+            const std::size_t end = std::min(begin + overview->columnFrames, samples[0].size());
+            float low = 0.0F;
+            float high = 0.0F;
+            for (std::size_t frame = begin; frame < end; ++frame) {
+                low = std::min(low, samples[0][frame]);
+                high = std::max(high, samples[0][frame]);
+            }
+            EXPECT_EQ(overview->columns[i].low, low);
+            EXPECT_EQ(overview->columns[i].high, high);
+        }
+        EXPECT_GE(overview->columns.size() * overview->columnFrames, overview->frames);
+    }
+}
+
+TEST(OverviewReader, ReadsInTheBackgroundAndEndsEarlyWhenItGoes) {
+    const std::string path = synthetic("brief.wav", 44100, "0.5 pinknoise");
+    OverviewReader reader;
+    reader.request(folder() + "missing.wav");
+    reader.request(path);
+    std::shared_ptr<const Overview> overview;
+    while (overview == nullptr) {
+        std::this_thread::yield();
+        overview = reader.find(path);
+    }
+    EXPECT_EQ(overview->frames, 22050U);
+    EXPECT_EQ(reader.find(folder() + "missing.wav"), nullptr);
+    reader.request(synthetic("long.wav", 44100, "60 pinknoise"));
+}
+
+}  // namespace
+}  // namespace veltra::console
