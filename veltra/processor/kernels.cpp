@@ -1,6 +1,7 @@
 #include "veltra/processor/kernels.h"
 
 #include "veltra/processor/detail/checksum_kernels.h"
+#include "veltra/processor/detail/sample_kernels.h"
 #include "veltra/processor/detail/utf8_kernels.h"
 
 namespace veltra {
@@ -10,6 +11,7 @@ namespace {
 constexpr KernelFamily* kFamilies[] = {
     &detail::crc16Kernels,
     &detail::crc32Kernels,
+    &detail::sampleKernels,
     &detail::utf8KernelChoice,
 };
 
