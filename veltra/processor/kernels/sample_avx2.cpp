@@ -1,20 +1,11 @@
+#include "veltra/processor/kernels/avx2_memory.h"
 #include "veltra/processor/kernels/sample_walk.h"
-
-#include <immintrin.h>
 
 namespace veltra::kernels {
 
 namespace {
 
-// Where the bytes of a register come from, within its own half; 0x80 makes a zero.
-struct alignas(32) Places {
-    unsigned char from[32] = {};
-};
-
-// Where the upper half of a register begins that `load` filled with so many bytes.
-constexpr int upperStart(int bytes) {
-    return bytes == 24 ? 8 : bytes == 32 ? 16 : 0;
-}
+using Places = Avx2Memory::Places;
 
 template <class Sample, int channels, int channel>
 constexpr Places spreadPlaces() {
@@ -22,7 +13,7 @@ constexpr Places spreadPlaces() {
     Places places;
     for (int byte = 0; byte < 32; ++byte) {
         const int memory = Sample::memoryByte(byte % 4);
-        const int start = byte < 16 ? 0 : upperStart(8 * channels * kSize);
+        const int start = byte < 16 ? 0 : Avx2Memory::upperStart(8 * channels * kSize);
         const int from = (byte / 4 * channels + channel) * kSize + memory - start;
         places.from[byte] = static_cast<unsigned char>(memory < 0 ? 0x80 : from);
     }
@@ -45,61 +36,9 @@ constexpr Places kSpread = spreadPlaces<Sample, channels, channel>();
 template <class Sample>
 constexpr Places kPack = packPlaces<Sample>();
 
-__m256i shuffled(__m256i bytes, const Places& places) {
-    return _mm256_shuffle_epi8(bytes,
-                               _mm256_load_si256(reinterpret_cast<const __m256i*>(places.from)));
-}
-
-struct Avx2 {
-    using Register = __m256i;
+struct Avx2 : Avx2Memory {
     static constexpr std::size_t kLanes = 8;
     static constexpr std::size_t kBlocks = 4;
-
-    static __m128i loadHalf(const unsigned char* from) {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-    }
-    static void storeHalf(unsigned char* to, __m128i half) {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), half);
-    }
-
-    template <std::size_t bytes>
-    static Register load(const unsigned char* from) {
-        if constexpr (bytes == 8)
-            return _mm256_broadcastq_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from)));
-        else if constexpr (bytes == 16)
-            return _mm256_broadcastsi128_si256(loadHalf(from));
-        else
-            return _mm256_inserti128_si256(_mm256_castsi128_si256(loadHalf(from)),
-                                           loadHalf(from + upperStart(bytes)), 1);
-    }
-    template <std::size_t bytes>
-    static Register loadFirst(const unsigned char* from, std::size_t count) {
-        unsigned char block[bytes] = {};
-        __builtin_memcpy(block, from, count);
-        return load<bytes>(block);
-    }
-
-    template <std::size_t bytes>
-    static void store(unsigned char* to, Register value) {
-        const __m128i low = _mm256_castsi256_si128(value);
-        if constexpr (bytes == 8)
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), low);
-        else if constexpr (bytes == 16)
-            storeHalf(to, low);
-        else if constexpr (bytes == 32)
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), value);
-        else {
-            storeHalf(to, low);
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 16),
-                             _mm256_extracti128_si256(value, 1));
-        }
-    }
-    template <std::size_t bytes>
-    static void storeFirst(unsigned char* to, Register value, std::size_t count) {
-        unsigned char block[bytes];
-        store<bytes>(block, value);
-        __builtin_memcpy(to, block, count);
-    }
 
     template <class Sample, int channels, int channel>
     static Register spread(Register bytes) {
@@ -112,10 +51,6 @@ struct Avx2 {
         const __m256 highWords = _mm256_castsi256_ps(high);
         even = inOrder(_mm256_shuffle_ps(lowWords, highWords, 0x88));
         odd = inOrder(_mm256_shuffle_ps(lowWords, highWords, 0xDD));
-    }
-
-    static Register flipped(Register bytes) {
-        return _mm256_xor_si256(bytes, _mm256_set1_epi8(-128));
     }
 
     static Register floatsOf(Register words) {
@@ -163,15 +98,7 @@ struct Avx2 {
         }
         if constexpr (Sample::kSize < 4 || Sample::kOrder != detail::kHostOrder)
             samples = shuffled(samples, kPack<Sample>);
-        // The halves' bytes side by side.
-        if constexpr (Sample::kSize == 1)
-            return _mm256_permutevar8x32_epi32(samples, _mm256_setr_epi32(0, 4, 0, 0, 0, 0, 0, 0));
-        else if constexpr (Sample::kSize == 2)
-            return _mm256_permute4x64_epi64(samples, 0x08);
-        else if constexpr (Sample::kSize == 3)
-            return _mm256_permutevar8x32_epi32(samples, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0));
-        else
-            return samples;
+        return joined<4 * Sample::kSize>(samples);
     }
 
 private:
