@@ -25,8 +25,9 @@ constexpr Places packPlaces() {
     constexpr int kSize = static_cast<int>(Sample::kSize);
     Places places;
     for (int byte = 0; byte < 32; ++byte) {
-        const int from = byte % 16 / kSize * 4 + Sample::wordByte(byte % kSize);
-        places.from[byte] = static_cast<unsigned char>(byte % 16 < 4 * kSize ? from : 0x80);
+        const int inHalf = byte % 16;
+        const int from = inHalf / kSize * 4 + Sample::wordByte(inHalf % kSize);
+        places.from[byte] = static_cast<unsigned char>(inHalf < 4 * kSize ? from : 0x80);
     }
     return places;
 }
