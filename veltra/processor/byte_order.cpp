@@ -1,10 +1,40 @@
 #include "veltra/processor/byte_order.h"
 
 #include "veltra/processor/detail/bytes.h"
-
-#include <utility>
+#include "veltra/processor/detail/swap_kernels.h"
 
 namespace veltra {
+
+namespace detail {
+
+namespace {
+
+#ifdef VELTRA_KERNEL_SWAP_AVX2
+bool hasAvx2(const ProcessorFeatures& features) noexcept {
+    return features.avx2;
+}
+#endif
+#ifdef VELTRA_KERNEL_SWAP_AVX512
+bool hasAvx512(const ProcessorFeatures& features) noexcept {
+    return features.avx512f && features.avx512bw && features.avx512vbmi && features.bmi2;
+}
+#endif
+
+constexpr KernelVariant<const kernels::SwapKernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_SWAP_AVX512
+    {"avx512vbmi", hasAvx512, &kernels::kSwapAvx512},
+#endif
+#ifdef VELTRA_KERNEL_SWAP_AVX2
+    {"avx2", hasAvx2, &kernels::kSwapAvx2},
+#endif
+    {"plain", runsEverywhere, &kernels::kSwapPlain},
+};
+
+}  // namespace
+
+constinit KernelChoice<const kernels::SwapKernels*> swapKernels{"swaps", kVariants};
+
+}  // namespace detail
 
 namespace {
 
@@ -16,67 +46,62 @@ constexpr std::size_t effectiveCount(std::uint32_t count) noexcept {
 static_assert(effectiveCount(0) == 0 && effectiveCount(1) == 1);
 static_assert(effectiveCount(0x8000'0000U) == 0x8000'0000U && effectiveCount(0x8000'0001U) == 0);
 
-template <class Word>
-void reverseCounted(void* destination, const void* source, std::size_t count) noexcept {
+const kernels::SwapKernels& swaps() noexcept {
+    return *detail::swapKernels.current();
+}
+
+void swapCounted(kernels::SwapKernel swap, void* destination, const void* source,
+                 std::size_t count) noexcept {
     if (destination == nullptr || source == nullptr) return;
-    detail::reverseWords<Word>(static_cast<unsigned char*>(destination),
-                               static_cast<const unsigned char*>(source), count);
+    swap(static_cast<unsigned char*>(destination), static_cast<const unsigned char*>(source),
+         count);
 }
 
-void exchangeOuterBytes(unsigned char* samples, std::size_t count) noexcept {
-    for (std::size_t index = 0; index < count; ++index) {
-        std::swap(samples[3 * index], samples[3 * index + 2]);
-    }
-}
-
-void moveSilence(unsigned char* samples, std::size_t count) noexcept {
-    for (std::size_t index = 0; index < count; ++index) {
-        samples[index] ^= 0x80U;
-    }
+void swapOne(void* value) noexcept {
+    if (value != nullptr) detail::reverse<std::uint32_t>(static_cast<unsigned char*>(value));
 }
 
 }  // namespace
 
 void PSwapLongLong(void* buffer, uint32_t count) noexcept {
-    reverseCounted<std::uint64_t>(buffer, buffer, effectiveCount(count));
+    swapCounted(swaps().words64, buffer, buffer, effectiveCount(count));
 }
 
 void PSwapLong(void* buffer, uint32_t count) noexcept {
-    reverseCounted<std::uint32_t>(buffer, buffer, effectiveCount(count));
+    swapCounted(swaps().words32, buffer, buffer, effectiveCount(count));
 }
 
 void PSwapWord(void* buffer, uint32_t count) noexcept {
-    reverseCounted<std::uint16_t>(buffer, buffer, effectiveCount(count));
+    swapCounted(swaps().words16, buffer, buffer, effectiveCount(count));
 }
 
 void PSwapCopyLong(void* destination, const void* source, uint32_t count) noexcept {
-    reverseCounted<std::uint32_t>(destination, source, effectiveCount(count));
+    swapCounted(swaps().words32, destination, source, effectiveCount(count));
 }
 
 void SwapInt32(void* value) noexcept {
-    reverseCounted<std::uint32_t>(value, value, 1);
+    swapOne(value);
 }
 
 void SwapLong(void* value) noexcept {
-    reverseCounted<std::uint32_t>(value, value, 1);
+    swapOne(value);
 }
 
 bool ProcessSwapIntel(void* buffer, uint32_t sampleCount, uint32_t /*ignored*/,
                       int32_t bitsPerSample) noexcept {
-    if (buffer == nullptr) return true;
-    auto* const samples = static_cast<unsigned char*>(buffer);
+    const kernels::SwapKernels& kernels = swaps();
     switch (bitsPerSample) {
         case 32:
-            detail::reverseWords<std::uint32_t>(samples, samples, sampleCount);
+            swapCounted(kernels.words32, buffer, buffer, sampleCount);
             break;
         case 24:
-            exchangeOuterBytes(samples, sampleCount);
+            swapCounted(kernels.samples24, buffer, buffer, sampleCount);
             break;
         case 8:
-            moveSilence(samples, sampleCount);
+            swapCounted(kernels.signs8, buffer, buffer, sampleCount);
             break;
         default:
-            detail::reverseWords<std::uint16_t>(samples, samples, sampleCount);
+            swapCounted(kernels.words16, buffer, buffer, sampleCount);
             break;
     }
     return true;

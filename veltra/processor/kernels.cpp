@@ -1,6 +1,8 @@
 #include "veltra/processor/kernels.h"
 
 #include "veltra/processor/detail/checksum_kernels.h"
+#include "veltra/processor/detail/sample_kernels.h"
+#include "veltra/processor/detail/swap_kernels.h"
 #include "veltra/processor/detail/utf8_kernels.h"
 
 namespace veltra {
@@ -8,9 +10,8 @@ namespace veltra {
 namespace {
 
 constexpr KernelFamily* kFamilies[] = {
-    &detail::crc16Kernels,
-    &detail::crc32Kernels,
-    &detail::utf8KernelChoice,
+    &detail::crc16Kernels, &detail::crc32Kernels,     &detail::sampleKernels,
+    &detail::swapKernels,  &detail::utf8KernelChoice,
 };
 
 }  // namespace

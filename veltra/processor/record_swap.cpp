@@ -1,10 +1,13 @@
 #include "veltra/processor/record_swap.h"
 
 #include "veltra/processor/detail/bytes.h"
+#include "veltra/processor/detail/swap_kernels.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 
 namespace veltra {
 
@@ -128,9 +131,40 @@ unsigned char* swapField(unsigned char* record, std::uint8_t fieldCode) noexcept
     return end;
 }
 
+// Few words are reversed sooner than a vector is set up.
+const kernels::SwapKernels& kernelsFor(std::size_t words) noexcept {
+    return words < 8 ? kernels::kSwapPlain : *detail::swapKernels.current();
+}
+
+// Reverses a run of values that the limit allows. False for the kinds that go field by field.
+bool reverseRun(unsigned char* values, std::size_t size, Kind kind) noexcept {
+    switch (kind) {
+        case Kind::Keep:
+            return true;
+        case Kind::Reverse16:
+            kernelsFor(size / 2).words16(values, values, size / 2);
+            return true;
+        case Kind::Reverse32:
+            kernelsFor(size / 4).words32(values, values, size / 4);
+            return true;
+        case Kind::Reverse64:
+        case Kind::Reverse64Twice:
+            kernelsFor(size / 8).words64(values, values, size / 8);
+            return true;
+        default:
+            return false;
+    }
+}
+
 unsigned char* swapFields(unsigned char* record, std::uint8_t fieldCode,
                           std::uint32_t count) noexcept {
-    for (std::uint32_t field = 0; field < count; ++field) {
+    const Field field = fieldCode < kNamedCodes ? kFields[fieldCode] : Field{};
+    const std::size_t size = std::size_t{field.size} * field.values * count;
+    const std::uintptr_t start = addressOf(record);
+    const std::uintptr_t limit = currentLimit();
+    if (start <= limit && size <= limit - start && reverseRun(record, size, field.kind))
+        return record + size;
+    for (std::uint32_t done = 0; done < count; ++done) {
         record = swapField(record, fieldCode);
     }
     return record;
@@ -158,6 +192,30 @@ void swapTable(unsigned char* record, const std::uint8_t* table, std::uintptr_t 
         }
     }
     setLimit(savedLimit);
+}
+
+// How many fields of a description are like its first, of `most`; 1 or more.
+std::size_t runLength(const std::int8_t* description, std::size_t most) noexcept {
+    constexpr std::size_t kShort = 16;
+    std::size_t run = 1;
+    while (run < std::min(most, kShort) && description[run] == description[0])
+        ++run;
+    if (run == kShort) {
+        const char same[] = {static_cast<char>(description[0]), '\0'};
+        run += std::strspn(reinterpret_cast<const char*>(description) + run, same);
+    }
+    return std::min(run, most);
+}
+
+// Copies a run of fields in order: a destination inside the source reads what was written.
+void copyReversed(unsigned char* to, const unsigned char* from, std::size_t size,
+                  std::size_t fields) noexcept {
+    const bool inside =
+        addressOf(from) < addressOf(to) && addressOf(to) < addressOf(from) + size * fields;
+    const kernels::SwapKernels& kernels = inside ? kernels::kSwapPlain : kernelsFor(fields);
+    if (size == 2) kernels.words16(to, from, fields);
+    if (size == 4) kernels.words32(to, from, fields);
+    if (size == 8) kernels.words64(to, from, fields);
 }
 
 }  // namespace
@@ -193,17 +251,21 @@ void SwapData(void* destination, const void* source, const int8_t* description,
     if (destination == nullptr || source == nullptr || description == nullptr) return;
     auto* to = static_cast<unsigned char*>(destination);
     const auto* from = static_cast<const unsigned char*>(source);
-    for (; *description != 0; ++description) {
+    while (*description != 0) {
         const int field{*description};
         const auto size = static_cast<std::size_t>(std::abs(field));
         if (length < size) return;
-        std::memmove(to, from, size);
-        if (field == 2) reverse<std::uint16_t>(to);
-        if (field == 4) reverse<std::uint32_t>(to);
-        if (field == 8) reverse<std::uint64_t>(to);
-        to += size;
-        from += size;
-        length -= size;
+        std::size_t fields = 1;
+        if (field == 2 || field == 4 || field == 8) {
+            fields = runLength(description, length / size);
+            copyReversed(to, from, size, fields);
+        } else {
+            std::memmove(to, from, size);
+        }
+        description += fields;
+        to += size * fields;
+        from += size * fields;
+        length -= size * fields;
     }
 }
 

@@ -1,5 +1,7 @@
 #include "veltra/processor/sample_conversion.h"
 
+#include "veltra/processor/detail/sample_kernels.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -67,7 +69,7 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
         for (std::uint32_t low : {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU})
             everyExponent.push_back(std::bit_cast<float>(top << 23 | low));
     }
-    for (const Form form : kIntegers) {
+    const auto expectExact = [&](const Form form) {
         EXPECT_EQ(fromFloats(form, everyExponent), integersOf(form, everyExponent)) << form.format;
         const int bits = 8 * form.format;
         const std::int64_t half = std::int64_t{1} << (bits - 1);
@@ -84,7 +86,14 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
             ASSERT_EQ(fromFloats(kFloat, floats), fromFloats(kFloat, fractions)) << start;
             ASSERT_EQ(fromFloats(form, floats), integersOf(form, floats)) << start;
         }
+    };
+    KernelFamily& family = detail::sampleKernels;
+    for (std::size_t i = 0; i < family.variantCount(); ++i) {
+        if (!family.use(family.variantName(i))) continue;
+        SCOPED_TRACE(family.variantName(i));
+        std::for_each(kIntegers.begin(), kIntegers.end(), expectExact);
     }
+    family.useBest();
 }
 
 TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {

@@ -3,12 +3,12 @@
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/text_services.h"
+#include "veltra/processor/testing/guarded_memory.h"
 #include "veltra/processor/testing/utf8_laws.h"
 
 #include <random>
 
 #include <gmock/gmock.h>
-#include <sys/mman.h>
 
 namespace veltra {
 namespace {
@@ -16,17 +16,10 @@ namespace {
 using testing::ElementsAre;
 using testing::PrintToString;
 
-// Puts `text` and its terminator at the start or the end of memory between two pages that nobody
-// may touch.
-enum class Place { Start, End };
+// A copy of `text` and its terminator beside a page that nobody may touch.
 std::string_view guarded(std::string_view text, Place place) {
-    constexpr std::size_t kPage = 0x10000;  // a multiple of any page in use
-    static char* const memory = [] {
-        void* pages = ::mmap(nullptr, 3 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        ::mprotect(static_cast<char*>(pages) + kPage, kPage, PROT_READ | PROT_WRITE);
-        return static_cast<char*>(pages) + kPage;
-    }();
-    char* const start = place == Place::Start ? memory : memory + kPage - text.size() - 1;
+    static const GuardedMemory memory;
+    auto* const start = reinterpret_cast<char*>(memory.at(place, text.size() + 1));
     start[text.copy(start, text.size())] = '\0';
     return {start, text.size()};
 }

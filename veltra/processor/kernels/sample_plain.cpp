@@ -1,13 +1,18 @@
-#include "veltra/processor/detail/plain_conversion.h"
-
+// The sample converters in plain C++. They run on every processor, and they are the judge of every
+// faster variant.
 #include "veltra/processor/detail/bytes.h"
+#include "veltra/processor/kernels/sample_kernels.h"
 
 #include <array>
 #include <cstring>
 
-namespace veltra::detail {
+namespace veltra::kernels {
 
 namespace {
+
+using detail::ByteOrder;
+using detail::load;
+using detail::store;
 
 constexpr std::size_t kFloatSize = sizeof(float);
 constexpr std::uint32_t kSignBit = 0x8000'0000U;
@@ -248,37 +253,23 @@ void fromFloat(void* destination, const float* source, std::size_t count,
     }
 }
 
-struct Row {
-    std::int32_t format;
-    bool swapped;
-    SampleConverters converters;
-};
-
 template <class Sample>
 constexpr SampleConverters kOf{toFloat<Sample>, fromFloat<Sample>};
 
-constexpr std::array<Row, 11> kRows{{
-    {kSampleFloat64, false, kOf<Float64Sample>},
-    {kSampleFloat32, false, kOf<Float32Sample>},
-    {kSampleInt8, false, kOf<IntegerSample<std::uint8_t, ByteOrder::Big>>},
-    {kSampleInt16, false, kOf<IntegerSample<std::uint16_t, ByteOrder::Big>>},
-    {kSampleInt24, false, kOf<Integer24Sample<ByteOrder::Big>>},
-    {kSampleInt32, false, kOf<IntegerSample<std::uint32_t, ByteOrder::Big>>},
-    {kSampleFloat32, true, kOf<Float32Sample>},
-    {kSampleInt8, true, kOf<IntegerSample<std::uint8_t, ByteOrder::Little>>},
-    {kSampleInt16, true, kOf<IntegerSample<std::uint16_t, ByteOrder::Little>>},
-    {kSampleInt24, true, kOf<Integer24Sample<ByteOrder::Little>>},
-    {kSampleInt32, true, kOf<IntegerSample<std::uint32_t, ByteOrder::Little>>},
-}};
+template <class Word>
+constexpr SampleConverters kBig = kOf<IntegerSample<Word, ByteOrder::Big>>;
+template <class Word>
+constexpr SampleConverters kLittle = kOf<IntegerSample<Word, ByteOrder::Little>>;
 
 }  // namespace
 
-SampleConverters plainConverters(std::int32_t format, bool swapped) noexcept {
-    for (const Row& row : kRows) {
-        if (row.format == format && row.swapped == swapped) return row.converters;
-    }
-    return {[](float*, const void*, std::size_t, float*) noexcept {},
-            [](void*, const float*, std::size_t, const float*) noexcept {}};
-}
+constexpr SampleKernels kSamplesPlain{
+    {{kBig<std::uint8_t>, kLittle<std::uint8_t>},
+     {kBig<std::uint16_t>, kLittle<std::uint16_t>},
+     {kOf<Integer24Sample<ByteOrder::Big>>, kOf<Integer24Sample<ByteOrder::Little>>},
+     {kBig<std::uint32_t>, kLittle<std::uint32_t>}},
+    kOf<Float32Sample>};
 
-}  // namespace veltra::detail
+constexpr SampleConverters kFloat64Plain = kOf<Float64Sample>;
+
+}  // namespace veltra::kernels

@@ -1,0 +1,134 @@
+#include "veltra/processor/kernels/avx512_memory.h"
+#include "veltra/processor/kernels/sample_walk.h"
+
+namespace veltra::kernels {
+
+namespace {
+
+// Where the bytes of a register come from, one after another, and which of them count.
+struct alignas(64) Places {
+    unsigned char from[64] = {};
+    std::uint64_t counts = 0;
+};
+
+template <class Sample, int channels, int channel>
+constexpr Places spreadPlaces() {
+    Places places;
+    for (int byte = 0; byte < 64; ++byte) {
+        const int memory = Sample::memoryByte(byte % 4);
+        if (memory < 0) continue;
+        const int sample = byte / 4 * channels + channel;
+        places.from[byte] =
+            static_cast<unsigned char>(sample * static_cast<int>(Sample::kSize) + memory);
+        places.counts |= std::uint64_t{1} << byte;
+    }
+    return places;
+}
+
+// `counts` tells the second channel's bytes from the first's.
+template <class Sample, int channels, int firstSample>
+constexpr Places packPlaces() {
+    constexpr int kSize = static_cast<int>(Sample::kSize);
+    Places places;
+    for (int byte = 0; byte < 64; ++byte) {
+        const int sample = firstSample + byte / kSize;
+        const int from = sample / channels * 4 + Sample::wordByte(byte % kSize);
+        places.from[byte] = static_cast<unsigned char>(from % 64);
+        if (sample % channels == 1) places.counts |= std::uint64_t{1} << byte;
+    }
+    return places;
+}
+
+template <class Sample, int channels, int channel>
+constexpr Places kSpread = spreadPlaces<Sample, channels, channel>();
+template <class Sample, int channels, int firstSample>
+constexpr Places kPack = packPlaces<Sample, channels, firstSample>();
+
+struct Avx512 : Avx512Memory {
+    static constexpr std::size_t kLanes = 16;
+    static constexpr std::size_t kBlocks = 4;
+
+    template <class Sample, int channels, int channel>
+    static Register spread(Register bytes) {
+        constexpr const Places& kPlaces = kSpread<Sample, channels, channel>;
+        if constexpr (Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder) return bytes;
+        return _mm512_maskz_permutexvar_epi8(kPlaces.counts, _mm512_load_si512(kPlaces.from),
+                                             bytes);
+    }
+
+    static void split(Register low, Register high, Register& even, Register& odd) {
+        const Register evenPlaces =
+            _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
+        even = _mm512_permutex2var_epi32(low, evenPlaces, high);
+        odd =
+            _mm512_permutex2var_epi32(low, _mm512_or_si512(evenPlaces, _mm512_set1_epi32(1)), high);
+    }
+
+    static Register floatsOf(Register words) {
+        const Register kept = _mm512_and_si512(words, _mm512_set1_epi32(-256));
+        return _mm512_castps_si512(
+            _mm512_mul_ps(_mm512_cvtepi32_ps(kept), _mm512_set1_ps(0x1p-31F)));
+    }
+
+    // None of these raises a floating-point exception, whatever the samples and the thread's
+    // settings, and all are exact: the factor is a power of two, and a denormal becomes 0 anyway.
+    template <std::size_t bytes, std::size_t count>
+    [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
+        constexpr int kQuiet = _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC;
+        Register words[count];
+        for (std::size_t i = 0; i < count; ++i) {
+            __m512 scaled = _mm512_mul_round_ps(_mm512_castsi512_ps(samples[i]),
+                                                _mm512_set1_ps(0x1p31F), kQuiet);
+            if constexpr (bytes <= 2) {
+                // The smaller magnitude with the sample's sign, also of a NaN. The largest that is
+                // left differs from full scale in its lowest byte alone.
+                constexpr int kSmallerMagnitude = 2;
+                const __m512 largest = _mm512_set1_ps(0x1.fffffep30F);
+                scaled =
+                    _mm512_range_round_ps(scaled, largest, kSmallerMagnitude, _MM_FROUND_NO_EXC);
+            }
+            words[i] = _mm512_cvtt_roundps_epi32(scaled, _MM_FROUND_NO_EXC);
+        }
+        if constexpr (bytes > 2) {
+            // What lies at or beyond 1.0 became the least integer, which nothing else does. Few
+            // blocks have such samples.
+            const Register outside = _mm512_set1_epi32(INT32_MIN);
+            Register least = words[0];
+            for (std::size_t i = 1; i < count; ++i)
+                least = _mm512_min_epi32(least, words[i]);
+            if (_mm512_cmpeq_epi32_mask(least, outside) != 0) {
+                for (std::size_t i = 0; i < count; ++i) {
+                    const Register sign = _mm512_srai_epi32(samples[i], 31);
+                    const Register fullScale =
+                        _mm512_xor_si512(sign, _mm512_set1_epi32(0x7FFF'FF00));
+                    words[i] = _mm512_mask_sub_epi32(
+                        words[i], _mm512_cmpeq_epi32_mask(words[i], outside), fullScale, sign);
+                }
+            }
+        }
+        for (std::size_t i = 0; i < count; ++i)
+            samples[i] = words[i];
+    }
+
+    template <class Sample, int channels>
+    static constexpr std::size_t kFrameRegisters = Sample::kSize* channels > 4 ? 2 : 1;
+
+    template <class Sample, int channels, int index>
+    static Register packed(const Register* words) {
+        constexpr int kFirst =
+            16 * channels / static_cast<int>(kFrameRegisters<Sample, channels>) * index;
+        constexpr const Places& kPlaces = kPack<Sample, channels, kFirst>;
+        if constexpr (channels == 1 && Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder)
+            return words[0];
+        const Register from = _mm512_load_si512(kPlaces.from);
+        const Register bytes = _mm512_permutexvar_epi8(from, words[0]);
+        if constexpr (channels == 1) return bytes;
+        return _mm512_mask_permutexvar_epi8(bytes, kPlaces.counts, from, words[channels - 1]);
+    }
+};
+
+}  // namespace
+
+constexpr SampleKernels kSamplesAvx512 = makeSampleKernels<Avx512>();
+
+}  // namespace veltra::kernels

@@ -1,0 +1,263 @@
+// The walk over a stream in blocks of vectors that the vector variants of the sample converters
+// share. Each includes it in a file that is built with its own flags, so everything here is a
+// template of the variant's own `Vector`, which has internal linkage, and nothing of the standard
+// library is instantiated: no other file may end up with code that only some processors can run.
+//
+// A block is read whole before any of it is written, and blocks run backwards where the stream
+// widens, so that a conversion in place never writes over what it has yet to read. Nothing outside
+// the buffers is read or written.
+//
+// `Vector` supplies, for registers (Register) of kLanes words of 32 bits:
+//     kBlocks                       blocks that are in the works at a time, of one channel
+//     load<bytes>(from)             the first `bytes` of a register
+//     loadFirst<bytes>(from, n)     the same, n of them (less than `bytes`)
+//     store<bytes>(to, r), storeFirst<bytes>(to, r, n)
+//     spread<Sample, channels, channel>(r)   samples of a channel, out of what
+//                                   load<Sample::kSize * channels * kLanes> gave, to the top of
+//                                   the words, zeros below them
+//     split(a, b, even, odd)        the words of a and b that have even and odd places
+//     floatsOf(words)               words * 2^-31, the lowest eight bits of a word dropped
+//     flipped(r)                    the top bit of every byte inverted
+//     fractionsOf<bytes>(floats)    turns an array of floats to words as FloatToN defines them,
+//                                   as far as they matter for samples of so many bytes
+//     kFrameRegisters<Sample, channels>      how many registers a block of a stream takes
+//     packed<Sample, index>(words)  the index-th of them, out of the words of each channel
+#pragma once
+
+#include "veltra/processor/detail/bytes.h"
+#include "veltra/processor/kernels/sample_kernels.h"
+
+namespace veltra::kernels {
+
+using detail::ByteOrder;
+
+template <std::size_t size, ByteOrder order>
+struct IntegerSample {
+    static constexpr std::size_t kSize = size;
+    static constexpr ByteOrder kOrder = order;
+    static constexpr bool kIsFloat = false;
+    static constexpr bool kIsUnsigned = size == 1 && order == ByteOrder::Little;
+    static constexpr bool kSplits = size < 4;
+
+    // Where in memory the byte of a word lies that holds the sample in its top bytes; -1 for the
+    // bytes below it and for the lowest of all four, which is dropped.
+    static constexpr int memoryByte(int wordByte) {
+        const int significance = wordByte - (4 - static_cast<int>(size));
+        if (significance < 0 || wordByte == 0) return -1;
+        return order == ByteOrder::Big ? static_cast<int>(size) - 1 - significance : significance;
+    }
+
+    // And back: which byte of the word belongs there.
+    static constexpr int wordByte(int memoryByte) {
+        return order == ByteOrder::Big ? 3 - memoryByte : 4 - static_cast<int>(size) + memoryByte;
+    }
+};
+
+// Words of the host that are moved, never changed.
+struct FloatSample {
+    static constexpr std::size_t kSize = 4;
+    static constexpr ByteOrder kOrder = detail::kHostOrder;
+    static constexpr bool kIsFloat = true;
+    static constexpr bool kIsUnsigned = false;
+    static constexpr bool kSplits = true;
+    static constexpr int memoryByte(int wordByte) { return wordByte; }
+    static constexpr int wordByte(int memoryByte) { return memoryByte; }
+};
+
+// Runs steps over frames: step.whole<n>(frame) for n blocks, step.part(frame, frames) for less than
+// one.
+template <class Vector, bool backwards, std::size_t blocks, class Step>
+[[gnu::always_inline]] inline void walk(std::size_t frames, const Step& step) {
+    constexpr std::size_t kGroup = blocks * Vector::kLanes;
+    const std::size_t rest = frames % Vector::kLanes;
+    std::size_t frame = backwards ? frames - rest : 0;
+    if constexpr (backwards) {
+        if (rest > 0) step.part(frame, rest);
+        while (frame % kGroup > 0)
+            step.template whole<1>(frame -= Vector::kLanes);
+        while (frame > 0)
+            step.template whole<blocks>(frame -= kGroup);
+    } else {
+        for (; frames - frame >= kGroup; frame += kGroup)
+            step.template whole<blocks>(frame);
+        for (; frames - frame >= Vector::kLanes; frame += Vector::kLanes)
+            step.template whole<1>(frame);
+        if (rest > 0) step.part(frame, rest);
+    }
+}
+
+template <class Vector, std::size_t bytes, bool isPart>
+[[gnu::always_inline]] inline typename Vector::Register loadSome(const unsigned char* from,
+                                                                 std::size_t count) {
+    if constexpr (isPart)
+        if (count < bytes) return Vector::template loadFirst<bytes>(from, count);
+    return Vector::template load<bytes>(from);
+}
+
+template <class Vector, std::size_t bytes, bool isPart>
+[[gnu::always_inline]] inline void storeSome(unsigned char* to, typename Vector::Register value,
+                                             std::size_t count) {
+    if constexpr (isPart)
+        if (count < bytes) return Vector::template storeFirst<bytes>(to, value, count);
+    Vector::template store<bytes>(to, value);
+}
+
+static constexpr std::size_t beyond(std::size_t count, std::size_t start) {
+    return count > start ? count - start : 0;
+}
+
+template <class Vector, class Sample, std::size_t channels>
+struct Decoder {
+    using Register = typename Vector::Register;
+    static constexpr std::size_t kFrameSize = Sample::kSize * channels;
+    static constexpr std::size_t kBlocks = Vector::kBlocks / channels;
+
+    unsigned char* destinations[channels];
+    const unsigned char* source;
+
+    template <std::size_t blocks>
+    [[gnu::always_inline]] void whole(std::size_t frame) const {
+        run<blocks, false>(frame, Vector::kLanes);
+    }
+    void part(std::size_t frame, std::size_t frames) const { run<1, true>(frame, frames); }
+
+private:
+    template <std::size_t blocks, bool isPart>
+    [[gnu::always_inline]] void run(std::size_t frame, std::size_t frames) const {
+        Register samples[blocks][channels];
+        for (std::size_t block = 0; block < blocks; ++block) {
+            read<isPart>(source + kFrameSize * (frame + block * Vector::kLanes), frames,
+                         samples[block]);
+        }
+        for (std::size_t block = 0; block < blocks; ++block) {
+            for (std::size_t channel = 0; channel < channels; ++channel) {
+                storeSome<Vector, 4 * Vector::kLanes, isPart>(
+                    destinations[channel] + 4 * (frame + block * Vector::kLanes),
+                    samples[block][channel], 4 * frames);
+            }
+        }
+    }
+
+    template <bool isPart>
+    [[gnu::always_inline]] static void read(const unsigned char* from, std::size_t frames,
+                                            Register (&samples)[channels]) {
+        constexpr std::size_t kBytes = Sample::kSize * Vector::kLanes;
+        if constexpr (kFrameSize <= 4) {
+            Register bytes = loadSome<Vector, channels * kBytes, isPart>(from, kFrameSize * frames);
+            if constexpr (Sample::kIsUnsigned) bytes = Vector::flipped(bytes);
+            samples[0] = Vector::template spread<Sample, channels, 0>(bytes);
+            if constexpr (channels == 2)
+                samples[1] = Vector::template spread<Sample, channels, 1>(bytes);
+        } else {
+            const std::size_t count = kFrameSize * frames;
+            const Register first = loadSome<Vector, kBytes, isPart>(from, count);
+            const Register second =
+                !isPart || count > kBytes
+                    ? loadSome<Vector, kBytes, isPart>(from + kBytes, beyond(count, kBytes))
+                    : first;
+            Vector::split(Vector::template spread<Sample, 1, 0>(first),
+                          Vector::template spread<Sample, 1, 0>(second), samples[0], samples[1]);
+        }
+        if constexpr (!Sample::kIsFloat) {
+            for (Register& sample : samples)
+                sample = Vector::floatsOf(sample);
+        }
+    }
+};
+
+template <class Vector, class Sample, std::size_t channels>
+struct Encoder {
+    using Register = typename Vector::Register;
+    static constexpr std::size_t kFrameSize = Sample::kSize * channels;
+    static constexpr std::size_t kBlocks = Vector::kBlocks / channels;
+
+    unsigned char* destination;
+    const unsigned char* sources[channels];
+
+    template <std::size_t blocks>
+    [[gnu::always_inline]] void whole(std::size_t frame) const {
+        run<blocks, false>(frame, Vector::kLanes);
+    }
+    void part(std::size_t frame, std::size_t frames) const { run<1, true>(frame, frames); }
+
+private:
+    template <std::size_t blocks, bool isPart>
+    [[gnu::always_inline]] void run(std::size_t frame, std::size_t frames) const {
+        Register words[blocks * channels];
+        for (std::size_t block = 0; block < blocks; ++block) {
+            for (std::size_t channel = 0; channel < channels; ++channel) {
+                words[block * channels + channel] = loadSome<Vector, 4 * Vector::kLanes, isPart>(
+                    sources[channel] + 4 * (frame + block * Vector::kLanes), 4 * frames);
+            }
+        }
+        if constexpr (!Sample::kIsFloat) Vector::template fractionsOf<Sample::kSize>(words);
+        for (std::size_t block = 0; block < blocks; ++block) {
+            unsigned char* const to = destination + kFrameSize * (frame + block * Vector::kLanes);
+            write<isPart, 0>(to, words + block * channels, kFrameSize * frames);
+        }
+    }
+
+    template <bool isPart, std::size_t index>
+    [[gnu::always_inline]] static void write(unsigned char* to, const Register* words,
+                                             std::size_t count) {
+        constexpr std::size_t kRegisters = Vector::template kFrameRegisters<Sample, channels>;
+        constexpr std::size_t kBytes = kFrameSize * Vector::kLanes / kRegisters;
+        Register bytes = Vector::template packed<Sample, channels, index>(words);
+        if constexpr (Sample::kIsUnsigned) bytes = Vector::flipped(bytes);
+        storeSome<Vector, kBytes, isPart>(to, bytes, count);
+        if constexpr (index + 1 < kRegisters) {
+            if (!isPart || count > kBytes)
+                write<isPart, index + 1>(to + kBytes, words, beyond(count, kBytes));
+        }
+    }
+};
+
+template <class Vector, class Sample>
+static void toFloat(float* destination, const void* source, std::size_t count,
+                    float* secondDestination) noexcept {
+    const bool inPlace = destination == source;
+    if (destination == nullptr || source == nullptr || (Sample::kIsFloat && inPlace)) return;
+    auto* const to = reinterpret_cast<unsigned char*>(destination);
+    auto* const secondTo = reinterpret_cast<unsigned char*>(secondDestination);
+    const auto* const from = static_cast<const unsigned char*>(source);
+    if (Sample::kSplits && secondTo != nullptr && !(Sample::kSize == 3 && inPlace)) {
+        const Decoder<Vector, Sample, 2> decoder{{to, secondTo}, from};
+        walk<Vector, decoder.kFrameSize <= 4, decoder.kBlocks>(count, decoder);
+    } else {
+        const Decoder<Vector, Sample, 1> decoder{{to}, from};
+        walk<Vector, true, decoder.kBlocks>(count, decoder);
+    }
+}
+
+template <class Vector, class Sample>
+static void fromFloat(void* destination, const float* source, std::size_t count,
+                      const float* secondSource) noexcept {
+    if (destination == nullptr || source == nullptr) return;
+    if (Sample::kIsFloat && destination == source) return;
+    auto* const to = static_cast<unsigned char*>(destination);
+    const auto* const from = reinterpret_cast<const unsigned char*>(source);
+    const auto* const secondFrom = reinterpret_cast<const unsigned char*>(secondSource);
+    if (secondFrom != nullptr) {
+        const Encoder<Vector, Sample, 2> encoder{to, {from, secondFrom}};
+        walk<Vector, (encoder.kFrameSize > 4), encoder.kBlocks>(count, encoder);
+    } else {
+        const Encoder<Vector, Sample, 1> encoder{to, {from}};
+        walk<Vector, false, encoder.kBlocks>(count, encoder);
+    }
+}
+
+template <class Vector, class Sample>
+constexpr SampleConverters kOf{toFloat<Vector, Sample>, fromFloat<Vector, Sample>};
+
+template <class Vector>
+constexpr SampleKernels makeSampleKernels() {
+    constexpr ByteOrder kBig = ByteOrder::Big;
+    constexpr ByteOrder kLittle = ByteOrder::Little;
+    return {{{kOf<Vector, IntegerSample<1, kBig>>, kOf<Vector, IntegerSample<1, kLittle>>},
+             {kOf<Vector, IntegerSample<2, kBig>>, kOf<Vector, IntegerSample<2, kLittle>>},
+             {kOf<Vector, IntegerSample<3, kBig>>, kOf<Vector, IntegerSample<3, kLittle>>},
+             {kOf<Vector, IntegerSample<4, kBig>>, kOf<Vector, IntegerSample<4, kLittle>>}},
+            kOf<Vector, FloatSample>};
+}
+
+}  // namespace veltra::kernels

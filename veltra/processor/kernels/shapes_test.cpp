@@ -1,0 +1,110 @@
+// Every vector variant beside the plain one, in buffers of every small length and alignment that
+// end or begin at a page nobody may touch.
+#include "veltra/processor/detail/sample_kernels.h"
+#include "veltra/processor/detail/swap_kernels.h"
+#include "veltra/processor/testing/guarded_memory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+constexpr std::size_t kLongest = 200;
+constexpr std::size_t kLargest = 8 * kLongest;
+
+// Three buffers with the same contents in each arena.
+class Arena {
+public:
+    explicit Arena(const std::vector<unsigned char>& noise) : m_noise(noise) {}
+
+    void fill(Place place, std::size_t gap, std::size_t size, std::size_t phase) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            m_buffers[i] = m_memory[i].at(place, size, gap);
+            std::memcpy(m_buffers[i], &m_noise[i * kLargest + phase], size);
+        }
+    }
+    unsigned char* bytes(std::size_t i) { return m_buffers[i]; }
+    float* floats(std::size_t i) { return reinterpret_cast<float*>(m_buffers[i]); }
+
+private:
+    const std::vector<unsigned char>& m_noise;
+    GuardedMemory m_memory[3];
+    unsigned char* m_buffers[3];
+};
+
+// `run` is given a kernel table, an arena and a count of groups of at most `size` bytes.
+template <class Kernels, class Run>
+void expectAgreement(detail::KernelChoice<const Kernels*>& family, std::size_t size, Run run) {
+    std::mt19937 random(1);
+    std::vector<unsigned char> noise(3 * kLargest + 64);
+    std::generate(noise.begin(), noise.end(), random);
+    Arena expected(noise), actual(noise);
+    const std::size_t plain = family.variantCount() - 1;
+    for (std::size_t variant = 0; variant < plain; ++variant) {
+        for (std::size_t i = 0; i < (kLongest + 1) * 65 && family.runs(variant); ++i) {
+            const std::size_t count = i / 65, gap = i % 65 % 64;
+            const Place place = i % 65 == 64 ? Place::Start : Place::End;
+            expected.fill(place, gap, size * count, i % 64);
+            actual.fill(place, gap, size * count, i % 64);
+            run(*family.at(plain), expected, count);
+            run(*family.at(variant), actual, count);
+            for (const std::size_t buffer : {0U, 1U, 2U}) {
+                ASSERT_EQ(std::memcmp(expected.bytes(buffer), actual.bytes(buffer), size * count),
+                          0)
+                    << family.variantName(variant) << " count " << count << " gap " << gap;
+            }
+        }
+    }
+}
+
+TEST(VectorKernels, ConvertersEqualThePlainOnesInEveryShapeAndStayInsideTheirBuffers) {
+    for (const std::size_t format : {1U, 2U, 3U, 4U, 5U}) {
+        for (const std::size_t shape : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U}) {
+            const bool swapped = shape % 2 != 0, stereo = shape / 2 % 2 != 0, inPlace = shape > 3;
+            const auto of = [=](const kernels::SampleKernels& kernels) {
+                return format < 5 ? kernels.integers[format - 1][swapped] : kernels.float32;
+            };
+            const std::size_t stream = inPlace ? 0 : 2;
+            SCOPED_TRACE(::testing::Message() << "format " << format << " shape " << shape);
+            const std::size_t size =
+                std::max<std::size_t>(4, std::min<std::size_t>(format, 4) * (stereo ? 2 : 1));
+            expectAgreement(detail::sampleKernels, size,
+                            [=](const auto& kernels, Arena& arena, std::size_t count) {
+                                of(kernels).toFloat(arena.floats(0), arena.bytes(stream), count,
+                                                    stereo ? arena.floats(1) : nullptr);
+                            });
+            expectAgreement(detail::sampleKernels, size,
+                            [=](const auto& kernels, Arena& arena, std::size_t count) {
+                                of(kernels).fromFloat(arena.bytes(stream), arena.floats(0), count,
+                                                      stereo ? arena.floats(1) : nullptr);
+                            });
+        }
+    }
+}
+
+TEST(VectorKernels, SwapsEqualThePlainOnesInPlaceAndBetweenBuffers) {
+    using kernels::SwapKernels;
+    const struct {
+        kernels::SwapKernel SwapKernels::*swap;
+        std::size_t size;
+    } rows[] = {{&SwapKernels::words16, 2},
+                {&SwapKernels::words32, 4},
+                {&SwapKernels::words64, 8},
+                {&SwapKernels::samples24, 3},
+                {&SwapKernels::signs8, 1}};
+    for (const auto& row : rows) {
+        expectAgreement(detail::swapKernels, row.size,
+                        [&](const auto& kernels, Arena& arena, std::size_t count) {
+                            (kernels.*row.swap)(arena.bytes(0), arena.bytes(0), count);
+                            (kernels.*row.swap)(arena.bytes(1), arena.bytes(2), count);
+                        });
+    }
+}
+
+}  // namespace
+}  // namespace veltra

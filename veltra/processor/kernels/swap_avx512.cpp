@@ -1,0 +1,39 @@
+#include "veltra/processor/kernels/avx512_memory.h"
+#include "veltra/processor/kernels/swap_walk.h"
+
+namespace veltra::kernels {
+
+namespace {
+
+struct alignas(64) Places {
+    unsigned char from[64] = {};
+};
+
+template <int size>
+constexpr Places reversingPlaces() {
+    Places places;
+    for (int byte = 0; byte < 64; ++byte) {
+        const int group = byte / size * size;
+        places.from[byte] = static_cast<unsigned char>((group + size - 1 - byte % size) % 64);
+    }
+    return places;
+}
+
+template <int size>
+constexpr Places kReversing = reversingPlaces<size>();
+
+struct Avx512 : Avx512Memory {
+    template <int size>
+    static Register swapped(Register bytes) {
+        if constexpr (size == 1) return flipped(bytes);
+        const Register places = _mm512_load_si512(kReversing<size>.from);
+        return size == 3 ? _mm512_permutexvar_epi8(places, bytes)
+                         : _mm512_shuffle_epi8(bytes, places);
+    }
+};
+
+}  // namespace
+
+constexpr SwapKernels kSwapAvx512 = makeSwapKernels<Avx512>();
+
+}  // namespace veltra::kernels

@@ -1,0 +1,47 @@
+// The walk over groups of bytes that the vector variants of the swaps share. `Vector` supplies the
+// registers, has internal linkage, and keeps the instances of the templates out of other files.
+//
+//     kBytes, load, loadFirst, store, storeFirst   as in sample_walk.h
+//     swapped<size>(r)                             the groups of that size reversed
+#pragma once
+
+#include "veltra/processor/kernels/swap_kernels.h"
+
+namespace veltra::kernels {
+
+template <class Vector, std::size_t size>
+static void swapGroups(unsigned char* destination, const unsigned char* source,
+                       std::size_t count) noexcept {
+    constexpr std::size_t kBlock = size == 3 ? Vector::kBytes / 4 * 3 : Vector::kBytes;
+    constexpr std::size_t kBlocks = 4;
+    const std::size_t bytes = size * count;
+    std::size_t at = 0;
+    for (; bytes - at >= kBlocks * kBlock; at += kBlocks * kBlock) {
+        typename Vector::Register blocks[kBlocks];
+        for (std::size_t i = 0; i < kBlocks; ++i)
+            blocks[i] = Vector::template load<kBlock>(source + at + i * kBlock);
+        for (std::size_t i = 0; i < kBlocks; ++i) {
+            Vector::template store<kBlock>(destination + at + i * kBlock,
+                                           Vector::template swapped<size>(blocks[i]));
+        }
+    }
+    for (; bytes - at >= kBlock; at += kBlock) {
+        Vector::template store<kBlock>(
+            destination + at,
+            Vector::template swapped<size>(Vector::template load<kBlock>(source + at)));
+    }
+    if (const std::size_t rest = bytes - at; rest > 0) {
+        Vector::template storeFirst<kBlock>(
+            destination + at,
+            Vector::template swapped<size>(Vector::template loadFirst<kBlock>(source + at, rest)),
+            rest);
+    }
+}
+
+template <class Vector>
+constexpr SwapKernels makeSwapKernels() {
+    return {swapGroups<Vector, 2>, swapGroups<Vector, 4>, swapGroups<Vector, 8>,
+            swapGroups<Vector, 3>, swapGroups<Vector, 1>};
+}
+
+}  // namespace veltra::kernels
