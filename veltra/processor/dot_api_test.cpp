@@ -2,6 +2,7 @@
 
 #include "veltra/platform/processor_features.h"
 
+#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -99,6 +100,22 @@ TEST_F(DotAPI, EachMachineIsDetectedAndOfferedItsMenu) {
     CDotAPI::SetDebugMode(false);  // also after the detection
     EXPECT_EQ(menu(), "5");
     EXPECT_STREQ(CDotAPI::MenuText(0), "optimizations off");
+}
+
+// What emulators play is told by scripts/test-hosts; elsewhere the compiler's runtime knows.
+TEST(DotAPIDetection, TheRealProcessorIsDetected) {
+    int expected = CDotAPI::eID_Off;
+    if (const char* variant = std::getenv("VELTRA_EXPECTED_VARIANT")) {
+        expected = std::stoi(variant);
+    } else {
+#if defined(__x86_64__) || defined(__i386__)
+        if (__builtin_cpu_supports("sse") != 0) expected = CDotAPI::eID_SSE;
+        if (__builtin_cpu_supports("sse3") != 0) expected = CDotAPI::eID_SSE3;
+#else
+        GTEST_SKIP() << "VELTRA_EXPECTED_VARIANT is not set";
+#endif
+    }
+    EXPECT_EQ(CDotAPI::ProcessorID(), expected);
 }
 
 TEST_F(DotAPI, AnOverrideIsInForceWhenTheMenuOffersItAndIsKeptWhenNot) {
