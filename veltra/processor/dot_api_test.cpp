@@ -2,6 +2,7 @@
 
 #include "veltra/platform/processor_features.h"
 
+#include <climits>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -49,7 +50,7 @@ protected:
             text += std::to_string(CDotAPI::MenuID(position));
             EXPECT_NE(CDotAPI::MenuText(position), nullptr);
         }
-        for (const int position : {end, end + 9, -2}) {
+        for (const int position : {end, end + 9, -2, INT_MIN}) {
             EXPECT_EQ(CDotAPI::MenuID(position), 0);
             EXPECT_EQ(CDotAPI::MenuText(position), nullptr);
         }
