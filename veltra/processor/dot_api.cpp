@@ -193,7 +193,7 @@ bool CDotAPI::isEnabled(EID variant) noexcept {
 // The column at a position of the menu, -1 outside the menu.
 int CDotAPI::columnAt(int position) noexcept {
     requireInit();
-    for (int column = 0; column < kVariants; ++column) {
+    for (int column = 0; position >= 0 && column < kVariants; ++column) {
         if (isEnabled(static_cast<EID>(column)) && position-- == 0) return column;
     }
     return -1;

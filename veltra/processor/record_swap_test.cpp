@@ -1,52 +1,16 @@
 #include "veltra/processor/record_swap.h"
 
+#include "veltra/processor/testing/record_swap_model.h"
+
 #include <algorithm>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
-
-std::uintptr_t addressOf(const void* pointer) {
-    return reinterpret_cast<std::uintptr_t>(pointer);
-}
-
-// The rules step by step: reverse first, then undo what went past the limit.
-struct Model {
-    std::uintptr_t limit;
-
-    unsigned char* swap(unsigned char* record, std::size_t code) {
-        // A value's parts and how many values. Digits are reversed bytes, letters kept ones: a is 1
-        // byte.
-        static const std::pair<std::string, int> kCodes[] = {
-            {"a", 1}, {"a", 1}, {"a", 1}, {"a", 1},  {"b", 1},  {"c", 1}, {"d", 1}, {"4", 1},
-            {"4", 2}, {"4", 3}, {"4", 4}, {"8", 1},  {"8", 2},  {"8", 3}, {"8", 4}, {"2", 1},
-            {"2", 2}, {"2", 3}, {"2", 4}, {"42", 1}, {"88", 1}, {"2", 1}};
-        const auto& [parts, values] = kCodes[code < 22 ? code : 0];
-        const auto flip = [&text = parts](unsigned char* at) {
-            for (const char part : text) {
-                unsigned char* const start = at;
-                at += part < 'a' ? part - '0' : part - 'a' + 1;
-                if (part < 'a') std::reverse(start, at);
-            }
-            return at;
-        };
-        unsigned char* end = record;
-        for (int value = 0; value < values; ++value) {
-            unsigned char* const start = end;
-            end = flip(start);
-            const std::uintptr_t length = record[0] * 256U + record[1];
-            if (code == 21 && length > 2 && length < 0x8000) limit = addressOf(record) + length;
-            if (addressOf(end) > limit) flip(start);
-        }
-        if (values > 1 && addressOf(end) > limit) flip(record);
-        return end;
-    }
-};
 
 TEST(RecordSwap, EveryCodeAtEveryLimitFollowsTheRulesStepByStep) {
     std::mt19937 random(3);
@@ -58,7 +22,7 @@ TEST(RecordSwap, EveryCodeAtEveryLimitFollowsTheRulesStepByStep) {
             record[2 - run / 256 % 2] &= 3U;
         }
         auto expected = record;
-        Model model{addressOf(expected.data()) + run / 256 % 40};
+        RecordSwapModel model{addressOf(expected.data()) + run / 256 % 40};
         SetPIntelLimit(addressOf(record.data()) + run / 256 % 40);
 
         const auto* end = IntelSwap(record.data() + 1, static_cast<std::uint8_t>(run));

@@ -91,7 +91,9 @@ void copyString(char* destination, const VLString* string, std::size_t capacity)
     }
     const VLString part = constantString(units);
     std::size_t written = copyUtf8(&part, destination, capacity - 1);
-    if (isPairCut && written == units.size()) destination[written++] = '?';
+    // Only behind all of the rest, which leaves this byte free only when each unit took one.
+    if (isPairCut && written == units.size() && utf8LengthOf(&part) == written)
+        destination[written++] = '?';
     destination[written] = '\0';
 }
 

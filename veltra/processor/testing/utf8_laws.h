@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,20 @@ inline std::string slowCopy(std::string_view text, std::size_t capacity) {
     return buffer;
 }
 
+// What a string object of a well-formed text gives: `capacity` - 1 units, then bytes.
+inline std::string slowCopyOfObject(std::string_view text, std::size_t capacity) {
+    std::string buffer;
+    for (std::size_t units = capacity - 1; !text.empty() && units > 0;) {
+        const std::size_t size = std::max<std::size_t>(leadingOnes(text[0]), 1);
+        const bool isPairCut = size == 4 && units == 1;
+        if (buffer.size() + (isPairCut ? 1 : size) > capacity - 1) break;
+        buffer += isPairCut ? "?" : text.substr(0, size);
+        units -= size == 4 && !isPairCut ? 2 : 1;
+        text.remove_prefix(size);
+    }
+    return buffer;
+}
+
 // Empty when every function answers what the slow ones do, else the name of one that does not.
 // `text` is NUL-terminated and has no other NUL.
 inline std::string brokenLaw(std::string_view text) {
@@ -69,6 +84,8 @@ inline std::string brokenLaw(std::string_view text) {
         if (utf8_is_ascii(text.data(), SIZE_MAX) != utf8_is_ascii(text.data(), 0))
             return "is_ascii without end, " + name;
     }
+    const std::unique_ptr<const VLString, decltype(&VLStringRelease)> object(
+        utf8_to_cfstring(text.data()), &VLStringRelease);
     for (const std::size_t size : sizes) {
         // On the heap to the byte, so that a sanitizer sees what is written outside.
         std::vector<char> buffer(size, '#'), terminated(size + 1, '#');
@@ -77,6 +94,9 @@ inline std::string brokenLaw(std::string_view text) {
         const std::string expected = slowCopy(text, size);
         if (std::string(buffer.begin(), buffer.end()) != expected) return "strncpy";
         if (std::string(terminated.begin(), terminated.end()) != expected + '\0') return "strlcpy";
+        if (object == nullptr || size == 0) continue;
+        utf8_from_cfstring(buffer.data(), object.get(), size);
+        if (buffer.data() != slowCopyOfObject(text, size)) return "from_cfstring";
     }
     return "";
 }
