@@ -13,6 +13,10 @@ constinit Replaceable<const TextServices, &platformTextServices> replaceableText
 
 TextServices::~TextServices() = default;
 
+std::optional<std::u16string> TextServices::toUpper(std::u16string_view) const noexcept {
+    return std::nullopt;
+}
+
 const TextServices& TextServices::current() noexcept {
     return replaceableTextServices.current();
 }

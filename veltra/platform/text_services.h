@@ -1,5 +1,5 @@
 // What the framework needs to know about text beyond Unicode's own forms: the encoding in which
-// file systems kept names before Unicode, which is Mac Roman.
+// file systems kept names before Unicode, which is Mac Roman, and capital letters.
 #pragma once
 
 #include "veltra/export.h"
@@ -30,6 +30,11 @@ public:
     // out.
     // Thread: any. Realtime-safe: no.
     virtual std::optional<std::u16string> fromLegacy(std::string_view bytes) const noexcept = 0;
+
+    // The text (well-formed UTF-16) in capital letters, in no particular language: U+00DF becomes
+    // "SS". Nothing when there are no tables of letters, which is the default, or memory is out.
+    // Thread: any. Realtime-safe: no.
+    virtual std::optional<std::u16string> toUpper(std::u16string_view text) const noexcept;
 
     // The services in force: the installed ones, else the platform's own. Those have a converter
     // when the library was built with ICU.

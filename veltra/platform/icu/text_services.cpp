@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include <unicode/ucnv.h>
+#include <unicode/ustring.h>
 
 namespace veltra {
 
@@ -96,6 +97,23 @@ public:
             return std::nullopt;
         }
     }
+
+    std::optional<std::u16string> toUpper(std::u16string_view text) const noexcept override try {
+        if (text.size() > kLongestText) return std::nullopt;
+        std::u16string capitals(text.size() * 3, u'\0');  // no letter grows by more
+        UErrorCode error = U_ZERO_ERROR;
+        const std::int32_t length =
+            u_strToUpper(capitals.data(), static_cast<std::int32_t>(capitals.size()), text.data(),
+                         static_cast<std::int32_t>(text.size()), "", &error);
+        if (U_FAILURE(error)) return std::nullopt;
+        capitals.resize(static_cast<std::size_t>(length));
+        return capitals;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
+
+private:
+    static constexpr std::size_t kLongestText = 500'000'000;
 };
 
 }  // namespace

@@ -1,0 +1,174 @@
+#include "veltra/audio/key_code_converter.h"
+
+#include "veltra/platform/clock.h"
+#include "veltra/platform/keyboard_layout.h"
+#include "veltra/platform/testing/environment.h"
+#include "veltra/platform/text_services.h"
+
+#include <string_view>
+#include <tuple>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+using Converter = QKKeyCodeConverter;
+using Text = std::optional<std::string>;
+using testing::ElementsAre;
+
+constexpr std::uint32_t kAll =
+    Converter::kShift | Converter::kControl | Converter::kOption | Converter::kCommand;
+constexpr const char* kAllSigns = "\u2303\u2325\u21E7\u2318";
+
+struct OtherLayout : KeyboardLayout {
+    explicit OtherLayout(std::optional<KeyTranslation> answer) : m_answer(std::move(answer)) {}
+    std::optional<KeyTranslation> translate(std::uint16_t) const noexcept override {
+        return m_answer;
+    }
+    std::optional<KeyTranslation> m_answer;
+};
+
+const OtherLayout kNoLayout(std::nullopt);
+const OtherLayout kSharpS(KeyTranslation{u"\u00DF", false});
+
+struct ClockByHand : Clocks {
+    ClockReading monotonic() const noexcept override { return {m_now, 0}; }
+    WallTime wall() const noexcept override { return {}; }
+    std::uint64_t m_now = 0;
+};
+
+class KeyCodeConverter : public testing::Test {
+protected:
+    void use(const char* layout) {
+        setEnvironment("DISPLAY", nullptr);
+        setEnvironment("XKB_DEFAULT_LAYOUT", layout);
+        m_clock.m_now += 1'000'000'000;  // when a layout is read again
+    }
+    bool hasLayouts() {
+        use("us");
+        return Converter::translateKeyCode(0).has_value();
+    }
+    ~KeyCodeConverter() override {
+        KeyboardLayout::install(nullptr);
+        Clocks::install(nullptr);
+    }
+    ClockByHand m_clock;
+    const Clocks* m_before = Clocks::install(&m_clock);
+};
+
+TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
+    KeyboardLayout::install(&kNoLayout);
+    EXPECT_EQ(Converter::modifierString(kAll), kAllSigns);
+    EXPECT_EQ(Converter::modifierString(~kAll), std::nullopt);
+    const std::tuple<std::uint16_t, std::uint32_t, Text> byCode[] = {
+        {0x30, Converter::kCommand, "\u2318\u21E5"}, {0x7A, 0, "F1"}, {0x50, 0, "F19"},
+        {0x72, Converter::kShift, "\u21E7Help"},     {0x00, 0, {}},   {0x00, kAll, kAllSigns}};
+    for (const auto& [code, flags, text] : byCode)
+        EXPECT_EQ(Converter::stringForKeycode(code, flags), text) << code;
+    EXPECT_EQ(Converter::stringForMacRomanCharCode(0x1B, kAll), kAllSigns + Text("\u238B").value());
+    EXPECT_EQ(Converter::stringForMacRomanCharCode('q', Converter::kShift), "\u21E7q");
+    const std::tuple<std::uint16_t, std::uint32_t, Text> byChar[] = {
+        {0xF72C, 0, "Page up"},
+        {u'a', Converter::kShift, "\u21E7A"},
+        {0x00DF, 0, "\u00DF"},
+        {0xF712, 0, "F15"},
+        {0xD800, kAll, {}}};
+    for (const auto& [character, flags, text] : byChar)
+        EXPECT_EQ(Converter::humandReadableStringForKeyChar(character, flags), text) << character;
+
+    EXPECT_EQ(Converter::stringForKeyCodeFromTable(0), std::nullopt);
+    EXPECT_EQ(Converter::stringForCharCodeFromTable(0), std::nullopt);
+    EXPECT_EQ(Converter::stringForKeyCharFromTable(0), std::nullopt);
+    EXPECT_EQ(Converter::glyphForKeycode(0x30), 2);
+    EXPECT_EQ(Converter::glyphForKeycode(0x71), 137);
+    EXPECT_EQ(Converter::glyphForKeycode(0x6A) + Converter::glyphForKeycode(0x00), 0);
+    EXPECT_EQ(Converter::keyCharForKeyCode(0x4C), 3);
+    EXPECT_EQ(Converter::keyCharForKeyCode(0x00), 0);
+    std::int32_t flags = 1;
+    EXPECT_EQ(Converter::appKitStringForKeycode(0x7E, flags), "\uF700");
+    EXPECT_EQ(flags, 10485761);
+    EXPECT_EQ(Converter::appKitStringForKeycode(0x00, flags), std::nullopt);
+    bool isDeadKey = true;
+    EXPECT_EQ(Converter::translateKeyCode(0x00, isDeadKey, true), std::nullopt);
+    EXPECT_FALSE(isDeadKey);
+    KeyboardLayout::install(&kSharpS);
+    EXPECT_EQ(Converter::translateKeyCode(0x1B), "\u00DF");
+}
+
+// A key that acts is the same key by its code, its Mac Roman code and its key character.
+TEST_F(KeyCodeConverter, CodesAndCharactersOfKeysThatActAgree) {
+    for (std::uint16_t code = 1; code < 128; ++code) {
+        std::int32_t flags = 0;
+        if (!Converter::stringForKeyCodeFromTable(code).has_value()) continue;
+        const std::uint8_t macRoman = Converter::keyCharForKeyCode(code);
+        const Text keyChar = Converter::appKitStringForKeycode(code, flags);
+        const std::uint16_t converted = MacRomanCharacterCode2AppKitCode(macRoman);
+        if (macRoman == 0) {
+            EXPECT_EQ(keyChar->substr(0, 2), "\xEF\x9C");  // U+F704 on
+        } else if (converted >= 0xF700 && code != 0x35) {
+            EXPECT_EQ(AppKitFunctionKey2MacRomanCharCode(converted), macRoman);
+            EXPECT_NE(flags & static_cast<std::int32_t>(Converter::kFunction), 0);
+            EXPECT_EQ(Converter::humandReadableStringForKeyChar(converted, 0),
+                      Converter::stringForKeyCharFromTable(converted));
+        }
+    }
+    EXPECT_EQ(MacRomanCharacterCode2AppKitCode(0x1B), 0xF739);
+    EXPECT_EQ(MacRomanCharacterCode2AppKitCode('A'), 'A');
+    for (const auto& [character, code] : {std::pair<std::uint16_t, unsigned>{0xF703, 29},
+                                          {0xF704, 16},
+                                          {0xF726, 16},
+                                          {0xF727, 0},
+                                          {'A', 0}})
+        EXPECT_EQ(AppKitFunctionKey2MacRomanCharCode(character), code);
+}
+
+TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
+    if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
+    const bool hasCapitals = TextServices::current().toUpper(u"\u00E4").has_value();
+    const std::tuple<const char*, std::uint16_t, const char*, bool> cases[] = {
+        {"us", 0x00, "a", false},     {"us", 0x32, "`", false},      {"us", 0x41, ".", false},
+        {"de", 0x10, "z", false},     {"de", 0x21, "\u00FC", false}, {"de", 0x32, "^", true},
+        {"de", 0x18, "\u00B4", true}, {"de", 0x41, ",", false},      {"de", 0x1B, "\u00DF", false},
+        {"fr", 0x00, "q", false},     {"fr", 0x0C, "a", false},      {"fr", 0x12, "&", false},
+        {"fr", 0x21, "^", true},      {"us", 0x7B, "\x1C", false},   {"us", 0x4C, "\x03", false},
+        {"us", 0x38, "", false},      {"us", 0x34, "", false},       {"us", 0x80, "", false},
+        {"us", 0xFFFF, "", false}};
+    for (const auto& [layout, code, text, isDead] : cases) {
+        use(layout);
+        bool isDeadKey = !isDead;
+        EXPECT_EQ(Converter::translateKeyCode(code, isDeadKey, false), text) << layout << code;
+        EXPECT_EQ(isDeadKey, isDead) << layout << code;
+    }
+    use("de");
+    EXPECT_EQ(Converter::stringForKeycode(0x10, Converter::kCommand), "\u2318Z");
+    EXPECT_EQ(Converter::stringForKeycode(0x1B, 0), "\u00DF");
+    EXPECT_EQ(Converter::translateKeyCode(0x21), hasCapitals ? "\u00DC" : "\u00FC");
+    EXPECT_EQ(Converter::keyCharForKeyCode(0x21), hasCapitals ? 0x9F : '?');
+    use("gr");
+    EXPECT_EQ(Converter::keyCharForKeyCode(0x00), '?');
+    use("no such layout");
+    EXPECT_EQ(Converter::stringForKeycode(0x00, kAll), kAllSigns);
+}
+
+TEST_F(KeyCodeConverter, TheTableOfCharactersIsBuiltOnce) {
+    if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
+    use("de");
+    Converter::generateKeyCharToKeyCodeLUT();
+    use("us");
+    bool isSeveral = true;
+    EXPECT_EQ(Converter::keyCodeForKeyChar('z', isSeveral), 0x10);
+    EXPECT_FALSE(isSeveral);
+    EXPECT_EQ(Converter::keyCodeForKeyChar('7', isSeveral), 0x1A);
+    EXPECT_TRUE(isSeveral);
+    EXPECT_THAT(*Converter::keyCodesForKeyChar('7'), ElementsAre(0x1A, 0x59));
+    EXPECT_EQ(Converter::keyCodeForKeyChar(0x1E, isSeveral), 0x7E);
+    EXPECT_EQ(Converter::keyCodeForKeyChar('Z', isSeveral), 0);
+    EXPECT_EQ(Converter::keyCodesForKeyChar('Z'), nullptr);
+    const bool hasMacRoman = TextServices::current().fromLegacy("a").has_value();
+    EXPECT_EQ(Converter::keyCodeForKeyChar(0x9F, isSeveral), hasMacRoman ? 0x21 : 0);  // u umlaut
+}
+
+}  // namespace
+}  // namespace veltra

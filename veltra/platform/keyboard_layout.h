@@ -1,0 +1,51 @@
+// What the keys of the keyboard type, in the layout that the user has chosen.
+//
+// Keys are told by their virtual key codes, which name places on the keyboard and are the same for
+// every layout: 0x00 is the key that types "a" on an American keyboard, 0x7A is F1.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace veltra {
+
+// What one key types, alone, without modifiers.
+struct KeyTranslation {
+    // Empty for a key that types nothing; the accent by itself for a dead key. Keys that act rather
+    // than type have control characters: 0x1C to 0x1F the arrows left, right, up and down, 0x01
+    // Home, 0x04 End, 0x05 Help, 0x0B and 0x0C Page up and Page down, 0x10 every function key,
+    // 0x03 Enter, 0x1B Clear, 0x7F forward Delete; and Tab, Return, Delete, Escape as usual.
+    std::u16string text;
+
+    bool isDeadKey = false;  // waits for a second key to put its accent on
+};
+
+class VELTRA_EXPORT KeyboardLayout {
+public:
+    KeyboardLayout() = default;
+    KeyboardLayout(const KeyboardLayout&) = delete;
+    KeyboardLayout& operator=(const KeyboardLayout&) = delete;
+    virtual ~KeyboardLayout();
+
+    // What a key types in the layout of this moment; nothing when there is no layout or memory is
+    // out.
+    // Thread: main. Realtime-safe: no.
+    virtual std::optional<KeyTranslation> translate(std::uint16_t keyCode) const noexcept = 0;
+
+    // The layout in force: the installed one, else the platform's own. That is the layout of the
+    // display that DISPLAY names; without one, that of the XKB_DEFAULT_ variables; without those,
+    // the one configured for the machine. It is read when it is first asked, and again when it is
+    // asked a second or more later. There is none when the library was built without libxkbcommon.
+    // Thread: any. Realtime-safe: yes.
+    static const KeyboardLayout& current() noexcept;
+
+    // Puts `layout` in force (not owned; must stay alive until replaced); null goes back to the
+    // platform's own. Answers what was installed before, null for the platform's own.
+    // Thread: any. Realtime-safe: yes.
+    static const KeyboardLayout* install(const KeyboardLayout* layout) noexcept;
+};
+
+}  // namespace veltra

@@ -1,0 +1,22 @@
+#include "veltra/platform/detail/immortal.h"
+#include "veltra/platform/detail/platform_keyboard_layout.h"
+
+namespace veltra {
+
+namespace {
+
+class NoKeyboardLayout final : public KeyboardLayout {
+public:
+    std::optional<KeyTranslation> translate(std::uint16_t) const noexcept override {
+        return std::nullopt;
+    }
+};
+
+}  // namespace
+
+const KeyboardLayout& platformKeyboardLayout() noexcept {
+    static const Immortal<NoKeyboardLayout> layout;
+    return *layout;
+}
+
+}  // namespace veltra
