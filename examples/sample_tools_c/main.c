@@ -42,7 +42,7 @@ static int other_byte_order(void) {
 }
 
 static int checksums(void) {
-    const char chunk[] = "MThd and all that follows";
+    const char chunk[] = "data and all that follows";
     uint32_t sum = QKCRC32(0, chunk, 4); /* in pieces, as they come */
     sum = QKCRC32(sum, chunk + 4, strlen(chunk) - 4);
     printf("CRC-32 %08x, CRC-16 of the name %04x\n", (unsigned)sum, (unsigned)QKCRC16("Kick.wav"));
