@@ -25,14 +25,12 @@ static int samples(void) {
 static int other_byte_order(void) {
     /* A 32-bit rate, two 16-bit numbers, a name of 4 bytes that stays, a 64-bit position. */
     static const int8_t fields[] = {4, 2, 2, -4, 8, 0};
-    const unsigned char file[20] = {0x80, 0xBB, 0, 0, 2, 0, 24, 0, 'd', 'a', 't', 'a', 1};
-    unsigned char header[sizeof file];
-    SwapData(header, file, fields, sizeof file);
+    unsigned char record[20] = {0x80, 0xBB, 0, 0, 2, 0, 24, 0, 'd', 'a', 't', 'a', 1};
+    unsigned char header[sizeof record];
+    SwapData(header, record, fields, sizeof record);
 
     /* The same fields as codes, in place: one of 32 bits, two of 16, 4 bytes kept, one of 64. */
     static const uint8_t codes[] = {7, 16, 6, 11, 0};
-    unsigned char record[sizeof file];
-    memcpy(record, file, sizeof file);
     TabIntelSwap(record, codes);
 
     unsigned char samples24[6] = {1, 2, 3, 4, 5, 6};
@@ -42,7 +40,7 @@ static int other_byte_order(void) {
 }
 
 static int checksums(void) {
-    const char chunk[] = "MThd and all that follows";
+    const char chunk[] = "data and all that follows";
     uint32_t sum = QKCRC32(0, chunk, 4); /* in pieces, as they come */
     sum = QKCRC32(sum, chunk + 4, strlen(chunk) - 4);
     printf("CRC-32 %08x, CRC-16 of the name %04x\n", (unsigned)sum, (unsigned)QKCRC16("Kick.wav"));

@@ -19,16 +19,14 @@ for document in "${documents[@]}"; do
         /^```/ { inside = 0 }
         inside { print > (out "." n) }' "$document"
 done
+mapfile -t examples < <(find examples -name '*.cpp' -o -name '*.c')
 blocks=0
 for block in "$work"/*; do
     [ -e "$block" ] || continue
     blocks=$((blocks + 1))
-    found=no
-    while IFS= read -r file; do
-        python3 -c 'import sys; sys.exit(open(sys.argv[1]).read() not in open(sys.argv[2]).read())' "$block" "$file" &&
-            { found=yes; break; }
-    done < <(find examples -name '*.cpp' -o -name '*.c')
-    [ $found = yes ] || { echo "$(basename "$block"): no compiled example holds this block"; cat "$block"; status=1; }
+    python3 -c 'import sys; sys.exit(not any(open(sys.argv[1]).read() in open(f).read() for f in sys.argv[2:]))' \
+        "$block" "${examples[@]}" ||
+        { echo "$(basename "$block"): no compiled example holds this block"; cat "$block"; status=1; }
 done
 echo "$blocks blocks of code, ${#documents[@]} documents"
 [ $blocks -gt 0 ] && exit $status
