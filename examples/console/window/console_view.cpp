@@ -1,5 +1,6 @@
 #include "console_view.h"
 
+#include "veltra/audio/key_code_converter.h"
 #include "veltra/platform/ui/canvas.h"
 
 #include <algorithm>
@@ -43,6 +44,10 @@ ConsoleView::ConsoleView(const Rect& frame, ConsoleDelegate& delegate)
       m_messages(addSubview(std::make_unique<MessageBar>(Rect{}))) {
     m_add.setTarget(this);
     m_add.setAction(action<&ConsoleView::addWasPressed>());
+    const auto shortcut =
+        QKKeyCodeConverter::humandReadableStringForKeyChar(u'o', QKKeyCodeConverter::kControl);
+    m_add.toolTips().addToolTipRect({{}, {kAddWidth, 100.0F}},
+                                    "Add audio files (" + shortcut.value_or("") + ")");
     m_hint.setText("Drop audio files here, or choose Add files\u2026");
     m_output.setName("Output");
     layOut();

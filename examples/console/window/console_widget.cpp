@@ -6,6 +6,7 @@
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QMimeData>
+#include <QShortcut>
 #include <QUrl>
 
 namespace veltra::console {
@@ -46,6 +47,8 @@ ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
     setWindowTitle(QStringLiteral("Veltra Console"));
     setMinimumSize(460, 320);
     setAcceptDrops(true);
+    auto* const open = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_O), this);
+    connect(open, &QShortcut::activated, this, [this] { addFilesWasPressed(); });
     m_beat = std::make_unique<Beat>(*this);
 }
 

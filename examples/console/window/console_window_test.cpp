@@ -61,9 +61,12 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
 
     click(widget, *find(root, "Mute six.wav"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return player.look().strips[1].meter.muted; }));
+    QTest::keyClick(&widget, Qt::Key_M);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !player.look().strips[1].meter.muted; }));
     EXPECT_TRUE(QTest::qWaitFor([&] { return find(root, "Play brief.wav again") != nullptr; }));
     click(widget, *find(root, "Play brief.wav again"));
     EXPECT_FALSE(player.look().strips[2].ended);
+    EXPECT_NE(find(root, "D3"), nullptr);  // 300 Hz
     click(widget, *find(root, "Remove six.wav"));
     EXPECT_EQ(player.look().strips.size(), 2U);
     EXPECT_EQ(find(root, "Mute six.wav"), nullptr);

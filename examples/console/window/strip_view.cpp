@@ -1,9 +1,13 @@
 #include "strip_view.h"
 
 #include "../text.h"
+#include "veltra/audio/key_code_converter.h"
 #include "veltra/platform/ui/canvas.h"
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <iterator>
 
 namespace veltra::console {
 
@@ -20,6 +24,13 @@ std::string timeText(std::uint64_t frames, int rate) {
 
 std::string formatText(const FileFormat& format) {
     return formatted("%g kHz, ", format.rate / 1000.0) + format.plan.name(format.channels);
+}
+
+// In a tool tip, with the key that does the same.
+void tellShortcut(Button& button, const char* what, char16_t key) {
+    const auto name = QKKeyCodeConverter::humandReadableStringForKeyChar(key, 0);
+    button.toolTips().addToolTipRect({{}, {200.0F, 100.0F}},
+                                     formatted("%s (%s)", what, name.value_or("").c_str()));
 }
 
 }  // namespace
@@ -62,7 +73,10 @@ StripView::StripView(const Rect& frame, const StripState& state, ConsoleDelegate
     m_again.buttonCell().setAccessibilityName("Play " + name + " again");
     m_remove.setAction(action<&StripView::removeWasPressed>());
     m_remove.buttonCell().setAccessibilityName("Remove " + name);
-    m_remove.toolTips().addToolTipRect({{}, {100.0F, 100.0F}}, std::string("Remove this file"));
+    tellShortcut(m_mute, "Mute", u'm');
+    tellShortcut(m_again, "Play again", u' ');
+    tellShortcut(m_remove, "Remove this file", kForwardDeleteCharacter);
+    m_noteFormatter.setNoteStyle(QKMIDIFormatter::kNoteName);
     frameDidChange();
     update(state);
 }
@@ -115,8 +129,32 @@ void StripView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
 }
 
 // The pitch of the onset that was last when the file played up to here.
-std::string StripView::noteAt(const StripState& /*state*/) const {
-    return {};
+std::string StripView::noteAt(const StripState& state) const {
+    if (state.overview == nullptr || state.ended) return {};
+    const CTransients& onsets = state.overview->onsets;
+    const auto played = static_cast<std::int64_t>(state.meter.framesPlayed);
+    const auto next = std::upper_bound(
+        onsets.begin(), onsets.end(), played,
+        [](std::int64_t place, const CTransient& each) { return place < each.pos; });
+    if (next == onsets.begin() || !(std::prev(next)->FreqHz > 0.0F)) return {};
+    const double hertz = static_cast<double>(std::prev(next)->FreqHz);
+    const auto note =
+        static_cast<std::int32_t>(std::lround(69.0 + 12.0 * std::log2(hertz / 440.0)));
+    return m_noteFormatter.stringForObjectValue(note);
+}
+
+void StripView::keyDown(const Event& event) {
+    if (event.charactersIgnoringModifiers.empty()) return View::keyDown(event);
+    switch (event.charactersIgnoringModifiers.front()) {
+        case u'm':
+        case u'M':
+            m_mute.setOn(!m_mute.isOn());
+            return muteWasPressed();
+        case kForwardDeleteCharacter:
+            return removeWasPressed();
+        default:
+            View::keyDown(event);
+    }
 }
 
 void StripView::muteWasPressed() {

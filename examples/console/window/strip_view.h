@@ -5,6 +5,7 @@
 #include "label.h"
 #include "meter_bridge.h"
 #include "speaker_circle.h"
+#include "veltra/audio/midi_formatter.h"
 #include "veltra/platform/ui/button.h"
 #include "waveform_view.h"
 
@@ -24,6 +25,8 @@ public:
 
     bool isFlipped() const override { return true; }
     void drawRect(Canvas& canvas, const Rect& dirty) override;
+    // Of its buttons, for what they do not know: M mutes, the key that deletes forwards removes.
+    void keyDown(const Event& event) override;
 
     AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
     std::string accessibilityName() const override { return m_name.text(); }
@@ -49,6 +52,7 @@ private:
     Button& m_mute;
     Button& m_again;  // in the place of the mute button once the file has ended
     Button& m_remove;
+    QKMIDIFormatter m_noteFormatter;
 };
 
 }  // namespace veltra::console
