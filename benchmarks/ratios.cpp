@@ -98,3 +98,20 @@ int runRatios(int argc, char** argv, std::span<const Ratio> ratios) {
     }
     return status;
 }
+
+const char* RatioList::add(const std::string& name, std::function<void(benchmark::State&)> function,
+                           double minimumSeconds) {
+    auto* const registered = benchmark::RegisterBenchmark(
+        name.c_str(),
+        [function = std::move(function)](benchmark::State& state) { function(state); });
+    if (minimumSeconds > 0) registered->MinTime(minimumSeconds);
+    return keep(name);
+}
+
+void RatioList::compare(const char* ours, const char* reference, double limit) {
+    m_ratios.push_back({keep(std::string(ours) + " / " + reference), ours, reference, limit});
+}
+
+void RatioList::append(std::span<const Ratio> ratios) {
+    m_ratios.insert(m_ratios.end(), ratios.begin(), ratios.end());
+}

@@ -2,7 +2,15 @@
 // interleaved with ours, so that the machine's mood cancels out.
 #pragma once
 
+#include <deque>
+#include <functional>
 #include <span>
+#include <string>
+#include <vector>
+
+namespace benchmark {
+class State;
+}
 
 // One comparison. `ours` and `reference` are full names of registered benchmarks.
 struct Ratio {
@@ -17,3 +25,22 @@ struct Ratio {
 // defaults set here. Answers 0, or 1 when a ratio is over its limit, or 2 when one was not measured
 // (no verdict is given for what a --benchmark_filter left out).
 int runRatios(int argc, char** argv, std::span<const Ratio> ratios);
+
+// Benchmarks and comparisons whose names are made up while the program runs.
+class RatioList {
+public:
+    // Registers a benchmark; the name that is answered lives as long as the list.
+    const char* add(const std::string& name, std::function<void(benchmark::State&)> function,
+                    double minimumSeconds = 0);
+
+    void compare(const char* ours, const char* reference, double limit);
+    void append(std::span<const Ratio> ratios);
+
+    int run(int argc, char** argv) const { return runRatios(argc, argv, m_ratios); }
+
+private:
+    const char* keep(std::string name) { return m_names.emplace_back(std::move(name)).c_str(); }
+
+    std::deque<std::string> m_names;
+    std::vector<Ratio> m_ratios;
+};

@@ -197,14 +197,25 @@ void swapTable(unsigned char* record, const std::uint8_t* table, std::uintptr_t 
 // How many fields of a description are like its first, of `most`; 1 or more.
 std::size_t runLength(const std::int8_t* description, std::size_t most) noexcept {
     constexpr std::size_t kShort = 16;
+    constexpr std::size_t kStretch = 1024;
     std::size_t run = 1;
     while (run < std::min(most, kShort) && description[run] == description[0])
         ++run;
-    if (run == kShort) {
-        const char same[] = {static_cast<char>(description[0]), '\0'};
-        run += std::strspn(reinterpret_cast<const char*>(description) + run, same);
+    // A long run: stretches that equal themselves a field later.
+    while (run >= kShort && run < most) {
+        const std::size_t left = std::min(most - run, kStretch);
+        const void* const end = std::memchr(description + run, 0, left);
+        const std::size_t stretch =
+            end == nullptr ? left
+                           : static_cast<std::size_t>(static_cast<const std::int8_t*>(end) -
+                                                      (description + run));
+        if (stretch == 0 || std::memcmp(description + run - 1, description + run, stretch) != 0)
+            break;
+        run += stretch;
     }
-    return std::min(run, most);
+    while (run < most && description[run] == description[0])
+        ++run;
+    return run;
 }
 
 // Copies a run of fields in order: a destination inside the source reads what was written.

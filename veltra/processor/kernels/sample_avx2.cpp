@@ -60,8 +60,8 @@ struct Avx2 : Avx2Memory {
             _mm256_mul_ps(_mm256_cvtepi32_ps(kept), _mm256_set1_ps(0x1p-31F)));
     }
 
-    // All exact: the factor is a power of two, and a denormal becomes 0 anyway. What lies at or
-    // beyond 1.0 becomes the least integer, which nothing else does; few blocks have such samples.
+    // All exact: the factor is a power of two. What lies at or beyond 1.0 becomes the least
+    // integer, which nothing else does; few blocks have such samples.
     template <std::size_t bytes, std::size_t count>
     [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
         const Register outside = _mm256_set1_epi32(INT32_MIN);

@@ -70,24 +70,19 @@ struct Avx512 : Avx512Memory {
             _mm512_mul_ps(_mm512_cvtepi32_ps(kept), _mm512_set1_ps(0x1p-31F)));
     }
 
-    // None of these raises a floating-point exception, whatever the samples and the thread's
-    // settings, and all are exact: the factor is a power of two, and a denormal becomes 0 anyway.
+    // All exact: the factor is a power of two.
     template <std::size_t bytes, std::size_t count>
     [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
-        constexpr int kQuiet = _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC;
         Register words[count];
         for (std::size_t i = 0; i < count; ++i) {
-            __m512 scaled = _mm512_mul_round_ps(_mm512_castsi512_ps(samples[i]),
-                                                _mm512_set1_ps(0x1p31F), kQuiet);
+            __m512 scaled = _mm512_mul_ps(_mm512_castsi512_ps(samples[i]), _mm512_set1_ps(0x1p31F));
             if constexpr (bytes <= 2) {
                 // The smaller magnitude with the sample's sign, also of a NaN. The largest that is
                 // left differs from full scale in its lowest byte alone.
                 constexpr int kSmallerMagnitude = 2;
-                const __m512 largest = _mm512_set1_ps(0x1.fffffep30F);
-                scaled =
-                    _mm512_range_round_ps(scaled, largest, kSmallerMagnitude, _MM_FROUND_NO_EXC);
+                scaled = _mm512_range_ps(scaled, _mm512_set1_ps(0x1.fffffep30F), kSmallerMagnitude);
             }
-            words[i] = _mm512_cvtt_roundps_epi32(scaled, _MM_FROUND_NO_EXC);
+            words[i] = _mm512_cvttps_epi32(scaled);
         }
         if constexpr (bytes > 2) {
             // What lies at or beyond 1.0 became the least integer, which nothing else does. Few

@@ -25,7 +25,10 @@
 #pragma once
 
 #include "veltra/processor/detail/bytes.h"
+#include "veltra/processor/kernels/float_environment.h"
 #include "veltra/processor/kernels/sample_kernels.h"
+
+#include <type_traits>
 
 namespace veltra::kernels {
 
@@ -229,11 +232,14 @@ static void toFloat(float* destination, const void* source, std::size_t count,
     }
 }
 
+struct Nothing {};
+
 template <class Vector, class Sample>
 static void fromFloat(void* destination, const float* source, std::size_t count,
                       const float* secondSource) noexcept {
     if (destination == nullptr || source == nullptr) return;
     if (Sample::kIsFloat && destination == source) return;
+    [[maybe_unused]] const std::conditional_t<Sample::kIsFloat, Nothing, QuietArithmetic> quiet;
     auto* const to = static_cast<unsigned char*>(destination);
     const auto* const from = reinterpret_cast<const unsigned char*>(source);
     const auto* const secondFrom = reinterpret_cast<const unsigned char*>(secondSource);
