@@ -1,8 +1,10 @@
-// The callback list: what a request costs, and what a pass costs for each entry.
+// The callback list: what a request costs, and what a pass costs for each entry; and lists of
+// transients (transient_benchmark.cpp).
 //
 // A request is held against the least that a lock-free list of heap nodes can do (new, one
 // compare-and-swap, the pair of atomic additions that counts the call), a pass against a vector.
 #include "benchmarks/ratios.h"
+#include "benchmarks/transient_benchmark.h"
 #include "benchmarks/vector_walk.h"
 #include "veltra/audio/add_remove_iterate_list.h"
 
@@ -10,6 +12,7 @@
 #include <atomic>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -166,5 +169,8 @@ constexpr Ratio kRatios[] = {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return runRatios(argc, argv, kRatios);
+    std::vector<Ratio> ratios(std::begin(kRatios), std::end(kRatios));
+    const std::vector<Ratio> sorting = registerTransientBenchmarks();
+    ratios.insert(ratios.end(), sorting.begin(), sorting.end());
+    return runRatios(argc, argv, ratios);
 }

@@ -33,6 +33,13 @@ std::optional<std::int32_t> numberIn(const PropertyValue& value) noexcept {
     }
 }
 
+std::string signedDecimal(std::int32_t value) {
+    if (value == 0) return "\u00B1 0";
+    std::string text = std::to_string(value);
+    if (value > 0) text.insert(text.begin(), '+');
+    return text;
+}
+
 std::string hexadecimal(std::int32_t value) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), value <= 14 ? "0x0%1X" : "0x%2X",
@@ -62,8 +69,7 @@ std::string QKMIDIFormatter::stringForObjectValue(const PropertyValue& value) co
         case kDecimal:
             return std::to_string(*number);
         case kSigned:
-            if (*number == 0) return "\u00B1 0";
-            return (*number > 0 ? "+" : "") + std::to_string(*number);
+            return signedDecimal(*number);
         case kHexadecimal:
             return hexadecimal(*number);
         case kNoteName:

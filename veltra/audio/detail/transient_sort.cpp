@@ -27,6 +27,11 @@ constexpr std::size_t kSplitPart = 2048;  // records in a part of a longer list,
 constexpr unsigned kLeastSplitBits = 5, kMostSplitBits = 11;
 constexpr std::size_t kBuckets = 2 * kPart;
 
+struct Notes {
+    std::uint32_t counts[kBuckets];  // records in each bucket, then where its next one goes
+    std::uint16_t buckets[kPart];    // of each record
+};
+
 template <typename Record>
 void copyRecords(const Record* from, Record* to, std::size_t count) noexcept {
     std::memcpy(static_cast<void*>(to), from, count * sizeof(Record));
@@ -125,8 +130,7 @@ private:
 template <typename Order, typename Record>
 class Sorter {
 public:
-    // `counts` has room for kBuckets.
-    explicit Sorter(std::uint32_t* counts) noexcept : m_counts(counts) {}
+    explicit Sorter(Notes& notes) noexcept : m_notes(notes) {}
 
     // Sorts `count` records with `scratch`, which has room for as many.
     void sort(Record* records, Record* scratch, std::size_t count) noexcept {
@@ -163,7 +167,7 @@ private:
     // What is left to tell records apart whose keys are equal.
     void sortEqualKeys(Record* records, Record* scratch, std::size_t count) noexcept {
         if constexpr (!std::is_void_v<typename Order::Next>)
-            Sorter<typename Order::Next, Record>(m_counts).sort(records, scratch, count);
+            Sorter<typename Order::Next, Record>(m_notes).sort(records, scratch, count);
     }
 
     // A long list: into parts in `scratch`, and each part back again.
@@ -198,10 +202,14 @@ private:
     template <typename Spread>
     std::size_t distribute(const Record* from, Record* to, std::size_t count,
                            const Spread& spread) noexcept {
-        const std::span counts(m_counts, spread.buckets());
+        const std::span counts(m_notes.counts, spread.buckets());
         std::fill(counts.begin(), counts.end(), 0U);
-        for (std::size_t index = 0; index < count; ++index)
-            ++counts[spread.of(Order::key(from[index]))];
+        const bool isPart = count <= kPart;
+        for (std::size_t index = 0; index < count; ++index) {
+            const std::size_t bucket = spread.of(Order::key(from[index]));
+            ++counts[bucket];
+            if (isPart) m_notes.buckets[index] = static_cast<std::uint16_t>(bucket);
+        }
         std::uint32_t before = 0, fullest = 0;
         for (std::uint32_t& bucket : counts) {
             const std::uint32_t size = bucket;
@@ -209,8 +217,11 @@ private:
             bucket = before;
             before += size;
         }
-        for (std::size_t index = 0; index < count; ++index)
-            to[counts[spread.of(Order::key(from[index]))]++] = from[index];
+        for (std::size_t index = 0; index < count; ++index) {
+            const std::size_t bucket =
+                isPart ? m_notes.buckets[index] : spread.of(Order::key(from[index]));
+            to[counts[bucket]++] = from[index];
+        }
         return fullest;
     }
 
@@ -230,7 +241,7 @@ private:
         }
     }
 
-    std::uint32_t* m_counts;
+    Notes& m_notes;
 };
 
 template <typename Order>
@@ -243,30 +254,35 @@ void sortTransients(std::span<CTransient> list) noexcept {
     if (sorted == 1 && isStrictlyDescending<Order>(list))
         return std::reverse(list.begin(), list.end());
 
-    constexpr std::size_t kCountBytes = kBuckets * sizeof(std::uint32_t);
-    const WorkMemory memory(kCountBytes + count * sizeof(CTransient));
+    const WorkMemory memory(sizeof(Notes) + count * sizeof(CTransient));
     if (memory.get() == nullptr || count > std::numeric_limits<std::uint32_t>::max())
         return std::stable_sort(list.begin(), list.end(), Order::less);
-    auto* const counts = static_cast<std::uint32_t*>(memory.get());
-    void* const scratch = counts + kBuckets;
+    auto& notes = *static_cast<Notes*>(memory.get());
+    void* const scratch = &notes + 1;
 
-    const auto sortOutliers = [counts](Outlier* outliers, Outlier* room, std::size_t size) {
-        Sorter<Order, Outlier>(counts).sort(outliers, room, size);
+    const auto sortOutliers = [&notes](Outlier* outliers, Outlier* room, std::size_t size) {
+        Sorter<Order, Outlier>(notes).sort(outliers, room, size);
     };
     if (sortNearlySorted<Order>(list, scratch, sortOutliers)) return;
-    Sorter<Order, CTransient>(counts).sort(records, static_cast<CTransient*>(scratch), count);
+    Sorter<Order, CTransient>(notes).sort(records, static_cast<CTransient*>(scratch), count);
 }
 
-// Looks at several pairs before it asks whether one was wrong.
+// Four transients to a branch.
 template <typename Compare>
-bool isInOrder(std::span<const CTransient> list, Compare compare) noexcept {
-    constexpr std::size_t kStep = 32;
-    for (std::size_t index = 1; index < list.size();) {
-        const std::size_t end = std::min(list.size(), index + kStep);
-        bool isRight = true;
-        for (; index < end; ++index)
-            isRight &= compare(list[index - 1].pos, list[index].pos);
-        if (!isRight) return false;
+bool isInOrder(std::span<const CTransient> list, Compare isRight) noexcept {
+    if (list.empty()) return true;
+    std::int64_t previous = list[0].pos;
+    std::size_t index = 1;
+    for (; index + 4 <= list.size(); index += 4) {
+        const std::int64_t first = list[index].pos, second = list[index + 1].pos;
+        const std::int64_t third = list[index + 2].pos, fourth = list[index + 3].pos;
+        if (!(isRight(previous, first) & isRight(first, second) & isRight(second, third) &
+              isRight(third, fourth)))
+            return false;
+        previous = fourth;
+    }
+    for (; index < list.size(); ++index) {
+        if (!isRight(list[index - 1].pos, list[index].pos)) return false;
     }
     return true;
 }
