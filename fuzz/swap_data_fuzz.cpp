@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     // One block for both that ends with the last byte that may be touched.
     Bytes block(std::max(from, to) + taken);
     for (std::size_t i = 0; i < block.size(); ++i)
-        block[i] = static_cast<unsigned char>(end < size ? data[end + i % (size - end)] ^ i : i);
+        block[i] = static_cast<unsigned char>(end < size ? data[end + i % (size - end)] : i);
     Bytes expected = block;
     const Bytes original = block;
     veltra::SwapData(block.data() + to, block.data() + from, description.data(), length);
