@@ -42,5 +42,9 @@ function(veltra_test target)
     target_link_libraries(${target} PRIVATE
         veltra_flags ${inside} ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
     include(GoogleTest)
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+    set(seconds 120)
+    if(CMAKE_CROSSCOMPILING)
+        set(seconds 900)  # emulated
+    endif()
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${seconds})
 endfunction()
