@@ -40,6 +40,7 @@ constexpr Places kPack = packPlaces<Sample>();
 struct Avx2 : Avx2Memory {
     static constexpr std::size_t kLanes = 8;
     static constexpr std::size_t kBlocks = 4;
+    static constexpr std::size_t kLongRun = 0;
 
     template <class Sample, int channels, int channel>
     static Register spread(Register bytes) {
@@ -60,29 +61,22 @@ struct Avx2 : Avx2Memory {
             _mm256_mul_ps(_mm256_cvtepi32_ps(kept), _mm256_set1_ps(0x1p-31F)));
     }
 
-    // All exact: the factor is a power of two. What lies at or beyond 1.0 becomes the least
-    // integer, which nothing else does; few blocks have such samples.
+    // Clipped as integers, to which a denormal is like any other, then multiplied by 2^31 in the
+    // exponent. The clipping leaves one step below 1.0; where it did anything and the lowest bytes
+    // count, full scale is a step lower still.
     template <std::size_t bytes, std::size_t count>
     [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
-        const Register outside = _mm256_set1_epi32(INT32_MIN);
-        Register words[count];
-        Register least = _mm256_setzero_si256();
-        for (std::size_t i = 0; i < count; ++i) {
-            words[i] = _mm256_cvttps_epi32(
-                _mm256_mul_ps(_mm256_castsi256_ps(samples[i]), _mm256_set1_ps(0x1p31F)));
-            least = _mm256_min_epi32(least, words[i]);
-        }
-        if (_mm256_movemask_epi8(_mm256_cmpeq_epi32(least, outside)) != 0) {
-            for (std::size_t i = 0; i < count; ++i) {
-                const Register sign = _mm256_srai_epi32(samples[i], 31);
-                const Register fullScale =
-                    _mm256_sub_epi32(_mm256_xor_si256(sign, _mm256_set1_epi32(0x7FFF'FF00)), sign);
-                words[i] =
-                    _mm256_blendv_epi8(words[i], fullScale, _mm256_cmpeq_epi32(words[i], outside));
+        for (Register& sample : samples) {
+            const Register clipped =
+                _mm256_min_epu32(_mm256_min_epi32(sample, _mm256_set1_epi32(0x3F7F'FFFF)),
+                                 _mm256_set1_epi32(static_cast<int>(0xBF7F'FFFFU)));
+            Register scaled = _mm256_add_epi32(clipped, _mm256_set1_epi32(31 << 23));
+            if constexpr (bytes > 2) {
+                const Register same = _mm256_cmpeq_epi32(clipped, sample);
+                scaled = _mm256_sub_epi32(_mm256_sub_epi32(scaled, _mm256_set1_epi32(1)), same);
             }
+            sample = _mm256_cvttps_epi32(_mm256_castsi256_ps(scaled));
         }
-        for (std::size_t i = 0; i < count; ++i)
-            samples[i] = words[i];
     }
 
     // Two channels are interleaved as words first.

@@ -1,4 +1,5 @@
 #include "veltra/processor/kernels/avx512_memory.h"
+#include "veltra/processor/kernels/float_environment.h"
 #include "veltra/processor/kernels/sample_walk.h"
 
 namespace veltra::kernels {
@@ -44,7 +45,11 @@ constexpr Places kSpread = spreadPlaces<Sample, channels, channel>();
 template <class Sample, int channels, int firstSample>
 constexpr Places kPack = packPlaces<Sample, channels, firstSample>();
 
+struct Avx512Long;
+
 struct Avx512 : Avx512Memory {
+    using Long = Avx512Long;
+    static constexpr std::size_t kLongRun = 256;
     static constexpr std::size_t kLanes = 16;
     static constexpr std::size_t kBlocks = 4;
 
@@ -70,39 +75,22 @@ struct Avx512 : Avx512Memory {
             _mm512_mul_ps(_mm512_cvtepi32_ps(kept), _mm512_set1_ps(0x1p-31F)));
     }
 
-    // All exact: the factor is a power of two.
+    // Clipped as integers, to which a denormal is like any other, then multiplied by 2^31 in the
+    // exponent. The clipping leaves one step below 1.0; where it did anything and the lowest bytes
+    // count, full scale is a step lower still.
     template <std::size_t bytes, std::size_t count>
     [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
-        Register words[count];
-        for (std::size_t i = 0; i < count; ++i) {
-            __m512 scaled = _mm512_mul_ps(_mm512_castsi512_ps(samples[i]), _mm512_set1_ps(0x1p31F));
-            if constexpr (bytes <= 2) {
-                // The smaller magnitude with the sample's sign, also of a NaN. The largest that is
-                // left differs from full scale in its lowest byte alone.
-                constexpr int kSmallerMagnitude = 2;
-                scaled = _mm512_range_ps(scaled, _mm512_set1_ps(0x1.fffffep30F), kSmallerMagnitude);
+        for (Register& sample : samples) {
+            const Register clipped =
+                _mm512_min_epu32(_mm512_min_epi32(sample, _mm512_set1_epi32(0x3F7F'FFFF)),
+                                 _mm512_set1_epi32(static_cast<int>(0xBF7F'FFFFU)));
+            Register scaled = _mm512_add_epi32(clipped, _mm512_set1_epi32(31 << 23));
+            if constexpr (bytes > 2) {
+                scaled = _mm512_mask_sub_epi32(scaled, _mm512_cmpneq_epi32_mask(clipped, sample),
+                                               scaled, _mm512_set1_epi32(1));
             }
-            words[i] = _mm512_cvttps_epi32(scaled);
+            sample = _mm512_cvttps_epi32(_mm512_castsi512_ps(scaled));
         }
-        if constexpr (bytes > 2) {
-            // What lies at or beyond 1.0 became the least integer, which nothing else does. Few
-            // blocks have such samples.
-            const Register outside = _mm512_set1_epi32(INT32_MIN);
-            Register least = words[0];
-            for (std::size_t i = 1; i < count; ++i)
-                least = _mm512_min_epi32(least, words[i]);
-            if (_mm512_cmpeq_epi32_mask(least, outside) != 0) {
-                for (std::size_t i = 0; i < count; ++i) {
-                    const Register sign = _mm512_srai_epi32(samples[i], 31);
-                    const Register fullScale =
-                        _mm512_xor_si512(sign, _mm512_set1_epi32(0x7FFF'FF00));
-                    words[i] = _mm512_mask_sub_epi32(
-                        words[i], _mm512_cmpeq_epi32_mask(words[i], outside), fullScale, sign);
-                }
-            }
-        }
-        for (std::size_t i = 0; i < count; ++i)
-            samples[i] = words[i];
     }
 
     template <class Sample, int channels>
@@ -119,6 +107,48 @@ struct Avx512 : Avx512Memory {
         const Register bytes = _mm512_permutexvar_epi8(from, words[0]);
         if constexpr (channels == 1) return bytes;
         return _mm512_mask_permutexvar_epi8(bytes, kPlaces.counts, from, words[channels - 1]);
+    }
+};
+
+// With fewer steps, for which the thread's arithmetic is changed for a while.
+struct Avx512Long : Avx512 {
+    using Environment = QuietArithmetic;
+
+    template <std::size_t bytes, std::size_t count>
+    [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
+        Register words[count];
+        for (std::size_t i = 0; i < count; ++i) {
+            __m512 scaled = _mm512_mul_ps(_mm512_castsi512_ps(samples[i]), _mm512_set1_ps(0x1p31F));
+            if constexpr (bytes <= 2) {
+                // The smaller magnitude with the sample's sign, also of a NaN. The largest that is
+                // left differs from full scale in its lowest byte alone.
+                constexpr int kSmallerMagnitude = 2;
+                scaled = _mm512_range_ps(scaled, _mm512_set1_ps(0x1.fffffep30F), kSmallerMagnitude);
+            }
+            words[i] = _mm512_cvttps_epi32(scaled);
+        }
+        if constexpr (bytes > 2) clip(samples, words);
+        for (std::size_t i = 0; i < count; ++i)
+            samples[i] = words[i];
+    }
+
+private:
+    // What lies at or beyond 1.0 became the least integer, which nothing else does. Few blocks have
+    // such samples.
+    template <std::size_t count>
+    [[gnu::always_inline]] static void clip(const Register (&samples)[count],
+                                            Register (&words)[count]) {
+        const Register outside = _mm512_set1_epi32(INT32_MIN);
+        Register least = words[0];
+        for (std::size_t i = 1; i < count; ++i)
+            least = _mm512_min_epi32(least, words[i]);
+        if (_mm512_cmpeq_epi32_mask(least, outside) == 0) return;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Register sign = _mm512_srai_epi32(samples[i], 31);
+            const Register fullScale = _mm512_xor_si512(sign, _mm512_set1_epi32(0x7FFF'FF00));
+            words[i] = _mm512_mask_sub_epi32(words[i], _mm512_cmpeq_epi32_mask(words[i], outside),
+                                             fullScale, sign);
+        }
     }
 };
 

@@ -20,15 +20,14 @@
 //     flipped(r)                    the top bit of every byte inverted
 //     fractionsOf<bytes>(floats)    turns an array of floats to words as FloatToN defines them,
 //                                   as far as they matter for samples of so many bytes
+//     kLongRun, Long                so many samples and more are another Vector's, in the
+//                                   Environment that it needs; 0: none
 //     kFrameRegisters<Sample, channels>      how many registers a block of a stream takes
 //     packed<Sample, index>(words)  the index-th of them, out of the words of each channel
 #pragma once
 
 #include "veltra/processor/detail/bytes.h"
-#include "veltra/processor/kernels/float_environment.h"
 #include "veltra/processor/kernels/sample_kernels.h"
-
-#include <type_traits>
 
 namespace veltra::kernels {
 
@@ -232,17 +231,9 @@ static void toFloat(float* destination, const void* source, std::size_t count,
     }
 }
 
-struct Nothing {};
-
 template <class Vector, class Sample>
-static void fromFloat(void* destination, const float* source, std::size_t count,
-                      const float* secondSource) noexcept {
-    if (destination == nullptr || source == nullptr) return;
-    if (Sample::kIsFloat && destination == source) return;
-    [[maybe_unused]] const std::conditional_t<Sample::kIsFloat, Nothing, QuietArithmetic> quiet;
-    auto* const to = static_cast<unsigned char*>(destination);
-    const auto* const from = reinterpret_cast<const unsigned char*>(source);
-    const auto* const secondFrom = reinterpret_cast<const unsigned char*>(secondSource);
+[[gnu::always_inline]] inline void encode(unsigned char* to, const unsigned char* from,
+                                          const unsigned char* secondFrom, std::size_t count) {
     if (secondFrom != nullptr) {
         const Encoder<Vector, Sample, 2> encoder{to, {from, secondFrom}};
         walk<Vector, (encoder.kFrameSize > 4), encoder.kBlocks>(count, encoder);
@@ -250,6 +241,23 @@ static void fromFloat(void* destination, const float* source, std::size_t count,
         const Encoder<Vector, Sample, 1> encoder{to, {from}};
         walk<Vector, false, encoder.kBlocks>(count, encoder);
     }
+}
+
+template <class Vector, class Sample>
+static void fromFloat(void* destination, const float* source, std::size_t count,
+                      const float* secondSource) noexcept {
+    if (destination == nullptr || source == nullptr) return;
+    if (Sample::kIsFloat && destination == source) return;
+    auto* const to = static_cast<unsigned char*>(destination);
+    const auto* const from = reinterpret_cast<const unsigned char*>(source);
+    const auto* const secondFrom = reinterpret_cast<const unsigned char*>(secondSource);
+    if constexpr (!Sample::kIsFloat && Vector::kLongRun > 0) {
+        if (count >= Vector::kLongRun) {
+            [[maybe_unused]] const typename Vector::Long::Environment environment;
+            return encode<typename Vector::Long, Sample>(to, from, secondFrom, count);
+        }
+    }
+    encode<Vector, Sample>(to, from, secondFrom, count);
 }
 
 template <class Vector, class Sample>

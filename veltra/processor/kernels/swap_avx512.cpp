@@ -23,6 +23,14 @@ template <int size>
 constexpr Places kReversing = reversingPlaces<size>();
 
 struct Avx512 : Avx512Memory {
+    // Without a mask: the block behind could not be loaded before a masked store is through.
+    template <std::size_t bytes>
+    static void store(unsigned char* to, Register value) {
+        if constexpr (bytes == 64) return Avx512Memory::store<64>(to, value);
+        Avx512Memory::store<32>(to, value);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 32), _mm512_extracti32x4_epi32(value, 2));
+    }
+
     template <int size>
     static Register swapped(Register bytes) {
         if constexpr (size == 1) return flipped(bytes);
