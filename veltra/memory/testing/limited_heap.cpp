@@ -27,7 +27,7 @@ void* take(std::size_t size, std::size_t alignment) noexcept {
     const std::lock_guard guard(lock);
     ++LimitedHeap::largeRequests;
     LimitedHeap::lastLarge = size;
-    if (size > LimitedHeap::available) return nullptr;
+    if (size > LimitedHeap::available || size > LimitedHeap::largestFragment) return nullptr;
     for (LargeBlock& block : largeBlocks) {
         if (block.address != nullptr) continue;
         block.address = alignment == 0 ? __real_calloc(1, 64) : ::memalign(alignment, 64);
@@ -84,6 +84,7 @@ std::size_t LimitedHeap::size(void* block) noexcept {
 
 void LimitedHeap::reset() noexcept {
     available = SIZE_MAX / 2;
+    largestFragment = SIZE_MAX;
     lastLarge = 0;
     largeRequests = smallRefusals = 0;
 }

@@ -16,6 +16,7 @@ struct LimitedHeap {
     static constexpr std::size_t kMebibyte = 1048576;
 
     static inline std::atomic<std::size_t> available{SIZE_MAX / 2};
+    static inline std::atomic<std::size_t> largestFragment{SIZE_MAX};
     static inline std::atomic<std::size_t> lastLarge{0};  // the last counted request
     static inline std::atomic<int> largeRequests{0};
     static inline std::atomic<int> smallRefusals{0};  // that many small requests fail, too
