@@ -6,7 +6,6 @@
 
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -14,183 +13,133 @@ namespace veltra {
 namespace {
 
 using Center = LowMemoryNotificationCenter;
-using testing::FakePreferences;
 using testing::LimitedHeap;
 
-constexpr unsigned long kReserve = 50'000;
-constexpr unsigned long kThreshold = 20'000;
+constexpr unsigned long kReserve = 50 * testing::kMiB, kThreshold = 20 * testing::kMiB;
 
-// What happened, in order: "!" a notification, "a2 " observer a at level 2.
-std::string events;
+std::string events;  // "!" a notification, "a2 " observer a at level 2
+char a[] = "a", b[] = "b";
 
 unsigned long hear(void* context, std::uint8_t level, unsigned long size) {
-    events += *static_cast<const char*>(context) + std::to_string(level) + " ";
     EXPECT_GE(size, kThreshold);
+    events += *static_cast<const char*>(context) + std::to_string(level) + " ";
     return level == 2 ? 1 : 0;
 }
-
-char a[] = "a", b[] = "b";
 
 class LowMemoryCenter : public ::testing::Test {
 protected:
     LowMemoryCenter() {
-        events.clear();
-        NotificationCenter::local().addObserver(
-            this,
-            [](void*, const VLString*, const void* object) {
-                EXPECT_EQ(object, nullptr);
-                events += "!";
-            },
-            kLowMemoryNotification, nullptr);
+        const auto note = [](void*, const VLString*, const void*) { events += "!"; };
+        NotificationCenter::local().addObserver(this, note, kLowMemoryNotification, nullptr);
+        prefer(kReserve);
     }
     ~LowMemoryCenter() override {
-        for (void* context : {a, b})
-            Center::RemoveLMObserver(hear, context);
         Center::ShutdownLMNotificationCenter();
         NotificationCenter::local().removeObserver(this);
         LimitedHeap::reset();
     }
-    static void initialise() { ASSERT_EQ(Center::InitializeLMNotificationCenter(), 1); }
-
-    FakePreferences preferences{
-        {{"LowMemoryReserve", kReserve}, {"MinAvailMemoryThreshold", kThreshold}}};
+    void prefer(const PropertyValue& reserve) {
+        preferences.stored = PropertyValue::Dictionary{{"LowMemoryReserve", reserve},
+                                                       {"MinAvailMemoryThreshold", kThreshold}};
+    }
+    // What happens during a call that should answer `answer`.
+    static std::string eventsOf(int answer, int result) {
+        EXPECT_EQ(result, answer);
+        return std::exchange(events, "");
+    }
+    testing::FakePreferences preferences;
 };
 
 TEST_F(LowMemoryCenter, IsOffUnlessThePreferencesWantAReserve) {
-    const PropertyValue::Dictionary unwanted[] = {
-        {},
-        {{"LowMemoryReserve", "much"}},
-        {{"LowMemoryReserve", 0}},
-        {{"LowMemoryReserve", kReserve}, {"MinAvailMemoryThreshold", 0}}};
-    for (const auto& values : unwanted) {
-        preferences.stored = values;
+    LimitedHeap::available = 49;
+    for (const PropertyValue& reserve :
+         {PropertyValue(), PropertyValue("much"), PropertyValue(0), PropertyValue(kReserve)}) {
+        prefer(reserve);
         EXPECT_EQ(Center::InitializeLMNotificationCenter(), 0);
     }
-    LimitedHeap::available = 0;
-    EXPECT_EQ(Center::IsLMNotificationCenterInitialized(), 0);
     EXPECT_EQ(Center::CheckPoint(kReserve), 1);
-    EXPECT_EQ(Center::PostLMNotification(0, 2, kReserve, true), 1);
-    EXPECT_EQ(Center::AddLMObserver(hear, a), 0);
-    EXPECT_EQ(Center::RemoveLMObserver(hear, a), 0);
+    EXPECT_EQ(Center::CheckMemory(kReserve), 0);
+    EXPECT_EQ(Center::PostLMNotification(0, 2, 0, true), 1);
+    EXPECT_EQ(Center::AddLMObserver(hear, a) + Center::RemoveLMObserver(hear, a), 0);
     EXPECT_TRUE(Center::EnterCriticalOperation() && Center::LeaveCriticalOperation());
-    EXPECT_EQ(Center::CheckMemory(kThreshold), 0);
-    preferences.stored = PropertyValue::Dictionary{{"LowMemoryReserve", kReserve}};
-    EXPECT_EQ(Center::InitializeLMNotificationCenter(), 0);  // the reserve is not to be had
-    LimitedHeap::available = kReserve;
+    preferences.stored = PropertyValue::Dictionary{{"LowMemoryReserve", 10 * testing::kMiB}};
     EXPECT_EQ(Center::InitializeLMNotificationCenter(), 1);
-    EXPECT_EQ(Center::CheckMemory(kThreshold), 0);
-    EXPECT_EQ(Center::InitializeLMNotificationCenter(), 1);
-    EXPECT_EQ(Center::CheckPoint(10), 1);
-    EXPECT_EQ(LimitedHeap::lastLarge, 104'857'600U);
-    EXPECT_EQ(events, "!!!");
+    EXPECT_EQ(eventsOf(1, Center::CheckPoint(10)), "!!!");
+    EXPECT_EQ(LimitedHeap::last, 100);
 }
 
-TEST_F(LowMemoryCenter, KeepsObserversOncePerPairAndInOrder) {
-    initialise();
-    EXPECT_EQ(Center::AddLMObserver(nullptr, a), 0);
+TEST_F(LowMemoryCenter, GoesThroughLevelsAndObserversUntilThereIsRoom) {
+    int calls = 2;
+    const auto makeRoom = [](void* left, std::uint8_t, unsigned long) -> unsigned long {
+        return --*static_cast<int*>(left) == 0 && (LimitedHeap::available = 20) != 0;
+    };
+    Center::InitializeLMNotificationCenter();
     EXPECT_EQ(Center::AddLMObserver(hear, a), 1);
     EXPECT_EQ(Center::AddLMObserver(hear, a), 0);
-    EXPECT_EQ(Center::AddLMObserver(hear, b), 1);
-    EXPECT_EQ(Center::PostLMNotification(1, 2, 0, true), 0);
-    EXPECT_EQ(events, "!a1 b1 !a2 b2 ");
+    EXPECT_EQ(Center::AddLMObserver(makeRoom, &calls) + Center::AddLMObserver(hear, b), 2);
+    LimitedHeap::available = 19;
+    EXPECT_EQ(eventsOf(1, Center::CheckPoint(5)), "!a0 b0 !a1 ");
+    EXPECT_EQ(eventsOf(1, Center::CheckPoint(5)), "");
+    // Deliberately 1 though there is never room.
+    EXPECT_EQ(eventsOf(1, Center::CheckPoint(kReserve)), "!a0 b0 !a1 b1 !a2 b2 ");
     EXPECT_EQ(Center::RemoveLMObserver(hear, a), 1);
     EXPECT_EQ(Center::RemoveLMObserver(hear, a), 0);
-    events.clear();
-    EXPECT_EQ(Center::PostLMNotification(256, 256, 0, true), 0);  // eight bits reach an observer
-    EXPECT_EQ(Center::PostLMNotification(3, 2, 0, true), 0);
-    EXPECT_EQ(Center::PostLMNotification(3, 2, 0, false), 1);
-    EXPECT_EQ(events, "!b0 ");
-}
-
-TEST_F(LowMemoryCenter, StopsAtTheFirstObserverAfterWhichThereIsRoom) {
-    initialise();
-    Center::AddLMObserver(hear, a);
-    const auto makeRoom = [](void* needed, std::uint8_t, unsigned long) -> unsigned long {
-        if (--*static_cast<int*>(needed) == 0) LimitedHeap::available = kThreshold;
-        return 0;
-    };
-    int calls = 2;
-    Center::AddLMObserver(makeRoom, &calls);
-    Center::AddLMObserver(hear, b);
-    LimitedHeap::available = kThreshold - 1;
-    EXPECT_EQ(Center::CheckPoint(5), 1);
-    EXPECT_EQ(events, "!a0 b0 !a1 ");
-    EXPECT_EQ(Center::CheckPoint(5), 1);
-    EXPECT_EQ(events, "!a0 b0 !a1 ");
-    // Deliberately 1 though there is never room.
-    EXPECT_EQ(Center::CheckPoint(kThreshold + 1), 1);
-    EXPECT_EQ(events, "!a0 b0 !a1 !a0 b0 !a1 b1 !a2 b2 ");
-    Center::RemoveLMObserver(makeRoom, &calls);
+    EXPECT_EQ(eventsOf(0, Center::PostLMNotification(255, 256, 0, true)), "!b255 !b0 ");
+    EXPECT_EQ(eventsOf(0, Center::PostLMNotification(3, 2, 0, true)), "");
+    EXPECT_EQ(eventsOf(1, Center::PostLMNotification(3, 2, 0, false)), "");
+    EXPECT_EQ(Center::RemoveLMObserver(makeRoom, &calls) + Center::RemoveLMObserver(hear, b), 2);
 }
 
 // An observer that checks for itself is refused the lock: the one way to the reserve.
-unsigned long checkAgain(void* result, std::uint8_t, unsigned long size) {
-    *static_cast<int*>(result) = Center::CheckPoint(size);
-    EXPECT_EQ(Center::AddLMObserver(hear, b), 0);
-    EXPECT_EQ(Center::RemoveLMObserver(hear, a), 0);
-    return 0;
+int result = -1;
+unsigned long checkAgain(void*, std::uint8_t, unsigned long size) {
+    result = Center::CheckPoint(size);
+    return static_cast<unsigned long>(Center::AddLMObserver(hear, b));
 }
 
-TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationOnly) {
-    LimitedHeap::available = kReserve;
-    initialise();
-    int result = -1;
-    Center::AddLMObserver(checkAgain, &result);
-    EXPECT_EQ(Center::PostLMNotification(0, 0, 0, true), 0);
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(LimitedHeap::available, 0U);
+int resultOfPost(unsigned long size) {
+    Center::PostLMNotification(0, 0, size, true);
+    return result;
+}
 
+TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationAndNeverLosesIt) {
+    LimitedHeap::available = 50;
+    Center::InitializeLMNotificationCenter();
+    Center::AddLMObserver(checkAgain, nullptr);
+    EXPECT_EQ(resultOfPost(0), 0);
     EXPECT_TRUE(Center::EnterCriticalOperation());
-    Center::PostLMNotification(0, 0, 0, true);
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(LimitedHeap::available, kReserve);
+    EXPECT_EQ(resultOfPost(0), 1);
+    EXPECT_EQ(LimitedHeap::available, 50);
     EXPECT_FALSE(Center::EnterCriticalOperation());
-    Center::PostLMNotification(0, 0, kReserve + 1, true);
-    EXPECT_EQ(result, 0);  // nothing left to give
-
-    LimitedHeap::available = kReserve - 1;
-    EXPECT_FALSE(Center::LeaveCriticalOperation());
-    LimitedHeap::available = kReserve;
-    EXPECT_TRUE(Center::LeaveCriticalOperation());
-    EXPECT_EQ(LimitedHeap::available, 0U);
-    Center::RemoveLMObserver(checkAgain, &result);
-    Center::ShutdownLMNotificationCenter();
-    EXPECT_EQ(LimitedHeap::available, kReserve);
-}
-
-TEST_F(LowMemoryCenter, NeverLosesOrDoublesTheReserveAmongThreads) {
-    LimitedHeap::available = kReserve;
-    initialise();
-    int results[3] = {};
-    std::vector<std::jthread> threads;
-    for (int& result : results) {
-        Center::AddLMObserver(checkAgain, &result);
-        threads.emplace_back([] {
-            for (int round = 0; round < 200; ++round) {
-                Center::EnterCriticalOperation();
-                Center::PostLMNotification(0, 0, 0, true);
-                Center::LeaveCriticalOperation();
-            }
-        });
+    EXPECT_EQ(resultOfPost(2 * kReserve), 0);
+    for (const int room : {49, 50}) {
+        LimitedHeap::available = room;
+        EXPECT_EQ(Center::LeaveCriticalOperation(), room == 50);
     }
-    threads.clear();
+    const auto work = [] {
+        for (int round = 0; round < 200; ++round) {
+            Center::EnterCriticalOperation();
+            Center::PostLMNotification(0, 0, 0, true);
+            Center::LeaveCriticalOperation();
+        }
+    };
+    std::thread one(work), two(work);
+    one.join(), two.join();
     Center::LeaveCriticalOperation();
-    EXPECT_EQ(LimitedHeap::available, 0U);
-    for (int& result : results)
-        Center::RemoveLMObserver(checkAgain, &result);
+    EXPECT_EQ(LimitedHeap::available, 0);
+    Center::RemoveLMObserver(checkAgain, nullptr);
     Center::ShutdownLMNotificationCenter();
-    EXPECT_EQ(LimitedHeap::available, kReserve);
+    EXPECT_EQ(LimitedHeap::available, 50);
 }
 
 // Last: the flag stays for the life of the process.
 TEST_F(LowMemoryCenter, RemembersAFailureAtTheLastLevelForEver) {
-    initialise();
-    const auto fail = [](void*, std::uint8_t, unsigned long) -> unsigned long { return 1; };
+    Center::InitializeLMNotificationCenter();
+    const auto fail = [](void*, std::uint8_t, unsigned long) { return 1UL; };
     Center::AddLMObserver(fail, nullptr);
     Center::PostLMNotification(0, 9, 0, true);
     EXPECT_TRUE(Center::LeaveCriticalOperation());
     Center::PostLMNotification(10, 10, 0, true);
-    EXPECT_FALSE(Center::LeaveCriticalOperation());
     Center::RemoveLMObserver(fail, nullptr);
     EXPECT_FALSE(Center::LeaveCriticalOperation());
 }

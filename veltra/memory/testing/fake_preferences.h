@@ -7,10 +7,8 @@ namespace veltra::testing {
 
 class FakePreferences final : public Preferences {
 public:
-    explicit FakePreferences(PropertyValue::Dictionary values = {})
-        : stored(std::move(values)), m_before(install(this)) {}
-    ~FakePreferences() override { install(m_before); }
-
+    FakePreferences() { install(this); }
+    ~FakePreferences() override { install(nullptr); }
     PropertyValue value(std::string_view key) const noexcept override { return stored[key]; }
     bool setValue(std::string_view key, const PropertyValue& value) noexcept override {
         stored = stored.settingValueAtPath({key}, value);
@@ -21,9 +19,6 @@ public:
 
     PropertyValue stored;
     int synchronised = 0;
-
-private:
-    Preferences* m_before;
 };
 
 }  // namespace veltra::testing
