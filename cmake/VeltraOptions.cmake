@@ -13,6 +13,9 @@ option(VELTRA_INSTALL "Generate install rules" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRA_WERROR "Treat compiler warnings as errors" OFF)
 set(VELTRA_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address (with undefined) or thread")
 set_property(CACHE VELTRA_SANITIZE PROPERTY STRINGS "" address thread)
+cmake_dependent_option(VELTRA_INTERPOSE
+    "Export malloc and its relatives, so that the memory services see every allocation" ON
+    "PROJECT_IS_TOP_LEVEL;VELTRA_SHARED;NOT VELTRA_SANITIZE;NOT VELTRA_FUZZ" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -103,7 +106,7 @@ function(veltra_print_summary)
         return()
     endif()
     message(STATUS "Veltra ${PROJECT_VERSION}, ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}, ${CMAKE_BUILD_TYPE}")
-    foreach(name SHARED TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB INSTALL WERROR SANITIZE)
+    foreach(name SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB INSTALL WERROR SANITIZE)
         string(LENGTH "${name}" used)
         math(EXPR pad "12 - ${used}")
         string(REPEAT " " ${pad} blank)

@@ -1,0 +1,101 @@
+// The zone that the process allocates from: a table with one entry for each way to take or give
+// back memory. A service that wants to see allocations puts a wrapper into an entry, keeps what it
+// found there, and calls that in turn; to leave, it puts back what it found.
+//
+// The shared library stands between the process and its allocator: malloc and its relatives are
+// exported from it and jump through the table of process(). That works in every thread, in
+// libraries loaded later and in forked children, as long as the executable itself links the
+// library; coverage() tells whether it does. Other builds have the table alone, and only who calls
+// its entries is seen.
+//
+// Every entry is one atomic word. Entries are read with acquire order and changed with release
+// order, so that what a wrapper kept is seen by every thread that reaches the wrapper. The
+// allocator below never changes: a block may be given back through any state of the table, as long
+// as every wrapper answers the blocks of the entry that it wraps.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <atomic>
+#include <cstddef>
+
+namespace veltra {
+
+// One state of the table. The functions behave as those of C of the same purpose: null when memory
+// is out, errno set. They are noexcept in their type, so that a call compiles to a jump.
+struct ZoneEntries {
+    using Allocate = void* (*)(std::size_t size) noexcept;
+    using AllocateZeroed = void* (*)(std::size_t count, std::size_t size) noexcept;
+    using AllocateAligned = void* (*)(std::size_t alignment, std::size_t size) noexcept;
+    using Reallocate = void* (*)(void* block, std::size_t size) noexcept;
+    using Free = void (*)(void* block) noexcept;
+    using Size = std::size_t (*)(void* block) noexcept;
+
+    Allocate allocate = nullptr;
+    AllocateZeroed allocateZeroed = nullptr;
+    AllocateAligned allocateAligned = nullptr;  // alignment: a power of two
+    Reallocate reallocate = nullptr;
+    Free free = nullptr;
+    Size size = nullptr;  // bytes that the block holds, at least what was asked for; 0 for null
+};
+
+class VELTRA_EXPORT AllocationZone {
+public:
+    explicit constexpr AllocationZone(const ZoneEntries& entries) noexcept
+        : allocate(entries.allocate),
+          allocateZeroed(entries.allocateZeroed),
+          allocateAligned(entries.allocateAligned),
+          reallocate(entries.reallocate),
+          free(entries.free),
+          size(entries.size) {}
+    AllocationZone(const AllocationZone&) = delete;
+    AllocationZone& operator=(const AllocationZone&) = delete;
+
+    // What the entries are at this moment, each read for itself.
+    // Thread: any. Realtime-safe: yes.
+    ZoneEntries entries() const noexcept;
+
+    // Any thread may call through them at any time; they are changed one by one, by whoever wraps
+    // or unwraps. `size` stays as it is.
+    std::atomic<ZoneEntries::Allocate> allocate;
+    std::atomic<ZoneEntries::AllocateZeroed> allocateZeroed;
+    std::atomic<ZoneEntries::AllocateAligned> allocateAligned;
+    std::atomic<ZoneEntries::Reallocate> reallocate;
+    std::atomic<ZoneEntries::Free> free;
+    std::atomic<ZoneEntries::Size> size;
+
+    // Whose allocations reach the table of process(), added up.
+    enum Coverage : unsigned {
+        kNone = 0,
+        kMalloc = 1,       // calls of malloc by name
+        kOperatorNew = 2,  // operator new
+        kCLibrary = 4,     // the C library's own allocations
+        kFull = 7,
+    };
+
+    // Found out by allocating, the first time that it is asked: a profiler, a sanitizer or another
+    // allocator may have taken the place of ours without a trace in any symbol table. Only kFull
+    // promises that every allocation is seen.
+    // Thread: any. Realtime-safe: no.
+    static unsigned coverage() noexcept;
+
+    // The file that the process's malloc comes from, for a message to people; "?" when nobody
+    // knows. Lives as long as that file is loaded.
+    // Thread: any. Realtime-safe: no.
+    static const char* mallocOrigin() noexcept;
+
+    // The process's own zone.
+    // Thread: any. Realtime-safe: yes.
+    static AllocationZone& process() noexcept;
+
+    // The zone that the memory services wrap: the installed one, else process().
+    // Thread: any. Realtime-safe: yes.
+    static AllocationZone& current() noexcept;
+
+    // Puts `zone` in force (not owned; must stay alive until replaced); null goes back to
+    // process(). Answers what was installed before, null for process().
+    // Thread: any, while no service has wrapped the zone. Realtime-safe: yes.
+    static AllocationZone* install(AllocationZone* zone) noexcept;
+};
+
+}  // namespace veltra
