@@ -1,6 +1,7 @@
 #include "veltra/platform/stack_walk.h"
 
 #include "veltra/platform/detail/zone_code.h"
+#include "veltra/platform/linux/stack_walkers.h"
 
 #include <unwind.h>
 
@@ -13,30 +14,40 @@ namespace {
 struct Walk {
     FrameVisitor visit;
     void* context;
+    std::size_t visited;
     StackFrame frame;
-    bool wasInZone = false;
-    bool isOutside = false;  // `frame` is to be visited
+    ZoneExit zone;
+    bool isWaiting = false;  // `frame` is to be visited
 };
 
 _Unwind_Reason_Code step(_Unwind_Context* unwinder, void* argument) noexcept {
     Walk& walk = *static_cast<Walk*>(argument);
     walk.frame.identity.cfa = _Unwind_GetCFA(unwinder);
-    if (walk.isOutside && !walk.visit(walk.context, walk.frame)) return _URC_END_OF_STACK;
+    if (walk.isWaiting && walk.visited > 0) {
+        --walk.visited;
+    } else if (walk.isWaiting && !walk.visit(walk.context, walk.frame)) {
+        return _URC_END_OF_STACK;
+    }
     walk.frame.returnAddress = _Unwind_GetIP(unwinder);
     walk.frame.identity.function = _Unwind_GetRegionStart(unwinder);
-    if (!walk.isOutside) {
-        const bool isInZone = isZoneCode(walk.frame.returnAddress - 1);
-        walk.isOutside = walk.wasInZone && !isInZone;
-        walk.wasInZone = isInZone;
-    }
+    walk.isWaiting = walk.zone.isOutside(walk.frame.returnAddress);
     return _URC_NO_REASON;
 }
 
 }  // namespace
 
-void walkCallers(FrameVisitor visit, void* context) noexcept {
-    Walk walk{visit, context, {}};
+bool ZoneExit::isZone(std::uintptr_t returnAddress) noexcept {
+    return isZoneCode(returnAddress - 1);
+}
+
+void walkByUnwinder(FrameVisitor visit, void* context, std::size_t visited) noexcept {
+    Walk walk{visit, context, visited, {}, {}};
     _Unwind_Backtrace(step, &walk);
+}
+
+void walkCallers(FrameVisitor visit, void* context) noexcept {
+    const TableWalk walk = walkByTables(visit, context);
+    if (!walk.isDone) walkByUnwinder(visit, context, walk.visited);
 }
 
 FrameIdentity callerFrame(int up) noexcept {
