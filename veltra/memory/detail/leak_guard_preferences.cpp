@@ -1,0 +1,68 @@
+#include "veltra/memory/detail/leak_guard_preferences.h"
+
+#include "veltra/platform/preferences.h"
+
+#include <algorithm>
+#include <mutex>
+#include <new>
+
+namespace veltra {
+
+namespace {
+
+constexpr std::string_view kGroups = "LeakGuard";
+constexpr std::string_view kEnabled = "LeakGuardEnabled";
+constexpr std::string_view kPrintLimit = "LeakGuardPrintLimit";
+
+}  // namespace
+
+void LeakGuardPreferences::load() noexcept {
+    const Preferences& preferences = Preferences::current();
+    m_lock.holdAcrossForks();
+    m_stored.value = preferences.value(kGroups);
+    m_isEnabled = preferences.value(kEnabled).asBool();
+    const std::int64_t limit = preferences.value(kPrintLimit).asInteger();
+    m_printLimit = static_cast<std::uint64_t>(std::max<std::int64_t>(limit, 0));
+}
+
+std::int64_t LeakGuardPreferences::value(std::string_view group, std::string_view key) noexcept {
+    const PropertyValue overriding = read(m_overrides).value.valueAtPath({group, key});
+    if (!overriding.isNull()) return overriding.asInteger();
+    const PropertyValue stored = read(m_stored).value.valueAtPath({group, key});
+    const std::int64_t number = stored.asInteger();
+    if (stored.kind() == PropertyValue::Kind::String && change(m_stored, group, key, number)) {
+        Preferences& preferences = Preferences::current();
+        preferences.setValue(kGroups, read(m_stored).value);
+        preferences.synchronise();
+    }
+    return number;
+}
+
+bool LeakGuardPreferences::setOverride(std::string_view group, std::string_view key,
+                                       std::uint32_t value) noexcept {
+    return change(m_overrides, group, key, value);
+}
+
+LeakGuardPreferences::Dictionary LeakGuardPreferences::read(const Dictionary& dictionary) noexcept {
+    const std::lock_guard lock(m_lock);
+    return dictionary;
+}
+
+bool LeakGuardPreferences::change(Dictionary& dictionary, std::string_view group,
+                                  std::string_view key, std::int64_t number) noexcept {
+    try {
+        for (;;) {
+            const Dictionary before = read(dictionary);
+            PropertyValue after = before.value.settingValueAtPath({group, key}, number);
+            const std::lock_guard lock(m_lock);
+            if (dictionary.changes != before.changes) continue;
+            std::swap(dictionary.value, after);  // the old value is destroyed with `before`
+            ++dictionary.changes;
+            return true;
+        }
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+}  // namespace veltra

@@ -1,0 +1,69 @@
+#include "veltra/platform/stack_walk.h"
+
+#include "veltra/platform/detail/zone_code.h"
+#include "veltra/platform/linux/stack_walkers.h"
+
+#include <unwind.h>
+
+namespace veltra {
+
+namespace {
+
+// The unwinder shows a frame while its stack pointer is known, which is the canonical frame address
+// of the frame before: every frame is visited one step late.
+struct Walk {
+    FrameVisitor visit;
+    void* context;
+    std::size_t visited;
+    StackFrame frame;
+    ZoneExit zone;
+    bool isWaiting = false;  // `frame` is to be visited
+};
+
+_Unwind_Reason_Code step(_Unwind_Context* unwinder, void* argument) noexcept {
+    Walk& walk = *static_cast<Walk*>(argument);
+    walk.frame.identity.cfa = _Unwind_GetCFA(unwinder);
+    if (walk.isWaiting && walk.visited > 0) {
+        --walk.visited;
+    } else if (walk.isWaiting && !walk.visit(walk.context, walk.frame)) {
+        return _URC_END_OF_STACK;
+    }
+    walk.frame.returnAddress = _Unwind_GetIP(unwinder);
+    walk.frame.identity.function = _Unwind_GetRegionStart(unwinder);
+    walk.isWaiting = walk.zone.isOutside(walk.frame.returnAddress);
+    return _URC_NO_REASON;
+}
+
+}  // namespace
+
+bool ZoneExit::isZone(std::uintptr_t returnAddress) noexcept {
+    return isZoneCode(returnAddress - 1);
+}
+
+void walkByUnwinder(FrameVisitor visit, void* context, std::size_t visited) noexcept {
+    Walk walk{visit, context, visited, {}, {}};
+    _Unwind_Backtrace(step, &walk);
+}
+
+void walkCallers(FrameVisitor visit, void* context) noexcept {
+    const TableWalk walk = walkByTables(visit, context);
+    if (!walk.isDone) walkByUnwinder(visit, context, walk.visited);
+}
+
+FrameIdentity callerFrame(int up) noexcept {
+    struct Search {
+        int left;
+        FrameIdentity found;
+    } search{up, {}};
+    walkCallers(
+        [](void* context, const StackFrame& frame) noexcept {
+            auto& state = *static_cast<Search*>(context);
+            if (state.left-- > 0) return true;
+            state.found = frame.identity;
+            return false;
+        },
+        &search);
+    return search.found;
+}
+
+}  // namespace veltra

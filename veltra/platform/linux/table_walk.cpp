@@ -1,0 +1,204 @@
+// Walking by the tables costs a search and the run of a small program for each frame. What came out
+// is kept by return address, together with the bytes that it came from: a library may have been
+// unloaded and another one, or a new build of it, lie in its place. The bytes are compared each
+// time, so that the cache answers what the tables would.
+//
+// The cache never forgets and takes no lock. An entry is filled by one thread before it is
+// published in a slot, does not change after that and is never used again, even when another one
+// takes its slot; so readers need no protection. When the entries are used up, what they lack is
+// read from the tables. An object whose code is on the stack is not unloaded during the walk.
+#include "veltra/platform/linux/stack_walkers.h"
+
+#if defined(__x86_64__)
+#include "veltra/platform/linux/unwind_table.h"
+#endif
+
+#include <array>
+#include <atomic>
+
+#include <dlfcn.h>
+
+namespace veltra {
+
+#if defined(__x86_64__) && defined(DLFO_STRUCT_HAS_EH_DBASE)
+
+namespace {
+
+struct CachedRule {
+    std::uintptr_t returnAddress;
+    const unsigned char* description;
+    std::uintptr_t function;
+    UnwindRule rule;
+    std::uint32_t entry;
+    std::uint32_t ownSize;
+    std::uint32_t commonSize;
+    std::array<unsigned char, 144> bytes;  // own, then common
+
+    bool holds(const UnwindDescription& found) const noexcept {
+        return found.own == description && found.ownSize == ownSize &&
+               found.commonSize == commonSize &&
+               std::memcmp(bytes.data(), found.own, ownSize) == 0 &&
+               std::memcmp(bytes.data() + ownSize, found.common, commonSize) == 0;
+    }
+};
+
+class RuleCache {
+public:
+    const CachedRule* find(std::uintptr_t returnAddress) const noexcept {
+        for (std::size_t i = 0; i < kProbes; ++i) {
+            const CachedRule* const rule =
+                slot(returnAddress, i).load(std::memory_order_acquire);  // with add()
+            if (rule == nullptr) return nullptr;
+            if (rule->returnAddress == returnAddress) return rule;
+        }
+        return nullptr;
+    }
+
+    void add(std::uintptr_t returnAddress, std::uint32_t entry, std::uintptr_t function,
+             const UnwindRule& rule, const UnwindDescription& from) noexcept {
+        if (from.ownSize + from.commonSize > sizeof CachedRule::bytes) return;
+        for (std::size_t i = 0; i < kProbes; ++i) {
+            auto& place = slot(returnAddress, i);
+            const CachedRule* present = place.load(std::memory_order_acquire);  // with below
+            if (present != nullptr && present->returnAddress != returnAddress) continue;
+            // Relaxed: an entry belongs to who drew its number. The test keeps the count from
+            // running over.
+            if (m_used.load(std::memory_order_relaxed) >= kEntries) return;
+            const std::size_t number = m_used.fetch_add(1, std::memory_order_relaxed);
+            if (number >= kEntries) return;
+            CachedRule& added = m_entries[number];
+            added = {returnAddress, from.own,     function,        rule,
+                     entry,         from.ownSize, from.commonSize, {}};
+            std::memcpy(added.bytes.data(), from.own, from.ownSize);
+            std::memcpy(added.bytes.data() + from.ownSize, from.common, from.commonSize);
+            // Release: with the loads above. A thread that was faster has the same to say.
+            place.compare_exchange_strong(present, &added, std::memory_order_release,
+                                          std::memory_order_relaxed);
+            return;
+        }
+    }
+
+private:
+    static constexpr std::size_t kEntries = 2048;
+    static constexpr std::size_t kSlots = 4096;
+    static constexpr std::size_t kProbes = 4;
+
+    std::atomic<const CachedRule*>& slot(std::uintptr_t returnAddress,
+                                         std::size_t probe) const noexcept {
+        const std::uint64_t mixed = returnAddress * std::uint64_t{0x9E3779B97F4A7C15};
+        return m_slots[((mixed >> 40) + probe) % kSlots];
+    }
+
+    mutable std::array<std::atomic<const CachedRule*>, kSlots> m_slots{};
+    std::array<CachedRule, kEntries> m_entries{};
+    std::atomic<std::size_t> m_used{0};
+};
+
+constinit RuleCache cache;
+
+// The loaded object that the walk is in.
+class LoadedObject {
+public:
+    const UnwindTable& tableFor(std::uintptr_t address) noexcept {
+        if (address - m_begin >= m_size) look(address);
+        return m_table;
+    }
+
+private:
+    void look(std::uintptr_t address) noexcept {
+        dl_find_object found{};
+        *this = {};
+        if (::_dl_find_object(reinterpret_cast<void*>(address), &found) != 0) return;
+        m_begin = reinterpret_cast<std::uintptr_t>(found.dlfo_map_start);
+        m_size = reinterpret_cast<std::uintptr_t>(found.dlfo_map_end) - m_begin;
+        m_table = UnwindTable(static_cast<const unsigned char*>(found.dlfo_eh_frame));
+    }
+
+    std::uintptr_t m_begin = 0;
+    std::uintptr_t m_size = 0;
+    UnwindTable m_table;
+};
+
+UnwindRule ruleFor(std::uintptr_t returnAddress, LoadedObject& object,
+                   std::uintptr_t& function) noexcept {
+    const std::uintptr_t address = returnAddress - 1;
+    const UnwindTable& table = object.tableFor(address);
+    if (!table.isUsable()) return {};
+    const CachedRule* const known = cache.find(returnAddress);
+    const std::uint32_t entry = table.find(address, known != nullptr ? known->entry : 0);
+    const auto description = UnwindDescription::at(table.description(entry));
+    if (known != nullptr && known->holds(description)) {
+        function = known->function;
+        return known->rule;
+    }
+    const UnwindRule rule = description.ruleAt(address, function);
+    if (rule.isUsable()) cache.add(returnAddress, entry, function, rule, description);
+    return rule;
+}
+
+std::uintptr_t add(std::uintptr_t address, std::int32_t offset) noexcept {
+    return address + static_cast<std::uintptr_t>(std::intptr_t{offset});
+}
+
+// Reads what other functions left on the stack, where a sanitizer may have marked it.
+[[gnu::no_sanitize_address]] std::uintptr_t wordAt(std::uintptr_t address) noexcept {
+    return *reinterpret_cast<const volatile std::uintptr_t*>(address);
+}
+
+struct Registers {
+    std::uintptr_t returnAddress;
+    std::uintptr_t stackPointer;
+    std::uintptr_t framePointer;
+
+    // Goes to the caller, or above the outermost frame. False when that leads nowhere.
+    bool leave(const UnwindRule& rule) noexcept {
+        std::uintptr_t cfa =
+            rule.cfa == UnwindRule::Cfa::StackPointer ? stackPointer : framePointer;
+        cfa = add(cfa, rule.cfaOffset);
+        if (rule.cfa == UnwindRule::Cfa::AtFramePointer) cfa = wordAt(cfa);
+        if (cfa <= stackPointer || cfa % sizeof cfa != 0) return false;
+        stackPointer = cfa;
+        if (rule.caller == UnwindRule::Caller::None) return true;
+        if (rule.framePointer == UnwindRule::FramePointer::AtCfa)
+            framePointer = wordAt(add(cfa, rule.framePointerOffset));
+        else if (rule.framePointer == UnwindRule::FramePointer::AtFramePointer)
+            framePointer = wordAt(add(framePointer, rule.framePointerOffset));
+        returnAddress = wordAt(cfa - sizeof cfa);
+        return true;
+    }
+};
+
+}  // namespace
+
+[[gnu::noinline]] TableWalk walkByTables(FrameVisitor visit, void* context) noexcept {
+    Registers here{};
+    asm volatile(
+        "lea 0(%%rip), %0\n\t"
+        "mov %%rsp, %1\n\t"
+        "mov %%rbp, %2"
+        : "=&r"(here.returnAddress), "=&r"(here.stackPointer), "=r"(here.framePointer));
+    TableWalk walk;
+    LoadedObject object;
+    ZoneExit zone;
+    for (;;) {
+        StackFrame frame{here.returnAddress, {}};
+        const UnwindRule rule = ruleFor(frame.returnAddress, object, frame.identity.function);
+        if (!rule.isUsable() || !here.leave(rule)) return walk;
+        frame.identity.cfa = here.stackPointer;
+        const bool isVisited = zone.isOutside(frame.returnAddress);
+        const bool wantsMore = !isVisited || visit(context, frame);
+        walk.visited += isVisited ? 1 : 0;
+        walk.isDone = !wantsMore || rule.caller == UnwindRule::Caller::None;
+        if (walk.isDone) return walk;
+    }
+}
+
+#else
+
+TableWalk walkByTables(FrameVisitor /*visit*/, void* /*context*/) noexcept {
+    return {};
+}
+
+#endif
+
+}  // namespace veltra

@@ -1,0 +1,78 @@
+// The unwinding tables of one loaded object, read in place: what they say about a frame of x86-64
+// whose caller can be found with stack and frame pointer alone, which is nearly every one.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+namespace veltra {
+
+// How a frame's caller is found. The saved return address lies below the canonical frame address.
+struct UnwindRule {
+    enum class Cfa : std::uint8_t { Unknown, StackPointer, FramePointer, AtFramePointer };
+    enum class Caller : std::uint8_t { Unknown, None, BelowCfa };
+    enum class FramePointer : std::uint8_t { Unknown, Same, AtCfa, AtFramePointer };
+
+    Cfa cfa = Cfa::Unknown;  // the register plus `cfaOffset`, or what lies in memory there
+    Caller caller = Caller::BelowCfa;
+    FramePointer framePointer = FramePointer::Same;  // where the caller's is: plus its offset
+    std::int32_t cfaOffset = 0;
+    std::int32_t framePointerOffset = 0;
+
+    bool isUsable() const noexcept {
+        return cfa != Cfa::Unknown && caller != Caller::Unknown &&
+               framePointer != FramePointer::Unknown;
+    }
+};
+
+// A table is trusted as the unwinder trusts it: the linker made it.
+class UnwindTable {
+public:
+    UnwindTable() noexcept = default;
+
+    // `header`: the object's .eh_frame_hdr. Only the form that linkers write today is understood.
+    explicit UnwindTable(const unsigned char* header) noexcept;
+
+    bool isUsable() const noexcept { return m_count != 0; }
+
+    // The entry of the function that `address` may lie in; `hint` is tried first.
+    std::uint32_t find(std::uintptr_t address, std::uint32_t hint) const noexcept;
+
+    // The description of an entry's function.
+    const unsigned char* description(std::uint32_t entry) const noexcept {
+        return m_header + word(entry * 2 + 1);
+    }
+
+private:
+    std::int32_t word(std::uint32_t index) const noexcept {
+        std::int32_t value = 0;
+        std::memcpy(&value, m_header + 12 + std::size_t{index} * 4, sizeof value);
+        return value;
+    }
+    bool isAtOrBelow(std::uint32_t entry, std::uintptr_t address) const noexcept {
+        return reinterpret_cast<std::uintptr_t>(m_header) +
+                   static_cast<std::uintptr_t>(std::intptr_t{word(entry * 2)}) <=
+               address;
+    }
+
+    const unsigned char* m_header = nullptr;
+    std::uint32_t m_count = 0;
+};
+
+// One function's description and the common part that it names: two runs of bytes, from which with
+// the address everything else follows.
+struct UnwindDescription {
+    const unsigned char* own = nullptr;  // from the length on
+    std::uint32_t ownSize = 0;
+    const unsigned char* common = nullptr;
+    std::uint32_t commonSize = 0;
+
+    // All null for a form that is not understood.
+    static UnwindDescription at(const unsigned char* description) noexcept;
+
+    // The rule in force at `address`, and where the function starts. Unusable when the address lies
+    // outside the function or the description says more than the rule can hold.
+    UnwindRule ruleAt(std::uintptr_t address, std::uintptr_t& function) const noexcept;
+};
+
+}  // namespace veltra
