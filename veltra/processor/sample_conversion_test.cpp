@@ -45,10 +45,12 @@ Floats toFloats(Form form, const Bytes& bytes) {
     return floats;
 }
 
-Bytes fromFloats(Form form, const Floats& floats) {
+// At most `run` samples a call.
+Bytes fromFloats(Form form, const Floats& floats, std::size_t run = SIZE_MAX) {
     Bytes bytes(floats.size() * form.size());
-    GetConvertFloatToN(form.format, form.swapped)(bytes.data(), floats.data(), floats.size(),
-                                                  nullptr);
+    const ConvertFloatToNProc convert = GetConvertFloatToN(form.format, form.swapped);
+    for (std::size_t at = 0; at < floats.size(); at += std::min(run, floats.size() - at))
+        convert(&bytes[at * form.size()], &floats[at], std::min(run, floats.size() - at), nullptr);
     return bytes;
 }
 
@@ -70,7 +72,10 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
             everyExponent.push_back(std::bit_cast<float>(top << 23 | low));
     }
     const auto expectExact = [&](const Form form) {
-        EXPECT_EQ(fromFloats(form, everyExponent), integersOf(form, everyExponent)) << form.format;
+        for (const std::size_t run : {64U, 8192U}) {
+            EXPECT_EQ(fromFloats(form, everyExponent, run), integersOf(form, everyExponent))
+                << form.format;
+        }
         const int bits = 8 * form.format;
         const std::int64_t half = std::int64_t{1} << (bits - 1);
         const std::int64_t step = bits == 32 ? 4099 : 1;

@@ -41,6 +41,7 @@ struct Avx2 : Avx2Memory {
     static constexpr std::size_t kLanes = 8;
     static constexpr std::size_t kBlocks = 4;
     static constexpr std::size_t kLongRun = 0;
+    static constexpr std::size_t kGroup = 0;
 
     template <class Sample, int channels, int channel>
     static Register spread(Register bytes) {

@@ -12,7 +12,8 @@ struct alignas(64) Places {
     std::uint64_t counts = 0;
 };
 
-template <class Sample, int channels, int channel>
+// The samples begin `start` bytes into the register.
+template <class Sample, int channels, int channel, int start>
 constexpr Places spreadPlaces() {
     Places places;
     for (int byte = 0; byte < 64; ++byte) {
@@ -20,45 +21,75 @@ constexpr Places spreadPlaces() {
         if (memory < 0) continue;
         const int sample = byte / 4 * channels + channel;
         places.from[byte] =
-            static_cast<unsigned char>(sample * static_cast<int>(Sample::kSize) + memory);
+            static_cast<unsigned char>(start + sample * static_cast<int>(Sample::kSize) + memory);
         places.counts |= std::uint64_t{1} << byte;
     }
     return places;
 }
 
-// `counts` tells the second channel's bytes from the first's.
-template <class Sample, int channels, int firstSample>
-constexpr Places packPlaces() {
+// Which bytes of words make 64 bytes of a stream, from `start` on. The words stand in registers of
+// 16 frames and a channel, the channels of the same frames side by side.
+struct alignas(64) PackPlaces {
+    unsigned char from[64] = {};
+    std::uint64_t of[4] = {};  // the bytes that each register gives
+};
+
+template <class Sample, int channels, int start>
+constexpr PackPlaces packPlaces() {
     constexpr int kSize = static_cast<int>(Sample::kSize);
-    Places places;
+    PackPlaces places;
     for (int byte = 0; byte < 64; ++byte) {
-        const int sample = firstSample + byte / kSize;
-        const int from = sample / channels * 4 + Sample::wordByte(byte % kSize);
-        places.from[byte] = static_cast<unsigned char>(from % 64);
-        if (sample % channels == 1) places.counts |= std::uint64_t{1} << byte;
+        const int sample = (start + byte) / kSize;
+        const int frame = sample / channels;
+        const int from = frame % 16 * 4 + Sample::wordByte((start + byte) % kSize);
+        places.from[byte] = static_cast<unsigned char>(from);
+        const int owner = frame / 16 * channels + sample % channels;
+        if (owner < 4) places.of[owner] |= std::uint64_t{1} << byte;
     }
     return places;
 }
 
-template <class Sample, int channels, int channel>
-constexpr Places kSpread = spreadPlaces<Sample, channels, channel>();
-template <class Sample, int channels, int firstSample>
-constexpr Places kPack = packPlaces<Sample, channels, firstSample>();
+template <class Sample, int channels, int channel, int start = 0>
+constexpr Places kSpread = spreadPlaces<Sample, channels, channel, start>();
+template <class Sample, int channels, int start>
+constexpr PackPlaces kPack = packPlaces<Sample, channels, start>();
+
+template <const PackPlaces& places, int count, int next = 0>
+[[gnu::always_inline]] inline __m512i gathered(const __m512i* words, __m512i bytes) {
+    if constexpr (next < count) {
+        if constexpr (places.of[next] != 0) {
+            bytes = _mm512_mask_permutexvar_epi8(bytes, places.of[next],
+                                                 _mm512_load_si512(places.from), words[next]);
+        }
+        return gathered<places, count, next + 1>(words, bytes);
+    }
+    return bytes;
+}
 
 struct Avx512Long;
 
 struct Avx512 : Avx512Memory {
     using Long = Avx512Long;
     static constexpr std::size_t kLongRun = 256;
+    static constexpr std::size_t kGroup = 4;
     static constexpr std::size_t kLanes = 16;
     static constexpr std::size_t kBlocks = 4;
 
-    template <class Sample, int channels, int channel>
+    template <class Sample, int channels, int channel, int start = 0>
     static Register spread(Register bytes) {
-        constexpr const Places& kPlaces = kSpread<Sample, channels, channel>;
+        constexpr const Places& kPlaces = kSpread<Sample, channels, channel, start>;
         if constexpr (Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder) return bytes;
         return _mm512_maskz_permutexvar_epi8(kPlaces.counts, _mm512_load_si512(kPlaces.from),
                                              bytes);
+    }
+
+    // Whole loads, none of them beyond the group: the last samples are the end of their load.
+    template <class Sample>
+    static void spreadGroup(const unsigned char* from, Register (&words)[kGroup]) {
+        words[0] = spread<Sample, 1, 0>(load<64>(from));
+        words[1] = spread<Sample, 1, 0>(load<64>(from + 48));
+        words[2] = spread<Sample, 1, 0>(load<64>(from + 96));
+        words[3] = spread<Sample, 1, 0, 16>(load<64>(from + 128));
     }
 
     static void split(Register low, Register high, Register& even, Register& odd) {
@@ -98,16 +129,22 @@ struct Avx512 : Avx512Memory {
 
     template <class Sample, int channels, int index>
     static Register packed(const Register* words) {
-        constexpr int kFirst =
-            16 * channels / static_cast<int>(kFrameRegisters<Sample, channels>) * index;
-        constexpr const Places& kPlaces = kPack<Sample, channels, kFirst>;
-        if constexpr (channels == 1 && Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder)
-            return words[0];
-        const Register from = _mm512_load_si512(kPlaces.from);
-        const Register bytes = _mm512_permutexvar_epi8(from, words[0]);
-        if constexpr (channels == 1) return bytes;
-        return _mm512_mask_permutexvar_epi8(bytes, kPlaces.counts, from, words[channels - 1]);
+        constexpr int kBytes = 16 * channels * Sample::kSize / kFrameRegisters<Sample, channels>;
+        if constexpr (kMoves<Sample, channels>) return words[index];
+        return gathered<kPack<Sample, channels, index * kBytes>, channels>(words,
+                                                                           _mm512_setzero_si512());
     }
+
+    template <class Sample, int channels, int index>
+    static Register packedGroup(const Register (&words)[kGroup]) {
+        if constexpr (kMoves<Sample, channels>) return words[index];
+        return gathered<kPack<Sample, channels, index * 64>, kGroup>(words, _mm512_setzero_si512());
+    }
+
+private:
+    template <class Sample, int channels>
+    static constexpr bool kMoves =
+        channels == 1 && Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder;
 };
 
 // With fewer steps, for which the thread's arithmetic is changed for a while.

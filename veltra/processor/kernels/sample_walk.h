@@ -23,7 +23,12 @@
 //     kLongRun, Long                so many samples and more are another Vector's, in the
 //                                   Environment that it needs; 0: none
 //     kFrameRegisters<Sample, channels>      how many registers a block of a stream takes
-//     packed<Sample, index>(words)  the index-th of them, out of the words of each channel
+//     packed<Sample, channels, index>(words)  the index-th of them, out of the words of each
+//     channel kGroup                        how many registers of words are read and written
+//     together, when
+//                                   there are as many; 0: none
+//     spreadGroup<Sample>(from, words)             a group of samples of 3 bytes
+//     packedGroup<Sample, channels, index>(words)  the index-th register of a group's bytes
 #pragma once
 
 #include "veltra/processor/detail/bytes.h"
@@ -127,9 +132,13 @@ private:
     template <std::size_t blocks, bool isPart>
     [[gnu::always_inline]] void run(std::size_t frame, std::size_t frames) const {
         Register samples[blocks][channels];
-        for (std::size_t block = 0; block < blocks; ++block) {
-            read<isPart>(source + kFrameSize * (frame + block * Vector::kLanes), frames,
-                         samples[block]);
+        if constexpr (Sample::kSize == 3 && Vector::kGroup == blocks * channels) {
+            readGroup<blocks>(source + kFrameSize * frame, samples);
+        } else {
+            for (std::size_t block = 0; block < blocks; ++block) {
+                read<isPart>(source + kFrameSize * (frame + block * Vector::kLanes), frames,
+                             samples[block]);
+            }
         }
         for (std::size_t block = 0; block < blocks; ++block) {
             for (std::size_t channel = 0; channel < channels; ++channel) {
@@ -137,6 +146,19 @@ private:
                     destinations[channel] + 4 * (frame + block * Vector::kLanes),
                     samples[block][channel], 4 * frames);
             }
+        }
+    }
+
+    template <std::size_t blocks>
+    [[gnu::always_inline]] static void readGroup(const unsigned char* from,
+                                                 Register (&samples)[blocks][channels]) {
+        Register words[blocks * channels];
+        Vector::template spreadGroup<Sample>(from, words);
+        for (std::size_t block = 0; block < blocks; ++block) {
+            Register* const own = words + block * channels;
+            if constexpr (channels == 2) Vector::split(own[0], own[1], own[0], own[1]);
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                samples[block][channel] = Vector::floatsOf(own[channel]);
         }
     }
 
@@ -193,10 +215,23 @@ private:
             }
         }
         if constexpr (!Sample::kIsFloat) Vector::template fractionsOf<Sample::kSize>(words);
+        if constexpr (!isPart && Vector::kGroup == blocks * channels) {
+            return writeGroup<0>(destination + kFrameSize * frame, words);
+        }
         for (std::size_t block = 0; block < blocks; ++block) {
             unsigned char* const to = destination + kFrameSize * (frame + block * Vector::kLanes);
             write<isPart, 0>(to, words + block * channels, kFrameSize * frames);
         }
+    }
+
+    template <std::size_t index, std::size_t count>
+    [[gnu::always_inline]] static void writeGroup(unsigned char* to,
+                                                  const Register (&words)[count]) {
+        constexpr std::size_t kBytes = 4 * Vector::kLanes;
+        Register bytes = Vector::template packedGroup<Sample, channels, index>(words);
+        if constexpr (Sample::kIsUnsigned) bytes = Vector::flipped(bytes);
+        Vector::template store<kBytes>(to + index * kBytes, bytes);
+        if constexpr (index + 1 < Sample::kSize) writeGroup<index + 1>(to, words);
     }
 
     template <bool isPart, std::size_t index>
