@@ -119,8 +119,9 @@ std::map<std::string, List> lists(std::size_t size) {
 }
 
 TEST(Transients, SortsAreStableAndThinningKeepsTheWeakestInListsOfEveryKindAndSize) {
-    for (const std::size_t size : {0, 1, 2, 20, 21, 127, 128, 1000, 4096, 4097, 30000, 132000}) {
+    for (const std::size_t size : {0, 1, 2, 20, 21, 127, 128, 1000, 4097, 10000, 132000}) {
         for (const auto& [name, list] : lists(size)) {
+            if (size > 100'000 && name != "random" && name != "extreme") continue;
             List sorted = list, expected = list;
             sorted.SortByPos();
             std::stable_sort(expected.begin(), expected.end(), byPos);

@@ -42,6 +42,7 @@ template <typename Order, typename Record>
 void insertionSort(const Record* from, Record* to, std::size_t count) noexcept {
     if (count > 0) to[0] = from[0];
     for (std::size_t index = 1; index < count; ++index) {
+        if (from == to && !Order::less(from[index], to[index - 1])) continue;
         std::size_t place = index;
         const Record moved = from[index];
         for (; place > 0 && Order::less(moved, to[place - 1]); --place)
