@@ -278,9 +278,9 @@ bool isInOrder(std::span<const CTransient> list, Compare isRight) noexcept {
     for (; index + 4 <= list.size(); index += 4) {
         const std::int64_t first = list[index].pos, second = list[index + 1].pos;
         const std::int64_t third = list[index + 2].pos, fourth = list[index + 3].pos;
-        if (!(isRight(previous, first) & isRight(first, second) & isRight(second, third) &
-              isRight(third, fourth)))
-            return false;
+        const bool areRight[] = {isRight(previous, first), isRight(first, second),
+                                 isRight(second, third), isRight(third, fourth)};
+        if (!areRight[0] || !areRight[1] || !areRight[2] || !areRight[3]) return false;
         previous = fourth;
     }
     for (; index < list.size(); ++index) {
