@@ -51,16 +51,10 @@ std::map<std::string, List> lists(std::size_t size) {
     const auto below = [&](std::uint64_t limit) {
         return static_cast<std::int64_t>(random() % limit);
     };
-    constexpr float kSpecial[] = {0.0F,
-                                  -0.0F,
-                                  1e-42F,
-                                  -1e-42F,
-                                  std::numeric_limits<float>::infinity(),
-                                  -std::numeric_limits<float>::infinity(),
-                                  std::numeric_limits<float>::quiet_NaN(),
-                                  -std::numeric_limits<float>::quiet_NaN(),
-                                  std::numeric_limits<float>::max(),
-                                  -3.0F};
+    // Zeros, denormals, infinities, what is not a number, the greatest, and one of many.
+    constexpr std::uint32_t kSpecial[] = {0,          0x80000000, 1,          0x80000001,
+                                          0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC00000,
+                                          0x7F7FFFFF, 0xC0400000};
     constexpr std::int64_t kEnds[] = {Limits::min(), Limits::min() + 1, -1, 0, 1, Limits::max()};
     std::map<std::string, List> all;
     const auto add = [&](const char* name, auto make) {
@@ -79,7 +73,7 @@ std::map<std::string, List> lists(std::size_t size) {
     });
     add("extreme", [&](CTransient& t, std::int64_t) {
         t.pos = kEnds[below(6)];
-        t.Energy = kSpecial[below(10)];
+        t.Energy = std::bit_cast<float>(kSpecial[below(10)]);
     });
     add("clustered", [&](CTransient& t, std::int64_t) {
         t.pos = std::int64_t{1} << below(63);
@@ -119,8 +113,9 @@ std::map<std::string, List> lists(std::size_t size) {
 }
 
 TEST(Transients, SortsAreStableAndThinningKeepsTheWeakestInListsOfEveryKindAndSize) {
-    for (const std::size_t size : {0, 1, 2, 20, 21, 127, 128, 1000, 4096, 4097, 30000, 132000}) {
+    for (const std::size_t size : {0, 1, 2, 20, 21, 127, 128, 1000, 4097, 10000, 132000}) {
         for (const auto& [name, list] : lists(size)) {
+            if (size > 100'000 && name != "random" && name != "extreme") continue;
             List sorted = list, expected = list;
             sorted.SortByPos();
             std::stable_sort(expected.begin(), expected.end(), byPos);

@@ -7,6 +7,7 @@
 #include "veltra/audio/detail/transient_sort.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <span>
@@ -42,6 +43,7 @@ template <typename Order, typename Record>
 void insertionSort(const Record* from, Record* to, std::size_t count) noexcept {
     if (count > 0) to[0] = from[0];
     for (std::size_t index = 1; index < count; ++index) {
+        if (from == to && !Order::less(from[index], to[index - 1])) continue;
         std::size_t place = index;
         const Record moved = from[index];
         for (; place > 0 && Order::less(moved, to[place - 1]); --place)
@@ -52,16 +54,16 @@ void insertionSort(const Record* from, Record* to, std::size_t count) noexcept {
 
 // Among so many transients.
 inline std::size_t mostOutliers(std::size_t count) noexcept {
-    return count / 8 + 8;
+    return count / 8 + 16;
 }
 
 // Marks the transients without which the list is sorted: not the fewest there are, but near. An
 // element that is less than the last one kept is an outlier, or the last one is, when it fits the
-// one before; when many in a row do not fit, those kept before them are. Answers how many there
-// are; 0 when there are too many.
+// one before; when several in a row do not fit, those kept before them are, unless they are more.
+// Answers how many there are; 0 when there are too many.
 template <typename Order>
 std::size_t markOutliers(std::span<const CTransient> list, unsigned char* marks) noexcept {
-    constexpr std::size_t kRow = 8;
+    constexpr std::size_t kRow = 4;
     constexpr std::size_t kNone = ~std::size_t{0};
     std::memset(marks, 0, list.size());
     std::size_t marked = 0, row = 0, last = 0, beforeLast = kNone;
@@ -79,22 +81,23 @@ std::size_t markOutliers(std::span<const CTransient> list, unsigned char* marks)
             continue;
         }
         marks[index] = 1;
-        if (++row != kRow) continue;
+        ++row;
+        if (row < kRow || !std::has_single_bit(row)) continue;
 
-        const std::size_t first = index + 1 - kRow;
+        const std::size_t first = index + 1 - row;
         const CTransient& greatest =
             *std::max_element(list.data() + first, list.data() + index + 1, Order::less);
         std::size_t kept = last, dropped = 0;
-        for (; kept != kNone && dropped <= index / 16; kept = kept == 0 ? kNone : kept - 1) {
+        for (; kept != kNone && dropped <= row; kept = kept == 0 ? kNone : kept - 1) {
             if (marks[kept] != 0) continue;
             if (!Order::less(greatest, list[kept])) break;
             ++dropped;
         }
-        if (dropped > index / 16) continue;  // then it is the row that is out of place
+        if (dropped > row) continue;  // then it is the row that is out of place
         for (; last != kept; last = last == 0 ? kNone : last - 1)
             marks[last] = 1;
-        std::memset(marks + first, 0, kRow);
-        marked += dropped - kRow;
+        std::memset(marks + first, 0, row);
+        marked += dropped - row;
         beforeLast = kNone;
         row = 0;
         index = first - 1;

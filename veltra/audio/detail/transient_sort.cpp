@@ -84,7 +84,8 @@ public:
         return SampledSpread(keys, bits);
     }
 
-    bool isFlat() const noexcept { return m_range.bits() == 0; }
+    // Too narrow for segments: then the range itself will do.
+    bool isNarrow() const noexcept { return m_range.bits() < kSegmentBits + kFractionBits; }
     std::size_t buckets() const noexcept { return std::size_t{1} << m_bits; }
     std::size_t of(std::uint64_t key) const noexcept {
         const std::uint32_t at = place(std::clamp(key, m_range.low, m_range.high));
@@ -95,7 +96,8 @@ public:
 private:
     static constexpr unsigned kSegmentBits = 8, kFractionBits = 16;
     static constexpr std::uint32_t kFractionMask = (1U << kFractionBits) - 1;
-    static constexpr std::size_t kSegments = 1U << kSegmentBits, kSamples = 512;
+    static constexpr std::size_t kSegments = 1U << kSegmentBits;
+    static constexpr std::uint32_t kSamples = 512;
 
     struct Line {
         std::uint32_t base, rise;
@@ -112,9 +114,9 @@ private:
         const std::uint32_t last = (1U << bits) - 1;
         std::uint32_t below = 0;
         for (std::size_t segment = 0; segment < kSegments; ++segment) {
-            const auto base = static_cast<std::uint32_t>(below * last / kSamples);
+            const auto base = below * last / kSamples;
             below += sampled[segment];
-            m_lines[segment] = {base, static_cast<std::uint32_t>(below * last / kSamples) - base};
+            m_lines[segment] = {base, below * last / kSamples - base};
         }
     }
 
@@ -140,7 +142,7 @@ public:
             return sortRange(records, scratch, count, rangeOf<Order>(records, count));
         const auto spread =
             SampledSpread::of<Order>(records, count, isPart ? partBits(count) : splitBits(count));
-        if (spread.isFlat())
+        if (spread.isNarrow())
             return sortRange(records, scratch, count, rangeOf<Order>(records, count));
         if (!isPart) return split(records, scratch, count, spread);
         scatter(records, scratch, count, spread);
@@ -276,9 +278,9 @@ bool isInOrder(std::span<const CTransient> list, Compare isRight) noexcept {
     for (; index + 4 <= list.size(); index += 4) {
         const std::int64_t first = list[index].pos, second = list[index + 1].pos;
         const std::int64_t third = list[index + 2].pos, fourth = list[index + 3].pos;
-        if (!(isRight(previous, first) & isRight(first, second) & isRight(second, third) &
-              isRight(third, fourth)))
-            return false;
+        const bool areRight[] = {isRight(previous, first), isRight(first, second),
+                                 isRight(second, third), isRight(third, fourth)};
+        if (!areRight[0] || !areRight[1] || !areRight[2] || !areRight[3]) return false;
         previous = fourth;
     }
     for (; index < list.size(); ++index) {

@@ -4,6 +4,9 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include <xkbcommon/xkbcommon.h>
 
 namespace veltra {
 

@@ -8,6 +8,7 @@
 
 #include <linux/input-event-codes.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
+#include <xkbcommon/xkbcommon.h>
 
 namespace veltra {
 
@@ -157,6 +158,16 @@ private:
 };
 
 }  // namespace
+
+void XkbUnref::operator()(xkb_context* context) const noexcept {
+    xkb_context_unref(context);
+}
+void XkbUnref::operator()(xkb_keymap* keymap) const noexcept {
+    xkb_keymap_unref(keymap);
+}
+void XkbUnref::operator()(xkb_state* state) const noexcept {
+    xkb_state_unref(state);
+}
 
 const KeyboardLayout& platformKeyboardLayout() noexcept {
     static const Immortal<XkbKeyboardLayout> layout;

@@ -1,24 +1,28 @@
 // The keymap that translations start from, and where it comes from.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
-#include <xkbcommon/xkbcommon.h>
+struct xkb_context;
+struct xkb_keymap;
+struct xkb_state;
 
 namespace veltra {
 
-template <typename T, void (*unref)(T*)>
 struct XkbUnref {
-    void operator()(T* object) const noexcept { unref(object); }
+    void operator()(xkb_context* context) const noexcept;
+    void operator()(xkb_keymap* keymap) const noexcept;
+    void operator()(xkb_state* state) const noexcept;
 };
 
-using XkbContext = std::unique_ptr<xkb_context, XkbUnref<xkb_context, xkb_context_unref>>;
-using XkbKeymap = std::unique_ptr<xkb_keymap, XkbUnref<xkb_keymap, xkb_keymap_unref>>;
-using XkbState = std::unique_ptr<xkb_state, XkbUnref<xkb_state, xkb_state_unref>>;
+using XkbContext = std::unique_ptr<xkb_context, XkbUnref>;
+using XkbKeymap = std::unique_ptr<xkb_keymap, XkbUnref>;
+using XkbState = std::unique_ptr<xkb_state, XkbUnref>;
 
 struct LayoutInUse {
-    XkbKeymap keymap;              // null when there is none
-    xkb_layout_index_t group = 0;  // the one of its layouts that is active
+    XkbKeymap keymap;         // null when there is none
+    std::uint32_t group = 0;  // the one of its layouts that is active
 };
 
 // The layout of the display that DISPLAY names.
