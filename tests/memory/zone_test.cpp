@@ -85,7 +85,7 @@ TEST(ProcessZone, RefusesWhatTheCLibraryRefuses) {
     SKIP_WITHOUT_REAL_ZONE();
     void* untouched = &block;
     errno = 7;
-    for (const std::size_t alignment : {0, 4, 24})
+    for (const std::size_t alignment : {0U, 4U, 24U})
         EXPECT_EQ(::posix_memalign(&untouched, alignment, 8), EINVAL);
     EXPECT_EQ(::posix_memalign(&untouched, 64, SIZE_MAX - 1000), ENOMEM);
     EXPECT_TRUE(untouched == &block && errno == 7);

@@ -117,7 +117,7 @@ TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationAndNeverLosesIt
         EXPECT_EQ(Center::LeaveCriticalOperation(), room == 50);
     }
     const auto work = [] {
-        for (int round = 0; round < 200; ++round) {
+        for (int round = 0; round < 50; ++round) {
             Center::EnterCriticalOperation();
             Center::PostLMNotification(0, 0, 0, true);
             Center::LeaveCriticalOperation();

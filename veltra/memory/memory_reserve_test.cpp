@@ -40,8 +40,9 @@ protected:
         LimitedHeap::reset();
     }
     static void setOptions(long sensible, long block, long finalBlock) {
-        for (int index = 0; index < 3; ++index)
-            QKMemoryReserveSetOption(index, std::array{sensible, block, finalBlock}[index]);
+        QKMemoryReserveSetOption(kMemoryReserveMaxSensibleSize, sensible);
+        QKMemoryReserveSetOption(kMemoryReserveBlockSize, block);
+        QKMemoryReserveSetOption(kMemoryReserveFinalBlockSize, finalBlock);
     }
     void enter() {
         const auto note = [](void* context) {
@@ -194,11 +195,11 @@ TEST_F(MemoryReserve, ThreadsThatFailTogetherCostOneReserveAndTheCallbackMayFail
         levels.clear();
         enter();
         std::array<void*, 4> blocks{};
-        {
-            std::vector<std::jthread> threads;
-            for (void*& block : blocks)
-                threads.emplace_back([this, &block] { block = take(10); });
-        }
+        std::array<std::thread, 4> threads;
+        for (std::size_t index = 0; index < 4; ++index)
+            threads[index] = std::thread([&, index] { blocks[index] = take(10); });
+        for (std::thread& thread : threads)
+            thread.join();
         EXPECT_EQ(levels, "1");
         EXPECT_EQ(LimitedHeap::available, 10);
         LimitedHeap::available = 0;
