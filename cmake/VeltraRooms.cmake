@@ -36,7 +36,7 @@ endfunction()
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
 # host and links only the LIBRARIES that it names.
 function(veltra_test target)
-    cmake_parse_arguments(TEST "HOST" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE
@@ -46,5 +46,6 @@ function(veltra_test target)
     if(CMAKE_CROSSCOMPILING)
         set(seconds 900)  # emulated
     endif()
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${seconds})
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT ${seconds} ENVIRONMENT "${TEST_ENVIRONMENT}")
 endfunction()
