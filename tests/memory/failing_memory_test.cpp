@@ -176,8 +176,8 @@ Answer lowMemoryCenter() {
     std::optional<testing::FakePreferences> preferences;
     {
         const Unfailing now;
-        preferences.emplace(PropertyValue::Dictionary{{"LowMemoryReserve", 1000},
-                                                      {"MinAvailMemoryThreshold", 2000}});
+        preferences.emplace().stored = PropertyValue::Dictionary{{"LowMemoryReserve", 1000},
+                                                                 {"MinAvailMemoryThreshold", 2000}};
     }
     const Center::Observer count = [](void*, std::uint8_t, unsigned long) {
         return static_cast<unsigned long>(calls++ < 0);
