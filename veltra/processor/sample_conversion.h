@@ -68,7 +68,8 @@ typedef void (*ConvertFloatToNProc)(void* destination, const float* source, size
                                     const float* secondSource) VELTRA_NOEXCEPT;
 
 // The converter of a SampleFormat. For a format that there is not (swapped kSampleFloat64 among
-// them) it is one that does nothing and leaves the destination as it is; never null.
+// them) it is one that does nothing and leaves the destination as it is; never null. It stays with
+// the variant of the family "samples" (kernels.h) that is in force when it is looked up.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT ConvertNToFloatProc GetConvertNToFloat(int32_t format, bool swapped) VELTRA_NOEXCEPT;
 VELTRA_EXPORT ConvertFloatToNProc GetConvertFloatToN(int32_t format, bool swapped) VELTRA_NOEXCEPT;

@@ -99,6 +99,8 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
         std::for_each(kIntegers.begin(), kIntegers.end(), expectExact);
     }
     family.useBest();
+    volatile float denormal = 1e-40F;
+    EXPECT_GT(denormal * 2, 0) << "the thread's arithmetic is not what it was";
 }
 
 TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {

@@ -23,12 +23,13 @@
 //     kLongRun, Long                so many samples and more are another Vector's, in the
 //                                   Environment that it needs; 0: none
 //     kFrameRegisters<Sample, channels>      how many registers a block of a stream takes
-//     packed<Sample, channels, index>(words)  the index-th of them, out of the words of each
-//     channel kGroup                        how many registers of words are read and written
-//     together, when
-//                                   there are as many; 0: none
-//     spreadGroup<Sample>(from, words)             a group of samples of 3 bytes
-//     packedGroup<Sample, channels, index>(words)  the index-th register of a group's bytes
+//     packed<Sample, channels, index>(words)
+//                                   the index-th of them, out of a register of words a channel
+//     kGroup                        how many registers of words are read and written together,
+//                                   where a step has as many; 0: none
+//     spreadGroup<Sample>(from, words)       that many, of samples of 3 bytes
+//     packedGroup<Sample, channels, index>(words)
+//                                   the index-th register of a group's bytes
 #pragma once
 
 #include "veltra/processor/detail/bytes.h"

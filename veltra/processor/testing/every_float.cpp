@@ -80,6 +80,7 @@ int main() {
         std::printf("%zu bits %s %s floats: %u batches differ, %.1f s\n", 8 * form.format,
                     form.swapped ? "swapped" : "native", form.toFloat ? "to" : "from", count,
                     time.count());
+        std::fflush(stdout);
         total += count;
     }
     return total == 0 ? 0 : 1;
