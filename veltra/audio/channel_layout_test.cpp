@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <bit>
 #include <map>
+#include <sstream>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -53,36 +53,21 @@ TEST(ChannelLayout, EveryLayoutOrdersItsFormatsChannelsAndIsFoundByItsTag) {
     EXPECT_EQ(FindFormatForAudioChannelLayoutTag(0x10000, nullptr), 0U);
 }
 
-// What the tags' published names say of the order of their channels.
+// The number of each tag, and the order that its published name stands for.
 TEST(ChannelLayout, TagsHaveTheirPublishedNumbersAndOrders) {
-    const std::tuple<std::uint32_t, std::uint32_t, const char*> published[] = {
-        {100, 1, "L"},
-        {101, 2, "L R"},
-        {108, 4, "L R Ls Rs"},
-        {115, 4, "L R C Cs"},
-        {116, 4, "C L R Cs"},
-        {117, 5, "L R C Ls Rs"},
-        {118, 5, "L R Ls Rs C"},
-        {119, 5, "L C R Ls Rs"},
-        {120, 5, "C L R Ls Rs"},
-        {121, 6, "L R C LFE Ls Rs"},
-        {122, 6, "L R Ls Rs C LFE"},
-        {123, 6, "L C R Ls Rs LFE"},
-        {124, 6, "C L R Ls Rs LFE"},
-        {125, 7, "L R C LFE Ls Rs Cs"},
-        {126, 8, "L R C LFE Ls Rs Lc Rc"},
-        {127, 8, "C Lc Rc L R Ls Rs LFE"},
-        {129, 8, "L R Ls Rs C LFE Lc Rc"},
-        {139, 6, "L R Ls Rs C Cs"},
-        {141, 6, "C L R Ls Rs Cs"},
-        {142, 7, "C L R Ls Rs Cs LFE"},
-    };
-    for (const auto& [number, count, names] : published) {
-        const auto tag = static_cast<LayoutTag>((number << 16U) | count);
-        std::string found;
+    std::istringstream all(
+        "100 L,101 L R,108 L R Ls Rs,115 L R C Cs,116 C L R Cs,117 L R C Ls Rs,"
+        "118 L R Ls Rs C,119 L C R Ls Rs,120 C L R Ls Rs,121 L R C LFE Ls Rs,"
+        "122 L R Ls Rs C LFE,123 L C R Ls Rs LFE,124 C L R Ls Rs LFE,125 L R C LFE Ls Rs Cs,"
+        "126 L R C LFE Ls Rs Lc Rc,127 C Lc Rc L R Ls Rs LFE,129 L R Ls Rs C LFE Lc Rc,"
+        "139 L R Ls Rs C Cs,141 C L R Ls Rs Cs,142 C L R Ls Rs Cs LFE");
+    for (std::string published; std::getline(all, published, ',');) {
+        const auto count = std::count(published.begin(), published.end(), ' ');
+        const auto tag = static_cast<LayoutTag>(std::stoul(published) << 16U | std::size_t(count));
+        std::string found = published.substr(0, 3);
         for (const ChannelID channel : channelOrder(FindFormatForAudioChannelLayoutTag(tag), tag))
-            found += (found.empty() ? "" : " ") + std::string(GetChannelLabel(channel));
-        EXPECT_EQ(found, names);
+            found += std::string(" ") + GetChannelLabel(channel);
+        EXPECT_EQ(found, published);
         EXPECT_STRNE(nameOf(tag), "unknown");
     }
     EXPECT_STREQ(GetChannelLabel(11), "");

@@ -80,7 +80,8 @@ public:
     static SampledSpread of(const Record* records, std::size_t count, unsigned bits) noexcept {
         std::array<std::uint64_t, kSamples> keys;
         for (std::size_t sample = 0; sample < kSamples; ++sample)
-            keys[sample] = Order::key(records[sample * count / kSamples]);
+            keys[sample] = Order::key(
+                records[static_cast<std::size_t>(std::uint64_t{sample} * count / kSamples)]);
         return SampledSpread(keys, bits);
     }
 
