@@ -33,10 +33,7 @@ bool NotificationCenter::addObserver(void* context, Callback callback, const VLS
     if (callback == nullptr) return false;
     auto* added =
         new (std::nothrow) Observer{nullptr, context, callback, retainString(name), object};
-    if (added == nullptr) {
-        releaseString(name);
-        return false;
-    }
+    if (added == nullptr) return false;  // and no reference was taken
     if (this == &local()) resetInChildren(m_lock);
     const std::lock_guard guard(m_lock);
     Observer** end = &m_first;
