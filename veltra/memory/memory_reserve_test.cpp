@@ -96,18 +96,16 @@ TEST_F(MemoryReserve, GivesUpTheMainReserveThenTheFinalBlockAndComesBack) {
     EXPECT_EQ(zone.allocateAligned.load()(4096, 6 * kMiB), nullptr);  // all is given up
     EXPECT_TRUE(first && second && third);
     // Requests count whether they succeed or not: 60 + 45 + 5 + 6 since the release.
-    for (void* block : {first, second, third})
-        give(block);
+    give(first);
     EXPECT_THAT(world.lines, ElementsAre(kStart, kTaken));
-    LimitedHeap::available = 2;
+    LimitedHeap::largest = 2;
     QKMemoryReserveTryReserveReallocation();
     give(nullptr);  // in vain; what is freed from here on counts
-    LimitedHeap::available = 100;
-    give(take(11));
+    LimitedHeap::largest = 1000;
+    give(third);
     EXPECT_EQ(levels, "12");
-    QKMemoryReserveTryReserveReallocation();
     errno = 7;
-    give(nullptr);
+    give(second);
     EXPECT_EQ(errno, 7);
     EXPECT_EQ(levels, "120");
     EXPECT_EQ(LimitedHeap::available, 50);  // without the final block
@@ -118,14 +116,15 @@ TEST_F(MemoryReserve, GivesUpTheMainReserveThenTheFinalBlockAndComesBack) {
 }
 
 TEST_F(MemoryReserve, TakesItselfAgainWhenMoreThanTheSensibleSizeIsFreed) {
-    void* kept = take(9);
+    void* kept[] = {take(10), take(12)};
     reserveMode = ReserveMode::Corvid;
     enter();
     void* failed = take(40);
-    give(kept);
+    give(kept[0]);
     EXPECT_EQ(levels, "1");
     give(failed);
     EXPECT_EQ(levels, "10");
+    give(kept[1]);
     constexpr const char* kOnePiece = "QKMemReserve: allocating in Corvid mode\n";
     EXPECT_THAT(world.lines,
                 ElementsAre("QKMemReserve: starting in Corvid mode\n", kOnePiece, kOnePiece));
@@ -166,6 +165,12 @@ TEST_F(MemoryReserve, SplitsWhatIsNotToBeHadInOnePieceAndNests) {
         EXPECT_EQ(zone.reallocate.load(), nullptr);
         EXPECT_EQ(LimitedHeap::available, 100);
     }
+    LimitedHeap::largest = 1000;
+    LimitedHeap::available = 40;
+    reserveMode = ReserveMode::Marquee;
+    enter();
+    EXPECT_EQ(LimitedHeap::available, 40);  // pieces of a failed attempt go back
+    QKMemoryReserveExit();
 }
 
 TEST_F(MemoryReserve, TellsWhetherMemoryIsToBeHadInFragments) {

@@ -66,6 +66,6 @@ inline constexpr ZoneEntries kLimitedHeap{
     },
     __wrap_realloc,
     __wrap_free,
-    ::malloc_usable_size};
+    [](void* block) noexcept { return ::malloc_usable_size(block) / kMiB * kMiB; }};
 
 }  // namespace veltra::testing
