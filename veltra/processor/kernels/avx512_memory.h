@@ -16,7 +16,8 @@ struct Avx512Memory {
     static constexpr std::size_t kBytes = 64;
 
     static std::uint64_t first(std::size_t count) {
-        return _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(count));
+        // Not the instruction for it, which 32-bit hosts lack.
+        return count < 64 ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
     }
 
     template <std::size_t bytes>
