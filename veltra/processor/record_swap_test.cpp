@@ -40,7 +40,7 @@ TEST(RecordSwap, RunsOfFieldsEqualTheSameFieldsOneByOne) {
     std::mt19937 random(4);
     std::vector<unsigned char> original(70'000), single, run;
     std::generate(original.begin(), original.end(), [&] { return random() & 0xFFU; });
-    for (std::size_t code = 0; code < 256 * 30; ++code) {
+    for (std::size_t code = 0; code < std::size_t{256} * 30; ++code) {
         const auto field = static_cast<std::uint8_t>(code);
         const int count = code % 30 < 20 ? static_cast<int>(code % 30) : 100;
         single = run = original;
@@ -54,19 +54,19 @@ TEST(RecordSwap, RunsOfFieldsEqualTheSameFieldsOneByOne) {
         ASSERT_TRUE(run == single) << code;
     }
     SetPIntelLimit(UINTPTR_MAX);
-    for (const int size : {2, 4, 8}) {
+    for (const std::size_t size : {2U, 4U, 8U}) {
         for (const std::size_t fields : {1U, 7U, 16U, 17U, 1040U, 2500U}) {
-            for (const int ahead : {-40, -3, 0, 1, 9, 30'000}) {
+            for (const std::size_t start : {60U, 97U, 100U, 101U, 109U, 30'100U}) {
                 std::vector<std::int8_t> sizes(fields + 2, static_cast<std::int8_t>(size));
                 sizes.back() = 0;
                 single = run = original;
-                SwapData(&run[100 + ahead], &run[100], sizes.data(), size * (fields + 1) - 1);
+                SwapData(&run[start], &run[100], sizes.data(), size * (fields + 1) - 1);
                 for (std::size_t i = 0; i < fields; ++i) {
-                    unsigned char* const to = &single[100 + ahead + i * size];
+                    unsigned char* const to = &single[start + i * size];
                     std::memmove(to, &single[100 + i * size], size);
                     std::reverse(to, to + size);
                 }
-                ASSERT_TRUE(run == single) << size << ' ' << fields << ' ' << ahead;
+                ASSERT_TRUE(run == single) << size << ' ' << fields << ' ' << start;
             }
         }
     }
