@@ -218,9 +218,9 @@ TEST(Transients, TheListAsStatementsIsTheListAgain) {
     EXPECT_EQ(squeezed(transients.TraceAsPushBackList()), squeezed(EXPANDED_TEXT_OF(STATEMENTS)));
     EXPECT_EQ(List().TraceAsPushBackList(), "");
 
-    CTransient untouched = transients[0];
-    SwapTransientCallback(&untouched, 1024);
-    EXPECT_EQ(std::memcmp(&untouched, &transients[0], sizeof untouched), 0);
+    const List before = transients;
+    SwapTransientCallback(transients.data(), 1024);
+    EXPECT_TRUE(areSame(transients, before));
 }
 
 }  // namespace
