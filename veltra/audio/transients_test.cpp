@@ -57,42 +57,32 @@ std::map<std::string, List> lists(std::size_t size) {
                                           0x7F7FFFFF, 0xC0400000};
     constexpr std::int64_t kEnds[] = {Limits::min(), Limits::min() + 1, -1, 0, 1, Limits::max()};
     std::map<std::string, List> all;
-    const auto add = [&](const char* name, auto make) {
-        List list(size);
-        for (std::size_t index = 0; index < size; ++index)
-            make(list[index], static_cast<std::int64_t>(index));
-        all.emplace(name, std::move(list));
+    const auto add = [&](const char* name, auto positionAt, auto energyAt) {
+        for (std::int64_t index = 0; index < static_cast<std::int64_t>(size); ++index)
+            all[name].push_back({positionAt(index), static_cast<float>(energyAt(index))});
     };
-    add("random", [&](CTransient& t, std::int64_t) {
-        t.pos = static_cast<std::int64_t>(random());
-        t.Energy = static_cast<float>(below(1 << 24)) / static_cast<float>(1 << 24);
-    });
-    add("few values", [&](CTransient& t, std::int64_t) {
-        t.pos = below(7);
-        t.Energy = static_cast<float>(below(3));
-    });
-    add("extreme", [&](CTransient& t, std::int64_t) {
-        t.pos = kEnds[below(6)];
-        t.Energy = std::bit_cast<float>(kSpecial[below(10)]);
-    });
-    add("clustered", [&](CTransient& t, std::int64_t) {
-        t.pos = std::int64_t{1} << below(63);
-        t.pos += below(5);
-        t.Energy = std::ldexp(1.0F, static_cast<int>(below(200)) - 100);
-    });
-    all["equal"] = List(size);
-    add("reversed", [&](CTransient& t, std::int64_t index) {
-        t.pos = -index;
-        t.Energy = static_cast<float>(-index);
-    });
-    add("sorted", [&](CTransient& t, std::int64_t index) {
-        t.pos = index / 3;
-        t.Energy = static_cast<float>(index / 2);
-    });
-    for (const std::int64_t oneIn : {100, 12, 4}) {
+    using Index = std::int64_t;
+    add(
+        "random", [&](Index) { return static_cast<Index>(random()); },
+        [&](Index) { return std::ldexp(below(1 << 24), -24); });
+    add(
+        "few values", [&](Index) { return below(7); }, [&](Index) { return below(3); });
+    add(
+        "extreme", [&](Index) { return kEnds[below(6)]; },
+        [&](Index) { return std::bit_cast<float>(kSpecial[below(10)]); });
+    add(
+        "clustered", [&](Index) { return (Index{1} << below(63)) - below(5); },
+        [&](Index) { return std::ldexp(1.0F, static_cast<int>(below(200)) - 100); });
+    add(
+        "equal", [](Index) { return 1; }, [](Index) { return 1; });
+    add(
+        "reversed", [](Index index) { return -index; }, [](Index index) { return -index; });
+    add(
+        "sorted", [](Index index) { return index / 3; }, [](Index index) { return index / 2; });
+    for (const std::uint64_t oneIn : {100U, 12U, 4U}) {
         List list = all["sorted"];
         for (std::size_t index = 0; index + 1 < size; ++index) {
-            if (below(static_cast<std::uint64_t>(oneIn)) == 0)
+            if (below(oneIn) == 0)
                 std::swap(list[index], list[static_cast<std::size_t>(below(size))]);
         }
         all["swapped 1 in " + std::to_string(oneIn)] = list;
@@ -228,9 +218,9 @@ TEST(Transients, TheListAsStatementsIsTheListAgain) {
     EXPECT_EQ(squeezed(transients.TraceAsPushBackList()), squeezed(EXPANDED_TEXT_OF(STATEMENTS)));
     EXPECT_EQ(List().TraceAsPushBackList(), "");
 
-    CTransient untouched = transients[0];
-    SwapTransientCallback(&untouched, 1024);
-    EXPECT_EQ(std::memcmp(&untouched, &transients[0], sizeof untouched), 0);
+    const List before = transients;
+    SwapTransientCallback(transients.data(), 1024);
+    EXPECT_TRUE(areSame(transients, before));
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include "veltra/audio/detail/transient_sort.h"
 
 #include "veltra/audio/detail/nearly_sorted.h"
-#include "veltra/platform/work_memory.h"
+#include "veltra/platform/detail/work_memory.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "veltra/platform/work_memory.h"
+#include "veltra/platform/detail/work_memory.h"
 
 #include <cstdlib>
 #include <limits>
