@@ -237,12 +237,13 @@ TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
         inScope([&] { std::thread([&] { keep(take(1000)); }).join(); });
         EXPECT_EQ(leaking(), 0);
         inScope([&] {  // through a frame of the C library
-            static std::vector<void*>* taken = &blocks;
+            static void* taken = nullptr;
             int numbers[] = {2, 1};
             std::qsort(numbers, 2, sizeof(int), [](const void*, const void*) {
-                if (taken != nullptr) std::exchange(taken, nullptr)->push_back(take(16));
+                if (taken == nullptr) taken = take(16);
                 return 0;
             });
+            keep(taken);
         });
         EXPECT_EQ(leaking(), 16);
         keep(recursive(100));
