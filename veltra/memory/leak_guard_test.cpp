@@ -48,7 +48,8 @@ AllocationZone zone{
      plainFree, ::malloc_usable_size}};
 
 [[gnu::noinline]] void* take(std::size_t size) {
-    return zone.allocate.load()(size);
+    void* volatile block = zone.allocate.load()(size);  // no tail call: the frame stays
+    return block;
 }
 void* again(void* block, std::size_t size) {
     return zone.reallocate.load()(block, size);
@@ -111,7 +112,7 @@ TEST(LeakGuard, PrintsTheNewestLeaksUpToTheLimit) {
     guarded([](auto& preferences) {
         preferences.all =
             PropertyValue::Dictionary{{"LeakGuardEnabled", "yes"}, {"LeakGuardPrintLimit", 2}};
-        for (const std::size_t size : {1, 20, 300})
+        for (const std::size_t size : {1U, 20U, 300U})
             (void)takeInScope(size);
         const auto report = printed([] { QKLeakGuard::ResetHistory(true); });
         EXPECT_EQ(report.find("LLD: 300 bytes on"), 0U);
