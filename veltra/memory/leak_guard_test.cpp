@@ -19,9 +19,13 @@ std::atomic<long> live{0};
 std::atomic<long> untilRefusal{0};
 std::atomic<std::size_t> lastRequest{0};
 
+void (*onRefusal)() = [] {};
+
 bool refuses(std::size_t size) noexcept {
     lastRequest = size;
-    return untilRefusal > 0 && --untilRefusal == 0;
+    if (untilRefusal == 0 || --untilRefusal != 0) return false;
+    onRefusal();
+    return true;
 }
 void* counted(void* block) noexcept {
     if (block != nullptr) ++live;
@@ -91,6 +95,7 @@ TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
         for (auto at = report.find(start); at < report.size(); at = report.find(start, at + 1))
             callers.push_back(std::strtoul(&report[at + start.size()], nullptr, 16));
         ASSERT_EQ(callers.size(), 16U);
+        EXPECT_NE(callers[5], 0U);
         EXPECT_LT(callers[1] - reinterpret_cast<std::uintptr_t>(&takeInScope), 400U);
         const auto stack = printed([&] { QKLeakGuardPrintStack(callers.data(), 16, true); });
         char line[80];
@@ -134,9 +139,10 @@ TEST(LeakGuard, TouchesNothingUnlessItIsEnabled) {
 [[gnu::noinline]] QKLeakGuard* openForCaller() {
     return new QKLeakGuard(nullptr, nullptr, true);
 }
-[[gnu::noinline]] QKLeakGuard* openAndReturn() {
-    QKLeakGuard* const scope = QKOpenLeakGuardScope();
-    (void)take(8);
+template <std::size_t Size>
+[[gnu::noinline]] QKLeakGuard* openOrTake(bool isOpening) {
+    QKLeakGuard* const scope = isOpening ? QKOpenLeakGuardScope() : nullptr;
+    (void)take(Size);
     return scope;
 }
 [[gnu::noinline]] void sibling(std::size_t size) {
@@ -155,10 +161,20 @@ TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
         delete scope;
         sibling(1000);
         EXPECT_EQ(leaking(), 3);
-        scope = openAndReturn();
-        sibling(1000);  // at the depth of the function that is gone
+        // Functions at one depth, whose scopes outlive them.
+        scope = openOrTake<10>(true);
+        QKLeakGuard* const other = openOrTake<200>(true);
+        sibling(1000);
+        EXPECT_EQ(leaking(), 210);
         QKCloseLeakGuardScope(scope);
-        EXPECT_EQ(leaking(), 8);
+        openOrTake<10>(false);
+        openOrTake<200>(false);
+        EXPECT_EQ(leaking(), 200);
+        QKCloseLeakGuardScope(other);
+        for (int i = 0; i < 40; ++i)
+            openOrTake<0>(true);
+        recursive(0);  // one scope among many that do not count
+        EXPECT_EQ(leaking(), 1);
         recursive(100);
         EXPECT_EQ(leaking(), 101);
         const QKLeakGuard guard;
@@ -256,6 +272,8 @@ TEST(LeakGuard, NeitherFailureNorStaleTailsSpoilTheHistory) {
         void* const moved = again(takeInScope(200), 5000);  // outside every scope
         EXPECT_EQ(again(takeInScope(400), 0), nullptr);
         EXPECT_EQ(leaking(), 100);
+        EXPECT_EQ(std::string_view(static_cast<char*>(moved), 5000).find("VLLeak"),
+                  std::string::npos);
         give(kept);
         give(moved);
 
@@ -268,6 +286,10 @@ TEST(LeakGuard, NeitherFailureNorStaleTailsSpoilTheHistory) {
         give(outlived);
         EXPECT_EQ(leaking(), 200);
         give(other);
+        auto* const forged = static_cast<char*>(takeInScope(200));
+        forged[::malloc_usable_size(forged) - LeakTail::kSize + 52] ^= 1;
+        give(forged);
+        EXPECT_EQ(leaking(), 200);
 
         void* const past = takeInScope(300);
         plainFree(past);  // not through the guard
@@ -275,6 +297,14 @@ TEST(LeakGuard, NeitherFailureNorStaleTailsSpoilTheHistory) {
         EXPECT_EQ(leaking(), next == past ? 300 : 600);
         give(next);
         give(nullptr);
+        EXPECT_EQ(leaking(), 0);
+
+        void* const reset = takeInScope(400);
+        onRefusal = [] { EXPECT_EQ(leaking(), 0); };  // in the middle of reallocating
+        untilRefusal = 1;
+        EXPECT_EQ(again(reset, 5000), nullptr);
+        EXPECT_EQ(leaking(), 0);
+        give(reset);
         EXPECT_EQ(leaking(), 0);
         EXPECT_EQ(live, 0);
     });
