@@ -2,13 +2,14 @@
 // a program of its own. The references call the C library's functions past the library's; a scope
 // is opened at the bottom of a stack of as many frames as the name says, and the pair made at its
 // top.
+#include "benchmarks/leak_guard_on.h"
 #include "benchmarks/ratios.h"
 #include "veltra/memory/leak_guard.h"
 #include "veltra/platform/allocation_zone.h"
-#include "veltra/platform/preferences.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <thread>
 
 #include <benchmark/benchmark.h>
@@ -17,18 +18,6 @@
 #include <unwind.h>
 
 namespace {
-
-struct GuardOn final : veltra::Preferences {
-    veltra::PropertyValue value(std::string_view key) const noexcept override {
-        return key == "LeakGuardEnabled" ? veltra::PropertyValue(true) : veltra::PropertyValue();
-    }
-    bool setValue(std::string_view /*key*/,
-                  const veltra::PropertyValue& /*value*/) noexcept override {
-        return false;
-    }
-    std::error_code synchronise() noexcept override { return {}; }
-    std::error_code reload() noexcept override { return {}; }
-};
 
 template <typename Function>
 Function* fromCLibrary(const char* name) {
@@ -71,10 +60,11 @@ void libraryWalk() {
 }
 
 template <void (*body)()>
-[[gnu::noinline]] void runAbove(int frames, benchmark::State& state) {
+void runAbove(int frames, benchmark::State& state) {
+    static void (*volatile frame)(int, benchmark::State&) = runAbove<body>;  // stays a frame
     if (frames > 1) {
-        runAbove<body>(frames - 1, state);
-        benchmark::ClobberMemory();  // keeps the call a call
+        frame(frames - 1, state);
+        benchmark::ClobberMemory();  // and the call stays a call
         return;
     }
     for (auto _ : state)
@@ -98,18 +88,54 @@ void scopeElsewhere(benchmark::State& state) {
     veltra::QKCloseLeakGuardScope(scope);
 }
 
+// Runs the same pairs in a process of their own, under a tool. `command` ends before the frames.
+void peer(benchmark::State& state, const char* command) {
+    const std::string line = command + std::to_string(state.range(0));
+    for (auto _ : state) {
+        double nanoseconds = 0;
+        std::FILE* const output = ::popen(line.c_str(), "r");
+        if (output == nullptr) return state.SkipWithError("does not start");
+        const int read = std::fscanf(output, "%lf", &nanoseconds);
+        if (::pclose(output) != 0 || read != 1) return state.SkipWithError("does not run");
+        state.SetIterationTime(nanoseconds * 1e-9);
+    }
+}
+
 BENCHMARK(atDepth<plainPair>)->Name("plain")->Arg(1);
 BENCHMARK(atDepth<guardedPair>)->Name("guard, no scope")->Arg(1);
 BENCHMARK(scopeElsewhere)->Name("guard, scope on another thread")->Arg(1);
 BENCHMARK(inScope)->Name("guard, in scope")->Arg(10)->Arg(40);
 BENCHMARK(atDepth<unwinderWalk>)->Name("walk by libgcc")->Arg(10)->Arg(40);
 BENCHMARK(atDepth<libraryWalk>)->Name("walk by backtrace, 16 frames")->Arg(40);
+BENCHMARK_CAPTURE(peer, guard, GUARDED_PEER " ")
+    ->Name("guard, process")
+    ->Arg(10)
+    ->Arg(40)
+    ->UseManualTime()
+    ->Iterations(1);
+BENCHMARK_CAPTURE(peer, heaptrack,
+                  "DUMP_HEAPTRACK_OUTPUT=/dev/null LD_PRELOAD=" HEAPTRACK " " PLAIN_PEER " ")
+    ->Name("heaptrack")
+    ->Arg(10)
+    ->Arg(40)
+    ->UseManualTime()
+    ->Iterations(1);
+BENCHMARK_CAPTURE(peer, LeakSanitizer, LEAK_SANITIZER_PEER " ")
+    ->Name("LeakSanitizer")
+    ->Arg(10)
+    ->Arg(40)
+    ->UseManualTime()
+    ->Iterations(1);
 
 constexpr Ratio kRatios[] = {
     {"no scope : plain", "guard, no scope/1", "plain/1", 3},
     {"scope elsewhere : plain", "guard, scope on another thread/1", "plain/1", 3},
-    {"10 frames : libgcc's walk", "guard, in scope/10", "walk by libgcc/10", 0},
-    {"40 frames : libgcc's walk", "guard, in scope/40", "walk by libgcc/40", 0},
+    {"10 frames : libgcc's walk", "guard, in scope/10", "walk by libgcc/10", 0.5},
+    {"40 frames : libgcc's walk", "guard, in scope/40", "walk by libgcc/40", 0.5},
+    {"10 frames : heaptrack", "guard, process/10", "heaptrack/10", 0},
+    {"40 frames : heaptrack", "guard, process/40", "heaptrack/40", 0},
+    {"10 frames : LeakSanitizer", "guard, process/10", "LeakSanitizer/10", 0},
+    {"40 frames : LeakSanitizer", "guard, process/40", "LeakSanitizer/40", 0},
 };
 
 }  // namespace

@@ -18,6 +18,8 @@ struct FrameIdentity {
 struct StackFrame {
     std::uintptr_t returnAddress = 0;  // where the frame goes on when what it called returns
     FrameIdentity identity;
+
+    friend bool operator==(const StackFrame&, const StackFrame&) noexcept = default;
 };
 
 // False ends the walk.

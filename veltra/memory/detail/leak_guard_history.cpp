@@ -101,20 +101,20 @@ bool LeakTail::hasSignature() const noexcept {
 }
 
 bool LeakTail::names(const LeakRecord& record) const noexcept {
-    const LeakRecord* named = nullptr;
+    const void* named = nullptr;
     std::memcpy(&named, m_bytes + kAddress, sizeof named);
     return named == &record;
 }
 
 void LeakTail::write(const LeakRecord& record) noexcept {
-    const LeakRecord* const address = &record;
+    const void* const address = &record;
     std::memset(m_bytes, 0, kSize);
     std::memcpy(m_bytes + kSignature, kSignatureText, sizeof kSignatureText);
     std::memcpy(m_bytes + kAddress, &address, sizeof address);
 }
 
 void LeakTail::clear() noexcept {
-    std::memset(m_bytes + kSignature, 0, kAddress + sizeof(LeakRecord*) - kSignature);
+    std::memset(m_bytes + kSignature, 0, kAddress + sizeof(void*) - kSignature);
 }
 
 }  // namespace veltra

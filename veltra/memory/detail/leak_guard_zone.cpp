@@ -88,7 +88,7 @@ struct CallStack {
 };
 
 void growTable(std::size_t buckets) noexcept {
-    auto* table = static_cast<LeakRecord**>(saved.allocateZeroed(buckets, sizeof(LeakRecord*)));
+    auto* table = static_cast<LeakRecord**>(saved.allocateZeroed(buckets, sizeof(void*)));
     if (table == nullptr) return;
     std::unique_lock lock(guardLock);
     LeakRecord** const unused = history.adopt(table, buckets);

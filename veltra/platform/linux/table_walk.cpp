@@ -15,6 +15,7 @@
 
 #include <array>
 #include <atomic>
+#include <new>
 
 #include <dlfcn.h>
 
@@ -24,21 +25,23 @@ namespace veltra {
 
 namespace {
 
+// Followed by the bytes of the description, its own and then those of the common part.
 struct CachedRule {
     std::uintptr_t returnAddress;
-    const unsigned char* description;
     std::uintptr_t function;
+    UnwindDescription from;
     UnwindRule rule;
     std::uint32_t entry;
-    std::uint32_t ownSize;
-    std::uint32_t commonSize;
-    std::array<unsigned char, 144> bytes;  // own, then common
+
+    const unsigned char* bytes() const noexcept {
+        return reinterpret_cast<const unsigned char*>(this + 1);
+    }
 
     bool holds(const UnwindDescription& found) const noexcept {
-        return found.own == description && found.ownSize == ownSize &&
-               found.commonSize == commonSize &&
-               std::memcmp(bytes.data(), found.own, ownSize) == 0 &&
-               std::memcmp(bytes.data() + ownSize, found.common, commonSize) == 0;
+        return found.own == from.own && found.ownSize == from.ownSize &&
+               found.commonSize == from.commonSize &&
+               std::memcmp(bytes(), found.own, from.ownSize) == 0 &&
+               std::memcmp(bytes() + from.ownSize, found.common, from.commonSize) == 0;
     }
 };
 
@@ -47,50 +50,54 @@ public:
     const CachedRule* find(std::uintptr_t returnAddress) const noexcept {
         for (std::size_t i = 0; i < kProbes; ++i) {
             const CachedRule* const rule =
-                slot(returnAddress, i).load(std::memory_order_acquire);  // with add()
+                m_slots[slot(returnAddress, i)].load(std::memory_order_acquire);  // with add()
             if (rule == nullptr) return nullptr;
             if (rule->returnAddress == returnAddress) return rule;
         }
         return nullptr;
     }
 
-    void add(std::uintptr_t returnAddress, std::uint32_t entry, std::uintptr_t function,
-             const UnwindRule& rule, const UnwindDescription& from) noexcept {
-        if (from.ownSize + from.commonSize > sizeof CachedRule::bytes) return;
+    void add(const CachedRule& rule) noexcept {
         for (std::size_t i = 0; i < kProbes; ++i) {
-            auto& place = slot(returnAddress, i);
+            auto& place = m_slots[slot(rule.returnAddress, i)];
             const CachedRule* present = place.load(std::memory_order_acquire);  // with below
-            if (present != nullptr && present->returnAddress != returnAddress) continue;
-            // Relaxed: an entry belongs to who drew its number. The test keeps the count from
-            // running over.
-            if (m_used.load(std::memory_order_relaxed) >= kEntries) return;
-            const std::size_t number = m_used.fetch_add(1, std::memory_order_relaxed);
-            if (number >= kEntries) return;
-            CachedRule& added = m_entries[number];
-            added = {returnAddress, from.own,     function,        rule,
-                     entry,         from.ownSize, from.commonSize, {}};
-            std::memcpy(added.bytes.data(), from.own, from.ownSize);
-            std::memcpy(added.bytes.data() + from.ownSize, from.common, from.commonSize);
+            if (present != nullptr && present->returnAddress != rule.returnAddress) continue;
+            const CachedRule* const added = copy(rule);
             // Release: with the loads above. A thread that was faster has the same to say.
-            place.compare_exchange_strong(present, &added, std::memory_order_release,
-                                          std::memory_order_relaxed);
+            if (added != nullptr)
+                place.compare_exchange_strong(present, added, std::memory_order_release,
+                                              std::memory_order_relaxed);
             return;
         }
     }
 
 private:
-    static constexpr std::size_t kEntries = 2048;
-    static constexpr std::size_t kSlots = 4096;
+    static constexpr std::size_t kSlots = 8192;
     static constexpr std::size_t kProbes = 4;
+    static constexpr std::size_t kBytes = 1 << 19;
 
-    std::atomic<const CachedRule*>& slot(std::uintptr_t returnAddress,
-                                         std::size_t probe) const noexcept {
+    static std::size_t slot(std::uintptr_t returnAddress, std::size_t probe) noexcept {
         const std::uint64_t mixed = returnAddress * std::uint64_t{0x9E3779B97F4A7C15};
-        return m_slots[((mixed >> 40) + probe) % kSlots];
+        return ((mixed >> 40) + probe) % kSlots;
     }
 
-    mutable std::array<std::atomic<const CachedRule*>, kSlots> m_slots{};
-    std::array<CachedRule, kEntries> m_entries{};
+    const CachedRule* copy(const CachedRule& rule) noexcept {
+        const UnwindDescription& from = rule.from;
+        const std::size_t size = sizeof rule + from.ownSize + from.commonSize;
+        const std::size_t step = (size + alignof(CachedRule) - 1) & ~(alignof(CachedRule) - 1);
+        // Relaxed: the bytes belong to who drew them. The test keeps the count from running over.
+        if (step > kBytes || m_used.load(std::memory_order_relaxed) > kBytes - step) return nullptr;
+        const std::size_t start = m_used.fetch_add(step, std::memory_order_relaxed);
+        if (start > kBytes - step) return nullptr;
+        auto* const added = new (m_bytes.data() + start) CachedRule(rule);
+        auto* const bytes = m_bytes.data() + start + sizeof rule;
+        std::memcpy(bytes, from.own, from.ownSize);
+        std::memcpy(bytes + from.ownSize, from.common, from.commonSize);
+        return added;
+    }
+
+    std::array<std::atomic<const CachedRule*>, kSlots> m_slots{};
+    alignas(CachedRule) std::array<unsigned char, kBytes> m_bytes{};
     std::atomic<std::size_t> m_used{0};
 };
 
@@ -108,6 +115,7 @@ private:
     void look(std::uintptr_t address) noexcept {
         dl_find_object found{};
         *this = {};
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): an address of code is what is asked about
         if (::_dl_find_object(reinterpret_cast<void*>(address), &found) != 0) return;
         m_begin = reinterpret_cast<std::uintptr_t>(found.dlfo_map_start);
         m_size = reinterpret_cast<std::uintptr_t>(found.dlfo_map_end) - m_begin;
@@ -132,7 +140,7 @@ UnwindRule ruleFor(std::uintptr_t returnAddress, LoadedObject& object,
         return known->rule;
     }
     const UnwindRule rule = description.ruleAt(address, function);
-    if (rule.isUsable()) cache.add(returnAddress, entry, function, rule, description);
+    if (rule.isUsable()) cache.add({returnAddress, function, description, rule, entry});
     return rule;
 }
 
@@ -142,6 +150,7 @@ std::uintptr_t add(std::uintptr_t address, std::int32_t offset) noexcept {
 
 // Reads what other functions left on the stack, where a sanitizer may have marked it.
 [[gnu::no_sanitize_address]] std::uintptr_t wordAt(std::uintptr_t address) noexcept {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the tables speak of addresses
     return *reinterpret_cast<const volatile std::uintptr_t*>(address);
 }
 
