@@ -1,6 +1,7 @@
 #include "veltra/platform/run_loop.h"
 
 #include "veltra/platform/clock.h"
+#include "veltra/platform/detail/thread_end.h"
 
 #include <new>
 
@@ -11,12 +12,12 @@ namespace {
 thread_local RunLoop* setLoop = nullptr;
 thread_local bool isThreadEnding = false;
 
-struct ThreadLoop {
-    ~ThreadLoop() { isThreadEnding = true; }
-    std::unique_ptr<RunLoop> loop;
-};
+thread_local RunLoop* ownLoop = nullptr;
 
-thread_local ThreadLoop ownLoop;
+void endOwnLoop() noexcept {
+    isThreadEnding = true;
+    delete std::exchange(ownLoop, nullptr);
+}
 
 }  // namespace
 
@@ -29,8 +30,11 @@ RunLoop::~RunLoop() {
 RunLoop* RunLoop::current() noexcept {
     if (setLoop != nullptr) return setLoop;
     if (isThreadEnding) return nullptr;
-    if (ownLoop.loop == nullptr) ownLoop.loop = makeForPlatform();
-    return ownLoop.loop.get();
+    if (ownLoop == nullptr) {
+        std::unique_ptr<RunLoop> loop = makeForPlatform();
+        if (loop != nullptr && callAtThreadEnd(endOwnLoop)) ownLoop = loop.release();
+    }
+    return ownLoop;
 }
 
 RunLoop* RunLoop::setCurrent(RunLoop* loop) noexcept {

@@ -140,6 +140,7 @@ void DfStereoLevelMeterView::setToolTips(const std::string& levelText,
 
 void DfStereoLevelMeterView::viewDidMoveToWindow() {
     Control::viewDidMoveToWindow();
+    if (window() == nullptr) return;
     layOut();  // the window's scale moves the clip lights by fractions of a point
 }
 

@@ -69,6 +69,10 @@ const LegacyTable* legacyTable() noexcept {
     }
 }
 
+// ICU remembers for the life of the process that memory was out when it first looked for its
+// converters. So it looks when the library is loaded.
+[[maybe_unused]] const bool s_isTableLoaded = legacyTable() != nullptr;
+
 class IcuTextServices final : public TextServices {
 public:
     std::optional<std::size_t> toLegacy(std::u16string_view text, char substitute,

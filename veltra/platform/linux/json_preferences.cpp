@@ -122,7 +122,8 @@ void JsonPreferences::readAtFirstUse() const {
 PropertyValue JsonPreferences::value(std::string_view key) const noexcept {
     return guarded(PropertyValue(), [&]() -> PropertyValue {
         const std::lock_guard lock(m_mutex);
-        (void)guarded(false, [&] { return readAtFirstUse(), true; });
+        // Without memory for it the file is as good as unread: the next call reads it.
+        if (!guarded(false, [&] { return readAtFirstUse(), true; })) m_isRead = false;
         std::string repaired;  // stays empty in all but odd cases: reading takes no memory
         if (!isWellFormedUtf8(key)) key = repaired = wellFormedUtf8(std::string(key));
         for (const PropertyValue::Dictionary* values : {&m_pending, &std::as_const(m_stored)}) {

@@ -66,6 +66,10 @@ QuarterWord wordFor(std::int64_t quarter) noexcept {
     return static_cast<QuarterWord>(quarter << 8 | distance);
 }
 
+// The C library takes UTC for the local zone when memory is out where it first reads the zone. So
+// it reads when the library is loaded.
+[[maybe_unused]] const bool s_isZoneRead = (::tzset(), true);
+
 class LinuxLocalTime final : public LocalTime {
 public:
     std::optional<CivilTime> civilTime(WallTime moment) const noexcept override {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace veltra {
@@ -17,6 +18,15 @@ bool isInside(const View* view, const View& tree) noexcept {
     while (view != nullptr && view != &tree)
         view = view->superview();
     return view == &tree;
+}
+
+template <typename Step>
+void attempt(Step step) noexcept {
+    try {
+        step();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
 }
 
 void collectKeyViews(View& view, std::vector<View*>& found) {
@@ -38,11 +48,13 @@ Window::Window(WindowPort& port, Size contentSize)
     : m_port(port), m_isPanel(false), m_frame{{}, contentSize}, m_maxSize{kNoLimit, kNoLimit} {}
 
 Window::~Window() {
-    cancelTracking();
+    // What views do when they lose the pointer and the window may want memory; without it they go
+    // all the same.
+    attempt([this] { cancelTracking(); });
     cutAnchor();
     m_isKey = false;
-    // The views go while the window can still be asked.
-    takeContentView();
+    attempt([this] { takeContentView(); });
+    m_contentView.reset();  // while the window can still be asked
 }
 
 void Window::setContentView(std::unique_ptr<View> view) {
