@@ -36,11 +36,12 @@ endfunction()
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
 # host and links only the LIBRARIES that it names.
 function(veltra_test target)
-    cmake_parse_arguments(TEST "HOST" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE
         veltra_flags ${inside} ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
     include(GoogleTest)
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT 120 ENVIRONMENT "${TEST_ENVIRONMENT}")
 endfunction()

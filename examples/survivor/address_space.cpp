@@ -17,7 +17,7 @@ std::size_t pagesInUse() noexcept {
     std::FILE* file = std::fopen("/proc/self/statm", "r");
     if (file == nullptr) return 0;
     std::size_t pages = 0;
-    const bool isRead = std::fscanf(file, "%zu", &pages) == 1;  // NOLINT(cert-err34-c): a count
+    const bool isRead = std::fscanf(file, "%zu", &pages) == 1;
     std::fclose(file);
     return isRead ? pages : 0;
 }
@@ -34,7 +34,7 @@ bool limitAddressSpace(std::size_t bytes) noexcept {
 }
 
 void returnFreedBlocks() noexcept {
-    ::mallopt(M_MMAP_THRESHOLD, kLargeBlock);
+    ::mallopt(M_MMAP_THRESHOLD, kLargeBlock);  // NOLINT(concurrency-mt-unsafe): one thread
 }
 
 }  // namespace veltra::survivor

@@ -66,6 +66,7 @@ void Report::endAct(const char* name, const char* result, ...) noexcept {
     std::printf("    ");
     va_list arguments;
     va_start(arguments, result);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start() is just above
     std::vprintf(result, arguments);
     va_end(arguments);
     std::printf("\n");

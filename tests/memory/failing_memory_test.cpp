@@ -1,0 +1,614 @@
+// Every allocation of the library fails once, and from then on: it answers what it documents for
+// want of memory, leaks nothing, and is right again when there is memory again.
+#include "tests/memory/failing_memory.h"
+
+#include "tests/memory/real_zone.h"
+#include "veltra/audio/add_remove_iterate_list.h"
+#include "veltra/audio/musical_context.h"
+#include "veltra/controls/level_meters/stereo_level_meter_view.h"
+#include "veltra/diagnostics/assertion.h"
+#include "veltra/diagnostics/log.h"
+#include "veltra/diagnostics/trace_stream.h"
+#include "veltra/infrastructure/nano_timer.h"
+#include "veltra/infrastructure/time_marker.h"
+#include "veltra/infrastructure/timer.h"
+#include "veltra/memory/guarded_allocator.h"
+#include "veltra/memory/low_memory_notification_center.h"
+#include "veltra/memory/memory_reserve.h"
+#include "veltra/memory/testing/fake_preferences.h"
+#include "veltra/platform/alert.h"
+#include "veltra/platform/exception.h"
+#include "veltra/platform/linux/poll_run_loop.h"
+#include "veltra/platform/local_time.h"
+#include "veltra/platform/localization.h"
+#include "veltra/platform/notification_center.h"
+#include "veltra/platform/preferences.h"
+#include "veltra/platform/process.h"
+#include "veltra/platform/testing/manual_run_loop.h"
+#include "veltra/platform/testing/temporary_folder.h"
+#include "veltra/platform/text_services.h"
+#include "veltra/platform/ui/button.h"
+#include "veltra/platform/ui/keyed_coder.h"
+#include "veltra/platform/ui/picture.h"
+#include "veltra/platform/ui/slider_cell.h"
+#include "veltra/platform/ui/testing/scripted_port.h"
+#include "veltra/processor/byte_order.h"
+#include "veltra/processor/checksum.h"
+#include "veltra/processor/dot_api.h"
+#include "veltra/processor/kernels.h"
+#include "veltra/processor/sample_conversion.h"
+#include "veltra/processor/utf8_text.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace veltra {
+namespace {
+
+using testing::Answer;
+using testing::oneOf;
+using testing::Promise;
+using testing::Scenario;
+using testing::Unfailing;
+
+constexpr std::string_view kZone = "EST5";  // set for this program by its build
+
+const testing::TemporaryFolder& folder() {
+    static const testing::TemporaryFolder folder;
+    return folder;
+}
+
+// Standard error for as long as it lives; afterwards it is where it was before.
+class CaughtStandardError {
+public:
+    CaughtStandardError() noexcept
+        : m_before(::dup(STDERR_FILENO)), m_file(::memfd_create("stderr", 0)) {
+        ::dup2(m_file, STDERR_FILENO);
+    }
+    CaughtStandardError(const CaughtStandardError&) = delete;
+    CaughtStandardError& operator=(const CaughtStandardError&) = delete;
+    ~CaughtStandardError() {
+        ::dup2(m_before, STDERR_FILENO);
+        ::close(m_before);
+        ::close(m_file);
+    }
+    std::string text() const {
+        const Unfailing now;
+        std::string text(static_cast<std::size_t>(::lseek(m_file, 0, SEEK_END)), '\0');
+        return ::pread(m_file, text.data(), text.size(), 0) < 0 ? "unreadable" : text;
+    }
+
+private:
+    const int m_before;
+    const int m_file;
+};
+
+// Whether `write` writes just `line`: a log line is never lost for want of memory.
+template <typename Write>
+Answer writes(const char* line, Write write) {
+    const CaughtStandardError caught;
+    write();
+    return oneOf(caught.text() == line, false);
+}
+
+constexpr const char* kStored = "{\n    \"Number\": 7\n}\n";
+
+std::string preferencesPath() {
+    return folder() / "veltra-failing.json";
+}
+
+std::string storedPreferences() {
+    std::ostringstream text;
+    text << std::ifstream(preferencesPath(), std::ios::binary).rdbuf();
+    return text.str();
+}
+
+void storePreferences(const char* text) {
+    ::setenv("XDG_CONFIG_HOME", folder().path.c_str(), 1);
+    Preferences::setApplicationName("veltra-failing");
+    std::ofstream(preferencesPath(), std::ios::binary) << text;
+}
+
+struct Ticks : Anchored {
+    int count = 0;
+    void countOne(RunLoopTimer& /*timer*/) { ++count; }
+    void countAnother(QkTimer& /*timer*/) { ++count; }
+};
+
+struct SilentPresenter final : AlertPresenter {
+    SilentPresenter() : m_before(install(this)) {}
+    ~SilentPresenter() override { install(m_before); }
+    AlertAnswer present(const Alert& alert) noexcept override {
+        m_isAsked = !alert.message.empty();
+        return AlertAnswer::Default;
+    }
+    bool m_isAsked = false;
+
+private:
+    AlertPresenter* m_before;
+};
+
+int retries = 0;
+
+// ---------------------------------------------------------------------------------------- memory
+
+Answer guardedAllocator() {
+    Mem_SetException(kMemExceptionNull, nullptr);
+    auto* block = static_cast<char*>(Mem_malloc(100));
+    auto* zeros = static_cast<char*>(Mem_calloc(10, 10));
+    char* text = Mem_strdup("text");
+    void* larger = Mem_realloc(block, 1000);
+    const bool isSound =
+        (text == nullptr || std::strcmp(text, "text") == 0) && (zeros == nullptr || zeros[99] == 0);
+    const bool isWhole =
+        block != nullptr && zeros != nullptr && text != nullptr && larger != nullptr;
+    Mem_free(larger != nullptr ? larger : block);
+    Mem_free(zeros);
+    Mem_free(text);
+    return oneOf(isWhole && isSound, isSound);
+}
+
+Answer guardedAllocatorRetries() {
+    retries = 2;
+    Mem_SetException(kMemExceptionCall,
+                     [] { return int{retries-- > 0 ? kMemExceptionRetry : kMemExceptionNull}; });
+    void* block = Mem_malloc(100);
+    Mem_free(block);
+    return oneOf(block != nullptr, retries == -1);
+}
+
+Answer lowMemoryCenter() {
+    using Center = LowMemoryNotificationCenter;
+    static int calls = 0;
+    calls = 0;
+    int posts = 0;
+    std::optional<testing::FakePreferences> preferences;
+    {
+        const Unfailing now;
+        preferences.emplace().stored = PropertyValue::Dictionary{{"LowMemoryReserve", 1000},
+                                                                 {"MinAvailMemoryThreshold", 2000}};
+    }
+    const Center::Observer count = [](void*, std::uint8_t, unsigned long) {
+        return static_cast<unsigned long>(calls++ < 0);
+    };
+    const bool isInitialised = Center::InitializeLMNotificationCenter() == 1;
+    const bool isObserved = Center::AddLMObserver(count, &calls) == 1;
+    const bool isPosted = NotificationCenter::local().addObserver(
+        &posts, [](void* context, const VLString*, const void*) { ++*static_cast<int*>(context); },
+        kLowMemoryNotification, nullptr);
+    const bool wasWhole = Center::EnterCriticalOperation();
+    const bool hasRoom = Center::CheckMemory(10) == 1;
+    const bool goesAhead = Center::CheckPoint(10) == 1;
+    const bool isPassed = Center::PostLMNotification(0, 2, 0, true) == (isInitialised ? 0 : 1);
+    const bool isWhole = Center::LeaveCriticalOperation();
+    const bool isRemoved = Center::RemoveLMObserver(count, &calls) == (isObserved ? 1 : 0);
+    Center::ShutdownLMNotificationCenter();
+    NotificationCenter::local().removeObserver(&posts);
+    const bool isConsistent = wasWhole && goesAhead && isPassed && isWhole && isRemoved &&
+                              (isObserved ? calls >= 3 : calls == 0) &&
+                              (isPosted && isInitialised ? posts >= 3 : posts == 0);
+    return oneOf(isConsistent && isInitialised && isObserved && isPosted && hasRoom && calls == 3,
+                 isConsistent);
+}
+
+// What fails below the reserve is had all the same, as long as the reserve lasts.
+Answer memoryReserve() {
+    std::optional<testing::FakePreferences> preferences;
+    {
+        const Unfailing now;
+        preferences.emplace();
+    }
+    QKMemoryReserveSetOption(kMemoryReserveBlockSize, 1);
+    QKMemoryReserveSetOption(kMemoryReserveFinalBlockSize, 1);
+    QKMemoryReserveDidProbingFail(1);
+    void* zeros = QKMemoryReserveEnter(nullptr, nullptr);
+    void* volatile block = std::malloc(100);
+    const bool isAvailable = QKMemoryReserveTestAvailableMemory(1000, 500) == 1;
+    const bool isConsistent = (QKMemoryReserveDidProbingFail(1) == 0) == isAvailable;
+    const int level = QKMemoryReserveDidLowMemoryLevelChange(1);
+    std::free(block);
+    QKMemoryReserveExit();
+    std::free(zeros);
+    return oneOf(block != nullptr && zeros != nullptr && isAvailable && level == 0, isConsistent);
+}
+
+Answer notificationCenter() {
+    static int calls;
+    calls = 0;
+    NotificationCenter center;
+    const auto count = [](void*, const VLString*, const void*) { ++calls; };
+    const VLString* name = VLStringCreateWithCString("name");
+    const int added = (center.addObserver(&calls, count, name, nullptr) ? 1 : 0) +
+                      (center.addObserver(&retries, count, nullptr, &calls) ? 1 : 0);
+    center.post(name, &calls);
+    const bool isRight = calls == (name != nullptr ? added : 0);
+    center.removeObserver(&calls);
+    center.post(name, nullptr);
+    VLStringRelease(name);
+    return oneOf(isRight && calls == 2, isRight);
+}
+
+// ----------------------------------------------------------------------------- text and values
+
+Answer stringObjects() {
+    const std::array<std::uint16_t, 2> units{'a', 0xE9};
+    std::array<char, 8> text{};
+    const VLString* fromUtf8 = VLStringCreateWithUtf8("a\xC3\xA9", 3);
+    const VLString* fromUtf16 = VLStringCreateWithUtf16(units.data(), units.size());
+    const bool isSound = (fromUtf8 == nullptr || VLStringCopyUtf8(fromUtf8, text.data(), 8) == 3) &&
+                         (fromUtf16 == nullptr || VLStringCopyUtf8(fromUtf16, text.data(), 8) == 3);
+    const bool isWhole = fromUtf8 != nullptr && fromUtf16 != nullptr;
+    VLStringRelease(fromUtf8);
+    VLStringRelease(fromUtf16);
+    return oneOf(isWhole && isSound, isSound);
+}
+
+Answer legacyText() {
+    std::array<char, 16> name{};
+    std::array<char, 16> pascal{};
+    std::array<char, 16> path{};
+    const VLString* lost = nullptr;
+    const VLString* lostToo = nullptr;
+    utf8_to_fsspecFileSystemCString(name.data(), "\xC3\xA9\xE2\x82\xAC\xE6\x97\xA5", 16, &lost);
+    utf8_to_fsspecFileSystemPascalString(pascal.data(), "\xC3\xA9", 16, &lostToo);
+    const bool isPath = utf8_to_fileSystemRepresentation(path.data(), "\xC3\xA9", 16) == 1;
+    const bool isRight = std::strcmp(name.data(), "\x8E\xDB_") == 0 && pascal[0] == 1 && isPath &&
+                         VLStringLength(lost) == 3 && lostToo == nullptr;
+    const bool isNeutral = (name[0] == '\0' || std::strcmp(name.data(), "\x8E\xDB_") == 0) &&
+                           pascal[0] <= 1 && isPath == (path[0] != '\0');
+    VLStringRelease(lost);
+    VLStringRelease(lostToo);
+    return oneOf(isRight, isNeutral);
+}
+
+Answer textServices() {
+    std::array<char, 4> bytes{};
+    const auto written = TextServices::current().toLegacy(u"\u00E9", '_', bytes);
+    const auto text = TextServices::current().fromLegacy("\x8E and what makes it long enough");
+    const bool isSound = (!written || (*written == 1 && bytes[0] == '\x8E')) &&
+                         (!text || text->front() == u'\u00E9');
+    return oneOf(isSound && written && text, isSound);
+}
+
+Answer propertyValues() {
+    const PropertyValue text("text that is too long to lie in the string object itself");
+    const PropertyValue tree =
+        PropertyValue(PropertyValue::Dictionary{{"array", PropertyValue::Array{1, text, 2.5}}})
+            .settingValueAtPath({"group", "key"}, text);
+    return oneOf(tree["array"].asArray()[1] == text && tree.valueAtPath({"group", "key"}) == text,
+                 false);
+}
+
+Answer preferencesRead() {
+    {
+        const Unfailing now;
+        storePreferences(kStored);
+    }
+    const PropertyValue number = Preferences::current().value("Number");
+    const PropertyValue other = Preferences::current().value("Other\xFF");
+    const Unfailing now;
+    const bool isKept = storedPreferences() == kStored &&
+                        !Preferences::current().takeDamageReport() && other.isNull();
+    return oneOf(isKept && number.asInteger() == 7, isKept && number.isNull());
+}
+
+Answer preferencesWritten() {
+    {
+        const Unfailing now;
+        storePreferences(kStored);
+    }
+    Preferences& preferences = Preferences::current();
+    const bool isSet = preferences.setValue("Number", 8);
+    const std::error_code error = preferences.synchronise();
+    const std::error_code reloadError = preferences.reload();
+    const Unfailing now;
+    const std::string stored = storedPreferences();
+    const bool isOld = stored == kStored;
+    const bool isNew = stored == "{\n    \"Number\": 8\n}\n";
+    const bool isConsistent = isSet && !error ? isNew : isOld;
+    return oneOf(isSet && !error && !reloadError && isNew, isConsistent);
+}
+
+Answer preferencesDamaged() {
+    {
+        const Unfailing now;
+        storePreferences("{ damaged");
+    }
+    const std::error_code error = Preferences::current().reload();
+    const auto damage = Preferences::current().takeDamageReport();
+    const Unfailing now;
+    const bool isKept =
+        damage && !damage->keptAs.empty() && std::remove(damage->keptAs.c_str()) == 0;
+    return oneOf(!error && isKept, error || isKept);
+}
+
+Answer exceptions() {
+    try {
+        raiseException("Name", "a reason that is long enough not to lie in the object itself");
+    } catch (const Exception& caught) {
+        return oneOf(caught.name() == "Name" && caught.reason().size() == 60, false);
+    }
+}
+
+Answer localized() {
+    return oneOf(localizedString("a key that is long enough for a block of its own").size() == 48,
+                 false);
+}
+
+// --------------------------------------------------------------------------------- diagnostics
+
+Answer logLine() {
+    return writes("number 7, text\n",
+                  [] { QKLogCString(3, false, "tag", "number %d, %s", 7, "text"); });
+}
+
+Answer logOfStringObjects() {
+    const VLString* format = nullptr;
+    const VLString* word = nullptr;
+    {
+        const Unfailing now;
+        format = VLStringCreateWithCString("%@ and %d%%%%");
+        word = VLStringCreateWithCString("word");
+    }
+    const Answer answer = writes("word and 7%\n", [&] { QKLog(3, false, "tag", format, word, 7); });
+    VLStringRelease(format);
+    VLStringRelease(word);
+    return answer;
+}
+
+// Longer than what a line has room for without allocating: then its end may be missing.
+Answer longLogLine() {
+    std::string text;
+    {
+        const Unfailing now;
+        text.assign(100'000, 'x');
+    }
+    const CaughtStandardError caught;
+    QKLogCString(3, false, "tag", "%s", text.c_str());
+    const std::string line = caught.text();
+    const Unfailing now;
+    return oneOf(line == text + "\n",
+                 line.starts_with("xxx") && line.ends_with("\n") && line.size() < text.size());
+}
+
+Answer logWithBanner() {
+    const CaughtStandardError caught;
+    QKLogCString(3, true, "tag", "text");
+    const std::string line = caught.text();
+    return oneOf(line.starts_with("20") && line.ends_with("] tag: text\n"), false);
+}
+
+Answer logOfText() {
+    const CaughtStandardError caught;
+    utf8_log("text");
+    const bool isRight = caught.text().ends_with("text\n");
+    return oneOf(isRight, caught.text().ends_with("malformed string\n"));
+}
+
+Answer assertion() {
+    const CaughtStandardError caught;
+    SilentPresenter presenter;
+    std::int32_t counter = 3;
+    const int answer = dbgASSERT(0, "a < b", "file.cpp", &counter);
+    const std::string text = caught.text();
+    return oneOf(answer == 0 && counter == 2 && presenter.m_isAsked &&
+                     text.ends_with("ASSERT(a < b) in file.cpp failed.\n"),
+                 false);
+}
+
+Answer alertThatNobodySees() {
+    Alert alert;
+    alert.message = "message";
+    alert.timeoutSeconds = 0.001;
+    ::setsid();
+    ::unsetenv("DISPLAY");
+    ::unsetenv("WAYLAND_DISPLAY");
+    return oneOf(presentAlert(alert) == AlertAnswer::TimedOut, false);
+}
+
+Answer localTime() {
+    const auto evening = LocalTime::current().civilTime({1'700'000'000, 0});  // 22:13:20 UTC
+    const char* zone = environmentVariable("TZ");
+    return oneOf(evening && (zone == nullptr || zone != kZone || evening->hour == 17), !evening);
+}
+
+// ---------------------------------------------------------------------------- timers and lists
+
+Answer runLoop() {
+    Ticks ticks;
+    RunLoop* loop = RunLoop::current();
+    if (loop == nullptr) return Answer::Neutral;
+    const auto timer =
+        loop->schedule({.seconds = 1e-9, .target = &ticks, .action = action<&Ticks::countOne>()});
+    if (timer == nullptr) return Answer::Neutral;
+    while (timer->isValid())
+        loop->runDue();
+    return oneOf(ticks.count == 1, false);
+}
+
+// Which goes with its thread, as the count of blocks tells.
+Answer runLoopOfAnotherThread() {
+    Answer answer = Answer::Wrong;
+    std::optional<Unfailing> now(std::in_place);
+    std::thread thread([&] {
+        now.reset();
+        answer = runLoop();
+        now.emplace();
+    });
+    thread.join();
+    return answer;
+}
+
+Answer pollRunLoop() {
+    PollRunLoop loop;
+    RunLoop::setCurrent(&loop);
+    Ticks ticks;
+    QkTimer timer(1e-9, &ticks, action<&Ticks::countAnother>(), nullptr, false);
+    timer.start();
+    const bool isStarted = timer.isValid();
+    const bool hasDescriptor = loop.descriptor() >= 0;
+    const bool isStopped = loop.runFor(isStarted ? 0.001 : 0.0);
+    RunLoop::setCurrent(nullptr);
+    return oneOf(isStarted && hasDescriptor && !isStopped && ticks.count == 1,
+                 ticks.count == (isStarted ? 1 : 0));
+}
+
+Answer nanoTimer() {
+    const std::unique_ptr<QKNanoTimer> timer = QKNanoTimer::timer();
+    if (timer == nullptr) return Answer::Neutral;
+    timer->start();
+    timer->stop();
+    return oneOf(!timer->description().empty(), false);
+}
+
+Answer callbackList() {
+    static int calls;
+    calls = 0;
+    const auto count = [](void*, std::uint32_t, void*) { ++calls; };
+    CAddRemoveIterateList list;
+    int first = 0;
+    int second = 0;
+    const int added = (list.Add(&first, count) ? 1 : 0) + (list.Add(&second, count) ? 1 : 0);
+    list.Iterate(0, nullptr);
+    const bool isCalled = calls == added;
+    const int removed = list.Remove(&first) && added == 2 ? 1 : 0;
+    list.Iterate(0, nullptr);
+    return oneOf(isCalled && calls == 3 && removed == 1, isCalled);
+}
+
+// ------------------------------------------------------------------------------ user interface
+
+Answer meters() {
+    testing::ManualRunLoop loop;
+    testing::ScriptedPort port;
+    testing::HostedView host(std::make_unique<DfStereoLevelMeterView>(Rect{{}, {32, 200}}));
+    auto& meter = static_cast<DfStereoLevelMeterView&>(*host.window.contentView());
+    meter.setToolTips("left", "right");
+    meter.setLevelL(0.5F, 1.1F);
+    loop.advance(0.1);
+    const bool isDrawn = !host.display().empty();
+    host.click({20, 190});
+    loop.advance(10);
+    return oneOf(isDrawn && !loop.nextDeadline(), false);
+}
+
+Answer controls() {
+    testing::ManualRunLoop loop;
+    testing::ScriptedPort port;
+    auto all = std::make_unique<View>(Rect{{}, {100, 100}});
+    all->addSubview(std::make_unique<Button>(Rect{{0, 70}, {100, 30}}, "A title of some length",
+                                             ButtonCell::Kind::Toggle));
+    all->addSubview(
+        std::make_unique<Control>(Rect{{0, 30}, {100, 20}}, std::make_unique<SliderCell>()));
+    all->toolTips().addToolTipRect({{}, {100, 100}}, "a tool tip that is long enough for a block");
+    testing::HostedView host(std::move(all));
+    host.window.contentView()->setNeedsDisplay();
+    const bool isDrawn = !host.display().empty();
+    host.click({50, 85});  // from below: the button
+    host.press({10, 40});
+    host.drag({90, 40});
+    host.release({90, 40});
+    host.key(u'\t');
+    KeyedCoder coder;
+    auto& button = static_cast<Button&>(*host.window.contentView()->subviews()[0]);
+    button.encodeWithCoder(coder);
+    const std::unique_ptr<View> taken = host.window.takeContentView();
+    return oneOf(isDrawn && button.isOn() && !coder.archive().isNull(), false);
+}
+
+Answer picture() {
+    testing::ScriptedPort port;
+    PictureWindow window({100, 50}, 2.0F, Appearance::Dark);
+    window.window().setContentView(
+        std::make_unique<Button>(Rect{{}, {100, 50}}, "A title of some length"));
+    const auto image = window.draw();
+    return oneOf(image != nullptr && image->size().width == 100.0F, false);
+}
+
+// ------------------------------------------------------------------------- what never allocates
+
+Answer processing() {
+    std::array<float, 8> floats{};
+    std::array<unsigned char, 24> bytes{};
+    GetConvertFloatToN(kSampleInt24, false)(bytes.data(), floats.data(), 8, nullptr);
+    GetConvertNToFloat(kSampleInt24, true)(floats.data(), bytes.data(), 8, nullptr);
+    PSwapLong(bytes.data(), 6);
+    CDotAPI::Init();
+    const CMusicalContext context(44100, 1);
+    QkTimeMarker marker;
+    marker.setMarker();
+    IndentToCout();
+    for (KernelFamily* family : KernelFamily::all())
+        family->useBest();
+    const bool isRight = QKCRC32(0, "123456789", 9) == 0xCBF43926U &&
+                         utf8_check("a\xC3\xA9") == 1 && CDotAPI::MenuText(99) == nullptr &&
+                         context.m_tempo == 120000 && Clocks::current().monotonic().error == 0 &&
+                         Process::current().processId() == ::getpid() &&
+                         environmentVariable("no such variable") == nullptr;
+    return oneOf(isRight, false);
+}
+
+constexpr std::array kScenarios{
+    Scenario{"guarded allocator", Promise::NeverThrows, guardedAllocator},
+    Scenario{"guarded allocator, retrying", Promise::NeverThrows, guardedAllocatorRetries},
+    Scenario{"low-memory center", Promise::NeverThrows, lowMemoryCenter},
+    Scenario{"memory reserve", Promise::NeverThrows, memoryReserve},
+    Scenario{"notification center", Promise::NeverThrows, notificationCenter},
+    Scenario{"string objects", Promise::NeverThrows, stringObjects},
+    Scenario{"legacy file names", Promise::NeverThrows, legacyText},
+    Scenario{"text services", Promise::NeverThrows, textServices},
+    Scenario{"property values", Promise::MayThrow, propertyValues},
+    Scenario{"preferences, read", Promise::NeverThrows, preferencesRead},
+    Scenario{"preferences, written", Promise::NeverThrows, preferencesWritten},
+    Scenario{"preferences, damaged", Promise::NeverThrows, preferencesDamaged},
+    Scenario{"exceptions", Promise::MayThrow, exceptions},
+    Scenario{"localized strings", Promise::MayThrow, localized},
+    Scenario{"log", Promise::AllocatesNothing, logLine},
+    Scenario{"log of string objects", Promise::AllocatesNothing, logOfStringObjects},
+    Scenario{"log, long line", Promise::NeverThrows, longLogLine},
+    Scenario{"log with banner", Promise::AllocatesNothing, logWithBanner},
+    Scenario{"log of text", Promise::AllocatesNothing, logOfText},
+    Scenario{"assertion", Promise::AllocatesNothing, assertion},
+    Scenario{"alert that nobody sees", Promise::NeverThrows, alertThatNobodySees},
+    Scenario{"local time", Promise::AllocatesNothing, localTime},
+    Scenario{"run loop", Promise::NeverThrows, runLoop},
+    Scenario{"run loop of another thread", Promise::NeverThrows, runLoopOfAnotherThread},
+    Scenario{"polling run loop and timer", Promise::MayThrow, pollRunLoop},
+    Scenario{"nano timer", Promise::MayThrow, nanoTimer},
+    Scenario{"callback list", Promise::NeverThrows, callbackList},
+    Scenario{"level meters", Promise::MayThrow, meters},
+    Scenario{"controls", Promise::MayThrow, controls},
+    Scenario{"picture of a window", Promise::MayThrow, picture},
+    Scenario{"sample data, kernels, clocks", Promise::AllocatesNothing, processing},
+};
+
+TEST(FailingMemory, MakesNothingCrashLeakOrAnswerWrongly) {
+    SKIP_WITHOUT_REAL_ZONE();
+    if (std::filesystem::exists("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
+    folder();
+    ::setenv("CFLOG_FORCE_STDERR", "1", 1);
+    ::setenv("VELTRA_TRACE_WITHOUT_BANNER", "", 1);
+    long loops = 0;
+    for (const Scenario& scenario : kScenarios) {
+        const testing::Findings findings = testing::tryEveryFailure(scenario);
+        std::printf("%-30s %5ld allocations %6ld loops\n", scenario.name, findings.allocations,
+                    findings.loops);
+        EXPECT_EQ(findings.faults, "");
+        loops += findings.loops;
+    }
+    std::printf("%-30s %25ld loops\n", "all", loops);
+}
+
+}  // namespace
+}  // namespace veltra
