@@ -9,10 +9,10 @@ namespace veltra {
 
 namespace {
 
-thread_local RunLoop* setLoop = nullptr;
-thread_local bool isThreadEnding = false;
-
-thread_local RunLoop* ownLoop = nullptr;
+// Initial-exec: their first use on a thread allocates nothing.
+[[gnu::tls_model("initial-exec")]] constinit thread_local RunLoop* setLoop = nullptr;
+[[gnu::tls_model("initial-exec")]] constinit thread_local bool isThreadEnding = false;
+[[gnu::tls_model("initial-exec")]] constinit thread_local RunLoop* ownLoop = nullptr;
 
 void endOwnLoop() noexcept {
     isThreadEnding = true;
