@@ -43,7 +43,9 @@ TEST(OnsetDetector, FindsWhereTonesBeginAndTheirPitch) {
             const CTransient& onset = whole.onsets()[i];
             const double seconds = static_cast<double>(onset.pos) / rate;
             EXPECT_NEAR(seconds, 0.6 * static_cast<double>(i + 1), 0.01);
-            EXPECT_NEAR(static_cast<double>(onset.FreqHz) / hertz[i], 1.0, rate > 8000 ? 0.005 : 0.02) << hertz[i];
+            EXPECT_NEAR(static_cast<double>(onset.FreqHz) / hertz[i], 1.0,
+                        rate > 8000 ? 0.005 : 0.02)
+                << hertz[i];
             EXPECT_EQ(inPieces.onsets()[i].pos, static_cast<std::int64_t>(onset.pos));
             EXPECT_EQ(inPieces.onsets()[i].FreqHz, static_cast<float>(onset.FreqHz));
         }
