@@ -34,7 +34,7 @@ function(veltra_room name)
 endfunction()
 
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
-# host and links only the LIBRARIES that it names.
+# host and links only the LIBRARIES that it names. ENVIRONMENT: one variable for its runs by ctest.
 function(veltra_test target)
     cmake_parse_arguments(TEST "HOST" "ENVIRONMENT" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
@@ -42,10 +42,12 @@ function(veltra_test target)
     target_link_libraries(${target} PRIVATE
         veltra_flags ${inside} ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
     include(GoogleTest)
-    set(seconds 120)
+    set(properties TIMEOUT 120)
     if(CMAKE_CROSSCOMPILING)
-        set(seconds 900)  # emulated
+        set(properties TIMEOUT 900)  # emulated
     endif()
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60
-        PROPERTIES TIMEOUT ${seconds} ENVIRONMENT "${TEST_ENVIRONMENT}")
+    if(TEST_ENVIRONMENT)
+        list(APPEND properties ENVIRONMENT "${TEST_ENVIRONMENT}")
+    endif()
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
