@@ -1,0 +1,11 @@
+// Which of the two modes this build's memory reserve works in.
+#pragma once
+
+#include "veltra/memory/detail/reserve_blocks.h"
+
+namespace veltra {
+
+// No operation changes it; tests do, while nobody has entered.
+extern ReserveMode reserveMode;
+
+}  // namespace veltra

@@ -1,0 +1,248 @@
+// The reserve on a zone of the test's own.
+#include "veltra/memory/memory_reserve.h"
+
+#include "veltra/diagnostics/testing/log_fakes.h"
+#include "veltra/memory/detail/reserve_mode.h"
+#include "veltra/memory/testing/fake_preferences.h"
+#include "veltra/memory/testing/limited_heap.h"
+#include "veltra/memory/testing/zone_stress.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::kMiB;
+using testing::LimitedHeap;
+
+constexpr const char* kStart = "QKMemReserve: starting in Marquee mode\n";
+constexpr const char* kTaken = "QKMemReserve: allocating in Marquee mode\n";
+constexpr const char* kTakenAgain = "QKMemReserve: reallocating in Marquee mode\n";
+
+// Enters with 100 MiB in all, a main reserve of 50, a final block of 10 and a sensible size of 10.
+class MemoryReserve : public ::testing::Test {
+protected:
+    MemoryReserve() {
+        LimitedHeap::reset();
+        LimitedHeap::available = 100;
+        AllocationZone::install(&zone);
+        setOptions(10, 50, 10);
+    }
+    ~MemoryReserve() override {
+        QKMemoryReserveDidLowMemoryLevelChange(1);
+        AllocationZone::install(nullptr);
+        reserveMode = ReserveMode::Marquee;
+        LimitedHeap::reset();
+    }
+    static void setOptions(long sensible, long block, long finalBlock) {
+        QKMemoryReserveSetOption(kMemoryReserveMaxSensibleSize, sensible);
+        QKMemoryReserveSetOption(kMemoryReserveBlockSize, block);
+        QKMemoryReserveSetOption(kMemoryReserveFinalBlockSize, finalBlock);
+    }
+    void enter() {
+        const auto note = [](void* context) {
+            auto& self = *static_cast<MemoryReserve*>(context);
+            self.levels += std::to_string(QKMemoryReserveGetLowMemoryLevel());
+            if (self.wantedInCallback != 0) self.give(self.take(self.wantedInCallback));
+        };
+        void* block = QKMemoryReserveEnter(note, this);
+        EXPECT_EQ(std::string(static_cast<char*>(block), 50), std::string(50, '\0'));
+        std::free(block);
+    }
+    void* take(std::size_t mebibytes) { return zone.allocate.load()(mebibytes * kMiB); }
+    void give(void* block) { zone.free.load()(block); }
+
+    testing::FakePreferences preferences;
+    LogWorld world;
+    AllocationZone zone{testing::kLimitedHeap};
+    std::string levels;  // at each callback
+    std::size_t wantedInCallback = 0;
+};
+
+// First: the preferences are read once in the life of the process.
+TEST_F(MemoryReserve, TakesItsOptionsFromThePreferencesOnceAndIsOffWithoutABlockSize) {
+    preferences.stored = PropertyValue::Dictionary{
+        {"MemoryReserve",
+         PropertyValue::Dictionary{{"BlockSize", 0}, {"MemAvailSize", "300"}, {"Verbose", "?"}}}};
+    for (const int index : {-1, 6})
+        QKMemoryReserveSetOption(index, 5);
+    for (int round = 0; round < 2; ++round) {
+        enter();
+        EXPECT_EQ(zone.allocate.load(), testing::kLimitedHeap.allocate);
+        QKMemoryReserveExit();
+    }
+    EXPECT_EQ(preferences.synchronised, 1);
+    std::vector<long> options;
+    for (int index = -1; index <= 6; ++index)
+        options.push_back(QKMemoryReserveGetOption(index));
+    EXPECT_THAT(options, ElementsAre(0, 10, 0, 10, 300, 10, 0, 0));
+    EXPECT_TRUE(world.lines.empty());
+}
+
+TEST_F(MemoryReserve, GivesUpTheMainReserveThenTheFinalBlockAndComesBack) {
+    enter();
+    void* first = take(45);
+    EXPECT_EQ(take(60), nullptr);  // not sensible: the final block stays
+    EXPECT_EQ(levels, "1");
+    void* second = take(45);
+    void* third = zone.allocateZeroed.load()(5, kMiB);
+    EXPECT_EQ(levels, "12");
+    EXPECT_EQ(QKMemoryReserveDidLowMemoryLevelChange(1), 2);
+    EXPECT_EQ(zone.allocateAligned.load()(4096, 6 * kMiB), nullptr);  // all is given up
+    EXPECT_TRUE(first && second && third);
+    // Requests count whether they succeed or not: 60 + 45 + 5 + 6 since the release.
+    give(first);
+    EXPECT_THAT(world.lines, ElementsAre(kStart, kTaken));
+    LimitedHeap::largest = 2;
+    QKMemoryReserveTryReserveReallocation();
+    give(nullptr);  // in vain; what is freed from here on counts
+    LimitedHeap::largest = 1000;
+    give(third);
+    EXPECT_EQ(levels, "12");
+    errno = 7;
+    give(second);
+    EXPECT_EQ(errno, 7);
+    EXPECT_EQ(levels, "120");
+    EXPECT_EQ(LimitedHeap::available, 50);  // without the final block
+    EXPECT_THAT(world.lines, ElementsAre(kStart, kTaken, kTakenAgain, kTakenAgain));
+    EXPECT_EQ(QKMemoryReserveDidLowMemoryLevelChange(0), 0);
+    QKMemoryReserveExit();
+    EXPECT_EQ(LimitedHeap::available, 100);
+}
+
+TEST_F(MemoryReserve, TakesItselfAgainWhenMoreThanTheSensibleSizeIsFreed) {
+    void* kept[] = {take(10), take(12)};
+    reserveMode = ReserveMode::Corvid;
+    enter();
+    void* failed = take(40);
+    give(kept[0]);
+    EXPECT_EQ(levels, "1");
+    give(failed);
+    EXPECT_EQ(levels, "10");
+    give(kept[1]);
+    constexpr const char* kOnePiece = "QKMemReserve: allocating in Corvid mode\n";
+    EXPECT_THAT(world.lines,
+                ElementsAre("QKMemReserve: starting in Corvid mode\n", kOnePiece, kOnePiece));
+    QKMemoryReserveExit();
+    EXPECT_EQ(LimitedHeap::available, 100);
+}
+
+TEST_F(MemoryReserve, SplitsWhatIsNotToBeHadInOnePieceAndNests) {
+    setOptions(99, 48, 3);
+    constexpr struct {
+        int largest, requests, left;
+        ReserveMode mode = ReserveMode::Marquee;
+    } kCases[] = {{48, 2, 49},
+                  {47, 4, 49},
+                  {12, 7, 49},
+                  {6, 12, 49},
+                  {3, 21, 49},
+                  {2, 5, 100},
+                  {47, 1, 100, ReserveMode::Corvid}};
+    for (const auto& one : kCases) {
+        LimitedHeap::largest = one.largest;
+        LimitedHeap::requests = 0;
+        reserveMode = one.mode;
+        enter();
+        const auto wrapper = zone.allocate.load();
+        enter();
+        EXPECT_EQ(LimitedHeap::requests, one.requests) << one.largest;
+        QKMemoryReserveExit();
+        EXPECT_EQ(LimitedHeap::available, one.left) << one.largest;
+        EXPECT_EQ(take(99), nullptr);
+        EXPECT_EQ(levels.empty(), one.left == 100) << one.largest;
+        levels.clear();
+        // Who wrapped the zone meanwhile loses the four entries, and keeps the others.
+        EXPECT_EQ(zone.allocate.exchange(nullptr), wrapper);
+        zone.reallocate = nullptr;
+        QKMemoryReserveExit();
+        EXPECT_EQ(zone.allocate.load(), testing::kLimitedHeap.allocate);
+        EXPECT_EQ(zone.reallocate.load(), nullptr);
+        EXPECT_EQ(LimitedHeap::available, 100);
+    }
+    LimitedHeap::largest = 1000;
+    LimitedHeap::available = 40;
+    reserveMode = ReserveMode::Marquee;
+    enter();
+    EXPECT_EQ(LimitedHeap::available, 40);  // pieces of a failed attempt go back
+    QKMemoryReserveExit();
+}
+
+TEST_F(MemoryReserve, TellsWhetherMemoryIsToBeHadInFragments) {
+    constexpr struct {
+        std::size_t total, fragment;
+        int answer, requests;
+    } kCases[] = {{8, 8, 1, 1}, {30, 7, 1, 6},  {30, 8, 0, 2}, {48, 5, 0, 10},
+                  {0, 0, 1, 0}, {30, 31, 0, 0}, {32, 8, 1, 6}};
+    EXPECT_EQ(QKMemoryReserveTestAvailableMemory(200 * kMiB, kMiB), 1);  // nothing entered
+    enter();
+    LimitedHeap::largest = 8;
+    for (const auto& one : kCases) {
+        LimitedHeap::requests = 0;
+        EXPECT_EQ(QKMemoryReserveTestAvailableMemory(one.total * kMiB, one.fragment * kMiB),
+                  one.answer);
+        EXPECT_EQ(LimitedHeap::requests, one.requests) << one.total << " " << one.fragment;
+    }
+    EXPECT_EQ(LimitedHeap::available, 40);
+    EXPECT_EQ(QKMemoryReserveDidProbingFail(1), 3);
+    EXPECT_EQ(QKMemoryReserveDidProbingFail(0), 0);
+    QKMemoryReserveExit();
+}
+
+TEST_F(MemoryReserve, ThreadsThatFailTogetherCostOneReserveAndTheCallbackMayFailToo) {
+    for (int round = 0; round < 50; ++round) {
+        LimitedHeap::available = 60;
+        levels.clear();
+        enter();
+        std::array<void*, 4> blocks{};
+        std::array<std::thread, 4> threads;
+        for (std::size_t index = 0; index < 4; ++index)
+            threads[index] = std::thread([&, index] { blocks[index] = take(10); });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(levels, "1");
+        EXPECT_EQ(LimitedHeap::available, 10);
+        LimitedHeap::available = 0;
+        wantedInCallback = 12;
+        give(take(9));
+        EXPECT_EQ(levels, "12");
+        wantedInCallback = 0;
+        for (void* block : blocks)
+            give(block);
+        QKMemoryReserveExit();
+    }
+}
+
+TEST_F(MemoryReserve, TellsTheLogOnceThatNothingPassesThroughTheZone) {
+    AllocationZone::install(nullptr);  // the process's own, which these tests do not go through
+    for (int round = 0; round < 2; ++round) {
+        enter();
+        QKMemoryReserveExit();
+    }
+    EXPECT_THAT(world.message(), ::testing::StartsWith("allocations of this process do not pass "
+                                                       "through the framework's zone (malloc is"));
+}
+
+AllocationZone shared{testing::kRealHeap};
+
+TEST_F(MemoryReserve, MayComeAndGoAmongThreadsAndForks) {
+    AllocationZone::install(&shared);
+    shared.allocate = [](std::size_t size) noexcept {
+        return testing::isRefused(size) ? nullptr : testing::kRealHeap.allocate(size);
+    };
+    setOptions(0, 1, 1);
+    ZoneEntries calls = testing::kRealHeap;
+    calls.allocate = [](std::size_t size) noexcept { return shared.allocate.load()(size); };
+    calls.free = [](void* block) noexcept { shared.free.load()(block); };
+    const auto wrap = [] { std::free(QKMemoryReserveEnter(nullptr, nullptr)); };
+    EXPECT_EQ(testing::stressZone(calls, wrap, QKMemoryReserveExit), 0);
+    EXPECT_GT(QKMemoryReserveDidLowMemoryLevelChange(1), 0);
+}
+
+}  // namespace
+}  // namespace veltra
