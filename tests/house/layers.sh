@@ -19,9 +19,10 @@ breach() { echo "$1"; status=1; }
 
 while IFS=: read -r file line text; do
     case $file in *_test.cpp) continue ;; esac
-    room=$(cut -d/ -f2 <<<"$file")
+    room=${file#veltra/} room=${room%%/*}
     [ -n "${may[$room]+known}" ] || { breach "$file: a room without a rule here"; continue; }
-    target=$(sed -nE 's|.*"veltra/([^/"]+)/.*|\1|p' <<<"$text")
+    target=""
+    [[ $text =~ \"veltra/([^/\"]+)/ ]] && target=${BASH_REMATCH[1]}
     [ -z "$target" ] || [ "$target" = "$room" ] || [[ " ${may[$room]} " == *" $target "* ]] ||
         breach "$file:$line: $room may not know $target"
 done < <(grep -rnE '^#include "veltra/' veltra --include='*.h' --include='*.cpp' | grep '^veltra/[^/]*/')
