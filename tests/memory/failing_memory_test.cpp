@@ -13,6 +13,7 @@
 #include "veltra/infrastructure/time_marker.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/memory/guarded_allocator.h"
+#include "veltra/memory/leak_guard.h"
 #include "veltra/memory/low_memory_notification_center.h"
 #include "veltra/memory/memory_reserve.h"
 #include "veltra/memory/testing/fake_preferences.h"
@@ -221,6 +222,36 @@ Answer memoryReserve() {
     QKMemoryReserveExit();
     std::free(zeros);
     return oneOf(block != nullptr && zeros != nullptr && isAvailable && level == 0, isConsistent);
+}
+
+// The guard reads its preferences once, and stays in the zone.
+Answer leakGuard() {
+    static std::optional<testing::FakePreferences> preferences;
+    static const VLString* group = nullptr;
+    static const VLString* key = nullptr;
+    if (!preferences) {
+        const Unfailing now;
+        preferences.emplace().stored = PropertyValue::Dictionary{{"LeakGuardEnabled", true}};
+        group = VLStringCreateWithCString("group");
+        key = VLStringCreateWithCString("key");
+    }
+    void* volatile leaked = nullptr;
+    {
+        const QKLeakGuard guard;
+        leaked = std::malloc(100);
+    }
+    const long bytes = QKResetLeakGuardHistory(false);
+    QKOverrideLeakGuardPreference(group, key, 1);
+    QKLeakGuard* scope = QKOpenLeakGuardScopeWithGroupAndKey(group, key);
+    void* volatile another = std::malloc(10);
+    QKCloseLeakGuardScope(scope);
+    const long moreBytes = QKResetLeakGuardHistory(false);
+    const bool isRight = leaked != nullptr && bytes == 100 && another != nullptr && moreBytes == 10;
+    const bool isNeutral = (bytes == 0 || (leaked != nullptr && bytes == 100)) &&
+                           (moreBytes == 0 || (another != nullptr && moreBytes == 10));
+    std::free(leaked);
+    std::free(another);
+    return oneOf(isRight, isNeutral);
 }
 
 Answer notificationCenter() {
@@ -564,6 +595,7 @@ constexpr std::array kScenarios{
     Scenario{"guarded allocator, retrying", Promise::NeverThrows, guardedAllocatorRetries},
     Scenario{"low-memory center", Promise::NeverThrows, lowMemoryCenter},
     Scenario{"memory reserve", Promise::NeverThrows, memoryReserve},
+    Scenario{"leak guard", Promise::NeverThrows, leakGuard},
     Scenario{"notification center", Promise::NeverThrows, notificationCenter},
     Scenario{"string objects", Promise::NeverThrows, stringObjects},
     Scenario{"legacy file names", Promise::NeverThrows, legacyText},
