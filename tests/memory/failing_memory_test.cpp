@@ -116,7 +116,6 @@ std::string storedPreferences() {
 }
 
 void storePreferences(const char* text) {
-    ::setenv("XDG_CONFIG_HOME", folder().path.c_str(), 1);
     Preferences::setApplicationName("veltra-failing");
     std::ofstream(preferencesPath(), std::ios::binary) << text;
 }
@@ -442,9 +441,7 @@ Answer alertThatNobodySees() {
     Alert alert;
     alert.message = "message";
     alert.timeoutSeconds = 0.001;
-    ::setsid();
-    ::unsetenv("DISPLAY");
-    ::unsetenv("WAYLAND_DISPLAY");
+    ::setsid();  // no terminal
     return oneOf(presentAlert(alert) == AlertAnswer::TimedOut, false);
 }
 
@@ -625,12 +622,21 @@ constexpr std::array kScenarios{
     Scenario{"sample data, kernels, clocks", Promise::AllocatesNothing, processing},
 };
 
-TEST(FailingMemory, MakesNothingCrashLeakOrAnswerWrongly) {
-    SKIP_WITHOUT_REAL_ZONE();
+// Of the children: no user's preferences, no display, plain log lines on standard error.
+void prepareEnvironment() {
+    // NOLINTBEGIN(concurrency-mt-unsafe): one thread
     if (std::filesystem::exists("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
-    folder();
+    ::setenv("XDG_CONFIG_HOME", folder().path.c_str(), 1);
     ::setenv("CFLOG_FORCE_STDERR", "1", 1);
     ::setenv("VELTRA_TRACE_WITHOUT_BANNER", "", 1);
+    ::unsetenv("DISPLAY");
+    ::unsetenv("WAYLAND_DISPLAY");
+    // NOLINTEND(concurrency-mt-unsafe)
+}
+
+TEST(FailingMemory, MakesNothingCrashLeakOrAnswerWrongly) {
+    SKIP_WITHOUT_REAL_ZONE();
+    prepareEnvironment();
     long loops = 0;
     for (const Scenario& scenario : kScenarios) {
         const testing::Findings findings = testing::tryEveryFailure(scenario);
