@@ -114,7 +114,7 @@ TEST(AddRemoveIterateList, AMillionRequestsAreAppliedOnASmallStack) {
     };
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    const auto smallest = std::max<std::size_t>(kSmallStack, PTHREAD_STACK_MIN);
+    const auto smallest = std::max(kSmallStack, static_cast<std::size_t>(PTHREAD_STACK_MIN));
     ASSERT_EQ(pthread_attr_setstacksize(&attributes, smallest), 0);
     pthread_t thread;
     ASSERT_EQ(pthread_create(&thread, &attributes, iterate, &argument), 0);
