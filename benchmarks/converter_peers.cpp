@@ -180,7 +180,9 @@ std::vector<std::pair<std::string, Conversion>> peersOf(const Shape& shape, std:
                 {"swresample", swresample(shape)},
                 {"sdl", sdl(shape, frames)},
                 {"pulse", pulse(shape)},
-                {"samplerate", samplerate(shape)}};
+                {"samplerate", samplerate(shape)},
+                {"pipewire", pipewireConversion(shape, frames)},
+                {"sndfile", sndfileConversion(shape)}};
     std::erase_if(peers, [](const auto& peer) { return !peer.second; });
     return peers;
 }

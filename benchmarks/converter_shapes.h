@@ -38,3 +38,7 @@ WordSwap swapLoop(std::size_t word);
 
 // The libraries that convert this shape. They scale, round and clip in ways of their own.
 std::vector<std::pair<std::string, Conversion>> peersOf(const Shape& shape, std::size_t frames);
+
+// Those with a file of their own; null where they do not convert this shape.
+Conversion pipewireConversion(const Shape& shape, std::size_t frames);
+Conversion sndfileConversion(const Shape& shape);
