@@ -2,8 +2,8 @@
 #pragma once
 
 #include "veltra/memory/leak_guard.h"
+#include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/platform/allocation_zone.h"
-#include "veltra/platform/preferences.h"
 #include "veltra/platform/testing/child_process.h"
 
 #include <atomic>
@@ -16,28 +16,14 @@
 
 namespace veltra::testing {
 
-struct GuardPreferences : Preferences {
-    PropertyValue value(std::string_view key) const noexcept override { return all[key]; }
-    bool setValue(std::string_view key, const PropertyValue& value) noexcept override {
-        all = all.settingValueAtPath({key}, value);
-        return true;
-    }
-    std::error_code synchronise() noexcept override { return ++synchronised, std::error_code(); }
-    std::error_code reload() noexcept override { return {}; }
-
-    PropertyValue all = PropertyValue::Dictionary{{"LeakGuardEnabled", 1}};
-    int synchronised = 0;
-};
-
 // The guard starts once in a process and stays: each test runs in a child.
 template <typename Body>
 void guarded(AllocationZone* zone, Body body) {
     EXPECT_TRUE(holdsInChild([&] {
-        GuardPreferences preferences;
+        FakePreferences preferences;
+        preferences.stored = PropertyValue::Dictionary{{"LeakGuardEnabled", 1}};
         AllocationZone::install(zone);
-        Preferences::install(&preferences);
         body(preferences);
-        Preferences::install(nullptr);
         return !::testing::Test::HasFailure();
     }));
 }
