@@ -2,6 +2,7 @@
 
 #include "veltra/platform/linux/descriptor_standard_error.h"
 #include "veltra/platform/testing/child_process.h"
+#include "veltra/platform/testing/environment.h"
 
 #include <algorithm>
 #include <atomic>
@@ -105,21 +106,19 @@ TEST(StandardError, EveryErrorAtEveryByteEndsTheLineOrIsOvercomeAndNothingIsRepe
 }
 
 TEST(StandardError, AManagerReadsItWhenTheEnvironmentNamesItOrTheProcess) {
-    const auto isManaged = [](const std::string& journal, const std::string& starter) {
-        ::setenv("JOURNAL_STREAM", journal.c_str(), 1);
-        ::setenv("SYSTEMD_EXEC_PID", starter.c_str(), 1);
+    const auto isManaged = [](const char* journal, const char* starter) {
+        setEnvironment("JOURNAL_STREAM", journal);
+        setEnvironment("SYSTEMD_EXEC_PID", starter);
         return DescriptorStandardError().isManaged({Kind::Pipe, 5, UINT64_MAX});
     };
     const std::string stream = "5:18446744073709551615", own = std::to_string(::getpid());
-    EXPECT_TRUE(isManaged(stream, "") && isManaged(stream, "1"));
-    EXPECT_TRUE(isManaged("", own) && isManaged("5:78", own));
-    EXPECT_FALSE(isManaged("", "1") || isManaged("", own + " "));
+    EXPECT_TRUE(isManaged(stream.c_str(), "") && isManaged(stream.c_str(), "1"));
+    EXPECT_TRUE(isManaged("", own.c_str()) && isManaged("5:78", own.c_str()));
+    EXPECT_FALSE(isManaged("", "1") || isManaged("", (own + " ").c_str()));
     for (const std::string& other : {""s, "5:77"s, "6" + stream.substr(1), stream + " ",
                                      " " + stream, stream + "0", "5"s, "5:"s, stream.substr(1)})
-        EXPECT_FALSE(isManaged(other, "")) << other;
-    ::unsetenv("JOURNAL_STREAM");
-    ::unsetenv("SYSTEMD_EXEC_PID");
-    EXPECT_FALSE(DescriptorStandardError().isManaged({Kind::Pipe, 5, UINT64_MAX}));
+        EXPECT_FALSE(isManaged(other.c_str(), "")) << other;
+    EXPECT_FALSE(isManaged(nullptr, nullptr));
 }
 
 // Whether a child whose standard error is `descriptor` writes `count` lines and gets no signal, but
