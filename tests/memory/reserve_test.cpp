@@ -1,6 +1,5 @@
 // The memory reserve on the process's own zone.
 #include "tests/memory/real_zone.h"
-#include "veltra/memory/memory_reserve.h"
 #include "veltra/memory/testing/zone_stress.h"
 
 #include <fstream>
@@ -76,21 +75,10 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
     }
 }
 
-ZoneEntries real;
-
 TEST(RealMemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     SKIP_WITHOUT_REAL_ZONE();
-    AllocationZone& zone = AllocationZone::process();
-    real = zone.entries();
-    zone.allocate = [](std::size_t size) noexcept {
-        return testing::isRefused(size) ? nullptr : real.allocate(size);
-    };
-    for (const int index : {0, 1, 2})
-        QKMemoryReserveSetOption(index, index == 0 ? 0 : 1);
     const ZoneEntries calls{::malloc, ::calloc, ::memalign, ::realloc, ::free, nullptr};
-    const auto wrap = [] { std::free(QKMemoryReserveEnter(nullptr, nullptr)); };
-    EXPECT_EQ(testing::stressZone(calls, wrap, QKMemoryReserveExit), 0);
-    zone.allocate = real.allocate;
+    EXPECT_EQ(testing::stressReserve(AllocationZone::process(), calls), 0);
     EXPECT_GT(QKMemoryReserveDidLowMemoryLevelChange(1), 0);
 }
 
