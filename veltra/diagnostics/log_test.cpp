@@ -107,24 +107,23 @@ TEST(Log, NothingIsLoggedAboveTheHighestLevelOrWithoutTagAndFormat) {
 }
 
 TEST(Log, WhoGetsALineOnStandardError) {
-    setEnvironment("CFLOG_FORCE_STDERR", nullptr);
     using enum StandardError::Kind;
     for (int bits = 0; bits < 8; ++bits) {
         for (const auto kind : {Unusable, RegularFile, Pipe, Socket, Other}) {
             const bool isForced = (bits & 4) != 0;
-            if (isForced) setEnvironment("CFLOG_FORCE_STDERR", "");
+            setEnvironment("CFLOG_FORCE_STDERR", isForced ? "" : nullptr);
             LogWorld world;
             world.hasRaisedRights = (bits & 2) != 0;
             world.managed = (bits & 1) != 0;
             world.kind = kind;
             QKLogCString(6, false, nullptr, "x");
-            setEnvironment("CFLOG_FORCE_STDERR", nullptr);
             const bool expected = (isForced && !world.hasRaisedRights) || kind == RegularFile ||
                                   (kind != Unusable && !world.managed);
             EXPECT_EQ(world.lines.size(), expected ? 1U : 0U) << bits << static_cast<int>(kind);
             EXPECT_EQ(world.message(), "x");
         }
     }
+    setEnvironment("CFLOG_FORCE_STDERR", nullptr);
 }
 
 TEST(Log, TheEnvironmentDecidesAboutBannersAtEveryCall) {

@@ -14,6 +14,7 @@
 #include <span>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -41,9 +42,11 @@ struct Script {
     std::string taken = {};
     bool hasAnswered = false;
     int noWaitCalls = 0, openDescriptors = 0;
+    void (*inTheMiddle)() = nullptr;  // of the first call
 } kernel;
 
 ssize_t take(int, const iovec* pieces, int count) {
+    if (kernel.inTheMiddle != nullptr) std::exchange(kernel.inTheMiddle, nullptr)();
     if (!kernel.hasAnswered && kernel.taken.size() == kernel.accepts) {
         kernel.hasAnswered = true;
         errno = -kernel.answer;
@@ -220,14 +223,14 @@ TEST(StandardError, ClosedFullAndLimitedDescriptorsEndTheLineNotTheProcess) {
 TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
     static std::atomic<bool> hasArrived, mayGoOn;
     hasArrived = mayGoOn = false;
-    StandardErrorCalls calls;
-    calls.writev = [](int, const iovec*, int) -> ssize_t {
+    kernel = {};
+    kernel.inTheMiddle = [] {
         hasArrived = true;
         while (!mayGoOn)
             std::this_thread::yield();
-        return 0;
     };
-    std::thread holder([&] { DescriptorStandardError(calls).write({Kind::RegularFile}, kPieces); });
+    std::thread holder(
+        [] { DescriptorStandardError(scripted(true, true)).write({Kind::RegularFile}, kPieces); });
     while (!hasArrived)
         std::this_thread::yield();
     EXPECT_TRUE(testing::holdsInChild([] {
@@ -240,25 +243,15 @@ TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
 }
 
 TEST(StandardError, ASignalHandlerMayWriteALine) {
-    static std::string order;
-    order.clear();
-    static DescriptorStandardError* stream;
-    StandardErrorCalls calls;
-    calls.writev = [](int, const iovec* pieces, int) -> ssize_t {
-        const std::string_view text(static_cast<const char*>(pieces->iov_base), pieces->iov_len);
-        if (text == "first") ::raise(SIGUSR1);
-        order += text;
-        return static_cast<ssize_t>(text.size());
-    };
-    DescriptorStandardError made(calls);
-    stream = &made;
+    static DescriptorStandardError stream(scripted(true, true));
+    kernel = {SIZE_MAX, 0};
+    kernel.inTheMiddle = [] { ::raise(SIGUSR1); };
     const auto before = std::signal(SIGUSR1, [](int) {
-        stream->write({Kind::RegularFile}, {"second", "", ""});
+        stream.write({Kind::RegularFile}, {"second", "", ""});
     });
-    made.write({Kind::RegularFile}, {"first", "", ""});
+    stream.write({Kind::RegularFile}, {"first", "", ""});
     std::signal(SIGUSR1, before);
-    stream = nullptr;
-    EXPECT_EQ(order, "firstsecond");
+    EXPECT_EQ(kernel.taken, "firstsecond");
 }
 
 TEST(StandardError, LinesOfSeveralThreadsAreNeverMixed) {
