@@ -53,7 +53,8 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
         ASSERT_EQ(::pipe(ends.data()), 0);
         EXPECT_TRUE(testing::holdsInChild([&] {
             ::dup2(ends[1], STDERR_FILENO);
-            ::mallopt(M_ARENA_MAX, 1);  // no address space for the arenas of threads
+            // No address space for the arenas of threads.
+            ::mallopt(M_ARENA_MAX, 1);  // NOLINT(concurrency-mt-unsafe): one thread
             std::size_t pages = 0;
             std::ifstream("/proc/self/statm") >> pages;
             const rlimit limit{pages * 4096 + (std::size_t{800} << 20), RLIM_INFINITY};

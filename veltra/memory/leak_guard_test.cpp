@@ -204,12 +204,12 @@ TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
         };
         constexpr struct {
             const char *group, *key;
-            bool isGuarded;
+            bool expected;
         } kCases[] = {{"song", "on", true},   {"song", "off", false},  {"song", "?", false},
                       {"song", "bad", false}, {"?", "on", false},      {"song", nullptr, false},
                       {nullptr, "on", false}, {nullptr, nullptr, true}};
         for (const auto& one : kCases)
-            EXPECT_EQ(isGuarded(one.group, one.key), one.isGuarded);
+            EXPECT_EQ(isGuarded(one.group, one.key), one.expected);
 
         preferences.synchronised = 0;
         EXPECT_TRUE(isGuarded("song", "text"));

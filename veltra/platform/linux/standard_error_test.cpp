@@ -175,6 +175,7 @@ Ends openChannel(int type) {
     }
     ends[0] = ::posix_openpt(O_RDWR | O_NOCTTY);
     EXPECT_EQ(::grantpt(ends[0]) | ::unlockpt(ends[0]), 0);
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
     ends[1] = ::open(::ptsname(ends[0]), O_RDWR | O_NOCTTY);
     return ends;
 }
@@ -189,6 +190,7 @@ TEST(StandardError, EveryChannelTakesTheLineOrLosesItWithoutWaitingOnEveryWay) {
             EXPECT_TRUE(childWrites(ends[1], kind, stream));
             EXPECT_EQ(drain(ends[0]), type == kTerminal ? "banner: text\r\n" : kLine);
 
+            // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
             if (type == kTerminal) ::tcflow(ends[1], TCOOFF);
             EXPECT_TRUE(childWrites(ends[1], kind, stream, {"", large, "\n"}, 2));
             EXPECT_TRUE(childWrites(ends[1], kind, stream, kPieces, 6000)) << "until it is full";
