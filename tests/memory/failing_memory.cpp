@@ -82,21 +82,17 @@ struct Injector {
 
 constinit Injector injector;
 
+template <auto kEntry, typename... Arguments>
+void* refusing(Arguments... arguments) noexcept {
+    return injector.refuses() ? nullptr : injector.counted((injector.below.*kEntry)(arguments...));
+}
+
 void wrapZone() noexcept {
     AllocationZone& zone = AllocationZone::process();
     injector.below = zone.entries();
-    zone.allocate = [](std::size_t size) noexcept -> void* {
-        return injector.refuses() ? nullptr : injector.counted(injector.below.allocate(size));
-    };
-    zone.allocateZeroed = [](std::size_t count, std::size_t size) noexcept -> void* {
-        return injector.refuses() ? nullptr
-                                  : injector.counted(injector.below.allocateZeroed(count, size));
-    };
-    zone.allocateAligned = [](std::size_t alignment, std::size_t size) noexcept -> void* {
-        return injector.refuses()
-                   ? nullptr
-                   : injector.counted(injector.below.allocateAligned(alignment, size));
-    };
+    zone.allocate = refusing<&ZoneEntries::allocate, std::size_t>;
+    zone.allocateZeroed = refusing<&ZoneEntries::allocateZeroed, std::size_t, std::size_t>;
+    zone.allocateAligned = refusing<&ZoneEntries::allocateAligned, std::size_t, std::size_t>;
     zone.reallocate = [](void* block, std::size_t size) noexcept -> void* {
         if (injector.refuses()) return nullptr;
         void* moved = injector.below.reallocate(block, size);

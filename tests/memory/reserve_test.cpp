@@ -1,6 +1,5 @@
 // The memory reserve on the process's own zone.
 #include "tests/memory/real_zone.h"
-#include "veltra/memory/memory_reserve.h"
 #include "veltra/memory/testing/zone_stress.h"
 
 #include <fstream>
@@ -54,7 +53,8 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
         ASSERT_EQ(::pipe(ends.data()), 0);
         EXPECT_TRUE(testing::holdsInChild([&] {
             ::dup2(ends[1], STDERR_FILENO);
-            ::mallopt(M_ARENA_MAX, 1);  // no address space for the arenas of threads
+            // No address space for the arenas of threads.
+            ::mallopt(M_ARENA_MAX, 1);  // NOLINT(concurrency-mt-unsafe): one thread
             std::size_t pages = 0;
             std::ifstream("/proc/self/statm") >> pages;
             const rlimit limit{pages * 4096 + (std::size_t{800} << 20), RLIM_INFINITY};
@@ -76,21 +76,10 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
     }
 }
 
-ZoneEntries real;
-
 TEST(RealMemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     SKIP_WITHOUT_REAL_ZONE();
-    AllocationZone& zone = AllocationZone::process();
-    real = zone.entries();
-    zone.allocate = [](std::size_t size) noexcept {
-        return testing::isRefused(size) ? nullptr : real.allocate(size);
-    };
-    for (const int index : {0, 1, 2})
-        QKMemoryReserveSetOption(index, index == 0 ? 0 : 1);
     const ZoneEntries calls{::malloc, ::calloc, ::memalign, ::realloc, ::free, nullptr};
-    const auto wrap = [] { std::free(QKMemoryReserveEnter(nullptr, nullptr)); };
-    EXPECT_EQ(testing::stressZone(calls, wrap, QKMemoryReserveExit), 0);
-    zone.allocate = real.allocate;
+    EXPECT_EQ(testing::stressReserve(AllocationZone::process(), calls), 0);
     EXPECT_GT(QKMemoryReserveDidLowMemoryLevelChange(1), 0);
 }
 

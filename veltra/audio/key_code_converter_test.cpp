@@ -1,8 +1,8 @@
 #include "veltra/audio/key_code_converter.h"
 
-#include "veltra/platform/clock.h"
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/text_services.h"
 
 #include <string_view>
@@ -16,7 +16,7 @@ namespace {
 
 using Converter = QKKeyCodeConverter;
 using Text = std::optional<std::string>;
-using testing::ElementsAre;
+using ::testing::ElementsAre;
 
 constexpr std::uint32_t kAll =
     Converter::kShift | Converter::kControl | Converter::kOption | Converter::kCommand;
@@ -33,29 +33,19 @@ struct OtherLayout : KeyboardLayout {
 const OtherLayout kNoLayout(std::nullopt);
 const OtherLayout kSharpS(KeyTranslation{u"\u00DF", false});
 
-struct ClockByHand : Clocks {
-    ClockReading monotonic() const noexcept override { return {m_now, 0}; }
-    WallTime wall() const noexcept override { return {}; }
-    std::uint64_t m_now = 0;
-};
-
-class KeyCodeConverter : public testing::Test {
+class KeyCodeConverter : public ::testing::Test {
 protected:
-    KeyCodeConverter() { Clocks::install(&m_clock); }
     void use(const char* layout) {
         setEnvironment("DISPLAY", nullptr);
         setEnvironment("XKB_DEFAULT_LAYOUT", layout);
-        m_clock.m_now += 1'000'000'000;  // when a layout is read again
+        m_clocks.now += 1'000'000'000;  // when a layout is read again
     }
     bool hasLayouts() {
         use("us");
         return Converter::translateKeyCode(0).has_value();
     }
-    ~KeyCodeConverter() override {
-        KeyboardLayout::install(nullptr);
-        Clocks::install(nullptr);
-    }
-    ClockByHand m_clock;
+    ~KeyCodeConverter() override { KeyboardLayout::install(nullptr); }
+    testing::ManualClocks m_clocks;
 };
 
 TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <tuple>
 
 #include <malloc.h>
 
@@ -115,7 +114,7 @@ TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
 
 TEST(LeakGuard, PrintsTheNewestLeaksUpToTheLimit) {
     guarded([](auto& preferences) {
-        preferences.all =
+        preferences.stored =
             PropertyValue::Dictionary{{"LeakGuardEnabled", "yes"}, {"LeakGuardPrintLimit", 2}};
         for (const std::size_t size : {1U, 20U, 300U})
             (void)takeInScope(size);
@@ -129,7 +128,7 @@ TEST(LeakGuard, PrintsTheNewestLeaksUpToTheLimit) {
 
 TEST(LeakGuard, TouchesNothingUnlessItIsEnabled) {
     guarded([](auto& preferences) {
-        preferences.all = PropertyValue();
+        preferences.stored = PropertyValue();
         give(takeInScope(100));
         EXPECT_EQ(lastRequest, 100U);
         EXPECT_EQ(printed([] { EXPECT_EQ(QKLeakGuard::ResetHistory(true), 0); }), "");
@@ -188,7 +187,7 @@ TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
 
 TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
     guarded([](auto& preferences) {
-        preferences.all = preferences.all.settingValueAtPath(
+        preferences.stored = preferences.stored.settingValueAtPath(
             {"LeakGuard", "song"},
             PropertyValue::Dictionary{{"on", 2}, {"off", 0}, {"text", "1"}, {"bad", "x"}});
         const auto isGuarded = [](const char* group, const char* key) {
@@ -203,32 +202,30 @@ TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
             EXPECT_EQ(leaking() == 10, answer);
             return answer;
         };
-        using Case = std::tuple<const char*, const char*, bool>;
-        for (const auto& [group, key, expected] : {Case{"song", "on", true},
-                                                   {"song", "off", false},
-                                                   {"song", "?", false},
-                                                   {"song", "bad", false},
-                                                   {"?", "on", false},
-                                                   {"song", nullptr, false},
-                                                   {nullptr, "on", false},
-                                                   {nullptr, nullptr, true}})
-            EXPECT_EQ(isGuarded(group, key), expected);
+        constexpr struct {
+            const char *group, *key;
+            bool expected;
+        } kCases[] = {{"song", "on", true},   {"song", "off", false},  {"song", "?", false},
+                      {"song", "bad", false}, {"?", "on", false},      {"song", nullptr, false},
+                      {nullptr, "on", false}, {nullptr, nullptr, true}};
+        for (const auto& one : kCases)
+            EXPECT_EQ(isGuarded(one.group, one.key), one.expected);
 
         preferences.synchronised = 0;
         EXPECT_TRUE(isGuarded("song", "text"));
         EXPECT_EQ(preferences.synchronised, 1);
-        const PropertyValue stored = preferences.all.valueAtPath({"LeakGuard", "song"});
-        EXPECT_EQ(stored, PropertyValue(PropertyValue::Dictionary{
-                              {"on", 2}, {"off", 0}, {"text", 1}, {"bad", 0}}));
+        const PropertyValue song = preferences.stored.valueAtPath({"LeakGuard", "song"});
+        EXPECT_EQ(song, PropertyValue(PropertyValue::Dictionary{
+                            {"on", 2}, {"off", 0}, {"text", 1}, {"bad", 0}}));
 
-        const VLString* const song = VLStringCreateWithCString("song");
+        const VLString* const group = VLStringCreateWithCString("song");
         const VLString* const on = VLStringCreateWithCString("on");
-        QKOverrideLeakGuardPreference(song, on, 0);
-        QKOverrideLeakGuardPreference(song, nullptr, 1);
+        QKOverrideLeakGuardPreference(group, on, 0);
+        QKOverrideLeakGuardPreference(group, nullptr, 1);
         QKLeakGuard::OverridePreference(on, on, 4000000000U);
         EXPECT_FALSE(isGuarded("song", "on"));
         EXPECT_TRUE(isGuarded("on", "on"));
-        EXPECT_EQ(preferences.all.valueAtPath({"LeakGuard", "song"}), stored);
+        EXPECT_EQ(preferences.stored.valueAtPath({"LeakGuard", "song"}), song);
     });
 }
 

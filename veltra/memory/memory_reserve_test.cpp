@@ -232,15 +232,10 @@ AllocationZone shared{testing::kRealHeap};
 
 TEST_F(MemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     AllocationZone::install(&shared);
-    shared.allocate = [](std::size_t size) noexcept {
-        return testing::isRefused(size) ? nullptr : testing::kRealHeap.allocate(size);
-    };
-    setOptions(0, 1, 1);
     ZoneEntries calls = testing::kRealHeap;
     calls.allocate = [](std::size_t size) noexcept { return shared.allocate.load()(size); };
     calls.free = [](void* block) noexcept { shared.free.load()(block); };
-    const auto wrap = [] { std::free(QKMemoryReserveEnter(nullptr, nullptr)); };
-    EXPECT_EQ(testing::stressZone(calls, wrap, QKMemoryReserveExit), 0);
+    EXPECT_EQ(testing::stressReserve(shared, calls), 0);
     EXPECT_GT(QKMemoryReserveDidLowMemoryLevelChange(1), 0);
 }
 

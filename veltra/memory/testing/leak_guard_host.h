@@ -2,13 +2,10 @@
 #pragma once
 
 #include "veltra/memory/leak_guard.h"
-#include "veltra/platform/allocation_zone.h"
-#include "veltra/platform/preferences.h"
-#include "veltra/platform/testing/child_process.h"
+#include "veltra/memory/testing/fake_preferences.h"
+#include "veltra/memory/testing/zone_stress.h"
 
 #include <atomic>
-#include <cstring>
-#include <random>
 #include <thread>
 #include <vector>
 
@@ -16,28 +13,14 @@
 
 namespace veltra::testing {
 
-struct GuardPreferences : Preferences {
-    PropertyValue value(std::string_view key) const noexcept override { return all[key]; }
-    bool setValue(std::string_view key, const PropertyValue& value) noexcept override {
-        all = all.settingValueAtPath({key}, value);
-        return true;
-    }
-    std::error_code synchronise() noexcept override { return ++synchronised, std::error_code(); }
-    std::error_code reload() noexcept override { return {}; }
-
-    PropertyValue all = PropertyValue::Dictionary{{"LeakGuardEnabled", 1}};
-    int synchronised = 0;
-};
-
 // The guard starts once in a process and stays: each test runs in a child.
 template <typename Body>
 void guarded(AllocationZone* zone, Body body) {
     EXPECT_TRUE(holdsInChild([&] {
-        GuardPreferences preferences;
+        FakePreferences preferences;
+        preferences.stored = PropertyValue::Dictionary{{"LeakGuardEnabled", 1}};
         AllocationZone::install(zone);
-        Preferences::install(&preferences);
         body(preferences);
-        Preferences::install(nullptr);
         return !::testing::Test::HasFailure();
     }));
 }
@@ -47,39 +30,16 @@ void guarded(AllocationZone* zone, Body body) {
 inline void allocateAmongThreadsAndForks(const ZoneEntries& heap) {
     std::atomic<bool> stop{false};
     std::atomic<int> spoilt{0};
-    struct Block {
-        unsigned char* bytes = nullptr;
-        std::size_t size = 0;
-    };
-    const auto turns = [&](std::minstd_rand& random, std::vector<Block>& blocks) {
-        for (int i = 0; i < 20; ++i) {
-            Block& one = blocks[random() % blocks.size()];
-            const auto mark = static_cast<unsigned char>(one.size);
-            if (one.size > 0 && (one.bytes[0] != mark || one.bytes[one.size - 1] != mark)) ++spoilt;
-            const std::size_t size = 1 + random() % (random() % 50 == 0 ? 300000 : 3000);
-            const unsigned kind = random() % 4;
-            if (kind != 0) heap.free(one.bytes);
-            void* const taken = kind == 0   ? heap.reallocate(one.bytes, size)
-                                : kind == 1 ? heap.allocate(size)
-                                : kind == 2 ? heap.allocateZeroed(size, 1)
-                                            : heap.allocateAligned(16U << random() % 8, size);
-            one = {static_cast<unsigned char*>(taken), size};
-            std::memset(taken, static_cast<unsigned char>(size), size);
-        }
-    };
     std::vector<std::jthread> threads;
     for (unsigned seed = 1; seed <= 8; ++seed)
         threads.emplace_back([&, seed] {
-            std::minstd_rand random(seed);
-            std::vector<Block> blocks(32);
+            StressedBlocks blocks(heap, seed);
             while (!stop) {
-                turns(random, blocks);
+                spoilt += !blocks.turn(20);
                 const QKLeakGuard guard;
-                turns(random, blocks);
-                if (random() % 16 == 0) QKResetLeakGuardHistory(false);
+                spoilt += !blocks.turn(20);
+                if (blocks.random() % 16 == 0) QKResetLeakGuardHistory(false);
             }
-            for (const Block& block : blocks)
-                heap.free(block.bytes);
         });
     for (int i = 0; i < 30; ++i)
         EXPECT_TRUE(holdsInChild([&] {

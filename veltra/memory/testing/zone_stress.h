@@ -1,7 +1,8 @@
-// Eight threads on a zone whose allocations fail now and then, while somebody wraps and unwraps it
-// and forks. What goes wrong is a crash, a hang, a sanitizer's report, or a damaged block.
+// Eight threads on a zone, while somebody wraps and unwraps it and forks. What goes wrong is a
+// crash, a hang, a sanitizer's report, or a damaged block.
 #pragma once
 
+#include "veltra/memory/memory_reserve.h"
 #include "veltra/platform/allocation_zone.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/testing/child_process.h"
@@ -29,58 +30,78 @@ inline bool isRefused(std::size_t size) noexcept {
     return size > 1024 && size % 32 == 31 && turn.fetch_add(1, std::memory_order_relaxed) % 7 == 0;
 }
 
-// Takes, grows, shrinks and frees blocks of random size and alignment until told to stop; each is
-// full of one letter. Answers whether they all stayed so.
-inline bool stressBlocks(const ZoneEntries& calls, unsigned seed, std::atomic<int>& stepsLeft) {
-    std::minstd_rand random(seed);
-    std::array<std::pair<char*, std::size_t>, 64> blocks{};
-    bool isWhole = true;
-    while (stepsLeft.load(std::memory_order_relaxed) > 0) {
-        stepsLeft.fetch_sub(1, std::memory_order_relaxed);
-        auto& [block, size] = blocks[random() % blocks.size()];
-        const std::size_t wanted = random() % 5000 + 1, alignment = std::size_t{16} << random() % 8;
-        const auto kind = random() % 4;
-        for (std::size_t i = 0; i < size; ++i)
-            isWhole &= block[i] == 'x';
-        void* taken = kind == 0   ? calls.allocate(wanted)
-                      : kind == 1 ? calls.allocateZeroed(wanted, 1)
-                      : kind == 2 ? calls.allocateAligned(alignment, wanted)
-                                  : calls.reallocate(block, wanted);
-        if (kind == 2) isWhole &= reinterpret_cast<std::uintptr_t>(taken) % alignment == 0;
-        if (taken == nullptr) continue;
-        for (std::size_t i = 0; i < wanted && (kind == 1 || (kind == 3 && i < size)); ++i)
-            isWhole &= static_cast<char*>(taken)[i] == (kind == 1 ? '\0' : 'x');
-        if (kind != 3) calls.free(block);
-        block = static_cast<char*>(std::memset(taken, 'x', size = wanted));
+// Blocks of random size and alignment, each full of the letter of its size.
+class StressedBlocks {
+public:
+    StressedBlocks(const ZoneEntries& calls, unsigned seed) : random(seed), m_calls(calls) {}
+    ~StressedBlocks() {
+        for (auto& [block, size] : m_blocks)
+            m_calls.free(block);
     }
-    for (auto& [block, size] : blocks)
-        calls.free(block);
-    return isWhole;
-}
+    // Takes, grows, shrinks and frees. Answers whether all blocks that it met were whole.
+    bool turn(int steps) {
+        bool isWhole = true;
+        while (steps-- > 0) {
+            auto& [block, size] = m_blocks[random() % m_blocks.size()];
+            const std::size_t wanted = random() % (random() % 50 == 0 ? 300'000 : 5000) + 1;
+            const std::size_t alignment = std::size_t{16} << random() % 8;
+            const auto kind = random() % 4;
+            for (std::size_t i = 0; i < size; ++i)
+                isWhole &= block[i] == static_cast<char>(size);
+            void* taken = kind == 0   ? m_calls.allocate(wanted)
+                          : kind == 1 ? m_calls.allocateZeroed(wanted, 1)
+                          : kind == 2 ? m_calls.allocateAligned(alignment, wanted)
+                                      : m_calls.reallocate(block, wanted);
+            if (kind == 2) isWhole &= reinterpret_cast<std::uintptr_t>(taken) % alignment == 0;
+            if (taken == nullptr) continue;
+            for (std::size_t i = 0; i < wanted && (kind == 1 || (kind == 3 && i < size)); ++i)
+                isWhole &=
+                    static_cast<char*>(taken)[i] == (kind == 1 ? '\0' : static_cast<char>(size));
+            if (kind != 3) m_calls.free(block);
+            block = static_cast<char*>(std::memset(taken, static_cast<char>(wanted), wanted));
+            size = wanted;
+        }
+        return isWhole;
+    }
+    std::minstd_rand random;
 
-// `calls` is how the threads reach the zone. Answers how many threads and children saw damage.
-template <typename Wrap, typename Unwrap>
-int stressZone(const ZoneEntries& calls, Wrap wrap, Unwrap unwrap) {
+private:
+    const ZoneEntries m_calls;
+    std::array<std::pair<char*, std::size_t>, 64> m_blocks{};
+};
+
+// The reserve comes and goes over `zone`, which refuses some requests; `calls` is how the threads
+// reach it. Answers how many threads and children saw damage.
+inline int stressReserve(AllocationZone& zone, const ZoneEntries& calls) {
     const SilentStandardError silence;
-    std::atomic<int> stepsLeft{1'000'000'000}, failures{0};
+    static ZoneEntries below;
+    below = zone.entries();
+    zone.allocate = [](std::size_t size) noexcept {
+        return isRefused(size) ? nullptr : below.allocate(size);
+    };
+    for (const int index : {0, 1, 2})
+        QKMemoryReserveSetOption(index, index == 0 ? 0 : 1);
+    std::atomic<bool> isOver{false};
+    std::atomic<int> failures{0};
     std::vector<std::jthread> threads;
     for (unsigned seed = 1; seed <= 8; ++seed)
-        threads.emplace_back([&, seed] { failures += !stressBlocks(calls, seed, stepsLeft); });
-    const auto stressHere = [&calls] {
-        std::atomic<int> few{500};
-        return stressBlocks(calls, 9, few);
-    };
+        threads.emplace_back([&, seed] {
+            for (StressedBlocks blocks(calls, seed); !isOver;)
+                failures += !blocks.turn(20);
+        });
+    const auto stressHere = [&calls] { return StressedBlocks(calls, 9).turn(500); };
     for (int round = 0; round < 20; ++round) {
-        wrap();
+        std::free(QKMemoryReserveEnter(nullptr, nullptr));
 #ifdef VELTRA_SANITIZED  // whose allocator may hang in a child of many threads
         failures += !stressHere();
 #else
         failures += !holdsInChild(stressHere);
 #endif
-        unwrap();
+        QKMemoryReserveExit();
     }
-    stepsLeft = 0;
+    isOver = true;
     threads.clear();
+    zone.allocate = below.allocate;
     return failures;
 }
 

@@ -2,6 +2,7 @@
 
 #include "veltra/platform/linux/descriptor_standard_error.h"
 #include "veltra/platform/testing/child_process.h"
+#include "veltra/platform/testing/environment.h"
 
 #include <algorithm>
 #include <atomic>
@@ -13,6 +14,7 @@
 #include <span>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -40,9 +42,11 @@ struct Script {
     std::string taken = {};
     bool hasAnswered = false;
     int noWaitCalls = 0, openDescriptors = 0;
+    void (*inTheMiddle)() = nullptr;  // of the first call
 } kernel;
 
 ssize_t take(int, const iovec* pieces, int count) {
+    if (kernel.inTheMiddle != nullptr) std::exchange(kernel.inTheMiddle, nullptr)();
     if (!kernel.hasAnswered && kernel.taken.size() == kernel.accepts) {
         kernel.hasAnswered = true;
         errno = -kernel.answer;
@@ -105,21 +109,19 @@ TEST(StandardError, EveryErrorAtEveryByteEndsTheLineOrIsOvercomeAndNothingIsRepe
 }
 
 TEST(StandardError, AManagerReadsItWhenTheEnvironmentNamesItOrTheProcess) {
-    const auto isManaged = [](const std::string& journal, const std::string& starter) {
-        ::setenv("JOURNAL_STREAM", journal.c_str(), 1);
-        ::setenv("SYSTEMD_EXEC_PID", starter.c_str(), 1);
+    const auto isManaged = [](const char* journal, const char* starter) {
+        setEnvironment("JOURNAL_STREAM", journal);
+        setEnvironment("SYSTEMD_EXEC_PID", starter);
         return DescriptorStandardError().isManaged({Kind::Pipe, 5, UINT64_MAX});
     };
     const std::string stream = "5:18446744073709551615", own = std::to_string(::getpid());
-    EXPECT_TRUE(isManaged(stream, "") && isManaged(stream, "1"));
-    EXPECT_TRUE(isManaged("", own) && isManaged("5:78", own));
-    EXPECT_FALSE(isManaged("", "1") || isManaged("", own + " "));
+    EXPECT_TRUE(isManaged(stream.c_str(), "") && isManaged(stream.c_str(), "1"));
+    EXPECT_TRUE(isManaged("", own.c_str()) && isManaged("5:78", own.c_str()));
+    EXPECT_FALSE(isManaged("", "1") || isManaged("", (own + " ").c_str()));
     for (const std::string& other : {""s, "5:77"s, "6" + stream.substr(1), stream + " ",
                                      " " + stream, stream + "0", "5"s, "5:"s, stream.substr(1)})
-        EXPECT_FALSE(isManaged(other, "")) << other;
-    ::unsetenv("JOURNAL_STREAM");
-    ::unsetenv("SYSTEMD_EXEC_PID");
-    EXPECT_FALSE(DescriptorStandardError().isManaged({Kind::Pipe, 5, UINT64_MAX}));
+        EXPECT_FALSE(isManaged(other.c_str(), "")) << other;
+    EXPECT_FALSE(isManaged(nullptr, nullptr));
 }
 
 // Whether a child whose standard error is `descriptor` writes `count` lines and gets no signal, but
@@ -173,6 +175,7 @@ Ends openChannel(int type) {
     }
     ends[0] = ::posix_openpt(O_RDWR | O_NOCTTY);
     EXPECT_EQ(::grantpt(ends[0]) | ::unlockpt(ends[0]), 0);
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
     ends[1] = ::open(::ptsname(ends[0]), O_RDWR | O_NOCTTY);
     return ends;
 }
@@ -187,6 +190,7 @@ TEST(StandardError, EveryChannelTakesTheLineOrLosesItWithoutWaitingOnEveryWay) {
             EXPECT_TRUE(childWrites(ends[1], kind, stream));
             EXPECT_EQ(drain(ends[0]), type == kTerminal ? "banner: text\r\n" : kLine);
 
+            // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
             if (type == kTerminal) ::tcflow(ends[1], TCOOFF);
             EXPECT_TRUE(childWrites(ends[1], kind, stream, {"", large, "\n"}, 2));
             EXPECT_TRUE(childWrites(ends[1], kind, stream, kPieces, 6000)) << "until it is full";
@@ -221,14 +225,14 @@ TEST(StandardError, ClosedFullAndLimitedDescriptorsEndTheLineNotTheProcess) {
 TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
     static std::atomic<bool> hasArrived, mayGoOn;
     hasArrived = mayGoOn = false;
-    StandardErrorCalls calls;
-    calls.writev = [](int, const iovec*, int) -> ssize_t {
+    kernel = {};
+    kernel.inTheMiddle = [] {
         hasArrived = true;
         while (!mayGoOn)
             std::this_thread::yield();
-        return 0;
     };
-    std::thread holder([&] { DescriptorStandardError(calls).write({Kind::RegularFile}, kPieces); });
+    std::thread holder(
+        [] { DescriptorStandardError(scripted(true, true)).write({Kind::RegularFile}, kPieces); });
     while (!hasArrived)
         std::this_thread::yield();
     EXPECT_TRUE(testing::holdsInChild([] {
@@ -241,25 +245,15 @@ TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
 }
 
 TEST(StandardError, ASignalHandlerMayWriteALine) {
-    static std::string order;
-    order.clear();
-    static DescriptorStandardError* stream;
-    StandardErrorCalls calls;
-    calls.writev = [](int, const iovec* pieces, int) -> ssize_t {
-        const std::string_view text(static_cast<const char*>(pieces->iov_base), pieces->iov_len);
-        if (text == "first") ::raise(SIGUSR1);
-        order += text;
-        return static_cast<ssize_t>(text.size());
-    };
-    DescriptorStandardError made(calls);
-    stream = &made;
+    static DescriptorStandardError stream(scripted(true, true));
+    kernel = {SIZE_MAX, 0};
+    kernel.inTheMiddle = [] { ::raise(SIGUSR1); };
     const auto before = std::signal(SIGUSR1, [](int) {
-        stream->write({Kind::RegularFile}, {"second", "", ""});
+        stream.write({Kind::RegularFile}, {"second", "", ""});
     });
-    made.write({Kind::RegularFile}, {"first", "", ""});
+    stream.write({Kind::RegularFile}, {"first", "", ""});
     std::signal(SIGUSR1, before);
-    stream = nullptr;
-    EXPECT_EQ(order, "firstsecond");
+    EXPECT_EQ(kernel.taken, "firstsecond");
 }
 
 TEST(StandardError, LinesOfSeveralThreadsAreNeverMixed) {
