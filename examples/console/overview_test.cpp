@@ -46,8 +46,8 @@ TEST(OnsetDetector, FindsWhereTonesBeginAndTheirPitch) {
             EXPECT_NEAR(static_cast<double>(onset.FreqHz) / hertz[i], 1.0,
                         rate > 8000 ? 0.005 : 0.02)
                 << hertz[i];
-            EXPECT_EQ(inPieces.onsets()[i].pos, static_cast<std::int64_t>(onset.pos));
-            EXPECT_EQ(inPieces.onsets()[i].FreqHz, static_cast<float>(onset.FreqHz));
+            EXPECT_TRUE(inPieces.onsets()[i].pos == onset.pos);  // packed: no reference binds
+            EXPECT_EQ(inPieces.onsets()[i].FreqHz, onset.FreqHz);
         }
     }
 }
