@@ -147,7 +147,9 @@ private:
     using Rule = UnwindRule;
 
     // A row ends where the location moves beyond the address.
-    void advance(std::uint64_t units) noexcept { m_location += units * m_part.codeUnit; }
+    void advance(std::uint64_t units) noexcept {
+        m_location += static_cast<std::uintptr_t>(units * m_part.codeUnit);
+    }
 
     void defineCfa(std::uint64_t base, std::int64_t offset) noexcept {
         m_rule.cfa = base == kStackPointer   ? Rule::Cfa::StackPointer
