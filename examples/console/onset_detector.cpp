@@ -17,7 +17,7 @@ constexpr double kAttackSeconds = 0.02;  // noisy, without a pitch of its own
 constexpr double kClarity = 0.8;         // of a pitch; a pure tone has 1
 
 std::size_t framesIn(double seconds, int rate) {
-    return std::max<std::size_t>(static_cast<std::size_t>(seconds * rate + 0.5), 1);
+    return static_cast<std::size_t>(std::max(std::lround(seconds * rate), 1L));
 }
 
 // How alike the wave is to itself `lag` frames later, over `window` frames: 1 for the same, 0 for

@@ -55,6 +55,7 @@ std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<
     const auto channels = static_cast<std::size_t>(file.format().channels);
     std::vector<std::vector<float>> samples(channels, std::vector<float>(kChunkFrames));
     std::vector<float*> places;
+    places.reserve(channels);
     for (auto& channel : samples)
         places.push_back(channel.data());
 

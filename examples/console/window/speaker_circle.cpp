@@ -24,7 +24,7 @@ void SpeakerCircle::setPeaks(std::span<const float> peaks) {
     for (std::size_t i = 0; i < m_lights.size(); ++i) {
         const float position = i < peaks.size() ? meterPositionForAmplitude(peaks[i]) : 0.0F;
         const auto light =
-            static_cast<std::uint8_t>(std::clamp(position, 0.0F, 1.0F) * kBrightest + 0.5F);
+            static_cast<std::uint8_t>(std::lround(std::clamp(position, 0.0F, 1.0F) * kBrightest));
         // Goes out step by step, as a lamp does.
         const auto dimmer = static_cast<std::uint8_t>(std::max(m_lights[i], std::uint8_t{1}) - 1);
         const std::uint8_t shown = std::max(light, dimmer);

@@ -55,8 +55,10 @@ void WaveformView::drawRect(Canvas& canvas, const Rect& dirty) {
     const float border = playedWidth();
     const float gain = m_peak > 0.0F ? 1.0F / m_peak : 0.0F;
     const std::size_t columns = m_overview != nullptr ? m_overview->columns.size() : 0;
-    const float last = std::min(dirty.maxX(), bounds().size.width);
-    for (float x = std::floor(dirty.minX() * canvas.scale()) * pixel; x < last; x += pixel) {
+    const auto first = static_cast<int>(std::floor(dirty.minX() * canvas.scale()));
+    const float end = std::min(dirty.maxX(), bounds().size.width) * canvas.scale();
+    for (int device = first; static_cast<float>(device) < end; ++device) {
+        const float x = static_cast<float>(device) * pixel;
         // All columns that share this pixel, as its highest and lowest.
         const auto columnAt = [this, columns](float place) {
             const float part = std::clamp(place / bounds().size.width, 0.0F, 1.0F);
