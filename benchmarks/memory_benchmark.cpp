@@ -1,5 +1,5 @@
 // What the allocation zone and the services on it add to malloc and free. The reference is the C
-// library's own pair, which the same process calls past the zone.
+// library's own pair: in a program that does not link the library, or called past the zone.
 #include "benchmarks/ratios.h"
 #include "veltra/memory/memory_reserve.h"
 #include "veltra/platform/allocation_zone.h"
@@ -78,15 +78,28 @@ void reserve(benchmark::State& state) {
     veltra::QKMemoryReserveExit();
 }
 
+// Pairs in a program of its own.
+void program(benchmark::State& state, const char* path) {
+    for (auto _ : state) {
+        double nanoseconds = 0.0;
+        std::FILE* const output = ::popen(path, "r");
+        const bool isRead = output != nullptr && std::fscanf(output, "%lf", &nanoseconds) == 1;
+        if (output != nullptr) ::pclose(output);
+        if (!isRead) return state.SkipWithError("the program does not answer");
+        state.SetIterationTime(nanoseconds * 1e-9);
+    }
+}
+
+BENCHMARK_CAPTURE(program, plain, PLAIN_PAIR)->Name("plain64")->UseManualTime()->Iterations(1);
+BENCHMARK_CAPTURE(program, linked, LINKED_PAIR)->Name("linked64")->UseManualTime()->Iterations(1);
 BENCHMARK(library<pairOf64>)->Name("library64");
-BENCHMARK(linked<pairOf64>)->Name("linked64");
 BENCHMARK(reserve<pairOf64>)->Name("reserve64");
 BENCHMARK(library<mix>)->Name("libraryMix");
 BENCHMARK(linked<mix>)->Name("linkedMix");
 BENCHMARK(reserve<mix>)->Name("reserveMix");
 
 constexpr Ratio kRatios[] = {
-    {"64 B, linked / C library, 1.5 ns more", "linked64", "library64", 1.0, 1.5},
+    {"64 B, linked / not linked, 1.5 ns more", "linked64", "plain64", 1.0, 1.5},
     {"16-4096 B, linked / C library", "linkedMix", "libraryMix", 1.05},
     {"64 B, reserve entered / C library", "reserve64", "library64", 1.8},
     {"16-4096 B, reserve entered / C library", "reserveMix", "libraryMix", 1.1},
