@@ -13,7 +13,7 @@ using namespace testing;
 
 // Tones that begin at once and die away, one after the other, over a quiet hum.
 std::vector<float> tones(int rate, const std::vector<double>& hertz, double secondsApart) {
-    const auto apart = static_cast<std::size_t>(secondsApart * rate);
+    const auto apart = std::max(static_cast<std::size_t>(secondsApart * rate), std::size_t{1});
     std::vector<float> samples((hertz.size() + 1) * apart);
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const double turns = 50.0 * static_cast<double>(i) / rate;
