@@ -7,7 +7,6 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <benchmark/benchmark.h>
 #include <glib.h>
@@ -63,7 +62,7 @@ std::string mixedText(std::size_t size) {
     return text.append(size - text.size(), '.');
 }
 
-class Family {
+class Family : public RatioList {
 public:
     const char* addJudge(const std::string& name, Judge judge, const std::string& text) {
         return add(name, [judge, &text](benchmark::State& state) {
@@ -89,26 +88,10 @@ public:
         });
     }
 
-    void compare(const char* ours, const char* reference, double limit) {
-        std::string name(ours);
-        name.append(" / ").append(reference);
-        m_ratios.push_back({keep(std::move(name)), ours, reference, limit});
-    }
-
     const std::string& text(std::string made) { return m_texts.emplace_back(std::move(made)); }
 
-    int run(int argc, char** argv) const { return runRatios(argc, argv, m_ratios); }
-
 private:
-    template <class Function>
-    const char* add(const std::string& name, Function function) {
-        benchmark::RegisterBenchmark(name.c_str(), function);
-        return keep(name);
-    }
-    const char* keep(std::string name) { return m_texts.emplace_back(std::move(name)).c_str(); }
-
     std::deque<std::string> m_texts;
-    std::vector<Ratio> m_ratios;
 };
 
 }  // namespace

@@ -119,8 +119,6 @@ std::vector<StripMeter> Engine::meters() {
         meter.peak = *std::max_element(meter.peaks.begin(), meter.peaks.end());
         meter.underruns = entry.strip->underruns();
         meter.muted = entry.strip->isMuted();
-        meter.channels = entry.strip->format().channels;
-        meter.rate = entry.strip->format().rate;
         meter.framesPlayed = entry.strip->framesPlayed();
         meter.framesTotal = entry.strip->framesTotal();
     }

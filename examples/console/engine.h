@@ -52,8 +52,6 @@ struct StripMeter {
     std::vector<float> peaks;  // since the last look, of each channel as it is mixed
     std::uint64_t underruns = 0;
     bool muted = false;
-    int channels = 0;                // of the file, so many are `peaks`
-    int rate = 0;                    // the file's own, in frames a second
     std::uint64_t framesPlayed = 0;  // in the file's own frames; see Strip::framesPlayed()
     std::uint64_t framesTotal = 0;   // 0: unknown
 };

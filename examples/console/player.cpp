@@ -27,7 +27,6 @@ std::string Player::add(const std::string& path) {
     strip.path = path;
     strip.format = file->format();
     strip.meter.id = play(strip.key, std::move(file));
-    strip.meter.channels = strip.format.channels;
     m_state.strips.push_back(std::move(strip));
     m_overviews.request(path);
     return {};

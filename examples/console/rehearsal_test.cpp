@@ -21,7 +21,8 @@ TEST(Rehearsal, PlaysFilesOfAllRatesTogetherAndFindsTheLoudestTenthNotTheHighest
         const std::int64_t position = rehearsal.stepsDone() * 22050 / 60;
         EXPECT_EQ(rehearsal.engine().position(), position);
         for (const StripMeter& meter : rehearsal.engine().meters()) {
-            const auto due = static_cast<double>(position * meter.rate) / 22050;
+            const int rate = rehearsal.engine().format(meter.id)->rate;
+            const auto due = static_cast<double>(position * rate) / 22050;
             EXPECT_NEAR(static_cast<double>(meter.framesPlayed),
                         std::min(due, static_cast<double>(meter.framesTotal)), 3);
         }

@@ -9,11 +9,6 @@ namespace detail {
 
 namespace {
 
-#ifdef VELTRA_KERNEL_SWAP_AVX2
-bool hasAvx2(const ProcessorFeatures& features) noexcept {
-    return features.avx2;
-}
-#endif
 #ifdef VELTRA_KERNEL_SWAP_AVX512
 bool hasAvx512(const ProcessorFeatures& features) noexcept {
     return features.avx512f && features.avx512bw && features.avx512vbmi && features.bmi2;
@@ -25,7 +20,7 @@ constexpr KernelVariant<const kernels::SwapKernels*> kVariants[] = {
     {"avx512vbmi", hasAvx512, &kernels::kSwapAvx512},
 #endif
 #ifdef VELTRA_KERNEL_SWAP_AVX2
-    {"avx2", hasAvx2, &kernels::kSwapAvx2},
+    {"avx2", runsOnAvx2, &kernels::kSwapAvx2},
 #endif
     {"plain", runsEverywhere, &kernels::kSwapPlain},
 };

@@ -8,11 +8,6 @@ namespace detail {
 
 namespace {
 
-#ifdef VELTRA_KERNEL_SAMPLE_AVX2
-bool hasAvx2(const ProcessorFeatures& features) noexcept {
-    return features.avx2;
-}
-#endif
 #ifdef VELTRA_KERNEL_SAMPLE_AVX512
 bool hasAvx512(const ProcessorFeatures& features) noexcept {
     return features.avx512f && features.avx512bw && features.avx512dq && features.avx512vl &&
@@ -25,7 +20,7 @@ constexpr KernelVariant<const kernels::SampleKernels*> kVariants[] = {
     {"avx512vbmi", hasAvx512, &kernels::kSamplesAvx512},
 #endif
 #ifdef VELTRA_KERNEL_SAMPLE_AVX2
-    {"avx2", hasAvx2, &kernels::kSamplesAvx2},
+    {"avx2", runsOnAvx2, &kernels::kSamplesAvx2},
 #endif
     {"plain", runsEverywhere, &kernels::kSamplesPlain},
 };

@@ -18,6 +18,7 @@ void resetLocks() noexcept {
 }  // namespace
 
 void resetInChildren(AdaptiveLock& lock) noexcept {
+    // Without handlers only a child forked while another thread holds a lock would suffer.
     [[maybe_unused]] static const int registered = ::pthread_atfork(nullptr, nullptr, resetLocks);
     for (auto& entry : locks) {
         AdaptiveLock* present = nullptr;

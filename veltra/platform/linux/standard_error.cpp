@@ -1,6 +1,6 @@
 #include "veltra/platform/standard_error.h"
 
-#include "veltra/platform/detail/adaptive_lock.h"
+#include "veltra/platform/detail/fork_reset.h"
 #include "veltra/platform/detail/immortal.h"
 #include "veltra/platform/detail/replaceable.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
@@ -14,7 +14,6 @@
 #include <mutex>
 
 #include <fcntl.h>
-#include <pthread.h>
 
 namespace veltra {
 
@@ -26,9 +25,7 @@ constexpr int kMostInterruptions = 16;
 AdaptiveLock lineLock;
 
 void keepLockUsableInChildren() noexcept {
-    // Without handlers only a child forked in the middle of another thread's line would suffer.
-    [[maybe_unused]] static const int registered =
-        ::pthread_atfork(nullptr, nullptr, [] { lineLock.reset(); });
+    [[maybe_unused]] static const bool isNamed = (resetInChildren(lineLock), true);
 }
 
 int reopenStandardError() noexcept {

@@ -1,6 +1,6 @@
 // A family of kernels and the one function pointer that its calls go through.
 //
-//     constexpr KernelVariant<CopyKernel> kVariants[] = {{"avx2", hasAvx2, copyAvx2},
+//     constexpr KernelVariant<CopyKernel> kVariants[] = {{"avx2", runsOnAvx2, copyAvx2},
 //                                                        {"plain", runsEverywhere, copyPlain}};
 //     constinit KernelChoice<CopyKernel> copyKernels{"copy", kVariants};
 //
@@ -30,6 +30,10 @@ struct KernelVariant {
 
 inline bool runsEverywhere(const ProcessorFeatures& /*features*/) noexcept {
     return true;
+}
+
+inline bool runsOnAvx2(const ProcessorFeatures& features) noexcept {
+    return features.avx2;
 }
 
 template <class Kernel>
