@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The callback list: what a request costs, and what a pass costs for each entry; and lists of
 // transients (transient_benchmark.cpp).
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checksums beside the fastest libraries that compute the same, or, for the 16-bit one, a CRC of
 // another polynomial that takes the same work.
 //

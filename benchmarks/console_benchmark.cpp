@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The example host on five minutes of 24-bit stereo, as whole processes: start-up included, against
 // a program that only reads the bytes, and beside sox.
 #include "benchmarks/ratios.h"

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 // Level meters: what it costs to draw 200 of them that have all changed, against clearing the same
 // area and copying one image over it, the least that any drawing by images can do. And the
 // console's window with 32 strips: how much of one processor its 60 redraws a second take.
 #include "benchmarks/ratios.h"
 #include "examples/console/window/console_view.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
-#include "veltra/platform/ui/canvas.h"
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/view_widget.h"
+#include "veltra/ui/canvas.h"
 
 #include <QApplication>
 #include <QImage>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sample converters beside the libraries that convert the same format, the contract written as a
 // plain loop for this very machine, and memcpy of the same traffic.
 #include "benchmarks/converter_shapes.h"

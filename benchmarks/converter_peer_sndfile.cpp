@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/converter_shapes.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the sample converters are measured on, ours and everybody else's.
 #pragma once
 

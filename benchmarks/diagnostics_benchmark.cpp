@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cost of one log line to its caller: a record to a datagram socket and a line to a pipe. Both
 // are emptied between two lines, outside the measured time, so that every line is taken in full and
 // no other thread's waking up is measured.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the leak guard adds to a pair of malloc and free. It stays in a process for good, so it has
 // a program of its own. The references call the C library's functions past the library's; a scope
 // is opened at the bottom of a stack of as many frames as the name says, and the pair made at its

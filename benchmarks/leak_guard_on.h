@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Preferences that switch the leak guard on.
 #pragma once
 

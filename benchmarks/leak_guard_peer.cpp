@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The leak guard beside tools that take a whole process: makes pairs of malloc and free above a
 // stack of as many frames as the first argument says, and prints the nanoseconds of one pair. Built
 // with GUARDED in a scope of the guard, else for the tools.

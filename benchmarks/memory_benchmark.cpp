@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the allocation zone and the services on it add to malloc and free. The reference is the C
 // library's own pair: in a program that does not link the library, or called past the zone.
 #include "benchmarks/ratios.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that makes pairs of malloc and free of 64 bytes and prints the nanoseconds of one, the
 // median of many runs. Built with and without the library: what linking it costs a program.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checksums, sample converters and byte swaps beside the libraries that do the same. Times are only
 // compared of results that agree.
 #include "benchmarks/processor_benchmark.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parts of the family `processor`. Each registers its benchmarks, adds its ratios, and answers
 // whether the libraries it compares agree on the results.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Benchmarks judged by ratios: our time over that of a reference which ran in the same process,
 // interleaved with ours, so that the machine's mood cancels out.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The physical limit of the console: a program that reads the bytes of an audio file, and no more.
 #include <array>
 #include <cstdio>

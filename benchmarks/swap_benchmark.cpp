@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Byte swaps beside volk's, the plain loop for this very machine, and memcpy.
 #include "benchmarks/converter_shapes.h"
 #include "benchmarks/processor_benchmark.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // UTF-8 text: the structural check beside validators, the ASCII scans beside strlen, the copy
 // beside strncpy. Every text is NUL-terminated, and whoever needs its length pays for strlen.
 #include "benchmarks/ratios.h"

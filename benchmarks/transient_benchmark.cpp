@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sorting transients, against the sorts that a host would otherwise take. The peers that sort small
 // pairs of key and index move each transient once afterwards; what they allocate is timed, as ours
 // is. Each iteration sorts another list, or the branch predictor would learn the one there is.

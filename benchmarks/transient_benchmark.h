@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The part of the family `audio` that sorts transients.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/vector_walk.h"
 
 void walkVector(const std::vector<Pair>& pairs, std::uint32_t message, void* data) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reference of a pass over the callback list: a vector of callbacks, walked in a shared library
 // as the list is, so that both pay alike for calls from one module into another.
 #pragma once

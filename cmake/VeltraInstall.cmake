@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What a host gets: headers, library, CMake package, pkg-config file.
 include(CMakePackageConfigHelpers)
 

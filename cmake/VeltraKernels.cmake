@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # A kernel file is built with wider instructions than the rest; the processor is asked before it is
 # called. The file stays out, and the macro with it, where the compiler or the architecture has
 # no such instructions.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Every switch of the build, its default, and the flags that follow from it.
 include(CMakeDependentOption)
 

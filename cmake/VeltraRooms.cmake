@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # A room is one folder of veltra/ and one target: its sources become part of the library, its tests
 # one program.
 #

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a table and a record, under any limit, in memory of just their sizes. The input:
 // where the limit lies (two bytes), how long the table is, the table, the record.
 #include "veltra/processor/record_swap.h"

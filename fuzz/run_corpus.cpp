@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stands in for libFuzzer: gives the target each file of a folder once.
 #include <cstdio>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a description and the fields that it copies, apart or overlapping at any distance
 // and alignment. The input: where the copy comes from and goes to, the length (two bytes), how
 // long the description is, the description, the fields.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a text in memory of just its size, at any place within a cache line.
 #include "veltra/processor/testing/utf8_laws.h"
 

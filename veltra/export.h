@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What every public header needs: the export mark, and the frame of the functions with C linkage.
 //
 // Between VELTRA_C_BEGIN and VELTRA_C_END a header is plain C11. C++ sees the same functions in

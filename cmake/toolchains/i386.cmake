@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 32-bit little-endian with every library; x86-64 runs it, through the sysroot's own loader.
 get_filename_component(sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/i386" ABSOLUTE)
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 32-bit big-endian with the compiler's own libraries alone, under qemu: QEMU_CPU in the environment
 # says which processor it plays.
 get_filename_component(sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/powerpc" ABSOLUTE)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 64-bit big-endian with every library, under qemu. char is unsigned here.
 get_filename_component(sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/s390x" ABSOLUTE)
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Voices that come and go while an audio thread plays them: CAddRemoveIterateList.
 //
 // The audio thread only ever calls Iterate. The main thread adds and removes voices at any time and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A 5.1 file in the order of films, played on outputs in the format's own order.
 #include "veltra/audio/surround_names.h"
 

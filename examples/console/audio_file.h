@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An audio file that is open for reading: what it says about itself, and its frames as planar
 // floats.
 #pragma once

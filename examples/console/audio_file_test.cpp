@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "audio_file.h"
 
 #include "test_recordings.h"

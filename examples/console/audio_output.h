@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where blocks of audio go: a device, or nowhere at the pace of one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What travels through the callback list for each block of audio.
 #pragma once
 

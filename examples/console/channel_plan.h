@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which channel of a surround format each channel of a file is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a window shows of the console at one moment. It is made of a player that runs in real time,
 // or of a rehearsal for a picture.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "container_check.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A look at a file's own chunks, for what libsndfile mends without a word: it shortens a truncated
 // file to what is there.
 #pragma once

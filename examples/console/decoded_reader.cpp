@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Compressed data: libsndfile decodes, we only sort the channels.
 #include "frame_reader.h"
 

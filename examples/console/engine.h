@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The console's engine: strips in a callback list, a transport, and the meters to look at them. It
 // knows no terminal and no window; a front end of either kind drives it.
 //

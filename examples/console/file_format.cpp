@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "file_format.h"
 
 #include "container_check.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a file says about itself.
 #pragma once
 

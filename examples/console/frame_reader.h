@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two ways from a file to planar floats: the framework's own sample conversion for plain
 // sample data, libsndfile's decoders for the rest.
 #pragma once

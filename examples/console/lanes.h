@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Vectors of floats for the loops over samples, written as such because the compiler may not
 // reorder sums of floats by itself. Every processor's compiler knows how to do them; results are
 // the same everywhere.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keeps an engine playing: on the device that was asked for while it works, else to no device.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loudest channel of each second of a file, by energy.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // veltra-console: plays audio files and tells what is in them. A small host that shows how the
 // framework's pieces are put together; read on in session.cpp, then engine.h and pcm_reader.cpp.
 #include "options.h"

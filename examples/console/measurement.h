@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the report says about a recording's samples: how loud, and how often at the limit.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "mixing.h"
 
 #include "lanes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The loops of the audio thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A simple detector of onsets: where the energy of a signal jumps, how loud what begins there is,
 // and which pitch it has.
 #pragma once

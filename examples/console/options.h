@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 // The command line.
 #pragma once
 
-#include "veltra/platform/ui/appearance.h"
+#include "veltra/ui/appearance.h"
 
 #include <optional>
 #include <span>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A whole file at a glance: its waveform in a few hundred columns, and its onsets.
 #pragma once
 

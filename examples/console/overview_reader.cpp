@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "overview_reader.h"
 
 namespace veltra::console {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes overviews of files in a thread of its own, so that nobody waits for a long one.
 #pragma once
 

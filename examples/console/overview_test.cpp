@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "overview.h"
 
 #include "overview_reader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plain sample data: the file's own bytes go through the framework's sample conversion.
 #include "frame_reader.h"
 #include "veltra/processor/byte_order.h"

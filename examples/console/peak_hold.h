@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The largest magnitude since somebody last looked, handed from the audio thread to the main
 // thread.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The console as a window drives it: files come and go while the others play, and stay in view when
 // they have ended.
 #pragma once

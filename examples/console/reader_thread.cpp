@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reader_thread.h"
 
 #include <algorithm>

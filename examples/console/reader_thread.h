@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The thread that keeps the strips' rings full, so that the audio thread never sees the disk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The proof that the engine's block callback allocates nothing, locks nothing and asks the system
 // for nothing: it runs in a child process under a filter that traps every system call, in a program
 // whose allocator and mutex count.

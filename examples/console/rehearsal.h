@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files played offline, all together from the start, in steps as long as a picture of a film: for
 // front ends that draw what the engine does without waiting for real time. Two rehearsals of the
 // same files go alike to the last bit.

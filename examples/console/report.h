@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The report: a block of text for each file. Its form is described in the program's --help.
 #pragma once
 

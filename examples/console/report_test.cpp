@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program as its user sees it: reports, log lines, exit status.
 #include "report.h"
 

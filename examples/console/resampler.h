@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a file's sample rate to the device's, for the ear only: nothing is measured behind it.
 #pragma once
 

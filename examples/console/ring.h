@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bridge between the thread that reads files and the thread that plays them: a ring of planar
 // float frames for exactly one writer and one reader.
 //

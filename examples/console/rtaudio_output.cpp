@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Audio devices through RtAudio: a module of its own, see audio_output.h.
 #include "audio_output.h"
 

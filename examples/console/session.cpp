@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "session.h"
 
 #include "interruption.h"
 #include "text.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/infrastructure/timer.h"
-#include "veltra/platform/linux/poll_run_loop.h"
+#include "veltra/platform/poll_run_loop.h"
 
 namespace veltra::console {
 

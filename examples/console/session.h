@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One run of the program: opens the files, lets the engine play or read them, keeps the terminal
 // informed, and ends with the report.
 #pragma once
@@ -7,7 +8,7 @@
 #include "options.h"
 #include "report.h"
 #include "status_line.h"
-#include "veltra/platform/weak_anchor.h"
+#include "veltra/base/weak_anchor.h"
 
 #include <memory>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ownership of libsndfile's handle.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one line that moves while music plays, when standard output is a terminal.
 #pragma once
 

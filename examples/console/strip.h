@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One file on its way to the output: read, measured, resampled if need be, and held ready in a ring
 // for the audio thread.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Audio for the tests, made by sox from two recordings of the Debian package sonic-pi-samples.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small matters of text.
 #pragma once
 

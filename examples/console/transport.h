@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From sample positions to bars, beats and ticks: four beats to the bar at 120 beats a minute.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "window_program.h"
 
 #include <cstdlib>

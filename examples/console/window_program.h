@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way from the terminal program to the one with a window.
 #pragma once
 

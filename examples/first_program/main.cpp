@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/log.h"
 #include "veltra/processor/sample_conversion.h"
 

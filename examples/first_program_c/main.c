@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The first program again, in C11: cc main.c $(pkg-config --cflags --libs veltra) */
 #include "veltra/diagnostics/log.h"
 #include "veltra/processor/byte_order.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The movement of a level meter with no user interface: for a hardware display, a web page or a
 // terminal.
 #include "veltra/controls/level_meters/level_ballistics.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stereo meter in a window of the host's own. Shown for two seconds, so that it can run
 // unattended.
 #include "veltra/controls/level_meters/decibel_scale.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the user decided, kept between launches, and a log that also tells what went wrong with it.
 #include "veltra/diagnostics/log.h"
 #include "veltra/platform/preferences.h"

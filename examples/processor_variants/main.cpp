@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which processor this is: for the host's own signal processing, and for the library's kernels.
 #include "veltra/processor/dot_api.h"
 #include "veltra/processor/kernels.h"

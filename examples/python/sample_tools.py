@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The plain functions of veltra/processor from Python: sample_tools.py path/to/libveltra.so"""
 import ctypes
 import sys

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Byte order, from C: a record of a little-endian file turned round field by field. */
 #include "veltra/processor/byte_order.h"
 #include "veltra/processor/record_swap.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The tools for sample data, from C: samples, records, checksums and names of a file. */
 #include "veltra/processor/byte_order.h"
 #include "veltra/processor/checksum.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shortcuts and MIDI values as a user reads them, in the layout of the user's keyboard.
 #include "veltra/audio/key_code_converter.h"
 #include "veltra/audio/midi_formatter.h"

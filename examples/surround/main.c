@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Surround formats, from C: which channels a layout tag orders how, and where each is heard. */
 #include "veltra/audio/channel_layout.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "address_space.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small machine on a large one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "copy_cache.h"
 
 #include "veltra/memory/low_memory_notification_center.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transposed copies of the recordings, kept so that a key pressed again sounds at once. Every copy
 // can be made again, so every copy can be dropped.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What must not be lost: the takes. A document is a folder with one file for each take, 24-bit
 // samples, and a table of contents with their checksums.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A sampler that is driven out of memory, act by act, and lives on. What it does about memory is
 // in the functions that the services call.
 #pragma once
@@ -6,7 +7,7 @@
 #include "document.h"
 #include "options.h"
 #include "report.h"
-#include "veltra/platform/string_object.h"
+#include "veltra/base/string_object.h"
 
 namespace veltra::survivor {
 

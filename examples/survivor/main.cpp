@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // survivor: a sampler that runs out of memory again and again and loses nothing. A small host that
 // shows how the framework's memory services work together; read on in host.cpp.
 #include "host.h"

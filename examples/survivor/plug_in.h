@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A plug-in that knows nothing of its host's memory: it asks nobody before it allocates, and uses
 // plain C++ for it.
 #pragma once

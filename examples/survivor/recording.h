@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An audio file, decoded.
 #pragma once
 

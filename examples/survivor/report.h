@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What happened, in order. Noting is allowed at any moment, also in the middle of an allocation
 // that fails: it allocates nothing and writes nothing. The lines come out when the host says so.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Audio in memory. Every large block of this host goes through the guarded allocator, so that one
 // policy says what happens when there is none.
 #pragma once

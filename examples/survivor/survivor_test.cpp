@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program as a child: what it reports must be in order, and what it leaves behind intact.
 #include "../console/test_recordings.h"
 #include "veltra/platform/allocation_zone.h"

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 // A repeating timer, a stopwatch, and an object that stops the loop: QkTimer on a run loop that
 // needs no toolkit. A host with its own event loop watches RunLoop::descriptor() instead.
+#include "veltra/base/action.h"
 #include "veltra/infrastructure/nano_timer.h"
 #include "veltra/infrastructure/timer.h"
-#include "veltra/platform/action.h"
-#include "veltra/platform/linux/poll_run_loop.h"
+#include "veltra/platform/poll_run_loop.h"
 
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The onsets of a signal: found here by the simplest of detectors, kept in a CTransients.
 #include "veltra/audio/transients.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Reads the console through the accessibility bus, puts out a clip light, clicks and types."""
 import subprocess
 import sys

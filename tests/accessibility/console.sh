@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The console from outside: a client of the accessibility bus reads names, roles and values as a
 # screen reader does, and puts out a clip light; the pointer clicks, a key is pressed.
 set -euo pipefail

@@ -1,18 +1,21 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Includes point one way: each room names the rooms it may know, and only platform/linux and qt
 # know the operating system and the toolkit.
 set -euo pipefail
 cd "$1"
 declare -A may=(
-    [platform]=""
-    [diagnostics]="platform"
-    [memory]="platform diagnostics"
-    [processor]="platform diagnostics"
-    [audio]="platform diagnostics"
-    [Source]="platform diagnostics"
-    [infrastructure]="platform diagnostics Source"
-    [controls]="platform diagnostics infrastructure audio"
-    [qt]="platform diagnostics"
+    [base]=""
+    [platform]="base"
+    [ui]="base platform"
+    [diagnostics]="base platform"
+    [memory]="base platform diagnostics"
+    [processor]="base platform diagnostics"
+    [audio]="base platform diagnostics"
+    [Source]="base platform diagnostics"
+    [infrastructure]="base platform diagnostics Source"
+    [controls]="base platform ui diagnostics infrastructure audio"
+    [qt]="base platform ui diagnostics"
 )
 status=0
 breach() { echo "$1"; status=1; }

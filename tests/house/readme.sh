@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Each C or C++ block of the documents stands, line for line, in a file that is compiled; each
 # script and relative link that they name exists.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The layout of the display wins over the configured one. Skipped without Xvfb and setxkbmap.
 set -euo pipefail
 program=$1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/memory/failing_memory.h"
 
 #include "veltra/platform/allocation_zone.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a scenario once for each of its allocations, with that one failing, each time in a child of
 // its own: in a process that has used nothing yet and in one that has, with one failure and with
 // all from there on.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every allocation of the library fails once, and from then on: it answers what it documents for
 // want of memory, leaks nothing, and is right again when there is memory again.
 #include "tests/memory/failing_memory.h"
@@ -5,6 +6,7 @@
 #include "tests/memory/real_zone.h"
 #include "veltra/audio/add_remove_iterate_list.h"
 #include "veltra/audio/musical_context.h"
+#include "veltra/base/exception.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/diagnostics/assertion.h"
 #include "veltra/diagnostics/log.h"
@@ -18,27 +20,26 @@
 #include "veltra/memory/memory_reserve.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/platform/alert.h"
-#include "veltra/platform/exception.h"
-#include "veltra/platform/linux/poll_run_loop.h"
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/localization.h"
 #include "veltra/platform/notification_center.h"
+#include "veltra/platform/poll_run_loop.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/text_services.h"
-#include "veltra/platform/ui/button.h"
-#include "veltra/platform/ui/keyed_coder.h"
-#include "veltra/platform/ui/picture.h"
-#include "veltra/platform/ui/slider_cell.h"
-#include "veltra/platform/ui/testing/scripted_port.h"
 #include "veltra/processor/byte_order.h"
 #include "veltra/processor/checksum.h"
 #include "veltra/processor/dot_api.h"
 #include "veltra/processor/kernels.h"
 #include "veltra/processor/sample_conversion.h"
 #include "veltra/processor/utf8_text.h"
+#include "veltra/ui/button.h"
+#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/picture.h"
+#include "veltra/ui/slider_cell.h"
+#include "veltra/ui/testing/scripted_port.h"
 
 #include <array>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The leak guard on the process's own zone.
 #include "veltra/memory/testing/leak_guard_host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // For tests that need the process's own zone to see every allocation.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory reserve on the process's own zone.
 #include "tests/memory/real_zone.h"
 #include "veltra/memory/testing/zone_stress.h"

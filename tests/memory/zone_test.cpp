@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The zone of a host that links the library: a program of its own, because the rooms' tests link no
 // interposer.
 #include "tests/memory/real_zone.h"

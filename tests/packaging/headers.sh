@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Every header compiles alone: as C++20, and as C11 where it declares functions for C. Those of one
 # instruction set need the flags of their kernels, and are left out.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs into an empty prefix, then builds and runs hosts outside the tree that know only the
 # prefix: C++ through the CMake package, C11 through pkg-config.
 set -euo pipefail

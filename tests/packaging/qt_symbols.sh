@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # libveltra-qt exports what is Veltra's own: nothing of Qt's or the standard library's templates.
 set -euo pipefail
 exported=$(nm -DC --defined-only "$1" | cut -d' ' -f3- | grep -vE '^(__bss_start|_edata|_end)$' |

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # A host that takes the tree in by add_subdirectory gets the library alone: no tests, no examples,
 # no install rules of ours, and its own warnings stay its own.
 set -euo pipefail

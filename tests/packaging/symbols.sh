@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The library exports what the committed list says: nothing lost, nothing slipped out.
 # After a deliberate change: tests/packaging/symbols.sh LIBRARY LIST --update
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/add_remove_iterate_list.h"
 
 #include <new>

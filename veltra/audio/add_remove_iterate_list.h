@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Callbacks that any thread may add and remove without a lock, while one thread, usually the audio
 // thread, calls them all.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tests of one thread. They replace operator new and delete; the thread sanitizer brings its
 // own, so they are not part of its build.
 #include "veltra/audio/add_remove_iterate_list.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/channel_layout.h"
 
 #include "veltra/audio/detail/channel_tables.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The surround formats that hosts mix in: the channels of each, their names and directions, and the
 // way there and back to Core Audio's layout tags and channel labels.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/key_characters.h"
 
 #include <cstdint>

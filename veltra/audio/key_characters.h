@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two ways to number the keys that act rather than type: control characters of the Mac Roman
 // encoding (0x1E is the arrow up), and characters of a private range of Unicode (U+F700 is).
 //

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/key_code_converter.h"
 
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/detail/string_object_text.h"
+#include "veltra/base/immortal.h"
+#include "veltra/base/string_object_text.h"
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/text_services.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keyboard shortcuts as text, and keys told by their place, by the character they type or by their
 // names.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/key_code_converter.h"
 
 #include "veltra/platform/keyboard_layout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // MIDI data values as text: note numbers, controller values, offsets.
 //
 //     QKMIDIFormatter formatter;
@@ -5,8 +6,8 @@
 //     formatter.stringForObjectValue(60);    // "C3"
 #pragma once
 
+#include "veltra/base/property_value.h"
 #include "veltra/export.h"
-#include "veltra/platform/property_value.h"
 
 #include <cstdint>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/midi_formatter.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Musical time at one sample position: tempo, and the position in ticks as a calculator sees it.
 //
 // A host that follows its own transport passes its calculator, or sets it once for the process; the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/surround_names.h"
 
 #include "veltra/audio/detail/channel_tables.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names for the numbers of channel_layout.h, and an account of what happens to the channels between
 // two orders of the same format:
 //

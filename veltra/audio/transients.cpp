@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/transients.h"
 
 #include "veltra/audio/detail/transient_sort.h"

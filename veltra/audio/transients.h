@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transients, the onsets that a detector found in a signal, and lists of them: checked, sorted,
 // freed of duplicates, thinned out, and traced.
 //

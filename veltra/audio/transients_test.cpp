@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/audio/transients.h"
 
-#include "veltra/diagnostics/detail/indent_stack.h"
+#include "veltra/diagnostics/indent_stack.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/assertion.h"
 
-#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/diagnostics/log_text.h"
 #include "veltra/platform/alert.h"
 
 #include <array>

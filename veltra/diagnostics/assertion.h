@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Assertions that ask the user how to go on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/assertion.h"
 
 #include "veltra/diagnostics/testing/log_fakes.h"

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/log.h"
 
-#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/base/string_object_text.h"
 #include "veltra/diagnostics/detail/object_format.h"
-#include "veltra/diagnostics/detail/text_buffer.h"
-#include "veltra/platform/detail/string_object_text.h"
+#include "veltra/diagnostics/log_text.h"
+#include "veltra/diagnostics/text_buffer.h"
 
 #include <cerrno>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one way in which the framework and its hosts log.
 //
 // Every message becomes one record of the system's structured log and, where a person reads the
@@ -18,8 +19,8 @@
 // The functions keep errno.
 #pragma once
 
+#include "veltra/base/string_object.h"
 #include "veltra/export.h"
-#include "veltra/platform/string_object.h"
 
 #include <stdarg.h>
 #include <stdbool.h>

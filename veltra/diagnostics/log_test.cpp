@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/log.h"
 
-#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/base/string_object_text.h"
+#include "veltra/diagnostics/log_text.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
-#include "veltra/platform/detail/string_object_text.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/trace.h"
 
-#include "veltra/diagnostics/detail/indent_stack.h"
+#include "veltra/base/immortal.h"
+#include "veltra/diagnostics/indent_stack.h"
 #include "veltra/diagnostics/trace_stream.h"
-#include "veltra/platform/detail/immortal.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Trace output for C callers. The entry points are kept so that traced programs link; they emit
 // nothing.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Trace output for C++ callers: the frame around dumps of containers. Only the indentation is ever
 // written; the other entry points are deliberately empty, and kept because traced programs call
 // them.

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/trace.h"
 
-#include "veltra/diagnostics/detail/indent_stack.h"
+#include "veltra/diagnostics/indent_stack.h"
 #include "veltra/diagnostics/trace_stream.h"
 
 #include <climits>

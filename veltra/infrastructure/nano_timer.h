@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A nanosecond stopwatch for measuring code: adds up the intervals between start() and stop(),
 // takes off what measuring itself costs, and prints the average with a fitting unit.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/time_marker.h"
 
 #include "veltra/platform/clock.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stopwatch on the date and time of day, to the microsecond.
 #pragma once
 

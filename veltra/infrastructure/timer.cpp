@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/timer.h"
 
 #include "veltra/platform/run_loop.h"

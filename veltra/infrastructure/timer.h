@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A timer for controls and animations that can be started again and again. It goes on firing while
 // a menu or slider is tracked and while a modal panel runs.
 //
@@ -5,10 +6,10 @@
 //   void Meter::decay(QkTimer& timer);      // may restart, stop or delete the timer, or the meter
 #pragma once
 
+#include "veltra/base/action.h"
+#include "veltra/base/weak_anchor.h"
 #include "veltra/export.h"
-#include "veltra/platform/action.h"
 #include "veltra/platform/run_loop_timer.h"
-#include "veltra/platform/weak_anchor.h"
 
 #include <memory>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A thin layer over the heap for hosts: one policy for the whole process says what an allocation
 // does when the heap refuses.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/guarded_allocator.h"
 
 #include "veltra/memory/detail/outstanding_blocks.h"

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/leak_guard.h"
 
+#include "veltra/base/immortal.h"
+#include "veltra/base/string_object_text.h"
 #include "veltra/memory/detail/leak_guard_preferences.h"
 #include "veltra/memory/detail/leak_guard_zone.h"
 #include "veltra/memory/detail/zone_notice.h"
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/detail/no_cancellation.h"
-#include "veltra/platform/detail/string_object_text.h"
-#include "veltra/platform/detail/zone_code.h"
+#include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/zone_code.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds memory that leaks inside a chosen stretch of code, while a program runs.
 //
 // A scope is opened by a function. What is allocated while that function is on the calling stack,
@@ -26,8 +27,8 @@
 // recorded. A block that is reallocated outside every scope is recorded no more.
 #pragma once
 
+#include "veltra/base/string_object.h"
 #include "veltra/export.h"
-#include "veltra/platform/string_object.h"
 
 #include <stdbool.h>
 #include <stdint.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guard on a table of its own, so that these tests run under every sanitizer.
 #include "veltra/memory/leak_guard.h"
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/low_memory_notification_center.h"
 
+#include "veltra/base/string_object_text.h"
 #include "veltra/memory/detail/probe.h"
-#include "veltra/platform/detail/fork_reset.h"
-#include "veltra/platform/detail/string_object_text.h"
+#include "veltra/platform/fork_reset.h"
 #include "veltra/platform/notification_center.h"
 #include "veltra/platform/preferences.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An emergency cushion for the process, and a way to ask everybody to make room.
 //
 // At start the center takes a reserve from the heap. Code about to allocate calls CheckPoint() with
@@ -11,8 +12,8 @@
 // costs a few instructions and reports success, except that observers are turned away.
 #pragma once
 
+#include "veltra/base/string_object.h"
 #include "veltra/export.h"
-#include "veltra/platform/string_object.h"
 
 #include <cstdint>
 

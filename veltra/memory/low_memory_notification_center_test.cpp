@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/low_memory_notification_center.h"
 
 #include "veltra/memory/testing/fake_preferences.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The words of the state are read without a lock inside every allocation and deallocation; what
 // they steer, the blocks and the way from one level to another, changes under the lock. The lock is
 // taken only where an allocation failed or the main reserve is to be taken again, and never while
@@ -11,10 +12,10 @@
 #include "veltra/memory/detail/reserve_blocks.h"
 #include "veltra/memory/detail/reserve_mode.h"
 #include "veltra/memory/detail/zone_notice.h"
-#include "veltra/platform/detail/fork_reset.h"
-#include "veltra/platform/detail/zone_code.h"
+#include "veltra/platform/fork_reset.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/standard_error.h"
+#include "veltra/platform/zone_code.h"
 
 #include <array>
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A cushion below malloc, for a host that must keep running when memory is out.
 //
 // While the reserve is entered the process's allocation zone is wrapped: an allocation that fails

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reserve on a zone of the test's own.
 #include "veltra/memory/memory_reserve.h"
 

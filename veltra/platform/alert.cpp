@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/alert.h"
 
-#include "veltra/platform/detail/replaceable.h"
+#include "veltra/base/replaceable.h"
 
 #include <algorithm>
 

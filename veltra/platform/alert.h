@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A question that stops the caller until the user has answered or a time has run out. Meant for
 // moments in which something has already gone wrong: it asks nothing of the host's own windows and
 // event loops, and with nobody there to answer it gives up rather than wait.

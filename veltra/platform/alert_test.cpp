@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/alert.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The zone that the process allocates from: a table with one entry for each way to take or give
 // back memory. A service that wants to see allocations puts a wrapper into an entry, keeps what it
 // found there, and calls that in turn; to leave, it puts back what it found.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two clocks that the framework reads. Everything that tells or measures time asks here, so
 // that a host or a test can put a clock of its own in their place.
 #pragma once

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/keyboard_layout.h"
 
+#include "veltra/base/replaceable.h"
 #include "veltra/platform/detail/platform_keyboard_layout.h"
-#include "veltra/platform/detail/replaceable.h"
 
 namespace veltra {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the keys of the keyboard type, in the layout that the user has chosen.
 //
 // Keys are told by their virtual key codes, which name places on the keyboard and are the same for

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Civil time in the zone of the user: what a clock on the wall shows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The words that controls say to the user, in the user's language.
 //
 //   class Catalogue final : public LocalizedStrings {

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 // Tells whoever wants to know, inside this process, that something happened.
 //
 // Posting calls the observers at once, on the posting thread, and neither allocates nor copies: it
 // is meant to work when memory is out.
 #pragma once
 
+#include "veltra/base/adaptive_lock.h"
+#include "veltra/base/string_object.h"
 #include "veltra/export.h"
-#include "veltra/platform/detail/adaptive_lock.h"
-#include "veltra/platform/string_object.h"
 
 #include <cstdint>
 

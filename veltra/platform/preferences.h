@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 // What the user decided about the current application, kept between launches: for the current
 // user, on any host. Reading is cheap and touches no file after the first time, so that a service
 // may ask while memory is short.
 #pragma once
 
+#include "veltra/base/property_value.h"
 #include "veltra/export.h"
-#include "veltra/platform/property_value.h"
 
 #include <optional>
 #include <string>

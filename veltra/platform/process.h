@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Who is running: the names and numbers of the process and of the calling thread.
 #pragma once
 

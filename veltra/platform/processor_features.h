@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the processor can do, for everything that comes in a variant per processor.
 #pragma once
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/run_loop.h"
 
 #include "veltra/platform/clock.h"
-#include "veltra/platform/detail/thread_end.h"
+#include "veltra/platform/thread_end.h"
 
 #include <new>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The timers of one thread, in whatever event loop that thread runs. A RunLoop owns no thread and
 // never waits: the host asks nextDeadline(), waits in its own way (or polls descriptor()), and
 // calls runDue(). A driver for an event loop derives from it and is told each new deadline.
@@ -6,9 +7,9 @@
 // nothing.
 #pragma once
 
+#include "veltra/base/weak_anchor.h"
 #include "veltra/export.h"
 #include "veltra/platform/run_loop_timer.h"
-#include "veltra/platform/weak_anchor.h"
 
 #include <cstdint>
 #include <map>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/testing/manual_run_loop.h"
 
 #include <functional>

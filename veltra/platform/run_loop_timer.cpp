@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/run_loop_timer.h"
 
 #include "veltra/platform/run_loop.h"

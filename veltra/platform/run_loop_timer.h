@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 // The timer of a run loop: sends an action to a target after an interval, once or again and again.
 #pragma once
 
+#include "veltra/base/action.h"
+#include "veltra/base/weak_anchor.h"
 #include "veltra/export.h"
-#include "veltra/platform/action.h"
-#include "veltra/platform/weak_anchor.h"
 
 #include <cstdint>
 #include <memory>

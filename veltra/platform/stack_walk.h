@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Who called: the frames of the calling thread's stack, from the innermost outwards. Needs no frame
 // pointers, follows the unwinding tables that every compiler writes, and ends at code without them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The standard-error stream as a place for whole lines.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system's structured log: where a log record goes.
 #pragma once
 

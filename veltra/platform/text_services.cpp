@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/text_services.h"
 
+#include "veltra/base/replaceable.h"
 #include "veltra/platform/detail/platform_text_services.h"
-#include "veltra/platform/detail/replaceable.h"
 
 namespace veltra {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the framework needs to know about text beyond Unicode's own forms: the encoding in which
 // file systems kept names before Unicode, which is Mac Roman, and capital letters.
 #pragma once

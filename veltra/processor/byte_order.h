@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reversing the byte order of plain arrays: what stands between big-endian and little-endian files.
 //
 // All of these work in place on any address, aligned or not, whatever the order of the host. A null

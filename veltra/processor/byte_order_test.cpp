@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/byte_order.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checksums of two file formats and protocols: one over text, one over data that may come in
 // pieces. The fastest way that the processor offers is chosen at the first call (kernels.h,
 // families "crc16" and "crc32"); every way gives the same result for every length and alignment.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/checksum.h"
 
 #include "veltra/processor/detail/checksum_kernels.h"

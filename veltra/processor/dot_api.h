@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which variant of the host's own signal-processing code ("optimizations") runs, and the menu in
 // which a user, or a developer in debug mode, may choose another.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/dot_api.h"
 
 #include "veltra/platform/processor_features.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels.h"
 
 #include "veltra/processor/detail/checksum_kernels.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The choice among the variants of a kernel: one function written several times, plainly and for
 // wider and wider instruction sets. Each family of variants chooses the best one that the
 // processor runs, once, when it is first called. Here a host, a test or a benchmark can see what

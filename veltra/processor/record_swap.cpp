@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/record_swap.h"
 
 #include "veltra/processor/detail/bytes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reversing the byte order of whole records, field by field, as a small table tells.
 //
 //     static const uint8_t kHeader[] = {7, 16, 1, 3, 10, 11, 0};

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/record_swap.h"
 
 #include "veltra/processor/testing/record_swap_model.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conversion between the sample streams of audio files and the 32-bit float samples that are
 // processed. A converter is looked up once per file or buffer, never per sample.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/sample_conversion.h"
 
 #include "veltra/processor/detail/sample_kernels.h"

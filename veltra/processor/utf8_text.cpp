@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/utf8_text.h"
 
-#include "veltra/diagnostics/detail/log_text.h"
-#include "veltra/diagnostics/detail/text_buffer.h"
-#include "veltra/platform/detail/no_cancellation.h"
-#include "veltra/platform/detail/string_object_text.h"
-#include "veltra/platform/detail/well_formed_utf8.h"
+#include "veltra/base/string_object_text.h"
+#include "veltra/base/well_formed_utf8.h"
+#include "veltra/diagnostics/log_text.h"
+#include "veltra/diagnostics/text_buffer.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/text_services.h"
 #include "veltra/processor/detail/utf8_kernels.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NUL-terminated UTF-8: measuring, copying without splitting a character, checking, and the way to
 // string objects, the log and the legacy encoding of file systems.
 //
@@ -8,8 +9,8 @@
 // Thread: any, for every function but the two that log (any but audio).
 #pragma once
 
+#include "veltra/base/string_object.h"
 #include "veltra/export.h"
-#include "veltra/platform/string_object.h"
 
 #include <stddef.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/utf8_text.h"
 
 #include "veltra/diagnostics/testing/log_fakes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/alert_dialog.h"
 
 #include <QAccessible>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window of an alert: header, message, up to three buttons, and the seconds that are left.
 #pragma once
 

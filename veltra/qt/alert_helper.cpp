@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // veltra-alert: shows one alert and writes the answer to standard output. The library starts it;
 // the arguments and the answer are laid down in alert_protocol.h.
 //

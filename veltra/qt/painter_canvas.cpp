@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/painter_canvas.h"
 
 #include "veltra/qt/qt_port.h"

@@ -1,7 +1,8 @@
-// A surface of platform/ui on a QPainter: a widget's, or an image's.
+// SPDX-License-Identifier: MIT
+// A surface of veltra/ui on a QPainter: a widget's, or an image's.
 #pragma once
 
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 #include <QPointF>
 #include <vector>

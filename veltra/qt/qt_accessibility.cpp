@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_accessibility.h"
 
 #include "veltra/qt/qt_surface.h"

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 // Shows the elements of a window as children of its widget: one interface of Qt's for each element
 // that was asked for, made on first use and deleted with the element.
 //
 // Thread: main. Realtime-safe: no.
 #pragma once
 
-#include "veltra/platform/ui/accessibility.h"
+#include "veltra/ui/accessibility.h"
 
 #include <QAccessible>
 #include <QTimer>

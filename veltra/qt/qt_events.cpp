@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_events.h"
 
 #include "veltra/platform/clock.h"
-#include "veltra/platform/ui/window.h"
 #include "veltra/qt/qt_types.h"
+#include "veltra/ui/window.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>

@@ -1,7 +1,8 @@
-// Events of Qt as those of platform/ui.
+// SPDX-License-Identifier: MIT
+// Events of Qt as those of veltra/ui.
 #pragma once
 
-#include "veltra/platform/ui/event.h"
+#include "veltra/ui/event.h"
 
 #include <QPointF>
 #include <optional>

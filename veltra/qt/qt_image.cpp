@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_image.h"
 
 #include "veltra/qt/qt_port.h"

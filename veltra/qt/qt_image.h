@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // A picture in the form that the raster engine copies fastest: without alpha where nothing is
 // transparent, with premultiplied alpha elsewhere.
 #pragma once
 
-#include "veltra/platform/ui/image.h"
+#include "veltra/ui/image.h"
 
 #include <QImage>
 

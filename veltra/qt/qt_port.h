@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Puts Veltra's views on Qt: windows, timers, text, pictures, tool tips and accessibility. A
 // ViewWidget does this by itself; a program that only has windows of its own calls installQtPort().
 //
@@ -5,8 +6,8 @@
 #pragma once
 
 #include "veltra/export.h"
-#include "veltra/platform/ui/appearance.h"
-#include "veltra/platform/ui/image.h"
+#include "veltra/ui/appearance.h"
+#include "veltra/ui/image.h"
 
 #include <QImage>
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_run_loop.h"
 
 #include "veltra/platform/clock.h"

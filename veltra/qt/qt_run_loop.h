@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The timers of the main thread on Qt's event loop: they go on in every nested loop of Qt, so
 // during drags, in menus and behind modal dialogs.
 #pragma once

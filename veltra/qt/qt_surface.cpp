@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_surface.h"
 
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/ui/application.h"
+#include "veltra/base/immortal.h"
 #include "veltra/qt/painter_canvas.h"
 #include "veltra/qt/qt_types.h"
 #include "veltra/qt/qt_ui_port.h"
+#include "veltra/ui/application.h"
 
 #include <QHelpEvent>
 #include <QPaintEvent>

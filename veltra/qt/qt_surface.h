@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 // The place of one Window in a QWidget: paints the widget, translates its events, and takes the
 // window's wishes to it. An embedded view and a window of the system both work with one.
 //
 // Thread: main. Realtime-safe: no.
 #pragma once
 
-#include "veltra/platform/ui/port.h"
-#include "veltra/platform/ui/window.h"
 #include "veltra/qt/qt_events.h"
+#include "veltra/ui/port.h"
+#include "veltra/ui/window.h"
 
 #include <QRegion>
 #include <functional>

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: MIT
 // Lines of text, measured and drawn. Qt rounds the sizes of fonts to whole pixels, so that text is
 // laid out once at one large size and scaled from there: it then has every size, and grows evenly.
 //
 // Thread: main. Realtime-safe: no.
 #pragma once
 
-#include "veltra/platform/ui/geometry.h"
-#include "veltra/platform/ui/styled_text.h"
+#include "veltra/ui/geometry.h"
+#include "veltra/ui/styled_text.h"
 
 class QPainter;
 

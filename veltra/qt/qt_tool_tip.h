@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tool tip: one small window that lets the pointer through, in the colours of the window that
 // it belongs to. Either a control moves it while a value changes, or it shows where the pointer
 // rests.
@@ -5,7 +6,7 @@
 // Thread: main. Realtime-safe: no.
 #pragma once
 
-#include "veltra/platform/ui/geometry.h"
+#include "veltra/ui/geometry.h"
 
 #include <QPointF>
 #include <QPointer>

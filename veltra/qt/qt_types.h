@@ -1,8 +1,9 @@
-// Between the values of platform/ui and those of Qt.
+// SPDX-License-Identifier: MIT
+// Between the values of veltra/ui and those of Qt.
 #pragma once
 
-#include "veltra/platform/ui/color.h"
-#include "veltra/platform/ui/geometry.h"
+#include "veltra/ui/color.h"
+#include "veltra/ui/geometry.h"
 
 #include <QColor>
 #include <QPointF>

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_ui_port.h"
 
-#include "veltra/platform/ui/application.h"
 #include "veltra/qt/painter_canvas.h"
 #include "veltra/qt/qt_image.h"
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/qt_text.h"
 #include "veltra/qt/qt_types.h"
 #include "veltra/qt/qt_window.h"
+#include "veltra/ui/application.h"
 
 #include <QApplication>
 #include <QEventLoop>

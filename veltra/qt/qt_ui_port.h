@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: MIT
 // The UiPort on Qt, with all that belongs to it. There is at most one; it lives from
 // installQtPort() until the QApplication ends.
 //
 // Thread: main. Realtime-safe: no.
 #pragma once
 
-#include "veltra/platform/ui/port.h"
 #include "veltra/qt/qt_accessibility.h"
 #include "veltra/qt/qt_run_loop.h"
 #include "veltra/qt/qt_tool_tip.h"
+#include "veltra/ui/port.h"
 
 #include <optional>
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_window.h"
 
 #include "veltra/qt/qt_types.h"

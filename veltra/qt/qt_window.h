@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window or panel of the system.
 //
 // Thread: main. Realtime-safe: no.

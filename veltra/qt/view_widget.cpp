@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/view_widget.h"
 
 #include "veltra/qt/qt_port.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A Veltra view inside any QWidget:
 //
 //   auto* meters = new veltra::ViewWidget(mixerWindow);
@@ -12,8 +13,8 @@
 #pragma once
 
 #include "veltra/export.h"
-#include "veltra/platform/ui/view.h"
-#include "veltra/platform/ui/window.h"
+#include "veltra/ui/view.h"
+#include "veltra/ui/window.h"
 
 #include <QWidget>
 #include <memory>

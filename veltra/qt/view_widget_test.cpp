@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/qt/view_widget.h"
 
 #include "veltra/platform/run_loop.h"
-#include "veltra/platform/ui/application.h"
-#include "veltra/platform/ui/canvas.h"
-#include "veltra/platform/ui/control.h"
-#include "veltra/platform/ui/panel.h"
-#include "veltra/platform/ui/slider_cell.h"
 #include "veltra/qt/qt_port.h"
+#include "veltra/ui/application.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/control.h"
+#include "veltra/ui/panel.h"
+#include "veltra/ui/slider_cell.h"
 
 #include <QAccessible>
 #include <QApplication>

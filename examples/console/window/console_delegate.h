@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the window's views ask for when the user operates them.
 #pragma once
 

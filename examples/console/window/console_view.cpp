@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "console_view.h"
 
 #include "veltra/audio/key_code_converter.h"
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All of the window: the transport, the strips side by side, the output, and messages.
 #pragma once
 

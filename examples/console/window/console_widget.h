@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The console's window as Qt shows it: dialogs, files that are dropped, and the beat of the
 // redraws.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "../test_recordings.h"
 #include "console_widget.h"
 #include "veltra/qt/qt_port.h"

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "label.h"
 
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 #include <utility>
 

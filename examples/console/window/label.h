@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // A line of text in a view; an ellipsis stands for what does not fit, which rests in a tool tip.
 #pragma once
 
-#include "veltra/platform/ui/styled_text.h"
-#include "veltra/platform/ui/view.h"
+#include "veltra/ui/styled_text.h"
+#include "veltra/ui/view.h"
 
 #include <string>
 

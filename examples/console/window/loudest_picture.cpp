@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #include "loudest_picture.h"
 
 #include "../rehearsal.h"
 #include "console_view.h"
 #include "veltra/platform/clock.h"
-#include "veltra/platform/ui/picture.h"
+#include "veltra/ui/picture.h"
 
 #include <map>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture of the console at the loudest moment of its files, drawn without a screen.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // veltra-console-window: the console with a window. veltra-console starts it where there is a
 // display, or for a picture; the command line is the same.
 #include "../interruption.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "message_bar.h"
 
 #include "../text.h"
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 namespace veltra::console {
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // What went wrong, in a line, until the user has read it.
 #pragma once
 
 #include "label.h"
-#include "veltra/platform/ui/button.h"
+#include "veltra/ui/button.h"
 
 #include <string>
 #include <vector>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #include "meter_bridge.h"
 
 #include "../text.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
-#include "veltra/platform/ui/canvas.h"
-#include "veltra/platform/ui/window.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/window.h"
 
 #include <algorithm>
 #include <cmath>

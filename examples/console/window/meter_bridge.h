@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 // The meters of one file or output, a channel each, beside a scale in decibels.
 #pragma once
 
 #include "../channel_plan.h"
 #include "veltra/controls/level_meters/level_meter_cell.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
-#include "veltra/platform/ui/view.h"
+#include "veltra/ui/view.h"
 
 #include <memory>
 #include <span>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "speaker_circle.h"
 
 #include "veltra/controls/level_meters/decibel_scale.h"
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 // From where the channels of a file are heard: the listener in the middle, a lamp for each channel
 // at its angle, as bright as the channel is loud.
 #pragma once
 
 #include "../channel_plan.h"
-#include "veltra/platform/ui/view.h"
+#include "veltra/ui/view.h"
 
 #include <cstdint>
 #include <span>

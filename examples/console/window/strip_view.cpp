@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "strip_view.h"
 
 #include "../text.h"
 #include "veltra/audio/key_code_converter.h"
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One file in the window: its name and format, its meters, how far it has played, and its buttons.
 #pragma once
 
@@ -6,7 +7,7 @@
 #include "meter_bridge.h"
 #include "speaker_circle.h"
 #include "veltra/audio/midi_formatter.h"
-#include "veltra/platform/ui/button.h"
+#include "veltra/ui/button.h"
 #include "waveform_view.h"
 
 namespace veltra::console {

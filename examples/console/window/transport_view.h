@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 // Where the music is: bar, beat and tick in large figures, and the time.
 #pragma once
 
 #include "../console_state.h"
 #include "label.h"
-#include "veltra/platform/ui/view.h"
+#include "veltra/ui/view.h"
 
 namespace veltra::console {
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "waveform_view.h"
 
-#include "veltra/platform/ui/canvas.h"
-#include "veltra/platform/ui/window.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/window.h"
 
 #include <algorithm>
 #include <cmath>

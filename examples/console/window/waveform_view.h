@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // The waveform of a file with its onsets, coloured as far as it has played.
 #pragma once
 
 #include "../overview.h"
-#include "veltra/platform/ui/view.h"
+#include "veltra/ui/view.h"
 
 #include <memory>
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 // A host outside the tree: one view in a widget of its own, drawn once.
-#include "veltra/platform/ui/canvas.h"
 #include "veltra/qt/view_widget.h"
+#include "veltra/ui/canvas.h"
 
 #include <QApplication>
 #include <QImage>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What channel_layout.h exports to C, for the library's own units.
 #pragma once
 

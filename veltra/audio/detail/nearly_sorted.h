@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Short and nearly sorted lists.
 //
 // A list that is sorted but for few outliers costs a look at each transient and moving it twice:

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 // Finding the weakest transients without sorting: the rank in question is narrowed down digit by
 // digit, by counting, until the transients that may have it are few enough to look at.
 #include "veltra/audio/detail/transient_sort.h"
-#include "veltra/platform/detail/work_memory.h"
+#include "veltra/platform/work_memory.h"
 
 #include <algorithm>
 #include <tuple>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sorting transients by distribution.
 //
 // The keys of a list are spread over about as many buckets as there are transients, so that nearly
@@ -8,7 +9,7 @@
 #include "veltra/audio/detail/transient_sort.h"
 
 #include "veltra/audio/detail/nearly_sorted.h"
-#include "veltra/platform/detail/work_memory.h"
+#include "veltra/platform/work_memory.h"
 
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The orders of transients, and sorting and selecting by them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Three threads add a node each while one iterates twice; then the list is destroyed.
  *
  * Checked over every interleaving of sequentially consistent steps: no call is refused, no node is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/decibel_scale.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_ballistics.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a level meter moves: up at once, down at a steady rate, with a held maximum and a clip light
 // that stays on. No clock, no timer, no drawing: the caller says what time it is. A
 // QkLevelMeterCell is this with a clock, two timers and a picture; use it alone to drive a meter of

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_meter_cell.h"
 
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/level_meters/detail/meter_drawing.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/localization.h"
-#include "veltra/platform/ui/canvas.h"
-#include "veltra/platform/ui/view.h"
-#include "veltra/platform/ui/window.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/view.h"
+#include "veltra/ui/window.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One channel of a level meter: the level shown falls steadily, the highest level is held for a
 // while, and a light goes on when the channel clips and stays on.
 //
@@ -16,7 +17,7 @@
 #include "veltra/controls/level_meters/level_meter_look.h"
 #include "veltra/controls/level_meters/level_meter_looks.h"
 #include "veltra/infrastructure/timer.h"
-#include "veltra/platform/ui/action_cell.h"
+#include "veltra/ui/action_cell.h"
 
 #include <cstdint>
 #include <memory>

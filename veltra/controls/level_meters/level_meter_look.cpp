@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_meter_look.h"
 
 #include "veltra/controls/level_meters/decibel_scale.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a level meter looks like: a look makes the four images that a meter is put together from,
 // the bar and the clip light, each unlit and lit. There are looks drawn by code, sharp at every
 // scale, in light and dark windows, and looks made of ready images.
@@ -6,9 +7,9 @@
 #pragma once
 
 #include "veltra/export.h"
-#include "veltra/platform/ui/appearance.h"
-#include "veltra/platform/ui/color.h"
-#include "veltra/platform/ui/image.h"
+#include "veltra/ui/appearance.h"
+#include "veltra/ui/color.h"
+#include "veltra/ui/image.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_meter_looks.h"
 
+#include "veltra/base/immortal.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
-#include "veltra/platform/detail/immortal.h"
 
 #include <map>
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which look an image identifier stands for.
 //
 // Thread: main, for everything in here. Realtime-safe: no.

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 
-#include "veltra/platform/ui/canvas.h"
-#include "veltra/platform/ui/window.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/window.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two level meters side by side, left and right. A click puts out both clip lights and sends the
 // action.
 //
@@ -7,8 +8,8 @@
 #pragma once
 
 #include "veltra/controls/level_meters/level_meter_cell.h"
-#include "veltra/platform/ui/cell_factory.h"
-#include "veltra/platform/ui/control.h"
+#include "veltra/ui/cell_factory.h"
+#include "veltra/ui/control.h"
 
 #include <cstdint>
 #include <optional>

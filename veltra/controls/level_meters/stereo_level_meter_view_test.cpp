@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 
 #include "veltra/platform/localization.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-#include "veltra/platform/ui/testing/scripted_port.h"
+#include "veltra/ui/testing/scripted_port.h"
 
 #include <algorithm>
 #include <cmath>

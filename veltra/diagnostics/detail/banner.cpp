@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/detail/banner.h"
 
 #include "veltra/platform/clock.h"

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // The date, time, program, process and thread in front of a line, and the same facts for the
 // record.
 #pragma once
 
-#include "veltra/diagnostics/detail/text_buffer.h"
+#include "veltra/diagnostics/text_buffer.h"
 
 #include <string_view>
 

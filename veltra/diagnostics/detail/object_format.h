@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 // printf's conversions, and "%@" for string objects.
 #pragma once
 
-#include "veltra/diagnostics/detail/text_buffer.h"
+#include "veltra/diagnostics/text_buffer.h"
 
 #include <cstdarg>
 #include <string_view>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/detail/object_format.h"
 
-#include "veltra/platform/detail/string_object_text.h"
+#include "veltra/base/string_object_text.h"
 
 #include <cstdint>
 #include <cstdio>

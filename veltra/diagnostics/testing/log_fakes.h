@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A world for tests of the log: fixed time and process, a record sink and a standard error that
 // remember what they were given.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the leak guard remembers of the blocks that are out: one record a block, newest first, and
 // found by the block's address. Nothing here allocates or locks; the guard does both around it.
 #pragma once

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // Which scopes are guarded, by group and key.
 #pragma once
 
-#include "veltra/platform/detail/fork_safe_lock.h"
-#include "veltra/platform/property_value.h"
+#include "veltra/base/property_value.h"
+#include "veltra/platform/fork_safe_lock.h"
 
 #include <cstdint>
 #include <string_view>

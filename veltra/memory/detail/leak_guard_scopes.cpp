@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/detail/leak_guard_scopes.h"
 
 #include <algorithm>

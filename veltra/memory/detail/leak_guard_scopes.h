@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guard's open scopes, and the question whether a stack passes through one of them. The caller
 // holds the guard's lock in every function; the array comes from and goes back to the caller, since
 // nothing may be allocated under that lock.

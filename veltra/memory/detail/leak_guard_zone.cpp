@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every allocation of a process runs through here while the guard is enabled, most of them outside
 // any scope: these take no lock and write nothing that threads share.
 //
@@ -18,8 +19,8 @@
 
 #include "veltra/memory/detail/leak_guard_scopes.h"
 #include "veltra/platform/allocation_zone.h"
-#include "veltra/platform/detail/fork_safe_lock.h"
-#include "veltra/platform/detail/zone_code.h"
+#include "veltra/platform/fork_safe_lock.h"
+#include "veltra/platform/zone_code.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The leak guard between the process and its allocations.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guarded allocator's count.
 #pragma once
 

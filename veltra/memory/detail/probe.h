@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether memory is to be had, found out by asking for it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/detail/reserve_blocks.h"
 
 #include <algorithm>

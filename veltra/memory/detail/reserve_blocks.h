@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory that the reserve holds: the main reserve in 1 to 16 equal pieces, and a final block.
 //
 // Taken and released under the lock of their owner. Each pointer is exchanged for null before its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which of the two modes this build's memory reserve works in.
 #pragma once
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/memory/detail/zone_notice.h"
 
-#include "veltra/diagnostics/detail/log_text.h"
+#include "veltra/diagnostics/log_text.h"
 #include "veltra/platform/allocation_zone.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tells whoever reads the log when the services on the zone are called in vain.
 #pragma once
 

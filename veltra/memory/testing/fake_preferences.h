@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Preferences that live in the test; in force while they live.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a host does to the leak guard, on whatever table of entries it allocates from.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A heap with as many MiB as a test gives it; requests below one MiB are free. The program's own
 // malloc, calloc, realloc and free go through it (the linker wraps them), and so does kLimitedHeap.
 #pragma once

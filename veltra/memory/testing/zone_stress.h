@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Eight threads on a zone, while somebody wraps and unwraps it and forks. What goes wrong is a
 // crash, a hang, a sanitizer's report, or a damaged block.
 #pragma once

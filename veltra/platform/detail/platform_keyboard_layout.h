@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a back end supplies for keyboard_layout.h: linux/xkb_keyboard_layout.cpp, or
 // none/keyboard_layout.cpp.
 #pragma once

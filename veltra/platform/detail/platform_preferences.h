@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a port supplies for preferences.h.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a back end supplies for text_services.h: icu/text_services.cpp, or none/text_services.cpp.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Asking through a helper program: a process of its own, so that the question does not depend on
 // the state of a host in which something has just gone wrong.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_helper_search.h"
 
 #include <array>

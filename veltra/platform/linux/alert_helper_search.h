@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the alert helper lies.
 #pragma once
 

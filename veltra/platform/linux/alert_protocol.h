@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the library and its alert helper talk. The library starts
 //
 //   veltra-alert --title=T --header=H --message=M --default=D --alternate=A --other=O

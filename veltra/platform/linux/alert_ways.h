@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ways in which an alert can reach the user when the host has not brought a presenter.
 #pragma once
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/allocation_zone.h"
 
-#include "veltra/platform/detail/replaceable.h"
-#include "veltra/platform/detail/zone_code.h"
+#include "veltra/base/replaceable.h"
 #include "veltra/platform/linux/process_zone.h"
+#include "veltra/platform/zone_code.h"
 
 #include <cstdlib>
 #include <cstring>

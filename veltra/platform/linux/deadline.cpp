@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/deadline.h"
 
 #include "veltra/platform/clock.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A moment on the monotonic clock, and waiting for a descriptor no longer than until then.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A file descriptor that its holder owns and closes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Standard error as descriptor 2.
 #pragma once
 

@@ -1,4 +1,5 @@
-#include "veltra/platform/detail/fork_reset.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/fork_reset.h"
 
 #include <array>
 

@@ -1,4 +1,5 @@
-#include "veltra/platform/detail/fork_safe_lock.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/fork_safe_lock.h"
 
 #include <array>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process's malloc and its relatives, as the dynamic linker finds them before those of the C
 // library: each is one load and one jump through the table of the process's zone.
 //
@@ -13,8 +14,8 @@
 // while a sanitizer owns the rest. Everything here must work before the process's constructors have
 // run, in any thread, and in the middle of a fork: no locks, no dynamic initialisation, and
 // thread-local words only of the kind that never has to be allocated.
-#include "veltra/platform/detail/zone_code.h"
 #include "veltra/platform/linux/process_zone.h"
+#include "veltra/platform/zone_code.h"
 
 #include <algorithm>
 #include <bit>

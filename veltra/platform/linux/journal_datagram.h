@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A record in the journal's native protocol: "KEY=value\n" for each field, or, for a value that
 // holds a line feed, "KEY\n", the length in 64 little-endian bits, the value, "\n".
 #pragma once

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/journal_log.h"
 
+#include "veltra/base/immortal.h"
+#include "veltra/base/replaceable.h"
 #include "veltra/platform/clock.h"
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/detail/replaceable.h"
 #include "veltra/platform/linux/descriptor.h"
 #include "veltra/platform/linux/journal_datagram.h"
 #include "veltra/platform/linux/signal_hold.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system log as a service that takes datagrams: the journal in its native protocol, or, where
 // there is none, a traditional log daemon.
 #pragma once

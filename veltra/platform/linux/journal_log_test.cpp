@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/journal_log.h"
 
 #include "veltra/platform/local_time.h"

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/json_preferences.h"
 
-#include "veltra/platform/detail/json_text.h"
+#include "veltra/base/json_text.h"
+#include "veltra/base/well_formed_utf8.h"
 #include "veltra/platform/detail/platform_preferences.h"
-#include "veltra/platform/detail/well_formed_utf8.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Preferences in a JSON file: "<application>.json" in the user's configuration folder, which is
 // $XDG_CONFIG_HOME if that is absolute, else ".config" in $HOME if that is absolute, else ".config"
 // in the home folder of the user database.

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/json_preferences.h"
 
-#include "veltra/platform/detail/json_text.h"
+#include "veltra/base/json_text.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 

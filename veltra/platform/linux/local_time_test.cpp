@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/local_time.h"
 
 #include "veltra/platform/testing/child_process.h"

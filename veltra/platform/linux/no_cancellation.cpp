@@ -1,4 +1,5 @@
-#include "veltra/platform/detail/no_cancellation.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/no_cancellation.h"
 
 #include <pthread.h>
 

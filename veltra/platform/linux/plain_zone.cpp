@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/process_zone.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
 

@@ -1,4 +1,5 @@
-#include "veltra/platform/linux/poll_run_loop.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/poll_run_loop.h"
 
 #include "veltra/platform/clock.h"
 

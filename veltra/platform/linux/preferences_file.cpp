@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/preferences_file.h"
 
 #include "veltra/platform/linux/descriptor.h"

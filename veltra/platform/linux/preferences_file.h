@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One file that several processes read and replace as a whole.
 //
 // Readers need no lock: the file is only ever replaced by renaming a complete one over it. Who

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/process.h"
 
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/detail/replaceable.h"
+#include "veltra/base/immortal.h"
+#include "veltra/base/replaceable.h"
 
 #include <atomic>
 #include <cerrno>

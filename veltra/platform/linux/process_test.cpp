@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/process.h"
 
 #include "veltra/platform/testing/child_process.h"

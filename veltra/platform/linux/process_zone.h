@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What stands below the process's zone; one of two files defines it.
 //   plain_zone.cpp        the C library's functions: nothing reaches the table but by its entries
 //   interposed_zone.cpp   exports malloc and its relatives, which jump through the table

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A guard for system calls that must have no other effect on the thread than their own.
 #pragma once
 

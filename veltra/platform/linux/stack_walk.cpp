@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/stack_walk.h"
 
-#include "veltra/platform/detail/zone_code.h"
 #include "veltra/platform/linux/stack_walkers.h"
+#include "veltra/platform/zone_code.h"
 
 #include <unwind.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two ways up the stack that visit the same frames.
 #pragma once
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/standard_error.h"
 
-#include "veltra/platform/detail/fork_reset.h"
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/detail/replaceable.h"
+#include "veltra/base/immortal.h"
+#include "veltra/base/replaceable.h"
+#include "veltra/platform/fork_reset.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
 #include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/process.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/standard_error.h"
 
 #include "veltra/platform/linux/descriptor_standard_error.h"

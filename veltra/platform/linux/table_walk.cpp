@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Walking by the tables costs a search and the run of a small program for each frame. What came out
 // is kept by return address, together with the bytes that it came from: a library may have been
 // unloaded and another one, or a new build of it, lie in its place. The bytes are compared each

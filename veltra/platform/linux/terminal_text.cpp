@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/terminal_text.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text of unknown origin made safe for a terminal.
 #pragma once
 

@@ -1,4 +1,5 @@
-#include "veltra/platform/detail/thread_end.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/thread_end.h"
 
 #include <pthread.h>
 

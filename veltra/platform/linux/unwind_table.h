@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The unwinding tables of one loaded object, read in place: what they say about a frame of x86-64
 // whose caller can be found with stack and frame pointer alone, which is nearly every one.
 #pragma once

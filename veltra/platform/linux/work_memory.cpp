@@ -1,4 +1,5 @@
-#include "veltra/platform/detail/work_memory.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/work_memory.h"
 
 #include <cstdlib>
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/xkb_keymap.h"
 #include "veltra/platform/process.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The keymap that translations start from, and where it comes from.
 #pragma once
 

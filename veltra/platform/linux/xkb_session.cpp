@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libxkbcommon-x11 is loaded when there is a display to ask, so that programs without one need no
 // part of X.
 #include "veltra/platform/linux/xkb_keymap.h"

@@ -1,4 +1,5 @@
-#include "veltra/platform/detail/immortal.h"
+// SPDX-License-Identifier: MIT
+#include "veltra/base/immortal.h"
 #include "veltra/platform/detail/platform_text_services.h"
 
 namespace veltra {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a part of a test in a forked child: what must not end, stop or change the test program.
 #pragma once
 

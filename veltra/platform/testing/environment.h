@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The environment as a test wants it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Time by hand: a clock that stands still until it is told to go on, and a run loop on it. While
 // one lives it is the clock of the process and the run loop of its thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Words in memory that need not be aligned, and their byte order.
 //
 // The functions have internal linkage: a file that is built for one processor variant must not

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multipliers of the kernels that compute a CRC by carry-less multiplication.
 //
 // A message is a polynomial; its CRC is (message * x^degree) modulo the CRC's polynomial P. A word

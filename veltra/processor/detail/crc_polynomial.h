@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The arithmetic behind the checksums, done by the compiler: polynomials over one bit, where
 // addition is exclusive or, and remainders of powers of x.
 //

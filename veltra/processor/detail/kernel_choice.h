@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A family of kernels and the one function pointer that its calls go through.
 //
 //     constexpr KernelVariant<CopyKernel> kVariants[] = {{"avx2", runsOnAvx2, copyAvx2},

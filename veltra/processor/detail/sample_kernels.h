@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The choice among the sample converters.
 #pragma once
 

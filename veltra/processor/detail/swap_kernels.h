@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The choice among the byte swaps.
 #pragma once
 

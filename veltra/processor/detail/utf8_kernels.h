@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walks over UTF-8 bytes that exist in one variant per instruction set, and the choice among
 // them. A variant is built in its own file with its own flags; the plain one is the oracle of all.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Registers of 64 bytes to and from memory that need not be aligned; nothing outside the bytes that
 // are asked for is touched. Internal linkage: for files that are built for this variant.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The steps that the carry-less kernels share, 128 bits wide. Everything here has internal linkage
 // and is compiled with the flags of the file that includes it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The variants of the two checksums, each in a file of its own.
 #pragma once
 

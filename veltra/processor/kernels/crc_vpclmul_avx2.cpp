@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels/crc_kernels.h"
 #include "veltra/processor/kernels/crc_wide.h"
 

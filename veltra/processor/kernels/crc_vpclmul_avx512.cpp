@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CRCs 64 bytes a register. The end of a message needs no loop that waits for itself: every block
 // goes straight to the end, with multipliers picked by its distance, and a masked load fills up the
 // last one with zeros.

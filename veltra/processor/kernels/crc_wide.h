@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CRCs with registers of 128 or 256 bits, eight of them at a time. Everything here has internal
 // linkage and is compiled with the flags of the file that includes it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the thread's floating-point arithmetic behaves while samples are converted. Internal linkage:
 // for files that are built for one variant.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels/avx512_memory.h"
 #include "veltra/processor/kernels/float_environment.h"
 #include "veltra/processor/kernels/sample_walk.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sample converters of one variant, and the variants, each in a file of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sample converters in plain C++. They run on every processor, and they are the judge of every
 // faster variant.
 #include "veltra/processor/detail/bytes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk over a stream in blocks of vectors that the vector variants of the sample converters
 // share. Each includes it in a file that is built with its own flags, so everything here is a
 // template of the variant's own `Vector`, which has internal linkage, and nothing of the standard

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every vector variant beside the plain one, in buffers of every small length and alignment that
 // end or begin at a page nobody may touch.
 #include "veltra/processor/detail/sample_kernels.h"

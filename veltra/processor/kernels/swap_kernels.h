@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs of groups of bytes, each of them reversed, and the variants, each in a file of its own.
 #pragma once
 

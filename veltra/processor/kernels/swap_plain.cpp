@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/detail/bytes.h"
 #include "veltra/processor/kernels/swap_kernels.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk over groups of bytes that the vector variants of the swaps share. `Vector` supplies the
 // registers, has internal linkage, and keeps the instances of the templates out of other files.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels/utf8_block_walk.h"
 
 #include <immintrin.h>

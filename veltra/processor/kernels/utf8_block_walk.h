@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk over aligned blocks of 64 bytes that the vector variants share. Each includes it in a
 // file that is built with its own flags, so everything here has internal linkage and nothing of
 // the standard library is instantiated: no other file may end up with code that only some

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The variants; which of them are built is for the build to find out, which may run for
 // utf8_kernels.cpp.
 #pragma once

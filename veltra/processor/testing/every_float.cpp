@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Converts every one of the 2^32 patterns of a float to each integer format, and every 32-bit
 // sample to floats, with each variant that runs here, and compares the bytes with the plain ones.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Memory between two pages that nobody may touch: what reads or writes one byte too many crashes.
 #pragma once
 

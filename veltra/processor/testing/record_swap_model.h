@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rules of record swapping step by step, for the unit test and the fuzz target: reverse first,
 // then undo what went past the limit. It therefore touches the whole field, whatever the limit.
 #pragma once

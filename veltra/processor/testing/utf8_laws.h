@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What must hold for every text, whoever makes it up: the unit test and the fuzz target share it.
 #pragma once
 

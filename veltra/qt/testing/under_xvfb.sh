@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs a test program of the Qt back end on a virtual X server, and with an accessibility bus where
 # there is one to start.
 set -euo pipefail

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/detail/drawn_look.h"
 
 #include "veltra/controls/level_meters/detail/meter_layout.h"
-#include "veltra/platform/ui/canvas.h"
+#include "veltra/ui/canvas.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The look that is drawn by code.
 #pragma once
 

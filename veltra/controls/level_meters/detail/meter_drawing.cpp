@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/detail/meter_drawing.h"
 
 #include "veltra/controls/level_meters/detail/picture_cache.h"
-#include "veltra/platform/ui/canvas.h"
-#include "veltra/platform/ui/port.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/port.h"
 
 #include <algorithm>
 #include <cmath>

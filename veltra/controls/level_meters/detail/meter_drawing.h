@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Puts a meter together from its pictures.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/detail/meter_layout.h"
 
 #include <algorithm>

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // Where the parts of a meter lie in its frame, in whole device pixels.
 #pragma once
 
 #include "veltra/controls/level_meters/level_meter_look.h"
-#include "veltra/platform/ui/geometry.h"
+#include "veltra/ui/geometry.h"
 
 #include <cstdint>
 

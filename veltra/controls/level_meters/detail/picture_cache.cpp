@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/detail/picture_cache.h"
 
-#include "veltra/platform/detail/immortal.h"
-#include "veltra/platform/ui/port.h"
+#include "veltra/base/immortal.h"
+#include "veltra/ui/port.h"
 
 #include <algorithm>
 #include <vector>

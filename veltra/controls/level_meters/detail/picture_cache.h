@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pictures of meters that are in use or were lately: meters that look alike share one.
 #pragma once
 

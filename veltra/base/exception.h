@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// The base of everything that the framework throws on purpose, and the one path on which it does.
+//
+// An exception is a name for programs, a reason for people, and a user info that all copies share:
+// what is noted in it while one copy is on its way is seen by whoever caught another.
+#pragma once
+
+#include "veltra/base/property_value.h"
+#include "veltra/export.h"
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace veltra {
+
+// Copying never fails and shares name, reason and user info.
+// Thread: any, one thread at a time for exceptions that share their user info.
+// Realtime-safe: no.
+class VELTRA_EXPORT Exception : public std::exception {
+public:
+    using UserInfo = PropertyValue::Dictionary;
+
+    // `userInfo` is shared, not copied, and may be null. Throws std::bad_alloc.
+    Exception(std::string_view name, std::string_view reason,
+              std::shared_ptr<UserInfo> userInfo = nullptr);
+    Exception(const Exception&) noexcept = default;
+    Exception& operator=(const Exception&) noexcept = default;
+    ~Exception() override;
+
+    const std::string& name() const noexcept;
+    const std::string& reason() const noexcept;
+
+    // Null when none was given. What it points to may be changed, for all copies at once.
+    const std::shared_ptr<UserInfo>& userInfo() const noexcept { return m_userInfo; }
+
+    // "name: reason", or the one of them that is not empty.
+    const char* what() const noexcept override;
+
+    // Throws this object, as the class that it is. To be called on a caught exception as well, to
+    // raise it again. A class that has something to do first (to report, say) overrides this, does
+    // it and calls throwSelf(). `throw exception;` is not the same: it throws the static type.
+    [[noreturn]] virtual void raise();
+
+protected:
+    // Throws this object, as the class that it is.
+    [[noreturn]] void throwSelf() const;
+
+    // `throw *this;` in each class, so that nobody is thrown as its base. RaisedAs writes it.
+    // A class without its own is thrown as the nearest base that has one.
+    virtual void throwThis() const;
+
+private:
+    struct Text;
+
+    std::shared_ptr<const Text> m_text;
+    std::shared_ptr<UserInfo> m_userInfo;
+};
+
+// A base for exception classes which throws them as themselves:
+//
+//     class DeviceException : public RaisedAs<DeviceException> {
+//     public:
+//         using RaisedAs::RaisedAs;
+//     };
+//
+// With a second argument it stands between a class and its own base, whose raise() is kept:
+// class UsbException : public RaisedAs<UsbException, DeviceException>.
+template <class Derived, class Base = Exception>
+class RaisedAs : public Base {
+public:
+    using Base::Base;
+
+protected:
+    void throwThis() const override { throw static_cast<const Derived&>(*this); }
+};
+
+// Makes the object that raiseException() raises. A null answer stands for a plain Exception.
+using ExceptionFactory = std::unique_ptr<Exception> (*)(
+    std::string_view name, std::string_view reason, std::shared_ptr<Exception::UserInfo> userInfo);
+
+// Puts `factory` on the raise path of the whole process; null goes back to plain exceptions.
+// Answers what was installed before, null for plain exceptions.
+// Thread: any. Realtime-safe: yes.
+VELTRA_EXPORT ExceptionFactory installExceptionFactory(ExceptionFactory factory) noexcept;
+
+// Raises an exception of the class that the installed factory makes. The framework raises nowhere
+// else. When there is no memory for the exception, std::bad_alloc leaves in its place.
+// Thread: any. Realtime-safe: no.
+[[noreturn]] VELTRA_EXPORT void raiseException(
+    std::string_view name, std::string_view reason,
+    std::shared_ptr<Exception::UserInfo> userInfo = nullptr);
+
+}  // namespace veltra

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// Weak pointers for objects that may be deleted while they are being called: controls, timers,
+// their targets and delegates. Whoever calls out keeps a weak pointer to itself and looks at it
+// before it touches a member again:
+//
+//   const WeakPointer<Meter> self(this);
+//   m_action.send(m_target.get(), this);    // may delete this meter
+//   if (!self) return;
+//
+// The weak pointers of an object form a list that hangs on the object: making one is a few stores
+// and cannot fail, also when memory is out. An object and all its weak pointers belong to one
+// thread, in practice the main one.
+#pragma once
+
+#include "veltra/export.h"
+
+#include <type_traits>
+
+namespace veltra {
+
+class Anchored;
+
+namespace detail {
+
+// A weak pointer's place in the list of its object.
+class VELTRA_EXPORT WeakLink {
+public:
+    WeakLink(const WeakLink&) = delete;
+    WeakLink& operator=(const WeakLink&) = delete;
+
+protected:
+    WeakLink() noexcept = default;
+    ~WeakLink() { unlink(); }
+
+    void link(const Anchored& object) noexcept;
+    void unlink() noexcept;
+    bool isLinked() const noexcept { return m_previous != nullptr; }
+
+private:
+    friend class veltra::Anchored;
+
+    // Mutable: the object and the neighbours in its list reach into weak pointers that are const.
+    mutable WeakLink* m_next = nullptr;
+    mutable WeakLink** m_previous = nullptr;  // what points to this link; null: not in a list
+};
+
+}  // namespace detail
+
+// The base of everything that weak pointers point to and that actions are sent to. A copy is an
+// object of its own: it takes over no weak pointer.
+class VELTRA_EXPORT Anchored {
+public:
+    Anchored() noexcept = default;
+    Anchored(const Anchored& /*other*/) noexcept {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assigns nothing at all
+    Anchored& operator=(const Anchored& /*other*/) noexcept { return *this; }
+    virtual ~Anchored();
+
+protected:
+    // Makes the object count as gone from here on, for present and future weak pointers. Without it
+    // that happens at the very end of destruction, so a destructor that calls out starts with this.
+    // Thread: the object's. Realtime-safe: no (as long as the list of weak pointers).
+    void cutAnchor() noexcept;
+
+private:
+    friend class detail::WeakLink;
+
+    mutable detail::WeakLink* m_firstWeakLink = nullptr;
+    bool m_isCut = false;
+};
+
+// Points to a T as long as it lives, answers null afterwards. T derives from Anchored; it needs to
+// be complete only where a pointer is stored.
+// Thread: the object's. Realtime-safe: yes, all of it.
+template <typename T>
+class WeakPointer : private detail::WeakLink {
+public:
+    WeakPointer() noexcept = default;
+    WeakPointer(T* object) noexcept { *this = object; }
+    WeakPointer(const WeakPointer& other) noexcept : detail::WeakLink() { *this = other.get(); }
+    ~WeakPointer() = default;
+
+    WeakPointer& operator=(const WeakPointer& other) noexcept {
+        if (this != &other) *this = other.get();
+        return *this;
+    }
+
+    WeakPointer& operator=(T* object) noexcept {
+        static_assert(std::is_base_of_v<Anchored, T>);
+        unlink();
+        m_object = object;
+        if (object != nullptr) link(*object);
+        return *this;
+    }
+
+    T* get() const noexcept { return isLinked() ? m_object : nullptr; }
+    T* operator->() const noexcept { return get(); }
+    explicit operator bool() const noexcept { return isLinked(); }
+
+private:
+    T* m_object = nullptr;
+};
+
+}  // namespace veltra

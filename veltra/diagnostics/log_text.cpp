@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/diagnostics/log_text.h"
+
+#include "veltra/diagnostics/detail/banner.h"
+#include "veltra/diagnostics/text_buffer.h"
+#include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/process.h"
+#include "veltra/platform/standard_error.h"
+#include "veltra/platform/system_log.h"
+
+#include <array>
+
+namespace veltra {
+
+namespace {
+
+constexpr std::array<std::string_view, kHighestLogLevel + 1> kLevelNames{"0", "1", "2", "3",
+                                                                         "4", "5", "6", "7"};
+
+// What standard error is, when it gets the line.
+std::optional<StandardError::Status> readStandardError(const StandardError& stream) noexcept {
+    const StandardError::Status status = stream.inspect();
+    if (status.kind == StandardError::Kind::RegularFile) return status;
+    if (status.kind != StandardError::Kind::Unusable && !stream.isManaged(status)) return status;
+    const bool isForced = !Process::current().isSetUserOrGroupId() &&
+                          environmentVariable("CFLOG_FORCE_STDERR") != nullptr;
+    return isForced ? std::optional(status) : std::nullopt;
+}
+
+}  // namespace
+
+Banner wantedBanner() noexcept {
+    return environmentVariable("VELTRA_TRACE_WITHOUT_BANNER") == nullptr ? Banner::Yes : Banner::No;
+}
+
+void logMessage(std::uint32_t level, Banner banner, const char* tag,
+                std::optional<std::string_view> message) noexcept {
+    if (level > kHighestLogLevel || (tag == nullptr && !message)) return;
+    const NoCancellation noCancellation;
+    if (message) message = message->substr(0, message->find('\0'));
+
+    BannerText bannerText;
+    const bool hasMessage = message && !message->empty();
+    const bool hasBanner = banner == Banner::Yes && bannerText.compose(tag, hasMessage ? ": " : "");
+    // Deliberately signed, as user ids have always been logged here: "nobody" may read -2.
+    LocalTextBuffer<16> userId;
+    userId.appendDecimal(static_cast<std::int32_t>(Process::current().effectiveUserId()));
+
+    LogRecord record;
+    record.facility = tag != nullptr ? tag : "QKLogCString";
+    if (hasBanner) {
+        record.fields[LogRecord::LocalTime].value = bannerText.localTime();
+        record.fields[LogRecord::Thread].value = bannerText.thread();
+    }
+    record.fields[LogRecord::ReadUserId].value = userId.view();
+    record.fields[LogRecord::Level].value = kLevelNames[level];
+    record.fields[LogRecord::Message].value = message ? *message : std::string_view(tag);
+    SystemLog::current().send(record);
+
+    StandardError& stream = StandardError::current();
+    const std::optional<StandardError::Status> status = readStandardError(stream);
+    if (!status) return;
+    const std::string_view text = message ? *message : hasBanner ? "\n" : std::string_view(tag);
+    const bool isOpen = text.empty() || (text.back() != '\n' && text.back() != '\b');
+    stream.write(*status, {hasBanner ? bannerText.line() : "", text, isOpen ? "\n" : ""});
+}
+
+void logText(std::uint32_t level, Banner banner, const char* tag, std::string_view text) noexcept {
+    if (text.find("%%") == std::string_view::npos) {
+        logMessage(level, banner, tag, text);
+        return;
+    }
+    LocalTextBuffer<kUsualMessage> collapsed;
+    collapsed.append(text);
+    collapsed.collapsePercentPairs();
+    logMessage(level, banner, tag, collapsed.view());
+}
+
+}  // namespace veltra

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// How the library's own code logs. The exported functions are wrappers of these.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace veltra {
+
+inline constexpr std::uint32_t kHighestLogLevel = 7;
+
+// Messages up to this many bytes are put together without the heap.
+inline constexpr std::size_t kUsualMessage = 1024;
+
+enum class Banner { No, Yes };
+
+// What the environment wants (see QKLogWithSyslogBanner).
+Banner wantedBanner() noexcept;
+
+// Logs a finished message, which ends at its first NUL. Without a message the tag stands for it;
+// without both, or with a level above the highest, nothing happens. `tag` is NUL-terminated or
+// null. Thread: any but audio. Realtime-safe: no.
+void logMessage(std::uint32_t level, Banner banner, const char* tag,
+                std::optional<std::string_view> message) noexcept;
+
+// Logs a text that went through a formatter and is read once more: each "%%" becomes "%".
+// Thread: any but audio. Realtime-safe: no.
+void logText(std::uint32_t level, Banner banner, const char* tag, std::string_view text) noexcept;
+
+}  // namespace veltra

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/diagnostics/text_buffer.h"
+
+#include "veltra/base/string_object_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace veltra {
+
+TextBuffer::~TextBuffer() {
+    if (m_text != m_memory) std::free(m_text);
+}
+
+std::size_t TextBuffer::makeRoom(std::size_t more) noexcept {
+    if (more <= m_capacity - m_size) return m_capacity - m_size;
+    if (more > SIZE_MAX / 2 - m_size) return m_capacity - m_size;
+    const std::size_t wanted = std::max(m_size + more, m_capacity * 2);
+    char* grown = static_cast<char*>(std::realloc(m_text != m_memory ? m_text : nullptr, wanted));
+    if (grown == nullptr) return m_capacity - m_size;
+    if (m_text == m_memory) std::memcpy(grown, m_memory, m_size);
+    m_text = grown;
+    m_capacity = wanted;
+    return m_capacity - m_size;
+}
+
+void TextBuffer::appendGrowing(std::string_view text) noexcept {
+    append(text.substr(0, makeRoom(text.size())));
+}
+
+void TextBuffer::appendString(const VLString* string) noexcept {
+    const std::size_t room = makeRoom(utf8LengthOf(string));
+    m_size += copyUtf8(string, m_text + m_size, room);
+}
+
+void TextBuffer::appendDecimal(std::int64_t value, int digits) noexcept {
+    std::array<char, 24> text;
+    char* const end = text.data() + text.size();
+    char* begin = end;
+    const bool isNegative = value < 0;
+    auto rest = static_cast<std::uint64_t>(value);
+    if (isNegative) rest = 0 - rest;
+    for (; rest != 0; rest /= 10)
+        *--begin = static_cast<char>('0' + rest % 10);
+    const std::ptrdiff_t wanted = std::min(digits, 20) - (isNegative ? 1 : 0);
+    while (end - begin < wanted)
+        *--begin = '0';
+    if (isNegative) *--begin = '-';
+    append({begin, static_cast<std::size_t>(end - begin)});
+}
+
+void TextBuffer::appendHexadecimal(std::uint32_t value) noexcept {
+    std::array<char, 8> text;
+    std::size_t first = text.size();
+    do {
+        text[--first] = "0123456789abcdef"[value % 16];
+        value /= 16;
+    } while (value != 0);
+    append({text.data() + first, text.size() - first});
+}
+
+bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
+    va_list again;
+    va_copy(again, arguments);
+    std::size_t room = m_capacity - m_size;
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyser loses it between functions
+    int needed = std::vsnprintf(m_text + m_size, room, format, arguments);
+    // printf wants one byte more than the text has.
+    if (needed >= 0 && static_cast<std::size_t>(needed) >= room) {
+        const std::size_t grown = makeRoom(static_cast<std::size_t>(needed) + 1);
+        if (grown > room) {
+            room = grown;
+            // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): and again
+            needed = std::vsnprintf(m_text + m_size, room, format, again);
+        }
+    }
+    va_end(again);
+    if (needed < 0) return false;
+    const std::size_t most = room > 0 ? room - 1 : 0;
+    m_size += std::min(static_cast<std::size_t>(needed), most);
+    return true;
+}
+
+void TextBuffer::collapsePercentPairs() noexcept {
+    std::size_t kept = 0;
+    for (std::size_t next = 0; next < m_size; ++next) {
+        if (m_text[next] == '%' && next + 1 < m_size && m_text[next + 1] == '%') ++next;
+        m_text[kept++] = m_text[next];
+    }
+    m_size = kept;
+}
+
+}  // namespace veltra

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/application.h"
+
+#include "veltra/base/immortal.h"
+#include "veltra/ui/port.h"
+#include "veltra/ui/window.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace veltra {
+
+namespace {
+constexpr double kTrashPatience = 0.05;  // seconds
+}
+
+// One event on the stack. The outermost one clears up behind it.
+class Application::Dispatch {
+public:
+    Dispatch(Application& application, const Event& event) noexcept
+        : m_application(application), m_outer(application.m_current) {
+        application.m_current = &event;
+        ++application.m_depth;
+    }
+    Dispatch(const Dispatch&) = delete;
+    Dispatch& operator=(const Dispatch&) = delete;
+    ~Dispatch() {
+        --m_application.m_depth;
+        m_application.m_current = m_outer;
+    }
+
+private:
+    Application& m_application;
+    const Event* const m_outer;
+};
+
+Application& Application::current() {
+    static Immortal<Application> application;
+    return *application;
+}
+
+bool Application::sendAction(Action action, Anchored* target, Anchored* sender) {
+    if (target != nullptr) return action.send(target, sender);
+    Window* const key = m_keyWindow.get();
+    Window* const main = m_mainWindow.get();
+    for (Window* window : {key, main == key ? nullptr : main}) {
+        if (window == nullptr) continue;
+        Responder* const first = window->firstResponder();
+        if ((first != nullptr ? first : window)->tryToPerform(action, sender)) return true;
+    }
+    return action.send(m_delegate.get(), sender);
+}
+
+Event Application::nextEvent(EventMask mask, RunLoopMode mode) {
+    RunLoop* const loop = RunLoop::current();
+    std::optional<RunLoop::ModeScope> scope;
+    if (loop != nullptr) scope.emplace(*loop, mode);
+    for (;;) {
+        const auto found = std::find_if(m_queue.begin(), m_queue.end(), [mask](const Event& event) {
+            return mask.contains(event.type);
+        });
+        if (found != m_queue.end()) {
+            m_pulled = std::move(*found);
+            m_queue.erase(found);
+            break;
+        }
+        if (!waitForEvent()) {
+            m_pulled = {};
+            m_pulled.type = EventType::LeftMouseUp;
+            if (m_current != nullptr) {
+                m_pulled.window = m_current->window;
+                m_pulled.locationInWindow = m_current->locationInWindow;
+                m_pulled.eventNumber = m_current->eventNumber;
+            }
+            break;
+        }
+    }
+    if (m_current != nullptr) m_current = &m_pulled;
+    return m_pulled;
+}
+
+bool Application::waitForEvent() {
+    struct Pull {
+        explicit Pull(int& count) noexcept : pulls(++count) {}
+        Pull(const Pull&) = delete;
+        Pull& operator=(const Pull&) = delete;
+        ~Pull() { --pulls; }
+        int& pulls;
+    };
+    const Pull pull(m_pulls);
+    return UiPort::current().waitForEvent();
+}
+
+void Application::postEvent(Event event) {
+    if (!event.window || !event.window->admits(event)) return;
+    if (m_pulls > 0) {
+        m_queue.push_back(std::move(event));
+        UiPort::current().eventWasPosted();
+        return;
+    }
+    dispatchQueue();  // what was kept came before
+    dispatch(event);
+    if (m_depth > 0) return;
+    dispatchQueue();
+    emptyTrash();
+}
+
+void Application::dispatch(const Event& event) {
+    Window* const window = event.window.get();
+    if (window == nullptr) return;
+    const Dispatch scope(*this, event);
+    window->sendEvent(event);
+}
+
+void Application::dispatchQueue() {
+    while (!m_queue.empty()) {
+        const Event event = std::move(m_queue.front());
+        m_queue.pop_front();
+        dispatch(event);
+    }
+}
+
+void Application::discard(std::unique_ptr<Anchored> object) {
+    if (!object) return;
+    m_trash.push_back(std::move(object));
+    if (m_depth > 0) return;  // postEvent() sees to it
+    const RunLoop* const loop = RunLoop::current();
+    if (loop == nullptr || loop->depth() == 0) {
+        emptyTrash();
+    } else {
+        emptyTrashAfter(0.0);
+    }
+}
+
+void Application::emptyTrashAfter(double seconds) {
+    if (m_trashTimer && m_trashTimer->isValid()) return;
+    m_trashTimer = RunLoop::current()->schedule({.seconds = seconds,
+                                                 .target = this,
+                                                 .action = action<&Application::trashTimerFired>(),
+                                                 .modes = RunLoopModes::all()});
+}
+
+void Application::trashTimerFired() {
+    if (m_depth > 0) return;
+    if (RunLoop::current()->depth() > 1) {  // inside a loop that another timer's action runs
+        emptyTrashAfter(kTrashPatience);
+    } else {
+        emptyTrash();
+    }
+}
+
+void Application::emptyTrash() {
+    while (!m_trash.empty()) {  // a destructor may discard more
+        const std::vector<std::unique_ptr<Anchored>> trash = std::exchange(m_trash, {});
+    }
+}
+
+void Application::setKeyWindow(Window* window) {
+    m_keyWindow = window;
+    if (window != nullptr && !window->isPanel()) m_mainWindow = window;
+}
+
+void Application::terminate() {
+    UiPort::current().terminate();
+}
+
+}  // namespace veltra

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// What there is once in a process with a user interface: the event that is being handled, the
+// windows, and the way that actions take.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/platform/run_loop.h"
+#include "veltra/ui/event.h"
+#include "veltra/ui/responder.h"
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+namespace veltra {
+
+class VELTRA_EXPORT Application final : public Responder {
+public:
+    static Application& current();
+
+    // Sends the action to the target. Without a target it goes to the first that responds: the key
+    // window's responder chain, then that of the main window if it is another, then the delegate.
+    // Answers false when nobody does. Anyone in the chain may be deleted meanwhile.
+    bool sendAction(Action action, Anchored* target, Anchored* sender);
+
+    // Last in the chain of actions; not retained.
+    Anchored* delegate() const noexcept { return m_delegate.get(); }
+    void setDelegate(Anchored* delegate) noexcept { m_delegate = delegate; }
+
+    // The event being handled: the last one taken by nextEvent(), also inside a nested call, else
+    // the one that was dispatched. Null outside of any.
+    const Event* currentEvent() const noexcept { return m_current; }
+
+    // Takes the next event of the mask; timers of `mode` go on meanwhile. Other events keep their
+    // order and are dispatched when the handler that asked has returned. Answers a synthetic
+    // LeftMouseUp (clickCount 0) when nothing can come any more: the window is hidden, gone or has
+    // lost the pointer, or there is no toolkit.
+    Event nextEvent(EventMask mask, RunLoopMode mode);
+
+    // Hands over one event: for ports, and for tests. It is dispatched to its window at once, or
+    // kept for whoever waits in nextEvent(). An event whose window is gone is dropped.
+    void postEvent(Event event);
+
+    // Destroys the object as soon as no event, action or timer is on the stack: what a handler may
+    // do with an object whose member function is still running. Null is passed over.
+    void discard(std::unique_ptr<Anchored> object);
+
+    // The window with the keyboard; null when that is elsewhere.
+    Window* keyWindow() const noexcept { return m_keyWindow.get(); }
+    // The window that the user works in: the last key window that was no panel.
+    Window* mainWindow() const noexcept { return m_mainWindow.get(); }
+
+    // Ends the toolkit's event loop.
+    void terminate();
+
+private:
+    friend class Window;
+
+    class Dispatch;
+
+    void dispatch(const Event& event);
+    void dispatchQueue();
+    void emptyTrash();
+    void emptyTrashAfter(double seconds);
+    void trashTimerFired();
+    bool waitForEvent();
+    void setKeyWindow(Window* window);
+
+    std::deque<Event> m_queue;
+    int m_pulls = 0;  // nested calls of nextEvent()
+    int m_depth = 0;  // nested dispatches
+    Event m_pulled;   // what m_current points to after nextEvent()
+    const Event* m_current = nullptr;
+    std::vector<std::unique_ptr<Anchored>> m_trash;
+    std::shared_ptr<RunLoopTimer> m_trashTimer;
+    WeakPointer<Anchored> m_delegate;
+    WeakPointer<Window> m_keyWindow;
+    WeakPointer<Window> m_mainWindow;
+};
+
+}  // namespace veltra

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/button.h"
+
+#include "veltra/ui/canvas.h"
+
+#include <cmath>
+
+namespace veltra {
+
+namespace {
+
+constexpr float kRadius = 5.0F;
+constexpr float kMargin = 12.0F;
+constexpr float kHeight = 24.0F;
+
+// Whichever of black and white is easier to read on it.
+Color inkOn(Color face) {
+    const float luminance = 0.2126F * face.red + 0.7152F * face.green + 0.0722F * face.blue;
+    return luminance > 0.55F ? kBlack : kWhite;
+}
+
+}  // namespace
+
+ButtonCell::ButtonCell(std::string_view title, Kind kind) : Cell(title), m_kind(kind) {
+    setAlignment(TextAlignment::Center);
+    sendActionOn({});  // performClick() sends it
+}
+
+void ButtonCell::setOn(bool isOn) {
+    if (isOn == m_isOn) return;
+    m_isOn = isOn;
+    setNeedsDisplay();
+    postAccessibilityNotification(AccessibilityNotification::StateChanged);
+}
+
+void ButtonCell::setOnColor(std::optional<Color> color) {
+    m_onColor = color;
+    setNeedsDisplay();
+}
+
+void ButtonCell::performClick() {
+    if (!isEnabled()) return;
+    const WeakPointer<ButtonCell> self(this);
+    if (m_kind == Kind::Toggle) setOn(!m_isOn);
+    if (!self) return;
+    if (auto* const control = dynamic_cast<Control*>(controlView())) control->sendAction();
+}
+
+void ButtonCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
+    const Rect face = canvas.alignedToDevice(frame);
+    const float line = 1.0F / canvas.scale();
+    Color ground = view.systemColor(SystemColor::ControlBackground);
+    Color edge = view.systemColor(SystemColor::Separator);
+    StyledText text = attributedStringValue();
+    if (m_isOn && isEnabled()) {
+        ground = edge = m_onColor.value_or(view.systemColor(SystemColor::Accent));
+        text.color = inkOn(ground);
+    }
+    if (isHighlighted()) {
+        const Color towards = view.effectiveAppearance() == Appearance::Dark ? kWhite : kBlack;
+        ground = ground.mixedWith(towards, 0.14F);
+    }
+    canvas.fillPath(Path::roundedRect(face, kRadius), edge);
+    canvas.fillPath(Path::roundedRect(face.inset(line, line), kRadius - line), ground);
+    if (view.isFirstResponder()) {
+        canvas.strokePath(Path::roundedRect(face.inset(1.0F, 1.0F), kRadius - 1.0F),
+                          view.systemColor(SystemColor::Accent), 2.0F);
+    }
+    canvas.drawText(text, face);
+}
+
+Size ButtonCell::cellSizeForBounds(const Rect& bounds) const {
+    const float width = std::ceil(attributedStringValue().size().width) + 2.0F * kMargin;
+    return {std::min(width, bounds.size.width), std::min(kHeight, bounds.size.height)};
+}
+
+bool ButtonCell::startTracking(Point /*point*/, View& /*view*/) {
+    m_isHot = true;
+    setHighlighted(true);
+    return true;
+}
+
+bool ButtonCell::continueTracking(Point /*last*/, Point current, View& view) {
+    m_isHot = mouseInRect(current, cellFrame(), view.isFlipped());
+    setHighlighted(m_isHot);
+    return true;
+}
+
+void ButtonCell::stopTracking(Point /*last*/, Point /*stop*/, View& /*view*/, bool mouseIsUp) {
+    setHighlighted(false);
+    if (mouseIsUp && m_isHot) performClick();
+}
+
+AccessibilityRole ButtonCell::accessibilityRole() const {
+    return m_kind == Kind::Toggle ? AccessibilityRole::ToggleButton : AccessibilityRole::Button;
+}
+
+std::string ButtonCell::accessibilityName() const {
+    return m_accessibilityName.empty() ? title() : m_accessibilityName;
+}
+
+bool ButtonCell::accessibilityIsFocused() const {
+    return controlView() != nullptr && controlView()->isFirstResponder();
+}
+
+std::vector<AccessibilityAction> ButtonCell::accessibilityActions() const {
+    return {AccessibilityAction::Press};
+}
+
+bool ButtonCell::performAccessibilityAction(AccessibilityAction action) {
+    if (action != AccessibilityAction::Press || !isEnabled()) return false;
+    performClick();
+    return true;
+}
+
+Button::Button(const Rect& frame, std::string_view title, ButtonCell::Kind kind)
+    : Control(frame, std::make_unique<ButtonCell>(title, kind)) {}
+
+void Button::keyDown(const Event& event) {
+    if (!event.charactersIgnoringModifiers.empty()) {
+        const char16_t key = event.charactersIgnoringModifiers.front();
+        if (key == u' ' || key == kReturnCharacter || key == kEnterCharacter) {
+            return performClick();
+        }
+    }
+    Control::keyDown(event);
+}
+
+Cursor Button::cursorAt(Point /*point*/) const {
+    return isEnabled() ? Cursor::PointingHand : Cursor::Arrow;
+}
+
+}  // namespace veltra

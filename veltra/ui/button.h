@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// A button with a title: pressed for a moment, or switched on and off.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/ui/control.h"
+
+#include <string>
+
+namespace veltra {
+
+class VELTRA_EXPORT ButtonCell : public Cell {
+public:
+    enum class Kind : std::uint8_t { Momentary, Toggle };
+
+    explicit ButtonCell(std::string_view title = {}, Kind kind = Kind::Momentary);
+
+    Kind kind() const noexcept { return m_kind; }
+    std::string title() const { return stringValue(); }
+    // What a screen reader says instead of the title; empty: the title.
+    void setAccessibilityName(std::string name) { m_accessibilityName = std::move(name); }
+
+    bool isOn() const noexcept { return m_isOn; }
+    void setOn(bool isOn);
+    // The face when it is on; the accent colour to begin with.
+    void setOnColor(std::optional<Color> color);
+
+    // As if it had been clicked: toggles, then the control sends its action. Nothing when disabled.
+    void performClick();
+
+    void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) override;
+    Size cellSizeForBounds(const Rect& bounds) const override;
+    bool startTracking(Point point, View& view) override;
+    bool continueTracking(Point last, Point current, View& view) override;
+    void stopTracking(Point last, Point stop, View& view, bool mouseIsUp) override;
+    bool prefersTrackingUntilMouseUp() const override { return true; }
+
+    AccessibilityRole accessibilityRole() const override;
+    std::string accessibilityName() const override;
+    bool accessibilityIsChecked() const override { return m_isOn; }
+    bool accessibilityIsFocused() const override;
+    std::vector<AccessibilityAction> accessibilityActions() const override;
+    bool performAccessibilityAction(AccessibilityAction action) override;
+
+private:
+    const Kind m_kind;
+    bool m_isOn = false;
+    bool m_isHot = false;  // the press is on it: letting go counts
+    std::optional<Color> m_onColor;
+    std::string m_accessibilityName;
+};
+
+// Space and Return press it when it has the keyboard.
+class VELTRA_EXPORT Button : public Control {
+public:
+    explicit Button(const Rect& frame, std::string_view title,
+                    ButtonCell::Kind kind = ButtonCell::Kind::Momentary);
+
+    ButtonCell& buttonCell() const noexcept { return static_cast<ButtonCell&>(*cell()); }
+    bool isOn() const noexcept { return buttonCell().isOn(); }
+    void setOn(bool isOn) { buttonCell().setOn(isOn); }
+    void performClick() { buttonCell().performClick(); }
+
+    bool acceptsFirstResponder() const override { return isEnabled(); }
+    void keyDown(const Event& event) override;
+    Cursor cursorAt(Point point) const override;
+};
+
+}  // namespace veltra

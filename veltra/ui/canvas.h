@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// What a view draws on: shapes, images and text in the view's own coordinates. Text and images
+// stand upright also where the y axis points up.
+//
+// A port supplies a CanvasPort, which knows only one direction: its y axis points down. Canvas
+// turns a view's coordinates into those.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/ui/color.h"
+#include "veltra/ui/geometry.h"
+#include "veltra/ui/image.h"
+#include "veltra/ui/path.h"
+#include "veltra/ui/styled_text.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace veltra {
+
+// From `from` at `start` to `to` at `end`, and these colours beyond.
+struct LinearGradient {
+    Color from;
+    Color to;
+    Point start;
+    Point end;
+};
+
+// One surface of a port: a window's, an embedded view's or an image's. All coordinates are points
+// with the origin in the surface's upper left corner.
+class VELTRA_EXPORT CanvasPort {
+public:
+    CanvasPort() = default;
+    CanvasPort(const CanvasPort&) = delete;
+    CanvasPort& operator=(const CanvasPort&) = delete;
+    virtual ~CanvasPort();
+
+    // The graphics state is the clip and the smoothing of fonts.
+    virtual void saveState() = 0;
+    virtual void restoreState() = 0;
+    virtual void clipTo(const Rect& rect) = 0;
+    virtual void setFontSmoothing(bool isOn) = 0;
+
+    // Device pixels a point.
+    virtual float scale() const = 0;
+    // The rectangle with its sides on the nearest borders between device pixels.
+    virtual Rect alignedToDevice(const Rect& rect) const = 0;
+
+    virtual void fillRect(const Rect& rect, Color color) = 0;
+    virtual void fillPath(const Path& path, Color color) = 0;
+    virtual void fillPath(const Path& path, const LinearGradient& gradient) = 0;
+    virtual void strokePath(const Path& path, Color color, float lineWidth) = 0;
+    // `source` is in points of the image, from its upper left corner, and lies inside it.
+    virtual void drawImage(const Image& image, const Rect& source, const Rect& destination,
+                           float alpha) = 0;
+    // In the middle of the rectangle's height, aligned in its width as the text says.
+    virtual void drawText(const StyledText& text, const Rect& rect) = 0;
+};
+
+class VELTRA_EXPORT Canvas {
+public:
+    // Draws on `port`, with the y axis pointing down and no shift.
+    explicit Canvas(CanvasPort& port) noexcept : m_port(port) {}
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    // Keeps the coordinates, the clip and the smoothing for as long as it lives.
+    class VELTRA_EXPORT StateScope {
+    public:
+        explicit StateScope(Canvas& canvas);
+        StateScope(const StateScope&) = delete;
+        StateScope& operator=(const StateScope&) = delete;
+        ~StateScope();
+
+    private:
+        Canvas& m_canvas;
+        const Point m_origin;
+        const bool m_isFlipped;
+    };
+
+    // From here on (until the StateScope around it ends) coordinates are those of a view that has
+    // the rectangle `frame` of the present coordinates, and drawing outside of it has no effect.
+    void enter(const Rect& frame, bool isFlipped);
+    bool isFlipped() const noexcept { return m_isFlipped; }
+
+    void clipTo(const Rect& rect) { m_port.clipTo(toPort(rect)); }
+    // Smoothing is on at the beginning.
+    void setFontSmoothing(bool isOn) { m_port.setFontSmoothing(isOn); }
+
+    float scale() const { return m_port.scale(); }
+
+    // The rectangle with its sides on the nearest borders between device pixels: what is filled
+    // there has sharp edges at every scale. Never thinner than one device pixel.
+    Rect alignedToDevice(const Rect& rect) const;
+
+    void fillRect(const Rect& rect, Color color);
+    void fillPath(const Path& path, Color color);
+    void fillPath(const Path& path, const LinearGradient& gradient);
+    void strokePath(const Path& path, Color color, float lineWidth);
+    void strokeLine(Point from, Point to, Color color, float lineWidth);
+
+    void drawImage(const Image& image, Point upperLeft);  // "upper" on screen
+    // `source` is in points of the image, from its upper left corner; what lies outside of the
+    // image is cut off together with its part of the destination.
+    void drawImage(const Image& image, const Rect& source, const Rect& destination,
+                   float alpha = 1.0F);
+
+    // In the middle of the rectangle's height, aligned in its width as the text says. Text that is
+    // wider is cut off at the rectangle's sides.
+    void drawText(const StyledText& text, const Rect& rect);
+
+private:
+    Point toPort(Point point) const noexcept;
+    Rect toPort(const Rect& rect) const noexcept;
+    Rect fromPort(const Rect& rect) const noexcept;
+    Path toPort(const Path& path) const;
+
+    CanvasPort& m_port;
+    Point m_origin;  // of the coordinates, in those of the port
+    bool m_isFlipped = true;
+};
+
+}  // namespace veltra

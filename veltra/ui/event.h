@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// What the user did: one press, movement, turn of the wheel or key.
+#pragma once
+
+#include "veltra/base/weak_anchor.h"
+#include "veltra/ui/geometry.h"
+
+#include <cstdint>
+#include <string>
+
+namespace veltra {
+
+class Window;
+
+enum class EventType : std::uint8_t {
+    LeftMouseDown,
+    LeftMouseUp,
+    LeftMouseDragged,
+    RightMouseDown,
+    RightMouseUp,
+    RightMouseDragged,
+    MouseMoved,   // with no button held
+    MouseExited,  // the pointer has left the window
+    ScrollWheel,
+    KeyDown,
+    KeyUp,
+    FlagsChanged,  // a modifier key alone
+};
+
+// A set of types of events. Thread: any. Realtime-safe: yes.
+class EventMask {
+public:
+    constexpr EventMask() noexcept = default;
+    constexpr EventMask(EventType type) noexcept : m_bits(1U << static_cast<unsigned>(type)) {}
+    static constexpr EventMask any() noexcept { return EventMask(~0U); }
+
+    constexpr bool contains(EventType type) const noexcept {
+        return (m_bits >> static_cast<unsigned>(type) & 1U) != 0;
+    }
+    friend constexpr EventMask operator|(EventMask left, EventMask right) noexcept {
+        return EventMask(left.m_bits | right.m_bits);
+    }
+    friend constexpr bool operator==(EventMask left, EventMask right) noexcept = default;
+
+private:
+    constexpr explicit EventMask(std::uint32_t bits) noexcept : m_bits(bits) {}
+
+    std::uint32_t m_bits = 0;
+};
+
+// The same numbers that shortcuts are written with (QKKeyCodeConverter).
+using ModifierFlags = std::uint32_t;
+inline constexpr ModifierFlags kShiftKeyMask = 0x20000;
+inline constexpr ModifierFlags kControlKeyMask = 0x40000;
+inline constexpr ModifierFlags kAlternateKeyMask = 0x80000;  // Option, here the Alt key
+inline constexpr ModifierFlags kCommandKeyMask = 0x100000;   // here the Super key
+inline constexpr ModifierFlags kNumericPadKeyMask = 0x200000;
+inline constexpr ModifierFlags kFunctionKeyMask = 0x800000;  // arrows and other keys without text
+
+// Key characters that are not text.
+inline constexpr char16_t kEnterCharacter = 0x03;  // of the numeric pad
+inline constexpr char16_t kTabCharacter = 0x09;
+inline constexpr char16_t kReturnCharacter = 0x0D;
+inline constexpr char16_t kBackTabCharacter = 0x19;
+inline constexpr char16_t kEscapeCharacter = 0x1B;
+inline constexpr char16_t kDeleteCharacter = 0x7F;  // erases to the left
+inline constexpr char16_t kUpArrowCharacter = 0xF700;
+inline constexpr char16_t kDownArrowCharacter = 0xF701;
+inline constexpr char16_t kLeftArrowCharacter = 0xF702;
+inline constexpr char16_t kRightArrowCharacter = 0xF703;
+inline constexpr char16_t kF1Character = 0xF704;  // F2 and so on follow
+inline constexpr char16_t kForwardDeleteCharacter = 0xF728;
+inline constexpr char16_t kHomeCharacter = 0xF729;
+inline constexpr char16_t kEndCharacter = 0xF72B;
+inline constexpr char16_t kPageUpCharacter = 0xF72C;
+inline constexpr char16_t kPageDownCharacter = 0xF72D;
+inline constexpr char16_t kHelpCharacter = 0xF746;
+
+struct Event {
+    EventType type = EventType::MouseMoved;
+    ModifierFlags modifierFlags = 0;
+    std::uint64_t timestamp = 0;  // nanoseconds of the monotonic clock
+
+    // Where the pointer is, in the window's coordinates: the origin is its lower left corner.
+    Point locationInWindow;
+
+    // Buttons: 1 for a click, 2 for a double click and so on; 0 for a synthetic release.
+    std::int32_t clickCount = 0;
+    // Buttons: the number of the press that began it, also in the drags and the release that
+    // follow.
+    std::int32_t eventNumber = 0;
+
+    // Drags: movement since the event before, in points, positive to the right and downwards on
+    // screen. Wheel: notches, positive away from the user and to the left; fractions for fine
+    // wheels and pads.
+    float deltaX = 0.0F;
+    float deltaY = 0.0F;
+
+    // Keys. Empty where the key makes no text, as a dead key does.
+    std::u16string characters;
+    std::u16string charactersIgnoringModifiers;  // all but Shift
+    std::uint16_t keyCode = 0;                   // of the hardware
+    bool isRepeat = false;
+
+    WeakPointer<Window> window;  // null when it is gone
+};
+
+}  // namespace veltra

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// Points, sizes and rectangles of views, in logical points (a point is one pixel at scale 1).
+//
+// Thread: any. Realtime-safe: yes.
+#pragma once
+
+#include <algorithm>
+
+namespace veltra {
+
+struct Point {
+    float x = 0.0F;
+    float y = 0.0F;
+
+    friend constexpr bool operator==(Point left, Point right) noexcept = default;
+    friend constexpr Point operator+(Point left, Point right) noexcept {
+        return {left.x + right.x, left.y + right.y};
+    }
+    friend constexpr Point operator-(Point left, Point right) noexcept {
+        return {left.x - right.x, left.y - right.y};
+    }
+};
+
+struct Size {
+    float width = 0.0F;
+    float height = 0.0F;
+
+    friend constexpr bool operator==(Size left, Size right) noexcept = default;
+};
+
+// `origin` is the corner with the least coordinates: top left in a flipped view, bottom left in any
+// other. A rectangle without width or height is empty: it contains and meets nothing.
+struct Rect {
+    Point origin;
+    Size size;
+
+    constexpr float minX() const noexcept { return origin.x; }
+    constexpr float minY() const noexcept { return origin.y; }
+    constexpr float maxX() const noexcept { return origin.x + size.width; }
+    constexpr float maxY() const noexcept { return origin.y + size.height; }
+    constexpr Point center() const noexcept {
+        return {origin.x + size.width * 0.5F, origin.y + size.height * 0.5F};
+    }
+    constexpr bool isEmpty() const noexcept { return !(size.width > 0.0F && size.height > 0.0F); }
+
+    constexpr bool intersects(const Rect& other) const noexcept {
+        return !isEmpty() && !other.isEmpty() && minX() < other.maxX() && other.minX() < maxX() &&
+               minY() < other.maxY() && other.minY() < maxY();
+    }
+
+    // Empty at the origin of coordinates when the two do not meet.
+    constexpr Rect intersection(const Rect& other) const noexcept {
+        if (!intersects(other)) return {};
+        const float left = std::max(minX(), other.minX());
+        const float low = std::max(minY(), other.minY());
+        return {{left, low},
+                {std::min(maxX(), other.maxX()) - left, std::min(maxY(), other.maxY()) - low}};
+    }
+
+    // The least rectangle around both; an empty one adds nothing.
+    constexpr Rect united(const Rect& other) const noexcept {
+        if (isEmpty()) return other;
+        if (other.isEmpty()) return *this;
+        const float left = std::min(minX(), other.minX());
+        const float low = std::min(minY(), other.minY());
+        return {{left, low},
+                {std::max(maxX(), other.maxX()) - left, std::max(maxY(), other.maxY()) - low}};
+    }
+
+    // Every side moved inwards; negative insets move outwards.
+    constexpr Rect inset(float horizontal, float vertical) const noexcept {
+        return {{origin.x + horizontal, origin.y + vertical},
+                {size.width - 2.0F * horizontal, size.height - 2.0F * vertical}};
+    }
+
+    constexpr Rect movedBy(Point offset) const noexcept { return {origin + offset, size}; }
+
+    friend constexpr bool operator==(const Rect& left, const Rect& right) noexcept = default;
+};
+
+// The sides with the least coordinates belong to the rectangle, those opposite do not.
+constexpr bool pointInRect(Point point, const Rect& rect) noexcept {
+    return !rect.isEmpty() && point.x >= rect.minX() && point.x < rect.maxX() &&
+           point.y >= rect.minY() && point.y < rect.maxY();
+}
+
+// Whether the pixel under a pointer's hot spot belongs to the rectangle: on screen the left and the
+// upper side do. In a view that is not flipped the upper side is the one at maxY().
+constexpr bool mouseInRect(Point point, const Rect& rect, bool isFlipped) noexcept {
+    if (isFlipped) return pointInRect(point, rect);
+    return !rect.isEmpty() && point.x >= rect.minX() && point.x < rect.maxX() &&
+           point.y > rect.minY() && point.y <= rect.maxY();
+}
+
+}  // namespace veltra

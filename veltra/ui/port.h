@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// All that a widget toolkit supplies: the one list of what a port consists of. Besides the two
+// classes in here that is a CanvasPort (canvas.h), an Image (image.h) and a RunLoop that is driven
+// by the toolkit's event loop. A port calls back into Window and Application where those say "for
+// ports".
+//
+// Coordinates are points. A window's surface begins in its upper left corner, its y axis points
+// down; so does the screen's.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/ui/accessibility.h"
+#include "veltra/ui/appearance.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/view.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace veltra {
+
+struct WindowStyle {
+    bool isTitled = true;
+    bool isClosable = true;
+    bool isMiniaturizable = true;
+    bool isResizable = true;
+    bool isPanel = false;  // stays above the application's windows, is in no task list
+};
+
+// The place where one Window appears: a window of the system, or a part of a toolkit's widget.
+class VELTRA_EXPORT WindowPort {
+public:
+    WindowPort() = default;
+    WindowPort(const WindowPort&) = delete;
+    WindowPort& operator=(const WindowPort&) = delete;
+    virtual ~WindowPort();
+
+    // Has Window::display() called soon with this part of the surface, among others.
+    virtual void invalidate(const Rect& surfaceRect) = 0;
+    // Draws what is invalid before it returns, if the window is on screen.
+    virtual void displayIfNeeded() = 0;
+
+    // Takes the keyboard, or gives it up to what comes before or after in the focus order of the
+    // toolkit's window around. Giving up answers false when there is nothing else.
+    virtual void takeKeyboard() = 0;
+    virtual bool passKeyboard(bool forward) = 0;
+
+    virtual void setCursor(Cursor cursor) = 0;
+    virtual float scale() const = 0;
+
+    // Of no effect where the surface is a part of something else.
+    virtual void setTitle(const std::string& /*title*/) {}
+    virtual void setFrame(const Rect& /*onScreen*/, bool /*animate*/) {}  // of the surface
+    virtual void setSizeLimits(Size /*minimum*/, Size /*maximum*/) {}
+    virtual void setVisible(bool /*isVisible*/) {}
+    virtual void orderFront(bool /*takesKeyboard*/) {}
+    virtual void miniaturize() {}
+};
+
+class VELTRA_EXPORT UiPort {
+public:
+    UiPort() = default;
+    UiPort(const UiPort&) = delete;
+    UiPort& operator=(const UiPort&) = delete;
+    virtual ~UiPort();
+
+    // The installed port, else one without a screen: it guesses the size of text, draws nothing and
+    // hears nothing.
+    static UiPort& current() noexcept;
+    // Puts `port` in force (not owned); null goes back to the one without a screen. Answers what
+    // was installed before, or null.
+    static UiPort* install(UiPort* port) noexcept;
+
+    virtual std::unique_ptr<WindowPort> makeWindow(Window& window, const Rect& contentRect,
+                                                   const WindowStyle& style) = 0;
+
+    // Lets the toolkit's events and the timers of `RunLoop::current()` go on until at least one
+    // event was handed to Application::postEvent(). Answers false when there is nothing to wait
+    // for.
+    virtual bool waitForEvent() = 0;
+    // An event was handed over, by whomever, while somebody waits: waitForEvent() is to return.
+    virtual void eventWasPosted() {}
+    // Ends the toolkit's main event loop.
+    virtual void terminate() = 0;
+
+    virtual Appearance appearance() const = 0;
+
+    virtual bool hasFontFamily(const std::string& name) const = 0;
+    virtual Size textSize(const StyledText& text) const = 0;
+    virtual std::shared_ptr<const Image> loadImage(const std::string& path, float scale) = 0;
+    virtual std::shared_ptr<const Image> drawImage(
+        std::int32_t pixelWidth, std::int32_t pixelHeight, float scale,
+        const std::function<void(CanvasPort&)>& draw) = 0;
+
+    // Shows the one tool tip of its kind, or moves it, close to a point of the window but not over
+    // it.
+    virtual void showToolTip(Window& window, const std::string& text, Point inWindow) = 0;
+    virtual void closeToolTip() = 0;
+
+    virtual void accessibilityChanged(AccessibilityElement& element,
+                                      AccessibilityNotification notification) = 0;
+    // The element must not be used any more, only its address.
+    virtual void accessibilityElementDied(AccessibilityElement& element) noexcept = 0;
+};
+
+}  // namespace veltra

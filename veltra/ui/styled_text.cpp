@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/styled_text.h"
+
+#include "veltra/ui/port.h"
+
+namespace veltra {
+
+namespace {
+
+constexpr char kEllipsis[] = "\xE2\x80\xA6";
+
+bool continuesCharacter(char byte) noexcept {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+}  // namespace
+
+std::optional<Font> Font::fontWithName(const std::string& name, float size) {
+    if (!(size > 0.0F) || !UiPort::current().hasFontFamily(name)) return std::nullopt;
+    return Font{name, size};
+}
+
+Size StyledText::size() const {
+    return UiPort::current().textSize(*this);
+}
+
+StyledText StyledText::truncatedTo(float width, TextTruncation truncation) const {
+    if (size().width <= width) return *this;
+    // With `kept` bytes of the text at most, and no character in pieces.
+    const auto cutTo = [&](std::size_t kept) {
+        std::size_t head = truncation == TextTruncation::End ? kept : (kept + 1) / 2;
+        std::size_t tail = string.size() - (kept - head);
+        while (head > 0 && continuesCharacter(string[head]))
+            --head;
+        while (tail < string.size() && continuesCharacter(string[tail]))
+            ++tail;
+        StyledText cut = *this;
+        cut.string = string.substr(0, head) + kEllipsis + string.substr(tail);
+        return cut;
+    };
+    std::size_t fits = 0;
+    std::size_t tooLong = string.size();
+    while (fits + 1 < tooLong) {
+        const std::size_t middle = fits + (tooLong - fits) / 2;
+        (cutTo(middle).size().width <= width ? fits : tooLong) = middle;
+    }
+    return cutTo(fits);
+}
+
+}  // namespace veltra

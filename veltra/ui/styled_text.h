@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// One line of text with its font and colour, to be measured and drawn.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/ui/color.h"
+#include "veltra/ui/font.h"
+#include "veltra/ui/geometry.h"
+
+#include <cstdint>
+#include <string>
+
+namespace veltra {
+
+enum class TextAlignment : std::uint8_t { Left, Center, Right };
+enum class TextTruncation : std::uint8_t { End, Middle };
+
+struct VELTRA_EXPORT StyledText {
+    std::string string;  // UTF-8
+    Font font;
+    Color color;
+    TextAlignment alignment = TextAlignment::Left;
+
+    bool isEmpty() const noexcept { return string.empty(); }
+
+    // Width and height of the line as the port draws it, without rounding. Width 0 and the height
+    // of a line for an empty text.
+    // Thread: main. Realtime-safe: no.
+    Size size() const;
+
+    // This text, or as much of it as fits `width` with an ellipsis for what is left out: the end,
+    // or the middle, for names that differ in their last letters.
+    // Thread: main. Realtime-safe: no.
+    StyledText truncatedTo(float width, TextTruncation truncation = TextTruncation::End) const;
+};
+
+}  // namespace veltra

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/view.h"
+
+#include "veltra/ui/application.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/port.h"
+#include "veltra/ui/window.h"
+
+#include <algorithm>
+
+namespace veltra {
+
+Point View::Place::toWindow(Point point) const noexcept {
+    return {origin.x + point.x, isFlipped ? origin.y - point.y : origin.y + point.y};
+}
+
+Point View::Place::fromWindow(Point point) const noexcept {
+    return {point.x - origin.x, isFlipped ? origin.y - point.y : point.y - origin.y};
+}
+
+Rect View::Place::toWindow(const Rect& rect) const noexcept {
+    const Point corner = toWindow(Point{rect.minX(), isFlipped ? rect.maxY() : rect.minY()});
+    return {corner, rect.size};
+}
+
+Rect View::Place::fromWindow(const Rect& rect) const noexcept {
+    const Point corner = fromWindow(Point{rect.minX(), isFlipped ? rect.maxY() : rect.minY()});
+    return {corner, rect.size};
+}
+
+View::View(const Rect& frame) : m_frame(frame) {}
+
+View::~View() {
+    cutAnchor();
+}
+
+void View::insertSubview(std::unique_ptr<View> view) {
+    View& added = *view;
+    added.m_superview = this;
+    m_subviews.push_back(std::move(view));
+    added.setWindow(m_window);
+    added.setNeedsDisplay();
+    postAccessibilityNotification(AccessibilityNotification::ChildrenChanged);
+}
+
+std::unique_ptr<View> View::takeFromSuperview() {
+    if (m_superview == nullptr) {
+        return m_window != nullptr ? m_window->takeContentView() : nullptr;
+    }
+    setNeedsDisplay();
+    const WeakPointer<View> self(this);
+    setWindow(nullptr);
+    if (!self || m_superview == nullptr) return nullptr;
+    View& superview = *m_superview;
+    auto& siblings = superview.m_subviews;
+    const auto found = std::find_if(siblings.begin(), siblings.end(),
+                                    [this](const auto& view) { return view.get() == this; });
+    std::unique_ptr<View> taken = std::move(*found);
+    siblings.erase(found);
+    m_superview = nullptr;
+    superview.postAccessibilityNotification(AccessibilityNotification::ChildrenChanged);
+    return taken;
+}
+
+void View::removeFromSuperview() {
+    Application::current().discard(takeFromSuperview());
+}
+
+void View::setWindow(Window* window) {
+    if (window == m_window) return;
+    const WeakPointer<View> self(this);
+    viewWillMoveToWindow(window);
+    if (!self) return;
+    if (m_window != nullptr) m_window->viewLeaves(*this);
+    if (!self) return;
+    m_window = window;
+    // By index: what is called may add and remove views.
+    for (std::size_t i = 0; self && i < m_subviews.size(); ++i)
+        m_subviews[i]->setWindow(window);
+    if (self) viewDidMoveToWindow();
+}
+
+void View::setFrame(const Rect& frame) {
+    if (frame == m_frame) return;
+    setNeedsDisplay();
+    const Size oldSize = m_frame.size;
+    m_frame = frame;
+    setNeedsDisplay();
+    if (oldSize == frame.size) return;
+    const WeakPointer<View> self(this);
+    if (autoresizesSubviews()) resizeSubviews(oldSize);
+    if (self) frameDidChange();
+}
+
+void View::resizeSubviews(Size oldSize) {
+    const WeakPointer<View> self(this);
+    for (std::size_t i = 0; self && i < m_subviews.size(); ++i)
+        m_subviews[i]->resizeWithSuperview(oldSize, m_frame.size);
+}
+
+namespace {
+
+struct Span {
+    float start;
+    float length;
+};
+
+// Shares `change` among the parts that give, in proportion to their lengths; in equal shares when
+// all of them are 0. `gives` has the bits of the margin before, the length and the margin behind.
+Span resized(Span old, float oldWhole, float change, AutoresizingMask gives) {
+    const float parts[3] = {old.start, old.length, oldWhole - old.start - old.length};
+    float sum = 0.0F;
+    float count = 0.0F;
+    for (unsigned i = 0; i < 3; ++i) {
+        if ((gives >> i & 1U) == 0) continue;
+        sum += parts[i];
+        count += 1.0F;
+    }
+    if (count == 0.0F) return old;
+    const auto share = [&](unsigned i) {
+        if ((gives >> i & 1U) == 0) return 0.0F;
+        return sum != 0.0F ? change * parts[i] / sum : change / count;
+    };
+    return {old.start + share(0), std::max(old.length + share(1), 0.0F)};
+}
+
+}  // namespace
+
+void View::resizeWithSuperview(Size oldSize, Size newSize) {
+    const Span x = resized({m_frame.minX(), m_frame.size.width}, oldSize.width,
+                           newSize.width - oldSize.width, m_autoresizingMask & 7U);
+    const Span y = resized({m_frame.minY(), m_frame.size.height}, oldSize.height,
+                           newSize.height - oldSize.height, m_autoresizingMask >> 3U & 7U);
+    setFrame({{x.start, y.start}, {x.length, y.length}});
+}
+
+View::Place View::placeIn(const Place& superview) const {
+    const Rect inWindow = superview.toWindow(m_frame);
+    const bool flipped = isFlipped();
+    return {{inWindow.minX(), flipped ? inWindow.maxY() : inWindow.minY()}, flipped};
+}
+
+View::Place View::place() const {
+    return placeIn(m_superview != nullptr ? m_superview->place() : Place{{}, false});
+}
+
+Point View::convertPointToView(Point point, const View* other) const {
+    const Point inWindow = place().toWindow(point);
+    return other != nullptr ? other->place().fromWindow(inWindow) : inWindow;
+}
+
+Point View::convertPointFromView(Point point, const View* other) const {
+    return place().fromWindow(other != nullptr ? other->place().toWindow(point) : point);
+}
+
+Rect View::convertRectToView(const Rect& rect, const View* other) const {
+    const Rect inWindow = place().toWindow(rect);
+    return other != nullptr ? other->place().fromWindow(inWindow) : inWindow;
+}
+
+Rect View::convertRectFromView(const Rect& rect, const View* other) const {
+    return place().fromWindow(other != nullptr ? other->place().toWindow(rect) : rect);
+}
+
+void View::setHidden(bool isHidden) {
+    if (isHidden == m_isHidden) return;
+    setNeedsDisplay();  // while it can be seen: before hiding or after showing
+    m_isHidden = isHidden;
+    setNeedsDisplay();
+    if (isHidden && m_window != nullptr) m_window->viewIsHidden(*this);
+}
+
+bool View::isHiddenOrHasHiddenAncestor() const noexcept {
+    for (const View* view = this; view != nullptr; view = view->m_superview) {
+        if (view->m_isHidden) return true;
+    }
+    return false;
+}
+
+void View::setNeedsDisplayInRect(const Rect& rect) {
+    if (m_window == nullptr) return;
+    Rect visible = place().toWindow(rect);
+    for (const View* view = this; view != nullptr; view = view->m_superview) {
+        if (view->m_isHidden) return;
+        visible = visible.intersection(view->place().toWindow(view->bounds()));
+    }
+    if (!visible.isEmpty()) m_window->invalidate(visible);
+}
+
+bool View::needsToDrawRect(const Rect& rect) const {
+    return std::any_of(m_dirty.begin(), m_dirty.end(),
+                       [&](const Rect& dirty) { return dirty.intersects(rect); });
+}
+
+void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
+    if (m_isHidden || m_window == nullptr) return;
+    const float height = m_window->contentSize().height;
+    const Place here = place();
+    std::vector<Rect> inside;
+    Rect around;
+    for (const Rect& rect : dirty) {
+        const Rect upwards{{rect.minX(), height - rect.maxY()}, rect.size};
+        const Rect part = here.fromWindow(upwards).intersection(bounds());
+        if (part.isEmpty()) continue;
+        inside.push_back(part);
+        around = around.united(part);
+    }
+    if (inside.empty()) return;
+    const Canvas::StateScope scope(canvas);
+    canvas.enter(m_frame, isFlipped());
+    m_dirty = inside;
+    {
+        const Canvas::StateScope own(canvas);
+        drawRect(canvas, around);
+    }
+    m_dirty = {};
+    for (const auto& subview : m_subviews)
+        subview->displayRects(canvas, dirty);
+}
+
+Appearance View::effectiveAppearance() const {
+    return m_window != nullptr ? m_window->appearance() : UiPort::current().appearance();
+}
+
+void View::tellAppearanceDidChange() {
+    const WeakPointer<View> self(this);
+    appearanceDidChange();
+    for (std::size_t i = 0; self && i < m_subviews.size(); ++i)
+        m_subviews[i]->tellAppearanceDidChange();
+}
+
+Responder* View::nextResponder() const {
+    if (m_superview != nullptr) return m_superview;
+    return m_window;
+}
+
+View* View::hitTest(Point inSuperview) {
+    const bool superviewIsFlipped = m_superview != nullptr && m_superview->isFlipped();
+    if (m_isHidden || !mouseInRect(inSuperview, m_frame, superviewIsFlipped)) return nullptr;
+    const bool sameDirection = isFlipped() == superviewIsFlipped;
+    const Point point{inSuperview.x - m_frame.minX(), sameDirection
+                                                          ? inSuperview.y - m_frame.minY()
+                                                          : m_frame.maxY() - inSuperview.y};
+    for (auto view = m_subviews.rbegin(); view != m_subviews.rend(); ++view) {
+        if (View* const found = (*view)->hitTest(point)) return found;
+    }
+    return this;
+}
+
+bool View::isFirstResponder() const noexcept {
+    return m_window != nullptr && m_window->isKeyWindow() && m_window->firstResponder() == this;
+}
+
+bool View::canBecomeKeyView() const {
+    return m_window != nullptr && acceptsFirstResponder() && !isHiddenOrHasHiddenAncestor();
+}
+
+std::vector<AccessibilityElement*> View::accessibilityChildren() const {
+    std::vector<AccessibilityElement*> children;
+    for (const auto& view : m_subviews) {
+        if (!view->m_isHidden) children.push_back(view.get());
+    }
+    return children;
+}
+
+}  // namespace veltra

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+// A rectangle on screen that draws itself and takes the events inside it. Views form a tree; a view
+// owns its subviews.
+//
+//   class Lamp final : public View {
+//   public:
+//       using View::View;
+//       void drawRect(Canvas& canvas, const Rect&) override { canvas.fillRect(bounds(), m_color); }
+//   };
+//
+// Coordinates: a view's own begin at 0 in its lower left corner, or in its upper left corner when
+// it isFlipped(). Its frame is given in the coordinates of its superview, for the topmost view in
+// those of the window, which are not flipped.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/ui/appearance.h"
+#include "veltra/ui/geometry.h"
+#include "veltra/ui/responder.h"
+#include "veltra/ui/view_tool_tips.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace veltra {
+
+class Canvas;
+class Window;
+
+// What becomes of a view's frame when its superview is resized: the sum of the parts that give.
+// None of them: the lower left corner (upper left in a flipped superview) stays where it is.
+using AutoresizingMask = std::uint32_t;
+inline constexpr AutoresizingMask kViewNotSizable = 0;
+inline constexpr AutoresizingMask kViewMinXMargin = 1;
+inline constexpr AutoresizingMask kViewWidthSizable = 2;
+inline constexpr AutoresizingMask kViewMaxXMargin = 4;
+inline constexpr AutoresizingMask kViewMinYMargin = 8;
+inline constexpr AutoresizingMask kViewHeightSizable = 16;
+inline constexpr AutoresizingMask kViewMaxYMargin = 32;
+
+enum class Cursor : std::uint8_t { Arrow, PointingHand, OpenHand, ClosedHand, ResizeUpDown };
+
+class VELTRA_EXPORT View : public Responder {
+public:
+    explicit View(const Rect& frame = {});
+    ~View() override;
+
+    // The tree.
+
+    View* superview() const noexcept { return m_superview; }
+    Window* window() const noexcept { return m_window; }
+    const std::vector<std::unique_ptr<View>>& subviews() const noexcept { return m_subviews; }
+
+    // Takes ownership; the view lies above those before it. It must have no superview.
+    template <typename V>
+    V& addSubview(std::unique_ptr<V> view) {
+        V& added = *view;
+        insertSubview(std::move(view));
+        return added;
+    }
+
+    // Takes the view out of its superview, or window, and gives it to the caller. Null when it is
+    // in neither, or owned elsewhere.
+    std::unique_ptr<View> takeFromSuperview();
+
+    // The same, and destroys it as soon as no event or timer is being handled any more.
+    void removeFromSuperview();
+
+    // Called before and after the view, alone or with those above it, comes into another window, or
+    // into none (null).
+    virtual void viewWillMoveToWindow(Window* /*window*/) {}
+    virtual void viewDidMoveToWindow() {}
+
+    // Geometry.
+
+    const Rect& frame() const noexcept { return m_frame; }
+    Rect bounds() const noexcept { return {{}, m_frame.size}; }
+    // Resizes the subviews as their masks say. Override frameDidChange() to lay out by hand.
+    void setFrame(const Rect& frame);
+    void setFrameOrigin(Point origin) { setFrame({origin, m_frame.size}); }
+    void setFrameSize(Size size) { setFrame({m_frame.origin, size}); }
+
+    // Whether the y axis points down. Must answer the same for as long as the view lives.
+    virtual bool isFlipped() const { return false; }
+
+    AutoresizingMask autoresizingMask() const noexcept { return m_autoresizingMask; }
+    void setAutoresizingMask(AutoresizingMask mask) noexcept { m_autoresizingMask = mask; }
+    virtual bool autoresizesSubviews() const { return true; }
+
+    // Between this view's coordinates and those of another view of the same window; null stands for
+    // the window itself.
+    Point convertPointToView(Point point, const View* other) const;
+    Point convertPointFromView(Point point, const View* other) const;
+    Rect convertRectToView(const Rect& rect, const View* other) const;
+    Rect convertRectFromView(const Rect& rect, const View* other) const;
+
+    // Drawing.
+
+    bool isHidden() const noexcept { return m_isHidden; }
+    void setHidden(bool isHidden);
+    // Whether it, or any view around it, is hidden.
+    bool isHiddenOrHasHiddenAncestor() const noexcept;
+
+    // Asks to be drawn again at the next opportunity, as a whole or a part of it.
+    void setNeedsDisplay() { setNeedsDisplayInRect(bounds()); }
+    void setNeedsDisplayInRect(const Rect& rect);
+
+    // Draws what is inside `dirty`, a part of the bounds; drawing outside of the bounds has no
+    // effect. Subviews are drawn afterwards. Must not change the tree.
+    virtual void drawRect(Canvas& /*canvas*/, const Rect& /*dirty*/) {}
+
+    // Inside drawRect(): whether any of `rect` has to be drawn. `dirty` is the rectangle around all
+    // of that, and may hold much that need not.
+    bool needsToDrawRect(const Rect& rect) const;
+
+    // Draws the view and its subviews where they meet one of `dirty`, given in the window's
+    // coordinates with the y axis pointing down. The canvas is in the coordinates of the superview.
+    void displayRects(Canvas& canvas, std::span<const Rect> dirty);
+
+    // The window's, else the system's.
+    Appearance effectiveAppearance() const;
+    Color systemColor(SystemColor color) const {
+        return veltra::systemColor(color, effectiveAppearance());
+    }
+
+    // Called when the appearance or the scale has changed; then everything is drawn again.
+    virtual void appearanceDidChange() {}
+
+    // Events.
+
+    Responder* nextResponder() const override;
+
+    // The topmost view at a point of the superview; null when that is outside or hidden.
+    virtual View* hitTest(Point inSuperview);
+    // Whether the press that brings an inactive window to the front also counts as a press here.
+    virtual bool acceptsFirstMouse(const Event* /*event*/) const { return false; }
+    virtual bool shouldDelayWindowOrderingForEvent(const Event& /*event*/) const { return false; }
+    virtual bool mouseDownCanMoveWindow() const { return false; }
+    virtual Cursor cursorAt(Point /*point*/) const { return Cursor::Arrow; }
+
+    // Whether this view receives keys first, in a window that has the keyboard.
+    bool isFirstResponder() const noexcept;
+
+    // The key-view loop: where Tab leads. Without a next view set, in the order of the tree.
+    View* nextKeyView() const noexcept { return m_nextKeyView.get(); }
+    void setNextKeyView(View* view) noexcept { m_nextKeyView = view; }
+    virtual bool canBecomeKeyView() const;
+
+    // The tool tips that appear when the pointer rests.
+    ViewToolTips& toolTips() noexcept { return m_toolTips; }
+
+    // Accessibility. A plain view is ignored, and its subviews are the children.
+    AccessibilityElement* accessibilityParent() const override { return m_superview; }
+    std::vector<AccessibilityElement*> accessibilityChildren() const override;
+    View* accessibilityView() const override { return const_cast<View*>(this); }
+    Rect accessibilityFrame() const override { return bounds(); }
+    bool accessibilityIsFocused() const override { return isFirstResponder(); }
+
+protected:
+    // Called after the size has changed.
+    virtual void frameDidChange() {}
+
+private:
+    friend class Window;
+
+    // How its coordinates lie in the window's: the origin, and whether y is counted downwards.
+    struct Place {
+        Point origin;
+        bool isFlipped;
+
+        Point toWindow(Point point) const noexcept;
+        Point fromWindow(Point point) const noexcept;
+        Rect toWindow(const Rect& rect) const noexcept;
+        Rect fromWindow(const Rect& rect) const noexcept;
+    };
+    Place place() const;
+    Place placeIn(const Place& superview) const;
+
+    void insertSubview(std::unique_ptr<View> view);
+    void setWindow(Window* window);
+    void resizeSubviews(Size oldSize);
+    void resizeWithSuperview(Size oldSize, Size newSize);
+    void tellAppearanceDidChange();
+
+    View* m_superview = nullptr;
+    Window* m_window = nullptr;
+    std::vector<std::unique_ptr<View>> m_subviews;
+    Rect m_frame;
+    AutoresizingMask m_autoresizingMask = kViewNotSizable;
+    bool m_isHidden = false;
+    WeakPointer<View> m_nextKeyView;
+    ViewToolTips m_toolTips;
+    std::span<const Rect> m_dirty;  // during drawRect(), in this view's coordinates
+};
+
+}  // namespace veltra

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+// A window: the topmost view, the first responder, and the way in for events. It appears as a
+// window of the system, or as a part of a toolkit's widget; the views do not know which.
+//
+// Window coordinates begin at 0 in the lower left corner of its content and are not flipped. Screen
+// coordinates begin in the upper left corner of the first screen, y pointing down.
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/platform/run_loop_timer.h"
+#include "veltra/ui/appearance.h"
+#include "veltra/ui/port.h"
+#include "veltra/ui/responder.h"
+#include "veltra/ui/view.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace veltra {
+
+class VELTRA_EXPORT Window : public Responder {
+public:
+    // A window of the system, not on screen yet. `contentRect` is where its content will be.
+    explicit Window(const Rect& contentRect, const WindowStyle& style = {});
+    // A surface that somebody else provides; `port` (not owned) must live longer than the window.
+    Window(WindowPort& port, Size contentSize);
+    ~Window() override;
+
+    bool isPanel() const noexcept { return m_isPanel; }
+
+    // The topmost view, which fills the window. The one before, if any, is destroyed as soon as no
+    // event or timer is being handled any more.
+    View* contentView() const noexcept { return m_contentView.get(); }
+    void setContentView(std::unique_ptr<View> view);
+    std::unique_ptr<View> takeContentView();
+    Size contentSize() const noexcept { return m_frame.size; }
+
+    // Of the content, on screen. Sizes stay within the limits. `animate` is a wish.
+    const Rect& frame() const noexcept { return m_frame; }
+    virtual void setFrame(const Rect& frame, bool display = true, bool animate = false);
+
+    // Of the content. A maximum below the minimum counts as the minimum.
+    Size minSize() const noexcept { return m_minSize; }
+    Size maxSize() const noexcept { return m_maxSize; }
+    virtual void setMinSize(Size size);
+    virtual void setMaxSize(Size size);
+
+    const std::string& title() const noexcept { return m_title; }
+    void setTitle(const std::string& title);
+
+    bool isVisible() const noexcept { return m_isVisible; }
+    void orderFront();
+    void makeKeyAndOrderFront();
+    void orderOut();
+    void miniaturize() { m_port.miniaturize(); }
+
+    // What the close button does: asks shouldClose(), then orders out and calls didClose().
+    void close();
+    virtual bool shouldClose() { return true; }
+    // May destroy the window.
+    virtual void didClose() {}
+
+    // Whether panels and windows work while another one is modal.
+    bool worksWhenModal() const noexcept { return m_worksWhenModal; }
+    void setWorksWhenModal(bool works) noexcept { m_worksWhenModal = works; }
+
+    float scale() const { return m_port.scale(); }
+
+    // The one set here, else the system's.
+    Appearance appearance() const;
+    void setAppearance(std::optional<Appearance> appearance);
+
+    // Marks a part of the window, in its coordinates, to be drawn again.
+    void invalidate(const Rect& rect);
+    void displayIfNeeded() { m_port.displayIfNeeded(); }
+
+    // Keys.
+
+    bool isKeyWindow() const noexcept { return m_isKey; }
+    // Null: the window itself.
+    Responder* firstResponder() const noexcept { return m_firstResponder.get(); }
+    // Answers false, and changes nothing, when the present first responder does not resign, or the
+    // other does not accept or become it. A responder of another window is refused.
+    bool makeFirstResponder(Responder* responder);
+    void selectNextKeyView() { selectKeyView(true); }
+    void selectPreviousKeyView() { selectKeyView(false); }
+
+    // Events. See Application.
+
+    const Event* currentEvent() const;
+    Event nextEvent(EventMask mask, RunLoopMode mode = RunLoopMode::EventTracking);
+
+    // Dispatches one event: a press, the wheel and the pointer go to the view under it, drags and
+    // the release to the view of the press, keys to the first responder.
+    virtual void sendEvent(const Event& event);
+
+    // Tab and back-tab lead on in the key-view loop.
+    void keyDown(const Event& event) override;
+    Responder* nextResponder() const override;
+
+    // For ports.
+
+    // Draws the parts `dirty` of the surface.
+    void display(CanvasPort& canvas, std::span<const Rect> dirty);
+    // The system has moved or resized the content.
+    void frameDidChange(const Rect& onScreen);
+    void visibilityDidChange(bool isVisible);
+    void keyStateDidChange(bool isKey);
+    // The keyboard arrives by Tab: the first key view takes it, or the last.
+    void keyboardArrives(bool forward);
+    void appearanceDidChange();
+    // The pointer's button is or may be up, and no event will tell: ends what tracks it.
+    void cancelTracking();
+    // What to show at a point where the pointer rests; the rectangle is in window coordinates.
+    std::optional<ViewToolTips::Found> toolTipAt(Point inWindow) const;
+
+private:
+    friend class Application;
+    friend class View;
+
+    bool admits(const Event& event);
+    void viewLeaves(View& view);
+    void viewIsHidden(View& view);
+    void selectKeyView(bool forward);
+    View* keyViewAfter(const View* view, bool forward) const;
+    View* viewAt(Point inWindow) const;
+    void hover(const Event& event, View* view);
+    void press(const Event& event, WeakPointer<View>& pressed,
+               void (Responder::*handler)(const Event&));
+    Size limited(Size size) const noexcept;
+
+    const std::unique_ptr<WindowPort> m_ownedPort;
+    WindowPort& m_port;
+    const bool m_isPanel;
+    bool m_isVisible = false;
+    bool m_isKey = false;
+    bool m_worksWhenModal = false;
+    std::unique_ptr<View> m_contentView;
+    Rect m_frame;
+    Size m_minSize;
+    Size m_maxSize;
+    std::string m_title;
+    std::optional<Appearance> m_appearance;
+    WeakPointer<Responder> m_firstResponder;
+    WeakPointer<View> m_pressed;  // by the left button
+    WeakPointer<View> m_rightPressed;
+    WeakPointer<View> m_hovered;
+    bool m_isButtonDown = false;  // a press was sent, its release was not
+    Event m_lastPress;
+};
+
+}  // namespace veltra
