@@ -12,7 +12,7 @@
 // the first Enter says in the log.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 

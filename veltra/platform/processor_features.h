@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the processor can do, for everything that comes in a variant per processor.
+// What the processor can do, for code that has a variant for each kind of processor.
 #pragma once
 
 #include "veltra/export.h"
@@ -42,15 +42,15 @@ struct VELTRA_EXPORT ProcessorFeatures {
     bool altivec = false;
     std::optional<std::uint32_t> processorVersion;  // upper half of the version register, if known
 
-    // What the query in force answers: the installed one, else the platform's own. The platform's
-    // own asks the processor once in the life of the process.
-    // Thread: any. Realtime-safe: yes, with the platform's own and after its first call.
+    // The features that the query in force returns: the installed one, else the platform's own,
+    // which asks the processor once in the life of the process. Thread: any. Realtime-safe: yes,
+    // with the platform's own and after its first call.
     static ProcessorFeatures current() noexcept;
 
-    // Puts `query` in force; null goes back to the platform's own. Answers what was installed
-    // before, null for the platform's own. What was chosen by the earlier answers stays chosen:
+    // Puts `query` in force; null goes back to the platform's own. Returns what was installed
+    // before, null for the platform's own. What was chosen before stays chosen until
     // CDotAPI::Init and KernelFamily::useBest choose again. Kernels that the real processor
-    // cannot run crash, so features that it lacks are for tests of choices alone.
+    // cannot run crash, so claim features that it lacks only to test what is chosen.
     // Thread: any. Realtime-safe: yes.
     static Query install(Query query) noexcept;
 };
