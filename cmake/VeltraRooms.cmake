@@ -62,8 +62,9 @@ endfunction()
 
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
 # host and links only the LIBRARIES that it names. ENVIRONMENT: one variable for its runs by ctest.
+# FILTER: which of its cases ctest knows, as GoogleTest has it.
 function(veltra_test target)
-    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT;FILTER" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE
@@ -76,5 +77,9 @@ function(veltra_test target)
     if(TEST_ENVIRONMENT)
         list(APPEND properties ENVIRONMENT "${TEST_ENVIRONMENT}")
     endif()
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+    set(filter "")
+    if(TEST_FILTER)
+        set(filter TEST_FILTER "${TEST_FILTER}")
+    endif()
+    gtest_discover_tests(${target} ${filter} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
