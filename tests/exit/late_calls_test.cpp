@@ -75,7 +75,7 @@ bool isServed(Presser& presser) {
         isAsked,
         hasRaised(),
         block != nullptr,
-        Clocks::current().monotonic().error == 0,
+        !Clocks::current().monotonic().hasFailed(),
         LocalTime::current().civilTime(now).has_value(),
         Process::current().processId() == ::getpid(),
         AlertPresenter::current().present({}) == AlertAnswer::TimedOut,

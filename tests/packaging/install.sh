@@ -28,7 +28,7 @@ check_header() {
     case $1 in veltra/qt/*) qt=$qt_flags ;; esac
     include() { echo "#include \"$1\""; }
     # shellcheck disable=SC2086
-    if grep -q '^VELTRA_C_BEGIN' "$1"; then
+    if grep -q -E '^(#define )?VELTRA_C_BEGIN' "$1"; then
         include "$1" | "$cc" -std=c11 -pedantic-errors $strict -x c - &&
             include "$1" | "$cxx" -std=gnu++17 $strict -x c++ - || return 1
     else
@@ -41,7 +41,7 @@ check_header() {
 export -f check_header
 headers=$(find veltra -name '*.h')
 xargs -P "$(nproc)" -n 1 bash -c 'check_header "$0"' <<<"$headers"
-echo "$(wc -l <<<"$headers") installed headers, $(grep -l '^VELTRA_C_BEGIN' $headers | wc -l) of them for C too"
+echo "$(wc -l <<<"$headers") installed headers, $(grep -l -E '^(#define )?VELTRA_C_BEGIN' $headers | wc -l) of them for C too"
 
 cp -r "$source_dir/examples/first_program" "$source_dir/examples/first_program_c" "$work"
 cmake -S "$work/first_program" -B "$work/cpp" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
