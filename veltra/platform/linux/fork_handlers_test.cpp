@@ -37,11 +37,14 @@ TEST(ForkHandlers, ChildrenFindLocksFreeAndStateWholeAndCountTheirForks) {
     std::atomic<bool> isEnding{false};
     std::thread busy([&] {
         while (!isEnding.load(std::memory_order_relaxed)) {
-            const std::lock_guard guard(s_reset);
-            const std::lock_guard whole(s_held);
-            ++s_halves[0];
-            std::this_thread::yield();
-            ++s_halves[1];
+            {
+                const std::lock_guard guard(s_reset);
+                const std::lock_guard whole(s_held);
+                ++s_halves[0];
+                std::this_thread::yield();
+                ++s_halves[1];
+            }
+            std::this_thread::yield();  // the lock is not fair: a fork needs it free for a while
         }
     });
     const std::uint32_t generation = forkGeneration();
