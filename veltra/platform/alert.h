@@ -5,6 +5,7 @@
 #pragma once
 
 #include "veltra/base/installable.h"
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 
 #include <string_view>
@@ -29,9 +30,9 @@ struct Alert {
     std::string_view alternateButton;  // not offered when empty
     std::string_view otherButton;      // not offered when empty
 
-    // How long the question may stand. Zero, negative or not a number: nothing is shown, the answer
-    // is TimedOut. More than a day counts as a day: an alert that nobody sees must end by itself.
-    double timeoutSeconds = 0.0;
+    // How long the question may stand. Not above 0: nothing is shown, the answer is TimedOut. More
+    // than a day counts as a day: an alert that nobody sees must end by itself.
+    Nanoseconds timeout{};
 };
 
 class AlertPresenter;

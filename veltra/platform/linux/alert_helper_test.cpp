@@ -23,7 +23,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
 
-const Alert kAlert{"-h", "--message=-x\nline\xC3\xA9", "Resume", "Debugger", "-Stop", 0.3};
+const Alert kAlert{
+    "-h", "--message=-x\nline\xC3\xA9", "Resume", "Debugger", "-Stop", milliseconds(300)};
 
 class AlertHelperTest : public ::testing::Test {
 protected:
@@ -42,7 +43,7 @@ protected:
     }
 
     // A helper that answers or ends has all the time that a busy machine takes.
-    std::optional<AlertAnswer> ask(const std::string& script, double grace = 60.0) const {
+    std::optional<AlertAnswer> ask(const std::string& script, Nanoseconds grace = seconds(60.0)) const {
         return askHelper(kAlert, program("helper", script).c_str(), grace);
     }
 
@@ -64,7 +65,7 @@ TEST_F(AlertHelperTest, OnlyAProperAnswerInTimeCountsWhateverTheExitStatus) {
     for (const auto& [answer, scripts] : cases)
         for (const std::string& script : scripts)
             EXPECT_EQ(ask(script), answer) << script;
-    EXPECT_EQ(ask("exec sleep 600", 0.1), AlertAnswer::TimedOut);
+    EXPECT_EQ(ask("exec sleep 600", milliseconds(100)), AlertAnswer::TimedOut);
     EXPECT_EQ(askHelper(kAlert, (m_folder / "missing").c_str()), std::nullopt);
 }
 
@@ -96,10 +97,10 @@ TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGe
     const std::string helper = program("helper", "echo other");
     EXPECT_TRUE(testing::holdsInChild([&] {
         std::signal(SIGCHLD, SIG_IGN);
-        const auto first = askHelper(kAlert, helper.c_str(), 30.0);
+        const auto first = askHelper(kAlert, helper.c_str(), seconds(30.0));
         for (const int number : {0, 1, 2})
             ::close(number);
-        const auto second = askHelper(kAlert, helper.c_str(), 30.0);
+        const auto second = askHelper(kAlert, helper.c_str(), seconds(30.0));
         return first == AlertAnswer::Other && second == AlertAnswer::Other;
     }));
 }
@@ -134,7 +135,7 @@ std::optional<AlertAnswer> answerInWindow(const std::string& keys) {
     const std::string press = "windowfocus sleep 0.2 key " + keys + " >/dev/null 2>&1";
     std::FILE* user = ::popen(keys.empty() ? "true" : (find + press).c_str(), "w");
     Alert alert = kAlert;
-    if (!keys.empty()) alert.timeoutSeconds = 60.0;
+    if (!keys.empty()) alert.timeout = seconds(60.0);
     const auto answer = askInWindow(alert);
     ::pclose(user);
     if (serverId > 0) ::kill(serverId, SIGTERM);
