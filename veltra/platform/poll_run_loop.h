@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 // A run loop for hosts without an event loop of their own, and the one each thread has until it
 // sets another.
+//
+// A loop that a forked child inherits goes on there with descriptors of its own, and leaves those
+// of the parent alone: neither process disturbs the other's timers, whatever it runs, stops or
+// destroys. (The parent's two numbers stay open in the child until it starts another program.)
 #pragma once
 
 #include "veltra/export.h"
@@ -8,6 +12,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace veltra {
@@ -31,10 +36,13 @@ public:
     bool runOnce(double seconds);
 
     // Ends the innermost run() or runFor(), or makes the next one end at once; several calls before
-    // that count as one. Thread: any. Realtime-safe: no (a system call).
+    // that count as one. The loop's thread may destroy the loop as soon as it has met the stop,
+    // even before this call has returned: "stop, then join the thread" needs nothing in between.
+    // Who calls while another thread's stop may end the loop keeps the loop alive. Thread: any.
+    // Realtime-safe: no (a system call).
     void stop() noexcept;
 
-    // Made when first asked for; -1 when that fails.
+    // Made when first asked for; -1 when that fails. A forked child asks again and gets its own.
     int descriptor() noexcept override;
 
 protected:
@@ -44,12 +52,18 @@ private:
     enum class Round { Done, Stopped };
 
     Round round(std::uint64_t longestWait);
+    class Waker;
+
+    static std::shared_ptr<Waker> makeWaker() noexcept;
+
     bool takeStop() noexcept;
-    void wait(std::uint64_t longest) const noexcept;
+    void wait(int stopDescriptor, std::uint64_t longest) const noexcept;
+    bool ownsTimerDescriptor() const noexcept;
 
     std::atomic<bool> m_isStopAsked{false};  // any thread
-    const int m_stopDescriptor;              // any thread writes, the loop reads; -1: none
+    const std::shared_ptr<Waker> m_waker;    // also of each stop() under way; null: memory was out
     int m_timerDescriptor = -1;
+    std::uint32_t m_timerGeneration = 0;  // which process made it
 };
 
 }  // namespace veltra

@@ -11,6 +11,7 @@
 #include "veltra/export.h"
 #include "veltra/platform/run_loop_timer.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -92,14 +93,16 @@ private:
 
     static std::unique_ptr<RunLoop> makeForPlatform() noexcept;  // supplied by the port
 
-    Timers::const_iterator firstRunnable() const noexcept;
+    const std::shared_ptr<RunLoopTimer>* firstRunnable() const noexcept;
+    Timers& timersBeside(const RunLoopTimer& timer) noexcept;
     void runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t now);
     void moveTo(RunLoopTimer& timer, std::uint64_t due) noexcept;
     void remove(RunLoopTimer& timer) noexcept;
     void setMode(RunLoopMode mode) noexcept;
     void announceDeadline() noexcept;
 
-    Timers m_timers;
+    // By the set of modes that they run in, so that a mode never walks past the timers of others.
+    std::array<Timers, RunLoopModes::kSets> m_timers;
     std::uint64_t m_lastSerial = 0;
     RunLoopMode m_mode = RunLoopMode::Default;
     int m_depth = 0;

@@ -24,12 +24,16 @@ enum class RunLoopMode : std::uint8_t {
 class RunLoopModes {
 public:
     constexpr RunLoopModes(RunLoopMode mode) noexcept : m_bits(static_cast<unsigned>(mode)) {}
-    static constexpr RunLoopModes all() noexcept { return RunLoopModes(7U); }
+    static constexpr RunLoopModes all() noexcept { return RunLoopModes(kSets - 1); }
 
     constexpr bool contains(RunLoopMode mode) const noexcept {
         return (m_bits & static_cast<unsigned>(mode)) != 0;
     }
     friend constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept;
+
+    // Each set has a number of its own, from 0 up.
+    static constexpr unsigned kSets = 8;
+    constexpr unsigned number() const noexcept { return m_bits; }
 
 private:
     constexpr explicit RunLoopModes(unsigned bits) noexcept : m_bits(bits) {}
