@@ -43,6 +43,8 @@ TEST_F(AlertTest, InstalledPresenterGetsTheQuestionAndAnswersThatWereNotOfferedC
         EXPECT_EQ(seen->otherButton, each.other);
         EXPECT_EQ(seen->timeoutSeconds, 1.5);
     }
+    presentAlert({"h", "m", "", "", "", 1.5});
+    EXPECT_EQ(seen->defaultButton, "OK");
 }
 
 }  // namespace

@@ -93,6 +93,19 @@ TEST_F(AlertHelperTest, TextsArriveAsTheyAreAndNothingElseOfTheHostDoes) {
     ::close(leaky);
 }
 
+TEST_F(AlertHelperTest, ALongTextIsCutBetweenTwoCharacters) {
+    std::string notes;
+    while (notes.size() < 20'000)
+        notes += "\xE2\x99\xAA";
+    Alert alert = kAlert;
+    alert.message = notes;
+    const std::string script = "printf %s \"$3\" > " + (m_folder / "written") + "; echo default";
+    askHelper(alert, program("helper", script).c_str(), 0.1);
+    std::ifstream written(m_folder / "written");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}),
+              "--message=" + notes.substr(0, 16'383));
+}
+
 TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGetTheAnswerToo) {
     const std::string helper = program("helper", "echo other");
     EXPECT_TRUE(testing::holdsInChild([&] {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/base/immortal.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
 
@@ -18,8 +19,8 @@ public:
 }  // namespace
 
 AlertPresenter& AlertPresenter::platform() noexcept {
-    static LinuxAlertPresenter presenter;
-    return presenter;
+    static const Immortal<LinuxAlertPresenter> presenter;
+    return *presenter;
 }
 
 AlertAnswer askInTurn(const Alert& alert, std::span<const AlertWay> ways) noexcept {
