@@ -28,7 +28,7 @@ struct Alert {
     std::string_view alternateButton;  // not offered when empty
     std::string_view otherButton;      // not offered when empty
 
-    // How long the question may stand. Zero, negative or not a number: nothing is shown, the answer
+    // How long the question may stand. 0, negative or NaN: nothing is shown, the answer
     // is TimedOut. More than a day counts as a day: an alert that nobody sees must end by itself.
     double timeoutSeconds = 0.0;
 };

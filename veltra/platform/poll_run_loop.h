@@ -27,12 +27,12 @@ public:
     // Waits for timers and runs them until stop(), or until an action deletes the loop.
     void run();
 
-    // Like run(), for at most `seconds` (what is not above 0, or no number, runs what is due and
-    // ends). Answers whether it ended by stop(). Ends at once when the clock cannot be read.
+    // Like run(), for at most `seconds`; 0, a negative number or NaN runs what is due and ends.
+    // Returns whether it ended by stop(). Ends at once when the clock cannot be read.
     bool runFor(double seconds);
 
     // One round: waits for the next deadline, a stop() or a signal, but at most `seconds`, then
-    // runs what is due. Answers whether it met a stop(), and then runs nothing.
+    // runs what is due. Returns whether it met a stop(); then it runs nothing.
     bool runOnce(double seconds);
 
     // Ends the innermost run() or runFor(), or makes the next one end at once; several calls before

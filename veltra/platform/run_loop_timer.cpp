@@ -13,7 +13,7 @@ namespace {
 constexpr double kShortestSeconds = 0.0001;
 
 double correctedSeconds(double seconds) noexcept {
-    return seconds > 0.0 ? seconds : kShortestSeconds;  // false for what is no number, too
+    return seconds > 0.0 ? seconds : kShortestSeconds;  // a NaN fails the comparison too
 }
 
 std::uint64_t toNanoseconds(double seconds, std::uint64_t never) noexcept {

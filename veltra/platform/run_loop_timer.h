@@ -47,11 +47,12 @@ constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept {
 
 // What a timer is made of.
 struct TimerRequest {
-    // Not above 0, or no number: 0.1 ms. Infinite or beyond 146 years: never fires.
+    // 0, negative or NaN: 0.1 ms. Infinite or beyond 146 years: never fires.
     double seconds = 0.0;
-    Anchored* target = nullptr;  // not retained: the timer goes on in silence when it is gone
-    Action action{};             // sent with the RunLoopTimer as sender
-    void* userInfo = nullptr;    // the caller's
+    Anchored* target =
+        nullptr;               // not retained; when it is gone the timer runs on and sends nothing
+    Action action{};           // sent with the RunLoopTimer as sender
+    void* userInfo = nullptr;  // the caller's
     bool repeats = false;
     RunLoopModes modes = RunLoopMode::Default;
 };

@@ -8,8 +8,8 @@ namespace veltra {
 
 class Deadline {
 public:
-    // In `seconds` from now. Nothing (also not a number) has passed at once; more than a day counts
-    // as a day.
+    // `seconds` from now. A deadline of 0, a negative number or a NaN has passed at once; more than
+    // a day counts as a day.
     explicit Deadline(double seconds) noexcept;
 
     double secondsLeft() const noexcept;  // 0 once passed
