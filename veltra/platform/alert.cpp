@@ -9,7 +9,7 @@ namespace veltra {
 
 namespace {
 
-constexpr double kLongestTimeoutSeconds = 24.0 * 60.0 * 60.0;
+constexpr Nanoseconds kLongestTimeout = seconds(86'400.0);
 
 constinit Replaceable<AlertPresenter, &AlertPresenter::platform> replaceableAlertPresenter;
 
@@ -40,9 +40,9 @@ AlertPresenter* AlertPresenter::install(AlertPresenter* presenter) noexcept {
 }
 
 AlertAnswer presentAlert(const Alert& alert) noexcept {
-    if (!(alert.timeoutSeconds > 0.0)) return AlertAnswer::TimedOut;
+    if (alert.timeout <= Nanoseconds()) return AlertAnswer::TimedOut;
     Alert asked = alert;
-    asked.timeoutSeconds = std::min(alert.timeoutSeconds, kLongestTimeoutSeconds);
+    asked.timeout = std::min(alert.timeout, kLongestTimeout);
     if (asked.defaultButton.empty()) asked.defaultButton = "OK";
     const AlertAnswer answer = AlertPresenter::current().present(asked);
     return isOffered(answer, asked) ? answer : AlertAnswer::TimedOut;

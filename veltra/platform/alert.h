@@ -4,6 +4,7 @@
 // event loops, and with nobody there to answer it gives up rather than wait.
 #pragma once
 
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 
 #include <string_view>
@@ -28,9 +29,9 @@ struct Alert {
     std::string_view alternateButton;  // not offered when empty
     std::string_view otherButton;      // not offered when empty
 
-    // How long the question may stand. 0, negative or NaN: nothing is shown, the answer
-    // is TimedOut. More than a day counts as a day: an alert that nobody sees must end by itself.
-    double timeoutSeconds = 0.0;
+    // How long the question may stand. 0 or negative: nothing is shown, the answer is TimedOut.
+    // More than a day counts as a day: an alert that nobody sees must end by itself.
+    Nanoseconds timeout{};
 };
 
 // Who shows alerts. A host derives from it to use dialogs of its own; tests answer by program.

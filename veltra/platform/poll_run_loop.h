@@ -27,13 +27,13 @@ public:
     // Waits for timers and runs them until stop(), or until an action deletes the loop.
     void run();
 
-    // Like run(), for at most `seconds`; 0, a negative number or NaN runs what is due and ends.
-    // Returns whether it ended by stop(). Ends at once when the clock cannot be read.
-    bool runFor(double seconds);
+    // Like run(), for at most `longest`; 0 or a negative time runs what is due and ends. Returns
+    // whether it ended by stop(). Ends at once when the clock cannot be read.
+    bool runFor(Nanoseconds longest);
 
-    // One round: waits for the next deadline, a stop() or a signal, but at most `seconds`, then
+    // One round: waits for the next deadline, a stop() or a signal, but at most `longest`, then
     // runs what is due. Returns whether it met a stop(); then it runs nothing.
-    bool runOnce(double seconds);
+    bool runOnce(Nanoseconds longest);
 
     // Ends the innermost run() or runFor(), or makes the next one end at once; several calls before
     // that count as one. The loop's thread may destroy the loop as soon as it has met the stop,
@@ -46,18 +46,18 @@ public:
     int descriptor() noexcept override;
 
 protected:
-    void deadlineChanged(std::optional<std::uint64_t> deadline) noexcept override;
+    void deadlineChanged(std::optional<Moment> deadline) noexcept override;
 
 private:
     enum class Round { Done, Stopped };
 
-    Round round(std::uint64_t longestWait);
     class Waker;
 
     static std::shared_ptr<Waker> makeWaker() noexcept;
 
+    Round round(Nanoseconds longest);
     bool takeStop() noexcept;
-    void wait(int stopDescriptor, std::uint64_t longest) const noexcept;
+    void wait(int stopDescriptor, Nanoseconds longest) const noexcept;
     bool ownsTimerDescriptor() const noexcept;
 
     std::atomic<bool> m_isStopAsked{false};  // any thread

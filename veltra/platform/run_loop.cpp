@@ -46,11 +46,11 @@ RunLoop* RunLoop::setCurrent(RunLoop* loop) noexcept {
 
 std::shared_ptr<RunLoopTimer> RunLoop::schedule(const TimerRequest& request) noexcept {
     const ClockReading now = Clocks::current().monotonic();
-    if (now.error != 0) return nullptr;
+    if (now.hasFailed()) return nullptr;
     std::shared_ptr<RunLoopTimer> timer;
     try {
         timer = std::make_shared<RunLoopTimer>(RunLoopTimer::Making{}, request);
-        timer->m_due = RunLoopTimer::later(now.nanoseconds, timer->m_interval);
+        timer->m_due = now.moment() + timer->m_interval;
         timer->m_serial = ++m_lastSerial;
         timersBeside(*timer).emplace(Place(timer->m_due, timer->m_serial), timer);
     } catch (const std::bad_alloc&) {
@@ -75,11 +75,11 @@ const std::shared_ptr<RunLoopTimer>* RunLoop::firstRunnable() const noexcept {
         if (at != m_timers[modes].end() && (first == nullptr || at->first < first->first))
             first = &*at;
     }
-    const bool isDueEver = first != nullptr && first->first.first != RunLoopTimer::kNever;
+    const bool isDueEver = first != nullptr && first->first.first != Moment::never();
     return isDueEver ? &first->second : nullptr;
 }
 
-std::optional<std::uint64_t> RunLoop::nextDeadline() const noexcept {
+std::optional<Moment> RunLoop::nextDeadline() const noexcept {
     const std::shared_ptr<RunLoopTimer>* const first = firstRunnable();
     if (first == nullptr) return std::nullopt;
     return (*first)->m_due;
@@ -106,11 +106,11 @@ int RunLoop::runDue() {
     const ClockReading now = Clocks::current().monotonic();
     int count = 0;
     // Whatever fires is due after `now` from then on, so each timer comes at most once.
-    while (now.error == 0) {
+    while (!now.hasFailed()) {
         const std::shared_ptr<RunLoopTimer>* const first = firstRunnable();
-        if (first == nullptr || (*first)->m_due > now.nanoseconds) break;
+        if (first == nullptr || (*first)->m_due > now.moment()) break;
         const std::shared_ptr<RunLoopTimer> timer = *first;
-        runOne(timer, now.nanoseconds);
+        runOne(timer, now.moment());
         ++count;
         if (!self) return count;
     }
@@ -118,7 +118,7 @@ int RunLoop::runDue() {
     return count;
 }
 
-void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t now) {
+void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now) {
     if (timer->m_repeats) {
         moveTo(*timer, timer->nextTickAfter(now));
     } else {
@@ -127,12 +127,12 @@ void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t n
     timer->send();  // may delete the loop
     if (!timer->isValid()) return;
     const ClockReading after = Clocks::current().monotonic();
-    if (after.error == 0 && after.nanoseconds >= timer->m_due) {
-        moveTo(*timer, timer->nextTickAfter(after.nanoseconds));
+    if (!after.hasFailed() && after.moment() >= timer->m_due) {
+        moveTo(*timer, timer->nextTickAfter(after.moment()));
     }
 }
 
-void RunLoop::moveTo(RunLoopTimer& timer, std::uint64_t due) noexcept {
+void RunLoop::moveTo(RunLoopTimer& timer, Moment due) noexcept {
     Timers& timers = timersBeside(timer);
     auto node = timers.extract(Place(timer.m_due, timer.m_serial));
     timer.m_due = due;
@@ -152,7 +152,7 @@ void RunLoop::setMode(RunLoopMode mode) noexcept {
 }
 
 void RunLoop::announceDeadline() noexcept {
-    const std::optional<std::uint64_t> deadline = nextDeadline();
+    const std::optional<Moment> deadline = nextDeadline();
     if (m_isAnnounced && deadline == m_announcedDeadline) return;
     m_announcedDeadline = deadline;
     m_isAnnounced = true;

@@ -270,8 +270,10 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
     }
     Probe* const ticking = show();
     ticking->react = [this](const Event& /*event*/) { delete widget.data(); };
-    const auto timer = RunLoop::current()->schedule(
-        {.seconds = 0.001, .target = ticking, .action = action<&Probe::tick>(), .repeats = true});
+    const auto timer = RunLoop::current()->schedule({.interval = milliseconds(1),
+                                                     .target = ticking,
+                                                     .action = action<&Probe::tick>(),
+                                                     .repeats = true});
     EXPECT_TRUE(QTest::qWaitFor([this] { return widget.isNull(); }));
     timer->invalidate();
 
@@ -342,8 +344,10 @@ TEST_F(OnQt, TimersGoOnInMenusAndInLoopsThatATimerRuns) {
     auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
     int ticks = 0;
     probe.react = [&ticks](const Event& /*event*/) { ++ticks; };
-    const auto beat = RunLoop::current()->schedule(
-        {.seconds = 0.001, .target = &probe, .action = action<&Probe::tick>(), .repeats = true});
+    const auto beat = RunLoop::current()->schedule({.interval = milliseconds(1),
+                                                    .target = &probe,
+                                                    .action = action<&Probe::tick>(),
+                                                    .repeats = true});
     QMenu menu;
     menu.addAction("item");
     Probe opener;

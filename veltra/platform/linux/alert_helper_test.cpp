@@ -24,7 +24,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
 
-const Alert kAlert{"-h", "--message=-x\nline\xC3\xA9", "Resume", "Debugger", "-Stop", 0.3};
+const Alert kAlert{
+    "-h", "--message=-x\nline\xC3\xA9", "Resume", "Debugger", "-Stop", milliseconds(300)};
 
 class AlertHelperTest : public ::testing::Test {
 protected:
@@ -43,7 +44,7 @@ protected:
     }
 
     std::optional<AlertAnswer> ask(const std::string& script) const {
-        return askHelper(kAlert, program("helper", script).c_str(), 0.1);
+        return askHelper(kAlert, program("helper", script).c_str(), milliseconds(100));
     }
 
     testing::TemporaryFolder m_folder;
@@ -110,10 +111,10 @@ TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGe
     const std::string helper = program("helper", "echo other");
     EXPECT_TRUE(testing::holdsInChild([&] {
         std::signal(SIGCHLD, SIG_IGN);
-        const auto first = askHelper(kAlert, helper.c_str(), 0.1);
+        const auto first = askHelper(kAlert, helper.c_str(), milliseconds(100));
         for (const int number : {0, 1, 2})
             ::close(number);
-        const auto second = askHelper(kAlert, helper.c_str(), 0.1);
+        const auto second = askHelper(kAlert, helper.c_str(), milliseconds(100));
         return first == AlertAnswer::Other && second == AlertAnswer::Other;
     }));
 }
@@ -147,7 +148,7 @@ std::optional<AlertAnswer> answerInWindow(const std::string& keys) {
     const std::string press = "windowfocus sleep 0.2 key " + keys + " >/dev/null 2>&1";
     std::FILE* user = ::popen(keys.empty() ? "true" : (find + press).c_str(), "w");
     Alert alert = kAlert;
-    if (!keys.empty()) alert.timeoutSeconds = 20.0;
+    if (!keys.empty()) alert.timeout = seconds(20.0);
     const auto answer = askInWindow(alert);
     ::pclose(user);
     ::pclose(server);

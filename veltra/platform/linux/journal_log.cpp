@@ -79,8 +79,8 @@ std::size_t traditionalHeader(const LogRecord& record, char* text, std::size_t s
 
 std::optional<std::uint32_t> tenthsOfSeconds() noexcept {
     const ClockReading now = Clocks::current().monotonic();
-    if (now.error != 0) return std::nullopt;
-    return static_cast<std::uint32_t>(now.nanoseconds / 100'000'000);
+    if (now.hasFailed()) return std::nullopt;
+    return static_cast<std::uint32_t>(now.moment().sinceStart() / milliseconds(100));
 }
 
 }  // namespace

@@ -127,7 +127,7 @@ TEST_F(JournalLogTest, AFullQueueARestartedServiceAndAForkedChildUseTheSocketAsI
         Service journal(path);
         log.send(record("nobody is asked for a second"));
         EXPECT_EQ(journal.take(), "-");
-        clocks.now += 1'100'000'000;
+        clocks.now += milliseconds(1100);
         EXPECT_TRUE(testing::holdsInChild([&] { return log.send(record("child")), true; }));
         EXPECT_EQ(journal.take(), sent("child")) << "what the parent lost is the parent's to tell";
         log.send(record(message));

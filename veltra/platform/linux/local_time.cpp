@@ -41,7 +41,7 @@ std::optional<CivilTime> askSystem(std::int64_t seconds, long* secondsFromUtc = 
 
 CivilTime civilFrom(std::int64_t secondsAtUtc, std::int64_t secondsFromUtc) noexcept {
     using namespace std::chrono;
-    const seconds local{secondsAtUtc + secondsFromUtc};
+    const std::chrono::seconds local{secondsAtUtc + secondsFromUtc};
     const auto midnight = floor<days>(local);
     const year_month_day date{sys_days{midnight}};
     const auto rest = static_cast<std::int32_t>((local - midnight).count());

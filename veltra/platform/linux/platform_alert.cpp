@@ -24,11 +24,11 @@ AlertPresenter& AlertPresenter::platform() noexcept {
 }
 
 AlertAnswer askInTurn(const Alert& alert, std::span<const AlertWay> ways) noexcept {
-    const Deadline deadline(alert.timeoutSeconds);
+    const Deadline deadline(alert.timeout);
     Alert asked = alert;
     for (const AlertWay way : ways) {
-        asked.timeoutSeconds = deadline.secondsLeft();
-        if (asked.timeoutSeconds <= 0.0) break;
+        asked.timeout = deadline.timeLeft();
+        if (asked.timeout == Nanoseconds()) break;
         if (const std::optional<AlertAnswer> answer = way(asked)) return *answer;
     }
     return AlertAnswer::TimedOut;

@@ -31,19 +31,19 @@ namespace {
 
 struct Target : Anchored {
     void tick() { then(); }
-    std::shared_ptr<RunLoopTimer> start(RunLoop& loop, double seconds) {
-        return loop.schedule({seconds, this, action<&Target::tick>(), nullptr, true});
+    std::shared_ptr<RunLoopTimer> start(RunLoop& loop, double time) {
+        return loop.schedule({seconds(time), this, action<&Target::tick>(), nullptr, true});
     }
     std::function<void()> then = [] {};
 };
 
-std::uint64_t now() {
-    return Clocks::current().monotonic().nanoseconds;
+Moment now() {
+    return Clocks::current().monotonic().moment();
 }
 
-bool isReadable(int descriptor, int milliseconds = 0) {
+bool isReadable(int descriptor, int timeout = 0) {
     pollfd watched{descriptor, POLLIN, 0};
-    return ::poll(&watched, 1, milliseconds) == 1;
+    return ::poll(&watched, 1, timeout) == 1;
 }
 
 TEST(PollRunLoop, StopComesFromAnyThreadIsNotLostBetweenRunsAndSignalsShortenNone) {
@@ -52,21 +52,21 @@ TEST(PollRunLoop, StopComesFromAnyThreadIsNotLostBetweenRunsAndSignalsShortenNon
         std::thread stopper([&] { loop.stop(); });
         loop.run();
         stopper.join();
-        EXPECT_FALSE(loop.runOnce(0.0));
+        EXPECT_FALSE(loop.runOnce(Nanoseconds()));
     }
-    const std::uint64_t start = now();
-    EXPECT_FALSE(loop.runOnce(0.004));  // a stop that was taken leaves nothing to wake by
-    EXPECT_GE(now() - start, 4'000'000U);
+    const Moment start = now();
+    EXPECT_FALSE(loop.runOnce(milliseconds(4)));  // a stop that was taken leaves nothing to wake by
+    EXPECT_GE(now() - start, milliseconds(4));
 
     const auto before = std::signal(SIGALRM, [](int) {});
     const itimerval often{{0, 1000}, {0, 1000}}, never{};
     ASSERT_EQ(::setitimer(ITIMER_REAL, &often, nullptr), 0);
-    EXPECT_FALSE(loop.runFor(0.008));
-    EXPECT_GE(now() - start, 12'000'000U);
+    EXPECT_FALSE(loop.runFor(milliseconds(8)));
+    EXPECT_GE(now() - start, milliseconds(12));
     ::setitimer(ITIMER_REAL, &never, nullptr);
     std::signal(SIGALRM, before);
     loop.stop();
-    EXPECT_TRUE(loop.runFor(10.0));
+    EXPECT_TRUE(loop.runFor(Nanoseconds::longest()));
 }
 
 // The usual worker: its thread has a loop, the owner calls stop(), then join(). Here the loop ends
@@ -82,7 +82,7 @@ TEST(PollRunLoop, MayBeDestroyedWhileTheStopThatEndedItIsUnderWay) {
         {
             PollRunLoop loop;
             running = &loop;
-            while (!loop.runOnce(0.0))
+            while (!loop.runOnce(Nanoseconds()))
                 std::this_thread::yield();
         }
         file = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
@@ -111,13 +111,13 @@ TEST(PollRunLoop, AForkedChildNeitherDisarmsNorWakesItsParentAndHasALoopOfItsOwn
     EXPECT_TRUE(testing::holdsInChild([&] {
         loop.stop();
         timer->invalidate();  // as a static timer does when the child ends by exit()
-        return loop.runOnce(0.0);
+        return loop.runOnce(Nanoseconds());
     }));
     EXPECT_TRUE(isReadable(inherited, 1000)) << "the parent's alarm clock was stopped";
     timer->invalidate();
-    const std::uint64_t start = now();
-    EXPECT_FALSE(loop.runOnce(0.004));
-    EXPECT_GE(now() - start, 4'000'000U) << "the child woke the parent";
+    const Moment start = now();
+    EXPECT_FALSE(loop.runOnce(milliseconds(4)));
+    EXPECT_GE(now() - start, milliseconds(4)) << "the child woke the parent";
 
     const auto again = target.start(loop, 0.001);
     EXPECT_TRUE(testing::holdsInChild([&] {
@@ -139,7 +139,7 @@ TEST(PollRunLoop, AnActionMayDeleteTheLoopThatRunsIt) {
             std::memset(memory, 0, sizeof memory);
         };
         const auto timer = target.start(*loop, 0.0);
-        isTimed ? static_cast<void>(loop->runFor(10.0)) : loop->run();
+        isTimed ? static_cast<void>(loop->runFor(seconds(10))) : loop->run();
         EXPECT_FALSE(timer->isValid());
     }
 }
@@ -152,7 +152,7 @@ TEST(PollRunLoop, StopsAlsoWhenTheProcessIsOutOfDescriptors) {
         std::atomic<bool> hasBegun{false};
         Target target;
         target.then = [&] { hasBegun = true; };
-        const auto timer = loop.schedule({0.0, &target, action<&Target::tick>()});
+        const auto timer = loop.schedule({Nanoseconds(), &target, action<&Target::tick>()});
         std::thread stopper([&] {
             while (!hasBegun)
                 std::this_thread::yield();
