@@ -92,8 +92,6 @@ private:
     using Place = std::pair<Moment, std::uint64_t>;  // due time, serial number
     using Timers = std::map<Place, std::shared_ptr<RunLoopTimer>>;
 
-    static std::unique_ptr<RunLoop> makeForPlatform() noexcept;  // supplied by the port
-
     const std::shared_ptr<RunLoopTimer>* firstRunnable() const noexcept;
     Timers& timersBeside(const RunLoopTimer& timer) noexcept;
     void runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now);

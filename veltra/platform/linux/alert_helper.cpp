@@ -2,8 +2,8 @@
 #include "veltra/platform/linux/alert_helper.h"
 
 #include "veltra/base/whole_characters.h"
+#include "veltra/platform/alert_protocol.h"
 #include "veltra/platform/linux/alert_helper_search.h"
-#include "veltra/platform/linux/alert_protocol.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
 #include "veltra/platform/linux/descriptor.h"

@@ -2,7 +2,7 @@
 #include "veltra/platform/local_time.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/platform/port.h"
 #include "veltra/platform/process.h"
 
 #include <atomic>
@@ -112,23 +112,11 @@ private:
     mutable std::atomic<std::uint32_t> m_zone{zoneName()};
 };
 
+}  // namespace
+
 const LocalTime& platformLocalTime() noexcept {
     static const Immortal<LinuxLocalTime> localTime;
     return *localTime;
-}
-
-constinit Replaceable<const LocalTime, &platformLocalTime> replaceableLocalTime;
-
-}  // namespace
-
-LocalTime::~LocalTime() = default;
-
-const LocalTime& LocalTime::current() noexcept {
-    return replaceableLocalTime.current();
-}
-
-const LocalTime* LocalTime::install(const LocalTime* localTime) noexcept {
-    return replaceableLocalTime.install(localTime);
 }
 
 }  // namespace veltra

@@ -2,6 +2,7 @@
 #include "veltra/base/immortal.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
+#include "veltra/platform/port.h"
 
 #include <array>
 
@@ -18,7 +19,7 @@ public:
 
 }  // namespace
 
-AlertPresenter& AlertPresenter::platform() noexcept {
+AlertPresenter& platformAlertPresenter() noexcept {
     static const Immortal<LinuxAlertPresenter> presenter;
     return *presenter;
 }

@@ -2,8 +2,9 @@
 #include "veltra/platform/process.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/base/object_file.h"
 #include "veltra/platform/fork_generation.h"
+#include "veltra/platform/port.h"
 
 #include <atomic>
 #include <cerrno>
@@ -23,7 +24,7 @@ struct KnownThread {
 };
 
 // Initial-exec: reading it never allocates, also when the library was loaded late.
-[[gnu::tls_model("initial-exec")]] thread_local KnownThread knownThread;
+VELTRA_NEVER_ALLOCATED thread_local KnownThread knownThread;
 
 // The process's number, and the generation that read it: stored last and loaded first, so that a
 // number is never older than its generation.
@@ -63,23 +64,11 @@ public:
     }
 };
 
+}  // namespace
+
 const Process& platformProcess() noexcept {
     static const Immortal<LinuxProcess> process;
     return *process;
-}
-
-constinit Replaceable<const Process, &platformProcess> replaceableProcess;
-
-}  // namespace
-
-Process::~Process() = default;
-
-const Process& Process::current() noexcept {
-    return replaceableProcess.current();
-}
-
-const Process* Process::install(const Process* process) noexcept {
-    return replaceableProcess.install(process);
 }
 
 const char* environmentVariable(const char* name) noexcept {
