@@ -154,8 +154,8 @@ void PollRunLoop::wait(int stopDescriptor, Nanoseconds longest) const noexcept {
     if (deadline) longest = std::min(longest, waitUntil(*deadline));
     if (stopDescriptor < 0) longest = std::min(longest, kBlindWait);
     const timespec time = toTimespec(longest);
-    pollfd watched{stopDescriptor, POLLIN, 0};  // a negative descriptor is passed over
-    if (::ppoll(&watched, 1, &time, nullptr) <= 0) return;
+    pollfd watched{stopDescriptor, POLLIN, 0};
+    if (::ppoll(&watched, stopDescriptor < 0 ? 0 : 1, &time, nullptr) <= 0) return;
     eventfd_t count = 0;
     static_cast<void>(::eventfd_read(stopDescriptor, &count));
 }

@@ -5,6 +5,7 @@
 #include "veltra/platform/testing/child_process.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <functional>
@@ -156,6 +157,7 @@ TEST(PollRunLoop, StopsAlsoWhenTheProcessIsOutOfDescriptors) {
         std::thread stopper([&] {
             while (!hasBegun)
                 std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));  // until it waits
             loop.stop();
         });
         loop.run();
