@@ -43,8 +43,7 @@ protected:
     }
 
     // A helper that answers or ends has all the time that a busy machine takes.
-    std::optional<AlertAnswer> ask(const std::string& script,
-                                   Nanoseconds grace = seconds(60)) const {
+    std::optional<AlertAnswer> ask(const std::string& script, Nanoseconds grace = seconds(60.0)) const {
         return askHelper(kAlert, program("helper", script).c_str(), grace);
     }
 
@@ -111,10 +110,10 @@ TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGe
     const std::string helper = program("helper", "echo other");
     EXPECT_TRUE(testing::holdsInChild([&] {
         std::signal(SIGCHLD, SIG_IGN);
-        const auto first = askHelper(kAlert, helper.c_str(), seconds(30));
+        const auto first = askHelper(kAlert, helper.c_str(), seconds(30.0));
         for (const int number : {0, 1, 2})
             ::close(number);
-        const auto second = askHelper(kAlert, helper.c_str(), seconds(30));
+        const auto second = askHelper(kAlert, helper.c_str(), seconds(30.0));
         return first == AlertAnswer::Other && second == AlertAnswer::Other;
     }));
 }
@@ -149,7 +148,7 @@ std::optional<AlertAnswer> answerInWindow(const std::string& keys) {
     const std::string press = "windowfocus sleep 0.2 key " + keys + " >/dev/null 2>&1";
     std::FILE* user = ::popen(keys.empty() ? "true" : (find + press).c_str(), "w");
     Alert alert = kAlert;
-    if (!keys.empty()) alert.timeout = seconds(60);
+    if (!keys.empty()) alert.timeout = seconds(60.0);
     const auto answer = askInWindow(alert);
     ::pclose(user);
     if (serverId > 0) ::kill(serverId, SIGTERM);
