@@ -43,7 +43,8 @@ protected:
     }
 
     // A helper that answers or ends has all the time that a busy machine takes.
-    std::optional<AlertAnswer> ask(const std::string& script, Nanoseconds grace = seconds(60.0)) const {
+    std::optional<AlertAnswer> ask(const std::string& script,
+                                   Nanoseconds grace = seconds(60.0)) const {
         return askHelper(kAlert, program("helper", script).c_str(), grace);
     }
 
