@@ -44,7 +44,7 @@ bool takeNumber(std::string_view& text, Number& number) noexcept {
 
 }  // namespace
 
-// What of a line, and of the notes before it, is still to be written.
+// The part of a line, and of the notes before it, that is not yet written.
 class UnwrittenLine {
 public:
     using Notes = std::array<std::string_view, 3>;
