@@ -45,7 +45,7 @@ private:
     bool wasHeld(int signal) const noexcept { return ::sigismember(&m_before, signal) == 1; }
 
     sigset_t m_before;
-    sigset_t m_waiting;  // only told where a signal was held before
+    sigset_t m_waiting;  // set only if SIGPIPE or SIGXFSZ was held before
 };
 
 }  // namespace veltra
