@@ -87,15 +87,25 @@ ProcessorFeatures query() noexcept {
 
 #endif
 
-// Relaxed throughout: a query is code, and publishes no data that came before it.
+// Relaxed: a query is code, and publishes no data that came before it.
 constinit std::atomic<ProcessorFeatures::Query> installedQuery{nullptr};
+
+// Asked when the library is loaded. A constructor of another library that runs even earlier asks
+// for itself.
+constinit ProcessorFeatures known{};
+constinit std::atomic<bool> isKnown{false};
+
+[[gnu::constructor(101)]] void askAtLoad() noexcept {
+    known = query();
+    isKnown.store(true, std::memory_order_release);  // with current()
+}
 
 }  // namespace
 
 ProcessorFeatures ProcessorFeatures::current() noexcept {
-    static const ProcessorFeatures platform = query();
     const Query installed = installedQuery.load(std::memory_order_relaxed);
-    return installed != nullptr ? installed() : platform;
+    if (installed != nullptr) return installed();
+    return isKnown.load(std::memory_order_acquire) ? known : query();  // with askAtLoad()
 }
 
 ProcessorFeatures::Query ProcessorFeatures::install(Query query) noexcept {

@@ -38,6 +38,54 @@ std::uint32_t fractionOfFloat(std::uint32_t bits) noexcept {
     return (bits & kSignBit) != 0 ? 0U - magnitude : magnitude;
 }
 
+constexpr int kDroppedBits = 52 - kMantissaBits;  // of a double's mantissa, by a float's
+constexpr std::uint64_t kBiasDifference = 1023 - kExponentBias;
+
+constexpr std::uint64_t doubleExponent(std::uint64_t biased) noexcept {
+    return biased << 52;
+}
+
+// The float next to a double, ties to even, and the double of a float. On the bits, too.
+std::uint32_t narrowed(std::uint64_t bits) noexcept {
+    constexpr std::uint32_t kInfinity = 0x7F80'0000U;
+    constexpr std::uint32_t kQuietNaN = 0x7FC0'0000U;
+
+    const std::uint32_t sign = static_cast<std::uint32_t>(bits >> 32) & kSignBit;
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{kSignBit} << 32);
+    const auto high = static_cast<std::uint32_t>(magnitude >> kDroppedBits);
+    if (magnitude > doubleExponent(0x7FF)) return sign | kQuietNaN | (high & ~kInfinity);
+    if (magnitude >= doubleExponent(kBiasDifference + 0xFF)) return sign | kInfinity;
+
+    std::uint64_t mantissa = magnitude - doubleExponent(kBiasDifference);
+    std::uint64_t dropped = kDroppedBits;
+    if (magnitude < doubleExponent(kBiasDifference + 1)) {  // a denormal float, or 0
+        dropped += kBiasDifference + 1 - (magnitude >> 52);
+        if (dropped > 53) return sign;
+        mantissa = (magnitude & (doubleExponent(1) - 1)) | doubleExponent(1);
+    }
+    const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
+    return sign |
+           static_cast<std::uint32_t>((mantissa + half - 1 + (mantissa >> dropped & 1U)) >> dropped);
+}
+
+std::uint64_t widened(std::uint32_t bits) noexcept {
+    constexpr std::uint64_t kQuiet = std::uint64_t{1} << 51;
+    constexpr int kDenormalExponent = 1023 - 149 - 1;  // of the lowest bit, which then counts twice
+
+    const std::uint64_t sign = std::uint64_t{bits & kSignBit} << 32;
+    const std::uint64_t magnitude = bits & ~kSignBit;
+    const std::uint64_t wide = magnitude << kDroppedBits;
+    if (magnitude >> kMantissaBits == 0xFF) {
+        const bool isNaN = magnitude << kDroppedBits != doubleExponent(0xFF);
+        return sign | doubleExponent(0x7FF) | wide | (isNaN ? kQuiet : 0);
+    }
+    if (magnitude >> kMantissaBits != 0) return sign | (wide + doubleExponent(kBiasDifference));
+    if (magnitude == 0) return sign;
+    const int top = 63 - std::countl_zero(magnitude);
+    return sign | (doubleExponent(static_cast<std::uint64_t>(kDenormalExponent + top)) +
+                   (magnitude << (52 - top)));
+}
+
 // A sample format: its size, what its bytes say as the bits of a float, and whether there is a
 // two-channel form to floats (kSplits) and from floats (kInterleaves). Integers pass through a word
 // that holds the sample in its top bits.
@@ -50,7 +98,7 @@ struct SampleTraits {
 };
 
 template <class Word, ByteOrder order>
-struct IntegerSample : SampleTraits<sizeof(Word), false, sizeof(Word) < 4, true> {
+struct WordSample : SampleTraits<sizeof(Word), false, sizeof(Word) < 4, true> {
     static constexpr int kShift = 32 - 8 * static_cast<int>(sizeof(Word));
     // Little-endian bytes are unsigned.
     static constexpr std::uint32_t kOffset =
@@ -102,11 +150,11 @@ struct Float32Sample : SampleTraits<sizeof(float), true, true, true> {
 
 struct Float64Sample : SampleTraits<sizeof(double), false, false, false> {
     static std::uint32_t decode(const unsigned char* bytes) noexcept {
-        return std::bit_cast<std::uint32_t>(static_cast<float>(load<double>(bytes)));
+        return narrowed(load<std::uint64_t>(bytes));
     }
 
     static void encode(unsigned char* bytes, std::uint32_t bits) noexcept {
-        store(bytes, static_cast<double>(std::bit_cast<float>(bits)));
+        store(bytes, widened(bits));
     }
 };
 
@@ -258,9 +306,9 @@ template <class Sample>
 constexpr SampleConverters kOf{toFloat<Sample>, fromFloat<Sample>};
 
 template <class Word>
-constexpr SampleConverters kBig = kOf<IntegerSample<Word, ByteOrder::Big>>;
+constexpr SampleConverters kBig = kOf<WordSample<Word, ByteOrder::Big>>;
 template <class Word>
-constexpr SampleConverters kLittle = kOf<IntegerSample<Word, ByteOrder::Little>>;
+constexpr SampleConverters kLittle = kOf<WordSample<Word, ByteOrder::Little>>;
 
 }  // namespace
 

@@ -41,7 +41,7 @@ namespace veltra::kernels {
 using detail::ByteOrder;
 
 template <std::size_t size, ByteOrder order>
-struct IntegerSample {
+struct IntegerLayout {
     static constexpr std::size_t kSize = size;
     static constexpr ByteOrder kOrder = order;
     static constexpr bool kIsFloat = false;
@@ -63,7 +63,7 @@ struct IntegerSample {
 };
 
 // Words of the host that are moved, never changed.
-struct FloatSample {
+struct FloatLayout {
     static constexpr std::size_t kSize = 4;
     static constexpr ByteOrder kOrder = detail::kHostOrder;
     static constexpr bool kIsFloat = true;
@@ -304,11 +304,11 @@ template <class Vector>
 constexpr SampleKernels makeSampleKernels() {
     constexpr ByteOrder kBig = ByteOrder::Big;
     constexpr ByteOrder kLittle = ByteOrder::Little;
-    return {{{kOf<Vector, IntegerSample<1, kBig>>, kOf<Vector, IntegerSample<1, kLittle>>},
-             {kOf<Vector, IntegerSample<2, kBig>>, kOf<Vector, IntegerSample<2, kLittle>>},
-             {kOf<Vector, IntegerSample<3, kBig>>, kOf<Vector, IntegerSample<3, kLittle>>},
-             {kOf<Vector, IntegerSample<4, kBig>>, kOf<Vector, IntegerSample<4, kLittle>>}},
-            kOf<Vector, FloatSample>};
+    return {{{kOf<Vector, IntegerLayout<1, kBig>>, kOf<Vector, IntegerLayout<1, kLittle>>},
+             {kOf<Vector, IntegerLayout<2, kBig>>, kOf<Vector, IntegerLayout<2, kLittle>>},
+             {kOf<Vector, IntegerLayout<3, kBig>>, kOf<Vector, IntegerLayout<3, kLittle>>},
+             {kOf<Vector, IntegerLayout<4, kBig>>, kOf<Vector, IntegerLayout<4, kLittle>>}},
+            kOf<Vector, FloatLayout>};
 }
 
 }  // namespace veltra::kernels

@@ -71,7 +71,7 @@ inline std::string brokenLaw(std::string_view text) {
     std::vector<std::size_t> sizes{1, text.size() / 2, ascii, ascii + 1};
     for (std::size_t size = text.size() + 8; size-- > 0 && size + 9 > text.size();)
         sizes.push_back(size);
-    KernelFamily& family = detail::utf8KernelChoice;
+    KernelFamily& family = detail::utf8Kernels;
     for (std::size_t i = 0; i < family.variantCount(); ++i) {
         const std::string name = family.variantName(i);
         if (!family.runs(i)) continue;
