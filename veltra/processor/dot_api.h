@@ -21,7 +21,8 @@ namespace veltra {
 // Every query first detects the processor (Init) when that has not been done.
 //
 // Thread: any for the queries. Of SetDebugMode, Init, SetSelection and Override, one at a time, and
-// a query beside them may see the one half done. Realtime-safe: yes, after Init.
+// a query beside them may see the one half done. Realtime-safe: yes, if ProcessorFeatures::current
+// is.
 class CDotAPI {
 public:
     enum EID : std::int32_t {

@@ -129,8 +129,8 @@ unsigned char* swapLength(unsigned char* record) noexcept {
     return end;
 }
 
-// Most values are touched only after the limit allows it. Lengths are not, nor is the first value of
-// the codes for several.
+// Most values are touched only after the limit allows it. Lengths are not, nor is the first value
+// of the codes for several.
 unsigned char* swapField(unsigned char* record, std::uint8_t fieldCode) noexcept {
     const Field field = fieldOf(fieldCode);
     if (field.kind == Kind::Length) return swapLength(record);

@@ -10,8 +10,8 @@
 //     VLKernelFamilyUse("crc32", NULL);      // the best one again
 //
 // Texts that are returned are constants.
-// Thread: any for every function; see VLDotAPIInit. Realtime-safe: yes, the functions of VLDotAPI
-// after VLDotAPIInit.
+// Thread: any. Of VLDotAPISetDebugMode, VLDotAPIInit, VLDotAPISetSelection and VLDotAPIOverride,
+// one at a time. Realtime-safe: yes.
 #pragma once
 
 #include "veltra/export.h"
@@ -52,8 +52,7 @@ enum VLDotAPIVariant {
     kVLDotAPIDebug = 6
 };
 
-// Each calls the member of CDotAPI of that name, whose description holds. Of VLDotAPISetDebugMode,
-// VLDotAPIInit, VLDotAPISetSelection and VLDotAPIOverride, one at a time.
+// Each calls the member of CDotAPI of that name; dot_api.h describes them.
 VELTRA_EXPORT void VLDotAPISetDebugMode(bool debug) VELTRA_NOEXCEPT;
 VELTRA_EXPORT void VLDotAPIInit(void) VELTRA_NOEXCEPT;
 VELTRA_EXPORT int32_t VLDotAPIProcessorID(void) VELTRA_NOEXCEPT;  // the variant of the processor

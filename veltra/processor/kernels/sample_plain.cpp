@@ -49,11 +49,12 @@ constexpr std::uint64_t doubleExponent(std::uint64_t biased) noexcept {
 std::uint32_t narrowed(std::uint64_t bits) noexcept {
     constexpr std::uint32_t kInfinity = 0x7F80'0000U;
     constexpr std::uint32_t kQuietNaN = 0x7FC0'0000U;
+    constexpr std::uint32_t kMantissa = 0x007F'FFFFU;
 
     const std::uint32_t sign = static_cast<std::uint32_t>(bits >> 32) & kSignBit;
     const std::uint64_t magnitude = bits & ~(std::uint64_t{kSignBit} << 32);
-    const auto high = static_cast<std::uint32_t>(magnitude >> kDroppedBits);
-    if (magnitude > doubleExponent(0x7FF)) return sign | kQuietNaN | (high & ~kInfinity);
+    if (magnitude > doubleExponent(0x7FF))
+        return sign | kQuietNaN | (static_cast<std::uint32_t>(bits >> kDroppedBits) & kMantissa);
     if (magnitude >= doubleExponent(kBiasDifference + 0xFF)) return sign | kInfinity;
 
     std::uint64_t mantissa = magnitude - doubleExponent(kBiasDifference);
@@ -64,8 +65,8 @@ std::uint32_t narrowed(std::uint64_t bits) noexcept {
         mantissa = (magnitude & (doubleExponent(1) - 1)) | doubleExponent(1);
     }
     const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
-    return sign |
-           static_cast<std::uint32_t>((mantissa + half - 1 + (mantissa >> dropped & 1U)) >> dropped);
+    return sign | static_cast<std::uint32_t>((mantissa + half - 1 + (mantissa >> dropped & 1U)) >>
+                                             dropped);
 }
 
 std::uint64_t widened(std::uint32_t bits) noexcept {
@@ -76,7 +77,7 @@ std::uint64_t widened(std::uint32_t bits) noexcept {
     const std::uint64_t magnitude = bits & ~kSignBit;
     const std::uint64_t wide = magnitude << kDroppedBits;
     if (magnitude >> kMantissaBits == 0xFF) {
-        const bool isNaN = magnitude << kDroppedBits != doubleExponent(0xFF);
+        const bool isNaN = wide != doubleExponent(0xFF);
         return sign | doubleExponent(0x7FF) | wide | (isNaN ? kQuiet : 0);
     }
     if (magnitude >> kMantissaBits != 0) return sign | (wide + doubleExponent(kBiasDifference));

@@ -51,7 +51,6 @@ private:
 
 }  // namespace
 
-const Utf8Kernels kUtf8Avx2{asciiLength<Avx2Block>, asciiLengthWithin<Avx2Block>,
-                            check<Avx2Block>};
+const Utf8Kernels kUtf8Avx2{asciiLength<Avx2Block>, asciiLengthWithin<Avx2Block>, check<Avx2Block>};
 
 }  // namespace veltra::kernels

@@ -45,7 +45,7 @@ private:
 
 }  // namespace
 
-const Utf8Kernels kUtf8Avx512{asciiLength<Avx512Block>,
-                              asciiLengthWithin<Avx512Block>, check<Avx512Block>};
+const Utf8Kernels kUtf8Avx512{asciiLength<Avx512Block>, asciiLengthWithin<Avx512Block>,
+                              check<Avx512Block>};
 
 }  // namespace veltra::kernels

@@ -26,12 +26,14 @@ static constexpr std::size_t kGroup = 4 * kBlock;
 template <class Block>
 concept Utf8Block = requires(const Block& block, const char* aligned) {
     Block(aligned);
-    { block.stops() } noexcept -> std::same_as<std::uint64_t>;     // NUL or not ASCII
-    { block.nuls() } noexcept -> std::same_as<std::uint64_t>;      // NUL
-    { block.nonAscii() } noexcept -> std::same_as<std::uint64_t>;  // at or above 0x80
+    // NUL or not ASCII; NUL; at or above 0x80.
+    { block.stops() } -> std::same_as<std::uint64_t>;
+    { block.nuls() } -> std::same_as<std::uint64_t>;
+    { block.nonAscii() } -> std::same_as<std::uint64_t>;
     // At or above a byte from 0xC0 on; the bits of ASCII bytes do not count.
-    { block.template atLeast<0xC0>() } noexcept -> std::same_as<std::uint64_t>;
-    { Block::anyStops4(aligned) } noexcept -> std::same_as<bool>;  // stops in four blocks
+    { block.template atLeast<0xC0>() } -> std::same_as<std::uint64_t>;
+    // Whether any of four blocks from there has stops.
+    { Block::anyStops4(aligned) } -> std::same_as<bool>;
 };
 
 static inline std::size_t offsetIn(std::size_t size, const char* text) noexcept {
