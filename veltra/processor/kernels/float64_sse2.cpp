@@ -9,9 +9,13 @@ namespace veltra::kernels {
 namespace {
 
 constexpr std::size_t kLanes = 4;
+constexpr std::size_t kBlock = 2 * kLanes;
 
-__m128d loadDoubles(const unsigned char* from) noexcept {
-    return _mm_loadu_pd(reinterpret_cast<const double*>(from));
+void narrowLanes(unsigned char* to, const unsigned char* from) noexcept {
+    const auto* doubles = reinterpret_cast<const double*>(from);
+    const __m128 low = _mm_cvtpd_ps(_mm_loadu_pd(doubles));
+    const __m128 high = _mm_cvtpd_ps(_mm_loadu_pd(doubles + 2));
+    _mm_storeu_ps(reinterpret_cast<float*>(to), _mm_movelh_ps(low, high));
 }
 
 void narrow(float* destination, const void* source, std::size_t count,
@@ -20,12 +24,9 @@ void narrow(float* destination, const void* source, std::size_t count,
     const DefaultArithmetic arithmetic;
     auto* to = reinterpret_cast<unsigned char*>(destination);
     const auto* from = static_cast<const unsigned char*>(source);
-    for (; count >= kLanes; count -= kLanes) {
-        const __m128 low = _mm_cvtpd_ps(loadDoubles(from));
-        const __m128 high = _mm_cvtpd_ps(loadDoubles(from + 16));
-        _mm_storeu_ps(reinterpret_cast<float*>(to), _mm_movelh_ps(low, high));
-        to += 16;
-        from += 32;
+    for (; count >= kBlock; count -= kBlock, to += 4 * kBlock, from += 8 * kBlock) {
+        narrowLanes(to, from);
+        narrowLanes(to + 4 * kLanes, from + 8 * kLanes);
     }
     for (; count > 0; --count) {
         const __m128i one = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));

@@ -12,21 +12,27 @@ namespace {
 template <unsigned set, unsigned cleared>
 class Arithmetic {
 public:
-    Arithmetic() noexcept {
-        __asm__ volatile("stmxcsr %0" : "=m"(m_before));
+    Arithmetic() noexcept : m_before(current()) {
         if (const unsigned wanted = (m_before | set) & ~cleared; wanted != m_before) load(wanted);
     }
-    ~Arithmetic() { load(m_before); }
+    ~Arithmetic() {
+        load(m_before);
+    }
     Arithmetic(const Arithmetic&) = delete;
     Arithmetic& operator=(const Arithmetic&) = delete;
 
 private:
-    // Arithmetic on what is read from memory stays on its side of this.
+    // Arithmetic on what is read from and written to memory stays on its side of these.
+    static unsigned current() noexcept {
+        unsigned control = 0;
+        __asm__ volatile("stmxcsr %0" : "=m"(control) : : "memory");
+        return control;
+    }
     static void load(const unsigned& control) noexcept {
         __asm__ volatile("ldmxcsr %0" : : "m"(control) : "memory");
     }
 
-    unsigned m_before = 0;
+    const unsigned m_before;
 };
 
 constexpr unsigned kDenormalsAreZero = 0x0040;

@@ -45,46 +45,58 @@ constexpr std::uint64_t doubleExponent(std::uint64_t biased) noexcept {
     return biased << 52;
 }
 
+// To nearest, ties to even.
+constexpr std::uint64_t rounded(std::uint64_t mantissa, std::uint64_t dropped) noexcept {
+    const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
+    return (mantissa + half - 1 + (mantissa >> dropped & 1U)) >> dropped;
+}
+
 // The float next to a double, ties to even, and the double of a float. On the bits, too.
-std::uint32_t narrowed(std::uint64_t bits) noexcept {
+// What is infinite, not a number, denormal or 0 goes another way than ordinary values.
+[[gnu::noinline]] std::uint32_t narrowedRare(std::uint32_t sign, std::uint64_t magnitude) noexcept {
     constexpr std::uint32_t kInfinity = 0x7F80'0000U;
     constexpr std::uint32_t kQuietNaN = 0x7FC0'0000U;
     constexpr std::uint32_t kMantissa = 0x007F'FFFFU;
 
-    const std::uint32_t sign = static_cast<std::uint32_t>(bits >> 32) & kSignBit;
-    const std::uint64_t magnitude = bits & ~(std::uint64_t{kSignBit} << 32);
     if (magnitude > doubleExponent(0x7FF))
-        return sign | kQuietNaN | (static_cast<std::uint32_t>(bits >> kDroppedBits) & kMantissa);
-    if (magnitude >= doubleExponent(kBiasDifference + 0xFF)) return sign | kInfinity;
-
-    std::uint64_t mantissa = magnitude - doubleExponent(kBiasDifference);
-    std::uint64_t dropped = kDroppedBits;
-    if (magnitude < doubleExponent(kBiasDifference + 1)) {  // a denormal float, or 0
-        dropped += kBiasDifference + 1 - (magnitude >> 52);
-        if (dropped > 53) return sign;
-        mantissa = (magnitude & (doubleExponent(1) - 1)) | doubleExponent(1);
-    }
-    const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
-    return sign | static_cast<std::uint32_t>((mantissa + half - 1 + (mantissa >> dropped & 1U)) >>
-                                             dropped);
+        return sign | kQuietNaN |
+               (static_cast<std::uint32_t>(magnitude >> kDroppedBits) & kMantissa);
+    if (magnitude >= doubleExponent(kBiasDifference + 1)) return sign | kInfinity;
+    const std::uint64_t dropped = kDroppedBits + kBiasDifference + 1 - (magnitude >> 52);
+    if (dropped > 53) return sign;
+    const std::uint64_t mantissa = (magnitude & (doubleExponent(1) - 1)) | doubleExponent(1);
+    return sign | static_cast<std::uint32_t>(rounded(mantissa, dropped));
 }
 
-std::uint64_t widened(std::uint32_t bits) noexcept {
+std::uint32_t narrowed(std::uint64_t bits) noexcept {
+    const std::uint32_t sign = static_cast<std::uint32_t>(bits >> 32) & kSignBit;
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{kSignBit} << 32);
+    if (magnitude - doubleExponent(kBiasDifference + 1) >= doubleExponent(0xFE))
+        return narrowedRare(sign, magnitude);
+    const std::uint64_t mantissa = magnitude - doubleExponent(kBiasDifference);
+    return sign | static_cast<std::uint32_t>(rounded(mantissa, kDroppedBits));
+}
+
+[[gnu::noinline]] std::uint64_t widenedRare(std::uint64_t sign, std::uint64_t magnitude) noexcept {
     constexpr std::uint64_t kQuiet = std::uint64_t{1} << 51;
     constexpr int kDenormalExponent = 1023 - 149 - 1;  // of the lowest bit, which then counts twice
 
-    const std::uint64_t sign = std::uint64_t{bits & kSignBit} << 32;
-    const std::uint64_t magnitude = bits & ~kSignBit;
-    const std::uint64_t wide = magnitude << kDroppedBits;
-    if (magnitude >> kMantissaBits == 0xFF) {
-        const bool isNaN = wide != doubleExponent(0xFF);
-        return sign | doubleExponent(0x7FF) | wide | (isNaN ? kQuiet : 0);
-    }
-    if (magnitude >> kMantissaBits != 0) return sign | (wide + doubleExponent(kBiasDifference));
     if (magnitude == 0) return sign;
+    if (magnitude >> kMantissaBits != 0) {
+        const std::uint64_t wide = magnitude << kDroppedBits;
+        return sign | doubleExponent(0x7FF) | wide | (wide != doubleExponent(0xFF) ? kQuiet : 0);
+    }
     const int top = 63 - std::countl_zero(magnitude);
     return sign | (doubleExponent(static_cast<std::uint64_t>(kDenormalExponent + top)) +
                    (magnitude << (52 - top)));
+}
+
+std::uint64_t widened(std::uint32_t bits) noexcept {
+    constexpr std::uint32_t kLeast = 1U << kMantissaBits;  // that is not denormal
+    const std::uint64_t sign = std::uint64_t{bits & kSignBit} << 32;
+    const std::uint32_t magnitude = bits & ~kSignBit;
+    if (magnitude - kLeast >= 0xFE * kLeast) return widenedRare(sign, magnitude);
+    return sign | ((std::uint64_t{magnitude} << kDroppedBits) + doubleExponent(kBiasDifference));
 }
 
 // A sample format: its size, what its bytes say as the bits of a float, and whether there is a
