@@ -15,9 +15,7 @@ public:
     Arithmetic() noexcept : m_before(current()) {
         if (const unsigned wanted = (m_before | set) & ~cleared; wanted != m_before) load(wanted);
     }
-    ~Arithmetic() {
-        load(m_before);
-    }
+    ~Arithmetic() { load(m_before); }
     Arithmetic(const Arithmetic&) = delete;
     Arithmetic& operator=(const Arithmetic&) = delete;
 
@@ -35,10 +33,12 @@ private:
     const unsigned m_before;
 };
 
-constexpr unsigned kDenormalsAreZero = 0x0040;
-constexpr unsigned kNoTraps = 0x1F80;
-constexpr unsigned kRoundingMode = 0x6000;
-constexpr unsigned kFlushToZero = 0x8000;
+enum Control : unsigned {
+    kDenormalsAreZero = 0x0040,
+    kNoTraps = 0x1F80,
+    kRoundingMode = 0x6000,
+    kFlushToZero = 0x8000
+};
 
 // Denormals count as 0 and nothing traps. Without it a multiplication of denormals, what a
 // reverberation fades to, takes a hundred times as long.

@@ -79,16 +79,15 @@ std::uint32_t narrowed(std::uint64_t bits) noexcept {
 
 [[gnu::noinline]] std::uint64_t widenedRare(std::uint64_t sign, std::uint64_t magnitude) noexcept {
     constexpr std::uint64_t kQuiet = std::uint64_t{1} << 51;
-    constexpr int kDenormalExponent = 1023 - 149 - 1;  // of the lowest bit, which then counts twice
+    constexpr std::uint64_t kDenormal = 1023 - 149 - 1;  // of the lowest bit, which counts twice
 
     if (magnitude == 0) return sign;
     if (magnitude >> kMantissaBits != 0) {
         const std::uint64_t wide = magnitude << kDroppedBits;
         return sign | doubleExponent(0x7FF) | wide | (wide != doubleExponent(0xFF) ? kQuiet : 0);
     }
-    const int top = 63 - std::countl_zero(magnitude);
-    return sign | (doubleExponent(static_cast<std::uint64_t>(kDenormalExponent + top)) +
-                   (magnitude << (52 - top)));
+    const auto top = 63U - static_cast<unsigned>(std::countl_zero(magnitude));
+    return sign | (doubleExponent(kDenormal + top) + (magnitude << (52 - top)));
 }
 
 std::uint64_t widened(std::uint32_t bits) noexcept {
