@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "veltra/platform/processor_features.h"
-
-#include <atomic>
+#include "veltra/platform/port.h"
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <cpuid.h>
@@ -87,29 +85,10 @@ ProcessorFeatures query() noexcept {
 
 #endif
 
-// Relaxed: a query is code, and publishes no data that came before it.
-constinit std::atomic<ProcessorFeatures::Query> installedQuery{nullptr};
-
-// Asked when the library is loaded. A constructor of another library that runs even earlier asks
-// for itself.
-constinit ProcessorFeatures known{};
-constinit std::atomic<bool> isKnown{false};
-
-[[gnu::constructor(101)]] void askAtLoad() noexcept {
-    known = query();
-    isKnown.store(true, std::memory_order_release);  // with current()
-}
-
 }  // namespace
 
-ProcessorFeatures ProcessorFeatures::current() noexcept {
-    const Query installed = installedQuery.load(std::memory_order_relaxed);
-    if (installed != nullptr) return installed();
-    return isKnown.load(std::memory_order_acquire) ? known : query();  // with askAtLoad()
-}
-
-ProcessorFeatures::Query ProcessorFeatures::install(Query query) noexcept {
-    return installedQuery.exchange(query, std::memory_order_relaxed);
+ProcessorFeatures platformProcessorFeatures() noexcept {
+    return query();
 }
 
 }  // namespace veltra
