@@ -84,6 +84,12 @@ constexpr std::size_t sizeOf(Field field) noexcept {
     return std::size_t{field.size} * field.values;
 }
 
+// How many of `count` fields fit in `room` bytes. Most often all do, which saves a division.
+std::uint32_t fitting(Field field, std::uint32_t count, std::size_t room) noexcept {
+    const std::uint64_t whole = std::uint64_t{sizeOf(field)} * count;
+    return whole <= room ? count : static_cast<std::uint32_t>(room / sizeOf(field));
+}
+
 // The length that a field of code 21 holds after it was reversed; its block's, when above 2.
 int lengthAt(const unsigned char* field) noexcept {
     return static_cast<std::int16_t>(detail::load<std::uint16_t, ByteOrder::Big>(field));
@@ -177,20 +183,23 @@ void swapFields(unsigned char* record, std::uint8_t fieldCode, std::uint32_t cou
     const std::uintptr_t start = addressOf(record);
     const std::uintptr_t limit = currentLimit();
     const std::size_t room = start <= limit ? limit - start : 0;
-    const auto within =
-        static_cast<std::uint32_t>(std::min<std::size_t>(count, room / sizeOf(field)));
-    const bool isLimited = field.kind != Kind::Length && field.values == 1;
+    const std::uint32_t within = fitting(field, count, room);
+    const std::size_t run = within * sizeOf(field);
     std::uint32_t done = 0;
-    if (reverseRun(record, within * sizeOf(field), field.kind)) {
-        record += within * sizeOf(field);
+    if (reverseRun(record, run, field.kind)) {
+        if (within == count) return;
+        record += run;
         done = within;
     }
+    const bool isLimited = field.kind != Kind::Length && field.values == 1;
     for (const std::uint32_t end = isLimited ? within : count; done < end; ++done) {
         record = swapField(record, fieldCode);
     }
 }
 
 constexpr std::uint8_t kEndOfTable = 0;
+constexpr std::uint8_t kRepeat = 1;
+constexpr std::uint8_t kRepeatLong = 2;
 
 // A code of a table, how often it applies, and how many bytes of the table say so.
 struct Entry {
@@ -200,14 +209,13 @@ struct Entry {
 };
 
 std::size_t entryLength(std::uint8_t first) noexcept {
-    return first == 1 ? 3 : first == 2 ? 4 : 1;
+    return first > kRepeatLong ? 1 : first + std::size_t{2};
 }
 
 Entry entryAt(const std::uint8_t* table) noexcept {
-    const std::size_t length = entryLength(*table);
-    if (length == 1) return {*table, 1, length};
-    if (length == 3) return {table[1], table[2], length};
-    return {table[1], detail::load<std::uint16_t, ByteOrder::Big>(table + 2), length};
+    if (*table > kRepeatLong) return {*table, 1, 1};
+    if (*table == kRepeat) return {table[1], table[2], 3};
+    return {table[1], detail::load<std::uint16_t, ByteOrder::Big>(table + 2), 4};
 }
 
 void swapTable(unsigned char* record, const std::uint8_t* table, std::uintptr_t limit) noexcept {
@@ -215,13 +223,13 @@ void swapTable(unsigned char* record, const std::uint8_t* table, std::uintptr_t 
     const std::uintptr_t savedLimit = currentLimit();
     setLimit(limit);
     while (*table != kEndOfTable) {
-        const Entry entry = entryAt(table);
-        if (entry.count == 1) {
-            record = swapField(record, entry.code);
-        } else {
-            swapFields(record, entry.code, entry.count);
-            record += sizeOf(fieldOf(entry.code)) * entry.count;
+        if (*table > kRepeatLong) {
+            record = swapField(record, *table++);
+            continue;
         }
+        const Entry entry = entryAt(table);
+        swapFields(record, entry.code, entry.count);
+        record += sizeOf(fieldOf(entry.code)) * entry.count;
         table += entry.length;
     }
     setLimit(savedLimit);
@@ -240,8 +248,8 @@ public:
     bool apply(const Entry& entry) noexcept {
         const Field field = fieldOf(entry.code);
         const std::size_t room = m_taken <= m_limit ? m_limit - m_taken : 0;
-        const std::size_t within = std::min<std::size_t>(entry.count, room / sizeOf(field));
-        std::size_t done = 0;
+        const std::uint32_t within = fitting(field, entry.count, room);
+        std::uint32_t done = 0;
         if (reverseRun(m_record + m_taken, within * sizeOf(field), field.kind)) {
             m_taken += within * sizeOf(field);
             done = within;
