@@ -9,15 +9,26 @@ namespace veltra {
 
 namespace {
 
-// Relaxed throughout: a query is code, and publishes no data that came before it.
+// Relaxed: a query is code, and publishes no data that came before it.
 constinit std::atomic<ProcessorFeatures::Query> s_installedQuery{nullptr};
+
+// Asked when the library is loaded. A constructor of another library that runs even earlier asks
+// for itself.
+constinit ProcessorFeatures s_platform{};
+constinit std::atomic<bool> s_isKnown{false};
+
+[[gnu::constructor(101)]] void askAtLoad() noexcept {
+    s_platform = platformProcessorFeatures();
+    s_isKnown.store(true, std::memory_order_release);  // with current()
+}
 
 }  // namespace
 
 ProcessorFeatures ProcessorFeatures::current() noexcept {
-    static const ProcessorFeatures platform = platformProcessorFeatures();
     const Query installed = s_installedQuery.load(std::memory_order_relaxed);
-    return installed != nullptr ? installed() : platform;
+    if (installed != nullptr) return installed();
+    const bool isKnown = s_isKnown.load(std::memory_order_acquire);  // with askAtLoad()
+    return isKnown ? s_platform : platformProcessorFeatures();
 }
 
 ProcessorFeatures::Query ProcessorFeatures::install(Query query) noexcept {
