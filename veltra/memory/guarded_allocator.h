@@ -41,6 +41,11 @@ VELTRA_EXPORT void Mem_TermModule(void) VELTRA_NOEXCEPT;
 // Thread: main, before others allocate. Realtime-safe: yes.
 VELTRA_EXPORT void Mem_SetException(int action, MemExceptionHandler handler) VELTRA_NOEXCEPT;
 
+// How many blocks were handed out and not given back; approximate while several threads allocate,
+// below 0 when more came back than were handed out. To find leaks: the same before and after.
+// Thread: any. Realtime-safe: yes.
+VELTRA_EXPORT int32_t Mem_outstandingBlocks(void) VELTRA_NOEXCEPT;
+
 // A block of `size` bytes, or null as the policy says. Null for size 0, without asking the heap.
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT void* Mem_malloc(uint32_t size) VELTRA_NOEXCEPT;

@@ -14,6 +14,9 @@
 namespace veltra {
 namespace {
 
+using detail::LeakRecord;
+using detail::LeakTail;
+
 // A heap that counts what is out, and refuses one request when it is told to.
 std::atomic<long> live{0};
 std::atomic<long> untilRefusal{0};

@@ -18,6 +18,8 @@ namespace veltra {
 namespace {
 
 using ::testing::ElementsAre;
+using detail::ReserveMode;
+using detail::reserveMode;
 using testing::kMiB;
 using testing::LimitedHeap;
 

@@ -80,10 +80,11 @@ public:
     // Thread: any. Realtime-safe: no.
     static unsigned coverage() noexcept;
 
-    // The file that the process's malloc comes from, for a message to people; "?" when nobody
-    // knows. Lives as long as that file is loaded.
+    // The files that the process's malloc and operator new come from, for a message to people; "?"
+    // when nobody knows. A name lives as long as its file is loaded.
     // Thread: any. Realtime-safe: no.
     static const char* mallocOrigin() noexcept;
+    static const char* operatorNewOrigin() noexcept;
 
     // The process's own zone.
     // Thread: any. Realtime-safe: yes.

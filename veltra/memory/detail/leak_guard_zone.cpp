@@ -28,7 +28,7 @@
 #include <new>
 #include <utility>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -311,4 +311,4 @@ void freeLeakRecord(LeakRecord* record) noexcept {
     dispose(record);
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail
