@@ -3,8 +3,10 @@
 
 #include "veltra/memory/testing/limited_heap.h"
 
+#include <atomic>
 #include <csignal>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/time.h>
@@ -60,6 +62,24 @@ TEST(GuardedAllocator, DoesWhatTheHandlerSaysUntilItSaysOtherwise) {
     EXPECT_NE(block, nullptr);
     EXPECT_EQ(Mem_outstandingBlocks(), before);
     Mem_free(block);
+    LimitedHeap::reset();
+}
+
+TEST(GuardedAllocator, NeverCallsAHandlerThatIsNotThereYet) {
+    Mem_SetException(kMemExceptionNull, nullptr);
+    LimitedHeap::reset();
+    LimitedHeap::available = 0;
+    std::atomic<bool> isOver{false};
+    std::thread failing([&] {
+        while (!isOver)
+            EXPECT_EQ(Mem_malloc(testing::kMiB), nullptr);
+    });
+    for (int round = 0; round < 200'000; ++round) {
+        Mem_SetException(kMemExceptionCall, [] { return int{kMemExceptionNull}; });
+        Mem_SetException(kMemExceptionNull, nullptr);
+    }
+    isOver = true;
+    failing.join();
     LimitedHeap::reset();
 }
 

@@ -68,15 +68,22 @@ unsigned probe() noexcept {
     return found;
 }
 
-// The first object behind `program` in the linker's order that defines `name`.
+// Whether `map` itself defines `name`, and not only something that it needs.
+bool defines(const link_map* map, const char* name) noexcept {
+    void* const handle = ::dlopen(map->l_name, RTLD_NOLOAD | RTLD_LAZY);
+    if (handle == nullptr) return false;
+    Dl_info info{};
+    void* home = nullptr;
+    const void* found = ::dlsym(handle, name);
+    const bool isKnown =
+        found != nullptr && ::dladdr1(found, &info, &home, RTLD_DL_LINKMAP) != 0;
+    ::dlclose(handle);
+    return isKnown && home == map;
+}
+
 const char* definedBehind(const link_map* program, const char* name) noexcept {
-    for (link_map* map = program->l_next; map != nullptr; map = map->l_next) {
-        Dl_info info{};
-        void* home = nullptr;
-        const void* found = ::dlsym(map, name);
-        if (found != nullptr && ::dladdr1(found, &info, &home, RTLD_DL_LINKMAP) != 0 && home == map)
-            return info.dli_fname;
-    }
+    for (const link_map* map = program->l_next; map != nullptr; map = map->l_next)
+        if (defines(map, name)) return map->l_name;
     return "?";
 }
 
