@@ -71,14 +71,14 @@ TEST(GuardedAllocator, NeverCallsAHandlerThatIsNotThereYet) {
     LimitedHeap::available = 0;
     std::atomic<bool> isOver{false};
     std::thread failing([&] {
-        while (!isOver)
+        for (int round = 0; round < 2'000'000; ++round)
             EXPECT_EQ(Mem_malloc(testing::kMiB), nullptr);
+        isOver = true;
     });
-    for (int round = 0; round < 200'000; ++round) {
+    while (!isOver) {
         Mem_SetException(kMemExceptionCall, [] { return int{kMemExceptionNull}; });
         Mem_SetException(kMemExceptionNull, nullptr);
     }
-    isOver = true;
     failing.join();
     LimitedHeap::reset();
 }
