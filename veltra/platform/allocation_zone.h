@@ -3,16 +3,17 @@
 // back memory. A service that wants to see allocations puts a wrapper into an entry, keeps what it
 // found there, and calls that in turn; to leave, it puts back what it found.
 //
-// The shared library stands between the process and its allocator: malloc and its relatives are
-// exported from it and jump through the table of process(). That works in every thread, in
-// libraries loaded later and in forked children, as long as the executable itself links the
-// library; coverage() tells whether it does. Other builds have the table alone, and only who calls
-// its entries is seen.
+// The shared library stands between the process and its allocator: it exports malloc and its
+// relatives, which jump through the table of process(). That works in every thread, in libraries
+// loaded later and in forked children, as long as the executable itself links the library;
+// coverage() tells whether it does. In other builds there is only the table, and only callers of its
+// entries are seen. Nothing fails because of that: what is not seen goes to the allocator that the
+// process has anyway.
 //
 // Every entry is one atomic word. Entries are read with acquire order and changed with release
 // order, so that what a wrapper kept is seen by every thread that reaches the wrapper. The
-// allocator below never changes: a block may be given back through any state of the table, as long
-// as every wrapper answers the blocks of the entry that it wraps.
+// allocator below never changes: a block may be freed through any state of the table, as long as
+// every wrapper returns blocks of the entry that it wraps.
 #pragma once
 
 #include "veltra/export.h"
@@ -95,7 +96,7 @@ public:
     static AllocationZone& current() noexcept;
 
     // Puts `zone` in force (not owned; must stay alive until replaced); null goes back to
-    // process(). Answers what was installed before, null for process().
+    // process(). Returns what was installed before, null for process().
     // Thread: any, while no service has wrapped the zone. Realtime-safe: yes.
     static AllocationZone* install(AllocationZone* zone) noexcept;
 };
