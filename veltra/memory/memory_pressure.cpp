@@ -11,12 +11,11 @@ namespace veltra {
 
 namespace {
 
-constexpr std::uint64_t kSecond = 1'000'000'000;
-constexpr std::uint64_t kPeriod = kSecond / 4;
-constexpr std::uint64_t kTellAgainAfter = kSecond;
+constexpr Nanoseconds kPeriod = milliseconds(250);
+constexpr Nanoseconds kTellAgainAfter = milliseconds(1000);
 
-std::uint64_t now() noexcept {
-    return Clocks::current().monotonic().nanoseconds;
+Moment now() noexcept {
+    return Clocks::current().monotonic().moment();
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 //     readable, and has the low-memory center's observers drop what they can.
 #pragma once
 
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 #include "veltra/platform/memory_system.h"
 
@@ -70,7 +71,7 @@ private:
     const MemoryFactsReader m_reader;
     MemorySystem::Events m_events;
     int m_told = kNone;           // the highest level that was told since there was room
-    std::uint64_t m_toldAt = 0;  // nanoseconds of the monotonic clock
+    Moment m_toldAt;
 };
 
 // Leaves the process as much address space as there is memory for it, by the machine and by its

@@ -76,9 +76,9 @@ TEST_F(MemoryPressureTest, TellsALevelThatStaysOnceASecondAndOneThatComesBackAtO
     available(60);
     EXPECT_EQ(relieved(pressure, 0), "0");
     EXPECT_EQ(relieved(pressure, 0), "");
-    clocks.now += 999'999'999;
+    clocks.now += Nanoseconds(999'999'999);
     EXPECT_EQ(relieved(pressure, 0), "");
-    clocks.now += 1;
+    clocks.now += Nanoseconds(1);
     EXPECT_EQ(relieved(pressure, 0), "0");
     available(10);
     EXPECT_EQ(relieved(pressure, 2), "12");

@@ -6,6 +6,8 @@
 // run out. What it would have refused is read here instead.
 #pragma once
 
+#include "veltra/base/installable.h"
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 
 #include <algorithm>
@@ -17,9 +19,12 @@
 
 namespace veltra {
 
+class MemorySystem;
+extern template class VELTRA_EXPORT Installable<MemorySystem>;
+
 // Where the facts come from: files of the system's, the limit of the process's address space, and
-// events. A test puts texts of its own in their place.
-class VELTRA_EXPORT MemorySystem {
+// events. A test puts texts of its own in their place; install one while nobody reads facts.
+class VELTRA_EXPORT MemorySystem : public Installable<MemorySystem> {
 public:
     static constexpr std::uint64_t kNoLimit = UINT64_MAX;
 
@@ -36,9 +41,6 @@ public:
         int trigger = -1;
     };
 
-    MemorySystem() = default;
-    MemorySystem(const MemorySystem&) = delete;
-    MemorySystem& operator=(const MemorySystem&) = delete;
     virtual ~MemorySystem();
 
     // Puts what the file `path` holds from byte `offset` on into `text`. Answers how many bytes
@@ -52,21 +54,12 @@ public:
     virtual Limits addressSpaceLimits() const noexcept = 0;
     virtual bool setAddressSpaceLimit(std::uint64_t bytes) noexcept = 0;
 
-    // Has an event every `nanoseconds`, and when the file `pressurePath`, if the system supports
+    // Has an event every `period`, which is above 0, and when the file `pressurePath`, if the system supports
     // that, tells that programs wait for memory.
     // Thread: any. Realtime-safe: no.
-    virtual Events openEvents(const char* pressurePath, std::uint64_t nanoseconds) noexcept = 0;
+    virtual Events openEvents(const char* pressurePath, Nanoseconds period) noexcept = 0;
     virtual void takeEvents(const Events& events) noexcept = 0;
     virtual void closeEvents(const Events& events) noexcept = 0;
-
-    // The one in force: the installed one, else the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static MemorySystem& current() noexcept;
-
-    // Puts `system` in force (not owned; must stay alive until replaced); null goes back to the
-    // platform's own. Returns what was installed before, null for the platform's own.
-    // Thread: any, while nobody reads facts. Realtime-safe: yes.
-    static MemorySystem* install(MemorySystem* system) noexcept;
 };
 
 // Sizes in bytes; empty where the system does not say.

@@ -150,14 +150,14 @@ TEST(MemoryFacts, AreToBeHadOfThisMachine) {
     EXPECT_GT(*facts.addressSpaceUsed, 1000 * kKiB);
 
     MemorySystem& system = MemorySystem::current();
-    const MemorySystem::Events events = system.openEvents(reader.pressurePath(), 1'000'000);
+    const MemorySystem::Events events = system.openEvents(reader.pressurePath(), milliseconds(1));
     pollfd all{events.all, POLLIN, 0};
     for (int round = 0; round < 2; ++round) {
         ASSERT_EQ(::poll(&all, 1, 10'000), 1);
         system.takeEvents(events);
     }
     system.closeEvents(events);
-    EXPECT_EQ(system.openEvents("/no such file", 1'000'000).trigger, -1);
+    EXPECT_EQ(system.openEvents("/no such file", milliseconds(1)).trigger, -1);
 }
 
 }  // namespace

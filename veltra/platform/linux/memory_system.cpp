@@ -2,8 +2,8 @@
 #include "veltra/platform/memory_system.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
 #include "veltra/platform/linux/descriptor.h"
+#include "veltra/platform/port.h"
 
 #include <cerrno>
 #include <string_view>
@@ -18,7 +18,7 @@ namespace veltra {
 
 namespace {
 
-constexpr std::uint64_t kSecond = 1'000'000'000;
+constexpr Nanoseconds kSecond = milliseconds(1000);
 
 // Tells when threads have waited for a twentieth of two seconds. Windows of two seconds are the
 // only ones that the kernel gives to everybody.
@@ -67,12 +67,12 @@ public:
         return ::setrlimit(RLIMIT_AS, &limit) == 0;
     }
 
-    Events openEvents(const char* pressurePath, std::uint64_t nanoseconds) noexcept override {
+    Events openEvents(const char* pressurePath, Nanoseconds period) noexcept override {
         Descriptor all(::epoll_create1(EPOLL_CLOEXEC));
         Descriptor timer(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
-        const timespec period{static_cast<time_t>(nanoseconds / kSecond),
-                              static_cast<long>(nanoseconds % kSecond)};
-        const itimerspec times{period, period};
+        const timespec time{static_cast<time_t>(period / kSecond),
+                            static_cast<long>((period % kSecond).count())};
+        const itimerspec times{time, time};
         if (!all.isOpen() || !timer.isOpen() ||
             ::timerfd_settime(timer.number(), 0, &times, nullptr) != 0 ||
             !watch(all.number(), timer.number(), EPOLLIN))
@@ -100,23 +100,11 @@ public:
     }
 };
 
+}  // namespace
+
 MemorySystem& platformMemorySystem() noexcept {
     static const Immortal<LinuxMemorySystem> system;
     return *system;
-}
-
-constinit Replaceable<MemorySystem, &platformMemorySystem> replaceableSystem;
-
-}  // namespace
-
-MemorySystem::~MemorySystem() = default;
-
-MemorySystem& MemorySystem::current() noexcept {
-    return replaceableSystem.current();
-}
-
-MemorySystem* MemorySystem::install(MemorySystem* system) noexcept {
-    return replaceableSystem.install(system);
 }
 
 }  // namespace veltra

@@ -30,7 +30,7 @@ public:
         limits.current = bytes;
         return true;
     }
-    Events openEvents(const char* path, std::uint64_t) noexcept override {
+    Events openEvents(const char* path, Nanoseconds) noexcept override {
         watched = path;
         return {7, 8, 9};
     }
