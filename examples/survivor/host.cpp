@@ -72,7 +72,8 @@ constinit Host* Host::s_host = nullptr;
 Host::Host(const Options& options)
     : m_options(options),
       m_pressure(marksFor(options.roomMebibytes * kMebibyte)),
-      m_document(options.document), m_cache(options.files.size()) {
+      m_document(options.document),
+      m_cache(options.files.size()) {
     m_recordings.reserve(options.files.size());
     setDefaults();
     returnFreedBlocks();

@@ -218,7 +218,10 @@ Answer leakGuard() {
     static std::string_view text;
     text = {};
     const long bytes = QKLeakGuardVisitLeaks(
-        [](void*, const QKLeak* leak) { text = {leak->text, 12}; }, nullptr);
+        [](void*, const QKLeak* leak) {
+            text = {leak->text, 12};
+        },
+        nullptr);
     const bool isRight = leaked != nullptr && bytes == 100 && !text.empty();
     std::free(leaked);
     return oneOf(isRight, isRight || bytes == 0);
@@ -231,8 +234,8 @@ Answer memoryPressure() {
     const bool isOpen = pressure.descriptor() >= 0;
     const MemorySystem::Limits before = MemorySystem::current().addressSpaceLimits();
     const std::uint64_t room = limitAddressSpaceToMemory(MemorySystem::kNoLimit);
-    return oneOf(isOpen && level >= MemoryPressure::kNone && level <= 2 && pressure.facts().room() &&
-                     room == 0 &&
+    return oneOf(isOpen && level >= MemoryPressure::kNone && level <= 2 &&
+                     pressure.facts().room() && room == 0 &&
                      MemorySystem::current().addressSpaceLimits().current == before.current,
                  false);
 }

@@ -2,8 +2,9 @@
 // A thin layer over the heap for hosts: one policy for the whole process says what an allocation
 // does when the heap refuses.
 //
-// Policy and count of blocks are plain words that no lock guards: set the policy at the start, before
-// other threads allocate. The blocks are the heap's own. Sizes are 32 bits wide on every host.
+// Policy and count of blocks are plain words that no lock guards: set the policy at the start,
+// before other threads allocate. The blocks are the heap's own. Sizes are 32 bits wide on every
+// host.
 #pragma once
 
 #include "veltra/export.h"
@@ -55,14 +56,14 @@ VELTRA_EXPORT void* Mem_malloc(uint32_t size) VELTRA_NOEXCEPT;
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT void* Mem_calloc(uint32_t count, uint32_t size) VELTRA_NOEXCEPT;
 
-// Changes the size of `block` and returns where it is then. Null when memory is out; then `block` is
-// as it was. A null `block` is allocated; size 0 frees it and returns null.
-// Thread: any. Realtime-safe: no.
+// Changes the size of `block` and returns where it is then. Null when memory is out; then `block`
+// is as it was. A null `block` is allocated; size 0 frees it and returns null. Thread: any.
+// Realtime-safe: no.
 VELTRA_EXPORT void* Mem_realloc(void* block, uint32_t size) VELTRA_NOEXCEPT;
 
-// Returns a copy of the NUL-terminated `text`, which the caller frees with Mem_free(). Null for null,
-// for a text of 4,294,967,295 bytes and more, and when the policy says so.
-// Thread: any. Realtime-safe: no.
+// Returns a copy of the NUL-terminated `text`, which the caller frees with Mem_free(). Null for
+// null, for a text of 4,294,967,295 bytes and more, and when the policy says so. Thread: any.
+// Realtime-safe: no.
 VELTRA_EXPORT char* Mem_strdup(const char* text) VELTRA_NOEXCEPT;
 
 // Frees a block of one of the functions above. Does nothing for null.

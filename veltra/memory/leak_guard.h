@@ -33,8 +33,8 @@
 // recorded. A block that is reallocated outside every scope is recorded no more.
 //
 // The mark by which a block is known to be recorded lies in its last bytes. Code that fills a block
-// up to what malloc_usable_size() says writes over it, and the block is reported as a leak though it
-// was freed.
+// up to what malloc_usable_size() says writes over it, and the block is reported as a leak though
+// it was freed.
 #pragma once
 
 #include "veltra/base/string_object.h"

@@ -281,8 +281,12 @@ TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
 TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
     guarded([](auto& preferences) {
         preferences.stored = preferences.stored.settingValueAtPath(
-            {"LeakGuard", "song"},
-            PropertyValue::Dictionary{{"on", 2}, {"off", 0}, {"text", "1"}, {"bad", "x"}, {"blanks", " \t+7x"}, {"less", "-2"}});
+            {"LeakGuard", "song"}, PropertyValue::Dictionary{{"on", 2},
+                                                             {"off", 0},
+                                                             {"text", "1"},
+                                                             {"bad", "x"},
+                                                             {"blanks", " \t+7x"},
+                                                             {"less", "-2"}});
         const auto isGuarded = [](const char* group, const char* key) {
             const VLString* const groupText = VLStringCreateWithCString(group);
             const VLString* const keyText = VLStringCreateWithCString(key);
@@ -298,8 +302,8 @@ TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
         constexpr struct {
             const char *group, *key;
             bool expected;
-        } kCases[] = {{"song", "on", true},   {"song", "off", false},  {"song", "?", false},
-                      {"song", "bad", false}, {"?", "on", false},      {"song", nullptr, false},
+        } kCases[] = {{"song", "on", true},   {"song", "off", false},   {"song", "?", false},
+                      {"song", "bad", false}, {"?", "on", false},       {"song", nullptr, false},
                       {nullptr, "on", false}, {nullptr, nullptr, true}, {"song", "blanks", true},
                       {"song", "less", true}};
         for (const auto& one : kCases)
@@ -309,9 +313,10 @@ TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
         EXPECT_TRUE(isGuarded("song", "text"));
         EXPECT_EQ(preferences.synchronised, 1);
         const PropertyValue song = preferences.stored.valueAtPath({"LeakGuard", "song"});
-        EXPECT_EQ(song, PropertyValue(PropertyValue::Dictionary{
-                            {"on", 2}, {"off", 0}, {"text", 1}, {"bad", 0},
-                            {"blanks", 7}, {"less", -2}}));
+        EXPECT_EQ(
+            song,
+            PropertyValue(PropertyValue::Dictionary{
+                {"on", 2}, {"off", 0}, {"text", 1}, {"bad", 0}, {"blanks", 7}, {"less", -2}}));
 
         const VLString* const group = VLStringCreateWithCString("song");
         const VLString* const on = VLStringCreateWithCString("on");

@@ -28,11 +28,11 @@ public:
         std::va_list arguments;
         va_start(arguments, format);
         // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start() is just above
-        const int length = std::vsnprintf(m_text.data() + m_size, m_text.size() - m_size, format,
-                                          arguments);
+        const int length =
+            std::vsnprintf(m_text.data() + m_size, m_text.size() - m_size, format, arguments);
         va_end(arguments);
-        if (length > 0) m_size = std::min(m_size + static_cast<std::size_t>(length),
-                                          m_text.size() - 1);
+        if (length > 0)
+            m_size = std::min(m_size + static_cast<std::size_t>(length), m_text.size() - 1);
     }
 
     const char* get() const noexcept { return m_text.data(); }
@@ -119,8 +119,7 @@ long QKLeakGuardPrintLeaks() noexcept {
         [](void* context, const QKLeak* leak) {
             auto& state = *static_cast<Printed*>(context);
             state.blocks += leak->blocks;
-            if (state.limit == 0 || state.leaks < state.limit)
-                std::printf("leak: %s", leak->text);
+            if (state.limit == 0 || state.leaks < state.limit) std::printf("leak: %s", leak->text);
             ++state.leaks;
         },
         &printed);

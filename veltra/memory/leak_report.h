@@ -35,11 +35,11 @@ typedef struct QKLeak {
 // What it allocates is not recorded. It must not throw.
 typedef void (*QKLeakVisitor)(void* context, const QKLeak* leak);
 
-// Forgets all blocks on record as QKResetLeakGuardHistory() does, and calls `visitor` (null: nobody)
-// for each leak. Returns how many bytes all leaks are together: 0 when nothing leaks, and -1 when
-// the guard sees nothing, because it is off or because the allocations of the process do not pass
-// through its zone. So a test that expects 0 cannot pass in vain.
-// Thread: any but audio. Realtime-safe: no.
+// Forgets all blocks on record as QKResetLeakGuardHistory() does, and calls `visitor` (null:
+// nobody) for each leak. Returns how many bytes all leaks are together: 0 when nothing leaks, and
+// -1 when the guard sees nothing, because it is off or because the allocations of the process do
+// not pass through its zone. So a test that expects 0 cannot pass in vain. Thread: any but audio.
+// Realtime-safe: no.
 VELTRA_EXPORT long QKLeakGuardVisitLeaks(QKLeakVisitor visitor, void* context) VELTRA_NOEXCEPT;
 
 // The same, with the texts written to standard output, as many as the preference

@@ -8,14 +8,14 @@
 // The reserve is for code that cannot ask anybody: it is given up only when CheckPoint() is called
 // by an observer, or by whoever hears of the notification, during a critical operation. Everywhere
 // else CheckPoint() asks the observers, returns 1 whatever came of it, and keeps the reserve. So
-// save what must not be lost in the observer of the last level; when the operation ends, the reserve
-// is taken again.
+// save what must not be lost in the observer of the last level; when the operation ends, the
+// reserve is taken again.
 //
 // The center works only where the preferences set "LowMemoryReserve" (bytes, not 0).
-// "MinAvailMemoryThreshold" (bytes, 104,857,600 when it is not set) is the least that any check asks
-// for. Both count modulo 2^32; the log tells when that changes them. Until it is initialised every
-// operation but CheckMemory() costs a few instructions and reports success, except that observers
-// are turned away.
+// "MinAvailMemoryThreshold" (bytes, 104,857,600 when it is not set) is the least that any check
+// asks for. Both count modulo 2^32; the log tells when that changes them. Until it is initialised
+// every operation but CheckMemory() costs a few instructions and reports success, except that
+// observers are turned away.
 //
 // On a machine that promises more memory than it has no check ever fails: see memory_pressure.h.
 #pragma once
@@ -46,9 +46,9 @@ public:
 
     LowMemoryNotificationCenter() = delete;
 
-    // Reads the preferences and takes the reserve. Returns 1, also when it was initialised before; 0
-    // when the preferences do not want it or there is no memory for the reserve.
-    // Thread: main. Realtime-safe: no.
+    // Reads the preferences and takes the reserve. Returns 1, also when it was initialised before;
+    // 0 when the preferences do not want it or there is no memory for the reserve. Thread: main.
+    // Realtime-safe: no.
     static int InitializeLMNotificationCenter() noexcept;
 
     // Frees the reserve. Observers stay, for the next time.
@@ -58,9 +58,8 @@ public:
     // Thread: any. Realtime-safe: yes.
     static int IsLMNotificationCenterInitialized() noexcept;
 
-    // Returns 1 when a block of `size` bytes can be allocated at this moment, else 0; initialised or
-    // not.
-    // Thread: any. Realtime-safe: no.
+    // Returns 1 when a block of `size` bytes can be allocated at this moment, else 0; initialised
+    // or not. Thread: any. Realtime-safe: no.
     static int CheckMemory(unsigned long size) noexcept;
 
     // Until the matching Leave, a CheckPoint() inside an observer may give up the reserve. Returns
@@ -76,21 +75,21 @@ public:
     // Goes through the levels `first` to `last`: posts the notification, then calls the observers
     // in the order of their registration.
     //
-    // Without `notifyAll` it stops as soon as `size` bytes (or the threshold, if that is more) can be
-    // allocated after an observer was called. It returns 1, deliberately also when they never could:
-    // 0 means only that this thread holds the center's lock already. With `notifyAll` everybody is
-    // called, nothing is tried, and the function returns 0.
-    // Thread: any. Realtime-safe: no.
+    // Without `notifyAll` it stops as soon as `size` bytes (or the threshold, if that is more) can
+    // be allocated after an observer was called. It returns 1, deliberately also when they never
+    // could: 0 means only that this thread holds the center's lock already. With `notifyAll`
+    // everybody is called, nothing is tried, and the function returns 0. Thread: any.
+    // Realtime-safe: no.
     static int PostLMNotification(int first, int last, unsigned long size, bool notifyAll) noexcept;
 
-    // To be called before allocating `size` bytes. Returns 1 when they (or the threshold, if that is
-    // more) can be allocated, or when everybody was asked to make room. Returns 0 only inside an
+    // To be called before allocating `size` bytes. Returns 1 when they (or the threshold, if that
+    // is more) can be allocated, or when everybody was asked to make room. Returns 0 only inside an
     // observer, when the bytes could not be found there, not even by giving up the reserve.
     // Thread: any. Realtime-safe: no.
     static int CheckPoint(unsigned long size) noexcept;
 
-    // Returns 1 when added; 0 when this pair is registered already, when `callback` is null, when the
-    // center is not initialised, when it is called inside an observer, or when memory is out.
+    // Returns 1 when added; 0 when this pair is registered already, when `callback` is null, when
+    // the center is not initialised, when it is called inside an observer, or when memory is out.
     // `context` is not owned.
     // Thread: any. Realtime-safe: no.
     static int AddLMObserver(Observer callback, void* context) noexcept;

@@ -38,8 +38,8 @@ MemoryFacts MemoryPressure::facts() const noexcept {
 
 std::uint64_t MemoryPressure::mark(const MemoryFacts& facts, std::size_t level) const noexcept {
     const auto& marks = m_marks.room;
-    const bool isDefault = std::all_of(marks.begin(), marks.end(),
-                                       [](std::uint64_t room) { return room == 0; });
+    const bool isDefault =
+        std::all_of(marks.begin(), marks.end(), [](std::uint64_t room) { return room == 0; });
     return isDefault ? facts.capacity().value_or(0) >> (3 + level) : marks[level];
 }
 
@@ -73,7 +73,8 @@ int MemoryPressure::relieve() noexcept {
     MemoryFacts latest = facts();
     int level = levelOf(latest);
     m_told = std::min(m_told, level);
-    const bool isToldAgain = level != kNone && level == m_told && now() - m_toldAt >= kTellAgainAfter;
+    const bool isToldAgain =
+        level != kNone && level == m_told && now() - m_toldAt >= kTellAgainAfter;
     for (int next = isToldAgain ? level : m_told + 1; next <= level; ++next) {
         tell(next, latest);
         latest = facts();

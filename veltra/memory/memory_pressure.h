@@ -70,7 +70,7 @@ private:
     const MemoryPressureMarks m_marks;
     const MemoryFactsReader m_reader;
     MemorySystem::Events m_events;
-    int m_told = kNone;           // the highest level that was told since there was room
+    int m_told = kNone;  // the highest level that was told since there was room
     Moment m_toldAt;
 };
 

@@ -17,8 +17,8 @@ using Center = LowMemoryNotificationCenter;
 class MemoryPressureTest : public ::testing::Test {
 protected:
     MemoryPressureTest() {
-        preferences.stored = PropertyValue::Dictionary{{"LowMemoryReserve", 1000},
-                                                       {"MinAvailMemoryThreshold", 1}};
+        preferences.stored =
+            PropertyValue::Dictionary{{"LowMemoryReserve", 1000}, {"MinAvailMemoryThreshold", 1}};
         Center::InitializeLMNotificationCenter();
         Center::AddLMObserver(makeRoom, this);
         available(800);

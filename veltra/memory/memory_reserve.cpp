@@ -166,9 +166,8 @@ VELTRA_ZONE_CODE void* reserveAllocateZeroed(std::size_t count, std::size_t size
         errno = ENOMEM;
         return nullptr;
     }
-    return takeOrMakeRoom(total, [count, size] {
-        return state.saved.allocateZeroed.load(kPlain)(count, size);
-    });
+    return takeOrMakeRoom(
+        total, [count, size] { return state.saved.allocateZeroed.load(kPlain)(count, size); });
 }
 
 VELTRA_ZONE_CODE void* reserveAllocateAligned(std::size_t alignment, std::size_t size) noexcept {
@@ -327,7 +326,8 @@ int QKMemoryReserveDidProbingFail(int reset) noexcept {
 
 int QKMemoryReserveTestAvailableMemory(size_t totalBytes, size_t minimumFragmentBytes) noexcept {
     if (!state.blocks.hasFinal()) return 1;
-    if (detail::isAvailableInFragments(state.saved.entries(), totalBytes, minimumFragmentBytes)) return 1;
+    if (detail::isAvailableInFragments(state.saved.entries(), totalBytes, minimumFragmentBytes))
+        return 1;
     state.probeFailures.fetch_add(1, kPlain);
     return 0;
 }

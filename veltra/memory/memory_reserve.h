@@ -2,11 +2,11 @@
 // A cushion below malloc, for a host that must keep running when memory is out.
 //
 // While the reserve is entered, it stands in front of the process's allocations. When one fails for
-// want of memory, the reserve frees memory that it holds, first the main reserve, then a final block,
-// and the allocation is tried once more. The host is told by a callback and by the low-memory level.
-// When enough has been freed, the main reserve is taken again. A realloc that fails frees nothing of
-// the reserve; neither does a request that no heap can serve (a product that overflows, an alignment
-// that is refused).
+// want of memory, the reserve frees memory that it holds, first the main reserve, then a final
+// block, and the allocation is tried once more. The host is told by a callback and by the
+// low-memory level. When enough has been freed, the main reserve is taken again. A realloc that
+// fails frees nothing of the reserve; neither does a request that no heap can serve (a product that
+// overflows, an alignment that is refused).
 //
 // The options come from the preference "MemoryReserve", a dictionary, read at the first Enter. Each
 // start and each taking of the reserve writes a line to standard error. Where not every allocation
@@ -21,8 +21,8 @@
 VELTRA_C_BEGIN
 
 // Called at every change of the level, in the middle of the malloc or free that caused it, on that
-// thread, which may be any. No lock is held, and the level is set before. It should not allocate much
-// itself.
+// thread, which may be any. No lock is held, and the level is set before. It should not allocate
+// much itself.
 typedef void (*QKMemoryReserveCallback)(void* context);
 
 // Indexes of the options, with their preference keys and defaults; sizes in MiB.
@@ -45,8 +45,8 @@ VELTRA_EXPORT void QKMemoryReserveSetOption(int index, long value) VELTRA_NOEXCE
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT long QKMemoryReserveGetOption(int index) VELTRA_NOEXCEPT;
 
-// The outermost Enter takes the reserve and puts it in front of the process's allocations. When there
-// is no memory for the reserve, it stands there with nothing to give. `callback` may be null;
+// The outermost Enter takes the reserve and puts it in front of the process's allocations. When
+// there is no memory for the reserve, it stands there with nothing to give. `callback` may be null;
 // `context` is passed to it. Returns a block of 50 bytes, all 0, which the caller frees; null when
 // memory is out.
 // Thread: main, while no other thread allocates much. Realtime-safe: no.

@@ -19,9 +19,9 @@
 namespace veltra {
 namespace {
 
-using ::testing::ElementsAre;
 using detail::ReserveMode;
 using detail::reserveMode;
+using ::testing::ElementsAre;
 using testing::kMiB;
 using testing::LimitedHeap;
 

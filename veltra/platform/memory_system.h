@@ -54,9 +54,8 @@ public:
     virtual Limits addressSpaceLimits() const noexcept = 0;
     virtual bool setAddressSpaceLimit(std::uint64_t bytes) noexcept = 0;
 
-    // Has an event every `period`, which is above 0, and when the file `pressurePath`, if the system supports
-    // that, tells that programs wait for memory.
-    // Thread: any. Realtime-safe: no.
+    // Has an event every `period`, which is above 0, and when the file `pressurePath`, if the
+    // system supports that, tells that programs wait for memory. Thread: any. Realtime-safe: no.
     virtual Events openEvents(const char* pressurePath, Nanoseconds period) noexcept = 0;
     virtual void takeEvents(const Events& events) noexcept = 0;
     virtual void closeEvents(const Events& events) noexcept = 0;
@@ -86,8 +85,8 @@ struct MemoryFacts {
     // The same with what is left of the address space.
     std::optional<std::uint64_t> room() const noexcept {
         if (!addressSpaceLimit || !addressSpaceUsed) return memoryRoom();
-        return least(memoryRoom(), *addressSpaceLimit - std::min(*addressSpaceLimit,
-                                                                 *addressSpaceUsed));
+        return least(memoryRoom(),
+                     *addressSpaceLimit - std::min(*addressSpaceLimit, *addressSpaceUsed));
     }
 
     // Memory that the process could have if it were alone.

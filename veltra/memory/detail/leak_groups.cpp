@@ -54,8 +54,7 @@ LeakRecord* sorted(LeakRecord* records, Before before) noexcept {
 LeakRecord* groupByStack(LeakRecord* records, void (*dispose)(LeakRecord*) noexcept) noexcept {
     LeakRecord* const groups = sorted(records, hasLesserStack);
     for (LeakRecord* group = groups; group != nullptr; group = group->next)
-        while (group->next != nullptr &&
-               group->next->returnAddresses == group->returnAddresses) {
+        while (group->next != nullptr && group->next->returnAddresses == group->returnAddresses) {
             LeakRecord* const same = std::exchange(group->next, group->next->next);
             group->size += same->size;
             group->blocks += same->blocks;

@@ -69,8 +69,7 @@ bool defines(const link_map* map, const char* name) noexcept {
     Dl_info info{};
     void* home = nullptr;
     const void* found = ::dlsym(handle, name);
-    const bool isKnown =
-        found != nullptr && ::dladdr1(found, &info, &home, RTLD_DL_LINKMAP) != 0;
+    const bool isKnown = found != nullptr && ::dladdr1(found, &info, &home, RTLD_DL_LINKMAP) != 0;
     ::dlclose(handle);
     return isKnown && home == map;
 }

@@ -6,9 +6,9 @@
 // functions into the table, and go on there. The look-up may itself allocate; such a block comes
 // from a small arena and is never taken back. In a process where that happens the careful entries,
 // which know the arena's blocks, stay in place; everywhere else the next allocator's own functions
-// stand in the table. In a process whose allocations come before the library in that order the table
-// has the allocator that they use. (The dynamic linker allocates before the first constructor runs, so the
-// look-up is over before there is a second thread.)
+// stand in the table. In a process whose allocations come before the library in that order the
+// table has the allocator that they use. (The dynamic linker allocates before the first constructor
+// runs, so the look-up is over before there is a second thread.)
 //
 // The file has rules of its own. It is compiled so that the compiler sees nothing special in these
 // names, and never by link-time optimisation, which would bind the library's own calls to them

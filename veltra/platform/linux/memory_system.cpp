@@ -78,10 +78,9 @@ public:
             !watch(all.number(), timer.number(), EPOLLIN))
             return {};
         Descriptor trigger(::open(pressurePath, O_RDWR | O_NONBLOCK | O_CLOEXEC));
-        const bool isTriggered =
-            trigger.isOpen() &&
-            ::write(trigger.number(), kTrigger.data(), kTrigger.size()) >= 0 &&
-            watch(all.number(), trigger.number(), EPOLLPRI);
+        const bool isTriggered = trigger.isOpen() &&
+                                 ::write(trigger.number(), kTrigger.data(), kTrigger.size()) >= 0 &&
+                                 watch(all.number(), trigger.number(), EPOLLPRI);
         return {all.release(), timer.release(), isTriggered ? trigger.release() : -1};
     }
 
