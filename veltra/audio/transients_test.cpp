@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/transients.h"
 
+#include "veltra/audio/detail/distribution_sort.h"
 #include "veltra/diagnostics/indent_stack.h"
 
 #include <algorithm>
@@ -77,6 +78,16 @@ std::map<std::string, List> lists(std::size_t size) {
         "reversed", [](Index index) { return -index; }, [](Index index) { return -index; });
     add(
         "sorted", [](Index index) { return index / 3; }, [](Index index) { return index / 2; });
+    const auto half = static_cast<Index>(size / 2);
+    add(
+        "up, then down", [&](Index index) { return index < half ? index : 2 * half - index; },
+        [&](Index index) { return std::min(index, 9 * (2 * half - index)); });
+    add(
+        "two takes", [&](Index index) { return index % (half + 1); },
+        [&](Index index) { return index % (half + 1); });
+    add(
+        "jittering", [&](Index index) { return 10 * index + below(100); },
+        [&](Index index) { return index + below(5); });
     for (const std::uint64_t oneIn : {100U, 12U, 4U}) {
         List list = all["sorted"];
         for (std::size_t index = 0; index + 1 < size; ++index) {
@@ -127,6 +138,36 @@ TEST(Transients, SortsAreStableAndThinningKeepsTheWeakestInListsOfEveryKindAndSi
                 EXPECT_TRUE(areSame(thinned, weakest)) << name << " " << size << " " << kept;
             }
         }
+    }
+}
+
+template <typename Order>
+struct Counting : Order {
+    static inline std::size_t steps = 0;
+    static std::uint64_t key(const CTransient& transient) noexcept {
+        return ++steps, Order::key(transient);
+    }
+    static bool less(const CTransient& one, const CTransient& other) noexcept {
+        return ++steps, Order::less(one, other);
+    }
+};
+
+template <typename Order>
+double stepsPerTransient(List list) {
+    Counting<Order>::steps = 0;
+    detail::sortTransients<Counting<Order>>(list);
+    return static_cast<double>(Counting<Order>::steps) / static_cast<double>(list.size());
+}
+
+TEST(Transients, NoListTakesMoreStepsToSortThanItsSizeTimesTheLogarithmOfIt) {
+    for (const std::size_t size : std::initializer_list<std::size_t>{100, 3000, 100'000}) {
+        const double most = 4 * std::log2(size);
+        for (const auto& [name, list] : lists(size)) {
+            EXPECT_LE(stepsPerTransient<detail::ByPos>(list), most) << name << " " << size;
+            EXPECT_LE(stepsPerTransient<detail::ByEnergyAndPos>(list), most) << name << " " << size;
+        }
+        for (const char* const orderly : {"equal", "reversed", "sorted", "jittering"})
+            EXPECT_LE(stepsPerTransient<detail::ByPos>(lists(size)[orderly]), 10) << orderly;
     }
 }
 
