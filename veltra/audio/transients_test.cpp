@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <iostream>
 #include <limits>
+#include <locale>
 #include <map>
 #include <random>
 #include <sstream>
@@ -215,6 +216,13 @@ std::string writtenToCout(Action action) {
 TEST(Transients, TracesEndWithTheAddressOfTheStream) {
     const CTransient one = {-5'000'000'000, 0.1F, 0, 2.5F, {}, 1e9F};
     const List list = {one, {}};
+    struct Grouped : std::numpunct<char> {
+        std::string do_grouping() const override { return "\3"; }
+    };
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouped));
+    const std::string text = one.TraceStr() + list.TraceStr();
+    std::locale::global(before);
+    EXPECT_EQ(text, one.TraceStr() + list.TraceStr());
     const std::string full =
         "CTransient: pos -5000000000, Energy 0.1, visibleweight 2.5, "
         "FreqHz 1e+09";
