@@ -63,7 +63,7 @@ private:
     void dispatch(const Event& event);
     void dispatchQueue();
     void emptyTrash();
-    void emptyTrashAfter(double seconds);
+    void emptyTrashAfter(Nanoseconds time);
     void trashTimerFired();
     bool waitForEvent();
     void setKeyWindow(Window* window);

@@ -120,9 +120,9 @@ public:
 private:
     struct Drawing;  // the layout and the pictures
 
-    void armTimers(std::uint64_t now);
+    void armTimers(Moment now);
     void restartTimers();
-    void tellLevel(std::uint64_t now, bool isUrgent);
+    void tellLevel(Moment now, bool isUrgent);
     const Drawing& drawing(Size frame, float scale, Appearance appearance) const;
     const Drawing* drawingOfFrame() const;
     Rect rectOfPart(bool isLight) const;
@@ -143,7 +143,7 @@ private:
     std::string m_accessibilityDescription = "level";
     LevelScale m_levelScale = LevelScale::Amplitude;
     float m_toldLevel = 0.0F;
-    std::optional<std::uint64_t> m_toldDate;
+    std::optional<Moment> m_toldDate;
 };
 
 }  // namespace veltra
