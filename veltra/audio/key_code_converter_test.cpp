@@ -176,7 +176,7 @@ TEST_F(KeyCodeConverter, AChangeOfTheDisplaysLayoutIsFollowedAndAStuckDisplayHol
     const std::string name = ":" + std::to_string(display);
     const auto run = [&](const std::string& command) {
         EXPECT_EQ(std::system(command.c_str()), 0) << command;
-        m_clocks.now += 1'000'000'000;
+        m_clocks.now += seconds(1.0);
     };
     const auto upperLeftLetter = [] { return Converter::translateKeyCode(0x0C); };
     const auto signal = [process](const char* what) {
@@ -191,7 +191,7 @@ TEST_F(KeyCodeConverter, AChangeOfTheDisplaysLayoutIsFollowedAndAStuckDisplayHol
     run(set + "us,fr");
     EXPECT_EQ(upperLeftLetter(), "Q");
     EXPECT_TRUE(testing::holdsInChild([&] {
-        m_clocks.now += 1'000'000'000;
+        m_clocks.now += seconds(1.0);
         return upperLeftLetter() == "Q";
     }));
     run(set + "fr");
