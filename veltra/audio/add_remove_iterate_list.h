@@ -69,7 +69,7 @@ public:
     // Queues `callback` to be called with `context` by every Iterate that starts from now on, after
     // the entries added before it. A context may be added several times, with the same or other
     // callbacks. `context` is not owned and serves as the identity for Remove.
-    // Answers true when queued; false, and nothing happens, when an argument is null, the list is
+    // Returns true when queued; false, and nothing happens, when an argument is null, the list is
     // being destroyed, or memory is out. Deliberate: RemoveMark as the callback is a removal.
     // Thread: any. Realtime-safe: no, it allocates a node.
     bool Add(void* context, Callback callback) noexcept;
@@ -80,7 +80,7 @@ public:
     // when no Iterate is in progress after Remove has returned, or when an Iterate that started
     // after that is known to have started: passes do not overlap. Remove is a full barrier: a host
     // that sets a sequentially consistent atomic flag around Iterate may read it after Remove and
-    // believe it. Answers as Add does; after false for want of memory the entries are still there.
+    // believe it. Returns as Add does; after false for want of memory the entries are still there.
     // Thread: any. Realtime-safe: no, it allocates a node.
     bool Remove(void* context) noexcept;
 
@@ -101,7 +101,7 @@ public:
 
     // Iterate's own first half, for a host that takes requests from elsewhere: applies `chain` to
     // the active list and takes ownership of its nodes. They are linked by next, the newest request
-    // first, up to null, and come from `new`. Answers true when an entry was added or removed, even
+    // first, up to null, and come from `new`. Returns true when an entry was added or removed, even
     // if the chain undid it again. Any length is safe, also on a small stack.
     // Thread: as Iterate, not while one is in progress. Realtime-safe: yes, if `delete` is.
     bool Modify(SEntry* chain) noexcept;

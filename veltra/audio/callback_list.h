@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A callback list for hosts whose contexts die: what CAddRemoveIterateList does, and three things
-// more. Iterating frees nothing, nodes may be the host's own memory, and a removal answers a ticket
+// more. Iterating frees nothing, nodes may be the host's own memory, and a removal returns a ticket
 // that tells when its context may be destroyed.
 //
 //     std::optional<CallbackList::Ticket> gone = voices.remove(voice);    // any thread
@@ -71,7 +71,7 @@ public:
         bool m_isFromHeap = false;
     };
 
-    // Answers whether the context of a removal may be destroyed. Small, and copied freely.
+    // Tells whether the context of a removal may be destroyed. Small, and copied freely.
     class Ticket {
     public:
         // True once no entry that was added before the removal is called any more. It takes a pass
@@ -106,7 +106,7 @@ public:
 
     // Queues `callback` to be called with `context` by every pass that begins from now on, after
     // the entries added before it. The same context may be added several times.
-    // Answers false, and nothing happens, when the context or the callback is null, the node is in
+    // Returns false, and nothing happens, when the context or the callback is null, the node is in
     // use, or memory is out.
     // Thread: any. Realtime-safe: yes with a node; no without, for one is allocated.
     bool add(void* context, Callback callback) noexcept;
@@ -114,7 +114,7 @@ public:
 
     // Queues the removal of every entry with this context that was queued before; a context that is
     // not there is no error. No pass that begins after this has returned calls the context.
-    // Answers nothing, and nothing happens, when the context is null, the node is in use, or memory
+    // Returns nothing, and nothing happens, when the context is null, the node is in use, or memory
     // is out.
     // Thread: any. Realtime-safe: yes with a node; no without, for one is allocated.
     std::optional<Ticket> remove(void* context) noexcept;
@@ -127,7 +127,7 @@ public:
     // Thread: audio, one at a time. Realtime-safe: yes, if the callbacks are.
     void iterate(std::uint32_t message, void* data);
 
-    // Frees the nodes that passes are done with and answers how many there were. Without it they
+    // Frees the nodes that passes are done with and returns how many there were. Without it they
     // are kept until the list is destroyed. A list that is given only the host's nodes needs none.
     // Thread: any but audio. Realtime-safe: no.
     std::size_t collect() noexcept;

@@ -116,7 +116,7 @@ TEST(CallbackList, ContextsMayDieWhenTheirTicketsAreSafe) {
         int* calls;  // not atomic: read when the voice is gone
         List::Node entry, removal;
     };
-    constexpr int kProducers = 3, kVoices = 1000;
+    constexpr int kProducers = 2, kVoices = 200;
     List list;
     std::atomic<int> running{kProducers};
     std::atomic<std::size_t> collected{0};

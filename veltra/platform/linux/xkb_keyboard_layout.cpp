@@ -164,7 +164,8 @@ private:
 
     void readAgain() const noexcept {
         const Moment now = Clocks::current().monotonic().moment();
-        if (m_wasRead && now - m_readAt < seconds(1.0)) return;
+        // A clock that was installed meanwhile may be behind.
+        if (m_wasRead && now >= m_readAt && now - m_readAt < seconds(1.0)) return;
         m_wasRead = true;
         m_readAt = now;
         const XkbContext context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
