@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/callback_list.h"
 
+#include "veltra/audio/detail/request_chain.h"
+
 #include <array>
 #include <atomic>
 #include <deque>
@@ -9,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace veltra {
@@ -77,6 +80,21 @@ TEST(CallbackList, NodesOfTheHostAreInUseUntilTheListIsDoneWithThem) {
         list.remove(other, &context);
     }
     EXPECT_TRUE(entry.isFree() && other.isFree() && removal.isFree());
+}
+
+// Or a host that goes by a removal's node would destroy entries that are still linked.
+TEST(CallbackList, RemovalsAreGivenBackAfterAllThatTheyTookOut) {
+    using detail::SEntry;
+    int context = 0;
+    SEntry entry{nullptr, &context, note}, queued = entry;
+    SEntry removal{&queued, &context, CAddRemoveIterateList::RemoveMark}, again = removal;
+    again.next = &removal;
+    detail::ActiveEntries active{&entry, &entry};
+    std::vector<const SEntry*> given;
+    EXPECT_TRUE(
+        detail::applyRequests(&again, active, [&](SEntry* node) { given.push_back(node); }));
+    EXPECT_THAT(given, ::testing::ElementsAre(&queued, &entry, &again, &removal));
+    EXPECT_TRUE(active.head == nullptr && active.tail == nullptr);
 }
 
 // Against the plain list of a model that applies its requests one by one.
