@@ -17,7 +17,7 @@
 // Thread: any. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stdint.h>

@@ -5,7 +5,7 @@
 // Thread: any. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdint.h>
 

@@ -17,6 +17,7 @@
 #pragma once
 
 #include "veltra/audio/key_characters.h"
+#include "veltra/export.h"
 
 #include <cstdint>
 #include <optional>

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "veltra/audio/channel_layout.h"
+#include "veltra/export.h"
 
 #include <array>
 #include <cstdint>

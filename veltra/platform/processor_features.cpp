@@ -10,29 +10,29 @@ namespace veltra {
 namespace {
 
 // Relaxed: a query is code, and publishes no data that came before it.
-constinit std::atomic<ProcessorFeatures::Query> s_installedQuery{nullptr};
+constinit std::atomic<ProcessorFeatures::Query> installedQuery{nullptr};
 
 // Asked when the library is loaded. A constructor of another library that runs even earlier asks
 // for itself.
-constinit ProcessorFeatures s_platform{};
-constinit std::atomic<bool> s_isKnown{false};
+constinit ProcessorFeatures featuresAtLoad{};
+constinit std::atomic<bool> areKnown{false};
 
 [[gnu::constructor(101)]] void askAtLoad() noexcept {
-    s_platform = platformProcessorFeatures();
-    s_isKnown.store(true, std::memory_order_release);  // with current()
+    featuresAtLoad = platformProcessorFeatures();
+    areKnown.store(true, std::memory_order_release);  // with current()
 }
 
 }  // namespace
 
 ProcessorFeatures ProcessorFeatures::current() noexcept {
-    const Query installed = s_installedQuery.load(std::memory_order_relaxed);
+    const Query installed = installedQuery.load(std::memory_order_relaxed);
     if (installed != nullptr) return installed();
-    const bool isKnown = s_isKnown.load(std::memory_order_acquire);  // with askAtLoad()
-    return isKnown ? s_platform : platformProcessorFeatures();
+    const bool isLoaded = areKnown.load(std::memory_order_acquire);  // with askAtLoad()
+    return isLoaded ? featuresAtLoad : platformProcessorFeatures();
 }
 
 ProcessorFeatures::Query ProcessorFeatures::install(Query query) noexcept {
-    return s_installedQuery.exchange(query, std::memory_order_relaxed);
+    return installedQuery.exchange(query, std::memory_order_relaxed);
 }
 
 }  // namespace veltra

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the processor can do, for everything that comes in a variant per processor.
+// What the processor can do, for code that has a variant for each kind of processor.
 #pragma once
 
 #include "veltra/export.h"

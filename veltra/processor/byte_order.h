@@ -6,7 +6,7 @@
 // Thread: any; pure functions of their buffers. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stdint.h>

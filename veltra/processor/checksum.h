@@ -10,7 +10,7 @@
 // Thread: any; pure functions of their arguments. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 #include <stdint.h>

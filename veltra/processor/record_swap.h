@@ -30,7 +30,7 @@
 // destination, source or description does nothing. A table must end with 0.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stddef.h>

@@ -11,7 +11,7 @@
 // through PSwapLong or PSwapLongLong (byte_order.h) first.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stddef.h>

@@ -11,7 +11,7 @@
 #pragma once
 
 #include "veltra/base/string_object.h"
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 
