@@ -16,7 +16,7 @@ namespace {
 const ClassEntry flyweightEntry(QKFlyweight::s_class);
 
 // The pooled equal of `some`, retained; `some` itself after pooling it; null when memory is out.
-QKFlyweight* pooled(QKFlyweight& some) {
+QKFlyweight* poolOrFind(QKFlyweight& some) {
     try {
         _QKPoolOfFlyweights* const pool = _QKPoolOfFlyweights::sharedInstance();
         if (pool == nullptr) return nullptr;
@@ -61,12 +61,10 @@ QKFlyweight* QKFlyweight::initWithHash(std::uint32_t hash) {
     if (Object::init() == nullptr) return nullptr;
     m_hash = hash;
     m_settingUp = std::this_thread::get_id();
-    QKFlyweight* const shared = pooled(*this);
+    QKFlyweight* const shared = poolOrFind(*this);
     if (shared != this) {
         release();
-        if (shared == nullptr || shared->waitUntilSetUp()) return shared;
-        shared->release();
-        return nullptr;
+        return whenSetUp(shared);
     }
     const SetUp setUp(*this);
     setupIntrinsicStateData();
@@ -74,13 +72,22 @@ QKFlyweight* QKFlyweight::initWithHash(std::uint32_t hash) {
     return this;
 }
 
-bool QKFlyweight::waitUntilSetUp() const noexcept {
-    State state = m_state.load(std::memory_order_acquire);  // with initWithHash()
-    while (state == State::Pooled && m_settingUp != std::this_thread::get_id()) {
-        m_state.wait(state, std::memory_order_relaxed);
-        state = m_state.load(std::memory_order_acquire);
+QKFlyweight* QKFlyweight::whenSetUp(QKFlyweight* shared) {
+    if (shared == nullptr) return nullptr;
+    State state = shared->m_state.load(std::memory_order_acquire);  // with initWithHash()
+    while (state == State::Pooled && shared->m_settingUp != std::this_thread::get_id()) {
+        shared->m_state.wait(state, std::memory_order_relaxed);
+        state = shared->m_state.load(std::memory_order_acquire);
     }
-    return state != State::Failed;
+    if (state != State::Failed) return shared;
+    shared->release();
+    return nullptr;
+}
+
+QKFlyweight* QKFlyweight::pooled(const Class& flyweightClass, std::uint32_t hash) {
+    _QKPoolOfFlyweights* const pool = _QKPoolOfFlyweights::sharedInstance();
+    if (pool == nullptr) return nullptr;
+    return whenSetUp(pool->retainedFlyweight(flyweightClass.name(), hash));
 }
 
 Object* QKFlyweight::init() {

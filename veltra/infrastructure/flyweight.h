@@ -43,8 +43,12 @@ public:
     // For subclasses: builds what is shared. Called once for each object that enters the pool.
     virtual void setupIntrinsicStateData();
 
-    // The identity given to initWithHash().
-    std::uint32_t hash() const noexcept override { return m_hash; }
+    // The pooled object of exactly this class with that hash, set up, with a reference for the
+    // caller; null when there is none, or its set-up fails. Makes nothing.
+    static QKFlyweight* pooled(const Class& flyweightClass, std::uint32_t hash);
+
+    // The identity given to initWithHash(). No subclass may have another: the pool goes by it.
+    std::uint32_t hash() const noexcept final { return m_hash; }
 
     // Whether `other` has the same hash, of whatever class it is. False for null.
     bool isEqual(const Object* other) const noexcept override;
@@ -66,8 +70,9 @@ private:
     class SetUp;
     enum class State : std::uint8_t { Pooled, Ready, Failed };
 
-    // True at once on the thread that sets the object up.
-    bool waitUntilSetUp() const noexcept;
+    // Waits while another thread sets `shared` up. Returns it, or null after releasing it when the
+    // set-up failed.
+    static QKFlyweight* whenSetUp(QKFlyweight* shared);
 
     std::uint32_t m_hash = 0;
     std::atomic<bool> m_autoRemoveFromPool{false};
@@ -78,6 +83,8 @@ private:
 // The value of class T with that hash, with a reference for the caller; null when memory is out.
 template <class T>
 T* flyweight(std::uint32_t hash) {
+    if (QKFlyweight* const found = QKFlyweight::pooled(T::s_class, hash))
+        return static_cast<T*>(found);
     Object* const made = T::s_class.alloc();
     return made != nullptr ? static_cast<T*>(static_cast<T*>(made)->initWithHash(hash)) : nullptr;
 }

@@ -31,16 +31,27 @@ QKFlyweight* _QKPoolOfFlyweights::addOrReturnFlyweight(QKFlyweight& some) {
     return nullptr;
 }
 
+QKFlyweight* _QKPoolOfFlyweights::retainedFlyweight(std::string_view name,
+                                                    std::uint32_t hash) const {
+    const InMonitor guard(this);
+    QKFlyweight* const found = find(name, hash);
+    if (found != nullptr) found->retain();
+    return found;
+}
+
+QKFlyweight* _QKPoolOfFlyweights::find(std::string_view name, std::uint32_t hash) const {
+    const auto set = m_thePool.find(name);
+    if (set == m_thePool.end()) return nullptr;
+    const auto entry = set->second.find(hash);
+    return entry != set->second.end() ? entry->second : nullptr;
+}
+
 void _QKPoolOfFlyweights::removeFlyweight(QKFlyweight& some) {
     const std::string_view name = some.classObject().name();
-    const std::uint32_t hash = some.hash();
     {
         const InMonitor guard(this);
-        const auto set = m_thePool.find(name);
-        if (set == m_thePool.end()) return;
-        const auto entry = set->second.find(hash);
-        if (entry == set->second.end() || entry->second != &some) return;
-        set->second.erase(entry);
+        if (find(name, some.hash()) != &some) return;
+        m_thePool.find(name)->second.erase(some.hash());
     }
     some.release();
 }

@@ -31,6 +31,9 @@ public:
     // returns null. Throws std::bad_alloc.
     QKFlyweight* addOrReturnFlyweight(QKFlyweight& some);
 
+    // The pooled object of that class name and hash, retained for the caller, or null.
+    QKFlyweight* retainedFlyweight(std::string_view name, std::uint32_t hash) const;
+
     // Takes out and releases `some`, if it is the very object in the pool.
     void removeFlyweight(QKFlyweight& some);
 
@@ -43,6 +46,7 @@ public:
 private:
     using Set = std::unordered_map<std::uint32_t, QKFlyweight*>;
 
+    QKFlyweight* find(std::string_view name, std::uint32_t hash) const;
     static void releaseAll(const Set& set);
 
     std::map<std::string, Set, std::less<>> m_thePool;  // by class name; this object's monitor

@@ -31,8 +31,11 @@ protected:
 TEST_F(Flyweights, AreSharedByClassAndHash) {
     A* const one = A::get(60);
     EXPECT_EQ(one->retainCount(), 2u);  // the pool's and ours
-    EXPECT_EQ(A::get(60), one);
+    EXPECT_EQ(QKFlyweight::pooled(A::s_class, 62), nullptr);
+    Object* const candidate = A::s_class.alloc();  // loses against the pooled one
+    EXPECT_EQ(static_cast<A*>(candidate)->initWithHash(60), one);
     EXPECT_EQ(one->retainCount(), 3u);
+    EXPECT_EQ(living, 1);
     EXPECT_EQ(A::s_setUps, 1);
     A* const other = A::get(61);
     B* const stranger = B::get(60);
@@ -125,7 +128,8 @@ TEST_F(Flyweights, AreNotFoundHalfMade) {
 TEST_F(Flyweights, AreSafeAmongThreads) {
     std::atomic<bool> isOver{false};
     std::thread dropper([&isOver] {
-        while (!isOver) QKFlyweight::releasePoolOfFlyweights(A::s_class);
+        while (!isOver)
+            QKFlyweight::releasePoolOfFlyweights(A::s_class);
     });
     std::vector<std::thread> users;
     for (int t = 0; t < 7; ++t)
