@@ -55,7 +55,8 @@ private:
         void* context;
         Node* below[2];
     };
-    static_assert(sizeof(Node) <= sizeof(SEntry) && alignof(Node) <= alignof(SEntry));
+    static_assert(sizeof(Node) <= sizeof(SEntry));
+    static_assert(alignof(Node) <= alignof(SEntry));
 
     // Where the context is, or would be.
     Node** find(const void* context) noexcept {
