@@ -9,6 +9,7 @@ option(VELTRA_BENCHMARKS "Build the benchmarks (Google Benchmark and peer librar
 option(VELTRA_QT "Build what has a window, with Qt 6 (the alert helper)" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRA_ICU "Convert the legacy encoding with ICU" ON)
 option(VELTRA_XKB "Read the keyboard layout with libxkbcommon" ON)
+option(VELTRA_BACKTRACE "Name functions and lines in reports with libbacktrace" ON)
 option(VELTRA_FUZZ "Build the fuzz targets for libFuzzer (clang)" OFF)
 option(VELTRA_INSTALL "Generate install rules" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRA_WERROR "Treat compiler warnings as errors" OFF)
@@ -112,12 +113,42 @@ if(VELTRA_XKB)
     endif()
 endif()
 
+if(VELTRA_BACKTRACE)
+    # g++ brings it along; clang finds the library there, but not its header.
+    set(VELTRA_BACKTRACE_FLAGS "")
+    find_program(VELTRA_GXX NAMES g++)
+    if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND VELTRA_GXX)
+        execute_process(COMMAND "${VELTRA_GXX}" -print-file-name=include
+            OUTPUT_VARIABLE gxx_include OUTPUT_STRIP_TRAILING_WHITESPACE)
+        set(VELTRA_BACKTRACE_FLAGS -idirafter "${gxx_include}")
+    endif()
+    include(CheckCXXSourceCompiles)
+    set(CMAKE_REQUIRED_LIBRARIES backtrace)
+    list(JOIN VELTRA_BACKTRACE_FLAGS " " CMAKE_REQUIRED_FLAGS)
+    check_cxx_source_compiles("
+        #include <backtrace.h>
+        #include <backtrace-supported.h>
+        #if !BACKTRACE_SUPPORTED || BACKTRACE_USES_MALLOC || !BACKTRACE_SUPPORTS_THREADS
+        #error it would allocate where nobody may, or know nothing
+        #endif
+        int main() { return backtrace_create_state(nullptr, 1, nullptr, nullptr) == nullptr; }
+    " VELTRA_BACKTRACE_WORKS)
+    unset(CMAKE_REQUIRED_LIBRARIES)
+    unset(CMAKE_REQUIRED_FLAGS)
+    if(VELTRA_BACKTRACE_WORKS)
+        set(VELTRA_BACKTRACE_LIBRARIES backtrace)
+    else()
+        message(STATUS "libbacktrace not found: reports name exported functions only")
+        set(VELTRA_BACKTRACE OFF)
+    endif()
+endif()
+
 function(veltra_print_summary)
     if(NOT PROJECT_IS_TOP_LEVEL)
         return()
     endif()
     message(STATUS "Veltra ${PROJECT_VERSION}, ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}, ${CMAKE_BUILD_TYPE}")
-    foreach(name PLATFORM SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB INSTALL WERROR SANITIZE)
+    foreach(name PLATFORM SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB BACKTRACE INSTALL WERROR SANITIZE)
         string(LENGTH "${name}" used)
         math(EXPR pad "12 - ${used}")
         string(REPEAT " " ${pad} blank)

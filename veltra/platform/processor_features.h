@@ -42,15 +42,15 @@ struct VELTRA_EXPORT ProcessorFeatures {
     bool altivec = false;
     std::optional<std::uint32_t> processorVersion;  // upper half of the version register, if known
 
-    // The features that the query in force returns: the installed one, else the platform's own,
-    // which asks the processor once in the life of the process. Thread: any. Realtime-safe: yes,
-    // with the platform's own and after its first call.
+    // The answer of the query in force: the installed one, else the platform's own. The platform's
+    // own asks the processor when the library is loaded, and returns what it learned then.
+    // Thread: any. Realtime-safe: yes, unless a query is installed that is not.
     static ProcessorFeatures current() noexcept;
 
-    // Puts `query` in force; null goes back to the platform's own. Returns what was installed
-    // before, null for the platform's own. What was chosen before stays chosen until
-    // CDotAPI::Init and KernelFamily::useBest choose again. Kernels that the real processor
-    // cannot run crash, so claim features that it lacks only to test what is chosen.
+    // Puts `query` in force; null goes back to the platform's own. Returns the query that was
+    // installed before, null for the platform's own. What was chosen by earlier answers stays
+    // chosen: CDotAPI::Init and KernelFamily::useBest choose again. Install features that the real
+    // processor lacks only to test the choice itself: a kernel that it cannot run crashes.
     // Thread: any. Realtime-safe: yes.
     static Query install(Query query) noexcept;
 };

@@ -8,8 +8,8 @@ namespace veltra {
 
 class Deadline {
 public:
-    // After `time` from now. A time that is not above 0 has passed at once; more than a day counts
-    // as a day.
+    // `time` from now. A deadline of 0 or a negative time has passed at once; more than a day
+    // counts as a day.
     explicit Deadline(Nanoseconds time) noexcept;
 
     Nanoseconds timeLeft() const noexcept;  // 0 once passed

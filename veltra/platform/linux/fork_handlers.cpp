@@ -28,9 +28,6 @@ constinit Locks heldLocks{};
 // How many of heldLocks this thread's fork has taken: a lock may be added in the middle of a fork.
 VELTRA_NEVER_ALLOCATED constinit thread_local std::size_t takenCount = 0;
 
-// Written only in a forked child, while it has one thread; so relaxed throughout.
-constinit std::atomic<std::uint32_t> generation{1};
-
 AdaptiveLock* lockAt(const Locks& locks, std::size_t index) noexcept {
     return index < locks.size() ? locks[index].load(std::memory_order_acquire) : nullptr;
 }
@@ -55,7 +52,6 @@ void inChild() noexcept {
         lock->reset();
     for (; takenCount > 0; --takenCount)
         lockAt(heldLocks, takenCount - 1)->reset();
-    generation.fetch_add(1, std::memory_order_relaxed);
 }
 
 // False when memory is out: then a child suffers that is forked while another thread holds a lock.
@@ -89,10 +85,6 @@ bool isHeldByThisFork(const AdaptiveLock& lock) noexcept {
     for (std::size_t index = 0; index < takenCount; ++index)
         if (lockAt(heldLocks, index) == &lock) return true;
     return false;
-}
-
-std::uint32_t forkGeneration() noexcept {
-    return areHandlersTaken() ? generation.load(std::memory_order_relaxed) : 0;
 }
 
 }  // namespace veltra

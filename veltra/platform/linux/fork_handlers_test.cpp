@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/fork_handlers.h"
 
+#include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/testing/child_process.h"
 
