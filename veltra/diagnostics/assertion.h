@@ -2,7 +2,7 @@
 // Assertions that ask the user how to go on.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdint.h>
 

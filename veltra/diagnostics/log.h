@@ -35,7 +35,7 @@
 #pragma once
 
 #include "veltra/base/string_object.h"
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdarg.h>
 #include <stdbool.h>

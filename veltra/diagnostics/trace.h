@@ -3,7 +3,7 @@
 // nothing.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 
