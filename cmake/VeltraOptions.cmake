@@ -15,15 +15,19 @@ option(VELTRA_INSTALL "Generate install rules" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRA_WERROR "Treat compiler warnings as errors" OFF)
 set(VELTRA_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address (with undefined) or thread")
 set_property(CACHE VELTRA_SANITIZE PROPERTY STRINGS "" address thread)
-cmake_dependent_option(VELTRA_INTERPOSE
-    "Export malloc and its relatives, so that the memory services see every allocation" ON
-    "PROJECT_IS_TOP_LEVEL;VELTRA_SHARED;NOT VELTRA_SANITIZE;NOT VELTRA_FUZZ" OFF)
-
 string(TOLOWER "${CMAKE_SYSTEM_NAME}" veltra_system)
 set(VELTRA_PLATFORM "${veltra_system}" CACHE STRING "The port to build: a folder of veltra/platform")
-if(NOT EXISTS "${PROJECT_SOURCE_DIR}/veltra/platform/${VELTRA_PLATFORM}/sources.cmake")
+set(veltra_port "${PROJECT_SOURCE_DIR}/veltra/platform/${VELTRA_PLATFORM}")
+if(NOT EXISTS "${veltra_port}/sources.cmake")
     message(FATAL_ERROR "There is no port '${VELTRA_PLATFORM}'. docs/platform.md says what one consists of.")
 endif()
+set(veltra_has_interposed_zone OFF)
+if(EXISTS "${veltra_port}/interposed_zone.cpp")
+    set(veltra_has_interposed_zone ON)
+endif()
+cmake_dependent_option(VELTRA_INTERPOSE
+    "Export malloc and its relatives, so that the memory services see every allocation" ON
+    "PROJECT_IS_TOP_LEVEL;VELTRA_SHARED;NOT VELTRA_SANITIZE;NOT VELTRA_FUZZ;veltra_has_interposed_zone" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)

@@ -7,7 +7,7 @@
 // host.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdint.h>
 

@@ -38,7 +38,7 @@
 #pragma once
 
 #include "veltra/base/string_object.h"
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stdint.h>

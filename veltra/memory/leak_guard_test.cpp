@@ -437,6 +437,7 @@ TEST(LeakGuard, EveryFailureOfTheHeapLeavesItWhole) {
 TEST(LeakGuard, StaysWholeAmongThreadsAndForks) {
     static AllocationZone arena{testing::kArenaHeap};
     testing::guarded(&arena, [](auto&) {
+        { const QKLeakGuard first; }  // wraps the entries
         testing::allocateAmongThreadsAndForks(arena.entries());
         EXPECT_LE(testing::ArenaHeap::live, 2);  // the arrays of buckets and of scopes
     });

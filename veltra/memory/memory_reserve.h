@@ -14,7 +14,7 @@
 // which ones the reserve cannot help.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 

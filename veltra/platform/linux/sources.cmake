@@ -5,8 +5,10 @@ set(PORT_SOURCES
     alert_helper_search.cpp
     alert_terminal.cpp
     allocation_zone.cpp
+    c_locale.cpp
     clock.cpp
     deadline.cpp
+    fork_generation.cpp
     fork_handlers.cpp
     journal_log.cpp
     json_preferences.cpp
