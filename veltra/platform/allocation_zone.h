@@ -15,6 +15,7 @@
 // as every wrapper answers the blocks of the entry that it wraps.
 #pragma once
 
+#include "veltra/base/flags.h"
 #include "veltra/export.h"
 
 #include <atomic>
@@ -65,7 +66,7 @@ public:
     std::atomic<ZoneEntries::Free> free;
     std::atomic<ZoneEntries::Size> size;
 
-    // Whose allocations reach the table of process(), added up.
+    // Whose allocations reach the table of process().
     enum Coverage : unsigned {
         kNone = 0,
         kMalloc = 1,       // calls of malloc by name
@@ -78,7 +79,7 @@ public:
     // allocator may have taken the place of ours without a trace in any symbol table. Only kFull
     // promises that every allocation is seen.
     // Thread: any. Realtime-safe: no.
-    static unsigned coverage() noexcept;
+    static Flags<Coverage> coverage() noexcept;
 
     // The file that the process's malloc comes from, for a message to people; "?" when nobody
     // knows. Lives as long as that file is loaded.

@@ -137,7 +137,7 @@ void Application::emptyTrashAfter(Nanoseconds time) {
     m_trashTimer = RunLoop::current()->schedule({.interval = time,
                                                  .target = this,
                                                  .action = action<&Application::trashTimerFired>(),
-                                                 .modes = RunLoopModes::all()});
+                                                 .modes = kAllRunLoopModes});
 }
 
 void Application::trashTimerFired() {

@@ -152,7 +152,7 @@ bool Cell::trackMouse(const Event& event, const Rect& frame, View& view, bool un
     CellTracking tracking;
     if (!tracking.press(*this, view, frame, untilMouseUp, event)) return false;
     const EventMask mask =
-        EventMask(EventType::LeftMouseUp) | EventType::LeftMouseDragged | EventType::ScrollWheel;
+        EventType::LeftMouseUp | EventType::LeftMouseDragged | EventType::ScrollWheel;
     while (tracking.isActive()) {
         if (!window) return false;
         tracking.handle(window->nextEvent(mask));
