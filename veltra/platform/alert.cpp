@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/alert.h"
 
-#include "veltra/base/replaceable.h"
+#include "veltra/base/installable_source.h"
+#include "veltra/platform/port.h"
 
 #include <algorithm>
 
@@ -10,8 +11,6 @@ namespace veltra {
 namespace {
 
 constexpr Nanoseconds kLongestTimeout = seconds(86'400.0);
-
-constinit Replaceable<AlertPresenter, &AlertPresenter::platform> replaceableAlertPresenter;
 
 bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
     switch (answer) {
@@ -31,13 +30,13 @@ bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
 
 AlertPresenter::~AlertPresenter() = default;
 
-AlertPresenter& AlertPresenter::current() noexcept {
-    return replaceableAlertPresenter.current();
+AlertPresenter& AlertPresenter::platform() noexcept {
+    return platformAlertPresenter();
 }
 
-AlertPresenter* AlertPresenter::install(AlertPresenter* presenter) noexcept {
-    return replaceableAlertPresenter.install(presenter);
-}
+template <>
+struct OwnImplementation<AlertPresenter> : OwnFrom<platformAlertPresenter> {};
+template class Installable<AlertPresenter>;
 
 AlertAnswer presentAlert(const Alert& alert) noexcept {
     if (alert.timeout <= Nanoseconds()) return AlertAnswer::TimedOut;

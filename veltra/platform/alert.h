@@ -4,6 +4,7 @@
 // event loops, and with nobody there to answer it gives up rather than wait.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/base/time.h"
 #include "veltra/export.h"
 
@@ -34,12 +35,12 @@ struct Alert {
     Nanoseconds timeout{};
 };
 
+class AlertPresenter;
+extern template class VELTRA_EXPORT Installable<AlertPresenter>;
+
 // Who shows alerts. A host derives from it to use dialogs of its own; tests answer by program.
-class VELTRA_EXPORT AlertPresenter {
+class VELTRA_EXPORT AlertPresenter : public Installable<AlertPresenter> {
 public:
-    AlertPresenter() = default;
-    AlertPresenter(const AlertPresenter&) = delete;
-    AlertPresenter& operator=(const AlertPresenter&) = delete;
     virtual ~AlertPresenter();
 
     // Shows `alert` and waits for the answer, no longer than its time-out. Called on whichever
@@ -56,16 +57,6 @@ public:
     // stands.
     // Thread: any. Realtime-safe: yes (naming it; showing an alert is not).
     static AlertPresenter& platform() noexcept;
-
-    // The presenter in force: the installed one, else platform().
-    // Thread: any. Realtime-safe: yes.
-    static AlertPresenter& current() noexcept;
-
-    // Puts `presenter` in force (not owned; must stay alive until replaced and until the alerts it
-    // shows are answered); null goes back to platform(). Answers what was installed before, null
-    // for the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static AlertPresenter* install(AlertPresenter* presenter) noexcept;
 };
 
 // Asks through AlertPresenter::current() and waits for the answer. An answer that is none of the

@@ -3,6 +3,7 @@
 // that a host or a test can put a clock of its own in their place.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/base/time.h"
 #include "veltra/export.h"
 
@@ -41,11 +42,12 @@ private:
     int m_errorNumber = 0;
 };
 
-class VELTRA_EXPORT Clocks {
+class Clocks;
+extern template class VELTRA_EXPORT Installable<const Clocks>;
+
+// Install clocks while nobody measures an interval.
+class VELTRA_EXPORT Clocks : public Installable<const Clocks> {
 public:
-    Clocks() = default;
-    Clocks(const Clocks&) = delete;
-    Clocks& operator=(const Clocks&) = delete;
     virtual ~Clocks();
 
     // Never goes back, does not follow changes of the date.
@@ -55,15 +57,6 @@ public:
     // The date and time of day.
     // Thread: any. Realtime-safe: yes, with the platform's own clocks.
     virtual WallTime wall() const noexcept = 0;
-
-    // The clocks in force: the installed ones, else the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static const Clocks& current() noexcept;
-
-    // Puts `clocks` in force (not owned; must stay alive until replaced); null goes back to the
-    // platform's own. Answers what was installed before, null for the platform's own.
-    // Thread: any, while nobody measures an interval. Realtime-safe: yes.
-    static const Clocks* install(const Clocks* clocks) noexcept;
 };
 
 }  // namespace veltra

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/run_loop.h"
 
+#include "veltra/base/object_file.h"
 #include "veltra/platform/clock.h"
+#include "veltra/platform/port.h"
 #include "veltra/platform/thread_end.h"
 
 #include <new>
@@ -11,9 +13,9 @@ namespace veltra {
 namespace {
 
 // Initial-exec: their first use on a thread allocates nothing.
-[[gnu::tls_model("initial-exec")]] constinit thread_local RunLoop* setLoop = nullptr;
-[[gnu::tls_model("initial-exec")]] constinit thread_local bool isThreadEnding = false;
-[[gnu::tls_model("initial-exec")]] constinit thread_local RunLoop* ownLoop = nullptr;
+VELTRA_NEVER_ALLOCATED constinit thread_local RunLoop* setLoop = nullptr;
+VELTRA_NEVER_ALLOCATED constinit thread_local bool isThreadEnding = false;
+VELTRA_NEVER_ALLOCATED constinit thread_local RunLoop* ownLoop = nullptr;
 
 void endOwnLoop() noexcept {
     isThreadEnding = true;
@@ -32,7 +34,7 @@ RunLoop* RunLoop::current() noexcept {
     if (setLoop != nullptr) return setLoop;
     if (isThreadEnding) return nullptr;
     if (ownLoop == nullptr) {
-        std::unique_ptr<RunLoop> loop = makeForPlatform();
+        std::unique_ptr<RunLoop> loop = makePlatformRunLoop();
         if (loop != nullptr && callAtThreadEnd(endOwnLoop)) ownLoop = loop.release();
     }
     return ownLoop;

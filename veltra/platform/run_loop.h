@@ -90,8 +90,6 @@ private:
     using Place = std::pair<Moment, std::uint64_t>;  // due time, serial number
     using Timers = std::map<Place, std::shared_ptr<RunLoopTimer>>;
 
-    static std::unique_ptr<RunLoop> makeForPlatform() noexcept;  // supplied by the port
-
     Timers::const_iterator firstRunnable() const noexcept;
     void runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now);
     void moveTo(RunLoopTimer& timer, Moment due) noexcept;

@@ -36,6 +36,13 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::Field;
 
+constexpr int kPatience = 60'000;  // milliseconds, for a busy machine
+
+template <typename Condition>
+bool comesTrue(Condition condition) {
+    return QTest::qWaitFor(condition, kPatience);
+}
+
 class Probe : public View {
 public:
     using View::View;
@@ -90,7 +97,7 @@ protected:
         widget->setFixedSize(widget->sizeHint());
         outside.show();
         outside.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&outside));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&outside, kPatience));
         before.setFocus();
         return hosted;
     }
@@ -274,7 +281,7 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
                                                      .target = ticking,
                                                      .action = action<&Probe::tick>(),
                                                      .repeats = true});
-    EXPECT_TRUE(QTest::qWaitFor([this] { return widget.isNull(); }));
+    EXPECT_TRUE(comesTrue([this] { return widget.isNull(); }));
     timer->invalidate();
 
     show();
@@ -354,12 +361,12 @@ TEST_F(OnQt, TimersGoOnInMenusAndInLoopsThatATimerRuns) {
     opener.react = [&](const Event& /*event*/) {
         ticks = 0;
         menu.popup({0, 0});
-        EXPECT_TRUE(QTest::qWaitFor([&ticks] { return ticks >= 3; }));
+        EXPECT_TRUE(comesTrue([&ticks] { return ticks >= 3; }));
         menu.close();
         opener.react = nullptr;
     };
     RunLoop::current()->schedule({.target = &opener, .action = action<&Probe::tick>()});
-    EXPECT_TRUE(QTest::qWaitFor([&opener] { return !opener.react; }));
+    EXPECT_TRUE(comesTrue([&opener] { return !opener.react; }));
     beat->invalidate();
 }
 
@@ -399,7 +406,7 @@ TEST_F(OnQt, ReadersHearOfChanges) {
     if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON")) {
         GTEST_SKIP() << "no accessibility bus";
     }
-    ASSERT_TRUE(QTest::qWaitFor([] { return QAccessible::isActive(); }));
+    ASSERT_TRUE(comesTrue([] { return QAccessible::isActive(); }));
     auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
     auto& slider = all.addSubview(
         std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>()));
@@ -498,7 +505,7 @@ TEST(QtPort, WindowsOutliveTheApplication) {
         window->setMinSize({150, 60});
         window->makeKeyAndOrderFront();
         QWidget* const top = QApplication::topLevelWidgets().constFirst();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(top));
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(top, kPatience));
         EXPECT_TRUE(window->isVisible());
         window->setFrame({{120, 90}, {10, 300}});
         EXPECT_EQ(top->size(), QSize(150, 300));

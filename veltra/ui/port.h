@@ -10,6 +10,7 @@
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 #include "veltra/ui/accessibility.h"
 #include "veltra/ui/appearance.h"
@@ -61,19 +62,14 @@ public:
     virtual void miniaturize() {}
 };
 
-class VELTRA_EXPORT UiPort {
-public:
-    UiPort() = default;
-    UiPort(const UiPort&) = delete;
-    UiPort& operator=(const UiPort&) = delete;
-    virtual ~UiPort();
+class UiPort;
+extern template class VELTRA_EXPORT Installable<UiPort>;
 
-    // The installed port, else one without a screen: it guesses the size of text, draws nothing and
-    // hears nothing.
-    static UiPort& current() noexcept;
-    // Puts `port` in force (not owned); null goes back to the one without a screen. Answers what
-    // was installed before, or null.
-    static UiPort* install(UiPort* port) noexcept;
+// Without an installed port there is no screen: text sizes are guessed, nothing is drawn and no
+// event arrives.
+class VELTRA_EXPORT UiPort : public Installable<UiPort> {
+public:
+    virtual ~UiPort();
 
     virtual std::unique_ptr<WindowPort> makeWindow(Window& window, const Rect& contentRect,
                                                    const WindowStyle& style) = 0;

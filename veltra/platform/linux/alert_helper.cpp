@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_helper.h"
 
+#include "veltra/platform/alert_protocol.h"
 #include "veltra/platform/linux/alert_helper_search.h"
-#include "veltra/platform/linux/alert_protocol.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
 #include "veltra/platform/linux/descriptor.h"

@@ -77,13 +77,13 @@ std::string play(const Scene& scene) {
         return scene.answer == askOnTerminal({"Header", "evil \x1b[2J\n", "Resume", "Debugger",
                                               scene.otherButton, seconds(scene.timeout)});
     };
+    const testing::Child child([&] {
+        ::setsid();
+        ::ioctl(::open(name.c_str(), O_RDWR), TIOCSCTTY, 0);
+        return scene.isInBackground ? testing::holdsInChild(isAnsweredRight) : isAnsweredRight();
+    });
     std::thread session([&] {
-        EXPECT_TRUE(testing::holdsInChild([&] {
-            ::setsid();
-            ::ioctl(::open(name.c_str(), O_RDWR), TIOCSCTTY, 0);
-            return scene.isInBackground ? testing::holdsInChild(isAnsweredRight)
-                                        : isAnsweredRight();
-        })) << scene.typed;
+        EXPECT_TRUE(child.holds()) << scene.typed;
         EXPECT_EQ(::write(keepsOpen, "\a", 1), 1);  // the end
     });
     std::string text;

@@ -2,7 +2,7 @@
 #include "veltra/platform/clock.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/platform/port.h"
 
 #include <cerrno>
 
@@ -27,23 +27,11 @@ public:
     }
 };
 
+}  // namespace
+
 const Clocks& platformClocks() noexcept {
     static const Immortal<LinuxClocks> clocks;
     return *clocks;
-}
-
-constinit Replaceable<const Clocks, &platformClocks> replaceableClocks;
-
-}  // namespace
-
-Clocks::~Clocks() = default;
-
-const Clocks& Clocks::current() noexcept {
-    return replaceableClocks.current();
-}
-
-const Clocks* Clocks::install(const Clocks* clocks) noexcept {
-    return replaceableClocks.install(clocks);
 }
 
 }  // namespace veltra

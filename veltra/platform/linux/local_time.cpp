@@ -2,7 +2,7 @@
 #include "veltra/platform/local_time.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/platform/port.h"
 
 #include <atomic>
 #include <chrono>
@@ -92,23 +92,11 @@ private:
     mutable std::atomic<QuarterWord> m_word{0};
 };
 
+}  // namespace
+
 const LocalTime& platformLocalTime() noexcept {
     static const Immortal<LinuxLocalTime> localTime;
     return *localTime;
-}
-
-constinit Replaceable<const LocalTime, &platformLocalTime> replaceableLocalTime;
-
-}  // namespace
-
-LocalTime::~LocalTime() = default;
-
-const LocalTime& LocalTime::current() noexcept {
-    return replaceableLocalTime.current();
-}
-
-const LocalTime* LocalTime::install(const LocalTime* localTime) noexcept {
-    return replaceableLocalTime.install(localTime);
 }
 
 }  // namespace veltra

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/base/immortal.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
+#include "veltra/platform/port.h"
 
 #include <array>
 
@@ -17,9 +19,9 @@ public:
 
 }  // namespace
 
-AlertPresenter& AlertPresenter::platform() noexcept {
-    static LinuxAlertPresenter presenter;
-    return presenter;
+AlertPresenter& platformAlertPresenter() noexcept {
+    static const Immortal<LinuxAlertPresenter> presenter;
+    return *presenter;
 }
 
 AlertAnswer askInTurn(const Alert& alert, std::span<const AlertWay> ways) noexcept {

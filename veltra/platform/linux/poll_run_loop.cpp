@@ -2,6 +2,7 @@
 #include "veltra/platform/poll_run_loop.h"
 
 #include "veltra/platform/clock.h"
+#include "veltra/platform/port.h"
 
 #include <algorithm>
 #include <memory>
@@ -43,7 +44,7 @@ void armTimer(int descriptor, std::optional<Moment> deadline) noexcept {
 
 }  // namespace
 
-std::unique_ptr<RunLoop> RunLoop::makeForPlatform() noexcept {
+std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept {
     return std::unique_ptr<RunLoop>(new (std::nothrow) PollRunLoop);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/immortal.h"
 #include "veltra/platform/clock.h"
-#include "veltra/platform/detail/platform_keyboard_layout.h"
 #include "veltra/platform/linux/xkb_keymap.h"
+#include "veltra/platform/port.h"
 
 #include <array>
 #include <iterator>
