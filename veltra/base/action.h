@@ -7,8 +7,8 @@
 //   void Editor::levelChanged(Slider& sender);     // only ever called by a Slider
 //   void Editor::levelChanged(Slider* sender);     // null when something else sends it
 //
-// The target is given apart from the action, and any class can be asked: one that does not have the
-// member function does not respond.
+// The target is set separately from the action. It may be of any class: an object that does not
+// have the member function does not respond.
 #pragma once
 
 #include "veltra/base/weak_anchor.h"
@@ -87,21 +87,21 @@ bool respondsToAction(Anchored* target) {
     return dynamic_cast<typename ActionMethod<decltype(Method)>::Host*>(target) != nullptr;
 }
 
-// Each library of a process may have a copy of its own; the name is the same in all of them.
+// Each library of a process may have its own copy; the name is the same in all of them.
 template <auto Method>
 inline constexpr ActionEntry actionEntry{&typeid(ActionName<Method>), &respondsToAction<Method>,
                                          &ActionMethod<decltype(Method)>::template send<Method>};
 
 }  // namespace detail
 
-// Null, or one member function. Equal when it is the same member function.
+// Null, or one member function. Two actions are equal when they call the same one.
 // Thread: the target's. Realtime-safe: as the member function.
 class Action {
 public:
     constexpr Action() noexcept = default;
     constexpr Action(std::nullptr_t) noexcept {}
 
-    // Calls the member function on `target`. Answers false, and calls nothing, when the action or
+    // Calls the member function on `target`. Returns false, and calls nothing, when the action or
     // the target is null, when the target is of a class without this member function, or when the
     // function takes a reference and `sender` is null or of another class. The call may delete the
     // target and the sender; what it throws passes through.
@@ -129,8 +129,8 @@ private:
     const detail::ActionEntry* m_entry = nullptr;
 };
 
-// The action that calls `Method`: a pointer to a member function that takes a sender's reference, a
-// sender's pointer or nothing; an answer is dropped.
+// The action that calls `Method`, a pointer to a member function. It takes the sender by reference
+// or by pointer, or takes nothing; what it returns is dropped.
 template <auto Method>
 constexpr Action action() noexcept {
     return Action(detail::actionEntry<Method>);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The base of everything that the framework throws on purpose, and the one path on which it does.
+// The base of everything that the framework throws on purpose, and the one function that throws it.
 //
-// An exception is a name for programs, a reason for people, and a user info that all copies share:
-// what is noted in it while one copy is on its way is seen by whoever caught another.
+// An exception has a name for programs, a reason for people, and a user info that all copies share:
+// what is written into it through one copy is seen through every other.
 #pragma once
 
 #include "veltra/base/property_value.h"
@@ -38,13 +38,13 @@ public:
     // "name: reason", or the one of them that is not empty.
     const char* what() const noexcept override;
 
-    // Throws this object, as the class that it is. To be called on a caught exception as well, to
-    // raise it again. A class that has something to do first (to report, say) overrides this, does
+    // Throws this object as its own class. May also be called on a caught exception, to raise it
+    // again. A class that has something to do first (to report, say) overrides this, does
     // it and calls throwSelf(). `throw exception;` is not the same: it throws the static type.
     [[noreturn]] virtual void raise();
 
 protected:
-    // Throws this object, as the class that it is.
+    // Throws this object as its own class.
     [[noreturn]] void throwSelf() const;
 
     // `throw *this;` in each class, so that nobody is thrown as its base. RaisedAs writes it.
@@ -76,17 +76,17 @@ protected:
     void throwThis() const override { throw static_cast<const Derived&>(*this); }
 };
 
-// Makes the object that raiseException() raises. A null answer stands for a plain Exception.
+// Makes the object that raiseException() raises. Null stands for a plain Exception.
 using ExceptionFactory = std::unique_ptr<Exception> (*)(
     std::string_view name, std::string_view reason, std::shared_ptr<Exception::UserInfo> userInfo);
 
-// Puts `factory` on the raise path of the whole process; null goes back to plain exceptions.
-// Answers what was installed before, null for plain exceptions.
+// Makes the whole process raise what `factory` makes; null goes back to plain exceptions.
+// Returns what was installed before, null for plain exceptions.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT ExceptionFactory installExceptionFactory(ExceptionFactory factory) noexcept;
 
 // Raises an exception of the class that the installed factory makes. The framework raises nowhere
-// else. When there is no memory for the exception, std::bad_alloc leaves in its place.
+// else. When there is no memory for the exception, std::bad_alloc is thrown instead.
 // Thread: any. Realtime-safe: no.
 [[noreturn]] VELTRA_EXPORT void raiseException(
     std::string_view name, std::string_view reason,

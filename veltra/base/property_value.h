@@ -98,23 +98,23 @@ public:
     bool isNull() const noexcept { return kind() == Kind::Null; }
     std::uint32_t depth() const noexcept;
 
-    // What a reader of preferences expects, who does not care how a number was written down:
-    // numbers and truth values stand for one another, and a string that is a number as a whole
-    // (blanks around it allowed, no digits grouped, independent of the locale) stands for it.
-    // Whatever cannot be converted answers `fallback`.
+    // For readers of preferences, who do not care how a number was written down: numbers and truth
+    // values are converted into one another, and so is a string that is a number as a whole
+    // (blanks around it allowed, no grouped digits, independent of the locale).
+    // What cannot be converted returns `fallback`.
 
     // Numbers other than 0 are true; strings "true", "yes", "1" / "false", "no", "0" in any case.
-    // Not convertible: not-a-number, other strings, containers, data, null.
+    // Not convertible: NaN, other strings, containers, data, null.
     bool asBool(bool fallback = false) const noexcept;
 
     // True is 1. Reals lose their fraction. Strings must be decimal integers.
-    // Not convertible: reals that are beyond 64 bits or not a number, the rest as above.
+    // Not convertible: reals that are NaN or beyond 64 bits, the rest as above.
     std::int64_t asInteger(std::int64_t fallback = 0) const noexcept;
 
     // Large integers are rounded to the nearest real. Strings must be finite decimal numbers.
     double asReal(double fallback = 0.0) const noexcept;
 
-    // These convert nothing: another kind answers `fallback` or the empty container. The answer
+    // These convert nothing: another kind returns `fallback` or the empty container. The result
     // lives as long as this value or a copy of it; a temporary value must be given a name first.
     std::string_view asString(std::string_view fallback = {}) const& noexcept;
     std::span<const std::uint8_t> asData() const& noexcept;
@@ -136,8 +136,8 @@ public:
         return valueAtPath(std::span(path.begin(), path.size()));
     }
 
-    // A copy in which `value` stands at `path`. Missing dictionaries on the way are made, and what
-    // is no dictionary there is replaced by one; a null `value` removes the last key instead.
+    // A copy in which `value` stands at `path`. Missing dictionaries on the way are made, and
+    // whatever else stands there is replaced by one; a null `value` removes the last key instead.
     // Null when the path is longer than kMaximumDepth. Throws std::bad_alloc.
     PropertyValue settingValueAtPath(std::span<const std::string_view> path,
                                      const PropertyValue& value) const;
@@ -146,8 +146,8 @@ public:
         return settingValueAtPath(std::span(path.begin(), path.size()), value);
     }
 
-    // Equal kind and content: integer 1 is not real 1.0. Not-a-number equals itself, so that "was
-    // it changed" has an answer.
+    // Equal kind and content: integer 1 is not real 1.0. NaN equals itself, so that "was it
+    // changed" can be answered.
     VELTRA_EXPORT friend bool operator==(const PropertyValue& left,
                                          const PropertyValue& right) noexcept;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Weak pointers for objects that may be deleted while they are being called: controls, timers,
-// their targets and delegates. Whoever calls out keeps a weak pointer to itself and looks at it
+// their targets and delegates. Code that calls out keeps a weak pointer to itself and looks at it
 // before it touches a member again:
 //
 //   const WeakPointer<Meter> self(this);
@@ -46,8 +46,8 @@ private:
 
 }  // namespace detail
 
-// The base of everything that weak pointers point to and that actions are sent to. A copy is an
-// object of its own: it takes over no weak pointer.
+// The base of everything that weak pointers point to and that actions are sent to. A copy is a new
+// object: no weak pointer points to it.
 class VELTRA_EXPORT Anchored {
 public:
     Anchored() noexcept = default;
@@ -57,9 +57,9 @@ public:
     virtual ~Anchored();
 
 protected:
-    // Makes the object count as gone from here on, for present and future weak pointers. Without it
-    // that happens at the very end of destruction, so a destructor that calls out starts with this.
-    // Thread: the object's. Realtime-safe: no (as long as the list of weak pointers).
+    // From here on the object counts as gone, for present and future weak pointers. Without this
+    // call that happens at the very end of destruction, so a destructor that calls out begins with
+    // it. Thread: the object's. Realtime-safe: no (as long as the list of weak pointers).
     void cutAnchor() noexcept;
 
 private:
@@ -69,7 +69,7 @@ private:
     bool m_isCut = false;
 };
 
-// Points to a T as long as it lives, answers null afterwards. T derives from Anchored; it needs to
+// Points to a T as long as it lives, is null afterwards. T derives from Anchored; it needs to
 // be complete only where a pointer is stored.
 // Thread: the object's. Realtime-safe: yes, all of it.
 template <typename T>

@@ -19,7 +19,6 @@ namespace veltra {
 
 namespace {
 
-constexpr std::uint32_t kNotice = 5;
 constexpr std::size_t kLongestCharacter = 6;
 constexpr std::size_t kCopyPiece = 16384;  // stays in the nearest cache between its two readings
 
@@ -104,7 +103,7 @@ void logWellFormed(const char* text, const char* complaint, Describe describe) n
     const std::string_view view = textFrom(text);
     if (view.empty()) return;
     if (!isWellFormedUtf8(view)) {
-        logMessage(kNotice, wantedBanner(), nullptr, complaint);
+        logMessage(kLogNotice, wantedBanner(), nullptr, complaint);
         return;
     }
     if (describe == Describe::Yes) {
@@ -116,7 +115,7 @@ void logWellFormed(const char* text, const char* complaint, Describe describe) n
         StandardError& stream = StandardError::current();
         stream.write(stream.inspect(), {what.view(), view, "\n"});
     }
-    logMessage(kNotice, wantedBanner(), nullptr, view);
+    logMessage(kLogNotice, wantedBanner(), nullptr, view);
 }
 
 void convertToLegacy(char* destination, const char* source, std::size_t capacity,

@@ -14,7 +14,7 @@ namespace {
 constexpr Nanoseconds kTrashPatience = milliseconds(50);
 }
 
-// One event on the stack. The outermost one clears up behind it.
+// One event on the stack: the current one, until the one outside of it is current again.
 class Application::Dispatch {
 public:
     Dispatch(Application& application, const Event& event) noexcept

@@ -30,6 +30,6 @@ struct LayoutInUse {
 LayoutInUse sessionLayout(xkb_context* context) noexcept;
 
 // The layout of the XKB_DEFAULT_ variables, else the one configured for the machine.
-LayoutInUse configuredLayout(xkb_context* context) noexcept;
+LayoutInUse configuredLayout(xkb_context* context);  // throws std::bad_alloc
 
 }  // namespace veltra
