@@ -10,7 +10,7 @@ int main(void) {
     const unsigned char big_endian[] = {0x80, 0x00, 0x40, 0x00, 0x7F, 0xFF};
     float samples[3];
     unsigned char word[4] = {1, 2, 3, 4};
-    GetConvertNToFloat(kSampleInt16, false)(samples, big_endian, 3, NULL);
+    GetConvertNToFloat(kVLSampleInt16, false)(samples, big_endian, 3, NULL);
     SwapInt32(word);
     QKLogCString(kLogInfo, QKLogWithSyslogBanner(), "first-program",
                  "%.6f %.6f %.6f, first byte %d", (double)samples[0], (double)samples[1],

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a control or timer does to its target: a member function as a small value.
+// An action is a member function as a small value: what a control or timer calls on its target.
 //
 //   slider.setAction(action<&Editor::levelChanged>());
 //
@@ -7,8 +7,8 @@
 //   void Editor::levelChanged(Slider& sender);     // only ever called by a Slider
 //   void Editor::levelChanged(Slider* sender);     // null when something else sends it
 //
-// The target is set separately from the action. It may be of any class: an object that does not
-// have the member function does not respond.
+// The target is set separately and may be of any class; one without the member function does not
+// respond.
 #pragma once
 
 #include "veltra/base/weak_anchor.h"
@@ -87,14 +87,14 @@ bool respondsToAction(Anchored* target) {
     return dynamic_cast<typename ActionMethod<decltype(Method)>::Host*>(target) != nullptr;
 }
 
-// Each library of a process may have its own copy; the name is the same in all of them.
+// Each library of a process may have a copy of its own; the name is the same in all of them.
 template <auto Method>
 inline constexpr ActionEntry actionEntry{&typeid(ActionName<Method>), &respondsToAction<Method>,
                                          &ActionMethod<decltype(Method)>::template send<Method>};
 
 }  // namespace detail
 
-// Null, or one member function. Two actions are equal when they call the same one.
+// Null, or one member function. Equal when it is the same member function.
 // Thread: the target's. Realtime-safe: as the member function.
 class Action {
 public:
@@ -129,8 +129,8 @@ private:
     const detail::ActionEntry* m_entry = nullptr;
 };
 
-// The action that calls `Method`, a pointer to a member function. It takes the sender by reference
-// or by pointer, or takes nothing; what it returns is dropped.
+// The action that calls `Method`, a pointer to a member function that takes a reference to the
+// sender, a pointer to it, or nothing. What the function returns is dropped.
 template <auto Method>
 constexpr Action action() noexcept {
     return Action(detail::actionEntry<Method>);

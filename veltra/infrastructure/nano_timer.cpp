@@ -3,6 +3,7 @@
 
 #include "veltra/base/number_text.h"
 #include "veltra/platform/clock.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/standard_error.h"
 
 #include <exception>
@@ -15,6 +16,7 @@ namespace veltra {
 namespace {
 
 void printClockError(std::string_view request, int error) noexcept {
+    const NoCancellation noCancellation;
     std::string text = ": \n";
     try {
         text.insert(2, std::generic_category().message(error));

@@ -31,8 +31,8 @@ inline constexpr RunLoopModes kAllRunLoopModes =
 
 // What a timer is made of.
 struct TimerRequest {
-    Nanoseconds interval{};      // not above 0 counts as 0.1 ms; longest() never fires
-    Anchored* target = nullptr;  // not retained: the timer goes on in silence when it is gone
+    Nanoseconds interval{};      // 0 or negative counts as 0.1 ms; longest() never fires
+    Anchored* target = nullptr;  // not retained; once it is gone the timer sends nothing
     Action action{};             // sent with the RunLoopTimer as sender
     void* userInfo = nullptr;    // the caller's
     bool repeats = false;
