@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veltra {
@@ -53,7 +54,14 @@ public:
     ~AccessibilityElement() override;
 
     virtual AccessibilityRole accessibilityRole() const { return AccessibilityRole::Ignored; }
-    virtual std::string accessibilityName() const { return {}; }
+
+    // What a reader says first: the name set here, unless a subclass knows a better default.
+    virtual std::string accessibilityName() const { return m_accessibilityName; }
+    void setAccessibilityName(std::string name);
+    // One sentence about what it is for or what it shows, beyond its name and value.
+    virtual std::string accessibilityHelp() const { return m_accessibilityHelp; }
+    void setAccessibilityHelp(std::string help) { m_accessibilityHelp = std::move(help); }
+
     virtual AccessibilityOrientation accessibilityOrientation() const {
         return AccessibilityOrientation::Unknown;
     }
@@ -79,8 +87,12 @@ public:
     // In the coordinates of that view.
     virtual Rect accessibilityFrame() const { return {}; }
 
-    // Tells who listens that something has changed.
+    // Tells screen readers that something about this element has changed.
     void postAccessibilityNotification(AccessibilityNotification notification);
+
+private:
+    std::string m_accessibilityName;
+    std::string m_accessibilityHelp;
 };
 
 // The children as they are shown: in place of each ignored one, its own.
@@ -90,12 +102,14 @@ VELTRA_EXPORT std::vector<AccessibilityElement*> shownAccessibilityChildren(
 // The nearest parent that is shown; null at the top.
 VELTRA_EXPORT AccessibilityElement* shownAccessibilityParent(const AccessibilityElement& element);
 
-// The deepest shown element at a point of the window of `root`; null when `root` does not contain
-// the point.
+// The deepest shown element at a point of the window of `root`; null when nothing of `root` can be
+// seen there. What its superviews cut off does not count.
 VELTRA_EXPORT AccessibilityElement* accessibilityElementAt(AccessibilityElement& root,
                                                            Point inWindow);
 
 // The element's rectangle in its window's coordinates; empty when it is in none.
 VELTRA_EXPORT Rect accessibilityFrameInWindow(const AccessibilityElement& element);
+// What can be seen of it: empty when it is hidden or cut off as a whole.
+VELTRA_EXPORT Rect accessibilityVisibleFrameInWindow(const AccessibilityElement& element);
 
 }  // namespace veltra

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A picture that does not change, kept in the form in which the port draws it fastest.
+// A picture that does not change, kept in the form in which the port draws it fastest. findImage()
+// in image_registry.h finds one by its name.
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once

@@ -31,9 +31,7 @@ public:
     std::shared_ptr<const Image> draw();
 
 private:
-    class Surface;
-
-    const std::unique_ptr<Surface> m_surface;
+    const std::unique_ptr<WindowPort> m_surface;
     const std::unique_ptr<Window> m_window;  // after the surface: goes first
 };
 

@@ -55,10 +55,18 @@ public:
     // Of no effect where the surface is a part of something else.
     virtual void setTitle(const std::string& /*title*/) {}
     virtual void setFrame(const Rect& /*onScreen*/, bool /*animate*/) {}  // of the surface
+    // Of the surface, from the next change of its size on; never resizes it at once.
     virtual void setSizeLimits(Size /*minimum*/, Size /*maximum*/) {}
     virtual void setVisible(bool /*isVisible*/) {}
     virtual void orderFront(bool /*takesKeyboard*/) {}
     virtual void miniaturize() {}
+    // Lets the user move the window with the button that is down. Returns false where that is not
+    // possible.
+    virtual bool startMove() { return false; }
+    // Keeps the pointer in its place and out of sight while drags go on without end: their movement
+    // counts, and their places go on beyond the screen. Ends by itself with the release. Returns
+    // false where that is not possible.
+    virtual bool lockPointer(bool /*isLocked*/) { return false; }
 };
 
 class VELTRA_EXPORT UiPort {

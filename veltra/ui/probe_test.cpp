@@ -150,7 +150,7 @@ TEST_F(ProbeTest, TracksAlikeWhetherItIsPushedOrPullsAndInBothDirections) {
         EXPECT_EQ(target.count, 2);
         EXPECT_EQ(target.last, probe);
         EXPECT_EQ(port.toolTip, "");
-        EXPECT_EQ(Application::current().currentEvent(), nullptr);
+        EXPECT_EQ(Application::current().currentEvent()->type, EventType::LeftMouseUp);
         return probe->probe().log;
     };
     const auto down = std::to_string(static_cast<int>(EventType::LeftMouseDown));

@@ -166,7 +166,7 @@ private:
         event.eventNumber = m_presses;
         event.modifierFlags = flags;
         event.deltaX = point.x - m_last.x;
-        event.deltaY = m_last.y - point.y;
+        event.deltaY = point.y - m_last.y;
         m_last = point;
         Application::current().postEvent(std::move(event));
     }
