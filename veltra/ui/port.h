@@ -63,9 +63,7 @@ public:
     // Lets the user move the window with the button that is down. Returns false where that is not
     // possible.
     virtual bool startMove() { return false; }
-    // Keeps the pointer in its place and out of sight while drags go on without end: their movement
-    // counts, and their places go on beyond the screen. Ends by itself with the release. Returns
-    // false where that is not possible.
+    // See Window::lockPointer(). The pointer is out of sight meanwhile.
     virtual bool lockPointer(bool /*isLocked*/) { return false; }
 };
 

@@ -109,6 +109,11 @@ public:
     // the release to the view of the press, keys to the first responder.
     virtual void sendEvent(const Event& event);
 
+    // While the left button is down: keeps the pointer in its place, so that a drag has no end at
+    // the edge of the screen. Its places and movement go on as if nothing held it. Ends by itself
+    // with the release. Returns false where that is not possible.
+    bool lockPointer(bool isLocked) { return m_port.lockPointer(isLocked); }
+
     // Tab and back-tab lead on in the key-view loop. Views that are clipped away are brought into
     // sight (View::scrollRectToVisible()), or passed over where that is not possible.
     void keyDown(const Event& event) override;
