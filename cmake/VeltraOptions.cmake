@@ -18,6 +18,12 @@ cmake_dependent_option(VELTRA_INTERPOSE
     "Export malloc and its relatives, so that the memory services see every allocation" ON
     "PROJECT_IS_TOP_LEVEL;VELTRA_SHARED;NOT VELTRA_SANITIZE;NOT VELTRA_FUZZ" OFF)
 
+string(TOLOWER "${CMAKE_SYSTEM_NAME}" veltra_system)
+set(VELTRA_PLATFORM "${veltra_system}" CACHE STRING "The port to build: a folder of veltra/platform")
+if(NOT EXISTS "${PROJECT_SOURCE_DIR}/veltra/platform/${VELTRA_PLATFORM}/sources.cmake")
+    message(FATAL_ERROR "There is no port '${VELTRA_PLATFORM}'. docs/platform.md says what one consists of.")
+endif()
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -107,7 +113,7 @@ function(veltra_print_summary)
         return()
     endif()
     message(STATUS "Veltra ${PROJECT_VERSION}, ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}, ${CMAKE_BUILD_TYPE}")
-    foreach(name SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB INSTALL WERROR SANITIZE)
+    foreach(name PLATFORM SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB INSTALL WERROR SANITIZE)
         string(LENGTH "${name}" used)
         math(EXPR pad "12 - ${used}")
         string(REPEAT " " ${pad} blank)

@@ -1,8 +1,34 @@
 # SPDX-License-Identifier: MIT
+# The folders of the rooms in veltra/rooms.txt, in its order, as far as they exist. It is an error
+# when a room stands above one that it knows, or knows one that is not there.
+function(veltra_read_rooms result)
+    set(table "${PROJECT_SOURCE_DIR}/veltra/rooms.txt")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${table}")
+    file(STRINGS "${table}" lines REGEX "^[A-Za-z]")
+    set(rooms "")
+    set(folders "")
+    foreach(line IN LISTS lines)
+        string(REGEX MATCH "^[^: ]+" room "${line}")
+        string(REGEX REPLACE "^[^:]+: *" "" known "${line}")
+        separate_arguments(known)
+        foreach(other IN LISTS known)
+            if(NOT other IN_LIST rooms)
+                message(FATAL_ERROR "${table}: ${room} knows ${other}, which does not stand above it")
+            endif()
+        endforeach()
+        list(APPEND rooms ${room})
+        file(GLOB found LIST_DIRECTORIES FALSE RELATIVE "${PROJECT_SOURCE_DIR}/veltra" CONFIGURE_DEPENDS
+            "${PROJECT_SOURCE_DIR}/veltra/${room}/CMakeLists.txt")
+        list(TRANSFORM found REPLACE "/CMakeLists.txt$" "")
+        list(APPEND folders ${found})
+    endforeach()
+    set(${result} ${folders} PARENT_SCOPE)
+endfunction()
+
 # A room is one folder of veltra/ and one target: its sources become part of the library, its tests
 # one program.
 #
-#   veltra_room(audio DEPENDS platform
+#   veltra_room(audio
 #       UNITS musical_context           # x.h and x.cpp, and x_test.cpp where there is one
 #       HEADERS only_a_header.h         # installed, without a source
 #       PRIVATE detail/helper.cpp       # sources whose headers are not installed
@@ -10,7 +36,7 @@
 #
 # Tests link the rooms themselves, not the library: they may look inside.
 function(veltra_room name)
-    cmake_parse_arguments(ROOM "" "" "DEPENDS;UNITS;HEADERS;PRIVATE;TESTS;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ROOM "" "" "UNITS;HEADERS;PRIVATE;TESTS;LIBRARIES" ${ARGN})
     string(REPLACE "/" "_" target "veltra_${name}")
     set(sources ${ROOM_PRIVATE})
     set(headers ${ROOM_HEADERS})
@@ -36,8 +62,9 @@ endfunction()
 
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
 # host and links only the LIBRARIES that it names. ENVIRONMENT: one variable for its runs by ctest.
+# FILTER: which of its cases ctest knows, as GoogleTest has it.
 function(veltra_test target)
-    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT;FILTER" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE
@@ -50,5 +77,9 @@ function(veltra_test target)
     if(TEST_ENVIRONMENT)
         list(APPEND properties ENVIRONMENT "${TEST_ENVIRONMENT}")
     endif()
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+    set(filter "")
+    if(TEST_FILTER)
+        set(filter TEST_FILTER "${TEST_FILTER}")
+    endif()
+    gtest_discover_tests(${target} ${filter} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()

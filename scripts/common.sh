@@ -7,13 +7,23 @@ export LC_ALL=C.UTF-8
 say() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 
-# Configures and builds one preset; quiet where nothing changed.
+# The script's own first comment.
+usage() { sed -n '3,${/^#/!q; s/^# \{0,1\}//; p}' "$0"; }
+case ${1-} in -h | --help) usage; exit 0 ;; esac
+
+# Configures and builds one preset. On a terminal the progress shows; elsewhere only what went wrong
+# does.
 build() {
     local preset=$1
     shift
     say "build $preset"
     cmake --preset "$preset" "$@" | grep -E '^--   VELTRA_|^-- Veltra|not found' || true
-    cmake --build --preset "$preset" --parallel "$(nproc)" | tail -n 3
+    if [ -t 1 ]; then
+        cmake --build --preset "$preset" --parallel "$(nproc)"
+    else
+        cmake --build --preset "$preset" --parallel "$(nproc)" |
+            { grep -vE '^\[[0-9]+/[0-9]+\] |^ninja: no work to do' || true; }
+    fi
 }
 
 # Reads ctest's log, one line a test: sets p (passed), s (skipped) and f (failed).
@@ -28,3 +38,10 @@ count_tests() {
 
 # What such a log says beside the tests that passed.
 tell_failures() { grep -vE ' Passed |^ *Start ' "$1" || true; }
+
+# Each reason of a skipped test once, with its count, out of ctest's results (--output-junit).
+tell_skips() {
+    echo "skipped, by reason:"
+    sed 's/.*<system-out>//; s/&apos;/'\''/g; s/&quot;/"/g' "$@" |
+        awk '/: Skipped$/ { getline; print } sub(/^Skipped: /, "")' | sort | uniq -c | sort -rn
+}

@@ -76,7 +76,7 @@ void Session::runLive() {
     bool hasMore = true;
     while (!isInterrupted() && (hasMore || m_engine->stripCount() > 0)) {
         hasMore = hasMore && addNextFile();
-        loop.runOnce(hasMore ? 0.0 : kTickSeconds);
+        loop.runOnce(seconds(hasMore ? 0.0 : kTickSeconds));
     }
     m_output->stop();
 }

@@ -3,12 +3,11 @@
 // terminal.
 #include "veltra/controls/level_meters/level_ballistics.h"
 
-#include <cstdint>
 #include <cstdio>
 
 int main() {
-    constexpr std::uint64_t kMillisecond = 1'000'000;  // times are nanoseconds
-    std::uint64_t now = 0;
+    const veltra::Moment start;
+    veltra::Moment now = start;
 
     veltra::LevelBallistics meter;
     meter.setFallBackStep(0.1F);  // falls by 0.1 in 50 ms
@@ -17,16 +16,15 @@ int main() {
 
     meter.setLevel(1.2F, false, now);  // up at once, and the clip light goes on
     std::printf("at once:  %.2f, clip %d\n", meter.displayLevel(), meter.peak());
-    now += 100 * kMillisecond;
+    now += veltra::milliseconds(100);
     if (meter.setLevel(0.0F, false, now)) {  // true: draw it again
         std::printf("100 ms:   %.2f, maximum %.2f\n", meter.displayLevel(),
                     meter.maxDisplayLevel());
     }
     while (meter.tick(now)) {  // nobody sends levels any more: let it fall
-        now += 50 * kMillisecond;
+        now += veltra::milliseconds(50);
     }
-    std::printf("%llu ms:  %.2f\n", static_cast<unsigned long long>(now / kMillisecond),
-                meter.displayLevel());
+    std::printf("%.0f ms:  %.2f\n", (now - start).seconds() * 1000, meter.displayLevel());
     meter.setPeak(false);  // the user has seen it
     return meter.displayLevel() == 0.0F && meter.maxDisplayLevel() > 1.0F && !meter.peak() ? 0 : 1;
 }

@@ -361,7 +361,7 @@ Answer assertion() {
 Answer alertThatNobodySees() {
     Alert alert;
     alert.message = "message";
-    alert.timeoutSeconds = 0.001;
+    alert.timeout = milliseconds(1);
     ::setsid();  // no terminal
     return oneOf(presentAlert(alert) == AlertAnswer::TimedOut, false);
 }
@@ -372,8 +372,8 @@ Answer runLoop() {
     Ticks ticks;
     RunLoop* loop = RunLoop::current();
     if (loop == nullptr) return Answer::Neutral;
-    const auto timer =
-        loop->schedule({.seconds = 1e-9, .target = &ticks, .action = action<&Ticks::countOne>()});
+    const auto timer = loop->schedule(
+        {.interval = Nanoseconds(1), .target = &ticks, .action = action<&Ticks::countOne>()});
     if (timer == nullptr) return Answer::Neutral;
     while (timer->isValid())
         loop->runDue();
@@ -406,7 +406,7 @@ Answer timers() {
     timer.start();
     const bool isStarted = timer.isValid();
     const bool hasDescriptor = loop.descriptor() >= 0;
-    const bool isStopped = loop.runFor(isStarted ? 0.001 : 0.0);
+    const bool isStopped = loop.runFor(milliseconds(isStarted ? 1 : 0));
     RunLoop::setCurrent(nullptr);
     return oneOf(isDescribed && isStarted && hasDescriptor && !isStopped && ticks.count == 1,
                  isDescribed && ticks.count == (isStarted ? 1 : 0));
@@ -489,7 +489,8 @@ Answer processing() {
         family->useBest();
     const bool isRight = QKCRC32(0, "123456789", 9) == 0xCBF43926U &&
                          utf8_check("a\xC3\xA9") == 1 && CDotAPI::MenuText(99) == nullptr &&
-                         context.m_tempo == 120000 && Clocks::current().monotonic().error == 0 &&
+                         context.m_tempo == 120000 &&
+                         Clocks::current().monotonic().errorNumber() == 0 &&
                          Process::current().processId() == ::getpid() &&
                          environmentVariable("no such variable") == nullptr && evening &&
                          (zone == nullptr || zone != kZone || evening->hour == 17);

@@ -10,6 +10,7 @@ cat >"$work/CMakeLists.txt" <<HOST
 cmake_minimum_required(VERSION 3.25)
 project(Host LANGUAGES C CXX)
 set(VELTRA_SHARED OFF)
+set(CMAKE_CXX_FLAGS_RELEASE "-O0")  # the build is what is tested
 add_subdirectory("$source_dir" veltra EXCLUDE_FROM_ALL)
 add_executable(host "$source_dir/examples/first_program/main.cpp")
 target_link_libraries(host PRIVATE Veltra::Veltra)

@@ -39,7 +39,7 @@ protected:
     void use(const char* layout) {
         setEnvironment("DISPLAY", nullptr);
         setEnvironment("XKB_DEFAULT_LAYOUT", layout);
-        m_clocks.now += 1'000'000'000;  // when a layout is read again
+        m_clocks.now += seconds(1.0);  // when a layout is read again
     }
     bool hasLayouts() {
         use("us");

@@ -14,7 +14,7 @@ namespace veltra {
 namespace {
 
 constexpr std::uint32_t kErrorLevel = 3;
-constexpr double kAlertSeconds = 60.0;
+constexpr Nanoseconds kAlertTimeout = seconds(60.0);
 constexpr std::size_t kTextSize = 4096;
 
 // Meant for one thread; atomic so that a second one reads an old value and nothing worse.
@@ -27,7 +27,7 @@ AlertAnswer report(std::string_view text, std::string_view otherButton) noexcept
                          .defaultButton = "Resume",
                          .alternateButton = "Debugger",
                          .otherButton = otherButton,
-                         .timeoutSeconds = kAlertSeconds});
+                         .timeout = kAlertTimeout});
 }
 
 const char* orNull(const char* text) noexcept {

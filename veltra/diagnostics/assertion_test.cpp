@@ -25,7 +25,7 @@ public:
         message = alert.message;
         buttons = std::string(alert.defaultButton) + "|" + std::string(alert.alternateButton) +
                   "|" + std::string(alert.otherButton);
-        timeout = alert.timeoutSeconds;
+        timeout = alert.timeout;
         recordsBefore = m_world.records.size();
         return answer;
     }
@@ -33,7 +33,7 @@ public:
     AlertAnswer answer = AlertAnswer::Default;
     int count = 0;
     std::string header, message, buttons;
-    double timeout = 0;
+    Nanoseconds timeout;
     std::size_t recordsBefore = 0;
 
 private:
@@ -53,7 +53,7 @@ TEST(Assertion, IsLoggedThenShown) {
     EXPECT_EQ(presenter.header, "Assertion failed");
     EXPECT_EQ(presenter.message, "ASSERT(a %% b < 1) in f() failed.\n");
     EXPECT_EQ(presenter.buttons, "Resume|Debugger|Stop");
-    EXPECT_EQ(presenter.timeout, 60.0);
+    EXPECT_EQ(presenter.timeout, seconds(60.0));
 
     const std::string expression(5000, 'x');
     dbgASSERT(0, expression.c_str(), "f()", nullptr);

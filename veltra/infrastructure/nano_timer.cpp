@@ -49,7 +49,7 @@ bool QKNanoTimer::init() noexcept {
     constexpr int kCalibrationRounds = 10;
     myHost = 0;
     clk_realtime = 0;
-    if (const int error = Clocks::current().monotonic().error; error != 0) {
+    if (const int error = Clocks::current().monotonic().errorNumber(); error != 0) {
         printClockError("host_get_clock_service : ", error);
         return false;
     }
@@ -64,8 +64,8 @@ bool QKNanoTimer::init() noexcept {
 
 std::uint64_t QKNanoTimer::_getclock() const noexcept {
     const ClockReading now = Clocks::current().monotonic();
-    if (now.error == 0) return now.nanoseconds;
-    printClockError("clock_get_time : ", now.error);
+    if (!now.hasFailed()) return static_cast<std::uint64_t>(now.moment().sinceStart().count());
+    printClockError("clock_get_time : ", now.errorNumber());
     return 0;
 }
 

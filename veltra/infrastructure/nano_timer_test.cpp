@@ -15,24 +15,24 @@ namespace {
 
 class QKNanoTimerTest : public ::testing::Test {
 protected:
-    void measure(QKNanoTimer& timer, std::uint64_t nanoseconds) {
+    void measure(QKNanoTimer& timer, std::int64_t nanoseconds) {
         timer.start();
-        clocks.now += nanoseconds;
+        clocks.now += Nanoseconds(nanoseconds);
         timer.stop();
     }
     testing::ManualClocks clocks;
 };
 
 TEST_F(QKNanoTimerTest, TakesOffItsOwnCostAtEachStopButNotWhileRunning) {
-    clocks.tick = 30;  // what a reading of the clock costs
+    clocks.tick = Nanoseconds(30);  // what a reading of the clock costs
     const auto timer = QKNanoTimer::timer();
-    clocks.tick = 0;
+    clocks.tick = Nanoseconds();
     timer->start();
-    clocks.now += 100;
+    clocks.now += Nanoseconds(100);
     EXPECT_EQ(timer->nanoseconds(), 100U);
     timer->start();            // ignored
     timer->setLoopcounter(9);  // ignored
-    clocks.now += 20;
+    clocks.now += Nanoseconds(20);
     timer->stop();
     timer->stop();  // ignored
     EXPECT_EQ(timer->nanoseconds(), 90U);
@@ -61,7 +61,7 @@ TEST_F(QKNanoTimerTest, CountsDivideUnsignedAndWrap) {
 TEST_F(QKNanoTimerTest, DescriptionChoosesTheUnitBeforeItRounds) {
     const auto timer = QKNanoTimer::timer();
     // 1.25 is exact: half to even, as printf rounds.
-    const std::pair<std::uint64_t, const char*> cases[] = {
+    const std::pair<std::int64_t, const char*> cases[] = {
         {499, "499ns"},
         {500, "0.5us"},
         {1250, "1.2us"},
@@ -69,12 +69,12 @@ TEST_F(QKNanoTimerTest, DescriptionChoosesTheUnitBeforeItRounds) {
         {500'000, "0.5ms"},
         {499'999'999, "500.0ms"},
         {500'000'000, "0.5s (500.0ms)"},
-        {UINT64_MAX, "18446744073.7s (18446744073709.6ms)"}};
+        {INT64_MAX, "9223372036.9s (9223372036854.8ms)"}};
     for (const auto& [nanoseconds, text] : cases) {
         timer->reset();
-        clocks.now = 0;
+        clocks.now = Moment();
         timer->start();
-        clocks.now = nanoseconds;
+        clocks.now = Moment(Nanoseconds(nanoseconds));
         EXPECT_EQ(timer->description(), text);
     }
 }

@@ -3,6 +3,8 @@
 
 #include "veltra/platform/run_loop.h"
 
+#include <algorithm>
+
 namespace veltra {
 
 QkTimerProxy::QkTimerProxy(Anchored* target, Action selector, void* userInfo,
@@ -35,7 +37,8 @@ void QkTimer::startWithTimeInterval(double seconds) noexcept {
     m_timer.reset();
     RunLoop* const loop = RunLoop::current();
     if (loop == nullptr) return;
-    m_timer = loop->schedule({.seconds = seconds,
+    const Nanoseconds shortest(seconds > 0.0 ? 1 : 0);  // what is above 0 stays above 0
+    m_timer = loop->schedule({.interval = std::max(veltra::seconds(seconds), shortest),
                               .target = &m_proxy,
                               .action = veltra::action<&QkTimerProxy::action>(),
                               .userInfo = m_proxy.userInfo(),

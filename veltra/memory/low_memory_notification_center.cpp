@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/low_memory_notification_center.h"
 
+#include "veltra/base/object_file.h"
 #include "veltra/base/string_object_text.h"
 #include "veltra/memory/detail/probe.h"
-#include "veltra/platform/fork_reset.h"
+#include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/notification_center.h"
 #include "veltra/platform/preferences.h"
 
@@ -43,7 +44,7 @@ constinit std::atomic<void*> reserve{nullptr};
 
 constinit AdaptiveLock lock;
 // Initial-exec: its first use on a thread allocates nothing.
-[[gnu::tls_model("initial-exec")]] constinit thread_local bool holdsLock = false;
+VELTRA_NEVER_ALLOCATED constinit thread_local bool holdsLock = false;
 constinit Entry* firstEntry = nullptr;  // under the lock; whole between any two instructions
 
 // The lock, if this thread does not hold it: an observer that calls back in gets an answer instead
@@ -115,7 +116,7 @@ int LowMemoryNotificationCenter::InitializeLMNotificationCenter() noexcept {
     if (block == nullptr) return 0;
     reserve.store(block, std::memory_order_release);  // with whoever takes it out
     criticalOperations.store(0, kPlain);
-    resetInChildren(lock);
+    addForkHandler({lock, ForkPolicy::ResetInChild});
     isInitialised.store(1, kPlain);
     return 1;
 }

@@ -12,7 +12,7 @@
 #include "veltra/memory/detail/reserve_blocks.h"
 #include "veltra/memory/detail/reserve_mode.h"
 #include "veltra/memory/detail/zone_notice.h"
-#include "veltra/platform/fork_reset.h"
+#include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/zone_code.h"
@@ -244,7 +244,7 @@ void start(QKMemoryReserveCallback callback, void* context) noexcept {
     const ZoneEntries entries = zone.entries();
     writeLine(isSplit ? "QKMemReserve: starting in Marquee mode\n"
                       : "QKMemReserve: starting in Corvid mode\n");
-    resetInChildren(state.lock);
+    addForkHandler({state.lock, ForkPolicy::ResetInChild});
     {
         const std::lock_guard guard(state.lock);
         if (isSplit) {

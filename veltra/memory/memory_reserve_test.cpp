@@ -4,6 +4,7 @@
 
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/memory/detail/reserve_mode.h"
+#include "veltra/memory/testing/arena_heap.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/memory/testing/limited_heap.h"
 #include "veltra/memory/testing/zone_stress.h"
@@ -229,11 +230,11 @@ TEST_F(MemoryReserve, TellsTheLogOnceThatNothingPassesThroughTheZone) {
                                                        "through the framework's zone (malloc is"));
 }
 
-AllocationZone shared{testing::kRealHeap};
+AllocationZone shared{testing::kArenaHeap};
 
 TEST_F(MemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     AllocationZone::install(&shared);
-    ZoneEntries calls = testing::kRealHeap;
+    ZoneEntries calls = testing::kArenaHeap;
     calls.allocate = [](std::size_t size) noexcept { return shared.allocate.load()(size); };
     calls.free = [](void* block) noexcept { shared.free.load()(block); };
     EXPECT_EQ(testing::stressReserve(shared, calls), 0);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/alert.h"
 
-#include "veltra/base/replaceable.h"
+#include "veltra/base/installable_source.h"
+#include "veltra/platform/port.h"
 
 #include <algorithm>
 
@@ -9,9 +10,7 @@ namespace veltra {
 
 namespace {
 
-constexpr double kLongestTimeoutSeconds = 24.0 * 60.0 * 60.0;
-
-constinit Replaceable<AlertPresenter, &AlertPresenter::platform> replaceableAlertPresenter;
+constexpr Nanoseconds kLongestTimeout = seconds(86'400.0);
 
 bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
     switch (answer) {
@@ -31,18 +30,18 @@ bool isOffered(AlertAnswer answer, const Alert& alert) noexcept {
 
 AlertPresenter::~AlertPresenter() = default;
 
-AlertPresenter& AlertPresenter::current() noexcept {
-    return replaceableAlertPresenter.current();
+AlertPresenter& AlertPresenter::platform() noexcept {
+    return platformAlertPresenter();
 }
 
-AlertPresenter* AlertPresenter::install(AlertPresenter* presenter) noexcept {
-    return replaceableAlertPresenter.install(presenter);
-}
+template <>
+struct OwnImplementation<AlertPresenter> : OwnFrom<platformAlertPresenter> {};
+template class Installable<AlertPresenter>;
 
 AlertAnswer presentAlert(const Alert& alert) noexcept {
-    if (!(alert.timeoutSeconds > 0.0)) return AlertAnswer::TimedOut;
+    if (alert.timeout <= Nanoseconds()) return AlertAnswer::TimedOut;
     Alert asked = alert;
-    asked.timeoutSeconds = std::min(alert.timeoutSeconds, kLongestTimeoutSeconds);
+    asked.timeout = std::min(alert.timeout, kLongestTimeout);
     if (asked.defaultButton.empty()) asked.defaultButton = "OK";
     const AlertAnswer answer = AlertPresenter::current().present(asked);
     return isOffered(answer, asked) ? answer : AlertAnswer::TimedOut;

@@ -4,6 +4,8 @@
 // event loops, and with nobody there to answer it gives up rather than wait.
 #pragma once
 
+#include "veltra/base/installable.h"
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 
 #include <string_view>
@@ -28,17 +30,17 @@ struct Alert {
     std::string_view alternateButton;  // not offered when empty
     std::string_view otherButton;      // not offered when empty
 
-    // How long the question may stand. Zero, negative or not a number: nothing is shown, the answer
-    // is TimedOut. More than a day counts as a day: an alert that nobody sees must end by itself.
-    double timeoutSeconds = 0.0;
+    // How long the question may stand. Not above 0: nothing is shown, the answer is TimedOut. More
+    // than a day counts as a day: an alert that nobody sees must end by itself.
+    Nanoseconds timeout{};
 };
 
+class AlertPresenter;
+extern template class VELTRA_EXPORT Installable<AlertPresenter>;
+
 // Who shows alerts. A host derives from it to use dialogs of its own; tests answer by program.
-class VELTRA_EXPORT AlertPresenter {
+class VELTRA_EXPORT AlertPresenter : public Installable<AlertPresenter> {
 public:
-    AlertPresenter() = default;
-    AlertPresenter(const AlertPresenter&) = delete;
-    AlertPresenter& operator=(const AlertPresenter&) = delete;
     virtual ~AlertPresenter();
 
     // Shows `alert` and waits for the answer, no longer than its time-out. Called on whichever
@@ -55,16 +57,6 @@ public:
     // stands.
     // Thread: any. Realtime-safe: yes (naming it; showing an alert is not).
     static AlertPresenter& platform() noexcept;
-
-    // The presenter in force: the installed one, else platform().
-    // Thread: any. Realtime-safe: yes.
-    static AlertPresenter& current() noexcept;
-
-    // Puts `presenter` in force (not owned; must stay alive until replaced and until the alerts it
-    // shows are answered); null goes back to platform(). Answers what was installed before, null
-    // for the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static AlertPresenter* install(AlertPresenter* presenter) noexcept;
 };
 
 // Asks through AlertPresenter::current() and waits for the answer. An answer that is none of the

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/alert.h"
 
-#include <cmath>
-#include <limits>
-
 #include <gtest/gtest.h>
 
 namespace veltra {
@@ -35,13 +32,14 @@ TEST_F(AlertTest, InstalledPresenterGetsTheQuestionAndAnswersThatWereNotOfferedC
     };
     for (const auto& each : cases) {
         given = each.given;
-        EXPECT_EQ(presentAlert({"h", "m", "a", each.alternate, each.other, 1.5}), each.taken);
+        EXPECT_EQ(presentAlert({"h", "m", "a", each.alternate, each.other, seconds(1.5)}),
+                  each.taken);
         EXPECT_EQ(seen->header, "h");
         EXPECT_EQ(seen->message, "m");
         EXPECT_EQ(seen->defaultButton, "a");
         EXPECT_EQ(seen->alternateButton, each.alternate);
         EXPECT_EQ(seen->otherButton, each.other);
-        EXPECT_EQ(seen->timeoutSeconds, 1.5);
+        EXPECT_EQ(seen->timeout, seconds(1.5));
     }
 }
 

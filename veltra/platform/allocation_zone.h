@@ -15,6 +15,7 @@
 // as every wrapper answers the blocks of the entry that it wraps.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <atomic>
@@ -40,7 +41,12 @@ struct ZoneEntries {
     Size size = nullptr;  // bytes that the block holds, at least what was asked for; 0 for null
 };
 
-class VELTRA_EXPORT AllocationZone {
+class AllocationZone;
+extern template class VELTRA_EXPORT Installable<AllocationZone>;
+
+// current() is the zone that the memory services wrap: process(), until another one is installed.
+// Install one while no service has wrapped the zone.
+class VELTRA_EXPORT AllocationZone : public Installable<AllocationZone> {
 public:
     explicit constexpr AllocationZone(const ZoneEntries& entries) noexcept
         : allocate(entries.allocate),
@@ -49,8 +55,6 @@ public:
           reallocate(entries.reallocate),
           free(entries.free),
           size(entries.size) {}
-    AllocationZone(const AllocationZone&) = delete;
-    AllocationZone& operator=(const AllocationZone&) = delete;
 
     // What the entries are at this moment, each read for itself.
     // Thread: any. Realtime-safe: yes.
@@ -88,15 +92,6 @@ public:
     // The process's own zone.
     // Thread: any. Realtime-safe: yes.
     static AllocationZone& process() noexcept;
-
-    // The zone that the memory services wrap: the installed one, else process().
-    // Thread: any. Realtime-safe: yes.
-    static AllocationZone& current() noexcept;
-
-    // Puts `zone` in force (not owned; must stay alive until replaced); null goes back to
-    // process(). Answers what was installed before, null for process().
-    // Thread: any, while no service has wrapped the zone. Realtime-safe: yes.
-    static AllocationZone* install(AllocationZone* zone) noexcept;
 };
 
 }  // namespace veltra

@@ -3,6 +3,8 @@
 // that a host or a test can put a clock of its own in their place.
 #pragma once
 
+#include "veltra/base/installable.h"
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 
 #include <cstdint>
@@ -16,36 +18,45 @@ struct WallTime {
     std::int32_t nanoseconds = 0;
 };
 
-// One reading of the monotonic clock. `error` is 0 or the system's error number (an errno value);
-// with an error, `nanoseconds` is 0.
-struct ClockReading {
-    std::uint64_t nanoseconds = 0;
-    int error = 0;
+// What came of one attempt to read the monotonic clock: a moment, or why there is none.
+class ClockReading {
+public:
+    constexpr ClockReading(Moment moment) noexcept : m_moment(moment) {}
+
+    // The clock could not be read. `errorNumber` is the system's (an errno value), not 0.
+    static constexpr ClockReading failed(int errorNumber) noexcept {
+        ClockReading reading{Moment()};
+        reading.m_errorNumber = errorNumber;
+        return reading;
+    }
+
+    constexpr bool hasFailed() const noexcept { return m_errorNumber != 0; }
+    constexpr int errorNumber() const noexcept { return m_errorNumber; }  // 0: none
+
+    // The clock's start when it could not be read, so that a caller who does not mind finds that no
+    // time passes.
+    constexpr Moment moment() const noexcept { return m_moment; }
+
+private:
+    Moment m_moment;
+    int m_errorNumber = 0;
 };
 
-class VELTRA_EXPORT Clocks {
+class Clocks;
+extern template class VELTRA_EXPORT Installable<const Clocks>;
+
+// Install clocks while nobody measures an interval.
+class VELTRA_EXPORT Clocks : public Installable<const Clocks> {
 public:
-    Clocks() = default;
-    Clocks(const Clocks&) = delete;
-    Clocks& operator=(const Clocks&) = delete;
     virtual ~Clocks();
 
-    // Nanoseconds since some fixed moment; never goes back, does not follow changes of the date.
+    // Never goes back, does not follow changes of the date.
     // Thread: any. Realtime-safe: yes, with the platform's own clocks.
     virtual ClockReading monotonic() const noexcept = 0;
 
     // The date and time of day.
     // Thread: any. Realtime-safe: yes, with the platform's own clocks.
     virtual WallTime wall() const noexcept = 0;
-
-    // The clocks in force: the installed ones, else the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static const Clocks& current() noexcept;
-
-    // Puts `clocks` in force (not owned; must stay alive until replaced); null goes back to the
-    // platform's own. Answers what was installed before, null for the platform's own.
-    // Thread: any, while nobody measures an interval. Realtime-safe: yes.
-    static const Clocks* install(const Clocks* clocks) noexcept;
 };
 
 }  // namespace veltra

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// A lock for sections of a few microseconds whose state must be whole in a forked child: fork()
-// waits until it has the lock, copies the process, and gives it back on both sides.
+// A lock for sections of a few microseconds whose state must be whole in a forked child.
 //
 // The forking thread owns the lock while the other handlers of the fork run; these may call in
 // again, and pass.
 #pragma once
 
-#include "veltra/base/adaptive_lock.h"
+#include "veltra/platform/fork_handlers.h"
 
 namespace veltra {
 
@@ -17,16 +16,19 @@ public:
     ForkSafeLock(const ForkSafeLock&) = delete;
     ForkSafeLock& operator=(const ForkSafeLock&) = delete;
 
-    void lock() noexcept;
-    void unlock() noexcept;
+    void lock() noexcept {
+        if (!isHeldByThisFork(m_lock)) m_lock.lock();
+    }
+    void unlock() noexcept {
+        if (!isHeldByThisFork(m_lock)) m_lock.unlock();
+    }
 
-    // Forks hold the lock from here on, which must live as long as the process; there is room for
-    // four such locks. Once is enough; again does no harm.
+    // Forks hold the lock from here on; it must live as long as the process. Once is enough; again
+    // does no harm.
     // Thread: any. Realtime-safe: no.
-    void holdAcrossForks() noexcept;
+    void holdAcrossForks() noexcept { addForkHandler({m_lock, ForkPolicy::HoldAcross}); }
 
 private:
-    friend struct ForkHandlers;
     AdaptiveLock m_lock;
 };
 

@@ -1,25 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/keyboard_layout.h"
 
-#include "veltra/base/replaceable.h"
-#include "veltra/platform/detail/platform_keyboard_layout.h"
+#include "veltra/base/installable_source.h"
+#include "veltra/platform/port.h"
 
 namespace veltra {
 
-namespace {
-
-constinit Replaceable<const KeyboardLayout, &platformKeyboardLayout> replaceableKeyboardLayout;
-
-}  // namespace
-
 KeyboardLayout::~KeyboardLayout() = default;
 
-const KeyboardLayout& KeyboardLayout::current() noexcept {
-    return replaceableKeyboardLayout.current();
-}
-
-const KeyboardLayout* KeyboardLayout::install(const KeyboardLayout* layout) noexcept {
-    return replaceableKeyboardLayout.install(layout);
-}
+template <>
+struct OwnImplementation<const KeyboardLayout> : OwnFrom<platformKeyboardLayout> {};
+template class Installable<const KeyboardLayout>;
 
 }  // namespace veltra

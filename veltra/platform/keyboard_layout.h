@@ -5,6 +5,7 @@
 // every layout: 0x00 is the key that types "a" on an American keyboard, 0x7A is F1.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <cstdint>
@@ -24,29 +25,21 @@ struct KeyTranslation {
     bool isDeadKey = false;  // waits for a second key to put its accent on
 };
 
-class VELTRA_EXPORT KeyboardLayout {
+class KeyboardLayout;
+extern template class VELTRA_EXPORT Installable<const KeyboardLayout>;
+
+// The platform's own is the layout of the display that DISPLAY names; without one, that of the
+// XKB_DEFAULT_ variables; without those, the one configured for the machine. It is read when it is
+// first asked, and again when it is asked a second or more later. There is none when the library
+// was built without libxkbcommon.
+class VELTRA_EXPORT KeyboardLayout : public Installable<const KeyboardLayout> {
 public:
-    KeyboardLayout() = default;
-    KeyboardLayout(const KeyboardLayout&) = delete;
-    KeyboardLayout& operator=(const KeyboardLayout&) = delete;
     virtual ~KeyboardLayout();
 
     // What a key types in the layout of this moment; nothing when there is no layout or memory is
     // out.
     // Thread: main. Realtime-safe: no.
     virtual std::optional<KeyTranslation> translate(std::uint16_t keyCode) const noexcept = 0;
-
-    // The layout in force: the installed one, else the platform's own. That is the layout of the
-    // display that DISPLAY names; without one, that of the XKB_DEFAULT_ variables; without those,
-    // the one configured for the machine. It is read when it is first asked, and again when it is
-    // asked a second or more later. There is none when the library was built without libxkbcommon.
-    // Thread: any. Realtime-safe: yes.
-    static const KeyboardLayout& current() noexcept;
-
-    // Puts `layout` in force (not owned; must stay alive until replaced); null goes back to the
-    // platform's own. Answers what was installed before, null for the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static const KeyboardLayout* install(const KeyboardLayout* layout) noexcept;
 };
 
 }  // namespace veltra

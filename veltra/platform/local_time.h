@@ -2,6 +2,8 @@
 // Civil time in the zone of the user: what a clock on the wall shows.
 #pragma once
 
+#include "veltra/base/installable.h"
+#include "veltra/export.h"
 #include "veltra/platform/clock.h"
 
 #include <cstdint>
@@ -20,11 +22,11 @@ struct CivilTime {
     bool operator==(const CivilTime&) const = default;
 };
 
-class VELTRA_EXPORT LocalTime {
+class LocalTime;
+extern template class VELTRA_EXPORT Installable<const LocalTime>;
+
+class VELTRA_EXPORT LocalTime : public Installable<const LocalTime> {
 public:
-    LocalTime() = default;
-    LocalTime(const LocalTime&) = delete;
-    LocalTime& operator=(const LocalTime&) = delete;
     virtual ~LocalTime();
 
     // `moment` in the Gregorian calendar and the local zone; nothing when the system cannot tell.
@@ -33,15 +35,6 @@ public:
     // Thread: any. Realtime-safe: no (it asks the system once in a quarter of an hour, under the
     // C library's lock).
     virtual std::optional<CivilTime> civilTime(WallTime moment) const noexcept = 0;
-
-    // The one in force: the installed one, else the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static const LocalTime& current() noexcept;
-
-    // Puts `localTime` in force (not owned; must stay alive until replaced); null goes back to the
-    // platform's own. Answers what was installed before, null for the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static const LocalTime* install(const LocalTime* localTime) noexcept;
 };
 
 }  // namespace veltra

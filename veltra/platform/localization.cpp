@@ -2,7 +2,7 @@
 #include "veltra/platform/localization.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/base/installable_source.h"
 
 namespace veltra {
 
@@ -18,19 +18,13 @@ const LocalizedStrings& keysThemselves() noexcept {
     return *strings;
 }
 
-constinit Replaceable<const LocalizedStrings, &keysThemselves> s_strings;
-
 }  // namespace
 
 LocalizedStrings::~LocalizedStrings() = default;
 
-const LocalizedStrings& LocalizedStrings::current() noexcept {
-    return s_strings.current();
-}
-
-const LocalizedStrings* LocalizedStrings::install(const LocalizedStrings* strings) noexcept {
-    return s_strings.install(strings);
-}
+template <>
+struct OwnImplementation<const LocalizedStrings> : OwnFrom<keysThemselves> {};
+template class Installable<const LocalizedStrings>;
 
 std::string localizedString(std::string_view key) {
     return LocalizedStrings::current().stringForKey(key);

@@ -7,6 +7,7 @@
 //   LocalizedStrings::install(&catalogue);      // before the first window opens
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <string>
@@ -14,26 +15,18 @@
 
 namespace veltra {
 
-class VELTRA_EXPORT LocalizedStrings {
+class LocalizedStrings;
+extern template class VELTRA_EXPORT Installable<const LocalizedStrings>;
+
+// Without a catalogue every key is returned as it is.
+class VELTRA_EXPORT LocalizedStrings : public Installable<const LocalizedStrings> {
 public:
-    LocalizedStrings() = default;
-    LocalizedStrings(const LocalizedStrings&) = delete;
-    LocalizedStrings& operator=(const LocalizedStrings&) = delete;
     virtual ~LocalizedStrings();
 
     // The text, in UTF-8, for a key, which is the English text itself. Answer the key where there
     // is no translation.
     // Thread: main. Realtime-safe: no.
     virtual std::string stringForKey(std::string_view key) const = 0;
-
-    // The installed ones, else those that answer every key with itself.
-    // Thread: any. Realtime-safe: yes.
-    static const LocalizedStrings& current() noexcept;
-
-    // Puts `strings` in force (not owned; must stay alive until replaced); null goes back to the
-    // keys themselves. Answers what was installed before, null for the keys themselves.
-    // Thread: any. Realtime-safe: yes.
-    static const LocalizedStrings* install(const LocalizedStrings* strings) noexcept;
 };
 
 // LocalizedStrings::current().stringForKey(key).

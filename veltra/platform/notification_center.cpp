@@ -3,7 +3,7 @@
 
 #include "veltra/base/immortal.h"
 #include "veltra/base/string_object_text.h"
-#include "veltra/platform/fork_reset.h"
+#include "veltra/platform/fork_handlers.h"
 
 #include <mutex>
 #include <new>
@@ -35,7 +35,7 @@ bool NotificationCenter::addObserver(void* context, Callback callback, const VLS
     auto* added =
         new (std::nothrow) Observer{nullptr, context, callback, retainString(name), object};
     if (added == nullptr) return false;  // and no reference was taken
-    if (this == &local()) resetInChildren(m_lock);
+    if (this == &local()) addForkHandler({m_lock, ForkPolicy::ResetInChild});
     const std::lock_guard guard(m_lock);
     Observer** end = &m_first;
     while (*end != nullptr)

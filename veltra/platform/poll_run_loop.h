@@ -7,7 +7,6 @@
 #include "veltra/platform/run_loop.h"
 
 #include <atomic>
-#include <cstdint>
 #include <optional>
 
 namespace veltra {
@@ -22,13 +21,13 @@ public:
     // Waits for timers and runs them until stop(), or until an action deletes the loop.
     void run();
 
-    // Like run(), for at most `seconds` (what is not above 0, or no number, runs what is due and
-    // ends). Answers whether it ended by stop(). Ends at once when the clock cannot be read.
-    bool runFor(double seconds);
+    // Like run(), for at most `longest` (not above 0: runs what is due and ends). Returns whether
+    // it ended by stop(). Ends at once when the clock cannot be read.
+    bool runFor(Nanoseconds longest);
 
-    // One round: waits for the next deadline, a stop() or a signal, but at most `seconds`, then
-    // runs what is due. Answers whether it met a stop(), and then runs nothing.
-    bool runOnce(double seconds);
+    // One round: waits for the next deadline, a stop() or a signal, but at most `longest`, then
+    // runs what is due. Returns whether it met a stop(), and then runs nothing.
+    bool runOnce(Nanoseconds longest);
 
     // Ends the innermost run() or runFor(), or makes the next one end at once; several calls before
     // that count as one. Thread: any. Realtime-safe: no (a system call).
@@ -38,14 +37,14 @@ public:
     int descriptor() noexcept override;
 
 protected:
-    void deadlineChanged(std::optional<std::uint64_t> deadline) noexcept override;
+    void deadlineChanged(std::optional<Moment> deadline) noexcept override;
 
 private:
     enum class Round { Done, Stopped };
 
-    Round round(std::uint64_t longestWait);
+    Round round(Nanoseconds longest);
     bool takeStop() noexcept;
-    void wait(std::uint64_t longest) const noexcept;
+    void wait(Nanoseconds longest) const noexcept;
 
     std::atomic<bool> m_isStopAsked{false};  // any thread
     const int m_stopDescriptor;              // any thread writes, the loop reads; -1: none

@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/preferences.h"
 
-#include "veltra/base/replaceable.h"
-#include "veltra/platform/detail/platform_preferences.h"
+#include "veltra/base/installable_source.h"
+#include "veltra/platform/port.h"
 
 namespace veltra {
-
-namespace {
-
-constinit Replaceable<Preferences, &platformPreferences> replaceablePreferences;
-
-}  // namespace
 
 Preferences::~Preferences() = default;
 
@@ -18,13 +12,9 @@ std::optional<DamagedPreferences> Preferences::takeDamageReport() noexcept {
     return std::nullopt;
 }
 
-Preferences& Preferences::current() noexcept {
-    return replaceablePreferences.current();
-}
-
-Preferences* Preferences::install(Preferences* preferences) noexcept {
-    return replaceablePreferences.install(preferences);
-}
+template <>
+struct OwnImplementation<Preferences> : OwnFrom<platformPreferences> {};
+template class Installable<Preferences>;
 
 bool Preferences::setApplicationName(std::string_view name) noexcept {
     return setPlatformApplicationName(name);

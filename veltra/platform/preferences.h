@@ -4,6 +4,7 @@
 // may ask while memory is short.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/base/property_value.h"
 #include "veltra/export.h"
 
@@ -21,11 +22,12 @@ struct DamagedPreferences {
     std::string keptAs;
 };
 
-class VELTRA_EXPORT Preferences {
+class Preferences;
+extern template class VELTRA_EXPORT Installable<Preferences>;
+
+// Install preferences while nobody reads any.
+class VELTRA_EXPORT Preferences : public Installable<Preferences> {
 public:
-    Preferences() = default;
-    Preferences(const Preferences&) = delete;
-    Preferences& operator=(const Preferences&) = delete;
     virtual ~Preferences();
 
     // Null when the key is not set, or when memory is out. The first call on the platform's own
@@ -54,15 +56,6 @@ public:
     // there is none, which is also the default for preferences without a file.
     // Thread: any. Realtime-safe: no.
     virtual std::optional<DamagedPreferences> takeDamageReport() noexcept;
-
-    // The preferences in force: the installed ones, else the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static Preferences& current() noexcept;
-
-    // Puts `preferences` in force (not owned; must stay alive until replaced); null goes back to
-    // the platform's own. Answers what was installed before, null for the platform's own.
-    // Thread: any, while nobody reads preferences. Realtime-safe: yes.
-    static Preferences* install(Preferences* preferences) noexcept;
 
     // Whose preferences the platform's own are; without it the program's file name is used. To be
     // called at start: false once they were used, or when `name` cannot be part of a file name

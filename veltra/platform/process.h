@@ -2,6 +2,7 @@
 // Who is running: the names and numbers of the process and of the calling thread.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <cstdint>
@@ -9,11 +10,11 @@
 
 namespace veltra {
 
-class VELTRA_EXPORT Process {
+class Process;
+extern template class VELTRA_EXPORT Installable<const Process>;
+
+class VELTRA_EXPORT Process : public Installable<const Process> {
 public:
-    Process() = default;
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
     virtual ~Process();
 
     // The program's name without its folder; the view is good until the host changes the name.
@@ -37,15 +38,6 @@ public:
     // set-group-id, file capabilities): the environment is not to be trusted then.
     // Thread: any. Realtime-safe: yes.
     virtual bool isSetUserOrGroupId() const noexcept = 0;
-
-    // The process in force: the installed one, else this one.
-    // Thread: any. Realtime-safe: yes.
-    static const Process& current() noexcept;
-
-    // Puts `process` in force (not owned; must stay alive until replaced); null goes back to this
-    // one. Answers what was installed before, null for this one.
-    // Thread: any. Realtime-safe: yes.
-    static const Process* install(const Process* process) noexcept;
 };
 
 // The value of an environment variable, read anew at every call; null when it is not set. As with

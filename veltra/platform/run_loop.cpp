@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/run_loop.h"
 
+#include "veltra/base/object_file.h"
 #include "veltra/platform/clock.h"
+#include "veltra/platform/port.h"
 #include "veltra/platform/thread_end.h"
 
 #include <new>
@@ -11,9 +13,9 @@ namespace veltra {
 namespace {
 
 // Initial-exec: their first use on a thread allocates nothing.
-[[gnu::tls_model("initial-exec")]] constinit thread_local RunLoop* setLoop = nullptr;
-[[gnu::tls_model("initial-exec")]] constinit thread_local bool isThreadEnding = false;
-[[gnu::tls_model("initial-exec")]] constinit thread_local RunLoop* ownLoop = nullptr;
+VELTRA_NEVER_ALLOCATED constinit thread_local RunLoop* setLoop = nullptr;
+VELTRA_NEVER_ALLOCATED constinit thread_local bool isThreadEnding = false;
+VELTRA_NEVER_ALLOCATED constinit thread_local RunLoop* ownLoop = nullptr;
 
 void endOwnLoop() noexcept {
     isThreadEnding = true;
@@ -32,7 +34,7 @@ RunLoop* RunLoop::current() noexcept {
     if (setLoop != nullptr) return setLoop;
     if (isThreadEnding) return nullptr;
     if (ownLoop == nullptr) {
-        std::unique_ptr<RunLoop> loop = makeForPlatform();
+        std::unique_ptr<RunLoop> loop = makePlatformRunLoop();
         if (loop != nullptr && callAtThreadEnd(endOwnLoop)) ownLoop = loop.release();
     }
     return ownLoop;
@@ -44,11 +46,11 @@ RunLoop* RunLoop::setCurrent(RunLoop* loop) noexcept {
 
 std::shared_ptr<RunLoopTimer> RunLoop::schedule(const TimerRequest& request) noexcept {
     const ClockReading now = Clocks::current().monotonic();
-    if (now.error != 0) return nullptr;
+    if (now.hasFailed()) return nullptr;
     std::shared_ptr<RunLoopTimer> timer;
     try {
         timer = std::make_shared<RunLoopTimer>(RunLoopTimer::Making{}, request);
-        timer->m_due = RunLoopTimer::later(now.nanoseconds, timer->m_interval);
+        timer->m_due = now.moment() + timer->m_interval;
         timer->m_serial = ++m_lastSerial;
         m_timers.emplace(Place(timer->m_due, timer->m_serial), timer);
     } catch (const std::bad_alloc&) {
@@ -64,10 +66,10 @@ RunLoop::Timers::const_iterator RunLoop::firstRunnable() const noexcept {
     while (at != m_timers.end() &&
            (at->second->m_isFiring || !at->second->m_modes.contains(m_mode)))
         ++at;
-    return at != m_timers.end() && at->first.first == RunLoopTimer::kNever ? m_timers.end() : at;
+    return at != m_timers.end() && at->first.first == Moment::never() ? m_timers.end() : at;
 }
 
-std::optional<std::uint64_t> RunLoop::nextDeadline() const noexcept {
+std::optional<Moment> RunLoop::nextDeadline() const noexcept {
     const auto first = firstRunnable();
     if (first == m_timers.end()) return std::nullopt;
     return first->first.first;
@@ -94,11 +96,11 @@ int RunLoop::runDue() {
     const ClockReading now = Clocks::current().monotonic();
     int count = 0;
     // Whatever fires is due after `now` from then on, so each timer comes at most once.
-    while (now.error == 0) {
+    while (!now.hasFailed()) {
         const auto first = firstRunnable();
-        if (first == m_timers.end() || first->first.first > now.nanoseconds) break;
+        if (first == m_timers.end() || first->first.first > now.moment()) break;
         const std::shared_ptr<RunLoopTimer> timer = first->second;
-        runOne(timer, now.nanoseconds);
+        runOne(timer, now.moment());
         ++count;
         if (!self) return count;
     }
@@ -106,7 +108,7 @@ int RunLoop::runDue() {
     return count;
 }
 
-void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t now) {
+void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now) {
     if (timer->m_repeats) {
         moveTo(*timer, timer->nextTickAfter(now));
     } else {
@@ -115,12 +117,12 @@ void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t n
     timer->send();  // may delete the loop
     if (!timer->isValid()) return;
     const ClockReading after = Clocks::current().monotonic();
-    if (after.error == 0 && after.nanoseconds >= timer->m_due) {
-        moveTo(*timer, timer->nextTickAfter(after.nanoseconds));
+    if (!after.hasFailed() && after.moment() >= timer->m_due) {
+        moveTo(*timer, timer->nextTickAfter(after.moment()));
     }
 }
 
-void RunLoop::moveTo(RunLoopTimer& timer, std::uint64_t due) noexcept {
+void RunLoop::moveTo(RunLoopTimer& timer, Moment due) noexcept {
     auto node = m_timers.extract(Place(timer.m_due, timer.m_serial));
     timer.m_due = due;
     node.key() = Place(due, timer.m_serial);
@@ -139,7 +141,7 @@ void RunLoop::setMode(RunLoopMode mode) noexcept {
 }
 
 void RunLoop::announceDeadline() noexcept {
-    const std::optional<std::uint64_t> deadline = nextDeadline();
+    const std::optional<Moment> deadline = nextDeadline();
     if (m_isAnnounced && deadline == m_announcedDeadline) return;
     m_announcedDeadline = deadline;
     m_isAnnounced = true;

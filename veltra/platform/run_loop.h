@@ -3,10 +3,10 @@
 // never waits: the host asks nextDeadline(), waits in its own way (or polls descriptor()), and
 // calls runDue(). A driver for an event loop derives from it and is told each new deadline.
 //
-// Times are nanoseconds of Clocks::current().monotonic(). A clock that cannot be read fires
-// nothing.
+// Moments are those of Clocks::current().monotonic(). A clock that cannot be read fires nothing.
 #pragma once
 
+#include "veltra/base/time.h"
 #include "veltra/base/weak_anchor.h"
 #include "veltra/export.h"
 #include "veltra/platform/run_loop_timer.h"
@@ -44,7 +44,7 @@ public:
 
     // When runDue() has something to do next in the present mode; nothing when no timer waits. A
     // moment in the past means at once.
-    std::optional<std::uint64_t> nextDeadline() const noexcept;
+    std::optional<Moment> nextDeadline() const noexcept;
 
     // Fires each timer of the present mode that is due, earliest first, older first among equals,
     // and answers how many. Ticks that were missed, or fall due while the timer's own action runs,
@@ -80,21 +80,19 @@ protected:
     // Told after each change of nextDeadline(), and in each runDue() even without a change, so that
     // a wake-up that was used up is armed again. Must not call back into the loop, nextDeadline()
     // excepted.
-    virtual void deadlineChanged(std::optional<std::uint64_t> /*deadline*/) noexcept {}
+    virtual void deadlineChanged(std::optional<Moment> /*deadline*/) noexcept {}
 
 private:
     friend class RunLoopTimer;
 
     class DepthScope;
 
-    using Place = std::pair<std::uint64_t, std::uint64_t>;  // due time, serial number
+    using Place = std::pair<Moment, std::uint64_t>;  // due time, serial number
     using Timers = std::map<Place, std::shared_ptr<RunLoopTimer>>;
 
-    static std::unique_ptr<RunLoop> makeForPlatform() noexcept;  // supplied by the port
-
     Timers::const_iterator firstRunnable() const noexcept;
-    void runOne(const std::shared_ptr<RunLoopTimer>& timer, std::uint64_t now);
-    void moveTo(RunLoopTimer& timer, std::uint64_t due) noexcept;
+    void runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now);
+    void moveTo(RunLoopTimer& timer, Moment due) noexcept;
     void remove(RunLoopTimer& timer) noexcept;
     void setMode(RunLoopMode mode) noexcept;
     void announceDeadline() noexcept;
@@ -103,7 +101,7 @@ private:
     std::uint64_t m_lastSerial = 0;
     RunLoopMode m_mode = RunLoopMode::Default;
     int m_depth = 0;
-    std::optional<std::uint64_t> m_announcedDeadline;
+    std::optional<Moment> m_announcedDeadline;
     bool m_isAnnounced = true;
 };
 

@@ -13,7 +13,6 @@ namespace veltra {
 namespace {
 
 using TimerPointer = std::shared_ptr<RunLoopTimer>;
-constexpr std::uint64_t kMillisecond = 1'000'000;
 
 // Writes its letter at each tick, then does what the test asks for.
 struct Pen : Anchored {
@@ -29,27 +28,25 @@ struct Pen : Anchored {
 
 class RunLoopTest : public ::testing::Test {
 protected:
-    TimerPointer every(double seconds, Pen& pen, RunLoopModes modes = RunLoopModes::all()) {
-        return loop.schedule({seconds, &pen, action<&Pen::write>(), &pen, true, modes});
+    TimerPointer every(double time, Pen& pen, RunLoopModes modes = RunLoopModes::all()) {
+        return loop.schedule({seconds(time), &pen, action<&Pen::write>(), &pen, true, modes});
     }
-    TimerPointer once(double seconds, Pen& pen) {
-        return loop.schedule({seconds, &pen, action<&Pen::write>()});
+    TimerPointer once(double time, Pen& pen) {
+        return loop.schedule({seconds(time), &pen, action<&Pen::write>()});
     }
-    std::uint64_t after(std::uint64_t milliseconds) const {
-        return start + milliseconds * kMillisecond;
-    }
+    Moment after(std::int64_t count) const { return start + milliseconds(count); }
     testing::ManualRunLoop loop;
-    const std::uint64_t start = loop.clocks.now;
+    const Moment start = loop.clocks.now;
     std::string page;
     Pen a{page, 'a'}, b{page, 'b'}, c{page, 'c'};
 };
 
 TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecondAndSkipsMissedTicks) {
     const TimerPointer slow = every(0.2, a), quick = every(0.1, b), single = once(0.1, c);
-    loop.clocks.now = after(100) - 1;
+    loop.clocks.now = after(100) - Nanoseconds(1);
     EXPECT_EQ(loop.runDue(), 0);
     EXPECT_EQ(loop.announcements, 3);  // two changes, and one to arm a wake-up again
-    loop.clocks.now += 1;
+    loop.clocks.now += Nanoseconds(1);
     EXPECT_EQ(loop.runDue(), 2);
     loop.advance(0.1);
     EXPECT_EQ(page, "bcab");
@@ -57,7 +54,7 @@ TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecondAndSkipsMissed
     loop.clocks.now = after(550);
     EXPECT_EQ(loop.runDue(), 1);
     EXPECT_EQ(loop.announced, after(600));  // the beat is kept
-    b.then = [&](RunLoopTimer&) { loop.clocks.now += 250 * kMillisecond; };
+    b.then = [&](RunLoopTimer&) { loop.clocks.now += milliseconds(250); };
     loop.advance(0.05);
     EXPECT_EQ(loop.announced, after(900));
     EXPECT_EQ(page, "bcabbb");
@@ -92,9 +89,11 @@ TEST_F(RunLoopTest, AModeHoldsBackTheTimersOfOtherModesAndANestedLoopTheOneThatR
 TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
     auto own = std::make_unique<testing::ManualRunLoop>();
     auto gone = std::make_unique<Pen>(page, 'x');
-    const TimerPointer deleter = own->schedule({0.1, &a, action<&Pen::write>()});
-    const TimerPointer behind = own->schedule({0.1, gone.get(), action<&Pen::write>()});
-    const TimerPointer silent = own->schedule({0.05, gone.get(), action<&Pen::write>()});
+    const TimerPointer deleter = own->schedule({milliseconds(100), &a, action<&Pen::write>()});
+    const TimerPointer behind =
+        own->schedule({milliseconds(100), gone.get(), action<&Pen::write>()});
+    const TimerPointer silent =
+        own->schedule({milliseconds(50), gone.get(), action<&Pen::write>()});
     gone.reset();
     a.then = [&](RunLoopTimer&) {
         const RunLoop::ModeScope dies(*own, RunLoopMode::ModalPanel);

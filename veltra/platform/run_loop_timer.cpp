@@ -3,34 +3,17 @@
 
 #include "veltra/platform/run_loop.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace veltra {
 
 namespace {
-
-constexpr double kShortestSeconds = 0.0001;
-
-double correctedSeconds(double seconds) noexcept {
-    return seconds > 0.0 ? seconds : kShortestSeconds;  // false for what is no number, too
-}
-
-std::uint64_t toNanoseconds(double seconds, std::uint64_t never) noexcept {
-    constexpr double kLongest = 4611686018427387904.0;  // 2 to the 62nd
-    const double nanoseconds = seconds * 1e9;
-    if (nanoseconds >= kLongest) return never;
-    return std::max<std::uint64_t>(static_cast<std::uint64_t>(std::llround(nanoseconds)), 1);
-}
-
+constexpr Nanoseconds kShortestInterval = microseconds(100);
 }  // namespace
 
 RunLoopTimer::RunLoopTimer(Making /*only RunLoop makes them*/, const TimerRequest& request) noexcept
     : m_target(request.target),
       m_action(request.action),
       m_userInfo(request.userInfo),
-      m_seconds(correctedSeconds(request.seconds)),
-      m_interval(toNanoseconds(m_seconds, kNever)),
+      m_interval(request.interval > Nanoseconds() ? request.interval : kShortestInterval),
       m_repeats(request.repeats),
       m_modes(request.modes) {}
 
@@ -45,13 +28,8 @@ void RunLoopTimer::fire() {
     send();
 }
 
-std::uint64_t RunLoopTimer::later(std::uint64_t now, std::uint64_t interval) noexcept {
-    return interval >= kNever - now ? kNever : now + interval;
-}
-
-std::uint64_t RunLoopTimer::nextTickAfter(std::uint64_t now) const noexcept {
-    if (later(now, m_interval) == kNever) return kNever;
-    return m_due + ((now - m_due) / m_interval + 1) * m_interval;
+Moment RunLoopTimer::nextTickAfter(Moment now) const noexcept {
+    return now + (m_interval - (now - m_due) % m_interval);
 }
 
 void RunLoopTimer::send() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "veltra/base/action.h"
+#include "veltra/base/time.h"
 #include "veltra/base/weak_anchor.h"
 #include "veltra/export.h"
 
@@ -43,8 +44,7 @@ constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept {
 
 // What a timer is made of.
 struct TimerRequest {
-    // Not above 0, or no number: 0.1 ms. Infinite or beyond 146 years: never fires.
-    double seconds = 0.0;
+    Nanoseconds interval{};      // not above 0 counts as 0.1 ms; longest() never fires
     Anchored* target = nullptr;  // not retained: the timer goes on in silence when it is gone
     Action action{};             // sent with the RunLoopTimer as sender
     void* userInfo = nullptr;    // the caller's
@@ -76,8 +76,8 @@ public:
     // becomes invalid first. Realtime-safe: no.
     void fire();
 
-    // Seconds between two ticks, after the corrections of TimerRequest. Realtime-safe: yes.
-    double interval() const noexcept { return m_seconds; }
+    // The time between two ticks, after the correction of TimerRequest. Realtime-safe: yes.
+    Nanoseconds interval() const noexcept { return m_interval; }
 
     bool isRepeating() const noexcept { return m_repeats; }
     void* userInfo() const noexcept { return m_userInfo; }
@@ -85,22 +85,18 @@ public:
 private:
     friend class RunLoop;
 
-    static constexpr std::uint64_t kNever = UINT64_MAX;
-
-    static std::uint64_t later(std::uint64_t now, std::uint64_t interval) noexcept;
-    std::uint64_t nextTickAfter(std::uint64_t now) const noexcept;
+    Moment nextTickAfter(Moment now) const noexcept;
     void send();
 
     const WeakPointer<Anchored> m_target;
     const Action m_action;
     void* const m_userInfo;
-    const double m_seconds;
-    const std::uint64_t m_interval;  // nanoseconds, at least 1
+    const Nanoseconds m_interval;  // above 0
     const bool m_repeats;
     const RunLoopModes m_modes;
 
-    RunLoop* m_loop = nullptr;     // set while scheduled
-    std::uint64_t m_due = kNever;  // with m_serial its place in the loop's order
+    RunLoop* m_loop = nullptr;       // set while scheduled
+    Moment m_due = Moment::never();  // with m_serial its place in the loop's order
     std::uint64_t m_serial = 0;
     bool m_isFiring = false;
 };

@@ -2,6 +2,7 @@
 // The standard-error stream as a place for whole lines.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <array>
@@ -10,7 +11,10 @@
 
 namespace veltra {
 
-class VELTRA_EXPORT StandardError {
+class StandardError;
+extern template class VELTRA_EXPORT Installable<StandardError>;
+
+class VELTRA_EXPORT StandardError : public Installable<StandardError> {
 public:
     enum class Kind {
         Unusable,  // closed, or the system tells nothing about it
@@ -29,9 +33,6 @@ public:
     // One line in up to three pieces; empty ones are left out.
     using Pieces = std::array<std::string_view, 3>;
 
-    StandardError() = default;
-    StandardError(const StandardError&) = delete;
-    StandardError& operator=(const StandardError&) = delete;
     virtual ~StandardError();
 
     // What the stream is at this moment.
@@ -50,16 +51,6 @@ public:
     // The log calls it while the thread cannot be cancelled.
     // Thread: any but audio. Realtime-safe: no.
     virtual void write(const Status& status, const Pieces& pieces) noexcept = 0;
-
-    // The stream in force: the installed one, else the process's own.
-    // Thread: any. Realtime-safe: yes.
-    static StandardError& current() noexcept;
-
-    // Puts `stream` in force (not owned; must stay alive until replaced and until its last line is
-    // written); null goes back to the process's own. Answers what was installed before, null for
-    // the process's own.
-    // Thread: any. Realtime-safe: yes.
-    static StandardError* install(StandardError* stream) noexcept;
 };
 
 }  // namespace veltra

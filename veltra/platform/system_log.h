@@ -2,6 +2,7 @@
 // The system's structured log: where a log record goes.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <array>
@@ -29,11 +30,11 @@ struct LogRecord {
     }};
 };
 
-class VELTRA_EXPORT SystemLog {
+class SystemLog;
+extern template class VELTRA_EXPORT Installable<SystemLog>;
+
+class VELTRA_EXPORT SystemLog : public Installable<SystemLog> {
 public:
-    SystemLog() = default;
-    SystemLog(const SystemLog&) = delete;
-    SystemLog& operator=(const SystemLog&) = delete;
     virtual ~SystemLog();
 
     // Takes one record; the views in it are good during the call only. Never waits: a record that
@@ -41,16 +42,6 @@ public:
     // log calls it while the thread cannot be cancelled.
     // Thread: any but audio. Realtime-safe: no.
     virtual void send(const LogRecord& record) noexcept = 0;
-
-    // The log in force: the installed one, else the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static SystemLog& current() noexcept;
-
-    // Puts `log` in force (not owned; must stay alive until replaced and until its last record is
-    // taken); null goes back to the platform's own. Answers what was installed before, null for the
-    // platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static SystemLog* install(SystemLog* log) noexcept;
 };
 
 }  // namespace veltra

@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/text_services.h"
 
-#include "veltra/base/replaceable.h"
-#include "veltra/platform/detail/platform_text_services.h"
+#include "veltra/base/installable_source.h"
+#include "veltra/platform/port.h"
 
 namespace veltra {
-
-namespace {
-
-constinit Replaceable<const TextServices, &platformTextServices> replaceableTextServices;
-
-}  // namespace
 
 TextServices::~TextServices() = default;
 
@@ -18,12 +12,8 @@ std::optional<std::u16string> TextServices::toUpper(std::u16string_view) const n
     return std::nullopt;
 }
 
-const TextServices& TextServices::current() noexcept {
-    return replaceableTextServices.current();
-}
-
-const TextServices* TextServices::install(const TextServices* services) noexcept {
-    return replaceableTextServices.install(services);
-}
+template <>
+struct OwnImplementation<const TextServices> : OwnFrom<platformTextServices> {};
+template class Installable<const TextServices>;
 
 }  // namespace veltra

@@ -3,6 +3,7 @@
 // file systems kept names before Unicode, which is Mac Roman, and capital letters.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 
 #include <cstddef>
@@ -13,11 +14,12 @@
 
 namespace veltra {
 
-class VELTRA_EXPORT TextServices {
+class TextServices;
+extern template class VELTRA_EXPORT Installable<const TextServices>;
+
+// The platform's own have a converter when the library was built with ICU.
+class VELTRA_EXPORT TextServices : public Installable<const TextServices> {
 public:
-    TextServices() = default;
-    TextServices(const TextServices&) = delete;
-    TextServices& operator=(const TextServices&) = delete;
     virtual ~TextServices();
 
     // Writes `text` (well-formed UTF-16) in the legacy encoding: one byte for each character,
@@ -36,16 +38,6 @@ public:
     // "SS". Nothing when there are no tables of letters, which is the default, or memory is out.
     // Thread: any. Realtime-safe: no.
     virtual std::optional<std::u16string> toUpper(std::u16string_view text) const noexcept;
-
-    // The services in force: the installed ones, else the platform's own. Those have a converter
-    // when the library was built with ICU.
-    // Thread: any. Realtime-safe: yes.
-    static const TextServices& current() noexcept;
-
-    // Puts `services` in force (not owned; must stay alive until replaced); null goes back to the
-    // platform's own. Answers what was installed before, null for the platform's own.
-    // Thread: any. Realtime-safe: yes.
-    static const TextServices* install(const TextServices* services) noexcept;
 };
 
 }  // namespace veltra

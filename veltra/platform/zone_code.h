@@ -3,9 +3,11 @@
 // caller's frames from the frames of those who serve it.
 #pragma once
 
+#include "veltra/base/object_file.h"
+
 #include <cstdint>
 
-#define VELTRA_ZONE_CODE [[gnu::section("veltra_zone")]]
+#define VELTRA_ZONE_CODE VELTRA_IN_SECTION(veltra_zone)
 
 namespace veltra {
 

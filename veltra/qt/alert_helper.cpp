@@ -4,7 +4,7 @@
 //
 // For looking at the window: --picture=FILE.png writes a picture of it instead, --dark in dark
 // colours.
-#include "veltra/platform/linux/alert_protocol.h"
+#include "veltra/platform/alert_protocol.h"
 #include "veltra/qt/alert_dialog.h"
 
 #include <QApplication>

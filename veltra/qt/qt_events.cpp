@@ -108,7 +108,7 @@ Event made(EventType type, Qt::KeyboardModifiers modifiers) {
     Event event;
     event.type = type;
     event.modifierFlags = flags(modifiers);
-    event.timestamp = Clocks::current().monotonic().nanoseconds;
+    event.timestamp = Clocks::current().monotonic().moment();
     return event;
 }
 

@@ -8,8 +8,7 @@
 namespace veltra {
 
 namespace {
-constexpr std::uint64_t kMillisecond = 1'000'000;   // nanoseconds
-constexpr std::uint64_t kLongestWait = 86'400'000;  // milliseconds
+constexpr Nanoseconds kLongestWait = seconds(86'400.0);
 }  // namespace
 
 QtRunLoop::QtRunLoop() {
@@ -25,13 +24,11 @@ void QtRunLoop::wake() {
     runDue();
 }
 
-void QtRunLoop::deadlineChanged(std::optional<std::uint64_t> deadline) noexcept {
+void QtRunLoop::deadlineChanged(std::optional<Moment> deadline) noexcept {
     const ClockReading now = Clocks::current().monotonic();
-    if (!deadline || now.error != 0) return m_timer.stop();
-    const std::uint64_t wait = *deadline > now.nanoseconds ? *deadline - now.nanoseconds : 0;
-    // Rounded up: a wake-up just before the deadline would find nothing to do.
-    const std::uint64_t milliseconds = wait / kMillisecond + (wait % kMillisecond != 0 ? 1 : 0);
-    m_timer.start(static_cast<int>(std::min(milliseconds, kLongestWait)));
+    if (!deadline || now.hasFailed()) return m_timer.stop();
+    const Nanoseconds wait = std::clamp(*deadline - now.moment(), Nanoseconds(), kLongestWait);
+    m_timer.start(static_cast<int>(wait.wholeMilliseconds()));
 }
 
 }  // namespace veltra

@@ -14,7 +14,7 @@ public:
     QtRunLoop();
 
 protected:
-    void deadlineChanged(std::optional<std::uint64_t> deadline) noexcept override;
+    void deadlineChanged(std::optional<Moment> deadline) noexcept override;
 
 private:
     void wake();

@@ -4,6 +4,7 @@
 #include "veltra/qt/qt_types.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QPointer>
 #include <QWindow>
 #include <algorithm>
@@ -27,6 +28,11 @@ protected:
         if (event->type() == QEvent::Close) {
             event->ignore();  // the window decides
             m_surface->window().close();
+            return true;
+        }
+        if (event->type() == QEvent::WindowBlocked && m_surface->window().worksWhenModal()) {
+            // A window that belongs to the modal one is not blocked by it.
+            windowHandle()->setTransientParent(QGuiApplication::modalWindow());
             return true;
         }
         const QPointer<QWidget> self(this);

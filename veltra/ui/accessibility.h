@@ -19,7 +19,7 @@ namespace veltra {
 class View;
 
 enum class AccessibilityRole : std::uint8_t {
-    Ignored,  // not shown itself; its children stand in its place
+    Ignored,  // not shown itself; its children are shown in its place
     Group,
     Slider,
     LevelIndicator,
@@ -47,7 +47,8 @@ struct AccessibilityNumber {
     double step = 0.0;  // of Increment and Decrement; 0 when there is none
 };
 
-// The defaults are those of something that is not there.
+// One thing that a screen reader can speak of: a view or a cell. The defaults describe something
+// that is not there.
 class VELTRA_EXPORT AccessibilityElement : public Anchored {
 public:
     AccessibilityElement() noexcept = default;
@@ -73,10 +74,10 @@ public:
     virtual bool accessibilityIsFocused() const { return false; }
     virtual bool accessibilityIsChecked() const { return false; }
 
-    // Answers false when the number cannot be set from outside.
+    // Returns false when the number cannot be set from outside.
     virtual bool setAccessibilityNumber(double /*value*/) { return false; }
     virtual std::vector<AccessibilityAction> accessibilityActions() const { return {}; }
-    // Answers false when it has no such action or is disabled. May delete the element.
+    // Returns false when it has no such action or is disabled. May delete the element.
     virtual bool performAccessibilityAction(AccessibilityAction /*action*/) { return false; }
 
     virtual AccessibilityElement* accessibilityParent() const { return nullptr; }
@@ -95,7 +96,7 @@ private:
     std::string m_accessibilityHelp;
 };
 
-// The children as they are shown: in place of each ignored one, its own.
+// The children that are shown: an ignored child is replaced by its own shown children.
 VELTRA_EXPORT std::vector<AccessibilityElement*> shownAccessibilityChildren(
     const AccessibilityElement& element);
 

@@ -11,7 +11,7 @@
 namespace veltra {
 
 namespace {
-constexpr double kTrashPatience = 0.05;  // seconds
+constexpr Nanoseconds kTrashPatience = milliseconds(50);
 }
 
 // One event on the stack. The last event of the outermost one stays the current one.
@@ -143,13 +143,13 @@ void Application::discard(std::unique_ptr<Anchored> object) {
     if (loop == nullptr || loop->depth() == 0) {
         emptyTrash();
     } else {
-        emptyTrashAfter(0.0);
+        emptyTrashAfter(Nanoseconds());
     }
 }
 
-void Application::emptyTrashAfter(double seconds) {
+void Application::emptyTrashAfter(Nanoseconds time) {
     if (m_trashTimer && m_trashTimer->isValid()) return;
-    m_trashTimer = RunLoop::current()->schedule({.seconds = seconds,
+    m_trashTimer = RunLoop::current()->schedule({.interval = time,
                                                  .target = this,
                                                  .action = action<&Application::trashTimerFired>(),
                                                  .modes = RunLoopModes::all()});

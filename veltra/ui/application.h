@@ -22,7 +22,7 @@ public:
 
     // Sends the action to the target. Without a target it goes to the first that responds: the key
     // window's responder chain, then that of the main window if it is another, then the delegate.
-    // Answers false when nobody does. Anyone in the chain may be deleted meanwhile.
+    // Returns false when nobody does. Anyone in the chain may be deleted meanwhile.
     bool sendAction(Action action, Anchored* target, Anchored* sender);
 
     // Last in the chain of actions; not retained.
@@ -37,19 +37,19 @@ public:
     bool isHandlingEvent() const noexcept { return m_dispatch != nullptr; }
 
     // Takes the next event of the mask; timers of `mode` go on meanwhile. Other events keep their
-    // order and are dispatched when the handler that asked has returned. Answers a synthetic
+    // order and are dispatched when the handler that asked has returned. Returns a synthetic
     // LeftMouseUp (clickCount 0) when nothing can come any more: the window is hidden, gone or has
     // lost the pointer, or there is no toolkit.
     Event nextEvent(EventMask mask, RunLoopMode mode);
 
-    // Hands over one event: for ports, and for tests. It is dispatched to its window at once, or
-    // kept for whoever waits in nextEvent(). An event whose window is gone is dropped.
+    // For ports, and for tests: hands over one event. It is sent to its window at once, or kept for
+    // whoever waits in nextEvent(). An event whose window is gone is dropped.
     // Returns false when the event went up the chain of responders and nobody handled it: a port
     // then offers it to what is around the window.
     bool postEvent(Event event);
 
-    // Destroys the object as soon as no event, action or timer is on the stack: what a handler may
-    // do with an object whose member function is still running. Null is passed over.
+    // Destroys the object as soon as no event, action or timer is being handled any more. That way
+    // a handler can get rid of an object whose member function is still running. Null is ignored.
     void discard(std::unique_ptr<Anchored> object);
 
     // The window with the keyboard; null when that is elsewhere.
@@ -70,7 +70,7 @@ private:
     bool dispatch(const Event& event);
     void dispatchQueue();
     void emptyTrash();
-    void emptyTrashAfter(double seconds);
+    void emptyTrashAfter(Nanoseconds time);
     void trashTimerFired();
     bool waitForEvent();
     void setKeyWindow(Window* window);

@@ -66,8 +66,8 @@ TEST(Events, ATimerFindsThePressWhileTheButtonIsHeld) {
     } target;
     host.press({5, 5});
     host.drag({6, 6}, kShiftKeyMask);
-    const auto timer =
-        loop.schedule({.seconds = 0.6, .target = &target, .action = action<&LongClick::fired>()});
+    const auto timer = loop.schedule(
+        {.interval = milliseconds(600), .target = &target, .action = action<&LongClick::fired>()});
     loop.advance(0.7);
     EXPECT_EQ(target.number, 1);
     EXPECT_EQ(target.flags, kShiftKeyMask);

@@ -67,11 +67,13 @@ public:
     ControlSize controlSize() const noexcept { return m_controlSize; }
     void setControlSize(ControlSize size);
 
-    // Where the cell was drawn last. The view is null before that and when it is gone.
+    // The view and the frame that the cell was given last. The view is null before that, and when
+    // it has been destroyed.
     View* controlView() const noexcept { return m_controlView.get(); }
     void setControlView(View* view) noexcept;
     const Rect& cellFrame() const noexcept { return m_cellFrame; }
-    // Remembers both, for redraws and accessibility. Call it when the layout has changed.
+    // Gives the cell its frame and view, for redraws and accessibility. Call it when the layout has
+    // changed.
     virtual void calculateInternalsFromCellFrame(const Rect& frame, View& controlView);
     // Asks the control view to draw cellFrame() again.
     void setNeedsDisplay();
@@ -87,7 +89,7 @@ public:
 
     // Whether the cell wants to follow the pointer.
     virtual bool startTracking(Point /*point*/, View& /*view*/) { return false; }
-    // Whether it wants to go on.
+    // Called for each drag. Returns whether the cell wants to go on.
     virtual bool continueTracking(Point /*last*/, Point /*current*/, View& /*view*/) {
         return true;
     }
@@ -101,7 +103,7 @@ public:
     // Where the points of tracking are counted from, in the coordinates of the view.
     virtual Point trackingOrigin(const Rect& /*frame*/) const { return {}; }
 
-    // Follows the pointer from a press on, taking the events from the window itself. Answers
+    // Follows the pointer from a press on, taking the events from the window itself. Returns
     // whether the button went up as the cell had asked for: with `untilMouseUp` always, else inside
     // the frame. False when the cell is disabled, refuses, stops early or is deleted. Where the
     // events come from elsewhere, CellTracking does the same step by step.

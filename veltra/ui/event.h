@@ -2,6 +2,7 @@
 // What the user did: one press, movement, turn of the wheel or key.
 #pragma once
 
+#include "veltra/base/time.h"
 #include "veltra/base/weak_anchor.h"
 #include "veltra/ui/geometry.h"
 
@@ -82,7 +83,7 @@ enum class ScrollPhase : std::uint8_t { None, Began, Changed, Ended, Momentum };
 struct Event {
     EventType type = EventType::MouseMoved;
     ModifierFlags modifierFlags = 0;
-    std::uint64_t timestamp = 0;  // nanoseconds of the monotonic clock
+    Moment timestamp;
 
     // Where the pointer is, in the window's coordinates: the origin is its lower left corner.
     Point locationInWindow;

@@ -21,7 +21,7 @@ namespace veltra {
 class VELTRA_EXPORT KeyedCoder {
 public:
     KeyedCoder() = default;
-    // Reads what another one has written; whatever is not a dictionary counts as an empty one.
+    // Reads the archive() of another coder. Any value but a dictionary counts as an empty archive.
     explicit KeyedCoder(const PropertyValue& archive) : m_values(archive.asDictionary()) {}
 
     PropertyValue archive() const { return m_values; }

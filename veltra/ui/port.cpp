@@ -2,7 +2,7 @@
 #include "veltra/ui/port.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/base/installable_source.h"
 #include "veltra/ui/detail/offscreen_window.h"
 
 namespace veltra {
@@ -53,19 +53,13 @@ UiPort& noScreen() noexcept {
     return *port;
 }
 
-constinit Replaceable<UiPort, &noScreen> s_port;
-
 }  // namespace
 
 WindowPort::~WindowPort() = default;
 UiPort::~UiPort() = default;
 
-UiPort& UiPort::current() noexcept {
-    return s_port.current();
-}
-
-UiPort* UiPort::install(UiPort* port) noexcept {
-    return s_port.install(port);
-}
+template <>
+struct OwnImplementation<UiPort> : OwnFrom<noScreen> {};
+template class Installable<UiPort>;
 
 }  // namespace veltra

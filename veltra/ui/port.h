@@ -10,6 +10,7 @@
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
+#include "veltra/base/installable.h"
 #include "veltra/export.h"
 #include "veltra/ui/accessibility.h"
 #include "veltra/ui/appearance.h"
@@ -39,13 +40,13 @@ public:
     WindowPort& operator=(const WindowPort&) = delete;
     virtual ~WindowPort();
 
-    // Has Window::display() called soon with this part of the surface, among others.
+    // Makes sure that Window::display() is called soon with this part of the surface.
     virtual void invalidate(const Rect& surfaceRect) = 0;
     // Draws what is invalid before it returns, if the window is on screen.
     virtual void displayIfNeeded() = 0;
 
     // Takes the keyboard, or gives it up to what comes before or after in the focus order of the
-    // toolkit's window around. Giving up answers false when there is nothing else.
+    // toolkit's window around. Giving it up returns false when there is nothing else.
     virtual void takeKeyboard() = 0;
     virtual bool passKeyboard(bool forward) = 0;
 
@@ -67,25 +68,20 @@ public:
     virtual bool lockPointer(bool /*isLocked*/) { return false; }
 };
 
-class VELTRA_EXPORT UiPort {
-public:
-    UiPort() = default;
-    UiPort(const UiPort&) = delete;
-    UiPort& operator=(const UiPort&) = delete;
-    virtual ~UiPort();
+class UiPort;
+extern template class VELTRA_EXPORT Installable<UiPort>;
 
-    // The installed port, else one without a screen: it guesses the size of text, draws nothing and
-    // hears nothing.
-    static UiPort& current() noexcept;
-    // Puts `port` in force (not owned); null goes back to the one without a screen. Answers what
-    // was installed before, or null.
-    static UiPort* install(UiPort* port) noexcept;
+// Without an installed port there is no screen: text sizes are guessed, nothing is drawn and no
+// event arrives.
+class VELTRA_EXPORT UiPort : public Installable<UiPort> {
+public:
+    virtual ~UiPort();
 
     virtual std::unique_ptr<WindowPort> makeWindow(Window& window, const Rect& contentRect,
                                                    const WindowStyle& style) = 0;
 
     // Lets the toolkit's events and the timers of `RunLoop::current()` go on until at least one
-    // event was handed to Application::postEvent(). Answers false when there is nothing to wait
+    // event was handed to Application::postEvent(). Returns false when there is nothing to wait
     // for.
     virtual bool waitForEvent() = 0;
     // An event was handed over, by whomever, while somebody waits: waitForEvent() is to return.

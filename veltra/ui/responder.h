@@ -53,7 +53,7 @@ public:
 
     // Whether keys may go here first.
     virtual bool acceptsFirstResponder() const { return false; }
-    // Asked when the change is about to happen; false prevents it.
+    // Asked just before the change happens; returning false prevents it.
     virtual bool becomeFirstResponder() { return true; }
     virtual bool resignFirstResponder() { return true; }
 

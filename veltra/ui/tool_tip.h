@@ -16,7 +16,7 @@ namespace veltra {
 
 class View;
 
-// Whoever supplies the text of a tool tip; any Anchored object may derive from it as well.
+// An object that supplies the text of a tool tip. It derives from Anchored, too.
 class VELTRA_EXPORT ToolTipSource {
 public:
     virtual ~ToolTipSource();

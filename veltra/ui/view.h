@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A rectangle on screen that draws itself and takes the events inside it. Views form a tree; a view
-// owns its subviews.
+// A rectangle on screen that draws itself and handles the events inside it. Views form a tree: each
+// view owns its subviews.
 //
 //   class Lamp final : public View {
 //   public:
@@ -115,8 +115,8 @@ public:
     void setAutoresizingMask(AutoresizingMask mask) noexcept { m_autoresizingMask = mask; }
     virtual bool autoresizesSubviews() const { return true; }
 
-    // Between this view's coordinates and those of another view of the same window; null stands for
-    // the window itself.
+    // Convert between this view's coordinates and those of another view of the same window. Null
+    // stands for the window itself.
     Point convertPointToView(Point point, const View* other) const;
     Point convertPointFromView(Point point, const View* other) const;
     Rect convertRectToView(const Rect& rect, const View* other) const;

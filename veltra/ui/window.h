@@ -89,7 +89,7 @@ public:
     bool isMainWindow() const noexcept;
     // Null: the window itself.
     Responder* firstResponder() const noexcept { return m_firstResponder.get(); }
-    // Answers false, and changes nothing, when the present first responder does not resign, or the
+    // Returns false, and changes nothing, when the present first responder does not resign, or the
     // other does not accept or become it. A responder of another window is refused.
     bool makeFirstResponder(Responder* responder);
     // The same for a view, which is brought into sight first. Returns false, and changes nothing,

@@ -19,13 +19,13 @@ public:
     ~RehearsalClock() override { Clocks::install(m_before); }
 
     void setStep(std::int64_t step) noexcept {
-        m_now = static_cast<std::uint64_t>(step) * 1'000'000'000U / Rehearsal::kStepsPerSecond;
+        m_now = Moment(seconds(static_cast<double>(step) / Rehearsal::kStepsPerSecond));
     }
-    ClockReading monotonic() const noexcept override { return {m_now, 0}; }
+    ClockReading monotonic() const noexcept override { return m_now; }
     WallTime wall() const noexcept override { return {}; }
 
 private:
-    std::uint64_t m_now = 0;
+    Moment m_now;
     const Clocks* m_before;
 };
 

@@ -34,16 +34,15 @@ void LevelBallistics::setMaxLevelHoldTime(double seconds) noexcept {
     m_maxLevelHoldTime = sanitized(seconds);
 }
 
-double LevelBallistics::secondsSinceLastCall(std::uint64_t now) const noexcept {
-    const std::uint64_t last = m_lastCallDate.value_or(now);
-    return now > last ? static_cast<double>(now - last) * 1e-9 : 0.0;
+double LevelBallistics::secondsSinceLastCall(Moment now) const noexcept {
+    return std::max(now - m_lastCallDate.value_or(now), Nanoseconds()).seconds();
 }
 
 float LevelBallistics::restingLevel() const noexcept {
     return std::clamp(m_level, 0.0F, highestDisplay());
 }
 
-bool LevelBallistics::setLevel(float level, bool forceDisplayIfNeeded, std::uint64_t now) noexcept {
+bool LevelBallistics::setLevel(float level, bool forceDisplayIfNeeded, Moment now) noexcept {
     if (std::isnan(level)) level = 0.0F;
     const double shown = m_displayLevel;
     const bool isSignificant = std::fabs(shown - static_cast<double>(level)) > kInsignificant;
@@ -82,15 +81,14 @@ bool LevelBallistics::setLevel(float level, bool forceDisplayIfNeeded, std::uint
     return needsDisplay;
 }
 
-bool LevelBallistics::tick(std::uint64_t now) noexcept {
+bool LevelBallistics::tick(Moment now) noexcept {
     double steps = 1.0;
     if (m_fallBackStepTime > 0.0 && m_lastCallDate && now > *m_lastCallDate) {
         const double elapsed = secondsSinceLastCall(now);
         steps = std::max(std::floor(elapsed / m_fallBackStepTime + kTimerSlack), 1.0);
         const double used = std::min(steps * m_fallBackStepTime, elapsed);
         m_holdAccumulateTime += used;
-        *m_lastCallDate =
-            std::min(now, *m_lastCallDate + static_cast<std::uint64_t>(std::llround(used * 1e9)));
+        *m_lastCallDate = std::min(now, *m_lastCallDate + seconds(used));
     }
     const double fallen =
         static_cast<double>(m_displayLevel) - steps * static_cast<double>(m_fallBackStep);
@@ -103,16 +101,17 @@ void LevelBallistics::dropMaximum() noexcept {
     m_holdAccumulateTime = 0.0;
 }
 
-std::optional<double> LevelBallistics::secondsToTick(std::uint64_t now) const noexcept {
+std::optional<Nanoseconds> LevelBallistics::timeToTick(Moment now) const noexcept {
     if (!(m_fallBackStep > 0.0F && m_fallBackStepTime > 0.0)) return std::nullopt;
     if (!std::isfinite(m_fallBackStepTime) || !(m_displayLevel > restingLevel()))
         return std::nullopt;
-    return std::max(m_fallBackStepTime - secondsSinceLastCall(now), 0.0);
+    return seconds(std::max(m_fallBackStepTime - secondsSinceLastCall(now), 0.0));
 }
 
-std::optional<double> LevelBallistics::secondsToHoldEnd(std::uint64_t now) const noexcept {
+std::optional<Nanoseconds> LevelBallistics::timeToHoldEnd(Moment now) const noexcept {
     if (!(m_maxDisplayLevel > 0.0F) || !std::isfinite(m_maxLevelHoldTime)) return std::nullopt;
-    return std::max(m_maxLevelHoldTime - m_holdAccumulateTime - secondsSinceLastCall(now), 0.0);
+    return seconds(
+        std::max(m_maxLevelHoldTime - m_holdAccumulateTime - secondsSinceLastCall(now), 0.0));
 }
 
 }  // namespace veltra

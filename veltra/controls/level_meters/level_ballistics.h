@@ -4,47 +4,47 @@
 // QkLevelMeterCell is this with a clock, two timers and a picture; use it alone to drive a meter of
 // your own.
 //
-// Levels are positions on the meter, linear from 0 to 1 at full scale. No number counts as 0, minus
+// Levels are positions on the meter, linear from 0 to 1 at full scale. NaN counts as 0, minus
 // infinity likewise, plus infinity as any level above 1.
 //
 // Thread: one at a time. Realtime-safe: yes, all of it.
 #pragma once
 
+#include "veltra/base/time.h"
 #include "veltra/export.h"
 
-#include <cstdint>
 #include <optional>
 
 namespace veltra {
 
 class VELTRA_EXPORT LevelBallistics {
 public:
-    // By how much the display falls per fallBackStepTime(). Below 0, infinite or no number counts
+    // By how much the display falls per fallBackStepTime(). Below 0, infinite or NaN counts
     // as 0: then it never falls.
     float fallBackStep() const noexcept { return m_fallBackStep; }
     void setFallBackStep(float step) noexcept;
 
-    // Seconds. Below 0 or no number counts as 0: then it falls at once to the level given.
+    // Seconds. Below 0 or NaN counts as 0: then it falls at once to the level given.
     // Infinite: it never falls.
     double fallBackStepTime() const noexcept { return m_fallBackStepTime; }
     void setFallBackStepTime(double seconds) noexcept;
 
-    // Seconds. Below 0 or no number counts as 0: a maximum is held until the next call. Infinite:
+    // Seconds. Below 0 or NaN counts as 0: a maximum is held until the next call. Infinite:
     // until dropMaximum().
     double maxLevelHoldTime() const noexcept { return m_maxLevelHoldTime; }
     void setMaxLevelHoldTime(double seconds) noexcept;
 
-    // A level that was measured at `now`, nanoseconds of a clock that does not go back (a `now`
-    // before the last one counts as the last one). Answers whether what is shown has to be drawn
+    // A level that was measured at `now`, by any clock that does not go back (a `now` before the
+    // last one counts as the last one). Returns whether what is shown has to be drawn
     // again: the level differs from the display by more than 0.01, a maximum begins or ends, the
     // clip light goes on, or `forceDisplayIfNeeded`.
-    bool setLevel(float level, bool forceDisplayIfNeeded, std::uint64_t now) noexcept;
+    bool setLevel(float level, bool forceDisplayIfNeeded, Moment now) noexcept;
 
     // Lets the display fall while no level comes, by one step, or by all the whole steps that have
     // passed by `now` if there were more. That time is used up: the next setLevel() lets the
     // display fall for the rest only, so that it falls at the same rate however the two are mixed.
-    // Answers whether it goes on falling.
-    bool tick(std::uint64_t now) noexcept;
+    // Returns whether it goes on falling.
+    bool tick(Moment now) noexcept;
 
     // What setLevel() and tick() were told last; not below 0 as displayLevel().
     float level() const noexcept { return m_level; }
@@ -56,14 +56,14 @@ public:
     bool peak() const noexcept { return m_peak; }
     void setPeak(bool isOn) noexcept { m_peak = isOn; }
 
-    // Seconds from `now` until a tick is due, not below 0; nothing when the display has come to
+    // The time from `now` until a tick is due, not below 0; nothing when the display has come to
     // rest or falls in no other way than by setLevel().
-    std::optional<double> secondsToTick(std::uint64_t now) const noexcept;
-    // Seconds from `now` until the held maximum has been held long enough; nothing without one.
-    std::optional<double> secondsToHoldEnd(std::uint64_t now) const noexcept;
+    std::optional<Nanoseconds> timeToTick(Moment now) const noexcept;
+    // The time from `now` until the held maximum has been held long enough; nothing without one.
+    std::optional<Nanoseconds> timeToHoldEnd(Moment now) const noexcept;
 
 private:
-    double secondsSinceLastCall(std::uint64_t now) const noexcept;
+    double secondsSinceLastCall(Moment now) const noexcept;
     float restingLevel() const noexcept;
     float highestDisplay() const noexcept { return 1.0F + m_fallBackStep; }
 
@@ -76,7 +76,7 @@ private:
     float m_fallBackStep = 0.01F;
     double m_fallBackStepTime = 1.0 / 30.0;
     double m_maxLevelHoldTime = 1.5;  // long enough to read a maximum, short enough to see the next
-    std::optional<std::uint64_t> m_lastCallDate;
+    std::optional<Moment> m_lastCallDate;
     double m_holdAccumulateTime = 0.0;
 };
 

@@ -11,10 +11,10 @@
 namespace veltra {
 namespace {
 
-constexpr std::uint64_t kStart = 1'000'000'000;
+constexpr Moment kStart{seconds(1.0)};
 
-std::uint64_t at(double seconds) {
-    return kStart + static_cast<std::uint64_t>(std::llround(seconds * 1e9));
+Moment at(double time) {
+    return kStart + seconds(time);
 }
 
 // The rules of a meter one after the other, without regard for anything else.
@@ -54,16 +54,16 @@ TEST(LevelBallisticsTest, FollowsTheRulesStepByStep) {
     meter.setFallBackStepTime(slow.stepTime);
     meter.setMaxLevelHoldTime(slow.hold);
     std::mt19937 random(7);
-    std::uint64_t now = kStart;
+    Moment now = kStart;
     for (int i = 0; i < 5000; ++i) {
-        const std::uint64_t passed = i == 0 ? 0 : random() % 60'000'000U;
+        const Nanoseconds passed(i == 0 ? 0 : random() % 60'000'000U);
         now += passed;
         const float level = random() % 4 != 0
                                 ? slow.display + 0.011F * static_cast<float>(random() % 3)
                                 : static_cast<float>(random() % 140U) / 100.0F - 0.1F;
         if (random() % 200 == 0) meter.setPeak(slow.peak = false);
         const bool force = random() % 50 == 0;
-        const bool expected = slow.setLevel(level, force, static_cast<double>(passed) * 1e-9);
+        const bool expected = slow.setLevel(level, force, passed.seconds());
         ASSERT_EQ(meter.setLevel(level, force, now), expected) << i;
         ASSERT_EQ(meter.displayLevel(), slow.display) << i;
         ASSERT_EQ(meter.maxDisplayLevel(), slow.maximum) << i;
@@ -85,16 +85,16 @@ TEST(LevelBallisticsTest, FallsAtOneRateHoweverTicksAndCallsAreMixed) {
         while (true) {
             time += static_cast<double>(random() % 180'000U) * 1e-6;
             if (time >= 1.0) break;
-            const auto due = meter.secondsToTick(at(time));
+            const auto due = meter.timeToTick(at(time));
             if (random() % 2 == 0) {
                 meter.setLevel(0.1F, false, at(time));
                 ASSERT_NEAR(meter.displayLevel(), 1.0 - time * 0.4, 1e-5);
-            } else if (due && *due == 0.0) {
+            } else if (due && *due == Nanoseconds()) {
                 meter.tick(at(time));
                 ASSERT_NEAR(meter.displayLevel(), 1.0 - time * 0.4, 0.02 + 1e-5);
             }
-            ASSERT_NEAR(meter.secondsToHoldEnd(at(time)).value_or(-1.0), std::max(1.0 - time, 0.0),
-                        1e-6);
+            ASSERT_NEAR(meter.timeToHoldEnd(at(time)).value_or(seconds(-1.0)).seconds(),
+                        std::max(1.0 - time, 0.0), 1e-6);
         }
     }
 }

@@ -17,17 +17,17 @@ namespace veltra {
 
 namespace {
 
-constexpr float kNaturalLength = 173.0F;           // points
-constexpr double kShortestTick = 0.005;            // seconds; a display shows no more
-constexpr double kTimerSlack = 1e-6;               // seconds; timers count whole nanoseconds
-constexpr double kLeastNumber = -70.0;             // decibels, for a screen reader
-constexpr double kQuietest = -99.95;               // decibels; below is silence
-constexpr std::uint64_t kTellPause = 500'000'000;  // nanoseconds
+constexpr float kNaturalLength = 173.0F;                // points
+constexpr Nanoseconds kShortestTick = milliseconds(5);  // a display shows no more
+constexpr Nanoseconds kTimerSlack = microseconds(1);    // timers count whole nanoseconds
+constexpr Nanoseconds kTellPause = milliseconds(500);
+constexpr double kQuietest = -99.95;  // decibels; below is silence
+constexpr double kLeastNumber = -70.0;  // decibels, for a screen reader
 constexpr float kWorthTelling = 0.01F;
 
 // No time passes while the clock cannot be read.
-std::uint64_t timeNow() noexcept {
-    return Clocks::current().monotonic().nanoseconds;
+Moment timeNow() noexcept {
+    return Clocks::current().monotonic().moment();
 }
 
 // One decimal, whatever the locale.
@@ -53,7 +53,7 @@ QkLevelMeterCell::~QkLevelMeterCell() {
 }
 
 void QkLevelMeterCell::setLevel(float level, bool forceDisplayIfNeeded) {
-    const std::uint64_t now = timeNow();
+    const Moment now = timeNow();
     const bool wasPeak = peak();
     if (m_ballistics.setLevel(level, forceDisplayIfNeeded, now)) setNeedsDisplay();
     armTimers(now);
@@ -84,18 +84,19 @@ void QkLevelMeterCell::setMaxLevelHoldTime(double seconds) {
 
 // A timer that runs is left alone: when it fires too early, because a level has come meanwhile, it
 // is started again for the rest. That spares each setLevel() a trip to the run loop.
-void QkLevelMeterCell::armTimers(std::uint64_t now) {
-    const auto arm = [](QkTimer& timer, std::optional<double> seconds) {
-        if (!seconds) {
+void QkLevelMeterCell::armTimers(Moment now) {
+    const auto arm = [](QkTimer& timer, std::optional<Nanoseconds> time) {
+        if (!time) {
             timer.stop();
         } else if (!timer.isValid()) {
-            timer.startWithTimeInterval(*seconds);
+            timer.startWithTimeInterval(time->seconds());
         }
     };
-    auto toTick = m_ballistics.secondsToTick(now);
-    if (toTick && fallBackStepTime() < kShortestTick) toTick = kShortestTick;  // several steps each
+    auto toTick = m_ballistics.timeToTick(now);
+    if (toTick && fallBackStepTime() < kShortestTick.seconds())
+        toTick = kShortestTick;  // several steps each
     arm(m_timer, toTick);
-    arm(m_maxtimer, m_ballistics.secondsToHoldEnd(now));
+    arm(m_maxtimer, m_ballistics.timeToHoldEnd(now));
 }
 
 void QkLevelMeterCell::restartTimers() {
@@ -105,9 +106,9 @@ void QkLevelMeterCell::restartTimers() {
 }
 
 void QkLevelMeterCell::timerAction(QkTimer* timer) {
-    const std::uint64_t now = timeNow();
+    const Moment now = timeNow();
     const bool isEarly =
-        timer != nullptr && m_ballistics.secondsToTick(now).value_or(0.0) > kTimerSlack;
+        timer != nullptr && m_ballistics.timeToTick(now).value_or(Nanoseconds()) > kTimerSlack;
     if (!isEarly) {
         m_ballistics.tick(now);
         setNeedsDisplay();
@@ -117,9 +118,9 @@ void QkLevelMeterCell::timerAction(QkTimer* timer) {
 }
 
 void QkLevelMeterCell::maxtimerAction(QkTimer* timer) {
-    const std::uint64_t now = timeNow();
+    const Moment now = timeNow();
     const bool isEarly =
-        timer != nullptr && m_ballistics.secondsToHoldEnd(now).value_or(0.0) > kTimerSlack;
+        timer != nullptr && m_ballistics.timeToHoldEnd(now).value_or(Nanoseconds()) > kTimerSlack;
     if (!isEarly) {
         m_ballistics.dropMaximum();
         setNeedsDisplay();
@@ -264,7 +265,7 @@ void QkLevelMeterCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, 
         .draw(canvas, place, {displayLevel(), maxDisplayLevel(), peak(), m_onStateLEDInset});
 }
 
-void QkLevelMeterCell::tellLevel(std::uint64_t now, bool isUrgent) {
+void QkLevelMeterCell::tellLevel(Moment now, bool isUrgent) {
     const bool isDue = !m_toldDate || now < *m_toldDate || now - *m_toldDate >= kTellPause;
     const bool differs = std::fabs(displayLevel() - m_toldLevel) > kWorthTelling;
     if (!isUrgent && !(isDue && differs)) return;

@@ -57,7 +57,7 @@ public:
     // Ends the held maximum, likewise.
     void maxtimerAction(QkTimer* timer);
 
-    // The number of LEDs; 0 shows a continuous bar. 32 to begin with: LEDs of 4 points and gaps of
+    // The number of LEDs; 0 shows a continuous bar. At first 32: LEDs of 4 points and gaps of
     // 1 in a meter 173 points long. More than there are pixels count as 0.
     // With a pitch it is what the frame has room for.
     std::uint32_t LEDCount() const;
@@ -69,7 +69,7 @@ public:
     void setLEDPitch(float points);
 
     // What is cut off all around the lit part of the bar, in points: for images whose LEDs have a
-    // border. 0 to begin with; below 0 or no number counts as 0.
+    // border. At first 0; below 0 or NaN counts as 0.
     float onStateLEDInset() const noexcept { return m_onStateLEDInset; }
     void setOnStateLEDInset(float inset);
 
@@ -84,7 +84,7 @@ public:
     LevelScale levelScale() const noexcept { return m_levelScale; }
     void setLevelScale(LevelScale scale);
 
-    // Nothing, as to begin with: horizontal where the frame is wider than high.
+    // Nothing, as at first: horizontal where the frame is wider than high.
     void setOrientation(std::optional<LevelMeterOrientation> orientation);
     LevelMeterOrientation orientation() const noexcept;
 
@@ -129,9 +129,9 @@ public:
 private:
     struct Drawing;  // the layout and the pictures
 
-    void armTimers(std::uint64_t now);
+    void armTimers(Moment now);
     void restartTimers();
-    void tellLevel(std::uint64_t now, bool isUrgent);
+    void tellLevel(Moment now, bool isUrgent);
     const Drawing& drawing(Size frame, float scale, Appearance appearance) const;
     const Drawing* drawingOfFrame() const;
     LevelMeterPictureRequest request(float scale, Appearance appearance) const;
@@ -155,7 +155,7 @@ private:
     std::string m_accessibilityDescription = "level";
     LevelScale m_levelScale = LevelScale::Amplitude;
     float m_toldLevel = 0.0F;
-    std::optional<std::uint64_t> m_toldDate;
+    std::optional<Moment> m_toldDate;
 };
 
 }  // namespace veltra

@@ -44,11 +44,11 @@ public:
     void setOnStateLEDInset(float inset);
     void setImageIDs(std::int32_t levelMeterImageID, std::int32_t peakLEDImageID);
 
-    // Nothing, as to begin with: lying where the view is wider than high.
+    // Nothing, as at first: lying where the view is wider than high.
     void setOrientation(std::optional<LevelMeterOrientation> orientation);
     LevelMeterOrientation orientation() const noexcept;
 
-    // Between the cells, in points. 2 to begin with; below 0 counts as 0.
+    // Between the cells, in points. At first 2; below 0 counts as 0.
     std::int32_t padding() const noexcept { return m_padding; }
     void setPadding(std::int32_t padding);
 

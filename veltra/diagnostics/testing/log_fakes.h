@@ -71,7 +71,7 @@ public:
     }
 
 private:
-    ClockReading monotonic() const noexcept override { return {}; }
+    ClockReading monotonic() const noexcept override { return Moment(); }
     WallTime wall() const noexcept override { return now; }
     std::optional<CivilTime> civilTime(WallTime) const noexcept override { return localTime; }
     std::string_view programName() const noexcept override { return program; }

@@ -17,6 +17,7 @@
 // looked at again.
 #include "veltra/memory/detail/leak_guard_zone.h"
 
+#include "veltra/base/object_file.h"
 #include "veltra/memory/detail/leak_guard_scopes.h"
 #include "veltra/platform/allocation_zone.h"
 #include "veltra/platform/fork_safe_lock.h"
@@ -37,7 +38,7 @@ struct ThreadState {
     bool mayHaveScopes = false;
     bool isUnrecorded = false;
 };
-[[gnu::tls_model("initial-exec")]] constinit thread_local ThreadState thread;
+VELTRA_NEVER_ALLOCATED constinit thread_local ThreadState thread;
 
 // Written before the first wrapper is installed; the entries' order publishes it.
 constinit ZoneEntries saved;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_helper.h"
 
+#include "veltra/platform/alert_protocol.h"
 #include "veltra/platform/linux/alert_helper_search.h"
-#include "veltra/platform/linux/alert_protocol.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
 #include "veltra/platform/linux/descriptor.h"
@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <new>
@@ -41,7 +40,7 @@ public:
                   argument("--default=", alert.defaultButton),
                   argument("--alternate=", alert.alternateButton),
                   argument("--other=", alert.otherButton),
-                  "--timeout=" + std::to_string(std::llround(alert.timeoutSeconds * 1000.0))} {
+                  "--timeout=" + std::to_string(alert.timeout.wholeMilliseconds())} {
         std::transform(m_texts.begin(), m_texts.end(), m_pointers.begin(),
                        [](std::string& text) { return text.data(); });
     }
@@ -165,7 +164,7 @@ bool isSet(const char* name) noexcept {
 }  // namespace
 
 std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
-                                     double graceSeconds) noexcept {
+                                     Nanoseconds grace) noexcept {
     try {
         std::array<int, 2> ends{-1, -1};
         if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
@@ -175,7 +174,7 @@ std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
         Descriptor theirs(ends[1]);
         Arguments arguments(alert, program);
 
-        const Deadline deadline(alert.timeoutSeconds + graceSeconds);
+        const Deadline deadline(alert.timeout + grace);
         const pid_t child = SpawnSettings(theirs.number()).spawn(program, arguments.list());
         theirs.close();
         if (child < 0) return std::nullopt;
@@ -183,7 +182,7 @@ std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
         const std::optional<AlertAnswer> answer = readAnswer(ours.number(), deadline);
         // Whoever has answered in time may close its window and end by itself.
         if (answer && !deadline.hasPassed()) {
-            waitFor(ours.number(), POLLIN, Deadline(std::min(graceSeconds, 1.0)));
+            waitFor(ours.number(), POLLIN, Deadline(std::min(grace, seconds(1.0))));
         }
         endChild(child);
         return answer;

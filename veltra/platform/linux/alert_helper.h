@@ -10,10 +10,10 @@
 namespace veltra {
 
 // Starts `program` (see alert_protocol.h) and waits for its answer; nothing when it cannot be
-// started or ends without a proper one. A helper that is still silent `graceSeconds` after the
+// started or ends without a proper one. A helper that is still silent `grace` after the
 // time-out, or still there so long after its answer, is killed. No child is left behind, whatever
 // the host does with SIGCHLD.
 std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
-                                     double graceSeconds = 2.0) noexcept;
+                                     Nanoseconds grace = seconds(2.0)) noexcept;
 
 }  // namespace veltra

@@ -77,7 +77,7 @@ public:
         addPlain("Number, or Return for 1");
         std::array<char, 32> seconds{};
         std::snprintf(seconds.data(), seconds.size(), " (within %.0f s)",
-                      std::ceil(alert.timeoutSeconds));
+                      std::ceil(alert.timeout.seconds()));
         addPlain(seconds.data());
         addPlain(": ");
     }
@@ -166,7 +166,7 @@ AlertAnswer readAnswer(int terminal, const Alert& alert, const Deadline& deadlin
 }  // namespace
 
 std::optional<AlertAnswer> askOnTerminal(const Alert& alert) noexcept {
-    const Deadline deadline(alert.timeoutSeconds);
+    const Deadline deadline(alert.timeout);
     const TerminalClaim claim;
     if (!claim.isOurs()) return std::nullopt;
     // Not to wait in reads and writes is a property of this opening alone: the host's own

@@ -21,18 +21,19 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
+constexpr Nanoseconds kMinute = seconds(60.0);
 testing::ManualClocks* s_clocks = nullptr;
-std::vector<double> s_timeouts;  // that the ways were given
+std::vector<Nanoseconds> s_timeouts;  // that the ways were given
 
-template <std::uint64_t Seconds>
+template <int Seconds>
 std::optional<AlertAnswer> failsAfter(const Alert& alert) noexcept {
-    s_timeouts.push_back(alert.timeoutSeconds);
-    s_clocks->now += Seconds * 1'000'000'000;
+    s_timeouts.push_back(alert.timeout);
+    s_clocks->now += seconds(Seconds);
     return std::nullopt;
 }
 
 std::optional<AlertAnswer> answersOther(const Alert& alert) noexcept {
-    s_timeouts.push_back(alert.timeoutSeconds);
+    s_timeouts.push_back(alert.timeout);
     return AlertAnswer::Other;
 }
 
@@ -42,14 +43,14 @@ TEST(AlertWays, TheFirstOneThatIsOpenAnswersWithinWhatIsLeftOfTheTime) {
     const auto ask = [&](auto... ways) {
         s_timeouts.clear();
         const std::array<AlertWay, sizeof...(ways)> inTurn{ways...};
-        return askInTurn({"", "", "", "", "", 60.0}, inTurn);
+        return askInTurn({"", "", "", "", "", kMinute}, inTurn);
     };
     EXPECT_EQ(ask(answersOther, failsAfter<0>), AlertAnswer::Other);
-    EXPECT_THAT(s_timeouts, ElementsAre(60.0));
+    EXPECT_THAT(s_timeouts, ElementsAre(kMinute));
     EXPECT_EQ(ask(failsAfter<0>, failsAfter<25>, answersOther), AlertAnswer::Other);
-    EXPECT_THAT(s_timeouts, ElementsAre(60.0, 60.0, 35.0));
+    EXPECT_THAT(s_timeouts, ElementsAre(kMinute, kMinute, seconds(35.0)));
     EXPECT_EQ(ask(failsAfter<60>, answersOther), AlertAnswer::TimedOut);
-    EXPECT_THAT(s_timeouts, ElementsAre(60.0));
+    EXPECT_THAT(s_timeouts, ElementsAre(kMinute));
     EXPECT_EQ(ask(failsAfter<1>, failsAfter<1>), AlertAnswer::TimedOut);
     EXPECT_EQ(ask(), AlertAnswer::TimedOut);
 }
@@ -74,15 +75,15 @@ std::string play(const Scene& scene) {
     const auto isAnsweredRight = [&scene] {
         ::setpgid(0, 0);
         return scene.answer == askOnTerminal({"Header", "evil \x1b[2J\n", "Resume", "Debugger",
-                                              scene.otherButton, scene.timeout});
+                                              scene.otherButton, seconds(scene.timeout)});
     };
+    const testing::Child child([&] {
+        ::setsid();
+        ::ioctl(::open(name.c_str(), O_RDWR), TIOCSCTTY, 0);
+        return scene.isInBackground ? testing::holdsInChild(isAnsweredRight) : isAnsweredRight();
+    });
     std::thread session([&] {
-        EXPECT_TRUE(testing::holdsInChild([&] {
-            ::setsid();
-            ::ioctl(::open(name.c_str(), O_RDWR), TIOCSCTTY, 0);
-            return scene.isInBackground ? testing::holdsInChild(isAnsweredRight)
-                                        : isAnsweredRight();
-        })) << scene.typed;
+        EXPECT_TRUE(child.holds()) << scene.typed;
         EXPECT_EQ(::write(keepsOpen, "\a", 1), 1);  // the end
     });
     std::string text;

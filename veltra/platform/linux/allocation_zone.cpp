@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/allocation_zone.h"
 
-#include "veltra/base/replaceable.h"
+#include "veltra/base/object_file.h"
 #include "veltra/platform/linux/process_zone.h"
 #include "veltra/platform/zone_code.h"
 
@@ -11,19 +11,13 @@
 
 #include <dlfcn.h>
 
-// Made by the linker where a section of that name exists.
-extern "C" {
-[[gnu::weak, gnu::visibility("hidden")]] extern const char __start_veltra_zone[];
-[[gnu::weak, gnu::visibility("hidden")]] extern const char __stop_veltra_zone[];
-}
+VELTRA_DECLARE_SECTION(veltra_zone)
 
 namespace veltra {
 
 namespace {
 
-constinit Replaceable<AllocationZone, &AllocationZone::process> replaceableZone;
-
-[[gnu::tls_model("initial-exec")]] constinit thread_local bool probeWasReached = false;
+VELTRA_NEVER_ALLOCATED constinit thread_local bool probeWasReached = false;
 
 // Forwards to the allocator below every wrapper rather than to what it replaced: two probes that
 // overlap then cannot call one another for ever.
@@ -99,17 +93,9 @@ AllocationZone& AllocationZone::process() noexcept {
     return processZone;
 }
 
-AllocationZone& AllocationZone::current() noexcept {
-    return replaceableZone.current();
-}
-
-AllocationZone* AllocationZone::install(AllocationZone* zone) noexcept {
-    return replaceableZone.install(zone);
-}
-
 bool isZoneCode(std::uintptr_t address) noexcept {
-    return address >= reinterpret_cast<std::uintptr_t>(__start_veltra_zone) &&
-           address < reinterpret_cast<std::uintptr_t>(__stop_veltra_zone);
+    return address >= reinterpret_cast<std::uintptr_t>(VELTRA_BEGIN_OF(veltra_zone)) &&
+           address < reinterpret_cast<std::uintptr_t>(VELTRA_END_OF(veltra_zone));
 }
 
 }  // namespace veltra

@@ -2,7 +2,7 @@
 #include "veltra/platform/clock.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/platform/port.h"
 
 #include <cerrno>
 
@@ -16,10 +16,8 @@ class LinuxClocks final : public Clocks {
 public:
     ClockReading monotonic() const noexcept override {
         timespec now{};
-        if (::clock_gettime(CLOCK_MONOTONIC, &now) != 0) return {0, errno};
-        return {static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U +
-                    static_cast<std::uint64_t>(now.tv_nsec),
-                0};
+        if (::clock_gettime(CLOCK_MONOTONIC, &now) != 0) return ClockReading::failed(errno);
+        return Moment(Nanoseconds(now.tv_sec * std::int64_t{1'000'000'000} + now.tv_nsec));
     }
 
     WallTime wall() const noexcept override {
@@ -29,23 +27,11 @@ public:
     }
 };
 
+}  // namespace
+
 const Clocks& platformClocks() noexcept {
     static const Immortal<LinuxClocks> clocks;
     return *clocks;
-}
-
-constinit Replaceable<const Clocks, &platformClocks> replaceableClocks;
-
-}  // namespace
-
-Clocks::~Clocks() = default;
-
-const Clocks& Clocks::current() noexcept {
-    return replaceableClocks.current();
-}
-
-const Clocks* Clocks::install(const Clocks* clocks) noexcept {
-    return replaceableClocks.install(clocks);
 }
 
 }  // namespace veltra

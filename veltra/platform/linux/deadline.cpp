@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 
 #include <poll.h>
 
@@ -13,30 +12,23 @@ namespace veltra {
 
 namespace {
 
-constexpr double kLongestSeconds = 24.0 * 60.0 * 60.0;
-constexpr double kNanosecondsPerSecond = 1e9;
+constexpr Nanoseconds kLongest = seconds(86'400.0);
 
 }  // namespace
 
-Deadline::Deadline(double seconds) noexcept
-    : m_nanoseconds(Clocks::current().monotonic().nanoseconds) {
-    if (!(seconds > 0.0)) return;
-    const double nanoseconds = std::min(seconds, kLongestSeconds) * kNanosecondsPerSecond;
-    m_nanoseconds += static_cast<std::uint64_t>(nanoseconds);
+Deadline::Deadline(Nanoseconds time) noexcept
+    : m_moment(Clocks::current().monotonic().moment() + std::clamp(time, Nanoseconds(), kLongest)) {
 }
 
-double Deadline::secondsLeft() const noexcept {
-    const std::uint64_t now = Clocks::current().monotonic().nanoseconds;
-    if (now >= m_nanoseconds) return 0.0;
-    return static_cast<double>(m_nanoseconds - now) / kNanosecondsPerSecond;
+Nanoseconds Deadline::timeLeft() const noexcept {
+    return std::max(m_moment - Clocks::current().monotonic().moment(), Nanoseconds());
 }
 
 WaitResult waitFor(int descriptor, short events, const Deadline& deadline) noexcept {
     pollfd waited{descriptor, events, 0};
     for (;;) {
-        const double milliseconds =
-            std::clamp(std::ceil(deadline.secondsLeft() * 1000.0), 0.0, kLongestSeconds * 1000.0);
-        const int count = ::poll(&waited, 1, static_cast<int>(milliseconds));
+        const Nanoseconds left = std::min(deadline.timeLeft(), kLongest);
+        const int count = ::poll(&waited, 1, static_cast<int>(left.wholeMilliseconds()));
         if (count > 0) return WaitResult::Ready;
         if (count == 0) return WaitResult::TimedOut;
         if (errno != EINTR && errno != EAGAIN) return WaitResult::Failed;

@@ -2,21 +2,21 @@
 // A moment on the monotonic clock, and waiting for a descriptor no longer than until then.
 #pragma once
 
-#include <cstdint>
+#include "veltra/base/time.h"
 
 namespace veltra {
 
 class Deadline {
 public:
-    // In `seconds` from now. Nothing (also not a number) has passed at once; more than a day counts
+    // After `time` from now. A time that is not above 0 has passed at once; more than a day counts
     // as a day.
-    explicit Deadline(double seconds) noexcept;
+    explicit Deadline(Nanoseconds time) noexcept;
 
-    double secondsLeft() const noexcept;  // 0 once passed
-    bool hasPassed() const noexcept { return secondsLeft() <= 0.0; }
+    Nanoseconds timeLeft() const noexcept;  // 0 once passed
+    bool hasPassed() const noexcept { return timeLeft() == Nanoseconds(); }
 
 private:
-    std::uint64_t m_nanoseconds = 0;
+    Moment m_moment;
 };
 
 enum class WaitResult { Ready, TimedOut, Failed };

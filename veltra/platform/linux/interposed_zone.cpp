@@ -14,6 +14,7 @@
 // while a sanitizer owns the rest. Everything here must work before the process's constructors have
 // run, in any thread, and in the middle of a fork: no locks, no dynamic initialisation, and
 // thread-local words only of the kind that never has to be allocated.
+#include "veltra/base/object_file.h"
 #include "veltra/platform/linux/process_zone.h"
 #include "veltra/platform/zone_code.h"
 
@@ -74,7 +75,7 @@ constinit Arena arena;
 // after an acquire load of `isFound`.
 constinit AllocationZone next{ZoneEntries{}};
 constinit std::atomic<bool> isFound{false};
-[[gnu::tls_model("initial-exec")]] constinit thread_local bool isLookingUp = false;
+VELTRA_NEVER_ALLOCATED constinit thread_local bool isLookingUp = false;
 
 void* failed(int error) noexcept {
     errno = error;

@@ -2,12 +2,12 @@
 #include "veltra/platform/linux/journal_log.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/linux/descriptor.h"
 #include "veltra/platform/linux/journal_datagram.h"
 #include "veltra/platform/linux/signal_hold.h"
 #include "veltra/platform/local_time.h"
+#include "veltra/platform/port.h"
 #include "veltra/platform/process.h"
 
 #include <algorithm>
@@ -173,25 +173,9 @@ void JournalLog::sendToSyslog(const LogRecord& record) noexcept {
     sendTo(m_syslog, message);
 }
 
-namespace {
-
-SystemLog& platformLog() noexcept {
+SystemLog& platformSystemLog() noexcept {
     static const Immortal<JournalLog> log;
     return *log;
-}
-
-constinit Replaceable<SystemLog, &platformLog> replaceableSystemLog;
-
-}  // namespace
-
-SystemLog::~SystemLog() = default;
-
-SystemLog& SystemLog::current() noexcept {
-    return replaceableSystemLog.current();
-}
-
-SystemLog* SystemLog::install(SystemLog* log) noexcept {
-    return replaceableSystemLog.install(log);
 }
 
 }  // namespace veltra

@@ -3,7 +3,7 @@
 
 #include "veltra/base/json_text.h"
 #include "veltra/base/well_formed_utf8.h"
-#include "veltra/platform/detail/platform_preferences.h"
+#include "veltra/platform/port.h"
 
 #include <algorithm>
 #include <cstdlib>

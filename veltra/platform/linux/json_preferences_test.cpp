@@ -88,16 +88,14 @@ TEST_F(JsonPreferencesTest, WritersInTwoProcessesAndTwoThreadsLoseNothing) {
         }
         return isWritten;
     };
-    std::thread child([&] {
-        EXPECT_TRUE(testing::holdsInChild([&] {
-            JsonPreferences ofChild(m_file.string());
-            return writeMany(ofChild, 'a');
-        }));
+    const testing::Child child([&] {
+        JsonPreferences ofChild(m_file.string());
+        return writeMany(ofChild, 'a');
     });
     std::thread other([&] { EXPECT_TRUE(writeMany(m_preferences, 'b')); });
     EXPECT_TRUE(writeMany(m_preferences, 'c'));
     other.join();
-    child.join();
+    EXPECT_TRUE(child.holds());
     PropertyValue::Dictionary all;
     for (const char prefix : {'a', 'b', 'c'})
         for (int number = 0; number < 40; ++number)

@@ -2,7 +2,7 @@
 #include "veltra/platform/local_time.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/platform/port.h"
 
 #include <atomic>
 #include <chrono>
@@ -40,7 +40,7 @@ std::optional<CivilTime> askSystem(std::int64_t seconds, long* secondsFromUtc = 
 
 CivilTime civilFrom(std::int64_t secondsAtUtc, std::int64_t secondsFromUtc) noexcept {
     using namespace std::chrono;
-    const seconds local{secondsAtUtc + secondsFromUtc};
+    const std::chrono::seconds local{secondsAtUtc + secondsFromUtc};
     const auto midnight = floor<days>(local);
     const year_month_day date{sys_days{midnight}};
     const auto rest = static_cast<std::int32_t>((local - midnight).count());
@@ -92,23 +92,11 @@ private:
     mutable std::atomic<QuarterWord> m_word{0};
 };
 
+}  // namespace
+
 const LocalTime& platformLocalTime() noexcept {
     static const Immortal<LinuxLocalTime> localTime;
     return *localTime;
-}
-
-constinit Replaceable<const LocalTime, &platformLocalTime> replaceableLocalTime;
-
-}  // namespace
-
-LocalTime::~LocalTime() = default;
-
-const LocalTime& LocalTime::current() noexcept {
-    return replaceableLocalTime.current();
-}
-
-const LocalTime* LocalTime::install(const LocalTime* localTime) noexcept {
-    return replaceableLocalTime.install(localTime);
 }
 
 }  // namespace veltra

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/base/immortal.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/linux/deadline.h"
+#include "veltra/platform/port.h"
 
 #include <array>
 
@@ -17,17 +19,17 @@ public:
 
 }  // namespace
 
-AlertPresenter& AlertPresenter::platform() noexcept {
-    static LinuxAlertPresenter presenter;
-    return presenter;
+AlertPresenter& platformAlertPresenter() noexcept {
+    static const Immortal<LinuxAlertPresenter> presenter;
+    return *presenter;
 }
 
 AlertAnswer askInTurn(const Alert& alert, std::span<const AlertWay> ways) noexcept {
-    const Deadline deadline(alert.timeoutSeconds);
+    const Deadline deadline(alert.timeout);
     Alert asked = alert;
     for (const AlertWay way : ways) {
-        asked.timeoutSeconds = deadline.secondsLeft();
-        if (asked.timeoutSeconds <= 0.0) break;
+        asked.timeout = deadline.timeLeft();
+        if (asked.timeout == Nanoseconds()) break;
         if (const std::optional<AlertAnswer> answer = way(asked)) return *answer;
     }
     return AlertAnswer::TimedOut;

@@ -2,6 +2,7 @@
 #include "veltra/platform/poll_run_loop.h"
 
 #include "veltra/platform/clock.h"
+#include "veltra/platform/port.h"
 
 #include <algorithm>
 #include <memory>
@@ -17,37 +18,33 @@ namespace veltra {
 
 namespace {
 
-constexpr std::uint64_t kSecond = 1'000'000'000;
-constexpr std::uint64_t kLongestWait = 86'400 * kSecond;  // a day fits every timespec
-constexpr std::uint64_t kBlindWait = kSecond / 20;        // with nothing to wake by
+constexpr Nanoseconds kLongestWait = seconds(86'400.0);  // a day fits every timespec
+constexpr Nanoseconds kBlindWait = milliseconds(50);     // with nothing to wake by
 
-std::uint64_t waitFromSeconds(double seconds) noexcept {
-    if (!(seconds > 0.0)) return 0;
-    return seconds >= 86'400.0 ? kLongestWait : static_cast<std::uint64_t>(seconds * 1e9);
-}
-
-timespec toTimespec(std::uint64_t nanoseconds) noexcept {
+// Of a time from 0 to kLongestWait.
+timespec toTimespec(Nanoseconds wait) noexcept {
+    constexpr Nanoseconds kSecond = seconds(1.0);
     timespec time{};
-    time.tv_sec = static_cast<time_t>(nanoseconds / kSecond);
-    time.tv_nsec = static_cast<long>(nanoseconds % kSecond);
+    time.tv_sec = static_cast<time_t>(wait / kSecond);
+    time.tv_nsec = static_cast<long>((wait % kSecond).count());
     return time;
 }
 
-std::uint64_t waitUntil(std::uint64_t deadline) noexcept {
+Nanoseconds waitUntil(Moment deadline) noexcept {
     const ClockReading now = Clocks::current().monotonic();
-    if (now.error != 0) return kBlindWait;
-    return deadline > now.nanoseconds ? std::min(deadline - now.nanoseconds, kLongestWait) : 0;
+    if (now.hasFailed()) return kBlindWait;
+    return std::clamp(deadline - now.moment(), Nanoseconds(), kLongestWait);
 }
 
-void armTimer(int descriptor, std::optional<std::uint64_t> deadline) noexcept {
+void armTimer(int descriptor, std::optional<Moment> deadline) noexcept {
     itimerspec time{};  // all zero: never
-    if (deadline) time.it_value = toTimespec(std::max<std::uint64_t>(waitUntil(*deadline), 1));
+    if (deadline) time.it_value = toTimespec(std::max(waitUntil(*deadline), Nanoseconds(1)));
     static_cast<void>(::timerfd_settime(descriptor, 0, &time, nullptr));
 }
 
 }  // namespace
 
-std::unique_ptr<RunLoop> RunLoop::makeForPlatform() noexcept {
+std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept {
     return std::unique_ptr<RunLoop>(new (std::nothrow) PollRunLoop);
 }
 
@@ -64,25 +61,24 @@ void PollRunLoop::run() {
     }
 }
 
-bool PollRunLoop::runFor(double seconds) {
+bool PollRunLoop::runFor(Nanoseconds longest) {
     const WeakPointer<RunLoop> self(this);
     const ClockReading start = Clocks::current().monotonic();
-    const double longest = seconds > 0.0 ? seconds * 1e9 : 0.0;
-    for (ClockReading now = start; now.error == 0; now = Clocks::current().monotonic()) {
-        const double left = longest - static_cast<double>(now.nanoseconds - start.nanoseconds);
-        if (round(waitFromSeconds(left * 1e-9)) == Round::Stopped) return true;
-        if (!self || left <= 0.0) return false;
+    for (ClockReading now = start; !now.hasFailed(); now = Clocks::current().monotonic()) {
+        const Nanoseconds left = longest - (now.moment() - start.moment());
+        if (round(left) == Round::Stopped) return true;
+        if (!self || left <= Nanoseconds()) return false;
     }
     return false;
 }
 
-bool PollRunLoop::runOnce(double seconds) {
-    return round(waitFromSeconds(seconds)) == Round::Stopped;
+bool PollRunLoop::runOnce(Nanoseconds longest) {
+    return round(longest) == Round::Stopped;
 }
 
-PollRunLoop::Round PollRunLoop::round(std::uint64_t longestWait) {
+PollRunLoop::Round PollRunLoop::round(Nanoseconds longest) {
     if (takeStop()) return Round::Stopped;
-    wait(longestWait);
+    wait(std::clamp(longest, Nanoseconds(), kLongestWait));
     if (takeStop()) return Round::Stopped;
     runDue();  // may delete the loop
     return Round::Done;
@@ -100,8 +96,8 @@ bool PollRunLoop::takeStop() noexcept {
     return m_isStopAsked.exchange(false, std::memory_order_acquire);  // with stop()
 }
 
-void PollRunLoop::wait(std::uint64_t longest) const noexcept {
-    const std::optional<std::uint64_t> deadline = nextDeadline();
+void PollRunLoop::wait(Nanoseconds longest) const noexcept {
+    const std::optional<Moment> deadline = nextDeadline();
     if (deadline) longest = std::min(longest, waitUntil(*deadline));
     if (m_stopDescriptor < 0) longest = std::min(longest, kBlindWait);
     const timespec time = toTimespec(longest);
@@ -119,7 +115,7 @@ int PollRunLoop::descriptor() noexcept {
     return m_timerDescriptor;
 }
 
-void PollRunLoop::deadlineChanged(std::optional<std::uint64_t> deadline) noexcept {
+void PollRunLoop::deadlineChanged(std::optional<Moment> deadline) noexcept {
     if (m_timerDescriptor >= 0) armTimer(m_timerDescriptor, deadline);
 }
 

@@ -2,13 +2,13 @@
 #include "veltra/platform/process.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
+#include "veltra/base/object_file.h"
+#include "veltra/platform/port.h"
 
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
 
-#include <pthread.h>
 #include <sys/auxv.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -17,31 +17,13 @@ namespace veltra {
 
 namespace {
 
-// Counts the forks between the first process and this one, from 1: what was read under another
-// count belongs to an ancestor. 0 when the system takes no handlers, and then nothing is kept.
-// Written only in a forked child, while it has one thread.
-std::atomic<std::uint32_t> forkGeneration{0};
-
-std::uint32_t currentGeneration() noexcept {
-    static const bool isCounting = [] {
-        forkGeneration.store(1, std::memory_order_relaxed);
-        if (::pthread_atfork(nullptr, nullptr,
-                             [] { forkGeneration.fetch_add(1, std::memory_order_relaxed); }) == 0)
-            return true;
-        forkGeneration.store(0, std::memory_order_relaxed);
-        return false;
-    }();
-    // Relaxed: it only changes where there is one thread.
-    return isCounting ? forkGeneration.load(std::memory_order_relaxed) : 0;
-}
-
 struct KnownThread {
     std::uint32_t generation = 0;
     std::uint32_t number = 0;
 };
 
 // Initial-exec: reading it never allocates, also when the library was loaded late.
-[[gnu::tls_model("initial-exec")]] thread_local KnownThread knownThread;
+VELTRA_NEVER_ALLOCATED thread_local KnownThread knownThread;
 
 // The process's number, and the generation that read it: stored last and loaded first, so that a
 // number is never older than its generation.
@@ -56,7 +38,7 @@ public:
     }
 
     std::int32_t processId() const noexcept override {
-        const std::uint32_t generation = currentGeneration();
+        const std::uint32_t generation = forkGeneration();
         if (generation != 0 &&
             knownProcessGeneration.load(std::memory_order_acquire) == generation)  // with below
             return knownProcess.load(std::memory_order_relaxed);
@@ -67,7 +49,7 @@ public:
     }
 
     std::uint32_t threadId() const noexcept override {
-        const std::uint32_t generation = currentGeneration();
+        const std::uint32_t generation = forkGeneration();
         if (generation == 0 || knownThread.generation != generation)
             knownThread = {generation, static_cast<std::uint32_t>(::syscall(SYS_gettid))};
         return knownThread.number;
@@ -81,23 +63,11 @@ public:
     }
 };
 
+}  // namespace
+
 const Process& platformProcess() noexcept {
     static const Immortal<LinuxProcess> process;
     return *process;
-}
-
-constinit Replaceable<const Process, &platformProcess> replaceableProcess;
-
-}  // namespace
-
-Process::~Process() = default;
-
-const Process& Process::current() noexcept {
-    return replaceableProcess.current();
-}
-
-const Process* Process::install(const Process* process) noexcept {
-    return replaceableProcess.install(process);
 }
 
 const char* environmentVariable(const char* name) noexcept {

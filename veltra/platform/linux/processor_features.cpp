@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "veltra/platform/processor_features.h"
-
-#include <atomic>
+#include "veltra/platform/port.h"
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <cpuid.h>
@@ -87,19 +85,10 @@ ProcessorFeatures query() noexcept {
 
 #endif
 
-// Relaxed throughout: a query is code, and publishes no data that came before it.
-constinit std::atomic<ProcessorFeatures::Query> installedQuery{nullptr};
-
 }  // namespace
 
-ProcessorFeatures ProcessorFeatures::current() noexcept {
-    static const ProcessorFeatures platform = query();
-    const Query installed = installedQuery.load(std::memory_order_relaxed);
-    return installed != nullptr ? installed() : platform;
-}
-
-ProcessorFeatures::Query ProcessorFeatures::install(Query query) noexcept {
-    return installedQuery.exchange(query, std::memory_order_relaxed);
+ProcessorFeatures platformProcessorFeatures() noexcept {
+    return query();
 }
 
 }  // namespace veltra

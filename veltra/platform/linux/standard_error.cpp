@@ -2,10 +2,10 @@
 #include "veltra/platform/standard_error.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/replaceable.h"
-#include "veltra/platform/fork_reset.h"
+#include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
 #include "veltra/platform/linux/signal_hold.h"
+#include "veltra/platform/port.h"
 #include "veltra/platform/process.h"
 
 #include <algorithm>
@@ -24,10 +24,6 @@ constexpr int kMostInterruptions = 16;
 
 // One for the process, as standard error is.
 AdaptiveLock lineLock;
-
-void keepLockUsableInChildren() noexcept {
-    [[maybe_unused]] static const bool isNamed = (resetInChildren(lineLock), true);
-}
 
 int reopenStandardError() noexcept {
     return ::open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
@@ -99,7 +95,7 @@ DescriptorStandardError::DescriptorStandardError() noexcept
 DescriptorStandardError::DescriptorStandardError(const StandardErrorCalls& calls) noexcept
     : m_calls(calls) {
     if (m_calls.reopen == nullptr) m_calls.reopen = reopenStandardError;
-    keepLockUsableInChildren();
+    addForkHandler({lineLock, ForkPolicy::ResetInChild});
 }
 
 StandardError::Status DescriptorStandardError::inspect() const noexcept {
@@ -194,25 +190,9 @@ void DescriptorStandardError::write(const Status& status, const Pieces& pieces) 
     if (error == EFBIG) signals.takeAway(SIGXFSZ);
 }
 
-namespace {
-
-StandardError& ownStandardError() noexcept {
+StandardError& platformStandardError() noexcept {
     static const Immortal<DescriptorStandardError> stream;
     return *stream;
-}
-
-constinit Replaceable<StandardError, &ownStandardError> replaceableStandardError;
-
-}  // namespace
-
-StandardError::~StandardError() = default;
-
-StandardError& StandardError::current() noexcept {
-    return replaceableStandardError.current();
-}
-
-StandardError* StandardError::install(StandardError* stream) noexcept {
-    return replaceableStandardError.install(stream);
 }
 
 }  // namespace veltra

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/immortal.h"
 #include "veltra/platform/clock.h"
-#include "veltra/platform/detail/platform_keyboard_layout.h"
 #include "veltra/platform/linux/xkb_keymap.h"
+#include "veltra/platform/port.h"
 
 #include <array>
 #include <iterator>
@@ -141,9 +141,8 @@ private:
     }
 
     void readAgain() const noexcept {
-        constexpr std::uint64_t kSecond = 1'000'000'000;
-        const std::uint64_t now = Clocks::current().monotonic().nanoseconds;
-        if (m_wasRead && now - m_readAt < kSecond) return;
+        const Moment now = Clocks::current().monotonic().moment();
+        if (m_wasRead && now - m_readAt < seconds(1.0)) return;
         m_wasRead = true;
         m_readAt = now;
         const XkbContext context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
@@ -154,7 +153,7 @@ private:
     }
 
     mutable LayoutInUse m_layout;
-    mutable std::uint64_t m_readAt = 0;  // of the monotonic clock
+    mutable Moment m_readAt;
     mutable bool m_wasRead = false;
 };
 

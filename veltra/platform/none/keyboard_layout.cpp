@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/immortal.h"
-#include "veltra/platform/detail/platform_keyboard_layout.h"
+#include "veltra/platform/port.h"
 
 namespace veltra {
 

@@ -6,8 +6,6 @@
 #include "veltra/platform/clock.h"
 #include "veltra/platform/run_loop.h"
 
-#include <cmath>
-#include <cstdint>
 #include <optional>
 
 namespace veltra::testing {
@@ -17,17 +15,17 @@ public:
     ManualClocks() noexcept : m_before(Clocks::install(this)) {}
     ~ManualClocks() override { Clocks::install(m_before); }
 
-    // `tick` nanoseconds pass after each reading.
+    // `tick` passes after each reading.
     ClockReading monotonic() const noexcept override {
-        if (error != 0) return {0, error};
-        const std::uint64_t reading = now;
+        if (error != 0) return ClockReading::failed(error);
+        const Moment reading = now;
         now += tick;
-        return {reading, 0};
+        return reading;
     }
     WallTime wall() const noexcept override { return wallTime; }
 
-    mutable std::uint64_t now = 1'000'000'000'000;
-    std::uint64_t tick = 0;
+    mutable Moment now{veltra::seconds(1000.0)};
+    Nanoseconds tick;
     int error = 0;
     WallTime wallTime;
 
@@ -45,8 +43,7 @@ public:
     void advance(double seconds) {
         const WeakPointer<RunLoop> self(this);
         ManualClocks& clock = clocks;
-        const std::uint64_t end =
-            clock.now + static_cast<std::uint64_t>(std::llround(seconds * 1e9));
+        const Moment end = clock.now + veltra::seconds(seconds);
         for (auto deadline = nextDeadline(); deadline && *deadline <= end;
              deadline = nextDeadline()) {
             if (*deadline > clock.now) clock.now = *deadline;
@@ -57,11 +54,11 @@ public:
     }
 
     ManualClocks clocks;
-    std::optional<std::uint64_t> announced;  // the deadline that the loop last told its driver
+    std::optional<Moment> announced;  // the deadline that the loop last told its driver
     int announcements = 0;
 
 protected:
-    void deadlineChanged(std::optional<std::uint64_t> deadline) noexcept override {
+    void deadlineChanged(std::optional<Moment> deadline) noexcept override {
         announced = deadline;
         ++announcements;
     }

@@ -1,0 +1,45 @@
+# SPDX-License-Identifier: MIT
+# The files of this port.
+set(PORT_SOURCES
+    alert_helper.cpp
+    alert_helper_search.cpp
+    alert_terminal.cpp
+    allocation_zone.cpp
+    clock.cpp
+    deadline.cpp
+    fork_handlers.cpp
+    journal_log.cpp
+    json_preferences.cpp
+    local_time.cpp
+    no_cancellation.cpp
+    platform_alert.cpp
+    poll_run_loop.cpp
+    preferences_file.cpp
+    process.cpp
+    processor_features.cpp
+    stack_walk.cpp
+    standard_error.cpp
+    table_walk.cpp
+    terminal_text.cpp
+    thread_end.cpp
+    unwind_table.cpp
+    work_memory.cpp)
+set(PORT_TESTS
+    alert_helper_test.cpp
+    alert_ways_test.cpp
+    fork_handlers_test.cpp
+    journal_log_test.cpp
+    json_preferences_test.cpp
+    local_time_test.cpp
+    poll_run_loop_test.cpp
+    process_test.cpp
+    stack_walk_test.cpp
+    standard_error_test.cpp)
+if(VELTRA_XKB)
+    list(APPEND PORT_SOURCES xkb_configured.cpp xkb_keyboard_layout.cpp xkb_session.cpp)
+else()
+    list(APPEND PORT_SOURCES ../none/keyboard_layout.cpp)
+endif()
+if(VELTRA_XKB_X11)
+    set(PORT_DEFINITIONS VELTRA_XKB_X11)
+endif()

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// What a port to an operating system consists of: everything that a folder beside linux/ defines,
+// and nothing else. docs/platform.md says what each part must keep to.
+//
+// These headers declare what a port defines, all of it unless a line says otherwise.
+#pragma once
+
+#include "veltra/platform/alert.h"            // platformAlertPresenter()
+#include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
+#include "veltra/platform/clock.h"            // platformClocks()
+#include "veltra/platform/fork_handlers.h"
+#include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
+#include "veltra/platform/local_time.h"       // platformLocalTime()
+#include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/poll_run_loop.h"       // where the system has descriptors to wait on
+#include "veltra/platform/preferences.h"         // the two functions below
+#include "veltra/platform/process.h"             // platformProcess(), environmentVariable()
+#include "veltra/platform/processor_features.h"  // platformProcessorFeatures()
+#include "veltra/platform/run_loop.h"            // makePlatformRunLoop()
+#include "veltra/platform/stack_walk.h"
+#include "veltra/platform/standard_error.h"  // platformStandardError()
+#include "veltra/platform/system_log.h"      // platformSystemLog()
+#include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
+#include "veltra/platform/thread_end.h"
+#include "veltra/platform/work_memory.h"
+#include "veltra/platform/zone_code.h"  // isZoneCode()
+
+#include <memory>
+#include <string_view>
+
+namespace veltra {
+
+// What serves while nothing is installed. Each returns the same object every time; it lives until
+// the process ends, also for those who ask while it ends.
+const Clocks& platformClocks() noexcept;
+const KeyboardLayout& platformKeyboardLayout() noexcept;  // none/ has one that knows no key
+const LocalTime& platformLocalTime() noexcept;
+const Process& platformProcess() noexcept;
+const TextServices& platformTextServices() noexcept;  // none/ has one without a converter
+AlertPresenter& platformAlertPresenter() noexcept;
+Preferences& platformPreferences() noexcept;
+StandardError& platformStandardError() noexcept;
+SystemLog& platformSystemLog() noexcept;
+
+// As Preferences::setApplicationName().
+bool setPlatformApplicationName(std::string_view name) noexcept;
+
+// Asks processor and system; called once.
+ProcessorFeatures platformProcessorFeatures() noexcept;
+
+// The loop of a thread that has set none; null when memory is out.
+std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept;
+
+}  // namespace veltra

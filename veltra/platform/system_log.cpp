@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/system_log.h"
+
+#include "veltra/base/installable_source.h"
+#include "veltra/platform/port.h"
+
+namespace veltra {
+
+SystemLog::~SystemLog() = default;
+
+template <>
+struct OwnImplementation<SystemLog> : OwnFrom<platformSystemLog> {};
+template class Installable<SystemLog>;
+
+}  // namespace veltra
