@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The callback list: what a request costs, and what a pass costs for each entry; and lists of
-// transients (transient_benchmark.cpp).
+// The callback list: what a request costs, what a pass costs for each entry and for many removals;
+// and lists of transients (transient_benchmark.cpp).
 //
 // A request is held against the least that a lock-free list of heap nodes can do (new, one
 // compare-and-swap, the pair of atomic additions that counts the call), a pass against a vector.
@@ -15,6 +15,8 @@
 #include <cstdint>
 #include <iterator>
 #include <optional>
+#include <random>
+#include <utility>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -155,7 +157,68 @@ void iterateSignal(benchmark::State& state) {
 BENCHMARK(iterateSignal<meter>)->Name("iterate/sigc++")->Arg(16)->Arg(1024);
 BENCHMARK(iterateSignal<count>)->Name("iterate/bare sigc++")->Arg(1024);
 
+constexpr std::size_t kEntries = 1000;  // and as many removals, queued before one pass
+enum class Removals { OldestFirst, NewestFirst, Shuffled, Unknown };
+
+template <Removals removals>
+void removeAll(benchmark::State& state) {
+    std::vector<Meter> contexts(2 * kEntries);
+    std::vector<Meter*> removed;
+    for (std::size_t i = 0; i < kEntries; ++i)
+        removed.push_back(&contexts[removals == Removals::Unknown ? kEntries + i : i]);
+    if (removals == Removals::NewestFirst) std::reverse(removed.begin(), removed.end());
+    if (removals == Removals::Shuffled)
+        std::shuffle(removed.begin(), removed.end(), std::minstd_rand(1));
+    std::optional<List> list;
+    for (auto _ : state) {
+        state.PauseTiming();
+        list.emplace();
+        for (std::size_t i = 0; i < kEntries; ++i)
+            list->Add(&contexts[i], count);
+        list->Iterate(1, block);
+        for (Meter* const context : removed)
+            list->Remove(context);
+        state.ResumeTiming();
+        list->Iterate(1, block);
+    }
+}
+BENCHMARK(removeAll<Removals::OldestFirst>)->Name("remove/oldest first");
+BENCHMARK(removeAll<Removals::NewestFirst>)->Name("remove/newest first");
+BENCHMARK(removeAll<Removals::Shuffled>)->Name("remove/shuffled");
+BENCHMARK(removeAll<Removals::Unknown>)->Name("remove/unknown");
+
+// What that must at least do: one walk, and freeing the nodes of entries and removals.
+void walkAndFree(benchmark::State& state) {
+    struct Node {
+        Node* next;
+        void* context;
+        List::Callback callback;
+    };
+    for (auto _ : state) {
+        state.PauseTiming();
+        Node *entries = nullptr, *removals = nullptr;
+        for (std::size_t i = 0; i < kEntries; ++i)
+            entries = new Node{entries, &counter, count};
+        for (std::size_t i = 0; i < kEntries; ++i)
+            removals = new Node{removals, &counter, count};
+        state.ResumeTiming();
+        std::size_t found = 0;
+        for (const Node* node = entries; node != nullptr; node = node->next)
+            found += node->context == &counter ? 1 : 0;
+        benchmark::DoNotOptimize(found);
+        for (Node* node : {entries, removals}) {
+            while (node != nullptr)
+                delete std::exchange(node, node->next);
+        }
+    }
+}
+BENCHMARK(walkAndFree)->Name("remove/walk + free");
+
 constexpr Ratio kRatios[] = {
+    {"remove 1000, oldest first : walk + free", "remove/oldest first", "remove/walk + free", 5},
+    {"remove 1000, newest first : walk + free", "remove/newest first", "remove/walk + free", 5},
+    {"remove 1000, shuffled : walk + free", "remove/shuffled", "remove/walk + free", 5},
+    {"remove 1000, unknown : walk + free", "remove/unknown", "remove/walk + free", 5},
     {"Add : new + swap + count", "add/list", "add/new+cas+count", 1.15},
     {"Add : moodycamel", "add/list", "add/moodycamel", 0},
     {"Add : vector", "add/list", "add/vector", 0},

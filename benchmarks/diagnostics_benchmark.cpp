@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The cost of one log line to its caller: a record to a datagram socket and a line to a pipe. Both
 // are emptied between two lines, outside the measured time, so that every line is taken in full and
-// no other thread's waking up is measured.
+// no other thread's waking up is measured. Then a line to a file on a machine without a log
+// service.
 #include "benchmarks/ratios.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/platform/linux/journal_log.h"
@@ -147,6 +148,48 @@ void spdlogLine(benchmark::State& state) {
     measure(state, [&] { logger->info("voice {} stolen on channel {}", ++number, "Strings"); });
 }
 
+// While one lives standard error is an empty file.
+class FileAsStandardError {
+public:
+    FileAsStandardError() {
+        std::FILE* file = std::tmpfile();
+        if (file == nullptr || ::dup2(::fileno(file), STDERR_FILENO) < 0) std::abort();
+        std::fclose(file);
+    }
+    FileAsStandardError(const FileAsStandardError&) = delete;
+    FileAsStandardError& operator=(const FileAsStandardError&) = delete;
+    ~FileAsStandardError() {
+        ::dup2(m_before, STDERR_FILENO);
+        ::close(m_before);
+    }
+
+private:
+    const int m_before = ::dup(STDERR_FILENO);
+};
+
+void logLineToFile(benchmark::State& state) {
+    const FileAsStandardError file;
+    veltra::JournalLog nobody("", "");
+    veltra::SystemLog* const before = veltra::SystemLog::install(&nobody);
+    int number = 0;
+    for (auto _ : state)
+        veltra::QKLogCString(6, veltra::QKLogWithSyslogBanner(), "engine",
+                             "voice %d stolen on channel %s", ++number, "Strings");
+    veltra::SystemLog::install(before);
+}
+
+void spdlogLineToFile(benchmark::State& state) {
+    const FileAsStandardError file;
+    spdlog::logger logger("engine", std::make_shared<spdlog::sinks::stderr_sink_mt>());
+    logger.set_pattern("%Y-%m-%d %H:%M:%S.%e bench_diagnostics[%P:%t] %n: %v");
+    logger.flush_on(spdlog::level::info);
+    int number = 0;
+    for (auto _ : state)
+        logger.info("voice {} stolen on channel {}", ++number, "Strings");
+}
+
+BENCHMARK(logLineToFile);
+BENCHMARK(spdlogLineToFile);
 BENCHMARK(logLine)->UseManualTime();
 BENCHMARK(sameSystemCalls)->UseManualTime();
 BENCHMARK(sendAndWriteAlone)->UseManualTime();
@@ -156,6 +199,7 @@ constexpr Ratio kRatios[] = {
     {"log line / same calls, text ready", "logLine", "sameSystemCalls", 1.3},
     {"log line / send and write alone", "logLine", "sendAndWriteAlone", 0},
     {"log line / spdlog, line only", "logLine", "spdlogLine", 0},
+    {"line to a file, no log service / spdlog", "logLineToFile", "spdlogLineToFile", 2},
 };
 
 }  // namespace

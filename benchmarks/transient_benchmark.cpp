@@ -25,17 +25,39 @@ namespace {
 using List = veltra::CTransients;
 using veltra::CTransient;
 
-enum class Kind { Random, NearlySorted };
+// Jittering: rising, but a few places out of order. The last three are what defeats a plain
+// quicksort.
+enum class Kind { Random, NearlySorted, Jittering, UpThenDown, MostlyUp, TwoTakes };
+
+// In samples, of the onset with this number.
+std::int64_t position(Kind kind, std::int64_t index, std::int64_t size, std::mt19937_64& random) {
+    constexpr std::int64_t kStep = 441;
+    const std::int64_t turn = kind == Kind::MostlyUp ? size / 10 * 9 : size / 2;
+    switch (kind) {
+        case Kind::Random:
+            return static_cast<std::int64_t>(random());
+        case Kind::NearlySorted:
+            return index * kStep;
+        case Kind::Jittering:
+            return index * kStep + static_cast<std::int64_t>(random() % (5 * kStep));
+        case Kind::UpThenDown:
+        case Kind::MostlyUp:
+            return std::min(index, turn - (index - turn) * turn / (size - turn)) * kStep;
+        case Kind::TwoTakes:
+            return index % turn * kStep + static_cast<std::int64_t>(random() % kStep);
+    }
+    return 0;
+}
 
 List makeList(std::size_t size, Kind kind, std::uint64_t seed) {
     std::mt19937_64 random(seed);
     List list(size);
     for (std::size_t index = 0; index < size; ++index) {
-        list[index].pos = kind == Kind::Random ? static_cast<std::int64_t>(random())
-                                               : static_cast<std::int64_t>(index) * 441;
+        list[index].pos = position(kind, static_cast<std::int64_t>(index),
+                                   static_cast<std::int64_t>(size), random);
         list[index].Energy = static_cast<float>(random() >> 40U) / static_cast<float>(1 << 24);
     }
-    for (std::size_t swaps = kind == Kind::Random ? 0 : size / 100; swaps > 0; --swaps)
+    for (std::size_t swaps = kind == Kind::NearlySorted ? size / 100 : 0; swaps > 0; --swaps)
         std::swap(list[random() % size], list[random() % size]);
     return list;
 }
@@ -264,6 +286,26 @@ std::vector<Ratio> registerTransientBenchmarks() {
                     std::string_view(sort.name) == "pdqsort" ? 1.05 : 0);
         }
     }
+    // What is bounded, and against which peer.
+    const Entry &list = kSorts[0], &standard = kSorts[1], &pdq = kSorts[2];
+    const auto bound = [&](const char* what, auto function, bool isByPos, const Entry& peer,
+                           std::initializer_list<std::int64_t> sizes, double limit) {
+        for (const Entry* const sort : {&list, &peer}) {
+            const std::string name = what + std::string("/") + sort->name;
+            for (const std::int64_t size : sizes)
+                benchmark::RegisterBenchmark(name.c_str(), function,
+                                             isByPos ? sort->byPos : sort->byEnergy)
+                    ->Arg(size);
+        }
+        for (const std::int64_t size : sizes)
+            compare(what, list.name, peer.name, size, limit);
+    };
+    bound("jittering", run<Kind::Jittering>, true, pdq, {100'000, 1'000'000}, 1.05);
+    bound("up, then down", run<Kind::UpThenDown>, true, standard, {2'000'000}, 1.1);
+    bound("mostly up", run<Kind::MostlyUp>, true, standard, {2'000'000}, 1.1);
+    bound("two takes", run<Kind::TwoTakes>, true, standard, {2'000'000}, 1.1);
+    bound("short energy", run<Kind::Random>, false, standard, {30, 60, 100}, 1.05);
+    bound("short jittering", run<Kind::Jittering>, true, standard, {60, 1000}, 1.05);
     benchmark::RegisterBenchmark("thin/list", run<Kind::Random>, thinOurs)->Arg(1'000'000);
     benchmark::RegisterBenchmark("thin/nth_element", run<Kind::Random>, thinWithNthElement)
         ->Arg(1'000'000);

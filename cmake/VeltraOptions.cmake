@@ -9,20 +9,25 @@ option(VELTRA_BENCHMARKS "Build the benchmarks (Google Benchmark and peer librar
 option(VELTRA_QT "Build what has a window, with Qt 6 (the alert helper)" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRA_ICU "Convert the legacy encoding with ICU" ON)
 option(VELTRA_XKB "Read the keyboard layout with libxkbcommon" ON)
+option(VELTRA_BACKTRACE "Name functions and lines in reports with libbacktrace" ON)
 option(VELTRA_FUZZ "Build the fuzz targets for libFuzzer (clang)" OFF)
 option(VELTRA_INSTALL "Generate install rules" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRA_WERROR "Treat compiler warnings as errors" OFF)
 set(VELTRA_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, address (with undefined) or thread")
 set_property(CACHE VELTRA_SANITIZE PROPERTY STRINGS "" address thread)
-cmake_dependent_option(VELTRA_INTERPOSE
-    "Export malloc and its relatives, so that the memory services see every allocation" ON
-    "PROJECT_IS_TOP_LEVEL;VELTRA_SHARED;NOT VELTRA_SANITIZE;NOT VELTRA_FUZZ" OFF)
-
 string(TOLOWER "${CMAKE_SYSTEM_NAME}" veltra_system)
 set(VELTRA_PLATFORM "${veltra_system}" CACHE STRING "The port to build: a folder of veltra/platform")
-if(NOT EXISTS "${PROJECT_SOURCE_DIR}/veltra/platform/${VELTRA_PLATFORM}/sources.cmake")
+set(veltra_port "${PROJECT_SOURCE_DIR}/veltra/platform/${VELTRA_PLATFORM}")
+if(NOT EXISTS "${veltra_port}/sources.cmake")
     message(FATAL_ERROR "There is no port '${VELTRA_PLATFORM}'. docs/platform.md says what one consists of.")
 endif()
+set(veltra_has_interposed_zone OFF)
+if(EXISTS "${veltra_port}/interposed_zone.cpp")
+    set(veltra_has_interposed_zone ON)
+endif()
+cmake_dependent_option(VELTRA_INTERPOSE
+    "Export malloc and its relatives, so that the memory services see every allocation" ON
+    "PROJECT_IS_TOP_LEVEL;VELTRA_SHARED;NOT VELTRA_SANITIZE;NOT VELTRA_FUZZ;veltra_has_interposed_zone" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -108,12 +113,42 @@ if(VELTRA_XKB)
     endif()
 endif()
 
+if(VELTRA_BACKTRACE)
+    # g++ brings it along; clang finds the library there, but not its header.
+    set(VELTRA_BACKTRACE_FLAGS "")
+    find_program(VELTRA_GXX NAMES g++)
+    if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND VELTRA_GXX)
+        execute_process(COMMAND "${VELTRA_GXX}" -print-file-name=include
+            OUTPUT_VARIABLE gxx_include OUTPUT_STRIP_TRAILING_WHITESPACE)
+        set(VELTRA_BACKTRACE_FLAGS -idirafter "${gxx_include}")
+    endif()
+    include(CheckCXXSourceCompiles)
+    set(CMAKE_REQUIRED_LIBRARIES backtrace)
+    list(JOIN VELTRA_BACKTRACE_FLAGS " " CMAKE_REQUIRED_FLAGS)
+    check_cxx_source_compiles("
+        #include <backtrace.h>
+        #include <backtrace-supported.h>
+        #if !BACKTRACE_SUPPORTED || BACKTRACE_USES_MALLOC || !BACKTRACE_SUPPORTS_THREADS
+        #error it would allocate where nobody may, or know nothing
+        #endif
+        int main() { return backtrace_create_state(nullptr, 1, nullptr, nullptr) == nullptr; }
+    " VELTRA_BACKTRACE_WORKS)
+    unset(CMAKE_REQUIRED_LIBRARIES)
+    unset(CMAKE_REQUIRED_FLAGS)
+    if(VELTRA_BACKTRACE_WORKS)
+        set(VELTRA_BACKTRACE_LIBRARIES backtrace)
+    else()
+        message(STATUS "libbacktrace not found: reports name exported functions only")
+        set(VELTRA_BACKTRACE OFF)
+    endif()
+endif()
+
 function(veltra_print_summary)
     if(NOT PROJECT_IS_TOP_LEVEL)
         return()
     endif()
     message(STATUS "Veltra ${PROJECT_VERSION}, ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}, ${CMAKE_BUILD_TYPE}")
-    foreach(name PLATFORM SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB INSTALL WERROR SANITIZE)
+    foreach(name PLATFORM SHARED INTERPOSE TESTS EXAMPLES BENCHMARKS FUZZ QT ICU XKB BACKTRACE INSTALL WERROR SANITIZE)
         string(LENGTH "${name}" used)
         math(EXPR pad "12 - ${used}")
         string(REPEAT " " ${pad} blank)

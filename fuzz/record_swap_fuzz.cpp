@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a table and a record, under any limit, in memory of just their sizes. The input:
+// Any bytes as a table and a record that is as long as the table says, under any limit. The input:
 // where the limit lies (two bytes), how long the table is, the table, the record.
 #include "veltra/processor/record_swap.h"
 #include "veltra/processor/testing/record_swap_model.h"

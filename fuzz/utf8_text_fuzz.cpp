@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a text in memory of just its size, at any place within a cache line.
+// Any bytes as a text in memory of just its size, at any place within a cache line; some of them
+// over and over, so that copies go in several pieces.
 #include "veltra/processor/testing/utf8_laws.h"
 
 #include <cstdio>
@@ -9,9 +10,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     std::string_view input(reinterpret_cast<const char*>(data), size);
     const std::size_t offset = input.empty() ? 0 : data[0] & 63U;
     input = input.substr(0, input.find('\0'));
-    std::vector<char> memory(offset + input.size() + 1);
-    input.copy(memory.data() + offset, input.size());
-    const std::string broken = veltra::brokenLaw({memory.data() + offset, input.size()});
+    std::string text(input);
+    while (!input.empty() && data[0] >= 0xF8 && text.size() < 40'000)
+        text += input;
+    std::vector<char> memory(offset + text.size() + 1);
+    text.copy(memory.data() + offset, text.size());
+    const std::string broken = veltra::brokenLaw({memory.data() + offset, text.size()});
     if (broken.empty()) return 0;
     std::fprintf(stderr, "broken: %s\n", broken.c_str());
     std::abort();

@@ -1,28 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What every public header needs: the export mark, and the frame of the functions with C linkage.
-//
-// Between VELTRA_C_BEGIN and VELTRA_C_END a header is plain C11. C++ sees the same functions in
-// namespace veltra, with C linkage and noexcept, so that one symbol serves every language.
+// What every header of C++ needs. Headers of functions with C linkage include c_linkage.h instead,
+// which asks for less.
 #pragma once
 
-#if defined(__GNUC__)
-#define VELTRA_EXPORT __attribute__((visibility("default")))
-#define VELTRA_PRINTF(text, first) __attribute__((format(printf, text, first)))
-#else
-#define VELTRA_EXPORT
-#define VELTRA_PRINTF(text, first)
+#if defined(__cplusplus) && __cplusplus < 202002L
+#error "Veltra needs C++20: compile with -std=c++20 or newer"
 #endif
 
-#ifdef __cplusplus
-#define VELTRA_C_BEGIN \
-    namespace veltra { \
-    extern "C" {
-#define VELTRA_C_END \
-    }                \
-    }
-#define VELTRA_NOEXCEPT noexcept
-#else
-#define VELTRA_C_BEGIN
-#define VELTRA_C_END
-#define VELTRA_NOEXCEPT
-#endif
+#include "veltra/c_linkage.h"

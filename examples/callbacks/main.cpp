@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Voices that come and go while an audio thread plays them: CAddRemoveIterateList.
+// Voices that come and go while an audio thread plays them: CallbackList.
 //
-// The audio thread only ever calls Iterate. The main thread adds and removes voices at any time and
-// destroys a removed voice once no block that may still call it is in progress.
-#include "veltra/audio/add_remove_iterate_list.h"
+// The audio thread only ever iterates. The main thread adds and removes voices at any time, and
+// destroys a removed voice when its ticket says that the audio thread is done with it.
+#include "veltra/audio/callback_list.h"
 #include "veltra/audio/musical_context.h"
 
 #include <array>
@@ -38,39 +38,40 @@ struct Voice {
     std::atomic<int> blocks{0};
 };
 
-void waitForBlocks(const std::atomic<int>& finished, int count) {
-    const int until = finished.load(std::memory_order_acquire) + count;
-    while (finished.load(std::memory_order_acquire) < until)
+// A host does not wait: it looks again in a timer.
+template <typename Condition>
+void waitUntil(Condition condition) {
+    while (!condition())
         std::this_thread::yield();
 }
 
 }  // namespace
 
 int main() {
-    veltra::CAddRemoveIterateList voices;
+    veltra::CallbackList voices;
     std::atomic<bool> isPlaying{true};
-    std::atomic<int> finished{0};
 
     std::thread audio([&] {
         while (isPlaying.load(std::memory_order_relaxed)) {
             Block block;
-            voices.Iterate(0, &block);
-            finished.fetch_add(1, std::memory_order_release);
+            voices.iterate(0, &block);
         }
     });
 
     auto low = std::make_unique<Voice>(220.0);
     auto high = std::make_unique<Voice>(440.0);
-    voices.Add(low.get(), &Voice::render);
-    voices.Add(high.get(), &Voice::render);
-    waitForBlocks(finished, 100);
+    voices.add(low.get(), &Voice::render);
+    voices.add(high.get(), &Voice::render);
+    waitUntil([&] { return high->blocks >= 100; });
 
-    voices.Remove(high.get());
-    waitForBlocks(finished, 2);  // the block in progress, and one that began after Remove returned
-    const int played = high->blocks.load(std::memory_order_relaxed);
+    const auto ticket = voices.remove(high.get());
+    if (!ticket.has_value()) return 1;  // memory is out
+    waitUntil([&] { return ticket->isSafe(); });
+    const int played = high->blocks;
     high.reset();
+    voices.collect();  // what the list itself needed for the voice
 
-    waitForBlocks(finished, 100);
+    waitUntil([&] { return low->blocks >= played + 100; });
     isPlaying = false;
     audio.join();
 

@@ -29,11 +29,14 @@ StripId Engine::add(std::unique_ptr<AudioFile> file) {
     }
     m_strips.push_back({++m_lastId, std::move(strip)});
     Strip* const added = m_strips.back().strip.get();
-    if (!m_list.Add(added, &Strip::render)) {
+    try {
+        if (live) m_reader.add(added);
+        if (!m_list.Add(added, &Strip::render)) throw std::bad_alloc();
+    } catch (...) {
+        if (live) m_reader.remove(added);
         m_strips.pop_back();
-        throw std::bad_alloc();
+        throw;
     }
-    if (live) m_reader.add(added);
     return m_lastId;
 }
 
@@ -50,6 +53,7 @@ void Engine::removeAll() {
 }
 
 void Engine::takeOut(Entry& entry) {
+    entry.isUnwanted = true;
     if (!m_list.Remove(entry.strip.get())) return;  // memory is out: collect() tries again
     entry.lastUse = m_started.load(std::memory_order_seq_cst);  // with processBlock(); see above
     entry.removed = true;
@@ -59,7 +63,7 @@ void Engine::takeOut(Entry& entry) {
 std::vector<StripResult> Engine::collect() {
     std::vector<StripResult> results;
     for (Entry& entry : m_strips) {
-        if (!entry.removed && entry.strip->isDrained()) takeOut(entry);
+        if (!entry.removed && (entry.isUnwanted || entry.strip->isDrained())) takeOut(entry);
     }
     const std::uint64_t finished = m_finished.load(std::memory_order_acquire);  // processBlock()
     for (auto entry = m_strips.begin(); entry != m_strips.end();) {

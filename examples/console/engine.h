@@ -133,6 +133,7 @@ private:
     struct Entry {
         StripId id;
         std::unique_ptr<Strip> strip;
+        bool isUnwanted = false;    // to be removed as soon as there is memory for the request
         bool removed = false;       // from the list and from the reader
         std::uint64_t lastUse = 0;  // the block that has to be finished before it dies
     };

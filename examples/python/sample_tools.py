@@ -12,12 +12,19 @@ for name, result, arguments in [
     ("GetConvertNToFloat", to_float, [c_int32, c_bool]),
     ("GetConvertFloatToN", from_float, [c_int32, c_bool]),
     ("SwapData", None, [c_void_p, c_void_p, ctypes.POINTER(c_int8), c_size_t]),
-    ("TabIntelSwap", None, [c_void_p, ctypes.POINTER(c_uint8)]),
+    ("SwapRecordWithin", c_bool, [c_void_p, c_size_t, c_void_p, c_size_t, ctypes.POINTER(c_size_t)]),
     ("QKCRC16", c_uint32, [c_char_p]),
     ("QKCRC32", c_uint32, [c_uint32, c_char_p, c_size_t]),
     ("utf8_strlcpy", c_void_p, [c_void_p, c_char_p, c_size_t]),
     ("utf8_strlen", c_size_t, [c_char_p]),
     ("utf8_check", ctypes.c_int, [c_char_p]),
+    ("VLKernelFamilyCount", c_uint32, []),
+    ("VLKernelFamilyName", c_char_p, [c_uint32]),
+    ("VLKernelFamilyInForce", c_char_p, [c_char_p]),
+    ("VLKernelFamilyUse", c_bool, [c_char_p, c_char_p]),
+    ("VLDotAPIMenuEntries", c_uint32, []),
+    ("VLDotAPIMenuText", c_char_p, [c_int32]),
+    ("VLDotAPIGetSelection", c_int32, []),
 ]:
     function = getattr(veltra, name)
     function.restype, function.argtypes = result, arguments
@@ -39,8 +46,13 @@ def records():
     copy = ctypes.create_string_buffer(9)
     veltra.SwapData(copy, b"\x01\x02\x03\x04\x05\x06abc", fields, 9)
     record = ctypes.create_string_buffer(b"\x01\x02\x03\x04\x05\x06abc", 9)
-    veltra.TabIntelSwap(record, codes)
-    return copy.raw == record.raw == b"\x04\x03\x02\x01\x06\x05abc"
+    taken = c_size_t()
+    whole = veltra.SwapRecordWithin(record, 9, codes, len(codes), taken)
+    cut = veltra.SwapRecordWithin(record, 5, codes, len(codes), None)  # and the 32-bit value back
+    veltra.SwapRecordWithin(record, 4, codes, len(codes), None)
+    fields_end = taken.value
+    return (copy.raw == record.raw == b"\x04\x03\x02\x01\x06\x05abc" and whole and not cut
+            and fields_end == 6)
 
 
 def checksums():
@@ -56,5 +68,25 @@ def names():
     return field.value.decode() == "Café" and veltra.utf8_check(b"\xC3") == 0
 
 
-failed = [check.__name__ for check in (samples, records, checksums, names) if not check()]
+def kernels():
+    families = [veltra.VLKernelFamilyName(i) for i in range(veltra.VLKernelFamilyCount())]
+    best = {family: veltra.VLKernelFamilyInForce(family) for family in families}
+    for family, variant in best.items():
+        print(f"{family.decode()} runs as {variant.decode()}")
+        veltra.VLKernelFamilyUse(family, b"plain")  # to compare, in a test or a bug report
+    plain = checksums()
+    for family in families:
+        veltra.VLKernelFamilyUse(family, None)  # the best again
+    return plain and best == {family: veltra.VLKernelFamilyInForce(family) for family in families}
+
+
+def processor():
+    for position in range(veltra.VLDotAPIMenuEntries()):
+        mark = "x" if position == veltra.VLDotAPIGetSelection() else " "
+        print(f"[{mark}] {veltra.VLDotAPIMenuText(position).decode()}")
+    return not veltra.VLKernelFamilyUse(b"crc32", b"none")
+
+
+checks = (samples, records, checksums, names, kernels, processor)
+failed = [check.__name__ for check in checks if not check()]
 sys.exit(f"not as expected: {', '.join(failed)}" if failed else 0)

@@ -16,11 +16,16 @@ int main(void) {
                                           'm', 'e', 0, 0,    0, 0, 0, 0,  0,   1};
     unsigned char samples[6] = {1, 2, 3, 4, 5, 6};
 
-    TabIntelSwap(record, table);
+    if (!SwapRecordWithin(record, sizeof record, table, sizeof table, NULL)) return 1;
     for (size_t i = 0; i < sizeof record; ++i)
         printf("%02x ", record[i]);
     ProcessSwapIntel(samples, 2, 0, 24);
+    size_t taken = 0;
+    const bool whole = SwapRecordWithin(record, 13, table, sizeof table, &taken);
+    printf("\nof a record cut after 13 bytes, the first %zu are fields", taken);
+    SwapRecordWithin(record, taken, table, sizeof table, NULL); /* those back again */
     printf("\n24-bit samples: %d %d %d, %d %d %d\n", samples[0], samples[1], samples[2], samples[3],
            samples[4], samples[5]);
-    return memcmp(record, big_endian, sizeof record) == 0 && samples[0] == 3 ? 0 : 1;
+    const bool stopped = !whole && taken == 12;
+    return stopped && memcmp(record, big_endian, sizeof record) == 0 && samples[0] == 3 ? 0 : 1;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "host.h"
 
-#include "address_space.h"
 #include "plug_in.h"
 #include "veltra/memory/low_memory_notification_center.h"
 #include "veltra/memory/memory_reserve.h"
@@ -13,6 +12,8 @@
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
+
+#include <malloc.h>
 
 namespace veltra::survivor {
 
@@ -39,6 +40,21 @@ void setDefaults() {
     Preferences::current().synchronise();
 }
 
+// Makes every free of a block of audio give its memory back to the system, where it serves any
+// other size. The C library otherwise keeps blocks up to 32 MiB once it has seen one freed.
+void returnFreedBlocks() noexcept {
+    constexpr int kLargeBlock = 131'072;
+    ::mallopt(M_MMAP_THRESHOLD, kLargeBlock);  // NOLINT(concurrency-mt-unsafe): one thread
+}
+
+// The host takes `room` bytes at most: what is left when it has them is nothing to it.
+MemoryPressureMarks marksFor(std::uint64_t room) noexcept {
+    const std::uint64_t there = MemoryFactsReader().read().room().value_or(room);
+    const std::uint64_t taken = std::min(room, there);
+    const std::uint64_t others = there - taken;
+    return {.room = {others + taken / 8, others + taken / 16, others + taken / 32}};
+}
+
 void mix(const Recording& recording, float* take, std::size_t start) noexcept {
     const std::size_t frames = std::min(recording.frames, Document::kTakeFrames - start);
     for (std::size_t channel = 0; channel < 2; ++channel) {
@@ -54,12 +70,14 @@ void mix(const Recording& recording, float* take, std::size_t start) noexcept {
 constinit Host* Host::s_host = nullptr;
 
 Host::Host(const Options& options)
-    : m_options(options), m_document(options.document), m_cache(options.files.size()) {
+    : m_options(options),
+      m_pressure(marksFor(options.roomMebibytes * kMebibyte)),
+      m_document(options.document),
+      m_cache(options.files.size()) {
     m_recordings.reserve(options.files.size());
     setDefaults();
     returnFreedBlocks();
-    if (!limitAddressSpace(options.roomMebibytes * kMebibyte))
-        throw std::runtime_error("the system does not limit the address space");
+    if (!options.isPressureAlone) limitAddressSpace();
     s_host = this;
     Mem_InitModule();
     Mem_SetException(kMemExceptionCall, allocationFailed);
@@ -102,7 +120,22 @@ void Host::stopCenter() noexcept {
     Center::ShutdownLMNotificationCenter();
 }
 
-void Host::enterReserve() noexcept {
+// Then an allocation fails before the system ends the process for want of pages.
+void Host::limitAddressSpace() const {
+    constexpr std::uint64_t kMargin = 48 * kMebibyte;  // stacks, and what others in the group take
+    if (limitAddressSpaceToMemory(kMargin, m_options.roomMebibytes * kMebibyte) == 0)
+        throw std::runtime_error("the system does not limit the address space");
+}
+
+// Before memory is taken that somebody could make room for. (A host with an event loop rather does
+// so when the pressure's descriptor is readable.)
+void Host::relievePressure() noexcept {
+    if (m_options.isPressureAlone) m_pressure.relieve();
+}
+
+// The reserve stands in front of allocations that fail: now there must be some.
+void Host::enterReserve() {
+    limitAddressSpace();
     std::free(QKMemoryReserveEnter(reserveChanged, this));
 }
 
@@ -189,8 +222,10 @@ void Host::play() {
 std::size_t Host::playAll(std::size_t keys) noexcept {
     std::size_t played = 0;
     for (std::size_t key = 0; key < keys; ++key)
-        for (std::size_t index = 0; index < m_recordings.size(); ++index)
+        for (std::size_t index = 0; index < m_recordings.size(); ++index) {
+            relievePressure();
             if (m_cache.copy(m_recordings[index], index, key) != nullptr) ++played;
+        }
     return played;
 }
 
@@ -208,6 +243,7 @@ void Host::record() {
 bool Host::recordTake() noexcept {
     constexpr std::size_t kNotes = 16;
     constexpr std::size_t kSamples = 2 * Document::kTakeFrames;
+    relievePressure();
     Center::CheckPoint(kSamples * sizeof(float));
     Samples take = takeBlock<float>(kSamples);
     if (take == nullptr) return false;

@@ -8,12 +8,14 @@
 #include "options.h"
 #include "report.h"
 #include "veltra/base/string_object.h"
+#include "veltra/memory/memory_pressure.h"
 
 namespace veltra::survivor {
 
 class Host {
 public:
-    // Sets the preferences and limits the address space. Throws when it cannot.
+    // Sets the preferences and limits the address space, unless pressure alone is to tell when
+    // memory ends. Throws when it cannot.
     explicit Host(const Options& options);
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -33,7 +35,10 @@ private:
     // a try that fails costs the reserve before anybody is asked for room.
     void startCenter();
     void stopCenter() noexcept;
-    void enterReserve() noexcept;
+    void enterReserve();
+
+    void limitAddressSpace() const;
+    void relievePressure() noexcept;
 
     // The acts.
     void load();
@@ -54,6 +59,7 @@ private:
     static Host* s_host;  // the guarded allocator's handler gets no context
 
     const Options m_options;
+    MemoryPressure m_pressure;
     Document m_document;
     std::vector<Recording> m_recordings;
     CopyCache m_cache;

@@ -33,11 +33,12 @@ std::vector<std::string> packagedFiles() {
 }  // namespace
 
 const char* const kHelpText =
-    R"(Usage: survivor [--room MIB] [--document FOLDER] [FILE...]
+    R"(Usage: survivor [--room MIB] [--pressure] [--document FOLDER] [FILE...]
 
 Loads audio files, plays and records until memory is out, several times, and survives.
 
   --room MIB         memory beyond what the program has at its start, 160 to 8192 (320)
+  --pressure         without a limit of the address space, as far as the host hears of pressure
   --document FOLDER  where the takes are saved (survivor-document)
 
 Without files those of the Debian package sonic-pi-samples are loaded. Exit status: 0 the document
@@ -53,6 +54,8 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments) {
             if (!parseRoom(arguments[++i], options.roomMebibytes)) return std::nullopt;
         } else if (argument == "--document" && hasValue) {
             options.document = arguments[++i];
+        } else if (argument == "--pressure") {
+            options.isPressureAlone = true;
         } else if (argument.starts_with("-")) {
             return std::nullopt;
         } else {

@@ -12,6 +12,7 @@ namespace veltra::survivor {
 
 struct Options {
     std::size_t roomMebibytes = 320;
+    bool isPressureAlone = false;
     std::string document = "survivor-document";
     std::vector<std::string> files;  // empty: those of the package sonic-pi-samples
 };

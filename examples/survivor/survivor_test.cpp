@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace veltra::survivor {
 namespace {
@@ -19,10 +20,37 @@ using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-int survivor(const std::string& arguments) {
-    return shell("XDG_CONFIG_HOME=" + folder() + " " SURVIVOR " --document " + folder() + "doc " +
-                 arguments + " >" + folder() + "out 2>" + folder() + "log");
+int survivor(const std::string& arguments, const std::string& before = {}) {
+    return shell(before + "XDG_CONFIG_HOME=" + folder() + " " SURVIVOR " --document " + folder() +
+                 "doc " + arguments + " >" + folder() + "out 2>" + folder() + "log");
 }
+
+std::string recordings() {
+    return console::testing::synthetic("a.wav", 44100, "2 sine 440") + " " +
+           console::testing::synthetic("b.wav", 44100, "1 pinknoise");
+}
+
+// A control group that holds no more than a number of bytes, of whichever kind the system has.
+struct ControlGroup {
+    explicit ControlGroup(const std::string& bytes) {
+        const std::string name = "/veltra-survivor-" + std::to_string(::getpid());
+        for (const auto& [root, limit] :
+             {std::pair("/sys/fs/cgroup", "/memory.max"),
+              std::pair("/sys/fs/cgroup/memory", "/memory.limit_in_bytes")}) {
+            path = root + name;
+            if (shell("mkdir " + path + " 2>/dev/null && echo " + bytes + " >" + path + limit +
+                      " 2>/dev/null") == 0)
+                return;
+            remove();
+        }
+    }
+    ~ControlGroup() { remove(); }
+    void remove() {
+        shell("rmdir " + path + " 2>/dev/null");
+        path.clear();
+    }
+    std::string path;  // empty: the system lets nobody make one
+};
 
 // The lines of one act.
 std::string act(const std::string& report, const std::string& name) {
@@ -69,9 +97,7 @@ TEST(Survivor, GoesThroughTheLevelsInOrderAndLosesNoTake) {
 #ifdef VELTRA_SANITIZED
     GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
 #endif
-    const std::string files = console::testing::synthetic("a.wav", 44100, "2 sine 440") + " " +
-                              console::testing::synthetic("b.wav", 44100, "1 pinknoise");
-    EXPECT_EQ(survivor("--room 160 " + files), 0) << contents(folder() + "log");
+    EXPECT_EQ(survivor("--room 160 " + recordings()), 0) << contents(folder() + "log");
     const std::string report = contents(folder() + "out");
 
     const std::string recorded = act(report, "record");
@@ -89,6 +115,32 @@ TEST(Survivor, GoesThroughTheLevelsInOrderAndLosesNoTake) {
     EXPECT_THAT(report, ::testing::Not(HasSubstr("NOT")));
     EXPECT_GT(intactTakes(), 10);
     EXPECT_THAT(act(report, "finish"), HasSubstr(std::to_string(intactTakes()) + " takes, intact"));
+}
+
+// Where nothing is refused, and a process that takes more than there is, is killed.
+TEST(Survivor, LivesInAControlGroupWithAndWithoutALimitOfItsAddressSpace) {
+#ifdef VELTRA_SANITIZED
+    GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
+#endif
+    for (const char* mode : {"--room 4096 ", "--room 4096 --pressure "}) {
+        const ControlGroup group("251658240");  // 240 MiB
+        if (group.path.empty()) GTEST_SKIP() << "no control group can be made here";
+        const std::string enter = "echo 0 >" + group.path + "/cgroup.procs && ";
+        EXPECT_EQ(survivor(mode + recordings(), enter), 0) << mode << contents(folder() + "log");
+        const std::string report = contents(folder() + "out");
+        EXPECT_THAT(levels(act(report, "record"), "center"), ElementsAre(0, 1, 2)) << report;
+        EXPECT_THAT(report, ::testing::Not(HasSubstr("NOT"))) << report;
+        EXPECT_GT(intactTakes(), 10);
+    }
+}
+
+TEST(Survivor, TakesALimitThatIsThereAlready) {
+#ifdef VELTRA_SANITIZED
+    GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
+#endif
+    EXPECT_EQ(survivor("--room 1024 " + recordings(), "ulimit -v 400000; "), 0)
+        << contents(folder() + "log");
+    EXPECT_GT(intactTakes(), 10);
 }
 
 TEST(Survivor, SaysWhatItCannotDo) {

@@ -16,7 +16,9 @@
 #include "veltra/infrastructure/timer.h"
 #include "veltra/memory/guarded_allocator.h"
 #include "veltra/memory/leak_guard.h"
+#include "veltra/memory/leak_report.h"
 #include "veltra/memory/low_memory_notification_center.h"
+#include "veltra/memory/memory_pressure.h"
 #include "veltra/memory/memory_reserve.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/platform/alert.h"
@@ -213,10 +215,29 @@ Answer leakGuard() {
     QKLeakGuard* scope = QKOpenLeakGuardScopeWithGroupAndKey(group, key);
     void* volatile leaked = std::malloc(100);
     QKCloseLeakGuardScope(scope);
-    const long bytes = QKResetLeakGuardHistory(false);
-    const bool isRight = leaked != nullptr && bytes == 100;
+    static std::string_view text;
+    text = {};
+    const long bytes = QKLeakGuardVisitLeaks(
+        [](void*, const QKLeak* leak) {
+            text = {leak->text, 12};
+        },
+        nullptr);
+    const bool isRight = leaked != nullptr && bytes == 100 && !text.empty();
     std::free(leaked);
     return oneOf(isRight, isRight || bytes == 0);
+}
+
+// Looks at the machine, and at a limit that stays as it is.
+Answer memoryPressure() {
+    MemoryPressure pressure;
+    const int level = pressure.relieve();
+    const bool isOpen = pressure.descriptor() >= 0;
+    const MemorySystem::Limits before = MemorySystem::current().addressSpaceLimits();
+    const std::uint64_t room = limitAddressSpaceToMemory(MemorySystem::kNoLimit);
+    return oneOf(isOpen && level >= MemoryPressure::kNone && level <= 2 &&
+                     pressure.facts().room() && room == 0 &&
+                     MemorySystem::current().addressSpaceLimits().current == before.current,
+                 false);
 }
 
 Answer notificationCenter() {
@@ -502,6 +523,7 @@ constexpr std::array kScenarios{
     Scenario{"low-memory center", Promise::NeverThrows, lowMemoryCenter},
     Scenario{"memory reserve", Promise::NeverThrows, memoryReserve},
     Scenario{"leak guard", Promise::NeverThrows, leakGuard},
+    Scenario{"memory pressure", Promise::AllocatesNothing, memoryPressure},
     Scenario{"notification center", Promise::NeverThrows, notificationCenter},
     Scenario{"string objects", Promise::NeverThrows, stringObjects},
     Scenario{"legacy file names, text services", Promise::NeverThrows, legacyText},

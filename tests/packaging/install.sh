@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs into an empty prefix, then builds and runs hosts outside the tree that know only the
-# prefix: C++ through the CMake package, C11 through pkg-config.
+# Installs into an empty prefix, compiles each header there alone, then builds and runs hosts outside
+# the tree that know only the prefix: C++ through the CMake package, C11 through pkg-config.
 set -euo pipefail
 source_dir=$1 build_dir=$2 cc=$3 cxx=$4
 work=$(mktemp -d)
@@ -12,13 +12,42 @@ cmake --install "$build_dir" --prefix "$prefix" >"$work/install.log"
 mv "$prefix" "$work/moved"     # an installed tree may be moved
 prefix=$work/moved
 
+libdir=$(dirname "$(dirname "$(find "$prefix" -name veltra.pc)")")
+export PKG_CONFIG_PATH=$libdir/pkgconfig LD_LIBRARY_PATH=$libdir
+
+# The installed headers are a closed set without private ones. Those with C linkage serve C11 and
+# older C++ too; the others tell a host of older C++ what they need before anything else.
+cd "$prefix/include"
+private=$(find veltra -path '*/detail/*' -o -path '*/testing/*' -o -path 'veltra/platform/*/*')
+[ -z "$private" ] || { echo "private headers are installed:"; echo "$private"; exit 1; }
+qt_flags=
+[ ! -f "$libdir/pkgconfig/veltra-qt.pc" ] || qt_flags="-fPIC $(pkg-config --cflags Qt6Widgets | sed "s/-I/-isystem /g")"
+export cc cxx qt_flags
+check_header() {
+    local strict="-Wall -Wextra -Wpedantic -Werror -fsyntax-only -I." qt=
+    case $1 in veltra/qt/*) qt=$qt_flags ;; esac
+    include() { echo "#include \"$1\""; }
+    # shellcheck disable=SC2086
+    if grep -q -E '^(#define )?VELTRA_C_BEGIN' "$1"; then
+        include "$1" | "$cc" -std=c11 -pedantic-errors $strict -x c - &&
+            include "$1" | "$cxx" -std=gnu++17 $strict -x c++ - || return 1
+    else
+        include "$1" | "$cxx" -std=gnu++17 $qt -fsyntax-only -I. -x c++ - 2>&1 | grep -m 1 error: |
+            grep -q 'Veltra needs C++20' || { echo "$1 does not say that it needs C++20"; return 1; }
+    fi
+    # shellcheck disable=SC2086
+    include "$1" | "$cxx" -std=c++20 $qt $strict -x c++ -
+}
+export -f check_header
+headers=$(find veltra -name '*.h')
+xargs -P "$(nproc)" -n 1 bash -c 'check_header "$0"' <<<"$headers"
+echo "$(wc -l <<<"$headers") installed headers, $(grep -l -E '^(#define )?VELTRA_C_BEGIN' $headers | wc -l) of them for C too"
+
 cp -r "$source_dir/examples/first_program" "$source_dir/examples/first_program_c" "$work"
 cmake -S "$work/first_program" -B "$work/cpp" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_CXX_COMPILER="$cxx" >"$work/configure.log"
 cmake --build "$work/cpp" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
 
-libdir=$(dirname "$(dirname "$(find "$prefix" -name veltra.pc)")")
-export PKG_CONFIG_PATH=$libdir/pkgconfig LD_LIBRARY_PATH=$libdir
 # shellcheck disable=SC2046
 "$cc" -std=c11 -pedantic-errors -Wall -Wextra -Werror "$work/first_program_c/main.c" -o "$work/c" \
     $(pkg-config --cflags --libs veltra)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/add_remove_iterate_list.h"
 
+#include "veltra/audio/detail/request_chain.h"
+
 #include <new>
 #include <thread>
 
@@ -10,32 +12,41 @@ namespace {
 
 using SEntry = CAddRemoveIterateList::SEntry;
 
-// One call in progress, counted from construction to destruction unless the list is going.
+constexpr std::int32_t kRequest = 1, kPass = 1 << 16;  // what a call adds to the count
+
+// One call in progress, counted from construction to destruction unless it is refused.
 class CountedCall {
 public:
-    explicit CountedCall(std::atomic<std::int32_t>& users) noexcept
-        // relaxed: only tells a destroyed list; a call that races with the destructor has no right.
-        : m_users(users.load(std::memory_order_relaxed) < 0 ? nullptr : &users) {
-        // acquire: the call's work stays behind the count that the destructor's swap waits for.
-        if (m_users != nullptr) m_users->fetch_add(1, std::memory_order_acquire);
+    // Refuses a call on a list that is going, and a pass while another is in progress.
+    CountedCall(std::atomic<std::int32_t>& users, std::int32_t weight) noexcept
+        : m_users(users), m_weight(0) {
+        const std::int32_t most = weight == kPass ? kPass - 1 : INT32_MAX - kPass;
+        std::int32_t count = users.load(std::memory_order_relaxed);  // checked by the swap
+        do {
+            if (count < 0 || count > most) return;
+            // acquire: the call's work stays behind the count that the destructor's swap waits for.
+        } while (!users.compare_exchange_weak(count, count + weight, std::memory_order_acquire,
+                                              std::memory_order_relaxed));
+        m_weight = weight;
     }
     ~CountedCall() {
         // release: with the destructor's swap, which sees the call's work done.
-        if (m_users != nullptr) m_users->fetch_sub(1, std::memory_order_release);
+        if (m_weight != 0) m_users.fetch_sub(m_weight, std::memory_order_release);
     }
     CountedCall(const CountedCall&) = delete;
     CountedCall& operator=(const CountedCall&) = delete;
 
-    bool refused() const noexcept { return m_users == nullptr; }
+    bool refused() const noexcept { return m_weight == 0; }
 
 private:
-    std::atomic<std::int32_t>* m_users;
+    std::atomic<std::int32_t>& m_users;
+    std::int32_t m_weight;
 };
 
 bool push(std::atomic<std::int32_t>& users, std::atomic<SEntry*>& pending, void* context,
           CAddRemoveIterateList::Callback callback) noexcept {
     if (context == nullptr) return false;
-    const CountedCall call(users);
+    const CountedCall call(users, kRequest);
     if (call.refused()) return false;
 
     auto* request = new (std::nothrow) SEntry{nullptr, context, callback};
@@ -47,36 +58,6 @@ bool push(std::atomic<std::int32_t>& users, std::atomic<SEntry*>& pending, void*
     } while (!pending.compare_exchange_weak(newest, request, std::memory_order_seq_cst,
                                             std::memory_order_relaxed));
     return true;
-}
-
-SEntry* reversed(SEntry* chain) noexcept {
-    SEntry* result = nullptr;
-    while (chain != nullptr) {
-        SEntry* next = chain->next;
-        chain->next = result;
-        result = chain;
-        chain = next;
-    }
-    return result;
-}
-
-// Frees every entry with this context from the chain `head` to `tail`.
-bool unlinkAll(SEntry*& head, SEntry*& tail, const void* context) noexcept {
-    bool changed = false;
-    SEntry* lastKept = nullptr;
-    for (SEntry** link = &head; *link != nullptr;) {
-        SEntry* entry = *link;
-        if (entry->context != context) {
-            lastKept = entry;
-            link = &entry->next;
-            continue;
-        }
-        *link = entry->next;
-        delete entry;
-        changed = true;
-    }
-    tail = lastKept;
-    return changed;
 }
 
 void freeChain(SEntry* chain) noexcept {
@@ -110,7 +91,7 @@ bool CAddRemoveIterateList::Remove(void* context) noexcept {
 }
 
 void CAddRemoveIterateList::Iterate(std::uint32_t message, void* data) {
-    const CountedCall call(m_users);
+    const CountedCall call(m_users, kPass);
     if (call.refused()) return;
 
     // seq_cst, both: with the swap in push(); the load alone is the common case, nothing queued.
@@ -125,21 +106,11 @@ void CAddRemoveIterateList::Iterate(std::uint32_t message, void* data) {
 }
 
 bool CAddRemoveIterateList::Modify(SEntry* chain) noexcept {
-    bool changed = false;
-    for (SEntry* rest = reversed(chain); rest != nullptr;) {
-        SEntry* request = rest;
-        rest = request->next;
-        request->next = nullptr;
-        if (request->callback == &RemoveMark) {
-            void* context = request->context;
-            delete request;
-            changed |= unlinkAll(m_head, m_tail, context);
-            continue;
-        }
-        (m_head == nullptr ? m_head : m_tail->next) = request;
-        m_tail = request;
-        changed = true;
-    }
+    detail::ActiveEntries active{m_head, m_tail};
+    const bool changed =
+        detail::applyRequests(chain, active, [](const SEntry* unused) { delete unused; });
+    m_head = active.head;
+    m_tail = active.tail;
     return changed;
 }
 

@@ -4,12 +4,12 @@
 //
 // Who may do what. Add and Remove: any number of threads, at any time, also from inside a callback.
 // Iterate: one thread at a time (not always the same one), never from inside a callback. The
-// destructor: one thread, when no new call can begin any more.
+// destructor: one thread, when no other call is in progress and none can begin.
 //
 // How it works. There are two chains of heap nodes. `pending` is a stack of requests, newest first,
 // the only thing that Add and Remove touch: each pushes one node by compare-and-swap. Iterate takes
-// the whole stack in one exchange, turns it round in place, applies the requests oldest first to
-// the active list, and walks that list. The active list has one reader and writer, Iterate.
+// the whole stack in one exchange, applies the requests to the active list as if oldest first, and
+// walks that list. The active list has one reader and writer, Iterate.
 //
 // Why it is right.
 // - Nothing is lost or applied twice: a push links to the very value that it replaces, and a take
@@ -19,11 +19,16 @@
 // - A node belongs to the pusher until its push, to the stack until the take, and to Iterate from
 //   then on. Only Iterate (or the destructor) frees nodes, and no other thread ever follows a
 //   pointer to one, so freeing needs no grace period.
-// - `users` counts the calls in progress; the destructor moves it from 0 to -1 and so waits for
-//   them. Increments and decrements are atomic: with plain stores two overlapping calls lose one,
-//   the count ends at -1 at rest, and the list is dead. scripts/check-model proves both.
+// - `users` counts the calls in progress; the destructor moves it from 0 to -1, and from then on
+//   every call is refused. It is changed by atomic operations only: with plain stores two
+//   overlapping calls lose one, the count ends at -1 at rest, and the list is dead.
+//   scripts/check-model shows both.
 //
-// But for the allocator, Add and Remove are lock-free and Iterate's own work is wait-free.
+// But for the allocator, all three are lock-free: a thread repeats a step only when another thread
+// has just completed one. Iterate is more: it takes one exchange, however many threads push, and
+// then works alone. How long that work takes is said at Iterate.
+//
+// CallbackList (callback_list.h) is for hosts that also need to know when a context may die.
 #pragma once
 
 #include "veltra/export.h"
@@ -54,16 +59,17 @@ public:
     CAddRemoveIterateList(const CAddRemoveIterateList&) = delete;
     CAddRemoveIterateList& operator=(const CAddRemoveIterateList&) = delete;
 
-    // Waits (spinning) for calls in progress, then frees every node without applying or calling
-    // anything. A call that begins while it runs is turned away, but a host must not count on that:
-    // no call may begin once the destructor may have begun.
+    // Frees every node without applying or calling anything. No other call may be in progress, and
+    // none may begin. A call that has been counted is waited for (spinning), and one that comes
+    // later is refused, but neither can save a host that breaks this rule: a call may have been
+    // entered on another thread and not be counted yet.
     // Thread: any. Realtime-safe: no.
     ~CAddRemoveIterateList();
 
     // Queues `callback` to be called with `context` by every Iterate that starts from now on, after
     // the entries added before it. A context may be added several times, with the same or other
     // callbacks. `context` is not owned and serves as the identity for Remove.
-    // Answers true when queued; false, and nothing happens, when an argument is null, the list is
+    // Returns true when queued; false, and nothing happens, when an argument is null, the list is
     // being destroyed, or memory is out. Deliberate: RemoveMark as the callback is a removal.
     // Thread: any. Realtime-safe: no, it allocates a node.
     bool Add(void* context, Callback callback) noexcept;
@@ -74,27 +80,35 @@ public:
     // when no Iterate is in progress after Remove has returned, or when an Iterate that started
     // after that is known to have started: passes do not overlap. Remove is a full barrier: a host
     // that sets a sequentially consistent atomic flag around Iterate may read it after Remove and
-    // believe it. Answers as Add does; after false for want of memory the entries are still there.
+    // believe it. Returns as Add does; after false for want of memory the entries are still there.
     // Thread: any. Realtime-safe: no, it allocates a node.
     bool Remove(void* context) noexcept;
 
     // Applies all queued requests, then calls every active callback in the order of addition with
-    // (its context, message, data). Requests queued meanwhile wait for the next Iterate.
-    // Realtime-safe by contract: it takes no lock, waits for nobody and allocates nothing, but it
-    // is the one place that frees: each removed entry and each removal request goes back to the
-    // allocator here. A removal looks at every active entry.
+    // (its context, message, data). Requests queued meanwhile wait for the next Iterate. Does
+    // nothing inside a callback of the same list.
+    //
+    // What a pass costs: a step for each request; and when there are removals among them, one walk
+    // over the active entries, in which each is looked up among the removals (about as many
+    // comparisons as the logarithm of their number, never more than 64). So ten times as many
+    // requests cost little more than ten times as much, and nothing bounds their number but the
+    // host.
+    // It takes no lock, waits for nobody and allocates nothing, but it is the one place that frees:
+    // each removed entry and each removal request goes back to the allocator here. While the leak
+    // guard watches, every such `delete` takes the guard's lock. CallbackList frees nothing here.
     // Thread: audio, one at a time. Realtime-safe: yes, if the callbacks and `delete` are.
     void Iterate(std::uint32_t message, void* data);
 
-    // Iterate's own first half, for a host that takes requests from elsewhere: applies `chain`,
-    // newest request first, linked by next and null-terminated, to the active list, and takes
-    // ownership of its nodes. Answers true when an entry was added or removed, even if the chain
-    // undid it again. Any length is safe, also on a small stack.
+    // Iterate's own first half, for a host that takes requests from elsewhere: applies `chain` to
+    // the active list and takes ownership of its nodes. They are linked by next, the newest request
+    // first, up to null, and come from `new`. Returns true when an entry was added or removed, even
+    // if the chain undid it again. Any length is safe, also on a small stack.
     // Thread: as Iterate, not while one is in progress. Realtime-safe: yes, if `delete` is.
     bool Modify(SEntry* chain) noexcept;
 
-    // Does nothing; its address marks a removal request. A static host must not let its linker fold
-    // equal functions whose addresses are taken (--icf=all): an empty callback would become it.
+    // Does nothing; its address marks a removal request. A host that links statically must not let
+    // its linker merge equal functions whose addresses are taken (--icf=all): an empty callback of
+    // its own would then be taken for a removal.
     // Thread: any. Realtime-safe: yes.
     static void RemoveMark(void* context, std::uint32_t message, void* data) noexcept;
 
@@ -102,7 +116,7 @@ private:
     SEntry* m_head = nullptr;                 // Iterate only
     SEntry* m_tail = nullptr;                 // Iterate only
     std::atomic<SEntry*> m_pending{nullptr};  // any thread
-    std::atomic<std::int32_t> m_users{0};     // any thread; -1 once destruction has begun
+    std::atomic<std::int32_t> m_users{0};     // any thread; a pass counts 65536; -1: going
 
     static_assert(std::atomic<SEntry*>::is_always_lock_free);
     static_assert(std::atomic<std::int32_t>::is_always_lock_free);

@@ -121,6 +121,9 @@ TEST(AddRemoveIterateList, ACallbackMayQueueAndMayThrow) {
     list.Add(&list, [](void* context, std::uint32_t, void*) {
         static_cast<List*>(context)->Remove(context);
         static_cast<List*>(context)->Add(contexts, write<0>);
+        // Refused: a pass would free the entry that is being called.
+        EXPECT_EQ(blocksUsedBy([&] { static_cast<List*>(context)->Iterate(0, nullptr); }),
+                  (Blocks{0, 0}));
         throw 1;
     });
     std::string calls;

@@ -17,17 +17,17 @@
 // Thread: any. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stdint.h>
 
 VELTRA_C_BEGIN
 
-// Bit n is set when the format holds channel ID n; 0 for a format that there is not.
+// Bit n is set when the format holds channel ID n; 0 for an unknown format.
 VELTRA_EXPORT uint32_t GetChannelIDBitMask(uint32_t format) VELTRA_NOEXCEPT;
 
-// The short name of a channel, "L" to "Rc", a constant; empty for an ID that there is not.
+// The short name of a channel, "L" to "Rc", a constant; empty for an unknown ID.
 VELTRA_EXPORT const char* GetChannelLabel(uint32_t channelID) VELTRA_NOEXCEPT;
 
 // The direction in which a channel is heard by default, in degrees: 0 is ahead, negative is left.
@@ -37,11 +37,11 @@ VELTRA_EXPORT const char* GetChannelLabel(uint32_t channelID) VELTRA_NOEXCEPT;
 VELTRA_EXPORT float GetAngleForChannel(uint32_t format, uint32_t channelID) VELTRA_NOEXCEPT;
 
 // A table of angles in degrees that belongs to the host: the framework neither fills nor reads it.
-// All 0 at the start, never reset. A format has a row of 8, for the channel IDs 0 to 7; the place
-// of an angle is format * 8 + channel ID, for any of both, so that an ID above 7 deliberately
-// shares its place with the next row: hosts keep to 0 to 7 or take the rows for their own. There
-// are 10 rows, 0 to 9. Beyond them AngleForChannel answers 0, SetAngleForChannel does nothing, and
-// AngleForChannelTab, the address of a row, answers null.
+// All 0 at the start, never reset. A format has a row of 8, for the channel IDs 0 to 7. The place
+// of an angle is format * 8 + channel ID. So an ID above 7 deliberately shares its place with the
+// next row: hosts keep to 0 to 7, or use the rows for what they like. There are 10 rows, 0 to 9.
+// AngleForChannelTab returns the address of a row. Beyond the rows AngleForChannel returns 0,
+// SetAngleForChannel does nothing, and AngleForChannelTab returns null.
 // Thread: any, but plain memory: no thread may write while another reads. Realtime-safe: yes.
 VELTRA_EXPORT float AngleForChannel(uint32_t format, uint32_t channelID) VELTRA_NOEXCEPT;
 VELTRA_EXPORT void SetAngleForChannel(uint32_t format, uint32_t channelID,

@@ -5,7 +5,7 @@
 // Thread: any. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdint.h>
 
@@ -16,8 +16,8 @@ VELTRA_C_BEGIN
 VELTRA_EXPORT uint16_t MacRomanCharacterCode2AppKitCode(unsigned char code) VELTRA_NOEXCEPT;
 
 // The Mac Roman control character of a private character; 16 for F1 to F35 (U+F704 to U+F726).
-// Deliberate: 0 for anything else, where the other direction answers what it was given, so that a
-// caller can tell typing keys.
+// Deliberate: 0 for anything else, while the other direction returns what it was given. So a caller
+// can tell typing keys.
 VELTRA_EXPORT unsigned char AppKitFunctionKey2MacRomanCharCode(uint16_t character) VELTRA_NOEXCEPT;
 
 VELTRA_C_END

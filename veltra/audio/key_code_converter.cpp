@@ -32,8 +32,9 @@ struct NamedKey {
 constexpr std::uint32_t kFn = Converter::kFunction;
 constexpr std::uint32_t kPad = Converter::kFunction | Converter::kNumericPad;
 
-// The first match wins: the second Tab is only found by its name and its glyphs, and Escape comes
-// before Clear, which has the same character. Enter's character and Space's glyph are meant so.
+// The first match wins: the second Tab, with the sign for tabbing back, is never found, and Escape
+// comes before Clear, which has the same character. Deliberate: Enter's character is 0x03, and
+// Space's sign is U+02FD.
 // clang-format off
 constexpr NamedKey kNamedKeys[] = {
     {"Tab",       0x30, 0x09, 0x21E5,   2, 0x0009, 0},

@@ -5,9 +5,10 @@
 //     QKKeyCodeConverter::stringForKeycode(0x30, QKKeyCodeConverter::kCommand);    // "⌘⇥"
 //
 // A key code names a place on the keyboard (platform/keyboard_layout.h). A Mac Roman code names a
-// character of that encoding, or with a control character a key that acts; a key character does the
-// same in Unicode, with its private range U+F700 to U+F8FF. Texts are UTF-8; nothing means that
-// there is no text. Functions that answer text throw std::bad_alloc.
+// character of that encoding, or, when it is a control character, a key that acts rather than
+// types. A key character does the same in Unicode, with its private range U+F700 to U+F8FF. Texts
+// are UTF-8. A function that returns nothing says that there is no text. Functions that return text
+// throw std::bad_alloc.
 //
 // The bytes of Mac Roman above 0x7F, and capitals of letters above it, need a library built with
 // ICU; key codes of typing keys need one built with libxkbcommon, or a layout of the host's own.
@@ -16,6 +17,7 @@
 #pragma once
 
 #include "veltra/audio/key_characters.h"
+#include "veltra/export.h"
 
 #include <cstdint>
 #include <optional>
@@ -77,7 +79,7 @@ public:
                                                              std::int32_t& modifierFlags);
 
     // Text to show: the signs of the modifiers, then the key by its sign, its name or what it types
-    // in capitals. When the key has no text, the first answers the modifiers alone, the others
+    // in capitals. When the key has no text, the first returns the modifiers alone, the others
     // nothing.
     static std::optional<std::string> stringForKeycode(std::uint16_t keyCode,
                                                        std::uint32_t modifierFlags);

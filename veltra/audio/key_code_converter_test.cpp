@@ -2,10 +2,14 @@
 #include "veltra/audio/key_code_converter.h"
 
 #include "veltra/platform/keyboard_layout.h"
+#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/text_services.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <string>
 #include <string_view>
 #include <tuple>
 
@@ -111,13 +115,38 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
     const bool hasCapitals = TextServices::current().toUpper(u"\u00E4").has_value();
     const std::tuple<const char*, std::uint16_t, const char*, bool> cases[] = {
-        {"us", 0x00, "a", false},     {"us", 0x32, "`", false},      {"us", 0x41, ".", false},
-        {"de", 0x10, "z", false},     {"de", 0x21, "\u00FC", false}, {"de", 0x32, "^", true},
-        {"de", 0x18, "\u00B4", true}, {"de", 0x41, ",", false},      {"de", 0x1B, "\u00DF", false},
-        {"fr", 0x00, "q", false},     {"fr", 0x0C, "a", false},      {"fr", 0x12, "&", false},
-        {"fr", 0x21, "^", true},      {"us", 0x7B, "\x1C", false},   {"us", 0x4C, "\x03", false},
-        {"us", 0x38, "", false},      {"us", 0x34, "", false},       {"us", 0x80, "", false},
-        {"us", 0xFFFF, "", false}};
+        {"us", 0x00, "a", false},
+        {"us", 0x32, "`", false},
+        {"us", 0x41, ".", false},
+        {"de", 0x10, "z", false},
+        {"de", 0x21, "\u00FC", false},
+        {"de", 0x32, "^", true},
+        {"de", 0x18, "\u00B4", true},
+        {"de", 0x41, ",", false},
+        {"de", 0x1B, "\u00DF", false},
+        {"fr", 0x00, "q", false},
+        {"fr", 0x0C, "a", false},
+        {"fr", 0x12, "&", false},
+        {"fr", 0x21, "^", true},
+        {"us", 0x7B, "\x1C", false},
+        {"us", 0x4C, "\x03", false},
+        {"us", 0x38, "", false},
+        {"us", 0x34, "", false},
+        {"us", 0x80, "", false},
+        {"us", 0xFFFF, "", false},
+        // Where Num Lock changes every key, but may change only the keypad's.
+        {"de(neo)", 0x00, "u", false},
+        {"de(neo)", 0x53, "1", false},
+        {"am(eastern)", 0x00, "\u0561", false},
+        {"am(western)", 0x00, "\u0561", false},
+        {"am(eastern-alt)", 0x00, "\u0561", false},
+        {"cm(azerty)", 0x00, "q", false},
+        {"cm(dvorak)", 0x00, "a", false},
+        // Accents that are only for letters, and others.
+        {"vn(us)", 0x2C, "\u25CC\u0309", true},
+        {"vn(us)", 0x2F, "\u25CC\u0323", true},
+        {"vn(fr)", 0x2B, "\u25CC\u0323", true},
+        {"gr(polytonic)", 0x1E, "\u037A", true}};
     for (const auto& [layout, code, text, isDead] : cases) {
         use(layout);
         bool isDeadKey = !isDead;
@@ -134,6 +163,49 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     use("no such layout");
     EXPECT_EQ(Converter::stringForKeycode(0x00, kAll), kAllSigns);
 }
+
+// NOLINTBEGIN(concurrency-mt-unsafe): there is one thread
+
+TEST_F(KeyCodeConverter, AChangeOfTheDisplaysLayoutIsFollowedAndAStuckDisplayHoldsUpNothing) {
+    if (!hasLayouts() || std::system("command -v Xvfb setxkbmap >/dev/null") != 0)
+        GTEST_SKIP() << "needs keyboard layouts, Xvfb and setxkbmap";
+    std::FILE* const server =
+        ::popen("timeout 60 Xvfb -displayfd 3 -noreset 3>&1 >/dev/null 2>&1 & echo $!; wait", "r");
+    int process = 0, display = -1;
+    ASSERT_EQ(std::fscanf(server, "%d %d", &process, &display), 2);
+    const std::string name = ":" + std::to_string(display);
+    const auto run = [&](const std::string& command) {
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+        m_clocks.now += seconds(1.0);
+    };
+    const auto upperLeftLetter = [] { return Converter::translateKeyCode(0x0C); };
+    const auto signal = [process](const char* what) {
+        return "pkill -" + std::string(what) + " -P " + std::to_string(process);
+    };
+    const std::string set = "setxkbmap -display " + name + " ";
+    run(set + "fr");
+    setEnvironment("DISPLAY", name.c_str());
+    EXPECT_EQ(upperLeftLetter(), "A");
+    run(set + "de");
+    EXPECT_EQ(upperLeftLetter(), "Q");
+    run(set + "us,fr");
+    EXPECT_EQ(upperLeftLetter(), "Q");
+    EXPECT_TRUE(testing::holdsInChild([&] {
+        m_clocks.now += seconds(1.0);
+        return upperLeftLetter() == "Q";
+    }));
+    run(set + "fr");
+    EXPECT_EQ(upperLeftLetter(), "A");
+    run(signal("STOP"));
+    ::alarm(30);
+    EXPECT_EQ(upperLeftLetter(), "A");
+    ::alarm(0);
+    run(signal("KILL"));
+    EXPECT_GE(::pclose(server), 0);
+    EXPECT_EQ(upperLeftLetter(), "Q");  // the configured one
+}
+
+// NOLINTEND(concurrency-mt-unsafe)
 
 TEST_F(KeyCodeConverter, TheTableOfCharactersIsBuiltOnce) {
     if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";

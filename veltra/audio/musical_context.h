@@ -21,18 +21,21 @@ public:
     // numbers that its constructor was given. Called on the thread that constructs.
     //
     // The numbers are 32 bits wide on every host, not `long`: results are the same everywhere, and
-    // the tick of every such sample position fits its field.
+    // the tick of every such sample position fits its field. A host whose counter is wider must
+    // bring it into that range itself: the call narrows it without a word, 3,000,000,000 samples to
+    // -1,294,967,296. 32 bits hold 13 hours at 44,100 samples a second.
     using Calculator = void (*)(std::int32_t samplePosition, std::int32_t second,
                                 CMusicalContext& context);
 
     // Sets the defaults below, then calls the calculator: the given one, else
-    // s_funcDefaultCalculator, else the built-in one. The built-in one takes its tempo as constant,
-    // not from the field, and computes in double precision, equal to the last bit on every host:
+    // s_funcDefaultCalculator, else the built-in one. The built-in one always counts 120 beats a
+    // minute, whatever the field says. It computes in double precision, the same bits on every
+    // host:
     //   m_positionInBarInTicks: from the nearest bar line, -30720 to 30720, so negative in the
     //     second half of a bar; truncated towards zero.
-    //   m_positionInTicks: the position plus half a tick, truncated towards zero. Deliberate: this
-    //     is the nearest tick from 0 up and one tick above it before 0; stored positions rely on
-    //     it.
+    //   m_positionInTicks: the position plus half a tick, truncated towards zero. From 0 up this
+    //     is the nearest tick. Before 0 it is the nearest plus one, but never above 0; deliberate:
+    //     stored positions rely on it.
     //   m_samplesToNextTick: a tick's length in samples (1.4355) less the signed distance from the
     //     nearest tick, truncated: 0 to 2.
     // Thread: any. Realtime-safe: yes, if the calculator is (the built-in one is).

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "veltra/audio/channel_layout.h"
+#include "veltra/export.h"
 
 #include <array>
 #include <cstdint>
@@ -86,7 +87,7 @@ enum class ChannelLabel : std::uint32_t {
     UseCoordinates = 100,
 };
 
-// GetAngleForChannel's answer for a channel without a direction.
+// What GetAngleForChannel returns for a channel without a direction.
 inline constexpr float kNoDirection = 1000.0F;
 
 using ChannelMapping = std::array<ChannelID, 8>;

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <iostream>
 #include <limits>
+#include <locale>
 #include <sstream>
 #include <string_view>
 
@@ -45,6 +46,7 @@ void trace(const Traced& traced, Detail detail) {
 template <typename Traced>
 std::string textOf(const Traced& traced) {
     std::ostringstream text;
+    text.imbue(std::locale::classic());
     write(text, traced, Detail::Full);
     return text.str();
 }

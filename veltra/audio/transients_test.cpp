@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/transients.h"
 
+#include "veltra/audio/detail/distribution_sort.h"
 #include "veltra/diagnostics/indent_stack.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <initializer_list>
 #include <iostream>
 #include <limits>
+#include <locale>
 #include <map>
 #include <random>
 #include <sstream>
@@ -77,6 +79,16 @@ std::map<std::string, List> lists(std::size_t size) {
         "reversed", [](Index index) { return -index; }, [](Index index) { return -index; });
     add(
         "sorted", [](Index index) { return index / 3; }, [](Index index) { return index / 2; });
+    const auto half = static_cast<Index>(size / 2);
+    add(
+        "up, then down", [&](Index index) { return index < half ? index : 2 * half - index; },
+        [&](Index index) { return std::min(index, 9 * (2 * half - index)); });
+    add(
+        "two takes", [&](Index index) { return index % (half + 1); },
+        [&](Index index) { return index % (half + 1); });
+    add(
+        "jittering", [&](Index index) { return 10 * index + below(100); },
+        [&](Index index) { return index + below(5); });
     for (const std::uint64_t oneIn : {100U, 12U, 4U}) {
         List list = all["sorted"];
         for (std::size_t index = 0; index + 1 < size; ++index) {
@@ -130,6 +142,36 @@ TEST(Transients, SortsAreStableAndThinningKeepsTheWeakestInListsOfEveryKindAndSi
     }
 }
 
+template <typename Order>
+struct Counting : Order {
+    static inline std::size_t steps = 0;
+    static std::uint64_t key(const CTransient& transient) noexcept {
+        return ++steps, Order::key(transient);
+    }
+    static bool less(const CTransient& one, const CTransient& other) noexcept {
+        return ++steps, Order::less(one, other);
+    }
+};
+
+template <typename Order>
+double stepsPerTransient(List list) {
+    Counting<Order>::steps = 0;
+    detail::sortTransients<Counting<Order>>(list);
+    return static_cast<double>(Counting<Order>::steps) / static_cast<double>(list.size());
+}
+
+TEST(Transients, NoListTakesMoreStepsToSortThanItsSizeTimesTheLogarithmOfIt) {
+    for (const std::size_t size : std::initializer_list<std::size_t>{100, 3000, 100'000}) {
+        const double most = 4 * std::log2(size);
+        for (const auto& [name, list] : lists(size)) {
+            EXPECT_LE(stepsPerTransient<detail::ByPos>(list), most) << name << " " << size;
+            EXPECT_LE(stepsPerTransient<detail::ByEnergyAndPos>(list), most) << name << " " << size;
+        }
+        for (const char* const orderly : {"equal", "reversed", "sorted", "jittering"})
+            EXPECT_LE(stepsPerTransient<detail::ByPos>(lists(size)[orderly]), 10) << orderly;
+    }
+}
+
 #ifndef VELTRA_SANITIZED
 TEST(Transients, SortsToTheSameResultWithoutMemoryForWorkSpace) {
     List list = lists(300'000)["few values"], expected = list, thinned = list, weakest = list;
@@ -174,6 +216,13 @@ std::string writtenToCout(Action action) {
 TEST(Transients, TracesEndWithTheAddressOfTheStream) {
     const CTransient one = {-5'000'000'000, 0.1F, 0, 2.5F, {}, 1e9F};
     const List list = {one, {}};
+    struct Grouped : std::numpunct<char> {
+        std::string do_grouping() const override { return "\3"; }
+    };
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouped));
+    const std::string text = one.TraceStr() + list.TraceStr();
+    std::locale::global(before);
+    EXPECT_EQ(text, one.TraceStr() + list.TraceStr());
     const std::string full =
         "CTransient: pos -5000000000, Energy 0.1, visibleweight 2.5, "
         "FreqHz 1e+09";

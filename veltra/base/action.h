@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a control or timer does to its target: a member function as a small value.
+// An action is a member function as a small value: what a control or timer calls on its target.
 //
 //   slider.setAction(action<&Editor::levelChanged>());
 //
@@ -7,8 +7,8 @@
 //   void Editor::levelChanged(Slider& sender);     // only ever called by a Slider
 //   void Editor::levelChanged(Slider* sender);     // null when something else sends it
 //
-// The target is given apart from the action, and any class can be asked: one that does not have the
-// member function does not respond.
+// The target is set separately and may be of any class; one without the member function does not
+// respond.
 #pragma once
 
 #include "veltra/base/weak_anchor.h"
@@ -106,7 +106,7 @@ public:
     constexpr Action() noexcept = default;
     constexpr Action(std::nullptr_t) noexcept {}
 
-    // Calls the member function on `target`. Answers false, and calls nothing, when the action or
+    // Calls the member function on `target`. Returns false, and calls nothing, when the action or
     // the target is null, when the target is of a class without this member function, or when the
     // function takes a reference and `sender` is null or of another class. The call may delete the
     // target and the sender; what it throws passes through.
@@ -134,8 +134,8 @@ private:
     const detail::ActionEntry* m_entry = nullptr;
 };
 
-// The action that calls `Method`: a pointer to a member function that takes a sender's reference, a
-// sender's pointer or nothing; an answer is dropped.
+// The action that calls `Method`, a pointer to a member function that takes a reference to the
+// sender, a pointer to it, or nothing. What the function returns is dropped.
 template <auto Method>
 constexpr Action action() noexcept {
     return Action(detail::actionEntry<detail::ActionHost<decltype(Method)>, Method>);

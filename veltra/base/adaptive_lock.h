@@ -2,11 +2,18 @@
 // A lock for sections of a few microseconds that may, rarely, last longer: a thread that meets it
 // held spins for a moment, then sleeps until it is released.
 //
+// The C library has an adaptive mutex too, but not on every system, and a forked child may not make
+// one free that a thread of its parent held: setting it up anew while it counts as locked is
+// undefined. This lock is one word that needs no set-up before the first thread and no clearing up
+// at the end, and reset() is a store.
+//
 // One word: 0 free, 1 held, 2 held and somebody may be asleep. Only the holder leaves 1 or 2, and
 // it leaves by an exchange with 0; whoever goes to sleep has first put 2 there, so the release that
 // follows wakes a sleeper. A woken thread takes the lock with 2: others may still be asleep, and at
 // worst one wake-up is spent on nobody.
 #pragma once
+
+#include "veltra/export.h"
 
 #include <atomic>
 

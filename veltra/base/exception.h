@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The base of everything that the framework throws on purpose, and the one path on which it does.
+// The base of all exceptions of the framework, and the one function that raises them.
 //
-// An exception is a name for programs, a reason for people, and a user info that all copies share:
-// what is noted in it while one copy is on its way is seen by whoever caught another.
+// An exception has a name for programs, a reason for people, and a user info that all its copies
+// share: what is added to one copy is seen in every other.
 #pragma once
 
 #include "veltra/base/property_value.h"
@@ -38,17 +38,17 @@ public:
     // "name: reason", or the one of them that is not empty.
     const char* what() const noexcept override;
 
-    // Throws this object, as the class that it is. To be called on a caught exception as well, to
-    // raise it again. A class that has something to do first (to report, say) overrides this, does
-    // it and calls throwSelf(). `throw exception;` is not the same: it throws the static type.
+    // Throws this object as the class that it is; on a caught exception, throws it again. A class
+    // that has something to do first (to report, say) overrides this, does it and calls
+    // throwSelf(). `throw exception;` is not the same: it throws a copy of the static type.
     [[noreturn]] virtual void raise();
 
 protected:
-    // Throws this object, as the class that it is.
+    // Throws this object as the class that it is.
     [[noreturn]] void throwSelf() const;
 
-    // `throw *this;` in each class, so that nobody is thrown as its base. RaisedAs writes it.
-    // A class without its own is thrown as the nearest base that has one.
+    // `throw *this;` in each class, so that no object is thrown as its base; RaisedAs writes it. A
+    // class without one is thrown as the nearest base that has one.
     virtual void throwThis() const;
 
 private:
@@ -65,7 +65,8 @@ private:
 //         using RaisedAs::RaisedAs;
 //     };
 //
-// With a second argument it stands between a class and its own base, whose raise() is kept:
+// With a second argument it stands between a class and the base of its choice, whose raise() it
+// keeps:
 // class UsbException : public RaisedAs<UsbException, DeviceException>.
 template <class Derived, class Base = Exception>
 class RaisedAs : public Base {
@@ -76,18 +77,18 @@ protected:
     void throwThis() const override { throw static_cast<const Derived&>(*this); }
 };
 
-// Makes the object that raiseException() raises. A null answer stands for a plain Exception.
+// Makes the object that raiseException() raises. When it returns null, a plain Exception is raised.
 using ExceptionFactory = std::unique_ptr<Exception> (*)(
     std::string_view name, std::string_view reason, std::shared_ptr<Exception::UserInfo> userInfo);
 
-// Puts `factory` on the raise path of the whole process; null goes back to plain exceptions.
-// Answers what was installed before, null for plain exceptions.
+// Lets `factory` make the exceptions of the whole process; null goes back to plain ones. Returns
+// what was installed before, null for plain exceptions.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT ExceptionFactory installExceptionFactory(ExceptionFactory factory) noexcept;
 
-// Raises an exception of the class that the installed factory makes. The framework raises nowhere
-// else. When there is no memory for the exception, std::bad_alloc leaves in its place.
-// Thread: any. Realtime-safe: no.
+// Raises an exception of the class that the installed factory makes. All exceptions of the
+// framework are raised here. Without memory for one, std::bad_alloc is thrown instead. Thread: any.
+// Realtime-safe: no.
 [[noreturn]] VELTRA_EXPORT void raiseException(
     std::string_view name, std::string_view reason,
     std::shared_ptr<Exception::UserInfo> userInfo = nullptr);

@@ -10,6 +10,8 @@
 // calls on to what that returned.
 #pragma once
 
+#include "veltra/export.h"
+
 namespace veltra {
 
 // The base of each such interface. `Interface` is const where its functions are.

@@ -117,6 +117,7 @@ private:
     std::vector<Level> m_levels;
 };
 
+// Written from the values themselves for the same reason: the library writes its own tree alone.
 class Writer {
 public:
     void write(const PropertyValue& value) {

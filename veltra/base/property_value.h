@@ -2,15 +2,16 @@
 // One value of a preferences file, a keyed archive or an exception's user info: null, a truth
 // value, a number, text, bytes, or an array or dictionary of such values.
 //
-// A value does not change once it is made; assignment puts another one in its place. Copies share
-// what they hold, so that copying costs a counter and never fails. To edit a container, copy it
-// out, edit the copy and make a value of it, or use settingValueAtPath().
+// A value never changes; assignment replaces it by another. Copies share their content, so that
+// copying is cheap and never fails. To edit a container, copy it out, edit the copy and make a
+// value of it, or use settingValueAtPath().
 //
 // Three things hold for every value, so that no reader needs to check them:
-//   - strings and keys are well-formed UTF-8 (ill-formed parts became U+FFFD; file names of unknown
-//     encoding belong into data);
+//   - strings and keys are well-formed UTF-8 (ill-formed parts become U+FFFD; keep file names of
+//   unknown
+//     encoding as data);
 //   - containers nest at most kMaximumDepth deep;
-//   - integers fit 64 bits with sign (larger unsigned ones became reals).
+//   - integers fit 64 bits with sign (larger unsigned ones become reals).
 //
 // Thread: any; one value may be read by several threads, as with any plain value.
 // Realtime-safe: reading, yes; making, copying and destroying, no.
@@ -57,8 +58,9 @@ private:
                      std::shared_ptr<const DictionaryNode>>;
 
 public:
-    // A number or string is 0 deep, a container one more than its deepest member. A container that
-    // would be deeper becomes null: whoever walks a value by recursion is safe from hostile input.
+    // A number or string has depth 0, a container one more than its deepest member. A container
+    // that would exceed the maximum becomes null, so that walking a value by recursion is always
+    // safe.
     static constexpr std::uint32_t kMaximumDepth = 128;
 
     constexpr PropertyValue() noexcept = default;
@@ -75,13 +77,15 @@ public:
     template <std::floating_point T>
     PropertyValue(T value) noexcept : m_value(static_cast<double>(value)) {}
 
-    // These throw std::bad_alloc when memory is out, and nothing else; a null `text` makes null.
+    // These throw std::bad_alloc when memory is out, and nothing else. A null `text` makes a null
+    // value.
     PropertyValue(const char* text);
     PropertyValue(std::string_view text);
     PropertyValue(std::string text);
     PropertyValue(Data bytes);
     PropertyValue(Array items);
-    // Keys that become equal when their ill-formed parts are replaced: the last in byte order wins.
+    // When keys become equal because their ill-formed parts are replaced, the last in byte order
+    // wins.
     PropertyValue(Dictionary members);
 
     PropertyValue(const PropertyValue&) noexcept = default;
@@ -98,24 +102,24 @@ public:
     bool isNull() const noexcept { return kind() == Kind::Null; }
     std::uint32_t depth() const noexcept;
 
-    // What a reader of preferences expects, who does not care how a number was written down:
-    // numbers and truth values stand for one another, and a string that is a number as a whole
-    // (blanks around it allowed, no digits grouped, independent of the locale) stands for it.
-    // Whatever cannot be converted answers `fallback`.
+    // Conversions for readers of preferences, where it does not matter how a number was written:
+    // numbers and truth values convert to one another, and so does a string that is nothing but a
+    // number (blanks around it are allowed, grouped digits are not; the locale plays no part).
+    // These return `fallback` for what cannot be converted.
 
     // Numbers other than 0 are true; strings "true", "yes", "1" / "false", "no", "0" in any case.
-    // Not convertible: not-a-number, other strings, containers, data, null.
+    // Not convertible: NaN, other strings, containers, data, null.
     bool asBool(bool fallback = false) const noexcept;
 
     // True is 1. Reals lose their fraction. Strings must be decimal integers.
-    // Not convertible: reals that are beyond 64 bits or not a number, the rest as above.
+    // Not convertible: reals beyond 64 bits, and the rest as above.
     std::int64_t asInteger(std::int64_t fallback = 0) const noexcept;
 
     // Large integers are rounded to the nearest real. Strings must be finite decimal numbers.
     double asReal(double fallback = 0.0) const noexcept;
 
-    // These convert nothing: another kind answers `fallback` or the empty container. The answer
-    // lives as long as this value or a copy of it; a temporary value must be given a name first.
+    // These convert nothing: for another kind they return `fallback` or an empty container. What
+    // they return lives as long as this value or a copy of it; a temporary must be given a name.
     std::string_view asString(std::string_view fallback = {}) const& noexcept;
     std::span<const std::uint8_t> asData() const& noexcept;
     const Array& asArray() const& noexcept;
@@ -146,8 +150,8 @@ public:
         return settingValueAtPath(std::span(path.begin(), path.size()), value);
     }
 
-    // Equal kind and content: integer 1 is not real 1.0. Not-a-number equals itself, so that "was
-    // it changed" has an answer.
+    // Equal kind and content: integer 1 is not real 1.0. NaN equals NaN, so that an unchanged value
+    // compares equal.
     VELTRA_EXPORT friend bool operator==(const PropertyValue& left,
                                          const PropertyValue& right) noexcept;
 

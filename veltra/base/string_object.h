@@ -4,14 +4,15 @@
 // function takes or gives text that outlives the call.
 //
 // Ownership: a function with "Create" in its name gives its caller one reference, to be given back
-// with VLStringRelease. Every other function only looks at the object during the call. An object
-// lives until its last reference is released; counting is safe from several threads at once.
+// with VLStringRelease; so do utf8_to_cfstring, utf8_to_nsstring and, through `lost`, the legacy
+// conversions of utf8_text.h. Every other function only looks at the object during the call. An
+// object lives until its last reference is released; counting is safe from several threads at once.
 //
-// An object always holds well-formed UTF-16: ill-formed input makes no object, so that reading an
-// object never fails.
+// An object always holds well-formed UTF-16 (ill-formed input makes no object), so that reading one
+// never fails.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 #include <stdint.h>
@@ -37,7 +38,7 @@ VELTRA_EXPORT const VLString* VLStringCreateWithCString(const char* text) VELTRA
 VELTRA_EXPORT const VLString* VLStringCreateWithUtf16(const uint16_t* units,
                                                       size_t count) VELTRA_NOEXCEPT;
 
-// Adds a reference and answers `string`, so that it can stand in an assignment. Null for null.
+// Adds a reference and returns `string`. Null for null.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT const VLString* VLStringRetain(const VLString* string) VELTRA_NOEXCEPT;
 
@@ -50,16 +51,16 @@ VELTRA_EXPORT void VLStringRelease(const VLString* string) VELTRA_NOEXCEPT;
 VELTRA_EXPORT size_t VLStringLength(const VLString* string) VELTRA_NOEXCEPT;
 
 // The text as UTF-8: writes whole characters only, at most `capacity` - 1 bytes, then a NUL,
-// and answers how many bytes the whole text has without the NUL. An answer of `capacity` or
-// more means that the copy was cut. With `capacity` 0 or a null `destination` it only answers.
-// A null `string` is the empty text.
+// and returns how many bytes the whole text has without the NUL. A result of `capacity` or more
+// means that the copy was cut. With `capacity` 0 or a null `destination` nothing is written. A null
+// `string` is the empty text.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT size_t VLStringCopyUtf8(const VLString* string, char* destination,
                                       size_t capacity) VELTRA_NOEXCEPT;
 
 // The text as UTF-16 units in the host's byte order, without a terminator: writes at most
-// `capacity` units and answers how many the whole text has. With a null `destination` it only
-// answers. A null `string` is the empty text.
+// `capacity` units and returns how many the whole text has. With a null `destination` nothing is
+// written. A null `string` is the empty text.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT size_t VLStringCopyUtf16(const VLString* string, uint16_t* destination,
                                        size_t capacity) VELTRA_NOEXCEPT;

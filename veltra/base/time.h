@@ -13,6 +13,8 @@
 // Thread: any. Realtime-safe: yes, all of it.
 #pragma once
 
+#include "veltra/export.h"
+
 #include <compare>
 #include <cstdint>
 #include <limits>

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Weak pointers for objects that may be deleted while they are being called: controls, timers,
-// their targets and delegates. Whoever calls out keeps a weak pointer to itself and looks at it
-// before it touches a member again:
+// their targets and delegates. An object that calls out keeps a weak pointer to itself, and checks
+// it before it touches a member again:
 //
 //   const WeakPointer<Meter> self(this);
 //   m_action.send(m_target.get(), this);    // may delete this meter
 //   if (!self) return;
 //
-// The weak pointers of an object form a list that hangs on the object: making one is a few stores
-// and cannot fail, also when memory is out. An object and all its weak pointers belong to one
+// The weak pointers of an object form a list that starts in the object: making one is a few stores
+// and cannot fail, not even when memory is out. An object and all its weak pointers belong to one
 // thread, in practice the main one.
 #pragma once
 
@@ -57,7 +57,7 @@ public:
     virtual ~Anchored();
 
 protected:
-    // Makes the object count as gone from here on, for present and future weak pointers. Without it
+    // From now on all weak pointers to this object are null, present and future ones. Without it
     // that happens at the very end of destruction, so a destructor that calls out starts with this.
     // Thread: the object's. Realtime-safe: no (as long as the list of weak pointers).
     void cutAnchor() noexcept;
@@ -69,9 +69,8 @@ private:
     bool m_isCut = false;
 };
 
-// Points to a T as long as it lives, answers null afterwards. T derives from Anchored; it needs to
-// be complete only where a pointer is stored.
-// Thread: the object's. Realtime-safe: yes, all of it.
+// Points to a T as long as it lives, and is null afterwards. T derives from Anchored; it needs to
+// be complete only where a pointer is stored. Thread: the object's. Realtime-safe: yes, all of it.
 template <typename T>
 class WeakPointer : private detail::WeakLink {
 public:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/assertion.h"
 
+#include "veltra/base/whole_characters.h"
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/platform/alert.h"
 
@@ -44,11 +45,12 @@ int dbgASSERT(int condition, const char* expression, const char* location,
     if (condition != 0) return 0;
     if (showCounter != nullptr && *showCounter <= 0 && *showCounter != -1) return 0;
 
-    std::array<char, kTextSize> text;
-    std::snprintf(text.data(), text.size(), "ASSERT(%s) in %s failed.\n", orNull(expression),
-                  orNull(location));
-    const AlertAnswer answer =
-        report(text.data(), showCounter != nullptr ? "Don't show again" : "Stop");
+    std::array<char, kTextSize> memory;
+    const int length = std::snprintf(memory.data(), memory.size(), "ASSERT(%s) in %s failed.\n",
+                                     orNull(expression), orNull(location));
+    std::string_view text = memory.data();
+    if (length < 0 || static_cast<std::size_t>(length) > text.size()) text = wholeCharacters(text);
+    const AlertAnswer answer = report(text, showCounter != nullptr ? "Don't show again" : "Stop");
     if (showCounter != nullptr && *showCounter > 0) --*showCounter;
     if (answer == AlertAnswer::Alternate) return 1;
     if (answer != AlertAnswer::Other) return 0;

@@ -3,8 +3,10 @@
 
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/alert.h"
+#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -59,6 +61,9 @@ TEST(Assertion, IsLoggedThenShown) {
     dbgASSERT(0, expression.c_str(), "f()", nullptr);
     EXPECT_EQ(presenter.message, "ASSERT(" + std::string(4095 - 7, 'x'));
     EXPECT_EQ(world.lines.back().back(), '\n');
+    const std::string notes = expression.substr(0, 4095 - 7 - 2) + "\xE2\x99\xAA";
+    dbgASSERT(0, notes.c_str(), "f()", nullptr);
+    EXPECT_EQ(presenter.message, "ASSERT(" + std::string(4095 - 7 - 2, 'x')) << "half a character";
     dbgASSERT(0, nullptr, "caf\x8E", nullptr);
     EXPECT_EQ(presenter.message, "ASSERT((null)) in caf\x8E failed.\n");
 }
@@ -76,7 +81,9 @@ TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
             std::int32_t counter = before;
             std::int32_t* const given = before == kNone ? nullptr : &counter;
             if (given == nullptr && answer == Answer::Other) {
-                EXPECT_EXIT(dbgASSERT(0, "x", "f()", given), ::testing::ExitedWithCode(1), "");
+                EXPECT_EXIT(std::atexit([] { std::fputs("handled", stderr); });
+                            dbgASSERT(0, "x", "f()", given), ::testing::ExitedWithCode(1),
+                            "handled");
                 continue;
             }
             const bool isShown = before > 0 || before == -1;
@@ -98,6 +105,21 @@ TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
             EXPECT_EQ(dbgAssertionFailed(), 0) << "an assertion that holds clears the flag";
         }
     }
+}
+
+// The presenter of the platform is made by the first assertion, so an exit handler that was there
+// before runs after everything made later has been destroyed.
+TEST(Assertion, MayFailInAnExitHandler) {
+    EXPECT_TRUE(testing::holdsInChild([] {
+        LogWorld world;
+        ::setsid();  // no terminal to ask on
+        setEnvironment("DISPLAY", nullptr);
+        setEnvironment("WAYLAND_DISPLAY", nullptr);
+        std::atexit([] { ::_exit(dbgASSERT(0, "late", "exit", nullptr)); });
+        dbgASSERT(0, "early", "main", nullptr);
+        std::exit(2);  // NOLINT(concurrency-mt-unsafe): one thread
+        return false;
+    }));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include "veltra/diagnostics/log.h"
 
 #include "veltra/base/string_object_text.h"
-#include "veltra/diagnostics/detail/object_format.h"
+#include "veltra/diagnostics/detail/message_format.h"
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/diagnostics/text_buffer.h"
 
@@ -35,7 +35,7 @@ Banner bannerFrom(bool withBanner) noexcept {
         return;
     }
     LocalTextBuffer<kUsualMessage> message;
-    if (!message.appendFormat(format, arguments)) message.append(format);
+    detail::appendMessage(message, format, detail::Objects::No, arguments);
     logMessage(level, banner, tag, message.view());
 }
 
@@ -49,7 +49,7 @@ void logObjectFormat(std::uint32_t level, Banner banner, const char* tag, const 
     LocalTextBuffer<kUsualMessage> formatText;
     formatText.appendString(format);
     LocalTextBuffer<kUsualMessage> text;
-    appendObjectFormat(text, formatText.view(), arguments);
+    detail::appendMessage(text, formatText.view(), detail::Objects::Yes, arguments);
     logText(level, banner, tag, text.view());
 }
 

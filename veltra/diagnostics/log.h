@@ -2,8 +2,10 @@
 // The one way in which the framework and its hosts log.
 //
 // Every message becomes one record of the system's structured log and, where a person reads the
-// process's standard error, one line there. A line never ends or blocks its process: whatever
-// standard error is, full, closed or without a reader, at worst the line is cut or lost.
+// process's standard error, one line there. Logging never ends or blocks the process: whatever
+// standard error is, full, closed or without a reader, at worst the line is cut or lost. Lost lines
+// and records are counted; the next one that gets through is preceded by one that says how many
+// ("veltra: lines cut or lost here: 3", "log records lost here: 3").
 //
 // Levels are those of syslog: 0 emergency, 1 alert, 2 critical, 3 error, 4 warning, 5 notice,
 // 6 information, 7 debug. The tag names the part of the program that speaks; it is also the
@@ -16,11 +18,24 @@
 // no service manager started the process or reads the stream; and always when the environment
 // variable CFLOG_FORCE_STDERR is set (to anything) in a process without raised rights.
 //
+// Messages are formatted as printf does it, with these differences:
+//   - Numbers have a decimal point and no grouping, and "%m" is English, in every locale.
+//   - Wide text ("%ls", "%lc", "%S", "%C", "%lS", "%lC") becomes UTF-8 in every locale; its
+//     precision never splits a character.
+//   - "%hs" is "%s" and "%hc" is "%c" (with one h or two), as ported code writes them; "%D", "%U"
+//     and "%O" are "%d", "%u" and "%o".
+//   - "%n" takes its argument and writes nothing through it.
+//   - From the first conversion that is not understood, the rest of the format is copied as it
+//     stands; likewise from the first whose position leaves one before it unused ("%2$s" without
+//     "%1$s"). Formats hold at most 128 arguments.
+//   - A message is cut at 1 MiB, or earlier when memory is out, and then ends in
+//     " [the rest was cut off]".
+//
 // The functions keep errno.
 #pragma once
 
 #include "veltra/base/string_object.h"
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdarg.h>
 #include <stdbool.h>
@@ -34,11 +49,10 @@ VELTRA_C_BEGIN
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT bool QKLogWithSyslogBanner(void) VELTRA_NOEXCEPT;
 
-// Logs a message made of `format` and the arguments by the rules of printf. `tag` or `format`
-// may be null: without a format the tag is the message; without both, or with a level above 7,
-// nothing happens. Text that printf cannot make is replaced by the format as it stands. A line
+// Logs a message made of `format` and the arguments. `tag` or `format` may be null: without a
+// format the tag is the message; without both, or with a level above 7, nothing happens. A line
 // feed is added on standard error unless the message ends in one, or in a backspace: that is
-// deliberate, so that a progress display can go on on its line.
+// deliberate, so that a progress display can continue on the same line.
 // Thread: any but audio. Realtime-safe: no.
 VELTRA_EXPORT void QKLogCString(uint32_t level, bool withBanner, const char* tag,
                                 const char* format, ...) VELTRA_NOEXCEPT VELTRA_PRINTF(4, 5);
@@ -51,8 +65,7 @@ VELTRA_EXPORT void QKLogCStringV(uint32_t level, bool withBanner, const char* ta
 
 // The same with a string object as format, which may also hold "%@": it takes a string object
 // (const VLString*, or null for "(null)"; no reference is kept, width and precision do
-// nothing). "%n" takes its argument and writes nothing; what is no conversion is copied as it
-// stands.
+// nothing).
 //
 // The text that comes out is deliberately read a second time, without arguments: "%%" becomes
 // "%", everything else stays. Callers that log a "%" double it, in arguments too.

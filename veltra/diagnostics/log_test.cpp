@@ -4,11 +4,16 @@
 #include "veltra/base/string_object_text.h"
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
+#include "veltra/diagnostics/text_buffer.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/temporary_folder.h"
 
+#include <array>
 #include <cerrno>
+#include <clocale>
 #include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <thread>
@@ -54,6 +59,10 @@ TEST(Log, TheLineAndTheRecordHoldTheDocumentedTexts) {
     EXPECT_EQ(
         recordOf(world),
         "QKLogCString|CFLog Local Time unset|CFLog Thread unset|ReadUID=-2|Level=7|Message=plain");
+    world.forget();
+    world.localTime->year = 7;
+    QKLogCString(7, true, nullptr, "old");
+    EXPECT_EQ(world.line(), "0007-01-31 09:05:07.042 prog[123:a0b] old\n");
     world.forget();
     world.userId = 0;
     world.localTime.reset();
@@ -155,7 +164,7 @@ TEST(Log, ObjectFormatsAreReadTwice) {
     EXPECT_EQ(world.message(), "cut");
 }
 
-[[gnu::format(printf, 1, 2)]] void wrapper(const char* format, ...) {
+void wrapper(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     QKLogCStringV(6, false, nullptr, format, arguments);
@@ -178,12 +187,46 @@ TEST(Log, LongTextsWrappersAndTextsThatPrintfRefuses) {
                       std::string(static_cast<std::size_t>(length - 1), '0') + "7");
             world.forget();
         }
-    const wchar_t noCharacter[] = {static_cast<wchar_t>(0x7FFFFFFF), 0};
-    QKLogCString(6, false, nullptr, "bad %ls", noCharacter);
-    EXPECT_EQ(world.message(), "bad %ls");
-    world.forget();
     QKLogCString(6, false, nullptr, "cut%chere", 0);
     EXPECT_EQ(world.line(), "cut\n");
+    world.forget();
+    const char* const noObject = "no object: %@ %s";
+    wrapper(noObject, "text");
+    EXPECT_EQ(world.message(), noObject);
+    world.forget();
+    int count = 7;
+    wrapper("ab%ncd %d", &count, 5);
+    EXPECT_EQ(world.message(), "abcd 5");
+    EXPECT_EQ(count, 7) << "a log line wrote through a pointer";
+    world.forget();
+    logMessage(6, Banner::No, nullptr, std::string(2 * kLongestText, 'x'));
+    EXPECT_EQ(world.message().size(), kLongestText);
+    EXPECT_TRUE(world.message().ends_with(kCutMark));
+}
+
+TEST(Log, TheLocaleOfTheHostChangesNothing) {
+    const testing::TemporaryFolder folder;
+    const std::string locale = folder / "de_DE.UTF-8";
+    const std::string make = "localedef -i de_DE -f UTF-8 " + locale + " >/dev/null 2>&1";
+    if (std::system(make.c_str()) != 0)  // NOLINT(concurrency-mt-unsafe): one thread
+        GTEST_SKIP() << "needs the program localedef and its data (package locales)";
+    EXPECT_TRUE(testing::holdsInChild([&] {
+        setEnvironment("LOCPATH", folder.path.c_str());
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
+        if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) return false;
+        std::array<char, 8> comma{};
+        std::snprintf(comma.data(), comma.size(), "%.1f", 1.5);
+        LogWorld world;
+        errno = ENOENT;
+        wrapper("%.1f %'d %m", 1.5, 1234567);
+        objectWrapper(Text(u"%.1f %Lg"), 1.5, 2.5L);
+        return comma.data() == std::string("1,5") &&
+               world.records[0].fields.back().second == "1.5 1234567 No such file or directory" &&
+               world.records[1].fields.back().second == "1.5 2.5";
+    }));
+    LogWorld world;  // in the "C" locale, which knows no character beyond ASCII
+    wrapper("f=%.1f S=%ls", 1.5, L"f\u00FCr");
+    EXPECT_EQ(world.message(), "f=1.5 S=f\u00FCr");
 }
 
 TEST(Log, ErrnoIsKeptAndCanBeLogged) {
@@ -215,10 +258,18 @@ TEST(Log, ATextIsCutWhenMemoryIsOut) {
 #endif
     EXPECT_TRUE(testing::holdsInChild([] {
         LogWorld world;
-        const rlimit limit{64U << 20U, 64U << 20U};
+        const rlimit limit{1, 1};
         ::setrlimit(RLIMIT_AS, &limit);
-        wrapper("%0*d", 100'000'000, 7);
-        return world.message() == std::string(1023, '0');
+        for (void* volatile block = &world; block != nullptr;)
+            block = std::malloc(300'000);  // until only small ones are left
+        wrapper("%0*d", 1'000'000, 7);
+        const std::string mark(kCutMark);
+        const bool isCut = world.message() == std::string(1024 - mark.size(), '0') + mark;
+        world.forget();
+        errno = ENOSPC;
+        // The C library needs memory for so many digits, and leaves its own error behind.
+        wrapper("%.1000000f %m", 1.5);
+        return isCut && world.message() == "%.1000000f No space left on device";
     }));
 }
 

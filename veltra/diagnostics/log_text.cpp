@@ -38,8 +38,13 @@ void logMessage(std::uint32_t level, Banner banner, const char* tag,
     if (level > kHighestLogLevel || (tag == nullptr && !message)) return;
     const NoCancellation noCancellation;
     if (message) message = message->substr(0, message->find('\0'));
+    LocalTextBuffer<kUsualMessage> shortened;
+    if (message && message->size() > kLongestText) {
+        shortened.append(*message);
+        message = shortened.view();
+    }
 
-    BannerText bannerText;
+    detail::BannerText bannerText;
     const bool hasMessage = message && !message->empty();
     const bool hasBanner = banner == Banner::Yes && bannerText.compose(tag, hasMessage ? ": " : "");
     // Deliberately signed, as user ids have always been logged here: "nobody" may read -2.

@@ -2,6 +2,7 @@
 #include "veltra/diagnostics/text_buffer.h"
 
 #include "veltra/base/string_object_text.h"
+#include "veltra/base/whole_characters.h"
 
 #include <algorithm>
 #include <array>
@@ -16,9 +17,10 @@ TextBuffer::~TextBuffer() {
 }
 
 std::size_t TextBuffer::makeRoom(std::size_t more) noexcept {
-    if (more <= m_capacity - m_size) return m_capacity - m_size;
-    if (more > SIZE_MAX / 2 - m_size) return m_capacity - m_size;
-    const std::size_t wanted = std::max(m_size + more, m_capacity * 2);
+    if (more <= m_capacity - m_size || m_capacity >= kLongestText) return m_capacity - m_size;
+    const std::size_t wanted = more > kLongestText - m_size
+                                   ? kLongestText
+                                   : std::clamp(m_capacity * 2, m_size + more, kLongestText);
     char* grown = static_cast<char*>(std::realloc(m_text != m_memory ? m_text : nullptr, wanted));
     if (grown == nullptr) return m_capacity - m_size;
     if (m_text == m_memory) std::memcpy(grown, m_memory, m_size);
@@ -28,12 +30,41 @@ std::size_t TextBuffer::makeRoom(std::size_t more) noexcept {
 }
 
 void TextBuffer::appendGrowing(std::string_view text) noexcept {
-    append(text.substr(0, makeRoom(text.size())));
+    if (m_isCut) return;
+    const std::size_t room = makeRoom(text.size());
+    append(text.substr(0, room));
+    if (room < text.size()) cut();
+}
+
+void TextBuffer::cut() noexcept {
+    m_isCut = true;
+    const bool isMarked = m_capacity > 2 * kCutMark.size();
+    if (isMarked) m_size = std::min(m_size, m_capacity - kCutMark.size());
+    m_size = wholeCharacters(view()).size();
+    if (isMarked) m_size += kCutMark.copy(m_text + m_size, kCutMark.size());
+}
+
+void TextBuffer::appendCharacter(char32_t character) noexcept {
+    if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) character = 0xFFFD;
+    if (character < 0x80) {
+        const char ascii = static_cast<char>(character);
+        append({&ascii, 1});
+        return;
+    }
+    const unsigned length = character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
+    std::array<char, 4> bytes;
+    for (unsigned index = length - 1; index > 0; --index, character >>= 6U)
+        bytes[index] = static_cast<char>(0x80U | (character & 0x3FU));
+    bytes[0] = static_cast<char>(0xFFU << (8 - length) | character);
+    append({bytes.data(), length});
 }
 
 void TextBuffer::appendString(const VLString* string) noexcept {
-    const std::size_t room = makeRoom(utf8LengthOf(string));
+    if (m_isCut) return;
+    const std::size_t length = utf8LengthOf(string);
+    const std::size_t room = makeRoom(length);
     m_size += copyUtf8(string, m_text + m_size, room);
+    if (room < length) cut();
 }
 
 void TextBuffer::appendDecimal(std::int64_t value, int digits) noexcept {
@@ -63,6 +94,7 @@ void TextBuffer::appendHexadecimal(std::uint32_t value) noexcept {
 }
 
 bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
+    if (m_isCut) return true;
     va_list again;
     va_copy(again, arguments);
     std::size_t room = m_capacity - m_size;
@@ -80,7 +112,9 @@ bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
     va_end(again);
     if (needed < 0) return false;
     const std::size_t most = room > 0 ? room - 1 : 0;
-    m_size += std::min(static_cast<std::size_t>(needed), most);
+    const auto length = static_cast<std::size_t>(needed);
+    m_size += std::min(length, most);
+    if (length > most) cut();
     return true;
 }
 

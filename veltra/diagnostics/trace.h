@@ -3,14 +3,14 @@
 // nothing.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 
 VELTRA_C_BEGIN
 
-// Would dump `count` bytes at `address`; deliberately emits nothing and reads nothing, so that
-// any address and any count, also a negative one, are fine.
+// Made to dump `count` bytes at `address`, but deliberately reads nothing and writes nothing: any
+// address and any count are allowed, also a negative one.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT void QKOutputMemory(const void* address, ptrdiff_t count) VELTRA_NOEXCEPT;
 

@@ -2,6 +2,7 @@
 #include "veltra/infrastructure/nano_timer.h"
 
 #include "veltra/platform/clock.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/standard_error.h"
 
 #include <array>
@@ -16,6 +17,7 @@ namespace veltra {
 namespace {
 
 void printClockError(std::string_view request, int error) noexcept {
+    const NoCancellation noCancellation;
     std::string text = ": \n";
     try {
         text.insert(2, std::generic_category().message(error));

@@ -22,8 +22,8 @@ namespace veltra {
 // All arithmetic is unsigned and 64 bits wide, deliberately also where it wraps: a reading of 0
 // after a clock error makes one wild interval, never a crash.
 //
-// Thread: any, one at a time for each timer. Realtime-safe: as each function says, and only while
-// the clock can be read: an error is printed to standard error, as a line is that the log writes.
+// Thread: any, one at a time for each timer. Realtime-safe: as each function says, and only as long
+// as the clock can be read: a clock error is printed to standard error, which is a system call.
 class VELTRA_EXPORT QKNanoTimer {
 public:
     // A calibrated timer, idle and with empty sums, owned by the caller. Null when memory is out,

@@ -5,9 +5,11 @@
 
 #include <cerrno>
 #include <climits>
+#include <thread>
 #include <utility>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace veltra {
@@ -88,6 +90,13 @@ TEST_F(QKNanoTimerTest, ClockErrorsReadAsZeroAndArePrintedWithoutEndingTheProces
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "clock_get_time : 22: Invalid argument\n"
               "host_get_clock_service : 22: Invalid argument\n");
+    ::testing::internal::CaptureStderr();
+    std::thread([&timer] {
+        ::pthread_cancel(::pthread_self());  // takes effect at the next point of cancellation
+        timer->start();
+        ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+    }).join();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "clock_get_time : 22: Invalid argument\n");
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     ::close(ends[0]);

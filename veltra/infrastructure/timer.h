@@ -51,9 +51,9 @@ private:
 // Thread: one, whose run loop the timer runs on; in practice main. Realtime-safe: no.
 class VELTRA_EXPORT QkTimer : public Anchored {
 public:
-    // Stores all and starts nothing. `seconds` is the interval of start(): not above 0 or no number
-    // counts as 0.1 ms, infinite never fires. `target` (not retained) receives `action`, whose
-    // sender is this timer; a target that is gone or does not respond is passed over in silence.
+    // Stores all and starts nothing. `seconds` is the interval of start(): 0, a negative number or
+    // NaN counts as 0.1 ms, infinite never fires. `target` (not retained) receives `action`, whose
+    // sender is this timer; nothing happens when the target is gone or does not respond.
     // `userInfo` is the caller's and comes back through userInfo().
     QkTimer(double seconds, Anchored* target, Action action, void* userInfo,
             bool repeats = true) noexcept;
@@ -68,16 +68,20 @@ public:
 
     // Schedules the timer on the thread's current run loop, the first tick one interval from now. A
     // running timer ignores this: it is neither restarted nor given the new interval. The interval
-    // of start() stays what it was. When the loop cannot take the timer (no memory, no clock) it
-    // stays idle, as isValid() tells.
+    // of start() stays what it was. When the loop cannot take the timer (no memory, no clock) the
+    // timer stays idle, as isValid() tells.
+    //
+    // A timer does not fire while its own action runs, not even in a nested loop there. But one
+    // that the action stops and starts again is newly scheduled, and does fire in a nested loop
+    // that follows: such an action must expect to be called again before it has returned.
     void startWithTimeInterval(double seconds) noexcept;
 
     // Both make the timer idle; it can be started again.
     void stop() noexcept;
     void invalidate() noexcept;
 
-    // Sends the action now, if the timer runs. A repeating timer keeps its beat, any other is idle
-    // before the action is sent.
+    // Sends the action now, if the timer runs. A repeating timer keeps its schedule, any other is
+    // idle before the action is sent.
     void fire();
 
     // Both tell whether the timer runs. False before the first start, and inside the action of a

@@ -69,6 +69,25 @@ TEST_F(QkTimerTest, ATimerThatFiresOnceIsIdleInItsActionAndMayStartAgainThere) {
     EXPECT_EQ(meter.ticks, "---");
 }
 
+TEST_F(QkTimerTest, InANestedLoopItsOwnActionHoldsItBackUntilItIsStartedAgain) {
+    Meter meter(0.1);
+    meter.timer->start();
+    bool isRestarting = false;
+    meter.then = [&] {
+        if (loop.depth() > 1) return;
+        if (isRestarting) {
+            meter.timer->stop();
+            meter.timer->start();
+        }
+        loop.advance(0.15);
+    };
+    loop.advance(0.1);
+    EXPECT_EQ(meter.ticks, "v");
+    isRestarting = true;
+    loop.advance(0.1);
+    EXPECT_EQ(meter.ticks, "vvv");
+}
+
 TEST_F(QkTimerTest, ItsActionMayDeleteTheTimerOrTheTarget) {
     for (const bool repeats : {true, false}) {
         for (const bool byHand : {true, false}) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/guarded_allocator.h"
 
-#include "veltra/memory/detail/outstanding_blocks.h"
-
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -15,7 +13,8 @@ namespace {
 
 constexpr std::string_view kOutOfMemory = "Fatal error: out of memory\n";
 
-// Plain words by contract: relaxed loads and stores, which may lose an update but never tear.
+// Plain words by contract: relaxed loads and stores, which may lose an update but never tear. Only
+// the policy has an order, so that its handler is there when it is in force.
 constexpr auto kPlain = std::memory_order_relaxed;
 constinit std::atomic<bool> isInitialised{false};
 constinit std::atomic<std::int32_t> blockCount{0};
@@ -33,7 +32,7 @@ void count(std::int32_t change) noexcept {
 
 // Whether to ask the heap again.
 bool shouldRetry() noexcept {
-    int action = failureAction.load(kPlain);
+    int action = failureAction.load(std::memory_order_acquire);  // with Mem_SetException()
     while (action == kMemExceptionCall)
         action = failureHandler.load(kPlain)();
     switch (action) {
@@ -79,10 +78,6 @@ void giveBack(void* block) noexcept {
 
 }  // namespace
 
-std::int32_t outstandingBlocks() noexcept {
-    return blockCount.load(kPlain);
-}
-
 extern "C" {
 
 int Mem_InitModule() noexcept {
@@ -98,8 +93,14 @@ void Mem_TermModule() noexcept {
 }
 
 void Mem_SetException(int action, MemExceptionHandler handler) noexcept {
-    failureAction.store(action, kPlain);
-    failureHandler.store(action == kMemExceptionCall ? handler : nullptr, kPlain);
+    // The handler first, and one that is no longer called stays: a thread whose allocation fails at
+    // this moment finds one. Release: with shouldRetry().
+    if (action == kMemExceptionCall) failureHandler.store(handler, kPlain);
+    failureAction.store(action, std::memory_order_release);
+}
+
+int32_t Mem_outstandingBlocks() noexcept {
+    return blockCount.load(kPlain);
 }
 
 void* Mem_malloc(uint32_t size) noexcept {

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/guarded_allocator.h"
 
-#include "veltra/memory/detail/outstanding_blocks.h"
 #include "veltra/memory/testing/limited_heap.h"
 
+#include <atomic>
 #include <csignal>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/time.h>
@@ -23,25 +24,25 @@ TEST(GuardedAllocator, CountsWhatItHandsOutAndGetsBack) {
                              Mem_realloc(nullptr, 0), static_cast<void*>(Mem_strdup(nullptr))})
         EXPECT_EQ(none, nullptr);
     Mem_free(nullptr);
-    EXPECT_EQ(outstandingBlocks(), 0);
+    EXPECT_EQ(Mem_outstandingBlocks(), 0);
     void* block = Mem_realloc(Mem_calloc(2, 3), 9);
     char* copy = Mem_strdup("text");
     EXPECT_EQ(std::string(static_cast<char*>(block), 6) + copy, std::string(6, '\0') + "text");
     Mem_InitModule();  // once is enough
-    EXPECT_EQ(outstandingBlocks(), 2);
+    EXPECT_EQ(Mem_outstandingBlocks(), 2);
     EXPECT_EQ(Mem_realloc(block, 0), nullptr);
     Mem_TermModule();
-    EXPECT_EQ(outstandingBlocks(), 1);
+    EXPECT_EQ(Mem_outstandingBlocks(), 1);
     Mem_InitModule();
     Mem_free(copy);
-    EXPECT_EQ(outstandingBlocks(), -1);
+    EXPECT_EQ(Mem_outstandingBlocks(), -1);
 }
 
 int calls = 0;
 
 TEST(GuardedAllocator, DoesWhatTheHandlerSaysUntilItSaysOtherwise) {
     void* block = Mem_malloc(10);
-    const int before = outstandingBlocks();
+    const int before = Mem_outstandingBlocks();
     LimitedHeap::reset();
     LimitedHeap::available = 0;
     // Call again, retry, call again, give up: three calls and two requests each.
@@ -59,8 +60,26 @@ TEST(GuardedAllocator, DoesWhatTheHandlerSaysUntilItSaysOtherwise) {
                      [] { return LimitedHeap::available = 1, 4; });  // makes room
     block = Mem_realloc(block, testing::kMiB);
     EXPECT_NE(block, nullptr);
-    EXPECT_EQ(outstandingBlocks(), before);
+    EXPECT_EQ(Mem_outstandingBlocks(), before);
     Mem_free(block);
+    LimitedHeap::reset();
+}
+
+TEST(GuardedAllocator, NeverCallsAHandlerThatIsNotThereYet) {
+    Mem_SetException(kMemExceptionNull, nullptr);
+    LimitedHeap::reset();
+    LimitedHeap::available = 0;
+    std::atomic<bool> isOver{false};
+    std::thread failing([&] {
+        for (int round = 0; round < 2'000'000; ++round)
+            EXPECT_EQ(Mem_malloc(testing::kMiB), nullptr);
+        isOver = true;
+    });
+    while (!isOver) {
+        Mem_SetException(kMemExceptionCall, [] { return int{kMemExceptionNull}; });
+        Mem_SetException(kMemExceptionNull, nullptr);
+    }
+    failing.join();
     LimitedHeap::reset();
 }
 

@@ -7,6 +7,7 @@
 #include "veltra/memory/detail/leak_guard_zone.h"
 #include "veltra/memory/detail/zone_notice.h"
 #include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/symbol_names.h"
 #include "veltra/platform/zone_code.h"
 
 #include <algorithm>
@@ -16,6 +17,8 @@
 #include <span>
 
 namespace veltra {
+
+using detail::Unrecorded;
 
 // A scope on the heap knows its function as well: its address alone may have been taken again.
 struct HeapLeakGuard : QKLeakGuard {
@@ -27,21 +30,13 @@ struct HeapLeakGuard : QKLeakGuard {
 
 namespace {
 
-LeakGuardPreferences& preferences() noexcept {
-    static Immortal<LeakGuardPreferences> instance;
+detail::LeakGuardPreferences& preferences() noexcept {
+    static Immortal<detail::LeakGuardPreferences> instance;
     return *instance;
 }
 
-// At first use: reads the preferences and, if they say so, puts the guard to work.
 bool isEnabled() noexcept {
-    static const bool enabled = [] {
-        preferences().load();
-        if (!preferences().isEnabled()) return false;
-        noticeUncoveredZone();
-        wrapZoneForLeakGuard();
-        return true;
-    }();
-    return enabled;
+    return detail::leakGuardInForce() != nullptr;
 }
 
 bool isWanted(const VLString* group, const VLString* key) noexcept {
@@ -57,12 +52,12 @@ bool isWanted(const VLString* group, const VLString* key) noexcept {
 FrameIdentity openScope(const VLString* group, const VLString* key, int up) noexcept {
     if (!isEnabled() || !isWanted(group, key)) return {};
     const FrameIdentity frame = callerFrame(up);
-    if (frame.cfa == 0 || !openLeakScope(frame)) return {};
+    if (frame.cfa == 0 || !detail::openLeakScope(frame)) return {};
     return frame;
 }
 
 void closeScope(const FrameIdentity& frame) noexcept {
-    if (frame.cfa != 0) closeLeakScope(frame);
+    if (frame.cfa != 0) detail::closeLeakScope(frame);
 }
 
 QKLeakGuard* newHeapGuard(const FrameIdentity& frame) noexcept {
@@ -77,7 +72,7 @@ void printStack(std::span<const std::uintptr_t> addresses) noexcept {
         std::printf("LLD:         0x%08lx ???\n", static_cast<unsigned long>(address));
 }
 
-void print(const LeakRecord& leak) noexcept {
+void print(const detail::LeakRecord& leak) noexcept {
     std::printf("LLD: %li bytes on address 0x%08lx:\n", static_cast<long>(leak.size),
                 reinterpret_cast<unsigned long>(leak.block));
     printStack(leak.returnAddresses);
@@ -90,11 +85,11 @@ long resetHistory(bool isPrinted) noexcept {
     const std::uint64_t limit = preferences().printLimit();
     std::uint64_t total = 0;
     std::uint64_t count = 0;
-    for (LeakRecord* leak = takeLeakRecords(); leak != nullptr; ++count) {
+    for (detail::LeakRecord* leak = detail::takeLeakRecords(); leak != nullptr; ++count) {
         total += leak->size;
         if (isPrinted && (limit == 0 || count < limit)) print(*leak);
-        LeakRecord* const next = leak->next;
-        freeLeakRecord(leak);
+        detail::LeakRecord* const next = leak->next;
+        detail::freeLeakRecord(leak);
         leak = next;
     }
     const long bytes = static_cast<long>(std::min<std::uint64_t>(total, LONG_MAX));
@@ -113,6 +108,18 @@ void overridePreference(const VLString* group, const VLString* key, unsigned int
 }
 
 }  // namespace
+
+detail::LeakGuardPreferences* detail::leakGuardInForce() noexcept {
+    static const bool isEnabled = [] {
+        preferences().load();
+        if (!preferences().isEnabled()) return false;
+        prepareSymbolNames();
+        noticeUncoveredZone();
+        wrapZoneForLeakGuard();
+        return true;
+    }();
+    return isEnabled ? &preferences() : nullptr;
+}
 
 [[gnu::noinline]] VELTRA_ZONE_CODE QKLeakGuard::QKLeakGuard(const VLString* group,
                                                             const VLString* key,

@@ -3,7 +3,8 @@
 //
 // A scope is opened by a function. What is allocated while that function is on the calling stack,
 // by itself or by whatever it calls, is recorded with its size and the addresses of its callers,
-// until it is freed. A report names what is left.
+// until it is freed. A report tells what is left: here in lines of fixed form, with addresses; in
+// leak_report.h with names, and as a statement of a test.
 //
 //     void Song::load() {
 //         QKLeakGuard guard;                  // until load() returns
@@ -13,22 +14,31 @@
 //
 // The guard is a tool for debugging. It is off unless the application's preference LeakGuardEnabled
 // is true when the guard is first used. Then every block of the process is 88 bytes larger, from
-// that moment on until the process ends; allocations under a scope cost a walk up the stack. For a
-// guard that sees allocations at all, the executable must link the library
-// (veltra/platform/allocation_zone.h); a warning in the log tells when none reach it.
+// that moment on until the process ends; allocations under a scope cost a walk up the stack. To see
+// allocations at all, the executable must link the library (veltra/platform/allocation_zone.h); a
+// warning in the log tells which ones do not reach the guard.
+//
+// The addresses mean something while the process lives. With its number PID,
+//     eu-addr2line -p PID -f -C -i ADDRESS
+// names the function and line of each.
 //
 // Whether a scope with a group and a key is guarded is up to the user: the preference LeakGuard is
 // a dictionary of groups, each a dictionary of keys, and a number other than 0 says yes. A scope
 // with neither is always guarded, one with only one of them deliberately never: half a name is a
-// mistake of the caller's that must not flood the report.
+// mistake of the caller's that must not flood the report. A text counts as far as it begins with a
+// number.
 //
 // Scopes nest, also by recursion. A scope belongs to the function as the compiler built it: when
 // that was inlined into its caller, to the caller. Allocations on other threads' stacks are not
 // recorded. A block that is reallocated outside every scope is recorded no more.
+//
+// The mark by which a block is known to be recorded lies in its last bytes. Code that fills a block
+// up to what malloc_usable_size() says writes over it, and the block is reported as a leak though
+// it was freed.
 #pragma once
 
 #include "veltra/base/string_object.h"
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stdint.h>
@@ -51,7 +61,7 @@ public:
     // Thread: any but audio, also another one. Realtime-safe: no.
     ~QKLeakGuard();
 
-    // Forgets all blocks on record and answers how many bytes they were; 0 when the guard is off.
+    // Forgets all blocks on record and returns how many bytes they were; 0 when the guard is off.
     // With `print` the report goes to standard output: a line and 16 return addresses for each
     // block, the newest first, as many as the preference LeakGuardPrintLimit says (0: all), and the
     // sum of all.
@@ -94,7 +104,7 @@ VELTRA_EXPORT QKLeakGuard* QKOpenLeakGuardScope(void) VELTRA_NOEXCEPT;
 VELTRA_EXPORT QKLeakGuard* QKOpenLeakGuardScopeWithGroupAndKey(const VLString* group,
                                                                const VLString* key) VELTRA_NOEXCEPT;
 
-// Closes and frees what one of the two functions above answered. Does nothing for null.
+// Closes and frees what one of the two functions above returned. Does nothing for null.
 // Thread: any but audio, also another one. Realtime-safe: no.
 VELTRA_EXPORT void QKCloseLeakGuardScope(QKLeakGuard* scope) VELTRA_NOEXCEPT;
 

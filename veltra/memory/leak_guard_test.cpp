@@ -2,9 +2,11 @@
 // The guard on a table of its own, so that these tests run under every sanitizer.
 #include "veltra/memory/leak_guard.h"
 
-#include "veltra/memory/detail/leak_guard_history.h"
+#include "veltra/memory/detail/leak_groups.h"
+#include "veltra/memory/leak_report.h"
 #include "veltra/memory/testing/arena_heap.h"
 #include "veltra/memory/testing/leak_guard_host.h"
+#include "veltra/platform/symbol_names.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -14,6 +16,9 @@
 
 namespace veltra {
 namespace {
+
+using detail::LeakRecord;
+using detail::LeakTail;
 
 // A heap that counts what is out, and refuses one request when it is told to.
 std::atomic<long> live{0};
@@ -114,6 +119,92 @@ TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
     });
 }
 
+[[gnu::noinline]] void leakOften(int times) {
+    const QKLeakGuard guard;
+    while (times-- > 0)
+        (void)take(50);
+}
+
+void keepText(void* context, const QKLeak* leak) {
+    EXPECT_GT(leak->addressCount, 2);
+    static_cast<std::vector<std::string>*>(context)->push_back(leak->text);
+    give(take(1));  // a visitor may allocate
+}
+
+// What the guard says of leaks at two places: one block of 100 bytes, ten of 50, in this order.
+std::vector<std::string> leaksAtTwoPlaces() {
+    (void)takeInScope(100);
+    leakOften(10);
+    std::vector<std::string> texts;
+    EXPECT_EQ(QKLeakGuardVisitLeaks(keepText, &texts), 600);
+    EXPECT_EQ(leaking(), 0);
+    return texts;
+}
+
+TEST(LeakReport, GroupsEqualStacksAndNamesThem) {
+    prepareSymbolNames();  // here: what follows is in a child
+    guarded([](auto&) {
+        const auto texts = leaksAtTwoPlaces();
+        ASSERT_EQ(texts.size(), 2U);
+        EXPECT_EQ(texts[0].find("500 bytes in 10 blocks\n    "), 0U) << texts[0];
+        EXPECT_EQ(texts[1].find("100 bytes in 1 block\n    "), 0U) << texts[1];
+#ifdef VELTRA_BACKTRACE
+        EXPECT_NE(texts[0].find("::leakOften(int)  "), std::string::npos) << texts[0];
+        EXPECT_NE(texts[1].find("::takeInScope("), std::string::npos) << texts[1];
+        EXPECT_NE(texts[1].find("leak_guard_test.cpp:"), std::string::npos) << texts[1];
+#endif
+        EXPECT_EQ(QKLeakGuardVisitLeaks(nullptr, nullptr), 0);
+        EXPECT_EQ(printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), 0); }), "no leaks\n");
+        EXPECT_LE(live, 12);  // the blocks and an array: records are gone
+    });
+}
+
+TEST(LeakReport, PrintsTheLargestUpToTheLimitAndTheSum) {
+    guarded([](auto& preferences) {
+        preferences.stored =
+            PropertyValue::Dictionary{{"LeakGuardEnabled", true}, {"LeakGuardPrintLimit", " 1 of"}};
+        (void)takeInScope(1);
+        leakOften(3);
+        const std::string text = printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), 151); });
+        EXPECT_EQ(text.find("leak: 150 bytes in 3 blocks\n"), 0U) << text;
+        EXPECT_EQ(text.find("1 byte in"), std::string::npos) << text;
+        EXPECT_TRUE(text.ends_with("\n2 leaks, 151 bytes in 4 blocks\n")) << text;
+    });
+}
+
+TEST(LeakReport, DoesNotCallWhatItCannotSeeClean) {
+    guarded([](auto& preferences) {
+        preferences.stored = PropertyValue();
+        EXPECT_EQ(QKLeakGuardVisitLeaks(nullptr, nullptr), -1);
+        EXPECT_EQ(printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), -1); }), "");
+    });
+    guarded([](auto&) {
+        AllocationZone::install(nullptr);  // the process's, through which nothing passes here
+        EXPECT_EQ(QKLeakGuardVisitLeaks(nullptr, nullptr), -1);
+    });
+}
+
+TEST(LeakGroups, AreSortedBySizeThenByAge) {
+    static std::size_t disposed;
+    disposed = 0;
+    std::array<detail::LeakRecord, 1000> records;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        records[i].next = i + 1 < records.size() ? &records[i + 1] : nullptr;
+        records[i].size = 1;
+        records[i].returnAddresses[3] = 1 + i * i % 7;  // 0, 1, 2 and 4: 1/7 or 2/7 of all
+    }
+    const detail::LeakRecord* group =
+        detail::groupByStack(records.data(), [](detail::LeakRecord*) noexcept { ++disposed; });
+    std::vector<std::size_t> sizes;
+    for (; group != nullptr; group = group->next) {
+        EXPECT_EQ(group->blocks, group->size);
+        sizes.push_back(group->size);
+    }
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{286, 286, 285, 143}));
+    EXPECT_EQ(disposed, 996U);
+    EXPECT_EQ(detail::groupByStack(nullptr, nullptr), nullptr);
+}
+
 TEST(LeakGuard, PrintsTheNewestLeaksUpToTheLimit) {
     guarded([](auto& preferences) {
         preferences.stored =
@@ -190,8 +281,12 @@ TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
 TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
     guarded([](auto& preferences) {
         preferences.stored = preferences.stored.settingValueAtPath(
-            {"LeakGuard", "song"},
-            PropertyValue::Dictionary{{"on", 2}, {"off", 0}, {"text", "1"}, {"bad", "x"}});
+            {"LeakGuard", "song"}, PropertyValue::Dictionary{{"on", 2},
+                                                             {"off", 0},
+                                                             {"text", "1"},
+                                                             {"bad", "x"},
+                                                             {"blanks", " \t+7x"},
+                                                             {"less", "-2"}});
         const auto isGuarded = [](const char* group, const char* key) {
             const VLString* const groupText = VLStringCreateWithCString(group);
             const VLString* const keyText = VLStringCreateWithCString(key);
@@ -207,9 +302,10 @@ TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
         constexpr struct {
             const char *group, *key;
             bool expected;
-        } kCases[] = {{"song", "on", true},   {"song", "off", false},  {"song", "?", false},
-                      {"song", "bad", false}, {"?", "on", false},      {"song", nullptr, false},
-                      {nullptr, "on", false}, {nullptr, nullptr, true}};
+        } kCases[] = {{"song", "on", true},   {"song", "off", false},   {"song", "?", false},
+                      {"song", "bad", false}, {"?", "on", false},       {"song", nullptr, false},
+                      {nullptr, "on", false}, {nullptr, nullptr, true}, {"song", "blanks", true},
+                      {"song", "less", true}};
         for (const auto& one : kCases)
             EXPECT_EQ(isGuarded(one.group, one.key), one.expected);
 
@@ -217,8 +313,10 @@ TEST(LeakGuard, FollowsThePreferencesOfGroupAndKey) {
         EXPECT_TRUE(isGuarded("song", "text"));
         EXPECT_EQ(preferences.synchronised, 1);
         const PropertyValue song = preferences.stored.valueAtPath({"LeakGuard", "song"});
-        EXPECT_EQ(song, PropertyValue(PropertyValue::Dictionary{
-                            {"on", 2}, {"off", 0}, {"text", 1}, {"bad", 0}}));
+        EXPECT_EQ(
+            song,
+            PropertyValue(PropertyValue::Dictionary{
+                {"on", 2}, {"off", 0}, {"text", 1}, {"bad", 0}, {"blanks", 7}, {"less", -2}}));
 
         const VLString* const group = VLStringCreateWithCString("song");
         const VLString* const on = VLStringCreateWithCString("on");
@@ -339,6 +437,7 @@ TEST(LeakGuard, EveryFailureOfTheHeapLeavesItWhole) {
 TEST(LeakGuard, StaysWholeAmongThreadsAndForks) {
     static AllocationZone arena{testing::kArenaHeap};
     testing::guarded(&arena, [](auto&) {
+        { const QKLeakGuard first; }  // wraps the entries
         testing::allocateAmongThreadsAndForks(arena.entries());
         EXPECT_LE(testing::ArenaHeap::live, 2);  // the arrays of buckets and of scopes
     });

@@ -3,13 +3,16 @@
 
 #include "veltra/base/object_file.h"
 #include "veltra/base/string_object_text.h"
+#include "veltra/diagnostics/log_text.h"
 #include "veltra/memory/detail/probe.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/notification_center.h"
 #include "veltra/platform/preferences.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -17,6 +20,8 @@
 namespace veltra {
 
 namespace {
+
+using detail::canAllocate;
 
 constexpr std::int64_t kDefaultThreshold = 104'857'600;
 constexpr int kReserveGone = 10;
@@ -69,8 +74,18 @@ private:
     const bool m_isHeld;
 };
 
-std::uint32_t preference(std::string_view key, std::int64_t fallback) noexcept {
-    return static_cast<std::uint32_t>(Preferences::current().value(key).asInteger(fallback));
+std::uint32_t preference(const char* key, std::int64_t fallback) noexcept {
+    const std::int64_t wanted = Preferences::current().value(key).asInteger(fallback);
+    const auto size = static_cast<std::uint32_t>(wanted);
+    if (size == wanted) return size;
+    constexpr std::uint32_t kWarningLevel = 4;
+    std::array<char, kUsualMessage> text{};
+    std::snprintf(text.data(), text.size(),
+                  "the preference %s, %lld bytes, does not fit 32 bits and counts as %lu", key,
+                  static_cast<long long>(wanted), static_cast<unsigned long>(size));
+    logMessage(kWarningLevel, wantedBanner(), "LowMemoryNotificationCenter",
+               std::string_view(text.data()));
+    return size;
 }
 
 unsigned long probeSize(unsigned long size) noexcept {

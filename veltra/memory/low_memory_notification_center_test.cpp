@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/low_memory_notification_center.h"
 
+#include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/memory/testing/limited_heap.h"
 #include "veltra/platform/notification_center.h"
@@ -101,6 +102,29 @@ unsigned long checkAgain(void*, std::uint8_t, unsigned long size) {
 int resultOfPost(unsigned long size) {
     Center::PostLMNotification(0, 0, size, true);
     return result;
+}
+
+TEST_F(LowMemoryCenter, NeverGivesUpTheReserveWhereSomebodyElseCanBeAsked) {
+    Center::InitializeLMNotificationCenter();
+    Center::EnterCriticalOperation();
+    LimitedHeap::available = 10;
+    EXPECT_EQ(Center::CheckPoint(kReserve), 1);
+    EXPECT_EQ(LimitedHeap::available, 10);
+    EXPECT_TRUE(Center::LeaveCriticalOperation());
+}
+
+TEST_F(LowMemoryCenter, SaysInTheLogWhenASizeDoesNotFit) {
+    LogWorld world;
+    prefer(std::int64_t{1} << 32);
+    EXPECT_EQ(Center::InitializeLMNotificationCenter(), 0);
+    EXPECT_EQ(world.message(),
+              "the preference LowMemoryReserve, 4294967296 bytes, does not fit 32 bits and counts "
+              "as 0");
+    world.forget();
+    prefer(-1);
+    LimitedHeap::available = 0;
+    EXPECT_EQ(Center::InitializeLMNotificationCenter(), 0);
+    EXPECT_NE(world.message().find("-1 bytes"), std::string::npos);
 }
 
 TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationAndNeverLosesIt) {

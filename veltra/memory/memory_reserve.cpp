@@ -25,9 +25,12 @@
 
 namespace veltra {
 
-constinit ReserveMode reserveMode = ReserveMode::Marquee;
+constinit detail::ReserveMode detail::reserveMode = detail::ReserveMode::Marquee;
 
 namespace {
+
+using detail::ReserveMode;
+using detail::reserveMode;
 
 constexpr std::int64_t kMebibyte = 1'048'576;
 
@@ -64,7 +67,7 @@ struct State {
     std::atomic<void*> context{nullptr};
 
     AdaptiveLock lock;
-    ReserveBlocks blocks;
+    detail::ReserveBlocks blocks;
 
     // Of the thread that enters and exits.
     std::int32_t entryCount = 0;
@@ -108,6 +111,7 @@ bool takeMainReserve(const ZoneEntries& zone) noexcept {
 enum class Room { AsItWas, Made, MadeByAnother };
 
 [[gnu::noinline, gnu::cold]] Room makeRoom(std::size_t size, std::uint32_t seenReleases) noexcept {
+    if (errno != ENOMEM) return Room::AsItWas;  // refused for another reason than a shortage
     {
         const std::lock_guard guard(state.lock);
         if (state.releases.load(kPlain) != seenReleases) return Room::MadeByAnother;
@@ -157,9 +161,13 @@ VELTRA_ZONE_CODE void* reserveAllocate(std::size_t size) noexcept {
 }
 
 VELTRA_ZONE_CODE void* reserveAllocateZeroed(std::size_t count, std::size_t size) noexcept {
-    return takeOrMakeRoom(count * size, [count, size] {
-        return state.saved.allocateZeroed.load(kPlain)(count, size);
-    });
+    std::size_t total = 0;
+    if (__builtin_mul_overflow(count, size, &total)) {  // no release makes room for that
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return takeOrMakeRoom(
+        total, [count, size] { return state.saved.allocateZeroed.load(kPlain)(count, size); });
 }
 
 VELTRA_ZONE_CODE void* reserveAllocateAligned(std::size_t alignment, std::size_t size) noexcept {
@@ -251,12 +259,16 @@ void start(QKMemoryReserveCallback callback, void* context) noexcept {
             state.bytesSinceRelease.store(0, kPlain);
             state.isTracking.store(false, kPlain);
         }
-        if (takeMainReserve(entries))
-            state.blocks.takeFinal(entries, sizeOption(kMemoryReserveFinalBlockSize));
+        takeMainReserve(entries);
     }
     writeLine(isSplit ? "QKMemReserve: allocating in Marquee mode\n"
                       : "QKMemReserve: allocating in Corvid mode\n");
-    noticeUncoveredZone();
+    {
+        const std::lock_guard guard(state.lock);
+        if (state.blocks.hasMain())
+            state.blocks.takeFinal(entries, sizeOption(kMemoryReserveFinalBlockSize));
+    }
+    detail::noticeUncoveredZone();
     saveEntries(entries);
     state.context.store(context, kPlain);
     state.callback.store(callback, std::memory_order_release);  // with tellHost()
@@ -314,7 +326,8 @@ int QKMemoryReserveDidProbingFail(int reset) noexcept {
 
 int QKMemoryReserveTestAvailableMemory(size_t totalBytes, size_t minimumFragmentBytes) noexcept {
     if (!state.blocks.hasFinal()) return 1;
-    if (isAvailableInFragments(state.saved.entries(), totalBytes, minimumFragmentBytes)) return 1;
+    if (detail::isAvailableInFragments(state.saved.entries(), totalBytes, minimumFragmentBytes))
+        return 1;
     state.probeFailures.fetch_add(1, kPlain);
     return 0;
 }

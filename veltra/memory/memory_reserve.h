@@ -1,25 +1,28 @@
 // SPDX-License-Identifier: MIT
 // A cushion below malloc, for a host that must keep running when memory is out.
 //
-// While the reserve is entered the process's allocation zone is wrapped: an allocation that fails
-// makes the reserve give up memory that it holds, first the main reserve, then a final block, and
-// is tried once more. The host is told by a callback and by the low-memory level. When enough has
-// been freed the main reserve is taken again. Growing a block in place (realloc) releases nothing.
+// While the reserve is entered, it stands in front of the process's allocations. When one fails for
+// want of memory, the reserve frees memory that it holds, first the main reserve, then a final
+// block, and the allocation is tried once more. The host is told by a callback and by the
+// low-memory level. When enough has been freed, the main reserve is taken again. A realloc that
+// fails frees nothing of the reserve; neither does a request that no heap can serve (a product that
+// overflows, an alignment that is refused).
 //
 // The options come from the preference "MemoryReserve", a dictionary, read at the first Enter. Each
-// start and each taking of the reserve writes a line to standard error. Where the process's
-// allocations do not pass through the zone (see allocation_zone.h) the reserve has no effect, which
-// the first Enter says in the log.
+// start and each taking of the reserve writes a line to standard error. Where not every allocation
+// of the process passes through the zone (see allocation_zone.h), the first Enter says in the log
+// which ones the reserve cannot help.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 
 VELTRA_C_BEGIN
 
-// Called at every change of the level, in the middle of the allocation or deallocation that caused
-// it, on that thread and without a lock; the level is set before. Should not allocate much itself.
+// Called at every change of the level, in the middle of the malloc or free that caused it, on that
+// thread, which may be any. No lock is held, and the level is set before. It should not allocate
+// much itself.
 typedef void (*QKMemoryReserveCallback)(void* context);
 
 // Indexes of the options, with their preference keys and defaults; sizes in MiB.
@@ -42,15 +45,16 @@ VELTRA_EXPORT void QKMemoryReserveSetOption(int index, long value) VELTRA_NOEXCE
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT long QKMemoryReserveGetOption(int index) VELTRA_NOEXCEPT;
 
-// Takes the reserve and wraps the zone, at the outermost Enter; a reserve that is not to be had
-// leaves the zone wrapped with nothing to release. `callback` may be null; `context` is passed to
-// it. Always answers a block of 50 bytes, all 0, which the caller frees; null when memory is out.
+// The outermost Enter takes the reserve and puts it in front of the process's allocations. When
+// there is no memory for the reserve, it stands there with nothing to give. `callback` may be null;
+// `context` is passed to it. Returns a block of 50 bytes, all 0, which the caller frees; null when
+// memory is out.
 // Thread: main, while no other thread allocates much. Realtime-safe: no.
 VELTRA_EXPORT void* QKMemoryReserveEnter(QKMemoryReserveCallback callback,
                                          void* context) VELTRA_NOEXCEPT;
 
-// The outermost Exit unwraps the zone and gives all back. Level and counters deliberately stay:
-// the host may ask afterwards how it went.
+// The outermost Exit goes out of the way of the allocations and frees all that is held. Level and
+// counters deliberately stay: the host may ask afterwards how it went.
 // Thread: main, while no other thread allocates much. Realtime-safe: no.
 VELTRA_EXPORT void QKMemoryReserveExit(void) VELTRA_NOEXCEPT;
 
@@ -68,14 +72,15 @@ VELTRA_EXPORT int QKMemoryReserveDidLowMemoryLevelChange(int reset) VELTRA_NOEXC
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT int QKMemoryReserveDidProbingFail(int reset) VELTRA_NOEXCEPT;
 
-// Whether `totalBytes` are to be had, in equal fragments of at least `minimumFragmentBytes`: 1, 2,
-// 4 and so on, at most 32 sizes. Allocates and frees them, without costing the reserve. Always 1
-// while the final block is absent.
+// Returns 1 when `totalBytes` can be allocated in equal fragments of at least
+// `minimumFragmentBytes`, else 0. Tries one fragment, then 2, 4 and so on, at most 32 times.
+// Allocates and frees them without costing the reserve. Always 1 while there is no final block.
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT int QKMemoryReserveTestAvailableMemory(size_t totalBytes,
                                                      size_t minimumFragmentBytes) VELTRA_NOEXCEPT;
 
-// Asks for the main reserve to be taken again at the next deallocation, however little was freed.
+// Asks for the main reserve to be taken again at the next free, however little that gives back. The
+// thread of that free then takes it: hundreds of megabytes, and a line on standard error.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT void QKMemoryReserveTryReserveReallocation(void) VELTRA_NOEXCEPT;
 

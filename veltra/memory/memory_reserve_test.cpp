@@ -4,6 +4,7 @@
 
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/memory/detail/reserve_mode.h"
+#include "veltra/memory/detail/zone_notice.h"
 #include "veltra/memory/testing/arena_heap.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/memory/testing/limited_heap.h"
@@ -18,6 +19,8 @@
 namespace veltra {
 namespace {
 
+using detail::ReserveMode;
+using detail::reserveMode;
 using ::testing::ElementsAre;
 using testing::kMiB;
 using testing::LimitedHeap;
@@ -218,6 +221,75 @@ TEST_F(MemoryReserve, ThreadsThatFailTogetherCostOneReserveAndTheCallbackMayFail
             give(block);
         QKMemoryReserveExit();
     }
+}
+
+TEST_F(MemoryReserve, SurvivesRequestsThatNoHeapCanServe) {
+    enter();
+    errno = 0;
+    EXPECT_EQ(zone.allocateZeroed.load()(SIZE_MAX / 2 + 2, 2), nullptr);  // 2 in the host's width
+    EXPECT_EQ(errno, ENOMEM);
+    EXPECT_EQ(zone.allocateAligned.load()(SIZE_MAX / 2 + 2, 1), nullptr);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(levels, "");
+    EXPECT_EQ(LimitedHeap::available, 40);
+    QKMemoryReserveExit();
+}
+
+TEST_F(MemoryReserve, SaysThatItAllocatesBeforeItTakesTheFinalBlock) {
+    static const LogWorld* log;
+    static std::vector<std::size_t> linesAt;
+    log = &world;
+    zone.allocate = [](std::size_t size) noexcept {
+        linesAt.push_back(log->lines.size());
+        return testing::kLimitedHeap.allocate(size);
+    };
+    enter();
+    QKMemoryReserveExit();
+    EXPECT_THAT(linesAt, ElementsAre(1, 2));
+}
+
+// Fragments of less than a pointer are asked for as they are, unless they then hold no pointer.
+TEST_F(MemoryReserve, TestsForFragmentsOfAFewBytes) {
+    static std::size_t least, held;
+    zone.allocate = [](std::size_t size) noexcept {
+        least = std::min(least, size);
+        return size > 10 && size < kMiB ? nullptr : testing::kLimitedHeap.allocate(size);
+    };
+    zone.size = [](void*) noexcept { return held; };
+    enter();
+    for (const std::size_t holds : {16U, 3U}) {
+        held = holds;
+        least = SIZE_MAX;
+        EXPECT_EQ(QKMemoryReserveTestAvailableMemory(24, 3), 1);
+        EXPECT_EQ(least, 6U);
+        EXPECT_EQ(QKMemoryReserveTestAvailableMemory(12, 3), 1);
+        EXPECT_EQ(QKMemoryReserveTestAvailableMemory(14, 8), 0);
+    }
+    QKMemoryReserveExit();
+}
+
+TEST(ZoneNotice, NamesWhatIsNotSeenAndWhereItComesFrom) {
+    const std::string some =
+        "some allocations of this process do not pass through the framework's zone: ";
+    const struct {
+        unsigned coverage;
+        std::string text;
+    } kCases[] = {
+        {0,
+         "allocations of this process do not pass through the framework's zone (malloc is from m)"},
+        {5, some + "operator new (from n)"},
+        {3, some + "the C library's own"},
+        {4, some + "malloc (from m), operator new (from n)"},
+        {1, some + "operator new (from n), the C library's own"},
+    };
+    std::array<char, 200> text{};
+    for (const auto& one : kCases) {
+        detail::writeZoneNotice(text, one.coverage, "m", "n");
+        EXPECT_EQ(text.data(), one.text);
+    }
+    const std::string longName(3000, 'x');
+    detail::writeZoneNotice(text, 4, longName.c_str(), "n");
+    EXPECT_EQ(std::string(text.data()).size(), 199U);
 }
 
 TEST_F(MemoryReserve, TellsTheLogOnceThatNothingPassesThroughTheZone) {

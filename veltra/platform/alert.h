@@ -30,8 +30,8 @@ struct Alert {
     std::string_view alternateButton;  // not offered when empty
     std::string_view otherButton;      // not offered when empty
 
-    // How long the question may stand. Not above 0: nothing is shown, the answer is TimedOut. More
-    // than a day counts as a day: an alert that nobody sees must end by itself.
+    // How long the question may stand. 0 or negative: nothing is shown, the answer is TimedOut.
+    // More than a day counts as a day: an alert that nobody sees must end by itself.
     Nanoseconds timeout{};
 };
 

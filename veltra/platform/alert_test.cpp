@@ -41,6 +41,8 @@ TEST_F(AlertTest, InstalledPresenterGetsTheQuestionAndAnswersThatWereNotOfferedC
         EXPECT_EQ(seen->otherButton, each.other);
         EXPECT_EQ(seen->timeout, seconds(1.5));
     }
+    presentAlert({"h", "m", "", "", "", milliseconds(1500)});
+    EXPECT_EQ(seen->defaultButton, "OK");
 }
 
 }  // namespace

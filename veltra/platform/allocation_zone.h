@@ -3,16 +3,17 @@
 // back memory. A service that wants to see allocations puts a wrapper into an entry, keeps what it
 // found there, and calls that in turn; to leave, it puts back what it found.
 //
-// The shared library stands between the process and its allocator: malloc and its relatives are
-// exported from it and jump through the table of process(). That works in every thread, in
-// libraries loaded later and in forked children, as long as the executable itself links the
-// library; coverage() tells whether it does. Other builds have the table alone, and only who calls
-// its entries is seen.
+// The shared library stands between the process and its allocator: it exports malloc and its
+// relatives, which jump through the table of process(). That works in every thread, in libraries
+// loaded later and in forked children, as long as the executable itself links the library;
+// coverage() tells whether it does. In other builds there is only the table, and only callers of its
+// entries are seen. Nothing fails because of that: what is not seen goes to the allocator that the
+// process has anyway.
 //
 // Every entry is one atomic word. Entries are read with acquire order and changed with release
 // order, so that what a wrapper kept is seen by every thread that reaches the wrapper. The
-// allocator below never changes: a block may be given back through any state of the table, as long
-// as every wrapper answers the blocks of the entry that it wraps.
+// allocator below never changes: a block may be freed through any state of the table, as long as
+// every wrapper returns blocks of the entry that it wraps.
 #pragma once
 
 #include "veltra/base/installable.h"
@@ -84,10 +85,11 @@ public:
     // Thread: any. Realtime-safe: no.
     static unsigned coverage() noexcept;
 
-    // The file that the process's malloc comes from, for a message to people; "?" when nobody
-    // knows. Lives as long as that file is loaded.
+    // The files that the process's malloc and operator new come from, for a message to people; "?"
+    // when nobody knows. A name lives as long as its file is loaded.
     // Thread: any. Realtime-safe: no.
     static const char* mallocOrigin() noexcept;
+    static const char* operatorNewOrigin() noexcept;
 
     // The process's own zone.
     // Thread: any. Realtime-safe: yes.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The two clocks that the framework reads. Everything that tells or measures time asks here, so
-// that a host or a test can put a clock of its own in their place.
+// The two clocks that the framework reads. Everything that tells or measures time asks them, so
+// that a host or a test can install its own.
 #pragma once
 
 #include "veltra/base/installable.h"
@@ -50,7 +50,7 @@ class VELTRA_EXPORT Clocks : public Installable<const Clocks> {
 public:
     virtual ~Clocks();
 
-    // Never goes back, does not follow changes of the date.
+    // Never goes back, and ignores changes of the date.
     // Thread: any. Realtime-safe: yes, with the platform's own clocks.
     virtual ClockReading monotonic() const noexcept = 0;
 

@@ -34,9 +34,4 @@ void addForkHandler(const ForkHandler& handler) noexcept;
 // Thread: any. Realtime-safe: yes.
 bool isHeldByThisFork(const AdaptiveLock& lock) noexcept;
 
-// Counts the forks between the first process and this one, from 1: what was read under another
-// count belongs to an ancestor. 0 when the system takes no handlers; then nothing may be kept.
-// Thread: any. Realtime-safe: yes, after the first call in the process.
-std::uint32_t forkGeneration() noexcept;
-
 }  // namespace veltra

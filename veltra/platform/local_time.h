@@ -30,7 +30,7 @@ public:
     virtual ~LocalTime();
 
     // `moment` in the Gregorian calendar and the local zone; nothing when the system cannot tell.
-    // A change of the zone (the variable TZ, the system's setting) shows within a quarter of an
+    // A change of the variable TZ shows at once, one of the system's setting within a quarter of an
     // hour.
     // Thread: any. Realtime-safe: no (it asks the system once in a quarter of an hour, under the
     // C library's lock).

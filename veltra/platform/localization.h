@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The words that controls say to the user, in the user's language.
+// The words that controls show to the user, in the user's language.
 //
 //   class Catalogue final : public LocalizedStrings {
 //       std::string stringForKey(std::string_view key) const override { return translate(key); }
@@ -23,8 +23,8 @@ class VELTRA_EXPORT LocalizedStrings : public Installable<const LocalizedStrings
 public:
     virtual ~LocalizedStrings();
 
-    // The text, in UTF-8, for a key, which is the English text itself. Answer the key where there
-    // is no translation.
+    // The translation, in UTF-8, of a key, which is the English text itself; the key where there is
+    // no translation.
     // Thread: main. Realtime-safe: no.
     virtual std::string stringForKey(std::string_view key) const = 0;
 };

@@ -7,10 +7,13 @@
 
 #include "veltra/platform/alert.h"            // platformAlertPresenter()
 #include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
-#include "veltra/platform/clock.h"            // platformClocks()
+#include "veltra/platform/c_locale.h"
+#include "veltra/platform/clock.h"  // platformClocks()
+#include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
 #include "veltra/platform/local_time.h"       // platformLocalTime()
+#include "veltra/platform/memory_system.h"    // platformMemorySystem(), MemoryFactsReader
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/poll_run_loop.h"       // where the system has descriptors to wait on
 #include "veltra/platform/preferences.h"         // the two functions below
@@ -19,6 +22,7 @@
 #include "veltra/platform/run_loop.h"            // makePlatformRunLoop()
 #include "veltra/platform/stack_walk.h"
 #include "veltra/platform/standard_error.h"  // platformStandardError()
+#include "veltra/platform/symbol_names.h"
 #include "veltra/platform/system_log.h"      // platformSystemLog()
 #include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
@@ -38,6 +42,7 @@ const LocalTime& platformLocalTime() noexcept;
 const Process& platformProcess() noexcept;
 const TextServices& platformTextServices() noexcept;  // none/ has one without a converter
 AlertPresenter& platformAlertPresenter() noexcept;
+MemorySystem& platformMemorySystem() noexcept;
 Preferences& platformPreferences() noexcept;
 StandardError& platformStandardError() noexcept;
 SystemLog& platformSystemLog() noexcept;

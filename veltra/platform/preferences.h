@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the user decided about the current application, kept between launches: for the current
-// user, on any host. Reading is cheap and touches no file after the first time, so that a service
-// may ask while memory is short.
+// user, on any host. Reading is cheap and touches no file after the first time, so that it may be
+// done while memory is short.
 #pragma once
 
 #include "veltra/base/installable.h"
@@ -35,31 +35,30 @@ public:
     // Thread: any; may wait for a synchronise() in progress. Realtime-safe: no.
     virtual PropertyValue value(std::string_view key) const noexcept = 0;
 
-    // Seen by value() at once, by other processes and later launches after synchronise(). Null
+    // value() sees it at once; other processes and later launches see it after synchronise(). Null
     // removes the key. Ill-formed UTF-8 in keys is replaced as in PropertyValue. False when memory
     // is out: then nothing changed.
     // Thread: any. Realtime-safe: no.
     virtual bool setValue(std::string_view key, const PropertyValue& value) noexcept = 0;
 
-    // Writes the keys changed here into what is stored now, which another process may have changed
-    // meanwhile, and takes over what it wrote. With an error the stored preferences are as they
-    // were and the changes stay pending for the next call. No error: an object that tests false.
-    // Thread: any, not one that must not wait for a disk. Realtime-safe: no.
+    // Merges the keys changed here into what is stored now, which another process may have changed
+    // meanwhile, and reads the rest of it. After an error the stored preferences are as they were,
+    // and the changes wait for the next call. Without an error the result tests false.
+    // Thread: any that may wait for a disk. Realtime-safe: no.
     virtual std::error_code synchronise() noexcept = 0;
 
-    // Reads what is stored now; changes made here and not yet written stay in force. With an error
+    // Reads what is stored now; changes made here and not yet written stay in force. After an error
     // the values are as they were.
     // Thread: as synchronise(). Realtime-safe: no.
     virtual std::error_code reload() noexcept = 0;
 
-    // The damaged file found last, once; the framework's log belongs to the caller. Empty when
-    // there is none, which is also the default for preferences without a file.
-    // Thread: any. Realtime-safe: no.
+    // The damaged file that was found last, once; nothing otherwise, and by default. Reporting it
+    // is the caller's: this class writes no log. Thread: any. Realtime-safe: no.
     virtual std::optional<DamagedPreferences> takeDamageReport() noexcept;
 
-    // Whose preferences the platform's own are; without it the program's file name is used. To be
-    // called at start: false once they were used, or when `name` cannot be part of a file name
-    // (empty, over 200 bytes, a leading dot, a slash, control characters).
+    // Names the application whose preferences the platform's own are; by default the program's file
+    // name. Call it at start. False once they were used, or when `name` cannot be part of a file
+    // name (empty, over 200 bytes, a leading dot, a slash, control characters).
     // Thread: any. Realtime-safe: no.
     static bool setApplicationName(std::string_view name) noexcept;
 };

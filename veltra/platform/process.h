@@ -21,7 +21,7 @@ public:
     // Thread: any. Realtime-safe: yes.
     virtual std::string_view programName() const noexcept = 0;
 
-    // Read once and kept; a forked child reads its own.
+    // Read once and kept; a forked child reads its own, also one that no fork handler has seen.
     // Thread: any. Realtime-safe: no (the first call in a process enters the kernel).
     virtual std::int32_t processId() const noexcept = 0;
 

@@ -9,19 +9,30 @@ namespace veltra {
 
 namespace {
 
-// Relaxed throughout: a query is code, and publishes no data that came before it.
-constinit std::atomic<ProcessorFeatures::Query> s_installedQuery{nullptr};
+// Relaxed: a query is code, and publishes no data that came before it.
+constinit std::atomic<ProcessorFeatures::Query> installedQuery{nullptr};
+
+// Asked when the library is loaded. A constructor of another library that runs even earlier asks
+// for itself.
+constinit ProcessorFeatures featuresAtLoad{};
+constinit std::atomic<bool> areKnown{false};
+
+[[gnu::constructor(101)]] void askAtLoad() noexcept {
+    featuresAtLoad = platformProcessorFeatures();
+    areKnown.store(true, std::memory_order_release);  // with current()
+}
 
 }  // namespace
 
 ProcessorFeatures ProcessorFeatures::current() noexcept {
-    static const ProcessorFeatures platform = platformProcessorFeatures();
-    const Query installed = s_installedQuery.load(std::memory_order_relaxed);
-    return installed != nullptr ? installed() : platform;
+    const Query installed = installedQuery.load(std::memory_order_relaxed);
+    if (installed != nullptr) return installed();
+    const bool isLoaded = areKnown.load(std::memory_order_acquire);  // with askAtLoad()
+    return isLoaded ? featuresAtLoad : platformProcessorFeatures();
 }
 
 ProcessorFeatures::Query ProcessorFeatures::install(Query query) noexcept {
-    return s_installedQuery.exchange(query, std::memory_order_relaxed);
+    return installedQuery.exchange(query, std::memory_order_relaxed);
 }
 
 }  // namespace veltra

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the processor can do, for everything that comes in a variant per processor.
+// What the processor can do, for code that has a variant for each kind of processor.
 #pragma once
 
 #include "veltra/export.h"
@@ -42,15 +42,15 @@ struct VELTRA_EXPORT ProcessorFeatures {
     bool altivec = false;
     std::optional<std::uint32_t> processorVersion;  // upper half of the version register, if known
 
-    // What the query in force answers: the installed one, else the platform's own. The platform's
-    // own asks the processor once in the life of the process.
-    // Thread: any. Realtime-safe: yes, with the platform's own and after its first call.
+    // The answer of the query in force: the installed one, else the platform's own. The platform's
+    // own asks the processor when the library is loaded, and returns what it learned then.
+    // Thread: any. Realtime-safe: yes, unless a query is installed that is not.
     static ProcessorFeatures current() noexcept;
 
-    // Puts `query` in force; null goes back to the platform's own. Answers what was installed
-    // before, null for the platform's own. What was chosen by the earlier answers stays chosen:
-    // CDotAPI::Init and KernelFamily::useBest choose again. Kernels that the real processor
-    // cannot run crash, so features that it lacks are for tests of choices alone.
+    // Puts `query` in force; null goes back to the platform's own. Returns the query that was
+    // installed before, null for the platform's own. What was chosen by earlier answers stays
+    // chosen: CDotAPI::Init and KernelFamily::useBest choose again. Install features that the real
+    // processor lacks only to test the choice itself: a kernel that it cannot run crashes.
     // Thread: any. Realtime-safe: yes.
     static Query install(Query query) noexcept;
 };

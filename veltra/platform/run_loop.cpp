@@ -6,6 +6,7 @@
 #include "veltra/platform/port.h"
 #include "veltra/platform/thread_end.h"
 
+#include <algorithm>
 #include <new>
 
 namespace veltra {
@@ -26,8 +27,9 @@ void endOwnLoop() noexcept {
 
 RunLoop::~RunLoop() {
     if (setLoop == this) setLoop = nullptr;
-    for (const auto& [place, timer] : m_timers)
-        timer->m_loop = nullptr;
+    for (const Timers& timers : m_timers)
+        for (const auto& [place, timer] : timers)
+            timer->m_loop = nullptr;
 }
 
 RunLoop* RunLoop::current() noexcept {
@@ -52,7 +54,7 @@ std::shared_ptr<RunLoopTimer> RunLoop::schedule(const TimerRequest& request) noe
         timer = std::make_shared<RunLoopTimer>(RunLoopTimer::Making{}, request);
         timer->m_due = now.moment() + timer->m_interval;
         timer->m_serial = ++m_lastSerial;
-        m_timers.emplace(Place(timer->m_due, timer->m_serial), timer);
+        timersBeside(*timer).emplace(Place(timer->m_due, timer->m_serial), timer);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -61,18 +63,28 @@ std::shared_ptr<RunLoopTimer> RunLoop::schedule(const TimerRequest& request) noe
     return timer;
 }
 
-RunLoop::Timers::const_iterator RunLoop::firstRunnable() const noexcept {
-    auto at = m_timers.begin();
-    while (at != m_timers.end() &&
-           (at->second->m_isFiring || !at->second->m_modes.contains(m_mode)))
-        ++at;
-    return at != m_timers.end() && at->first.first == Moment::never() ? m_timers.end() : at;
+RunLoop::Timers& RunLoop::timersBeside(const RunLoopTimer& timer) noexcept {
+    return m_timers[timer.m_modes.number()];
+}
+
+const std::shared_ptr<RunLoopTimer>* RunLoop::firstRunnable() const noexcept {
+    const Timers::value_type* first = nullptr;
+    for (unsigned modes = 0; modes < m_timers.size(); ++modes) {
+        if ((modes & static_cast<unsigned>(m_mode)) == 0) continue;
+        // Passes over no more timers than there are actions on the stack.
+        const auto at = std::find_if(m_timers[modes].begin(), m_timers[modes].end(),
+                                     [](const auto& each) { return !each.second->m_isFiring; });
+        if (at != m_timers[modes].end() && (first == nullptr || at->first < first->first))
+            first = &*at;
+    }
+    const bool isDueEver = first != nullptr && first->first.first != Moment::never();
+    return isDueEver ? &first->second : nullptr;
 }
 
 std::optional<Moment> RunLoop::nextDeadline() const noexcept {
-    const auto first = firstRunnable();
-    if (first == m_timers.end()) return std::nullopt;
-    return first->first.first;
+    const std::shared_ptr<RunLoopTimer>* const first = firstRunnable();
+    if (first == nullptr) return std::nullopt;
+    return (*first)->m_due;
 }
 
 // A loop that dies meanwhile is left alone.
@@ -97,9 +109,9 @@ int RunLoop::runDue() {
     int count = 0;
     // Whatever fires is due after `now` from then on, so each timer comes at most once.
     while (!now.hasFailed()) {
-        const auto first = firstRunnable();
-        if (first == m_timers.end() || first->first.first > now.moment()) break;
-        const std::shared_ptr<RunLoopTimer> timer = first->second;
+        const std::shared_ptr<RunLoopTimer>* const first = firstRunnable();
+        if (first == nullptr || (*first)->m_due > now.moment()) break;
+        const std::shared_ptr<RunLoopTimer> timer = *first;
         runOne(timer, now.moment());
         ++count;
         if (!self) return count;
@@ -123,15 +135,16 @@ void RunLoop::runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now) {
 }
 
 void RunLoop::moveTo(RunLoopTimer& timer, Moment due) noexcept {
-    auto node = m_timers.extract(Place(timer.m_due, timer.m_serial));
+    Timers& timers = timersBeside(timer);
+    auto node = timers.extract(Place(timer.m_due, timer.m_serial));
     timer.m_due = due;
     node.key() = Place(due, timer.m_serial);
-    m_timers.insert(std::move(node));
+    timers.insert(std::move(node));
 }
 
 void RunLoop::remove(RunLoopTimer& timer) noexcept {
     timer.m_loop = nullptr;
-    const auto node = m_timers.extract(Place(timer.m_due, timer.m_serial));
+    const auto node = timersBeside(timer).extract(Place(timer.m_due, timer.m_serial));
     announceDeadline();
 }
 

@@ -11,6 +11,7 @@
 #include "veltra/export.h"
 #include "veltra/platform/run_loop_timer.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -26,15 +27,15 @@ public:
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
 
-    // Its timers become invalid. Allowed also inside an action that the loop itself runs.
+    // Its timers become invalid. Allowed also inside an action that the loop is running.
     ~RunLoop() override;
 
-    // The loop of the calling thread: the one that was set, else one of the platform's that polls,
-    // made on first use and kept until the thread ends. Null when memory is out and at the very end
-    // of a thread.
+    // The loop of the calling thread: the one that was set; else a PollRunLoop, made on first use
+    // and kept until the thread ends. Null when memory is out, and while the thread's own data is
+    // being destroyed.
     static RunLoop* current() noexcept;
 
-    // Makes `loop` (not owned) the calling thread's; null goes back to the platform's own. Answers
+    // Makes `loop` (not owned) the calling thread's; null goes back to the platform's own. Returns
     // the one that was set before, or null. A loop that is destroyed on its thread unsets itself.
     static RunLoop* setCurrent(RunLoop* loop) noexcept;
 
@@ -47,10 +48,11 @@ public:
     std::optional<Moment> nextDeadline() const noexcept;
 
     // Fires each timer of the present mode that is due, earliest first, older first among equals,
-    // and answers how many. Ticks that were missed, or fall due while the timer's own action runs,
-    // are skipped: the timer keeps to its beat. An action may start, stop and delete timers, delete
-    // the loop, and run a nested loop that calls runDue() again; a timer does not fire inside its
-    // own action. What an action throws passes through; the timers behind it fire at the next call.
+    // and returns how many. Ticks that were missed, or fall due while the timer's own action runs,
+    // are skipped: the timer keeps its schedule. An action may start, stop and delete timers,
+    // delete the loop, and run a nested loop that calls runDue() again; a timer does not fire
+    // inside its own action. An exception from an action passes through; the timers that were due
+    // after it fire at the next call.
     int runDue();
 
     RunLoopMode mode() const noexcept { return m_mode; }
@@ -90,14 +92,16 @@ private:
     using Place = std::pair<Moment, std::uint64_t>;  // due time, serial number
     using Timers = std::map<Place, std::shared_ptr<RunLoopTimer>>;
 
-    Timers::const_iterator firstRunnable() const noexcept;
+    const std::shared_ptr<RunLoopTimer>* firstRunnable() const noexcept;
+    Timers& timersBeside(const RunLoopTimer& timer) noexcept;
     void runOne(const std::shared_ptr<RunLoopTimer>& timer, Moment now);
     void moveTo(RunLoopTimer& timer, Moment due) noexcept;
     void remove(RunLoopTimer& timer) noexcept;
     void setMode(RunLoopMode mode) noexcept;
     void announceDeadline() noexcept;
 
-    Timers m_timers;
+    // By the set of modes that they run in, so that a mode never walks past the timers of others.
+    std::array<Timers, RunLoopModes::kSets> m_timers;
     std::uint64_t m_lastSerial = 0;
     RunLoopMode m_mode = RunLoopMode::Default;
     int m_depth = 0;

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -57,7 +58,10 @@ TEST_F(RunLoopTest, FiresInTheOrderOfDueTimeThenAgeToTheNanosecondAndSkipsMissed
     b.then = [&](RunLoopTimer&) { loop.clocks.now += milliseconds(250); };
     loop.advance(0.05);
     EXPECT_EQ(loop.announced, after(900));
-    EXPECT_EQ(page, "bcabbb");
+    b.then = [&](RunLoopTimer&) { loop.clocks.now += milliseconds(100); };
+    loop.advance(0.05);
+    EXPECT_EQ(loop.announced, after(1100)) << "due again exactly where its own action ended";
+    EXPECT_EQ(page, "bcabbbb");
     quick->invalidate();
     EXPECT_EQ(loop.announced, std::nullopt);
     EXPECT_FALSE(quick->isValid() || single->isValid());
@@ -103,6 +107,39 @@ TEST_F(RunLoopTest, ADeletedLoopOrTargetLeavesItsTimersInvalidOrSilent) {
     behind->fire();
     EXPECT_EQ(page, "a");
     EXPECT_FALSE(deleter->isValid() || behind->isValid() || silent->isValid());
+}
+
+TEST_F(RunLoopTest, TimersOnceAtTheirLongestAndByHand) {
+    const TimerPointer never = every(std::numeric_limits<double>::infinity(), a);
+    const TimerPointer tooFar = every(9'223'372'036.0, a);  // seconds to the end of all moments
+    EXPECT_EQ(loop.nextDeadline(), std::nullopt);
+    const TimerPointer far = every(9'200'000'000.0, a), single = once(0.5, b);
+    single->fire();
+    EXPECT_FALSE(single->isValid());
+    EXPECT_TRUE(never->isValid() && tooFar->isValid());
+    EXPECT_GT(loop.nextDeadline(), after(4'000'000'000'000));
+    EXPECT_EQ(page, "b");
+}
+
+// Ends in a moment, or, where each step walks past all that is held back, not before the time-out.
+TEST_F(RunLoopTest, TimersThatAreHeldBackCostTheOthersNothing) {
+    constexpr int kMany = 100'000;
+    std::vector<TimerPointer> held;
+    for (int count = 0; count < kMany; ++count)
+        held.push_back(every(0.001, c, RunLoopMode::ModalPanel));
+    const TimerPointer beat = every(0.001, a);
+    loop.advance(kMany * 0.001);
+    EXPECT_EQ(page, std::string(kMany, 'a'));
+}
+
+TEST(RunLoop, ALoopThatDiesIsNobodysCurrentLoop) {
+    RunLoop* const before = RunLoop::setCurrent(nullptr);
+    {
+        RunLoop loop;
+        RunLoop::setCurrent(&loop);
+        EXPECT_EQ(RunLoop::current(), &loop);
+    }
+    EXPECT_EQ(RunLoop::setCurrent(before), nullptr);
 }
 
 TEST_F(RunLoopTest, ErrorsOfTheClockAndOfActionsLeaveTheLoopInOrder) {

@@ -25,12 +25,16 @@ enum class RunLoopMode : std::uint8_t {
 class RunLoopModes {
 public:
     constexpr RunLoopModes(RunLoopMode mode) noexcept : m_bits(static_cast<unsigned>(mode)) {}
-    static constexpr RunLoopModes all() noexcept { return RunLoopModes(7U); }
+    static constexpr RunLoopModes all() noexcept { return RunLoopModes(kSets - 1); }
 
     constexpr bool contains(RunLoopMode mode) const noexcept {
         return (m_bits & static_cast<unsigned>(mode)) != 0;
     }
     friend constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept;
+
+    // Each set has a number of its own, from 0 up.
+    static constexpr unsigned kSets = 8;
+    constexpr unsigned number() const noexcept { return m_bits; }
 
 private:
     constexpr explicit RunLoopModes(unsigned bits) noexcept : m_bits(bits) {}
@@ -44,8 +48,8 @@ constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept {
 
 // What a timer is made of.
 struct TimerRequest {
-    Nanoseconds interval{};      // not above 0 counts as 0.1 ms; longest() never fires
-    Anchored* target = nullptr;  // not retained: the timer goes on in silence when it is gone
+    Nanoseconds interval{};      // 0 or negative counts as 0.1 ms; longest() never fires
+    Anchored* target = nullptr;  // not retained; once it is gone the timer sends nothing
     Action action{};             // sent with the RunLoopTimer as sender
     void* userInfo = nullptr;    // the caller's
     bool repeats = false;

@@ -39,17 +39,16 @@ public:
     // Thread: any. Realtime-safe: no (a system call).
     virtual Status inspect() const noexcept = 0;
 
-    // Whether a service manager started this process or reads this stream: then nobody sits in
-    // front of it.
+    // Whether a service manager started this process or reads this stream; then no person reads it.
     // Thread: any. Realtime-safe: no.
     virtual bool isManaged(const Status& status) const noexcept = 0;
 
     // Writes the pieces one after another, with no other thread's pieces between them. `status` is
-    // what inspect() answered just now. Never waits for a reader, never ends the process by a
-    // signal, and leaves no signal behind; what cannot be written at once is lost, and nothing is
-    // written twice. Signal handlers of this thread run after the line, so they may log too.
-    // The log calls it while the thread cannot be cancelled.
-    // Thread: any but audio. Realtime-safe: no.
+    // what inspect() has just returned. Never waits for a reader, never ends the process by a
+    // signal, and leaves no signal pending. What cannot be written at once is lost and never
+    // written later; the next line says how many were lost before it. Signal handlers of this
+    // thread run after the line, so they may log too. The log calls it while the thread cannot be
+    // cancelled. Thread: any but audio. Realtime-safe: no.
     virtual void write(const Status& status, const Pieces& pieces) noexcept = 0;
 };
 

@@ -37,9 +37,10 @@ class VELTRA_EXPORT SystemLog : public Installable<SystemLog> {
 public:
     virtual ~SystemLog();
 
-    // Takes one record; the views in it are good during the call only. Never waits: a record that
-    // cannot be taken at once is lost. Several threads may send at once. The
-    // log calls it while the thread cannot be cancelled.
+    // Takes one record; the views in it are valid during the call only. Never waits: a record that
+    // cannot be taken at once is lost, and a record that says how many precedes the next one that
+    // is taken. Several threads may send at once. The log calls it while the thread cannot be
+    // cancelled.
     // Thread: any but audio. Realtime-safe: no.
     virtual void send(const LogRecord& record) noexcept = 0;
 };

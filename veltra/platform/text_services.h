@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the framework needs to know about text beyond Unicode's own forms: the encoding in which
-// file systems kept names before Unicode, which is Mac Roman, and capital letters.
+// What the framework needs for text beyond the forms of Unicode: capital letters, and the encoding
+// that file systems used for names before Unicode, which is Mac Roman.
 #pragma once
 
 #include "veltra/base/installable.h"
@@ -22,9 +22,9 @@ class VELTRA_EXPORT TextServices : public Installable<const TextServices> {
 public:
     virtual ~TextServices();
 
-    // Writes `text` (well-formed UTF-16) in the legacy encoding: one byte for each character,
-    // `substitute` for one that the encoding lacks, as many as fit. Answers how many bytes were
-    // written; nothing when there is no converter.
+    // Writes `text` (well-formed UTF-16) in the legacy encoding, as much as fits: one byte for each
+    // character, `substitute` where the encoding lacks it. Returns how many bytes were written;
+    // nothing when there is no converter.
     // Thread: any. Realtime-safe: no (the first call loads the converter).
     virtual std::optional<std::size_t> toLegacy(std::u16string_view text, char substitute,
                                                 std::span<char> destination) const noexcept = 0;

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The end of a thread, for who keeps something for it.
+// Tells code that keeps something for each thread when a thread ends.
 //
-// A thread-local object with a destructor would do, if the process did not end when there is no
-// memory to register the destructor.
+// A thread-local object with a destructor would be simpler, but the process ends when there is no
+// memory to register that destructor.
 #pragma once
 
 namespace veltra {
 
-// Has `function` called on this thread when it ends, once for any number of calls; not on the main
-// thread when the process ends by exit(). The same function for the whole process. False when
-// memory is out.
-// Thread: any. Realtime-safe: no.
+// Calls `function` on this thread when the thread ends: once, however often it is asked for, and
+// not when the process ends by exit(). The whole process has one such function. False when memory
+// is out. Thread: any. Realtime-safe: no.
 bool callAtThreadEnd(void (*function)() noexcept) noexcept;
 
 }  // namespace veltra

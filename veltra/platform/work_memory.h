@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Memory for the time of one piece of work, which may be large: its pages cost as little as the
-// system can make them.
+// Memory for one piece of work, which may be large, on pages that cost as little as the system can
+// make them.
 #pragma once
 
 #include "veltra/export.h"

@@ -12,7 +12,8 @@ namespace {
 
 #ifdef VELTRA_KERNEL_SWAP_AVX512
 bool hasAvx512(const ProcessorFeatures& features) noexcept {
-    return features.avx512f && features.avx512bw && features.avx512vbmi && features.bmi2;
+    return features.avx512f && features.avx512bw && features.avx512vl && features.avx512vbmi &&
+           features.bmi2;
 }
 #endif
 

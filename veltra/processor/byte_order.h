@@ -6,7 +6,7 @@
 // Thread: any; pure functions of their buffers. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stdbool.h>
 #include <stdint.h>
@@ -30,12 +30,13 @@ VELTRA_EXPORT void PSwapCopyLong(void* destination, const void* source,
 VELTRA_EXPORT void SwapInt32(void* value) VELTRA_NOEXCEPT;
 VELTRA_EXPORT void SwapLong(void* value) VELTRA_NOEXCEPT;
 
-// Turns `sampleCount` samples of a native stream into swapped ones, or back, in place:
+// Turns `sampleCount` samples of a native stream into swapped ones, or back, in place, by the
+// number of bits of a sample:
 //   32 bits  reverses each 4-byte sample
 //   24 bits  exchanges the first and the third byte of each 3-byte sample
 //    8 bits  subtracts 128 from each byte (modulo 256): signed to unsigned and back
 //   other    exchanges the bytes of each 16-bit sample
-// `ignored` has no effect. Answers true, always.
+// `ignored` has no effect. Always returns true.
 VELTRA_EXPORT bool ProcessSwapIntel(void* buffer, uint32_t sampleCount, uint32_t ignored,
                                     int32_t bitsPerSample) VELTRA_NOEXCEPT;
 

@@ -4,14 +4,13 @@
 #include "veltra/processor/detail/checksum_kernels.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace veltra {
 
 namespace detail {
 
 namespace {
-
-using Variant = KernelVariant<kernels::CrcKernel>;
 
 #ifdef VELTRA_KERNEL_CRC_PCLMUL
 bool hasPclmul(const ProcessorFeatures& features) noexcept {
@@ -30,36 +29,45 @@ bool hasVpclmulAvx512(const ProcessorFeatures& features) noexcept {
 }
 #endif
 
-constexpr Variant kCrc16Variants[] = {
-#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
-    {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc16VpclmulAvx512},
-#endif
-#ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX2
-    {"vpclmulqdq-avx2", hasVpclmulAvx2, kernels::crc16VpclmulAvx2},
-#endif
-#ifdef VELTRA_KERNEL_CRC_PCLMUL
-    {"pclmulqdq", hasPclmul, kernels::crc16Pclmul},
-#endif
-    {"plain", runsEverywhere, kernels::crc16Plain},
+struct Rung {
+    const char* name;
+    bool (*runs)(const ProcessorFeatures& features) noexcept;
+    kernels::CrcKernel crc16;
+    kernels::CrcKernel crc32;
 };
 
-constexpr Variant kCrc32Variants[] = {
+constexpr Rung kRungs[] = {
 #ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
-    {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc32VpclmulAvx512},
+    {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc16VpclmulAvx512,
+     kernels::crc32VpclmulAvx512},
 #endif
 #ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX2
-    {"vpclmulqdq-avx2", hasVpclmulAvx2, kernels::crc32VpclmulAvx2},
+    {"vpclmulqdq-avx2", hasVpclmulAvx2, kernels::crc16VpclmulAvx2, kernels::crc32VpclmulAvx2},
 #endif
 #ifdef VELTRA_KERNEL_CRC_PCLMUL
-    {"pclmulqdq", hasPclmul, kernels::crc32Pclmul},
+    {"pclmulqdq", hasPclmul, kernels::crc16Pclmul, kernels::crc32Pclmul},
 #endif
-    {"plain", runsEverywhere, kernels::crc32Plain},
+    {"plain", runsEverywhere, kernels::crc16Plain, kernels::crc32Plain},
 };
+
+struct Variants {
+    KernelVariant<kernels::CrcKernel> rows[std::size(kRungs)];
+};
+
+constexpr Variants variantsOf(kernels::CrcKernel Rung::*kernel) noexcept {
+    Variants variants{};
+    for (std::size_t i = 0; i < std::size(kRungs); ++i)
+        variants.rows[i] = {kRungs[i].name, kRungs[i].runs, kRungs[i].*kernel};
+    return variants;
+}
+
+constexpr Variants kCrc16Variants = variantsOf(&Rung::crc16);
+constexpr Variants kCrc32Variants = variantsOf(&Rung::crc32);
 
 }  // namespace
 
-constinit KernelChoice<kernels::CrcKernel> crc16Kernels{"crc16", kCrc16Variants};
-constinit KernelChoice<kernels::CrcKernel> crc32Kernels{"crc32", kCrc32Variants};
+constinit KernelChoice<kernels::CrcKernel> crc16Kernels{"crc16", kCrc16Variants.rows};
+constinit KernelChoice<kernels::CrcKernel> crc32Kernels{"crc32", kCrc32Variants.rows};
 
 }  // namespace detail
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Checksums of two file formats and protocols: one over text, one over data that may come in
-// pieces. The fastest way that the processor offers is chosen at the first call (kernels.h,
-// families "crc16" and "crc32"); every way gives the same result for every length and alignment.
+// pieces. The fastest way that the processor offers is chosen when the library is loaded
+// (kernels.h, families "crc16" and "crc32"); every way gives the same result for every length and
+// alignment.
 //
 //     uint32_t crc = QKCRC32(0, header, sizeof header);
 //     crc = QKCRC32(crc, samples, sampleBytes);    // as if over both in one piece
@@ -9,7 +10,7 @@
 // Thread: any; pure functions of their arguments. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 #include <stdint.h>

@@ -32,6 +32,15 @@ alignas(64) constexpr EnableTable s_afEnableDebug = {
     {0, 0, 0, 0, 1, 1, 1},  // Debug
 };
 
+// Each variant's menu offers the variant itself, and to switch optimizations off.
+constexpr bool offersItself(const EnableTable& table) noexcept {
+    for (int variant = 0; variant < kVariants; ++variant) {
+        if (table[variant][variant] == 0 || table[variant][CDotAPI::eID_Off] == 0) return false;
+    }
+    return true;
+}
+static_assert(offersItself(s_afEnableRelease) && offersItself(s_afEnableDebug));
+
 struct Variant {
     CDotAPI::EID id;
     const char* menuText;

@@ -7,7 +7,8 @@
 //     CDotAPI::SetSelection(1);
 //     switch (CDotAPI::ID()) { ... }
 //
-// The framework's own kernels choose for themselves (kernels.h).
+// Signal processing that knows more than these variants asks ProcessorFeatures::current(). The
+// framework's own kernels choose for themselves (kernels.h). For C, see variants.h.
 #pragma once
 
 #include "veltra/export.h"
@@ -20,8 +21,9 @@ namespace veltra {
 // Every query first detects the processor (Init) when that has not been done.
 //
 // Thread: any for the queries. Of SetDebugMode, Init, SetSelection and Override, one at a time, and
-// a query beside them may see the one half done. Realtime-safe: yes, after Init.
-class VELTRA_EXPORT CDotAPI {
+// a query beside them may see the one half done. Realtime-safe: yes, if ProcessorFeatures::current
+// is.
+class CDotAPI {
 public:
     enum EID : std::int32_t {
         eID_SSE = 0,
@@ -38,7 +40,7 @@ public:
 
     // Chooses which variants the menu offers, from here on; meant to be called before anything
     // else. Detects nothing and keeps an override in force.
-    static void SetDebugMode(bool debug) noexcept;
+    VELTRA_EXPORT static void SetDebugMode(bool debug) noexcept;
 
     // Detects the processor (ProcessorFeatures::current) and takes the menu of the mode. May be
     // called again; an override stays.
@@ -47,43 +49,43 @@ public:
     //            later, else eID_AltiVecG4
     //   x86      eID_SSE3 or eID_SSE; eID_SSEAlt is never detected
     //   else     eID_Off
-    static void Init() noexcept;
+    VELTRA_EXPORT static void Init() noexcept;
 
     // The detected variant, and the variant in force: the override's, else the detected one.
-    static EID ProcessorID() noexcept;
-    static EID ID() noexcept;
+    VELTRA_EXPORT static EID ProcessorID() noexcept;
+    VELTRA_EXPORT static EID ID() noexcept;
 
     // The menu: what the mode offers to the detected processor. Positions count from 0.
-    static unsigned MenuEntries() noexcept;
+    VELTRA_EXPORT static unsigned MenuEntries() noexcept;
 
     // The text at a position, a constant; null for every position outside the menu. Two
     // variants deliberately share "SSE optimizations".
-    static const char* MenuText(int position) noexcept;
+    VELTRA_EXPORT static const char* MenuText(int position) noexcept;
 
     // The EID at a position; deliberately 0 for a position outside the menu, but -1 for -1.
-    static int MenuID(int position) noexcept;
+    VELTRA_EXPORT static int MenuID(int position) noexcept;
 
     // The first position from 0 to 6 whose MenuID is the variant in force, 0 when none is.
-    static int GetSelection() noexcept;
+    VELTRA_EXPORT static int GetSelection() noexcept;
 
     // Override(MenuID(position)); nothing for a negative position. The detected variant's position,
     // or one past the end of the menu, thus ends an override, unless the menu has variant 0.
-    static void SetSelection(int position) noexcept;
+    VELTRA_EXPORT static void SetSelection(int position) noexcept;
 
-    // Asks for a variant. In force from here on when the menu offers it and it is not the detected
-    // one; any other value ends an override. Answers the detected variant.
-    static EID Override(EID variant) noexcept;
+    // Asks for a variant. It is in force from here on when the menu offers it and it is not the
+    // detected one; any other value ends an override. Returns the detected variant.
+    VELTRA_EXPORT static EID Override(EID variant) noexcept;
 
     // The interleave factor of the variant in force, and the largest of the detected one. They
     // deliberately disagree on the last two variants: off works with 1 though it might with 4,
     // debug with 4 though its largest is 1.
-    static int Interleave() noexcept;
-    static int MaxInterleave() noexcept;
+    VELTRA_EXPORT static int Interleave() noexcept;
+    VELTRA_EXPORT static int MaxInterleave() noexcept;
 
     // A flag kept for the host; true at the start.
-    static bool UpdateHistory() noexcept;
-    static void EnableHistoryUpdate() noexcept;
-    static void DisableHistoryUpdate() noexcept;
+    VELTRA_EXPORT static bool UpdateHistory() noexcept;
+    VELTRA_EXPORT static void EnableHistoryUpdate() noexcept;
+    VELTRA_EXPORT static void DisableHistoryUpdate() noexcept;
 
 private:
     using Flag = std::atomic<std::uint32_t>;

@@ -18,6 +18,13 @@ using Family = ProcessorFeatures::Family;
 // A machine that the test invents.
 class DotAPI : public testing::Test {
 protected:
+    static constexpr const char* kTexts[] = {"SSE optimizations",
+                                             "SSE3 optimizations",
+                                             "SSE optimizations",
+                                             "AltiVec G4 optimizations",
+                                             "AltiVec G5 optimizations",
+                                             "optimizations off",
+                                             "debug mode"};
     static inline ProcessorFeatures machine;
 
     static void play(const ProcessorFeatures& features, bool debug) {
@@ -48,8 +55,9 @@ protected:
         std::string text;
         const int end = static_cast<int>(CDotAPI::MenuEntries());
         for (int position = 0; position < end; ++position) {
-            text += std::to_string(CDotAPI::MenuID(position));
-            EXPECT_NE(CDotAPI::MenuText(position), nullptr);
+            const int id = CDotAPI::MenuID(position);
+            text += std::to_string(id);
+            EXPECT_STREQ(CDotAPI::MenuText(position), kTexts[id]);
         }
         for (const int position : {end, end + 9, -2, INT_MIN}) {
             EXPECT_EQ(CDotAPI::MenuID(position), 0);
@@ -101,7 +109,6 @@ TEST_F(DotAPI, EachMachineIsDetectedAndOfferedItsMenu) {
     }
     CDotAPI::SetDebugMode(false);  // also after the detection
     EXPECT_EQ(menu(), "5");
-    EXPECT_STREQ(CDotAPI::MenuText(0), "optimizations off");
 }
 
 // What emulators play is told by scripts/test-hosts; elsewhere the compiler's runtime knows.
@@ -145,6 +152,8 @@ TEST_F(DotAPI, AnOverrideIsInForceWhenTheMenuOffersItAndIsKeptWhenNot) {
         EXPECT_EQ(CDotAPI::Override(static_cast<CDotAPI::EID>(override.asked)), 3);
         EXPECT_EQ(CDotAPI::ID(), override.id);
         EXPECT_EQ(CDotAPI::ProcessorID(), 3);
+        EXPECT_EQ(CDotAPI::Interleave(), override.id == 5 ? 1 : 4);
+        EXPECT_EQ(CDotAPI::MaxInterleave(), 4);  // of the detected one, also in debug's 1
     }
     CDotAPI::SetDebugMode(false);  // takes away the entry, not the override
     EXPECT_EQ(CDotAPI::ID(), 4);

@@ -11,9 +11,16 @@ namespace veltra {
 namespace {
 
 constexpr KernelFamily* kFamilies[] = {
-    &detail::crc16Kernels, &detail::crc32Kernels,     &detail::sampleKernels,
-    &detail::swapKernels,  &detail::utf8KernelChoice,
+    &detail::crc16Kernels,  &detail::crc32Kernels, &detail::float64Kernels,
+    &detail::sampleKernels, &detail::swapKernels,  &detail::utf8Kernels,
 };
+
+// When the library is loaded, in front of the constructors of a program that links it statically:
+// no later call has anything to find out.
+[[gnu::constructor(101)]] void chooseAll() noexcept {
+    for (KernelFamily* family : kFamilies)
+        family->useBest();
+}
 
 }  // namespace
 
@@ -36,7 +43,7 @@ bool KernelFamily::runs(std::size_t index) const noexcept {
     return index < m_variantCount && testAt(index)(ProcessorFeatures::current());
 }
 
-const char* KernelFamily::inForce() noexcept {
+const char* KernelFamily::inForce() const noexcept {
     return nameAt(chosen());
 }
 
@@ -51,15 +58,11 @@ bool KernelFamily::use(std::string_view variant) noexcept {
 }
 
 void KernelFamily::useBest() noexcept {
-    forget();
-}
-
-std::size_t KernelFamily::best() const noexcept {
     const ProcessorFeatures features = ProcessorFeatures::current();
     std::size_t index = 0;
     while (index + 1 < m_variantCount && !testAt(index)(features))
         ++index;
-    return index;
+    choose(index);
 }
 
 }  // namespace veltra

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The choice among the variants of a kernel: one function written several times, plainly and for
-// wider and wider instruction sets. Each family of variants chooses the best one that the
-// processor runs, once, when it is first called. Here a host, a test or a benchmark can see what
-// was chosen and choose otherwise:
+// wider and wider instruction sets. When the library is loaded, each family of variants chooses the
+// best one that the processor runs; until then, in constructors that run even earlier, calls go to
+// "plain". Here a host, a test or a benchmark can see what was chosen and choose otherwise
+// (variants.h does the same for C):
 //
 //     KernelFamily* crc = KernelFamily::find("crc32");
 //     std::printf("crc32 runs as %s\n", crc->inForce());
@@ -22,8 +23,7 @@
 
 namespace veltra {
 
-// Thread: any. Realtime-safe: yes, but inForce(), use() and runs() may be the first to ask the
-// processor what it can do, which takes some microseconds.
+// Thread: any. Realtime-safe: yes.
 class VELTRA_EXPORT KernelFamily {
 public:
     KernelFamily(const KernelFamily&) = delete;
@@ -41,19 +41,20 @@ public:
     // The name of a variant; null from variantCount() on.
     const char* variantName(std::size_t index) const noexcept;
 
-    // Whether the processor, as ProcessorFeatures::current() tells it, runs a variant; false from
-    // variantCount() on.
+    // Whether the processor runs a variant, as ProcessorFeatures::current() describes it; false
+    // from variantCount() on.
     bool runs(std::size_t index) const noexcept;
 
-    // The name of the variant that calls go to. Chooses, when nothing has yet.
-    const char* inForce() noexcept;
+    // The name of the variant that calls go to.
+    const char* inForce() const noexcept;
 
-    // Sends calls to the variant of that name. Answers false and changes nothing when there is
+    // Sends calls to the variant of that name. Returns false and changes nothing when there is
     // none or the processor does not run it.
     bool use(std::string_view variant) noexcept;
 
-    // Undoes use(): the next call chooses anew.
-    void useBest() noexcept;
+    // Undoes use(): sends calls to the best variant that runs here. Virtual, so that a program
+    // that links a family statically also links the file that chooses at load.
+    virtual void useBest() noexcept;
 
 protected:
     using Test = bool (*)(const ProcessorFeatures& features) noexcept;
@@ -62,15 +63,11 @@ protected:
         : m_name(name), m_variantCount(variantCount) {}
     ~KernelFamily() = default;
 
-    // The best variant that runs here.
-    std::size_t best() const noexcept;
-
 private:
     virtual const char* nameAt(std::size_t index) const noexcept = 0;
     virtual Test testAt(std::size_t index) const noexcept = 0;
-    virtual std::size_t chosen() noexcept = 0;  // chooses, when nothing has yet
+    virtual std::size_t chosen() const noexcept = 0;
     virtual void choose(std::size_t index) noexcept = 0;
-    virtual void forget() noexcept = 0;
 
     const char* const m_name;
     const std::size_t m_variantCount;

@@ -20,13 +20,16 @@ constexpr detail::KernelVariant<Kernel> kVariants[] = {
     {"plain", detail::runsEverywhere, []() noexcept { return 1; }},
 };
 
-TEST(Kernels, TheBestThatRunsIsChosenOnceAndUseReplacesItUntilUseBest) {
+TEST(Kernels, AFamilyIsPlainUntilTheBestThatRunsIsChosenAndUseReplacesItUntilUseBest) {
     detail::KernelChoice<Kernel> family("invented", kVariants);
+    EXPECT_EQ(family.current()(), 1);
     ProcessorFeatures::install([]() noexcept {
         ProcessorFeatures features;
         features.altivec = true;
         return features;
     });
+    EXPECT_EQ(family.current()(), 1);
+    family.useBest();
     EXPECT_EQ(family.current()(), 128);
     EXPECT_FALSE(family.use("wide"));
     EXPECT_FALSE(family.use("none"));

@@ -76,6 +76,27 @@ constexpr std::array<Field, kNamedCodes> kFields{{
     {Kind::Length, 2, 1},           // 21
 }};
 
+Field fieldOf(std::uint8_t fieldCode) noexcept {
+    return fieldCode < kNamedCodes ? kFields[fieldCode] : Field{};
+}
+
+constexpr std::size_t sizeOf(Field field) noexcept {
+    return std::size_t{field.size} * field.values;
+}
+
+// How many of `count` fields fit in `room` bytes. Most often all do, which saves a division.
+std::uint32_t fitting(Field field, std::uint32_t count, std::size_t room) noexcept {
+    const std::uint64_t whole = std::uint64_t{sizeOf(field)} * count;
+    return whole <= room ? count : static_cast<std::uint32_t>(room / sizeOf(field));
+}
+
+// The length that a field of code 21 holds after it was reversed; its block's, when above 2.
+int lengthAt(const unsigned char* field) noexcept {
+    return static_cast<std::int16_t>(detail::load<std::uint16_t, ByteOrder::Big>(field));
+}
+
+constexpr int kLengthOfNoBlock = 2;
+
 void reverseValue(unsigned char* value, Kind kind) noexcept {
     switch (kind) {
         case Kind::Keep:
@@ -104,10 +125,9 @@ void reverseValue(unsigned char* value, Kind kind) noexcept {
 // inside the block. One that says nothing is a 16-bit value like any other.
 unsigned char* swapLength(unsigned char* record) noexcept {
     reverse<std::uint16_t>(record);
-    const auto length =
-        static_cast<std::int16_t>(detail::load<std::uint16_t, ByteOrder::Big>(record));
+    const int length = lengthAt(record);
     unsigned char* const end = record + sizeof(std::uint16_t);
-    if (length > 2) {
+    if (length > kLengthOfNoBlock) {
         setLimit(addressOf(record) + static_cast<std::uintptr_t>(length));
     } else if (addressOf(end) > currentLimit()) {
         reverse<std::uint16_t>(record);
@@ -115,10 +135,10 @@ unsigned char* swapLength(unsigned char* record) noexcept {
     return end;
 }
 
-// A value is touched only after the limit allows it, so that a table may run past the end of a
-// buffer whose end is the limit; only the codes for several values reach for the first regardless.
+// Most values are touched only after the limit allows it. Lengths are not, nor is the first value
+// of the codes for several.
 unsigned char* swapField(unsigned char* record, std::uint8_t fieldCode) noexcept {
-    const Field field = fieldCode < kNamedCodes ? kFields[fieldCode] : Field{};
+    const Field field = fieldOf(fieldCode);
     if (field.kind == Kind::Length) return swapLength(record);
 
     const std::uintptr_t limit = currentLimit();
@@ -157,42 +177,135 @@ bool reverseRun(unsigned char* values, std::size_t size, Kind kind) noexcept {
     }
 }
 
-unsigned char* swapFields(unsigned char* record, std::uint8_t fieldCode,
-                          std::uint32_t count) noexcept {
-    const Field field = fieldCode < kNamedCodes ? kFields[fieldCode] : Field{};
-    const std::size_t size = std::size_t{field.size} * field.values * count;
+// Those within the limit in one go. Of the rest, codes for one value leave the record as it is.
+void swapFields(unsigned char* record, std::uint8_t fieldCode, std::uint32_t count) noexcept {
+    const Field field = fieldOf(fieldCode);
     const std::uintptr_t start = addressOf(record);
     const std::uintptr_t limit = currentLimit();
-    if (start <= limit && size <= limit - start && reverseRun(record, size, field.kind))
-        return record + size;
-    for (std::uint32_t done = 0; done < count; ++done) {
+    const std::size_t room = start <= limit ? limit - start : 0;
+    const std::uint32_t within = fitting(field, count, room);
+    const std::size_t run = within * sizeOf(field);
+    std::uint32_t done = 0;
+    if (reverseRun(record, run, field.kind)) {
+        if (within == count) return;
+        record += run;
+        done = within;
+    }
+    const bool isLimited = field.kind != Kind::Length && field.values == 1;
+    for (const std::uint32_t end = isLimited ? within : count; done < end; ++done) {
         record = swapField(record, fieldCode);
     }
-    return record;
+}
+
+constexpr std::uint8_t kEndOfTable = 0;
+constexpr std::uint8_t kRepeat = 1;
+constexpr std::uint8_t kRepeatLong = 2;
+
+// A code of a table, how often it applies, and how many bytes of the table say so.
+struct Entry {
+    std::uint8_t code;
+    std::uint16_t count;
+    std::size_t length;
+};
+
+std::size_t entryLength(std::uint8_t first) noexcept {
+    return first > kRepeatLong ? 1 : first + std::size_t{2};
+}
+
+Entry entryAt(const std::uint8_t* table) noexcept {
+    if (*table > kRepeatLong) return {*table, 1, 1};
+    if (*table == kRepeat) return {table[1], table[2], 3};
+    return {table[1], detail::load<std::uint16_t, ByteOrder::Big>(table + 2), 4};
 }
 
 void swapTable(unsigned char* record, const std::uint8_t* table, std::uintptr_t limit) noexcept {
-    constexpr std::uint8_t kEnd = 0;
-    constexpr std::uint8_t kRepeat = 1;
-    constexpr std::uint8_t kRepeatLong = 2;
-
     if (record == nullptr || table == nullptr) return;
     const std::uintptr_t savedLimit = currentLimit();
     setLimit(limit);
-    while (*table != kEnd) {
-        if (*table == kRepeat) {
-            record = swapFields(record, table[1], table[2]);
-            table += 3;
-        } else if (*table == kRepeatLong) {
-            record = swapFields(record, table[1],
-                                detail::load<std::uint16_t, ByteOrder::Big>(table + 2));
-            table += 4;
-        } else {
-            record = swapField(record, *table);
-            table += 1;
+    while (*table != kEndOfTable) {
+        if (*table > kRepeatLong) {
+            record = swapField(record, *table++);
+            continue;
         }
+        const Entry entry = entryAt(table);
+        swapFields(record, entry.code, entry.count);
+        record += sizeOf(fieldOf(entry.code)) * entry.count;
+        table += entry.length;
     }
     setLimit(savedLimit);
+}
+
+// A record that ends where its memory ends, and the end of the block that a length in it heads.
+class BoundedRecord {
+public:
+    BoundedRecord(unsigned char* record, std::size_t size) noexcept
+        : m_record(record), m_size(size), m_limit(size) {}
+
+    // How much of the record the fields so far take.
+    std::size_t taken() const noexcept { return m_taken; }
+
+    // False, and the rest is left, at the first field that passes the end of the record.
+    bool apply(const Entry& entry) noexcept {
+        const Field field = fieldOf(entry.code);
+        const std::size_t room = m_taken <= m_limit ? m_limit - m_taken : 0;
+        const std::uint32_t within = fitting(field, entry.count, room);
+        std::uint32_t done = 0;
+        if (reverseRun(m_record + m_taken, within * sizeOf(field), field.kind)) {
+            m_taken += within * sizeOf(field);
+            done = within;
+        }
+        for (; done < entry.count; ++done) {
+            if (!applyOne(field)) return false;
+        }
+        return true;
+    }
+
+private:
+    bool applyOne(Field field) noexcept {
+        unsigned char* const start = m_record + m_taken;
+        const std::size_t left = m_size - m_taken;
+        if (left < field.size) return false;
+        if (field.kind == Kind::Length) {
+            applyLength(start);
+        } else {
+            std::size_t end = m_taken;
+            for (int value = 0; value < field.values; ++value) {
+                end += field.size;
+                if (end <= m_limit) reverseValue(m_record + end - field.size, field.kind);
+            }
+            if (field.values > 1 && end > m_limit) reverseValue(start, field.kind);
+        }
+        if (left < sizeOf(field)) return false;
+        m_taken += sizeOf(field);
+        return true;
+    }
+
+    void applyLength(unsigned char* start) noexcept {
+        reverse<std::uint16_t>(start);
+        const int length = lengthAt(start);
+        if (length > kLengthOfNoBlock) {
+            m_limit = std::min(m_size, m_taken + static_cast<std::size_t>(length));
+        } else if (m_taken + sizeof(std::uint16_t) > m_limit) {
+            reverse<std::uint16_t>(start);
+        }
+    }
+
+    unsigned char* const m_record;
+    const std::size_t m_size;
+    std::size_t m_limit;
+    std::size_t m_taken = 0;
+};
+
+// Whether the whole table was applied.
+bool swapBounded(BoundedRecord& record, const std::uint8_t* table, std::size_t size) noexcept {
+    for (std::size_t at = 0; at < size;) {
+        if (table[at] == kEndOfTable) return true;
+        if (size - at < entryLength(table[at])) return false;
+        const Entry entry = entryAt(table + at);
+        if (!record.apply(entry)) return false;
+        at += entry.length;
+    }
+    return false;
 }
 
 // How many fields of a description are like its first, of `most`; 1 or more.
@@ -256,6 +369,16 @@ void TabIntelSwap(void* record, const uint8_t* table) noexcept {
 
 void LimitTabIntelSwap(void* record, const uint8_t* table, uintptr_t limit) noexcept {
     swapTable(static_cast<unsigned char*>(record), table, limit);
+}
+
+bool SwapRecordWithin(void* record, size_t size, const uint8_t* table, size_t tableSize,
+                      size_t* taken) noexcept {
+    if (taken != nullptr) *taken = 0;
+    if (record == nullptr || table == nullptr) return false;
+    BoundedRecord bounded(static_cast<unsigned char*>(record), size);
+    const bool isComplete = swapBounded(bounded, table, tableSize);
+    if (taken != nullptr) *taken = bounded.taken();
+    return isComplete;
 }
 
 void SwapData(void* destination, const void* source, const int8_t* description,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/record_swap.h"
 
+#include "veltra/processor/testing/guarded_memory.h"
 #include "veltra/processor/testing/record_swap_model.h"
 
 #include <algorithm>
@@ -54,6 +55,19 @@ TEST(RecordSwap, RunsOfFieldsEqualTheSameFieldsOneByOne) {
         MultiIntelSwap(&run[1], field, count);
         ASSERT_TRUE(run == single) << code;
     }
+    const struct {
+        std::uint8_t code;
+        std::int32_t count;
+    } huge[] = {{7, 0x40000001}, {11, 0x20000001}, {20, 0x10000001},
+                {3, INT32_MAX},  {15, INT32_MAX},  {19, INT32_MAX}};
+    for (const auto& row : huge) {
+        single = run = original;
+        SetPIntelLimit(addressOf(single.data()) + 97);
+        MultiIntelSwap(&single[1], row.code, 96);
+        SetPIntelLimit(addressOf(run.data()) + 97);
+        MultiIntelSwap(&run[1], row.code, row.count);
+        ASSERT_TRUE(run == single) << int{row.code};
+    }
     SetPIntelLimit(UINTPTR_MAX);
     for (const std::size_t size : {2U, 4U, 8U}) {
         for (const std::size_t fields : {1U, 7U, 16U, 17U, 1040U, 2500U}) {
@@ -71,6 +85,55 @@ TEST(RecordSwap, RunsOfFieldsEqualTheSameFieldsOneByOne) {
             }
         }
     }
+}
+
+TEST(RecordSwap, ARecordThatEndsAtItsLastPageIsSwappedWithin) {
+    std::mt19937 random(5);
+    const GuardedMemory records, tables;
+    int complete = 0, inside = 0;
+    for (int run = 0; run < 60'000; ++run) {
+        std::vector<unsigned char> record(random() % 80), table(random() % 12);
+        std::generate(record.begin(), record.end(), [&] {  // lengths, too
+            return random() % 2 == 0 ? 0 : random() % (run % 2 == 0 ? 256 : 32);
+        });
+        for (std::size_t at = 0; at < table.size(); ++at) {
+            const bool isHigh = at > 1 && table[at - 2] == 2;
+            table[at] = isHigh ? 0 : static_cast<unsigned char>(random() % 24);
+        }
+        if (run % 8 > 0) table.push_back(0);
+        const BoundedModel expected(record, table);
+        auto* const bytes = records.at(Place::End, record.size());
+        auto* const codes = tables.at(Place::End, table.size());
+        std::copy(record.begin(), record.end(), bytes);
+        std::copy(table.begin(), table.end(), codes);
+
+        std::size_t taken = 99;
+        const bool isComplete = SwapRecordWithin(bytes, record.size(), codes, table.size(), &taken);
+        ASSERT_EQ(isComplete, expected.isComplete) << run;
+        ASSERT_EQ(taken, expected.taken) << run;
+        ASSERT_TRUE(std::equal(expected.record.begin(), expected.record.end(), bytes)) << run;
+        complete += isComplete ? 1 : 0;
+        if (!expected.isInside) continue;
+        ++inside;
+        std::vector<unsigned char> longer = record;
+        longer.resize(16'384);
+        table.push_back(0);
+        table.resize(table.size() + 4);
+        LimitTabIntelSwap(longer.data(), table.data(), addressOf(longer.data()) + record.size());
+        longer.resize(record.size());
+        ASSERT_TRUE(longer == expected.record) << run;
+    }
+    EXPECT_GT(complete, 5'000);
+    EXPECT_GT(inside, 5'000);
+
+    std::uint8_t value[] = {1, 2, 3, 4};
+    const std::uint8_t table[] = {7, 0};
+    std::size_t taken = 99;
+    EXPECT_FALSE(SwapRecordWithin(nullptr, 4, table, 2, &taken));
+    EXPECT_EQ(taken, 0U);
+    EXPECT_FALSE(SwapRecordWithin(value, 4, nullptr, 2, nullptr));
+    EXPECT_TRUE(SwapRecordWithin(value, 4, table, 2, nullptr));
+    EXPECT_EQ(value[0], 4);
 }
 
 TEST(RecordSwap, TablesAndDescriptionsGoFieldByFieldAndLeaveTheLimitAsItWas) {

@@ -26,9 +26,19 @@ constexpr KernelVariant<const kernels::SampleKernels*> kVariants[] = {
     {"plain", runsEverywhere, &kernels::kSamplesPlain},
 };
 
+constexpr KernelVariant<const kernels::SampleConverters*> kFloat64Variants[] = {
+#ifdef VELTRA_KERNEL_FLOAT64_SSE2
+    {"sse2", [](const ProcessorFeatures& features) noexcept { return features.sse2; },
+     &kernels::kFloat64Sse2},
+#endif
+    {"plain", runsEverywhere, &kernels::kFloat64Plain},
+};
+
 }  // namespace
 
 constinit KernelChoice<const kernels::SampleKernels*> sampleKernels{"samples", kVariants};
+constinit KernelChoice<const kernels::SampleConverters*> float64Kernels{"float64",
+                                                                        kFloat64Variants};
 
 }  // namespace detail
 
@@ -36,10 +46,10 @@ namespace {
 
 kernels::SampleConverters convertersOf(std::int32_t format, bool swapped) noexcept {
     const kernels::SampleKernels& kernels = *detail::sampleKernels.current();
-    if (format >= kSampleInt8 && format <= kSampleInt32)
-        return kernels.integers[format - kSampleInt8][swapped ? 1 : 0];
-    if (format == kSampleFloat32) return kernels.float32;
-    if (format == kSampleFloat64 && !swapped) return kernels::kFloat64Plain;
+    if (format >= kVLSampleInt8 && format <= kVLSampleInt32)
+        return kernels.integers[format - kVLSampleInt8][swapped ? 1 : 0];
+    if (format == kVLSampleFloat32) return kernels.float32;
+    if (format == kVLSampleFloat64 && !swapped) return *detail::float64Kernels.current();
     return {[](float*, const void*, std::size_t, float*) noexcept {},
             [](void*, const float*, std::size_t, const float*) noexcept {}};
 }

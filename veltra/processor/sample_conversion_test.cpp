@@ -2,12 +2,12 @@
 #include "veltra/processor/sample_conversion.h"
 
 #include "veltra/processor/detail/sample_kernels.h"
+#include "veltra/processor/testing/float_modes.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <random>
 #include <span>
 #include <vector>
@@ -66,15 +66,32 @@ Bytes integersOf(Form form, const Floats& floats) {
     return bytes;
 }
 
-TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClippedInteger) {
-    Floats everyExponent;
-    for (std::uint32_t top = 0; top < 0x200; ++top) {  // with the sign
+// With every sign, and among others every infinity, NaN and denormal.
+Floats everyExponent() {
+    Floats floats;
+    for (std::uint32_t top = 0; top < 0x200; ++top) {
         for (std::uint32_t low : {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU})
-            everyExponent.push_back(std::bit_cast<float>(top << 23 | low));
+            floats.push_back(std::bit_cast<float>(top << 23 | low));
     }
+    return floats;
+}
+
+// `run` with each variant in force that runs here.
+template <class Run>
+void withEveryVariant(KernelFamily& family, Run run) {
+    for (std::size_t i = 0; i < family.variantCount(); ++i) {
+        if (!family.use(family.variantName(i))) continue;
+        SCOPED_TRACE(family.variantName(i));
+        run();
+    }
+    family.useBest();
+}
+
+TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClippedInteger) {
+    const Floats floatsOfAllKinds = everyExponent();
     const auto expectExact = [&](const Form form) {
         for (const std::size_t run : {64U, 8192U}) {
-            EXPECT_EQ(fromFloats(form, everyExponent, run), integersOf(form, everyExponent))
+            EXPECT_EQ(fromFloats(form, floatsOfAllKinds, run), integersOf(form, floatsOfAllKinds))
                 << form.format;
         }
         const int bits = 8 * form.format;
@@ -93,18 +110,84 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
             ASSERT_EQ(fromFloats(form, floats), integersOf(form, floats)) << start;
         }
     };
-    KernelFamily& family = detail::sampleKernels;
-    for (std::size_t i = 0; i < family.variantCount(); ++i) {
-        if (!family.use(family.variantName(i))) continue;
-        SCOPED_TRACE(family.variantName(i));
-        std::for_each(kIntegers.begin(), kIntegers.end(), expectExact);
-    }
-    family.useBest();
-    volatile float denormal = 1e-40F;
-    EXPECT_GT(denormal * 2, 0) << "the thread's arithmetic is not what it was";
+    withEveryVariant(detail::sampleKernels,
+                     [&] { std::for_each(kIntegers.begin(), kIntegers.end(), expectExact); });
 }
 
-TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidened) {
+// Bits of floats, halves of their distance and the neighbours of both, below and above the floats.
+std::vector<double> doublesOfAllKinds() {
+    std::vector<double> doubles;
+    for (std::uint64_t top = 0; top < 0x1000; ++top) {
+        for (const std::uint64_t low :
+             {0x0ULL, 0x1ULL, 0xFFFFFFFULL, 0x10000000ULL, 0x10000001ULL, 0x30000000ULL,
+              0x8000000000000ULL, 0xFFFFFEFFFFFFFULL, 0xFFFFFF0000000ULL, 0xFFFFFFFFFFFFFULL})
+            doubles.push_back(std::bit_cast<double>(top << 52 | low));
+    }
+    return doubles;
+}
+
+TEST(SampleConversion, DoublesBecomeTheNearestFloatAndFloatsTheirDouble) {
+    const std::vector<double> doubles = doublesOfAllKinds();
+    const Floats floats = everyExponent();
+    Bytes bytes(doubles.size() * sizeof(double));
+    std::memcpy(bytes.data(), doubles.data(), bytes.size());
+    withEveryVariant(detail::float64Kernels, [&] {
+        const Floats narrow = toFloats(kDouble, bytes);
+        for (std::size_t i = 0; i < doubles.size(); ++i) {
+            const auto bits = std::bit_cast<std::uint64_t>(doubles[i]);
+            auto expected = std::bit_cast<std::uint32_t>(static_cast<float>(doubles[i]));
+            if (std::isnan(doubles[i]))
+                expected = static_cast<std::uint32_t>(bits >> 32 & 0x80000000U) | 0x7FC00000U |
+                           static_cast<std::uint32_t>(bits >> 29 & 0x3FFFFFU);
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(narrow[i]), expected) << std::hex << bits;
+        }
+        const Bytes wide = fromFloats(kDouble, floats);
+        for (std::size_t i = 0; i < floats.size(); ++i) {
+            std::uint64_t bits = 0;
+            std::memcpy(&bits, &wide[i * sizeof bits], sizeof bits);
+            const auto narrowBits = std::bit_cast<std::uint32_t>(floats[i]);
+            auto expected = std::bit_cast<std::uint64_t>(static_cast<double>(floats[i]));
+            if (std::isnan(floats[i]))
+                expected = std::uint64_t{narrowBits & 0x80000000U} << 32 | 0x7FF8ULL << 48 |
+                           std::uint64_t{narrowBits & 0x3FFFFFU} << 29;
+            ASSERT_EQ(bits, expected) << std::hex << narrowBits;
+        }
+    });
+}
+
+TEST(SampleConversion, NoSettingOfTheThreadsArithmeticChangesABitOrIsChanged) {
+    const std::vector<double> doubles = doublesOfAllKinds();
+    const Floats floats = everyExponent();
+    Bytes stream(doubles.size() * sizeof(double));
+    std::memcpy(stream.data(), doubles.data(), stream.size());
+    for (const Form form : kForms) {
+        const Bytes expectedBytes = fromFloats(form, floats);
+        const Bytes expectedFloats = fromFloats(kFloat, toFloats(form, stream));
+        KernelFamily& family = form.format == -8
+                                   ? static_cast<KernelFamily&>(detail::float64Kernels)
+                                   : detail::sampleKernels;
+        withEveryVariant(family, [&] {
+            const auto to = GetConvertNToFloat(form.format, form.swapped);
+            const auto from = GetConvertFloatToN(form.format, form.swapped);
+            for (const FloatMode& mode : kFloatModes) {
+                Bytes bytes(expectedBytes.size()), ofFloats(expectedFloats.size());
+                bool isUntouched = false;
+                {
+                    const InFloatMode inMode(mode);
+                    from(bytes.data(), floats.data(), floats.size(), nullptr);
+                    to(reinterpret_cast<float*>(ofFloats.data()), stream.data(),
+                       stream.size() / form.size(), nullptr);
+                    isUntouched = inMode.isUntouched();
+                }
+                EXPECT_TRUE(isUntouched) << form.format << " mode " << &mode - kFloatModes;
+                EXPECT_TRUE(bytes == expectedBytes && ofFloats == expectedFloats)
+                    << form.format << " mode " << &mode - kFloatModes;
+            }
+        });
+    }
+}
+
+TEST(SampleConversion, FloatStreamsAreCopiedBitByBit) {
     const Floats floats{std::bit_cast<float>(0x7FA00001U), -0.0F, 1e-45F, 0.1F};
     Bytes copied(floats.size() * sizeof(float));
     std::memcpy(copied.data(), floats.data(), copied.size());
@@ -112,24 +195,17 @@ TEST(SampleConversion, FloatStreamsAreCopiedBitByBitAndDoublesAreRoundedOrWidene
         EXPECT_EQ(fromFloats({-4, swapped}, floats), copied);
         EXPECT_EQ(fromFloats(kFloat, toFloats({-4, swapped}, copied)), copied);
     }
-    const double doubles[] = {0.1, -1e300, 1e-45, 1.0 + 0x1p-24, 1.0 + 0x3p-24};
-    Bytes bytes(sizeof doubles);
-    std::memcpy(bytes.data(), doubles, sizeof doubles);
-    const Floats narrow{0.1F, -std::numeric_limits<float>::infinity(), 1e-45F, 1.0F,
-                        1.0F + 0x1p-22F};
-    EXPECT_EQ(toFloats(kDouble, bytes), narrow);
-    EXPECT_EQ(toFloats(kDouble, fromFloats(kDouble, narrow)), narrow);
 }
 
 // What one channel gives is proved above; every other shape must agree with it.
 void expectAgreement(Form form, std::size_t count, bool stereo, bool inPlace) {
     static std::mt19937 random(1);
     std::uniform_real_distribution<float> distribution(-1.25F, 1.25F);
-    Floats noise(1300);
+    Floats noise(10'000);
     std::generate(noise.begin(), noise.end(), [&] { return distribution(random); });
     Bytes arena = fromFloats(kFloat, noise);
     arena.insert(arena.begin(), 0);  // so that all three buffers lie at odd addresses
-    const std::size_t first = 13, second = 2013, stream = inPlace ? first : 4013;
+    const std::size_t first = 13, second = 17'013, stream = inPlace ? first : 22'013;
     auto* const mono = reinterpret_cast<float*>(&arena[first]);
     auto* const other = stereo ? reinterpret_cast<float*>(&arena[second]) : nullptr;
 
@@ -162,7 +238,7 @@ void expectAgreement(Form form, std::size_t count, bool stereo, bool inPlace) {
 
 TEST(SampleConversion, TwoChannelsAndInPlaceAgreeWithOneChannelAndNothingElseIsWritten) {
     for (const Form form : kForms) {
-        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U}) {
+        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U, 255U, 256U, 257U, 1000U}) {
             for (const int shape : {0, 1, 2, 3}) {
                 SCOPED_TRACE(::testing::Message() << form.format << form.swapped << count << shape);
                 expectAgreement(form, count, shape / 2 != 0, shape % 2 != 0);

@@ -17,6 +17,37 @@
 
 namespace veltra {
 
+namespace detail {
+
+namespace {
+
+#ifdef VELTRA_KERNEL_UTF8_AVX512
+bool hasAvx512(const ProcessorFeatures& features) noexcept {
+    return features.avx512f && features.avx512bw && features.bmi && features.bmi2;
+}
+#endif
+#ifdef VELTRA_KERNEL_UTF8_AVX2
+bool hasAvx2(const ProcessorFeatures& features) noexcept {
+    return features.avx2 && features.bmi && features.bmi2;
+}
+#endif
+
+constexpr KernelVariant<const kernels::Utf8Kernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_UTF8_AVX512
+    {"avx512", hasAvx512, &kernels::kUtf8Avx512},
+#endif
+#ifdef VELTRA_KERNEL_UTF8_AVX2
+    {"avx2", hasAvx2, &kernels::kUtf8Avx2},
+#endif
+    {"plain", runsEverywhere, &kernels::kUtf8Plain},
+};
+
+}  // namespace
+
+constinit KernelChoice<const kernels::Utf8Kernels*> utf8Kernels{"utf8", kVariants};
+
+}  // namespace detail
+
 namespace {
 
 constexpr std::uint32_t kNotice = 5;
@@ -24,6 +55,10 @@ constexpr std::size_t kLongestCharacter = 6;
 constexpr std::size_t kCopyPiece = 16384;  // stays in the nearest cache between its two readings
 
 using StringPointer = std::unique_ptr<const VLString, decltype(&releaseString)>;
+
+const kernels::Utf8Kernels& utf8Kernels() noexcept {
+    return *detail::utf8Kernels.current();
+}
 
 std::string_view textFrom(const char* text) noexcept {
     return text != nullptr ? std::string_view(text) : std::string_view();
@@ -70,10 +105,10 @@ void copyCharacters(char* destination, const char* source, std::size_t capacity)
         atEnd = end != nullptr;
         if (atEnd)
             piece = static_cast<std::size_t>(static_cast<const char*>(end) - source) - length;
-        std::memcpy(destination + length, source + length, piece);
+        std::memmove(destination + length, source + length, piece);
         length += piece;
     }
-    const std::size_t whole = wholeCharacters(source, length, capacity);
+    const std::size_t whole = wholeCharacters(destination, length, capacity);
     std::memset(destination + whole, 0, capacity - whole);
 }
 
@@ -121,7 +156,7 @@ void logWellFormed(const char* text, const char* complaint, Describe describe) n
 
 void convertToLegacy(char* destination, const char* source, std::size_t capacity,
                      const VLString** lost) noexcept {
-    if (lost != nullptr) *lost = nullptr;
+    if (lost != nullptr && capacity > 0) *lost = nullptr;
     if (destination == nullptr) return;
     destination[0] = '\0';
     if (capacity == 0) return;
@@ -166,7 +201,7 @@ int utf8_verify() noexcept {
 
 int utf8_is_ascii(const char* text, size_t length) noexcept {
     if (text == nullptr) return 0;
-    const Utf8Kernels& kernels = utf8Kernels();
+    const kernels::Utf8Kernels& kernels = utf8Kernels();
     const std::size_t run =
         length == 0 ? kernels.asciiLength(text) : kernels.asciiLengthWithin(text, length);
     return (length != 0 && run == length) || text[run] == '\0' ? 1 : 0;

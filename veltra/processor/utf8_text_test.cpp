@@ -53,6 +53,34 @@ TEST(Utf8Text, EveryVariantAgreesOnLongTextsAndReadsNoOtherPage) {
     EXPECT_THAT(valid, testing::AllOf(testing::Gt(500), testing::Lt(1400)));
 }
 
+TEST(Utf8Text, TextsLongerThanThePiecesOfACopyAreCopiedWhole) {
+    for (const std::size_t size : {16'383U, 16'384U, 16'385U, 32'769U, 49'000U}) {
+        std::string text;
+        for (std::size_t number = 0; text.size() < size; ++number)
+            text += std::to_string(number) += "\xE2\x82\xAC";
+        ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << size;
+    }
+}
+
+TEST(Utf8Text, AFileNameIsWrittenWholeOrNotAtAll) {
+    const struct {
+        const char* source;
+        std::size_t capacity;
+        int result;
+        const char* expected;
+    } rows[] = {{"caf\xC3\xA9", 6, 1, "caf\xC3\xA9"},
+                {"caf\xC3\xA9", 5, 0, ""},
+                {"", 1, 1, ""},
+                {"a\xC3", 6, 0, ""},
+                {"\xED\xA0\x80", 6, 0, ""},
+                {"a", 0, 0, "######"}};
+    for (const auto& row : rows) {
+        char name[] = "######";
+        EXPECT_EQ(utf8_to_fileSystemRepresentation(name, row.source, row.capacity), row.result);
+        EXPECT_STREQ(name, row.expected) << row.source;
+    }
+}
+
 TEST(Utf8Text, NullAndNoRoomHaveNeutralAnswers) {
     char byte = '#';
     EXPECT_EQ(utf8_strlen(nullptr), 0U);
@@ -108,8 +136,12 @@ TEST(Utf8Text, TheLegacyEncodingSubstitutesCutsAndTellsWhatWasLost) {
     };
     for (const auto& row : rows) {
         std::vector<char> text(row.capacity + 1, '#'), pascal = text, lostText(8);
-        const VLString* lost = nullptr;
+        const VLString* const before = utf8_to_cfstring("before");
+        const VLString* lost = before;
         utf8_to_fsspecFileSystemCString(text.data(), row.source, row.capacity, &lost);
+        EXPECT_EQ(lost == before, row.capacity == 0);
+        if (lost == before) lost = nullptr;
+        VLStringRelease(before);
         utf8_from_cfstring(lostText.data(), lost, lostText.size());
         EXPECT_STREQ(text.data(), row.expected);
         EXPECT_STREQ(lostText.data(), row.lost) << row.source;

@@ -4,6 +4,8 @@
 // Thread: any. Realtime-safe: yes.
 #pragma once
 
+#include "veltra/export.h"
+
 #include <algorithm>
 
 namespace veltra {

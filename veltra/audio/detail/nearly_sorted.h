@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Short and nearly sorted lists.
 //
-// A list that is sorted but for few outliers costs a look at each transient and moving it twice:
-// the outliers are taken out, sorted by themselves, and merged in again.
+// Two kinds of disorder cost less than a sort. Records that are a few places away from where they
+// belong are put right by insertion. Single records that are far away are outliers: they are taken
+// out, sorted by themselves, and merged in again. Both attempts give up after a number of steps
+// that is proportional to the number of records they have seen.
 #pragma once
 
 #include "veltra/audio/detail/transient_sort.h"
@@ -53,57 +55,114 @@ void insertionSort(const Record* from, Record* to, std::size_t count) noexcept {
     }
 }
 
+// Sorts by insertion, from the record `first` on, as long as records move few places on average.
+// Otherwise answers false; the list then has the same records, equal ones in the same order.
+template <typename Order>
+bool sortByShortMoves(std::span<CTransient> list, std::size_t first) noexcept {
+    constexpr std::size_t kFew = 2, kAtOnce = 32;
+    std::size_t moves = 0;
+    for (std::size_t index = first; index < list.size(); ++index) {
+        if (!Order::less(list[index], list[index - 1])) continue;
+        const CTransient moved = list[index];
+        std::size_t place = index;
+        do {
+            list[place] = list[place - 1];
+            --place;
+        } while (place > 0 && Order::less(moved, list[place - 1]));
+        list[place] = moved;
+        moves += index - place;
+        if (moves > kFew * (index - first) + kAtOnce) return false;
+    }
+    return true;
+}
+
+// The records that are kept in their places, as runs of neighbours: a stack, the last one on top.
+class KeptRecords {
+public:
+    struct Run {
+        std::uint32_t begin, end;
+    };
+
+    explicit KeptRecords(Run* memory) noexcept : m_runs(memory) {}
+
+    std::span<const Run> runs() const noexcept { return {m_runs, m_runCount}; }
+    std::size_t count() const noexcept { return m_count; }
+    std::size_t last() const noexcept { return m_runs[m_runCount - 1].end - 1; }
+
+    // The one that has `depth` others above it.
+    std::size_t under(std::size_t depth) const noexcept {
+        const Run* run = m_runs + m_runCount - 1;
+        for (; depth >= run->end - run->begin; --run)
+            depth -= run->end - run->begin;
+        return run->end - 1 - depth;
+    }
+    void push(std::size_t begin, std::size_t end) noexcept {
+        const Run run = {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)};
+        if (m_runCount == 0 || m_runs[m_runCount - 1].end != run.begin)
+            m_runs[m_runCount++] = run;
+        else
+            m_runs[m_runCount - 1].end = run.end;
+        m_count += end - begin;
+    }
+    void pop() noexcept {
+        Run& top = m_runs[m_runCount - 1];
+        if (--top.end == top.begin) --m_runCount;
+        --m_count;
+    }
+
+private:
+    Run* m_runs;
+    std::size_t m_runCount = 0, m_count = 0;
+};
+
 // Among so many transients.
-inline std::size_t mostOutliers(std::size_t count) noexcept {
+constexpr std::size_t mostOutliers(std::size_t count) noexcept {
     return count / 8 + 16;
 }
 
-// Marks the transients without which the list is sorted: not the fewest there are, but near. An
-// element that is less than the last one kept is an outlier, or the last one is, when it fits the
-// one before; when several in a row do not fit, those kept before them are, unless they are more.
-// Answers how many there are; 0 when there are too many.
+// Keeps nearly as many records as can be kept in sorted order; false when too many are outliers.
+//
+// A record that is less than the last one kept is an outlier. There are two exceptions, for then
+// it is the records kept before it that are out of place:
+// - Without the last one kept it fits: then that one is the outlier, and this one is kept.
+// - It ends a row of outliers, and the kept records that are greater than all of the row are no
+//   more than the row: then those are outliers, and the row is looked at again.
 template <typename Order>
-std::size_t markOutliers(std::span<const CTransient> list, unsigned char* marks) noexcept {
-    constexpr std::size_t kRow = 4;
-    constexpr std::size_t kNone = ~std::size_t{0};
-    std::memset(marks, 0, list.size());
-    std::size_t marked = 0, row = 0, last = 0, beforeLast = kNone;
-    for (std::size_t index = 1; index < list.size(); ++index) {
-        if (last == kNone || !Order::less(list[index], list[last])) {
-            beforeLast = last;
-            last = index;
+bool keepSorted(std::span<const CTransient> list, KeptRecords& kept) noexcept {
+    constexpr std::size_t kLeastRow = 4;
+    std::size_t row = 0, seenAgain = 0;
+    for (std::size_t index = 0; index < list.size(); ++index) {
+        if (kept.count() == 0 || !Order::less(list[index], list[kept.last()])) {
+            const std::size_t begin = index;
+            while (index + 1 < list.size() && !Order::less(list[index + 1], list[index]))
+                ++index;
+            kept.push(begin, index + 1);
             row = 0;
             continue;
         }
-        if (++marked > mostOutliers(index)) return 0;
-        if (row == 0 && beforeLast != kNone && !Order::less(list[index], list[beforeLast])) {
-            marks[last] = 1;
-            last = index;
-            continue;
+        if (index + 1 - kept.count() > mostOutliers(index)) return false;
+        if (row == 0) {
+            const std::size_t last = kept.last();
+            kept.pop();
+            const bool fits = kept.count() > 0 && !Order::less(list[index], list[kept.last()]);
+            const std::size_t chosen = fits ? index : last;
+            kept.push(chosen, chosen + 1);
+            if (fits) continue;
         }
-        marks[index] = 1;
         ++row;
-        if (row < kRow || !std::has_single_bit(row)) continue;
+        if (row < kLeastRow || !std::has_single_bit(row)) continue;  // few looks at a long row
 
-        const std::size_t first = index + 1 - row;
-        const CTransient& greatest =
-            *std::max_element(list.data() + first, list.data() + index + 1, Order::less);
-        std::size_t kept = last, dropped = 0;
-        for (; kept != kNone && dropped <= row; kept = kept == 0 ? kNone : kept - 1) {
-            if (marks[kept] != 0) continue;
-            if (!Order::less(greatest, list[kept])) break;
-            ++dropped;
-        }
-        if (dropped > row) continue;  // then it is the row that is out of place
-        for (; last != kept; last = last == 0 ? kNone : last - 1)
-            marks[last] = 1;
-        std::memset(marks + first, 0, row);
-        marked += dropped - row;
-        beforeLast = kNone;
+        const CTransient* const end = list.data() + index + 1;
+        const CTransient& greatest = *std::max_element(end - row, end, Order::less);
+        if (kept.count() > row && Order::less(greatest, list[kept.under(row)])) continue;
+        while (kept.count() > 0 && Order::less(greatest, list[kept.last()]))
+            kept.pop();
+        seenAgain += row;
+        if (seenAgain > list.size()) return false;
+        index -= row;
         row = 0;
-        index = first - 1;
     }
-    return marked <= mostOutliers(list.size()) ? marked : 0;
+    return list.size() - kept.count() <= mostOutliers(list.size());
 }
 
 // Sorts the list when it is nearly sorted; otherwise answers false and leaves it as it is.
@@ -112,43 +171,43 @@ std::size_t markOutliers(std::span<const CTransient> list, unsigned char* marks)
 template <typename Order, typename SortOutliers>
 bool sortNearlySorted(std::span<CTransient> list, void* scratch,
                       SortOutliers sortOutliers) noexcept {
-    constexpr std::size_t kLeast = 128;  // from here on marks and outliers fit the scratch
+    constexpr std::size_t kLeast = 128;  // from here on runs and outliers fit the scratch
     const std::size_t size = list.size();
     if (size < kLeast) return false;
-    auto* const marks = static_cast<unsigned char*>(scratch);
-    const std::size_t count = markOutliers<Order>(list, marks);
-    if (count == 0) return false;
+    KeptRecords kept(static_cast<KeptRecords::Run*>(scratch));
+    if (!keepSorted<Order>(list, kept)) return false;
 
-    auto* const outliers = reinterpret_cast<Outlier*>(marks + (size / 8 + 1) * 8);
+    auto* const outliers = reinterpret_cast<Outlier*>(static_cast<KeptRecords::Run*>(scratch) +
+                                                      mostOutliers(size) + 2);
     CTransient* const records = list.data();
-    std::size_t kept = 0, taken = 0;
-    for (std::size_t index = 0; index < size;) {
-        const void* const found = std::memchr(marks + index, 1, size - index);
-        const std::size_t end =
-            found == nullptr
-                ? size
-                : static_cast<std::size_t>(static_cast<const unsigned char*>(found) - marks);
-        if (kept != index)
-            std::memmove(static_cast<void*>(records + kept), records + index,
-                         (end - index) * sizeof(CTransient));
-        kept += end - index;
-        if (end < size) outliers[taken++] = {records[end], static_cast<std::uint32_t>(kept)};
-        index = end + 1;
+    std::size_t keptCount = 0, taken = 0, index = 0;
+    const auto takeOut = [&](std::size_t end) {
+        for (; index < end; ++index)
+            outliers[taken++] = {records[index], static_cast<std::uint32_t>(keptCount)};
+    };
+    for (const auto& [begin, end] : kept.runs()) {
+        takeOut(begin);
+        if (keptCount != begin)
+            std::memmove(static_cast<void*>(records + keptCount), records + begin,
+                         (end - begin) * sizeof(CTransient));
+        keptCount += end - begin;
+        index = end;
     }
-    sortOutliers(outliers, outliers + count, count);
+    takeOut(size);
+    sortOutliers(outliers, outliers + taken, taken);
 
     std::size_t out = size;
     while (taken > 0) {
         const Outlier& outlier = outliers[--taken];
-        std::size_t first = kept;
+        std::size_t first = keptCount;
         while (first > 0 &&
                (Order::less(outlier, records[first - 1]) ||
                 (first > outlier.keptBefore && !Order::less(records[first - 1], outlier))))
             --first;
-        out -= kept - first;
+        out -= keptCount - first;
         std::memmove(static_cast<void*>(records + out), records + first,
-                     (kept - first) * sizeof(CTransient));
-        kept = first;
+                     (keptCount - first) * sizeof(CTransient));
+        keptCount = first;
         records[--out] = outlier;
     }
     return true;

@@ -5,7 +5,7 @@
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/process.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -50,4 +50,4 @@ bool BannerText::compose(const char* tag, std::string_view separator) noexcept {
     return true;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-namespace veltra {
+namespace veltra::detail {
 
 class BannerText {
 public:
@@ -25,4 +25,4 @@ private:
     std::size_t m_timeLength = 0;
 };
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -108,6 +108,7 @@ bool LeakTail::names(const LeakRecord& record) const noexcept {
 }
 
 void LeakTail::write(const LeakRecord& record) noexcept {
+    if (m_bytes == nullptr) return;  // an allocator that does not tell how large its blocks are
     const void* const address = &record;
     std::memset(m_bytes, 0, kSize);
     std::memcpy(m_bytes + kSignature, kSignatureText, sizeof kSignatureText);
@@ -118,4 +119,4 @@ void LeakTail::clear() noexcept {
     std::memset(m_bytes + kSignature, 0, kAddress + sizeof(void*) - kSignature);
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace veltra {
+namespace veltra::detail {
 
 inline constexpr std::size_t kLeakGuardAddresses = 16;
 
@@ -16,6 +16,7 @@ struct LeakRecord {
     LeakRecord* previous = nullptr;  // null: not in the history
     void* block = nullptr;           // null: the block is being reallocated
     std::size_t size = 0;            // as it was asked for
+    std::size_t blocks = 1;          // more only in a report, where equal stacks are put together
     std::array<std::uintptr_t, kLeakGuardAddresses> returnAddresses{};  // innermost first, then 0
     LeakRecord* chain = nullptr;  // the next in the same bucket
 };
@@ -90,4 +91,4 @@ private:
     char* m_bytes;
 };
 
-}  // namespace veltra
+}  // namespace veltra::detail

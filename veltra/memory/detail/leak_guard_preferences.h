@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace veltra {
+namespace veltra::detail {
 
 // Values are exchanged under the lock and made and destroyed outside it, because making them
 // allocates.
@@ -19,9 +19,10 @@ public:
     LeakGuardPreferences& operator=(const LeakGuardPreferences&) = delete;
 
     // Reads the application's preferences; before everything else, on one thread.
-    //     LeakGuard             dictionary: group to dictionary of key to number or numeric string
-    //     LeakGuardEnabled      truth value; without it the guard is off
-    //     LeakGuardPrintLimit   how many leaks a report shows in full; 0, the default, for all
+    //     LeakGuard             dictionary: group to dictionary of key to number or text, which
+    //     counts as far as it is a number LeakGuardEnabled      truth value; without it the guard
+    //     is off LeakGuardPrintLimit   how many leaks a report shows in full; 0, the default, for
+    //     all
     void load() noexcept;
 
     bool isEnabled() const noexcept { return m_isEnabled; }
@@ -50,4 +51,9 @@ private:
     std::uint64_t m_printLimit = 0;
 };
 
-}  // namespace veltra
+// The guard's preferences, and null when it is off. The first call reads them and, if they say so,
+// puts the guard to work.
+// Thread: any but audio. Realtime-safe: no.
+LeakGuardPreferences* leakGuardInForce() noexcept;
+
+}  // namespace veltra::detail

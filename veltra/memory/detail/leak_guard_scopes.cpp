@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace veltra {
+namespace veltra::detail {
 
 bool OpenScopes::contain(const OpenScope& scope) const noexcept {
     return std::any_of(m_scopes, m_scopes + m_count, [&](const OpenScope& open) {
@@ -56,4 +56,4 @@ bool ScopesAround::contains(const FrameIdentity& frame) const noexcept {
            m_frames.begin() + m_count;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace veltra {
+namespace veltra::detail {
 
 struct OpenScope {
     FrameIdentity frame;
@@ -67,4 +67,4 @@ private:
     bool m_isComplete = true;
 };
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -29,7 +29,7 @@
 #include <new>
 #include <utility>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -312,4 +312,4 @@ void freeLeakRecord(LeakRecord* record) noexcept {
     dispose(record);
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -5,7 +5,7 @@
 #include "veltra/memory/detail/leak_guard_history.h"
 #include "veltra/platform/stack_walk.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 // What this thread allocates during its life belongs to the guard and is not recorded.
 class Unrecorded {
@@ -33,4 +33,4 @@ void closeLeakScope(const FrameIdentity& frame) noexcept;
 LeakRecord* takeLeakRecords() noexcept;
 void freeLeakRecord(LeakRecord* record) noexcept;
 
-}  // namespace veltra
+}  // namespace veltra::detail

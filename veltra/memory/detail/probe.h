@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-namespace veltra {
+namespace veltra::detail {
 
 // The block is volatile because a compiler may otherwise leave out an allocation that nobody uses,
 // and find that memory is never short. It is not touched: it takes address space, no pages.
@@ -17,4 +17,4 @@ inline bool canAllocate(std::size_t size) noexcept {
     return true;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/detail/reserve_blocks.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <new>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -16,15 +15,26 @@ bool freeTaken(const ZoneEntries& zone, std::atomic<void*>& block) noexcept {
     return true;
 }
 
+struct Fragment {
+    Fragment* older;
+};
+
+// A fragment of less than a pointer's size is mostly had in a block that holds a pointer all the
+// same. Where it is not, it is asked for as large.
+void* takeFragment(const ZoneEntries& zone, std::size_t size) noexcept {
+    void* block = zone.allocate(size);
+    if (block == nullptr || size >= sizeof(Fragment) || zone.size(block) >= sizeof(Fragment))
+        return block;
+    zone.free(block);
+    return zone.allocate(sizeof(Fragment));
+}
+
 // `count` blocks, each of which points to the one taken before it: no list has to be kept for them.
 bool areAvailable(const ZoneEntries& zone, std::uint64_t count, std::size_t size) noexcept {
-    struct Fragment {
-        Fragment* older;
-    };
     Fragment* newest = nullptr;
     std::uint64_t taken = 0;
     for (; taken < count; ++taken) {
-        void* block = zone.allocate(std::max(size, sizeof(Fragment)));
+        void* block = takeFragment(zone, size);
         if (block == nullptr) break;
         newest = new (block) Fragment{newest};
     }
@@ -86,4 +96,4 @@ bool isAvailableInFragments(const ZoneEntries& zone, std::size_t total,
     return false;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

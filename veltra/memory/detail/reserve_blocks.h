@@ -11,7 +11,7 @@
 #include <atomic>
 #include <cstddef>
 
-namespace veltra {
+namespace veltra::detail {
 
 // Whether the main reserve may be taken in pieces.
 enum class ReserveMode { Corvid, Marquee };
@@ -46,4 +46,4 @@ private:
 bool isAvailableInFragments(const ZoneEntries& zone, std::size_t total,
                             std::size_t minimum) noexcept;
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -4,9 +4,9 @@
 
 #include "veltra/memory/detail/reserve_blocks.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 // No operation changes it; tests do, while nobody has entered.
 extern ReserveMode reserveMode;
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -2,11 +2,18 @@
 // Tells whoever reads the log when the services on the zone are called in vain.
 #pragma once
 
-namespace veltra {
+#include <span>
+
+namespace veltra::detail {
 
 // Logs one warning, once in the life of the process, when the zone in force is the process's own
-// and no allocation of the process reaches it. errno stays as it was.
+// and not every allocation of the process reaches it. errno stays as it was.
 // Thread: any but audio. Realtime-safe: no.
 void noticeUncoveredZone() noexcept;
 
-}  // namespace veltra
+// The text of that warning for a coverage other than AllocationZone::kFull, NUL-terminated and cut
+// to fit.
+void writeZoneNotice(std::span<char> text, unsigned coverage, const char* mallocOrigin,
+                     const char* operatorNewOrigin) noexcept;
+
+}  // namespace veltra::detail

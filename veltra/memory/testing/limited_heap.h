@@ -5,6 +5,8 @@
 
 #include "veltra/platform/allocation_zone.h"
 
+#include <cerrno>
+
 #include <malloc.h>
 
 extern "C" {
@@ -28,6 +30,7 @@ struct LimitedHeap {
         if (cost == 0) return true;
         ++requests;
         last = cost;
+        errno = ENOMEM;  // as a heap that refuses; without a meaning else
         if (cost > largest) return false;
         const bool isEnough = available.fetch_sub(cost) >= cost;
         if (!isEnough) available += cost;

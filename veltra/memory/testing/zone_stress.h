@@ -9,6 +9,7 @@
 #include "veltra/platform/testing/child_process.h"
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <random>
 #include <thread>
@@ -28,7 +29,10 @@ public:
 // Every seventh request of such a size fails, on any thread; only the stress makes such requests.
 inline bool isRefused(std::size_t size) noexcept {
     static std::atomic<unsigned> turn{0};
-    return size > 1024 && size % 32 == 31 && turn.fetch_add(1, std::memory_order_relaxed) % 7 == 0;
+    const bool isRefusing =
+        size > 1024 && size % 32 == 31 && turn.fetch_add(1, std::memory_order_relaxed) % 7 == 0;
+    if (isRefusing) errno = ENOMEM;
+    return isRefusing;
 }
 
 // Blocks of random size and alignment, each full of the letter of its size.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_helper.h"
 
+#include "veltra/base/whole_characters.h"
 #include "veltra/platform/alert_protocol.h"
 #include "veltra/platform/linux/alert_helper_search.h"
 #include "veltra/platform/linux/alert_ways.h"
@@ -50,7 +51,8 @@ public:
 private:
     static std::string argument(std::string_view name, std::string_view value) {
         std::string text(name);
-        text += value.substr(0, kLongestText);
+        text +=
+            value.size() > kLongestText ? wholeCharacters(value.substr(0, kLongestText)) : value;
         std::replace(text.begin(), text.end(), '\0', ' ');
         return text;
     }

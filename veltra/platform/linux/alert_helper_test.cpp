@@ -43,7 +43,8 @@ protected:
     }
 
     // A helper that answers or ends has all the time that a busy machine takes.
-    std::optional<AlertAnswer> ask(const std::string& script, Nanoseconds grace = seconds(60.0)) const {
+    std::optional<AlertAnswer> ask(const std::string& script,
+                                   Nanoseconds grace = seconds(60.0)) const {
         return askHelper(kAlert, program("helper", script).c_str(), grace);
     }
 
@@ -91,6 +92,19 @@ TEST_F(AlertHelperTest, TextsArriveAsTheyAreAndNothingElseOfTheHostDoes) {
                                 "[--timeout=300]"),
                       HasSubstr("/fd/1"), Not(HasSubstr("/fd/77")), Not(HasSubstr("survives"))));
     ::close(leaky);
+}
+
+TEST_F(AlertHelperTest, ALongTextIsCutBetweenTwoCharacters) {
+    std::string notes;
+    while (notes.size() < 20'000)
+        notes += "\xE2\x99\xAA";
+    Alert alert = kAlert;
+    alert.message = notes;
+    const std::string script = "printf %s \"$3\" > " + (m_folder / "written") + "; echo default";
+    askHelper(alert, program("helper", script).c_str(), seconds(60));
+    std::ifstream written(m_folder / "written");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}),
+              "--message=" + notes.substr(0, 16'383));
 }
 
 TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGetTheAnswerToo) {

@@ -125,5 +125,26 @@ TEST(TerminalAlert, BackgroundProcessesLeaveTheTerminalAlone) {
     EXPECT_EQ(play({.answer = std::nullopt, .isInBackground = true}), "");
 }
 
+// A clock that asks a second question in the middle of the first.
+class AskingClocks final : public Clocks {
+public:
+    ClockReading monotonic() const noexcept override {
+        if (++readings == 2)  // the first one set the deadline
+            second = askOnTerminal({"Second", "?", "a", "b", "c", milliseconds(200)});
+        return real.monotonic();
+    }
+    WallTime wall() const noexcept override { return {}; }
+    const Clocks& real = Clocks::current();
+    mutable int readings = 0;
+    mutable std::optional<AlertAnswer> second = AlertAnswer::TimedOut;
+};
+
+TEST(TerminalAlert, ASecondQuestionLeavesATakenTerminalAlone) {
+    const auto clocks = std::make_unique<AskingClocks>();
+    Clocks::install(clocks.get());
+    EXPECT_THAT(play({.typed = "2\n", .answer = AlertAnswer::Alternate}), Not(HasSubstr("Second")));
+    Clocks::install(nullptr);
+}
+
 }  // namespace
 }  // namespace veltra

@@ -10,6 +10,7 @@
 #include <new>
 
 #include <dlfcn.h>
+#include <link.h>
 
 VELTRA_DECLARE_SECTION(veltra_zone)
 
@@ -61,6 +62,40 @@ unsigned probe() noexcept {
     return found;
 }
 
+// Whether `map` itself defines `name`, and not only something that it needs.
+bool defines(const link_map* map, const char* name) noexcept {
+    void* const handle = ::dlopen(map->l_name, RTLD_NOLOAD | RTLD_LAZY);
+    if (handle == nullptr) return false;
+    Dl_info info{};
+    void* home = nullptr;
+    const void* found = ::dlsym(handle, name);
+    const bool isKnown = found != nullptr && ::dladdr1(found, &info, &home, RTLD_DL_LINKMAP) != 0;
+    ::dlclose(handle);
+    return isKnown && home == map;
+}
+
+const char* definedBehind(const link_map* program, const char* name) noexcept {
+    for (const link_map* map = program->l_next; map != nullptr; map = map->l_next)
+        if (defines(map, name)) return map->l_name;
+    return "?";
+}
+
+// In a program that is not position-independent, the address that everybody takes a library's
+// function to have may be that of the program's own jump to it: a symbol of no section there.
+const char* originOf(const void* function) noexcept {
+    Dl_info info{};
+    void* symbol = nullptr;
+    void* home = nullptr;
+    if (function == nullptr || ::dladdr1(function, &info, &symbol, RTLD_DL_SYMENT) == 0 ||
+        info.dli_fname == nullptr)
+        return "?";
+    if (symbol == nullptr || static_cast<const ElfW(Sym)*>(symbol)->st_shndx != SHN_UNDEF)
+        return info.dli_fname;
+    const char* const name = info.dli_sname;
+    if (name == nullptr || ::dladdr1(function, &info, &home, RTLD_DL_LINKMAP) == 0) return "?";
+    return definedBehind(static_cast<const link_map*>(home), name);
+}
+
 }  // namespace
 
 ZoneEntries AllocationZone::entries() const noexcept {
@@ -83,10 +118,12 @@ unsigned AllocationZone::coverage() noexcept {
 }
 
 const char* AllocationZone::mallocOrigin() noexcept {
-    Dl_info info{};
-    const void* malloc = ::dlsym(RTLD_DEFAULT, "malloc");
-    if (malloc == nullptr || ::dladdr(malloc, &info) == 0 || info.dli_fname == nullptr) return "?";
-    return info.dli_fname;
+    return originOf(::dlsym(RTLD_DEFAULT, "malloc"));
+}
+
+const char* AllocationZone::operatorNewOrigin() noexcept {
+    using New = void* (*)(std::size_t);
+    return originOf(reinterpret_cast<const void*>(static_cast<New>(&::operator new)));
 }
 
 AllocationZone& AllocationZone::process() noexcept {

@@ -2,6 +2,7 @@
 // Standard error as descriptor 2.
 #pragma once
 
+#include "veltra/platform/linux/loss_count.h"
 #include "veltra/platform/standard_error.h"
 
 #include <atomic>
@@ -40,6 +41,9 @@ struct StandardErrorCalls {
 // alone; what is left is asked whether it has room, and given little at a time. (Between asking and
 // giving, another process could fill the room: only a terminal that this process may not open is
 // ever in that place.)
+//
+// Lines that were cut or lost are counted. The next one begins on a line of its own and is preceded
+// by "veltra: lines cut or lost here: <count>".
 class DescriptorStandardError final : public StandardError {
 public:
     DescriptorStandardError() noexcept;
@@ -50,11 +54,17 @@ public:
     void write(const Status& status, const Pieces& pieces) noexcept override;
 
 private:
+    void writeLine(const Status& status, UnwrittenLine& line, SignalHold& signals) noexcept;
     int writeAll(UnwrittenLine& line, int descriptor) const noexcept;
     int writeWithoutWaiting(Kind kind, UnwrittenLine& line) noexcept;
     int writeIntoRoom(UnwrittenLine& line) const noexcept;
 
     StandardErrorCalls m_calls;
+    // Under the lock that keeps lines apart.
+    LossCount m_lost;
+    bool m_isOpen = false;           // the last line was cut before its end,
+    std::uint64_t m_openDevice = 0;  // in this file
+    std::uint64_t m_openInode = 0;
     std::atomic<bool> m_pipesRefuseNoWait{false};   // any thread
     std::atomic<bool> m_othersRefuseNoWait{false};  // any thread
 };

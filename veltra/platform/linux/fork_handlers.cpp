@@ -22,14 +22,11 @@ using Locks = std::array<std::atomic<AdaptiveLock*>, 16>;
 
 // Locks are stored with release order and loaded with acquire order: they are seen as they were
 // when they were added.
-constinit Locks s_reset{};
-constinit Locks s_held{};
+constinit Locks resetLocks{};
+constinit Locks heldLocks{};
 
-// How many of s_held this thread's fork has taken: a lock may be added in the middle of a fork.
-VELTRA_NEVER_ALLOCATED constinit thread_local std::size_t t_taken = 0;
-
-// Written only in a forked child, while it has one thread; so relaxed throughout.
-constinit std::atomic<std::uint32_t> s_generation{1};
+// How many of heldLocks this thread's fork has taken: a lock may be added in the middle of a fork.
+VELTRA_NEVER_ALLOCATED constinit thread_local std::size_t takenCount = 0;
 
 AdaptiveLock* lockAt(const Locks& locks, std::size_t index) noexcept {
     return index < locks.size() ? locks[index].load(std::memory_order_acquire) : nullptr;
@@ -37,25 +34,24 @@ AdaptiveLock* lockAt(const Locks& locks, std::size_t index) noexcept {
 
 void beforeFork() noexcept {
     std::size_t count = 0;
-    while (AdaptiveLock* const lock = lockAt(s_held, count)) {
+    while (AdaptiveLock* const lock = lockAt(heldLocks, count)) {
         lock->lock();
         ++count;
     }
-    t_taken = count;
+    takenCount = count;
 }
 
 void inParent() noexcept {
-    for (; t_taken > 0; --t_taken)
-        lockAt(s_held, t_taken - 1)->unlock();
+    for (; takenCount > 0; --takenCount)
+        lockAt(heldLocks, takenCount - 1)->unlock();
 }
 
 // Reset rather than unlocked: the sleepers that a held lock knows of are threads of the parent.
 void inChild() noexcept {
-    for (std::size_t index = 0; AdaptiveLock* const lock = lockAt(s_reset, index); ++index)
+    for (std::size_t index = 0; AdaptiveLock* const lock = lockAt(resetLocks, index); ++index)
         lock->reset();
-    for (; t_taken > 0; --t_taken)
-        lockAt(s_held, t_taken - 1)->reset();
-    s_generation.fetch_add(1, std::memory_order_relaxed);
+    for (; takenCount > 0; --takenCount)
+        lockAt(heldLocks, takenCount - 1)->reset();
 }
 
 // False when memory is out: then a child suffers that is forked while another thread holds a lock.
@@ -74,7 +70,7 @@ bool areHandlersTaken() noexcept {
 }  // namespace
 
 void addForkHandler(const ForkHandler& handler) noexcept {
-    for (auto& place : handler.policy == ForkPolicy::HoldAcross ? s_held : s_reset) {
+    for (auto& place : handler.policy == ForkPolicy::HoldAcross ? heldLocks : resetLocks) {
         AdaptiveLock* present = nullptr;
         if (place.compare_exchange_strong(present, &handler.lock, std::memory_order_acq_rel) ||
             present == &handler.lock) {
@@ -86,13 +82,9 @@ void addForkHandler(const ForkHandler& handler) noexcept {
 }
 
 bool isHeldByThisFork(const AdaptiveLock& lock) noexcept {
-    for (std::size_t index = 0; index < t_taken; ++index)
-        if (lockAt(s_held, index) == &lock) return true;
+    for (std::size_t index = 0; index < takenCount; ++index)
+        if (lockAt(heldLocks, index) == &lock) return true;
     return false;
-}
-
-std::uint32_t forkGeneration() noexcept {
-    return areHandlersTaken() ? s_generation.load(std::memory_order_relaxed) : 0;
 }
 
 }  // namespace veltra

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/fork_handlers.h"
 
+#include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/testing/child_process.h"
 
@@ -15,49 +16,60 @@
 namespace veltra {
 namespace {
 
-constinit AdaptiveLock s_reset;
-constinit ForkSafeLock s_held;
-constinit std::array<int, 2> s_halves{};  // needs s_held
-constinit std::atomic<int> s_calls{0};
+constinit AdaptiveLock resetLock;
+constinit ForkSafeLock heldLock;
+constinit std::array<int, 2> halves{};  // needs heldLock
+constinit std::atomic<int> calls{0};
 
 void callIn() noexcept {
-    const std::lock_guard guard(s_held);
-    s_calls.fetch_add(1, std::memory_order_relaxed);
+    const std::lock_guard guard(heldLock);
+    calls.fetch_add(1);
 }
 
 // Before the first lock is added, so that these run while the fork holds it.
-const int s_isCalledIn = ::pthread_atfork(callIn, callIn, callIn);
+const int callInResult = ::pthread_atfork(callIn, callIn, callIn);
 
 TEST(ForkHandlers, ChildrenFindLocksFreeAndStateWholeAndCountTheirForks) {
-    ASSERT_EQ(s_isCalledIn, 0);
+    ASSERT_EQ(callInResult, 0);
     for (int again = 0; again < 2; ++again) {
-        addForkHandler({s_reset, ForkPolicy::ResetInChild});
-        s_held.holdAcrossForks();
+        addForkHandler({resetLock, ForkPolicy::ResetInChild});
+        heldLock.holdAcrossForks();
     }
-    std::atomic<bool> isEnding{false};
+    // Each round forks while the other thread is between the halves, and holds the other lock till
+    // the child has ended.
+    constexpr int kRounds = 20;
+    std::atomic<int> entered{0};
+    std::atomic<int> ended{0};
     std::thread busy([&] {
-        while (!isEnding.load(std::memory_order_relaxed)) {
-            const std::lock_guard guard(s_reset);
-            const std::lock_guard whole(s_held);
-            ++s_halves[0];
-            std::this_thread::yield();
-            ++s_halves[1];
+        for (int round = 1; round <= kRounds; ++round) {
+            const std::lock_guard guard(resetLock);
+            {
+                const std::lock_guard whole(heldLock);
+                ++halves[0];
+                entered.store(round);
+                for (int turn = 0; turn < 100; ++turn)
+                    std::this_thread::yield();
+                ++halves[1];
+            }
+            while (ended.load() != round)
+                std::this_thread::yield();
         }
     });
     const std::uint32_t generation = forkGeneration();
     EXPECT_GT(generation, 0U);
-    for (int fork = 0; fork < 50; ++fork) {
-        const int before = s_calls.load(std::memory_order_relaxed);
+    for (int round = 1; round <= kRounds; ++round) {
+        while (entered.load() != round)
+            std::this_thread::yield();
+        const int before = calls.load();
         EXPECT_TRUE(testing::holdsInChild([&] {
-            const std::lock_guard guard(s_reset);
-            const std::lock_guard whole(s_held);
-            return s_halves[0] == s_halves[1] && forkGeneration() == generation + 1 &&
-                   s_calls.load(std::memory_order_relaxed) == before + 2;
+            const std::lock_guard guard(resetLock);
+            const std::lock_guard whole(heldLock);
+            return halves[0] == halves[1] && forkGeneration() == generation + 1 &&
+                   calls.load() == before + 2;
         }));
+        ended.store(round);
     }
-    isEnding.store(true, std::memory_order_relaxed);
     busy.join();
-    EXPECT_EQ(s_halves[0], s_halves[1]);
     EXPECT_EQ(forkGeneration(), generation);
 }
 

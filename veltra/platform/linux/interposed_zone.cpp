@@ -6,8 +6,9 @@
 // functions into the table, and go on there. The look-up may itself allocate; such a block comes
 // from a small arena and is never taken back. In a process where that happens the careful entries,
 // which know the arena's blocks, stay in place; everywhere else the next allocator's own functions
-// stand in the table. (The dynamic linker allocates before the first constructor runs, so the
-// look-up is over before there is a second thread.)
+// stand in the table. In a process whose allocations come before the library in that order the
+// table has the allocator that they use. (The dynamic linker allocates before the first constructor
+// runs, so the look-up is over before there is a second thread.)
 //
 // The file has rules of its own. It is compiled so that the compiler sees nothing special in these
 // names, and never by link-time optimisation, which would bind the library's own calls to them
@@ -87,12 +88,39 @@ void* fromArena(std::size_t alignment, std::size_t size) noexcept {
     return block != nullptr ? block : failed(ENOMEM);
 }
 
-template <typename Function>
-void lookUp(std::atomic<Function>& entry, const char* name) noexcept {
-    void* found = ::dlsym(RTLD_NEXT, name);
-    if (found == nullptr) std::abort();  // a process without an allocator
-    entry.store(reinterpret_cast<Function>(found), std::memory_order_relaxed);  // before `isFound`
+bool isOurOwn(const void* function) noexcept {
+    Dl_info theirs{};
+    Dl_info ours{};
+    return ::dladdr(function, &theirs) != 0 && ::dladdr(&arena, &ours) != 0 &&
+           theirs.dli_fbase == ours.dli_fbase;
 }
+
+// Where the library stands behind the C library in the linker's order, nothing follows it: then the
+// process uses whatever comes first. `inLibrary` is the C library's other name for the same.
+void* allocatorFunction(const char* name, const char* inLibrary) noexcept {
+    void* found = ::dlsym(RTLD_NEXT, name);
+    if (found == nullptr) found = ::dlsym(RTLD_DEFAULT, name);
+    if (found != nullptr && isOurOwn(found)) found = ::dlsym(RTLD_DEFAULT, inLibrary);
+    return found;
+}
+
+// `none` refuses everything, in a process that has no allocator.
+template <typename Function>
+void lookUp(std::atomic<Function>& entry, const char* name, const char* inLibrary,
+            Function none) noexcept {
+    void* found = allocatorFunction(name, inLibrary);
+    entry.store(found != nullptr ? reinterpret_cast<Function>(found) : none,
+                std::memory_order_relaxed);  // before `isFound`
+}
+
+constexpr ZoneEntries kNone{
+    [](std::size_t) noexcept { return failed(ENOMEM); },
+    [](std::size_t, std::size_t) noexcept { return failed(ENOMEM); },
+    [](std::size_t, std::size_t) noexcept { return failed(ENOMEM); },
+    [](void*, std::size_t) noexcept { return failed(ENOMEM); },
+    [](void*) noexcept {},
+    [](void*) noexcept { return std::size_t{0}; },
+};
 
 void findNext() noexcept;
 
@@ -155,12 +183,12 @@ void findNext() noexcept {
     if (isFound.load(std::memory_order_acquire)) return;  // with the store below
     const int error = errno;
     isLookingUp = true;
-    lookUp(next.allocate, "malloc");
-    lookUp(next.allocateZeroed, "calloc");
-    lookUp(next.allocateAligned, "memalign");
-    lookUp(next.reallocate, "realloc");
-    lookUp(next.free, "free");
-    lookUp(next.size, "malloc_usable_size");
+    lookUp(next.allocate, "malloc", "__libc_malloc", kNone.allocate);
+    lookUp(next.allocateZeroed, "calloc", "__libc_calloc", kNone.allocateZeroed);
+    lookUp(next.allocateAligned, "memalign", "__libc_memalign", kNone.allocateAligned);
+    lookUp(next.reallocate, "realloc", "__libc_realloc", kNone.reallocate);
+    lookUp(next.free, "free", "__libc_free", kNone.free);
+    lookUp(next.size, "malloc_usable_size", "__libc_malloc_usable_size", kNone.size);
     isLookingUp = false;
     isFound.store(true, std::memory_order_release);  // with the load above
     errno = error;

@@ -8,24 +8,42 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 #include <sys/uio.h>
 
 namespace veltra {
+
+// What the journal is told of a record, under which name. The names are made of upper-case letters,
+// digits and underscores, as the journal takes no others.
+struct JournalField {
+    std::string_view nameAndSign;
+    std::optional<LogRecord::Key> key;  // none: the facility
+};
+
+inline constexpr auto kJournalFields = std::to_array<JournalField>({
+    {"CFLOG_LOCAL_TIME=", LogRecord::LocalTime},
+    {"CFLOG_THREAD=", LogRecord::Thread},
+    {"READUID=", LogRecord::ReadUserId},
+    {"LEVEL=", LogRecord::Level},
+    {"PRIORITY=", LogRecord::Level},
+    {"MESSAGE=", LogRecord::Message},
+    {"SYSLOG_IDENTIFIER=", std::nullopt},
+});
 
 // Short pieces are gathered in a buffer of fixed size, long ones are pointed to: nothing is
 // allocated, and the record's texts must outlive the datagram.
 class JournalDatagram {
 public:
     explicit JournalDatagram(const LogRecord& record) noexcept {
-        // The journal takes upper-case letters, digits and underscores.
-        addField("CFLOG_LOCAL_TIME=", record.fields[LogRecord::LocalTime].value);
-        addField("CFLOG_THREAD=", record.fields[LogRecord::Thread].value);
-        addField("READUID=", record.fields[LogRecord::ReadUserId].value);
-        addField("LEVEL=", record.fields[LogRecord::Level].value);
-        addField("PRIORITY=", record.fields[LogRecord::Level].value);
-        addField("MESSAGE=", record.fields[LogRecord::Message].value);
-        addField("SYSLOG_IDENTIFIER=", record.facility);
+        for (const JournalField& field : kJournalFields) {
+            if (!field.key) {
+                addField(field.nameAndSign, record.facility);
+            } else if (const auto& value = record.fields[*field.key].value) {
+                addField(field.nameAndSign, *value);
+            }
+        }
         closePiece();
     }
 
@@ -33,18 +51,17 @@ public:
     std::size_t count() const noexcept { return m_count; }
 
 private:
-    // A template, so that copying the name is a few moves.
-    template <std::size_t kSize>
-    void addField(const char (&nameAndSign)[kSize],
-                  const std::optional<std::string_view>& set) noexcept {
-        if (!set) return;
-        const std::string_view value = *set;
-        gather({nameAndSign, kSize - 1});
+    using Length = std::array<char, 8>;  // little-endian
+
+    void addField(std::string_view nameAndSign, std::string_view value) noexcept {
+        gather(nameAndSign);
         if (value.find('\n') != std::string_view::npos) {
             m_text[m_used - 1] = '\n';  // in the place of the sign
-            for (std::size_t byte = 0; byte < 8; ++byte)
-                m_text[m_used++] = static_cast<char>(static_cast<unsigned char>(
+            Length length;
+            for (std::size_t byte = 0; byte < length.size(); ++byte)
+                length[byte] = static_cast<char>(static_cast<unsigned char>(
                     static_cast<std::uint64_t>(value.size()) >> (8 * byte)));
+            gather({length.data(), length.size()});
         }
         if (value.size() <= kShort) {
             gather(value);
@@ -52,7 +69,7 @@ private:
             closePiece();
             m_pieces[m_count++] = {const_cast<char*>(value.data()), value.size()};
         }
-        m_text[m_used++] = '\n';
+        gather("\n");
     }
 
     void gather(std::string_view text) noexcept {
@@ -66,12 +83,17 @@ private:
         m_closed = m_used;
     }
 
-    static constexpr std::size_t kFields = 7;
     static constexpr std::size_t kShort = 128;
-    static constexpr std::size_t kMostGathered = 18 + 8 + kShort + 1;  // name, size, value, end
+    static constexpr std::size_t kMostGathered = [] {
+        std::size_t size = 0;
+        for (const JournalField& field : kJournalFields)
+            size += field.nameAndSign.size() + sizeof(Length) + kShort + 1;  // and the line's end
+        return size;
+    }();
+    static constexpr std::size_t kMostPieces = 2 * kJournalFields.size() + 1;
 
-    std::array<char, kFields * kMostGathered> m_text;
-    std::array<iovec, 2 * kFields + 1> m_pieces;
+    std::array<char, kMostGathered> m_text;
+    std::array<iovec, kMostPieces> m_pieces;
     std::size_t m_used = 0;
     std::size_t m_closed = 0;
     std::size_t m_count = 0;

@@ -2,6 +2,7 @@
 #include "veltra/platform/linux/journal_log.h"
 
 #include "veltra/base/immortal.h"
+#include "veltra/base/whole_characters.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/linux/descriptor.h"
 #include "veltra/platform/linux/journal_datagram.h"
@@ -76,6 +77,12 @@ std::size_t traditionalHeader(const LogRecord& record, char* text, std::size_t s
     return length > 0 ? std::min(static_cast<std::size_t>(length), size - 1) : 0;
 }
 
+std::optional<std::uint32_t> tenthsOfSeconds() noexcept {
+    const ClockReading now = Clocks::current().monotonic();
+    if (now.hasFailed()) return std::nullopt;
+    return static_cast<std::uint32_t>(now.moment().sinceStart() / milliseconds(100));
+}
+
 }  // namespace
 
 JournalLog::JournalLog(const char* journalPath, const char* syslogPath) noexcept
@@ -86,7 +93,41 @@ JournalLog::~JournalLog() {
 }
 
 void JournalLog::send(const LogRecord& record) noexcept {
-    if (nobodyListens(sendToJournal(record))) sendToSyslog(record);
+    const std::size_t lost = m_lost.take();
+    bool isTold = true;
+    if (lost > 0) {
+        const LossText text("log records lost here: ", lost);
+        LogRecord note = record;
+        note.fields[LogRecord::Level].value = "4";
+        note.fields[LogRecord::Message].value = text.view();
+        isTold = deliver(note);
+    }
+    if (isTold && deliver(record)) return;
+    m_lost.add((isTold ? 0 : lost) + 1);
+}
+
+bool JournalLog::deliver(const LogRecord& record) noexcept {
+    if (isResting()) return false;
+    int error = sendToJournal(record);
+    if (nobodyListens(error)) error = sendToSyslog(record);
+    if (nobodyListens(error)) rest();
+    return error == 0;
+}
+
+// In tenths of a second, modulo 2 to the 32nd; 0 is awake. Relaxed: a hint.
+bool JournalLog::isResting() noexcept {
+    const std::uint32_t until = m_restsUntil.load(std::memory_order_relaxed);
+    if (until == 0) return false;
+    const std::optional<std::uint32_t> now = tenthsOfSeconds();
+    if (now && static_cast<std::int32_t>(until - *now) > 0) return true;
+    m_restsUntil.store(0, std::memory_order_relaxed);
+    return false;
+}
+
+void JournalLog::rest() noexcept {
+    constexpr std::uint32_t kSecond = 10;
+    if (const std::optional<std::uint32_t> now = tenthsOfSeconds())
+        m_restsUntil.store(std::max<std::uint32_t>(*now + kSecond, 1), std::memory_order_relaxed);
 }
 
 // The number of a new socket in the place of `refused`; another thread's where it was faster.
@@ -158,7 +199,7 @@ int JournalLog::sendAsFile(const iovec* pieces, std::size_t count) noexcept {
     return sendTo(m_journal, message);
 }
 
-void JournalLog::sendToSyslog(const LogRecord& record) noexcept {
+int JournalLog::sendToSyslog(const LogRecord& record) noexcept {
     std::array<char, 160> header;
     std::string_view text = record.fields[LogRecord::Message].value.value_or("");
     std::array<iovec, 2> pieces{
@@ -168,9 +209,9 @@ void JournalLog::sendToSyslog(const LogRecord& record) noexcept {
     message.msg_iov = pieces.data();
     message.msg_iovlen = pieces.size();
     const int error = sendTo(m_syslog, message);
-    if ((error != EMSGSIZE && error != ENOBUFS) || text.size() <= kMostToSyslog) return;
-    pieces[1].iov_len = kMostToSyslog;
-    sendTo(m_syslog, message);
+    if ((error != EMSGSIZE && error != ENOBUFS) || text.size() <= kMostToSyslog) return error;
+    pieces[1].iov_len = wholeCharacters(text.substr(0, kMostToSyslog)).size();
+    return sendTo(m_syslog, message);
 }
 
 SystemLog& platformSystemLog() noexcept {

@@ -3,9 +3,11 @@
 // there is none, a traditional log daemon.
 #pragma once
 
+#include "veltra/platform/linux/loss_count.h"
 #include "veltra/platform/system_log.h"
 
 #include <atomic>
+#include <cstdint>
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -18,7 +20,9 @@ namespace veltra {
 // next refuses the record instead of taking it for its own data. The refused number is then the
 // host's: it is forgotten, not closed.
 //
-// A record that cannot be taken at once is lost, and where nobody listens every record is.
+// A record that cannot be taken at once is lost, and where nobody listens every record is; then no
+// other is tried for a second. The next one that gets through is preceded by a record of level 4
+// that says how many were lost.
 class JournalLog final : public SystemLog {
 public:
     static constexpr const char* kJournalPath = "/run/systemd/journal/socket";
@@ -38,11 +42,16 @@ private:
     int freshSocket(int refused) noexcept;
     int sendToJournal(const LogRecord& record) noexcept;
     int sendAsFile(const iovec* pieces, std::size_t count) noexcept;
-    void sendToSyslog(const LogRecord& record) noexcept;
+    int sendToSyslog(const LogRecord& record) noexcept;
+    bool deliver(const LogRecord& record) noexcept;
+    bool isResting() noexcept;
+    void rest() noexcept;
 
     sockaddr_un m_journal{};
     sockaddr_un m_syslog{};
-    std::atomic<int> m_descriptor{-1};  // any thread
+    std::atomic<int> m_descriptor{-1};           // any thread
+    std::atomic<std::uint32_t> m_restsUntil{0};  // any thread
+    LossCount m_lost;
 };
 
 }  // namespace veltra

@@ -3,6 +3,7 @@
 
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/testing/child_process.h"
+#include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
 #include <atomic>
@@ -72,6 +73,11 @@ std::string sent(const std::string& message) {
     return "READUID=1000\nLEVEL=3\nPRIORITY=3\nMESSAGE=" + message + "\nSYSLOG_IDENTIFIER=tag\n";
 }
 
+std::string note(const std::string& lost) {
+    return "READUID=1000\nLEVEL=4\nPRIORITY=4\nMESSAGE=log records lost here: " + lost +
+           "\nSYSLOG_IDENTIFIER=tag\n";
+}
+
 class JournalLogTest : public ::testing::Test {
 protected:
     testing::TemporaryFolder folder;
@@ -113,19 +119,32 @@ TEST_F(JournalLogTest, WhatIsTooLongForADatagramGoesAsASealedFileWithinTheLimitO
 }
 
 TEST_F(JournalLogTest, AFullQueueARestartedServiceAndAForkedChildUseTheSocketAsItIs) {
+    testing::ManualClocks clocks;
     log.send(record("nobody listens"));
     const int descriptor = log.descriptor();
     EXPECT_GE(descriptor, 0);
     for (const char* message : {"first life", "second life"}) {
         Service journal(path);
+        log.send(record("nobody is asked for a second"));
+        EXPECT_EQ(journal.take(), "-");
+        clocks.now += milliseconds(1100);
+        EXPECT_TRUE(testing::holdsInChild([&] { return log.send(record("child")), true; }));
+        EXPECT_EQ(journal.take(), sent("child")) << "what the parent lost is the parent's to tell";
+        log.send(record(message));
+        EXPECT_EQ(journal.take(), note("2"));
+        EXPECT_EQ(journal.take(), sent(message));
         for (int count = 0; count < 2000; ++count)  // loses records and never waits
             log.send(record("x"));
-        while (journal.take() != "-")
-            continue;
+        int lost = 2000;
+        while (journal.take() == sent("x"))
+            --lost;
+        log.send(record(message));
+        EXPECT_EQ(journal.take(), note(std::to_string(lost)));
+        EXPECT_EQ(journal.take(), sent(message));
         log.send(record(message));
         EXPECT_EQ(journal.take(), sent(message));
-        EXPECT_TRUE(testing::holdsInChild([&] { return log.send(record("child")), true; }));
-        EXPECT_EQ(journal.take(), sent("child"));
+        ::unlink(path.c_str());
+        log.send(record("nobody listens"));
     }
     EXPECT_EQ(log.descriptor(), descriptor);
 }
@@ -140,8 +159,8 @@ TEST_F(JournalLogTest, WithoutAJournalTheTraditionalDaemonGetsTheLine) {
     const std::string tag = "tag[" + std::to_string(::getpid()) + "]: ";
     log.send(record("hello"));
     EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + "hello");
-    log.send(record(std::string(1 << 20, 'y')));
-    EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + std::string(8192, 'y'));
+    log.send(record(std::string(8191, 'y') + "\u00FC" + std::string(1 << 20, 'y')));
+    EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + std::string(8191, 'y'));
     handTime.time.reset();
     log.send(record("hello"));
     EXPECT_EQ(syslog.take(), "<11>" + tag + "hello");

@@ -3,6 +3,7 @@
 
 #include "veltra/base/immortal.h"
 #include "veltra/platform/port.h"
+#include "veltra/platform/process.h"
 
 #include <atomic>
 #include <chrono>
@@ -67,6 +68,16 @@ QuarterWord wordFor(std::int64_t quarter) noexcept {
     return static_cast<QuarterWord>(quarter << 8 | distance);
 }
 
+// Stands for the text of the variable TZ: 0 when it is not set.
+std::uint32_t zoneName() noexcept {
+    const char* text = environmentVariable("TZ");
+    if (text == nullptr) return 0;
+    std::uint32_t hash = 2166136261;
+    for (; *text != '\0'; ++text)
+        hash = (hash ^ static_cast<unsigned char>(*text)) * 16777619U;
+    return hash | 1U;
+}
+
 // The C library takes UTC for the local zone when memory is out where it first reads the zone. So
 // it reads when the library is loaded.
 [[maybe_unused]] const bool s_isZoneRead = (::tzset(), true);
@@ -74,6 +85,14 @@ QuarterWord wordFor(std::int64_t quarter) noexcept {
 class LinuxLocalTime final : public LocalTime {
 public:
     std::optional<CivilTime> civilTime(WallTime moment) const noexcept override {
+        const std::uint32_t zone = zoneName();
+        // Acquire and release: the word of another zone is gone where the new name is seen. (The
+        // host changes the environment while nobody reads it, so no word comes late.)
+        if (m_zone.load(std::memory_order_acquire) != zone) {
+            ::tzset();
+            m_word.store(0, std::memory_order_relaxed);
+            m_zone.store(zone, std::memory_order_release);
+        }
         if (moment.seconds < 0 || moment.seconds / kQuarter > kLastQuarter)
             return askSystem(moment.seconds);
         const std::int64_t quarter = moment.seconds / kQuarter;
@@ -90,6 +109,7 @@ public:
 
 private:
     mutable std::atomic<QuarterWord> m_word{0};
+    mutable std::atomic<std::uint32_t> m_zone{zoneName()};
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "veltra/platform/poll_run_loop.h"
 
 #include "veltra/platform/clock.h"
+#include "veltra/platform/fork_generation.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
@@ -48,11 +49,62 @@ std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept {
     return std::unique_ptr<RunLoop>(new (std::nothrow) PollRunLoop);
 }
 
-PollRunLoop::PollRunLoop() noexcept : m_stopDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+// What stop() wakes the loop with. It outlives the loop while a stop() is under way, which
+// therefore never writes to a number that is somebody else's by then.
+//
+// A forked child shares the parent's descriptor: it forgets the number (closing it could hit a file
+// of the host's, which may have closed all that it inherited) and makes a descriptor of its own
+// where the loop next waits. Until then the child's stop() wakes nobody. It cannot be missed: it
+// sets the flag, then looks at the generation; the loop renews the generation, then looks at the
+// flag. All four are sequentially consistent, so one of the two sees the other.
+class PollRunLoop::Waker {
+public:
+    Waker() noexcept : m_generation(forkGeneration()), m_descriptor(open()) {}
+    Waker(const Waker&) = delete;
+    Waker& operator=(const Waker&) = delete;
+    ~Waker() {
+        const int descriptor = m_descriptor.load(std::memory_order_relaxed);
+        if (descriptor >= 0 && isOurs()) ::close(descriptor);
+    }
+
+    // Any thread.
+    void wake() const noexcept {
+        const bool isRenewed = isOurs();
+        const int descriptor = m_descriptor.load(std::memory_order_relaxed);
+        // Fails only when the count is full, and then the descriptor is readable already.
+        if (isRenewed && descriptor >= 0) static_cast<void>(::eventfd_write(descriptor, 1));
+    }
+
+    // The loop's thread only. -1 when the process is out of descriptors.
+    int renewed() noexcept {
+        if (!isOurs()) {
+            m_descriptor.store(open(), std::memory_order_relaxed);
+            m_generation.store(forkGeneration());  // with isOurs(), which publishes the descriptor
+        }
+        return m_descriptor.load(std::memory_order_relaxed);
+    }
+
+private:
+    static int open() noexcept { return ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); }
+
+    bool isOurs() const noexcept { return m_generation.load() == forkGeneration(); }
+
+    std::atomic<std::uint32_t> m_generation;
+    std::atomic<int> m_descriptor;
+};
+
+std::shared_ptr<PollRunLoop::Waker> PollRunLoop::makeWaker() noexcept {
+    try {
+        return std::make_shared<Waker>();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+PollRunLoop::PollRunLoop() noexcept : m_waker(makeWaker()) {}
 
 PollRunLoop::~PollRunLoop() {
-    if (m_stopDescriptor >= 0) ::close(m_stopDescriptor);
-    if (m_timerDescriptor >= 0) ::close(m_timerDescriptor);
+    if (ownsTimerDescriptor()) ::close(m_timerDescriptor);
 }
 
 void PollRunLoop::run() {
@@ -77,46 +129,53 @@ bool PollRunLoop::runOnce(Nanoseconds longest) {
 }
 
 PollRunLoop::Round PollRunLoop::round(Nanoseconds longest) {
+    const int stopDescriptor = m_waker != nullptr ? m_waker->renewed() : -1;
     if (takeStop()) return Round::Stopped;
-    wait(std::clamp(longest, Nanoseconds(), kLongestWait));
+    wait(stopDescriptor, std::clamp(longest, Nanoseconds(), kLongestWait));
     if (takeStop()) return Round::Stopped;
     runDue();  // may delete the loop
     return Round::Done;
 }
 
 void PollRunLoop::stop() noexcept {
-    m_isStopAsked.store(true, std::memory_order_release);  // with takeStop()
-    if (m_stopDescriptor < 0) return;
-    // The flag is set first: a loop that has drained the descriptor finds it. Fails only when the
-    // count is full, and then the descriptor is readable already.
-    static_cast<void>(::eventfd_write(m_stopDescriptor, 1));
+    const std::shared_ptr<Waker> waker = m_waker;
+    // First of all, so that a loop that has drained the descriptor finds it; and the last access to
+    // the loop, which may be destroyed from here on.
+    m_isStopAsked.store(true);  // with takeStop()
+    if (waker != nullptr) waker->wake();
 }
 
 bool PollRunLoop::takeStop() noexcept {
-    return m_isStopAsked.exchange(false, std::memory_order_acquire);  // with stop()
+    return m_isStopAsked.exchange(false);  // with stop()
 }
 
-void PollRunLoop::wait(Nanoseconds longest) const noexcept {
+void PollRunLoop::wait(int stopDescriptor, Nanoseconds longest) const noexcept {
     const std::optional<Moment> deadline = nextDeadline();
     if (deadline) longest = std::min(longest, waitUntil(*deadline));
-    if (m_stopDescriptor < 0) longest = std::min(longest, kBlindWait);
+    if (stopDescriptor < 0) longest = std::min(longest, kBlindWait);
     const timespec time = toTimespec(longest);
-    pollfd watched{m_stopDescriptor, POLLIN, 0};  // a negative descriptor is passed over
-    if (::ppoll(&watched, 1, &time, nullptr) <= 0) return;
+    pollfd watched{stopDescriptor, POLLIN, 0};
+    if (::ppoll(&watched, stopDescriptor < 0 ? 0 : 1, &time, nullptr) <= 0) return;
     eventfd_t count = 0;
-    static_cast<void>(::eventfd_read(m_stopDescriptor, &count));
+    static_cast<void>(::eventfd_read(stopDescriptor, &count));
 }
 
 int PollRunLoop::descriptor() noexcept {
-    if (m_timerDescriptor < 0) {
+    if (!ownsTimerDescriptor()) {
         m_timerDescriptor = ::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
+        m_timerGeneration = forkGeneration();
         if (m_timerDescriptor >= 0) armTimer(m_timerDescriptor, nextDeadline());
     }
     return m_timerDescriptor;
 }
 
+// An inherited one is the parent's alarm clock: setting it would set the parent's.
+bool PollRunLoop::ownsTimerDescriptor() const noexcept {
+    return m_timerDescriptor >= 0 && m_timerGeneration == forkGeneration();
+}
+
 void PollRunLoop::deadlineChanged(std::optional<Moment> deadline) noexcept {
-    if (m_timerDescriptor >= 0) armTimer(m_timerDescriptor, deadline);
+    if (ownsTimerDescriptor()) armTimer(m_timerDescriptor, deadline);
 }
 
 }  // namespace veltra

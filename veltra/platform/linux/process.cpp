@@ -3,6 +3,7 @@
 
 #include "veltra/base/immortal.h"
 #include "veltra/base/object_file.h"
+#include "veltra/platform/fork_generation.h"
 #include "veltra/platform/port.h"
 
 #include <atomic>

@@ -25,6 +25,11 @@ TEST(Process, ThreadsAndForkedChildrenHaveTheirOwnNumbers) {
     std::thread([] { EXPECT_TRUE(tellsTheKernelsNumbers()); }).join();
     EXPECT_TRUE(testing::holdsInChild(
         [] { return tellsTheKernelsNumbers() && testing::holdsInChild(tellsTheKernelsNumbers); }));
+    const pid_t unhandled = ::_Fork();  // runs no fork handlers
+    if (unhandled == 0) ::_exit(tellsTheKernelsNumbers() ? 0 : 1);
+    int status = -1;
+    ::waitpid(unhandled, &status, 0);
+    EXPECT_EQ(status, 0);
     EXPECT_TRUE(tellsTheKernelsNumbers());
 }
 

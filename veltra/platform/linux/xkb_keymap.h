@@ -26,8 +26,11 @@ struct LayoutInUse {
     std::uint32_t group = 0;  // the one of its layouts that is active
 };
 
-// The layout of the display that DISPLAY names.
-LayoutInUse sessionLayout(xkb_context* context) noexcept;
+enum class SessionLook { None, Unchanged, Read };
+
+// The layout of the display that DISPLAY names, put into `layout` when it is another than at the
+// look before (Read). None, when there is no such display or it cannot tell.
+SessionLook lookAtSession(xkb_context* context, LayoutInUse& layout) noexcept;
 
 // The layout of the XKB_DEFAULT_ variables, else the one configured for the machine.
 LayoutInUse configuredLayout(xkb_context* context) noexcept;

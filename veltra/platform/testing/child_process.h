@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
+// As in the sanitizer's header, which comes with some compilers only.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(  // NOLINT(bugprone-reserved-identifier)
+    void (*onTake)(const volatile void*, std::size_t), void (*onGive)(const volatile void*));
 #endif
 
 namespace veltra::testing {

@@ -9,9 +9,8 @@
 //
 // The table must end with a variant that runs everywhere. kernels.cpp lists the families.
 //
-// The pointer is null until the first call chooses; afterwards a call costs one load and a test
-// that always goes the same way. Two threads that choose at once find the same variant, and a
-// use() between their look and their choice stands: the choice replaces only null. Relaxed order
+// The pointer starts at the plain variant and moves to the best one when the library is loaded
+// (kernels.cpp), so that a call costs one load and there is nothing to wait for. Relaxed order
 // throughout: variants and their tables are constants, so that the pointer publishes nothing and
 // no operation on it has a partner.
 #pragma once
@@ -43,28 +42,17 @@ public:
     template <std::size_t count>
     constexpr KernelChoice(const char* name,
                            const KernelVariant<Kernel> (&variants)[count]) noexcept
-        : KernelFamily(name, count), m_variants(variants) {}
+        : KernelFamily(name, count), m_variants(variants), m_kernel(variants[count - 1].kernel) {}
 
-    Kernel current() noexcept {
-        const Kernel kernel = m_kernel.load(std::memory_order_relaxed);
-        return kernel != nullptr ? kernel : chooseBest();
-    }
+    Kernel current() const noexcept { return m_kernel.load(std::memory_order_relaxed); }
 
     Kernel at(std::size_t index) const noexcept { return m_variants[index].kernel; }
 
 private:
-    [[gnu::noinline]] Kernel chooseBest() noexcept {
-        Kernel before = nullptr;
-        const Kernel kernel = at(best());
-        const bool first =
-            m_kernel.compare_exchange_strong(before, kernel, std::memory_order_relaxed);
-        return first ? kernel : before;
-    }
-
     const char* nameAt(std::size_t index) const noexcept override { return m_variants[index].name; }
     Test testAt(std::size_t index) const noexcept override { return m_variants[index].runs; }
 
-    std::size_t chosen() noexcept override {
+    std::size_t chosen() const noexcept override {
         const Kernel kernel = current();
         std::size_t index = 0;
         while (at(index) != kernel)
@@ -76,10 +64,8 @@ private:
         m_kernel.store(at(index), std::memory_order_relaxed);
     }
 
-    void forget() noexcept override { m_kernel.store(nullptr, std::memory_order_relaxed); }
-
     const KernelVariant<Kernel>* const m_variants;
-    std::atomic<Kernel> m_kernel{nullptr};
+    std::atomic<Kernel> m_kernel;
 };
 
 }  // namespace veltra::detail

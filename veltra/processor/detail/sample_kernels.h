@@ -8,5 +8,6 @@
 namespace veltra::detail {
 
 extern KernelChoice<const kernels::SampleKernels*> sampleKernels;
+extern KernelChoice<const kernels::SampleConverters*> float64Kernels;
 
 }  // namespace veltra::detail

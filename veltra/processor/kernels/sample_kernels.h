@@ -20,7 +20,8 @@ extern const SampleKernels kSamplesPlain;
 extern const SampleKernels kSamplesAvx2;
 extern const SampleKernels kSamplesAvx512;  // needs AVX-512 F, BW, DQ, VL and VBMI, and BMI2
 
-// 64-bit floats have no vectors of their own.
+// 64-bit floats are a family of their own: SSE2 is all that they need.
 extern const SampleConverters kFloat64Plain;
+extern const SampleConverters kFloat64Sse2;
 
 }  // namespace veltra::kernels

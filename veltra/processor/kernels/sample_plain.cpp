@@ -38,6 +38,66 @@ std::uint32_t fractionOfFloat(std::uint32_t bits) noexcept {
     return (bits & kSignBit) != 0 ? 0U - magnitude : magnitude;
 }
 
+constexpr int kDroppedBits = 52 - kMantissaBits;  // of a double's mantissa, by a float's
+constexpr std::uint64_t kBiasDifference = 1023 - kExponentBias;
+
+constexpr std::uint64_t doubleExponent(std::uint64_t biased) noexcept {
+    return biased << 52;
+}
+
+// To nearest, ties to even.
+constexpr std::uint64_t rounded(std::uint64_t mantissa, std::uint64_t dropped) noexcept {
+    const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
+    return (mantissa + half - 1 + (mantissa >> dropped & 1U)) >> dropped;
+}
+
+// The float next to a double, ties to even, and the double of a float. On the bits, too.
+// What is infinite, not a number, denormal or 0 goes another way than ordinary values.
+[[gnu::noinline]] std::uint32_t narrowedRare(std::uint32_t sign, std::uint64_t magnitude) noexcept {
+    constexpr std::uint32_t kInfinity = 0x7F80'0000U;
+    constexpr std::uint32_t kQuietNaN = 0x7FC0'0000U;
+    constexpr std::uint32_t kMantissa = 0x007F'FFFFU;
+
+    if (magnitude > doubleExponent(0x7FF))
+        return sign | kQuietNaN |
+               (static_cast<std::uint32_t>(magnitude >> kDroppedBits) & kMantissa);
+    if (magnitude >= doubleExponent(kBiasDifference + 1)) return sign | kInfinity;
+    const std::uint64_t dropped = kDroppedBits + kBiasDifference + 1 - (magnitude >> 52);
+    if (dropped > 53) return sign;
+    const std::uint64_t mantissa = (magnitude & (doubleExponent(1) - 1)) | doubleExponent(1);
+    return sign | static_cast<std::uint32_t>(rounded(mantissa, dropped));
+}
+
+std::uint32_t narrowed(std::uint64_t bits) noexcept {
+    const std::uint32_t sign = static_cast<std::uint32_t>(bits >> 32) & kSignBit;
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{kSignBit} << 32);
+    if (magnitude - doubleExponent(kBiasDifference + 1) >= doubleExponent(0xFE))
+        return narrowedRare(sign, magnitude);
+    const std::uint64_t mantissa = magnitude - doubleExponent(kBiasDifference);
+    return sign | static_cast<std::uint32_t>(rounded(mantissa, kDroppedBits));
+}
+
+[[gnu::noinline]] std::uint64_t widenedRare(std::uint64_t sign, std::uint64_t magnitude) noexcept {
+    constexpr std::uint64_t kQuiet = std::uint64_t{1} << 51;
+    constexpr std::uint64_t kDenormal = 1023 - 149 - 1;  // of the lowest bit, which counts twice
+
+    if (magnitude == 0) return sign;
+    if (magnitude >> kMantissaBits != 0) {
+        const std::uint64_t wide = magnitude << kDroppedBits;
+        return sign | doubleExponent(0x7FF) | wide | (wide != doubleExponent(0xFF) ? kQuiet : 0);
+    }
+    const auto top = 63U - static_cast<unsigned>(std::countl_zero(magnitude));
+    return sign | (doubleExponent(kDenormal + top) + (magnitude << (52 - top)));
+}
+
+std::uint64_t widened(std::uint32_t bits) noexcept {
+    constexpr std::uint32_t kLeast = 1U << kMantissaBits;  // that is not denormal
+    const std::uint64_t sign = std::uint64_t{bits & kSignBit} << 32;
+    const std::uint32_t magnitude = bits & ~kSignBit;
+    if (magnitude - kLeast >= 0xFE * kLeast) return widenedRare(sign, magnitude);
+    return sign | ((std::uint64_t{magnitude} << kDroppedBits) + doubleExponent(kBiasDifference));
+}
+
 // A sample format: its size, what its bytes say as the bits of a float, and whether there is a
 // two-channel form to floats (kSplits) and from floats (kInterleaves). Integers pass through a word
 // that holds the sample in its top bits.
@@ -50,7 +110,7 @@ struct SampleTraits {
 };
 
 template <class Word, ByteOrder order>
-struct IntegerSample : SampleTraits<sizeof(Word), false, sizeof(Word) < 4, true> {
+struct WordSample : SampleTraits<sizeof(Word), false, sizeof(Word) < 4, true> {
     static constexpr int kShift = 32 - 8 * static_cast<int>(sizeof(Word));
     // Little-endian bytes are unsigned.
     static constexpr std::uint32_t kOffset =
@@ -102,11 +162,11 @@ struct Float32Sample : SampleTraits<sizeof(float), true, true, true> {
 
 struct Float64Sample : SampleTraits<sizeof(double), false, false, false> {
     static std::uint32_t decode(const unsigned char* bytes) noexcept {
-        return std::bit_cast<std::uint32_t>(static_cast<float>(load<double>(bytes)));
+        return narrowed(load<std::uint64_t>(bytes));
     }
 
     static void encode(unsigned char* bytes, std::uint32_t bits) noexcept {
-        store(bytes, static_cast<double>(std::bit_cast<float>(bits)));
+        store(bytes, widened(bits));
     }
 };
 
@@ -258,9 +318,9 @@ template <class Sample>
 constexpr SampleConverters kOf{toFloat<Sample>, fromFloat<Sample>};
 
 template <class Word>
-constexpr SampleConverters kBig = kOf<IntegerSample<Word, ByteOrder::Big>>;
+constexpr SampleConverters kBig = kOf<WordSample<Word, ByteOrder::Big>>;
 template <class Word>
-constexpr SampleConverters kLittle = kOf<IntegerSample<Word, ByteOrder::Little>>;
+constexpr SampleConverters kLittle = kOf<WordSample<Word, ByteOrder::Little>>;
 
 }  // namespace
 

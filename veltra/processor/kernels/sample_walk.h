@@ -8,40 +8,19 @@
 // widens, so that a conversion in place never writes over what it has yet to read. Nothing outside
 // the buffers is read or written.
 //
-// `Vector` supplies, for registers (Register) of kLanes words of 32 bits:
-//     kBlocks                       blocks that are in the works at a time, of one channel
-//     load<bytes>(from)             the first `bytes` of a register
-//     loadFirst<bytes>(from, n)     the same, n of them (less than `bytes`)
-//     store<bytes>(to, r), storeFirst<bytes>(to, r, n)
-//     spread<Sample, channels, channel>(r)   samples of a channel, out of what
-//                                   load<Sample::kSize * channels * kLanes> gave, to the top of
-//                                   the words, zeros below them
-//     split(a, b, even, odd)        the words of a and b that have even and odd places
-//     floatsOf(words)               words * 2^-31, the lowest eight bits of a word dropped
-//     flipped(r)                    the top bit of every byte inverted
-//     fractionsOf<bytes>(floats)    turns an array of floats to words as FloatToN defines them,
-//                                   as far as they matter for samples of so many bytes
-//     kLongRun, Long                so many samples and more are another Vector's, in the
-//                                   Environment that it needs; 0: none
-//     kFrameRegisters<Sample, channels>      how many registers a block of a stream takes
-//     packed<Sample, channels, index>(words)
-//                                   the index-th of them, out of a register of words a channel
-//     kGroup                        how many registers of words are read and written together,
-//                                   where a step has as many; 0: none
-//     spreadGroup<Sample>(from, words)       that many, of samples of 3 bytes
-//     packedGroup<Sample, channels, index>(words)
-//                                   the index-th register of a group's bytes
+// A variant supplies its `Vector`, which the concept below describes.
 #pragma once
 
 #include "veltra/processor/detail/bytes.h"
 #include "veltra/processor/kernels/sample_kernels.h"
+#include "veltra/processor/kernels/vector_memory.h"
 
 namespace veltra::kernels {
 
 using detail::ByteOrder;
 
 template <std::size_t size, ByteOrder order>
-struct IntegerSample {
+struct IntegerLayout {
     static constexpr std::size_t kSize = size;
     static constexpr ByteOrder kOrder = order;
     static constexpr bool kIsFloat = false;
@@ -63,7 +42,7 @@ struct IntegerSample {
 };
 
 // Words of the host that are moved, never changed.
-struct FloatSample {
+struct FloatLayout {
     static constexpr std::size_t kSize = 4;
     static constexpr ByteOrder kOrder = detail::kHostOrder;
     static constexpr bool kIsFloat = true;
@@ -73,9 +52,53 @@ struct FloatSample {
     static constexpr int wordByte(int memoryByte) { return memoryByte; }
 };
 
+// Vectors with an arithmetic of their own for long runs.
+template <class Vector>
+concept HasLong = requires {
+    typename Vector::Long::Environment;
+};
+
+// Vectors that read and write kGroup registers of words together, where a step has as many.
+template <class Vector, class Sample = IntegerLayout<3, ByteOrder::Big>>
+concept HasGroups = requires(const unsigned char* from,
+                             typename Vector::Register (&words)[Vector::kGroup]) {
+    // Of samples of 3 bytes.
+    { Vector::template spreadGroup<Sample>(from, words) } -> std::same_as<void>;
+    // The first register of a group's bytes.
+    { Vector::template packedGroup<Sample, 1, 0>(words) } -> RegisterOf<Vector>;
+};
+
+// Registers (Register) of kLanes words of 32 bits. `Sample` stands for any.
+template <class Vector, class Sample = IntegerLayout<2, ByteOrder::Big>>
+concept SampleVector = requires(typename Vector::Register r, typename Vector::Register& to,
+                                typename Vector::Register (&words)[Vector::kBlocks]) {
+    requires MovesBytes<Vector, 4 * Vector::kLanes>;
+    // Blocks that are in the works at a time, of one channel.
+    requires Vector::kBlocks % 2 == 0;
+    // So many samples and more are the vector Long's, in the Environment that it needs; 0: none.
+    requires Vector::kLongRun == 0 || HasLong<Vector>;
+    requires Vector::kGroup == 0 || HasGroups<Vector>;
+
+    // The samples of the second of two channels, out of what load<Sample::kSize * 2 * kLanes> gave,
+    // moved to the top of the words, zeros below them.
+    { Vector::template spread<Sample, 2, 1>(r) } -> RegisterOf<Vector>;
+    // The words of two registers that have even and odd places.
+    { Vector::split(r, r, to, to) } -> std::same_as<void>;
+    // words * 2^-31, the lowest eight bits of a word dropped.
+    { Vector::floatsOf(r) } -> RegisterOf<Vector>;
+    // The top bit of every byte inverted.
+    { Vector::flipped(r) } -> RegisterOf<Vector>;
+    // Turns floats to words as FloatToN defines them, as far as they matter for samples of 2 bytes.
+    { Vector::template fractionsOf<2>(words) } -> std::same_as<void>;
+    // How many registers a block of a stream takes, and the first of them, out of a register of
+    // words a channel.
+    requires Vector::template kFrameRegisters<Sample, 2> > 0;
+    { Vector::template packed<Sample, 2, 0>(words) } -> RegisterOf<Vector>;
+};
+
 // Runs steps over frames: step.whole<n>(frame) for n blocks, step.part(frame, frames) for less than
 // one.
-template <class Vector, bool backwards, std::size_t blocks, class Step>
+template <SampleVector Vector, bool backwards, std::size_t blocks, class Step>
 [[gnu::always_inline]] inline void walk(std::size_t frames, const Step& step) {
     constexpr std::size_t kGroup = blocks * Vector::kLanes;
     const std::size_t rest = frames % Vector::kLanes;
@@ -95,7 +118,7 @@ template <class Vector, bool backwards, std::size_t blocks, class Step>
     }
 }
 
-template <class Vector, std::size_t bytes, bool isPart>
+template <SampleVector Vector, std::size_t bytes, bool isPart>
 [[gnu::always_inline]] inline typename Vector::Register loadSome(const unsigned char* from,
                                                                  std::size_t count) {
     if constexpr (isPart)
@@ -103,7 +126,7 @@ template <class Vector, std::size_t bytes, bool isPart>
     return Vector::template load<bytes>(from);
 }
 
-template <class Vector, std::size_t bytes, bool isPart>
+template <SampleVector Vector, std::size_t bytes, bool isPart>
 [[gnu::always_inline]] inline void storeSome(unsigned char* to, typename Vector::Register value,
                                              std::size_t count) {
     if constexpr (isPart)
@@ -115,7 +138,7 @@ static constexpr std::size_t beyond(std::size_t count, std::size_t start) {
     return count > start ? count - start : 0;
 }
 
-template <class Vector, class Sample, std::size_t channels>
+template <SampleVector Vector, class Sample, std::size_t channels>
 struct Decoder {
     using Register = typename Vector::Register;
     static constexpr std::size_t kFrameSize = Sample::kSize * channels;
@@ -191,7 +214,7 @@ private:
     }
 };
 
-template <class Vector, class Sample, std::size_t channels>
+template <SampleVector Vector, class Sample, std::size_t channels>
 struct Encoder {
     using Register = typename Vector::Register;
     static constexpr std::size_t kFrameSize = Sample::kSize * channels;
@@ -251,7 +274,7 @@ private:
     }
 };
 
-template <class Vector, class Sample>
+template <SampleVector Vector, class Sample>
 static void toFloat(float* destination, const void* source, std::size_t count,
                     float* secondDestination) noexcept {
     const bool inPlace = destination == source;
@@ -268,7 +291,7 @@ static void toFloat(float* destination, const void* source, std::size_t count,
     }
 }
 
-template <class Vector, class Sample>
+template <SampleVector Vector, class Sample>
 [[gnu::always_inline]] inline void encode(unsigned char* to, const unsigned char* from,
                                           const unsigned char* secondFrom, std::size_t count) {
     if (secondFrom != nullptr) {
@@ -280,7 +303,7 @@ template <class Vector, class Sample>
     }
 }
 
-template <class Vector, class Sample>
+template <SampleVector Vector, class Sample>
 static void fromFloat(void* destination, const float* source, std::size_t count,
                       const float* secondSource) noexcept {
     if (destination == nullptr || source == nullptr) return;
@@ -297,18 +320,18 @@ static void fromFloat(void* destination, const float* source, std::size_t count,
     encode<Vector, Sample>(to, from, secondFrom, count);
 }
 
-template <class Vector, class Sample>
+template <SampleVector Vector, class Sample>
 constexpr SampleConverters kOf{toFloat<Vector, Sample>, fromFloat<Vector, Sample>};
 
-template <class Vector>
+template <SampleVector Vector>
 constexpr SampleKernels makeSampleKernels() {
     constexpr ByteOrder kBig = ByteOrder::Big;
     constexpr ByteOrder kLittle = ByteOrder::Little;
-    return {{{kOf<Vector, IntegerSample<1, kBig>>, kOf<Vector, IntegerSample<1, kLittle>>},
-             {kOf<Vector, IntegerSample<2, kBig>>, kOf<Vector, IntegerSample<2, kLittle>>},
-             {kOf<Vector, IntegerSample<3, kBig>>, kOf<Vector, IntegerSample<3, kLittle>>},
-             {kOf<Vector, IntegerSample<4, kBig>>, kOf<Vector, IntegerSample<4, kLittle>>}},
-            kOf<Vector, FloatSample>};
+    return {{{kOf<Vector, IntegerLayout<1, kBig>>, kOf<Vector, IntegerLayout<1, kLittle>>},
+             {kOf<Vector, IntegerLayout<2, kBig>>, kOf<Vector, IntegerLayout<2, kLittle>>},
+             {kOf<Vector, IntegerLayout<3, kBig>>, kOf<Vector, IntegerLayout<3, kLittle>>},
+             {kOf<Vector, IntegerLayout<4, kBig>>, kOf<Vector, IntegerLayout<4, kLittle>>}},
+            kOf<Vector, FloatLayout>};
 }
 
 }  // namespace veltra::kernels

@@ -15,7 +15,9 @@
 namespace veltra {
 namespace {
 
-constexpr std::size_t kLongest = 200;
+constexpr std::size_t kEach = 200;  // every count up to here, and some of long runs
+constexpr std::size_t kLonger[] = {255, 256, 257, 1000};
+constexpr std::size_t kLongest = 1000;
 constexpr std::size_t kLargest = 8 * kLongest;
 
 // Three buffers with the same contents in each arena.
@@ -47,8 +49,9 @@ void expectAgreement(detail::KernelChoice<const Kernels*>& family, std::size_t s
     Arena expected(noise), actual(noise);
     const std::size_t plain = family.variantCount() - 1;
     for (std::size_t variant = 0; variant < plain; ++variant) {
-        for (std::size_t i = 0; i < (kLongest + 1) * 65 && family.runs(variant); ++i) {
-            const std::size_t count = i / 65, gap = i % 65 % 64;
+        for (std::size_t i = 0; i < (kEach + 5) * 65 && family.runs(variant); ++i) {
+            const std::size_t count = i / 65 <= kEach ? i / 65 : kLonger[i / 65 - kEach - 1];
+            const std::size_t gap = i % 65 % 64;
             const Place place = i % 65 == 64 ? Place::Start : Place::End;
             expected.fill(place, gap, size * count, i % 64);
             actual.fill(place, gap, size * count, i % 64);

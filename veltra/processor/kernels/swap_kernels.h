@@ -20,6 +20,6 @@ struct SwapKernels {
 
 extern const SwapKernels kSwapPlain;
 extern const SwapKernels kSwapAvx2;
-extern const SwapKernels kSwapAvx512;  // needs AVX-512 F, BW and VBMI, and BMI2
+extern const SwapKernels kSwapAvx512;  // needs AVX-512 F, BW, VL and VBMI, and BMI2
 
 }  // namespace veltra::kernels

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
 // The walk over groups of bytes that the vector variants of the swaps share. `Vector` supplies the
 // registers, has internal linkage, and keeps the instances of the templates out of other files.
-//
-//     kBytes, load, loadFirst, store, storeFirst   as in sample_walk.h
-//     swapped<size>(r)                             the groups of that size reversed
 #pragma once
 
 #include "veltra/processor/kernels/swap_kernels.h"
+#include "veltra/processor/kernels/vector_memory.h"
 
 namespace veltra::kernels {
 
-template <class Vector, std::size_t size>
+template <class Vector>
+concept SwapVector = MovesBytes<Vector, Vector::kBytes> && requires(typename Vector::Register r) {
+    // The groups of that size reversed.
+    { Vector::template swapped<3>(r) } -> RegisterOf<Vector>;
+};
+
+template <SwapVector Vector, std::size_t size>
 static void swapGroups(unsigned char* destination, const unsigned char* source,
                        std::size_t count) noexcept {
     constexpr std::size_t kBlock = size == 3 ? Vector::kBytes / 4 * 3 : Vector::kBytes;
@@ -39,7 +43,7 @@ static void swapGroups(unsigned char* destination, const unsigned char* source,
     }
 }
 
-template <class Vector>
+template <SwapVector Vector>
 constexpr SwapKernels makeSwapKernels() {
     return {swapGroups<Vector, 2>, swapGroups<Vector, 4>, swapGroups<Vector, 8>,
             swapGroups<Vector, 3>, swapGroups<Vector, 1>};

@@ -3,12 +3,9 @@
 
 #include <immintrin.h>
 
-namespace veltra {
+namespace veltra::kernels {
 
 namespace {
-
-using detail::kBlock;
-using detail::kGroup;
 
 class Avx2Block {
 public:
@@ -54,7 +51,6 @@ private:
 
 }  // namespace
 
-const Utf8Kernels kUtf8Avx2{detail::asciiLength<Avx2Block>, detail::asciiLengthWithin<Avx2Block>,
-                            detail::check<Avx2Block>};
+const Utf8Kernels kUtf8Avx2{asciiLength<Avx2Block>, asciiLengthWithin<Avx2Block>, check<Avx2Block>};
 
-}  // namespace veltra
+}  // namespace veltra::kernels

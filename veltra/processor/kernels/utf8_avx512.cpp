@@ -3,11 +3,9 @@
 
 #include <immintrin.h>
 
-namespace veltra {
+namespace veltra::kernels {
 
 namespace {
-
-using detail::kBlock;
 
 class Avx512Block {
 public:
@@ -47,7 +45,7 @@ private:
 
 }  // namespace
 
-const Utf8Kernels kUtf8Avx512{detail::asciiLength<Avx512Block>,
-                              detail::asciiLengthWithin<Avx512Block>, detail::check<Avx512Block>};
+const Utf8Kernels kUtf8Avx512{asciiLength<Avx512Block>, asciiLengthWithin<Avx512Block>,
+                              check<Avx512Block>};
 
-}  // namespace veltra
+}  // namespace veltra::kernels

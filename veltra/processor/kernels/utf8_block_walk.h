@@ -9,24 +9,32 @@
 // text. What lies before the text and behind its terminator never changes an answer. These files
 // are exempt from the address and thread sanitizers for that reason.
 //
-// `Block` supplies:
-//     explicit Block(const char* aligned)     loads 64 bytes
-//     std::uint64_t stops() const             bit i: byte i is NUL or not ASCII
-//     std::uint64_t nuls() const              bit i: byte i is NUL
-//     std::uint64_t nonAscii() const          bit i: byte i is at or above 0x80
-//     std::uint64_t atLeast<byte>() const     bit i: byte i is at or above `byte` (0xC0 and more);
-//                                             what it says about ASCII bytes does not count
-//     static bool anyStops4(const char*)      whether any of four blocks from there has stops
+// A variant supplies its `Block`, which the concept below describes.
 #pragma once
 
-#include "veltra/processor/kernels/utf8_variants.h"
+#include "veltra/processor/kernels/utf8_kernels.h"
 
+#include <concepts>
 #include <cstdint>
 
-namespace veltra::detail {
+namespace veltra::kernels {
 
 static constexpr std::size_t kBlock = 64;
 static constexpr std::size_t kGroup = 4 * kBlock;
+
+// 64 bytes, loaded from an aligned address. Bit i of a mask is about byte i.
+template <class Block>
+concept Utf8Block = requires(const Block& block, const char* aligned) {
+    Block(aligned);
+    // NUL or not ASCII; NUL; at or above 0x80.
+    { block.stops() } -> std::same_as<std::uint64_t>;
+    { block.nuls() } -> std::same_as<std::uint64_t>;
+    { block.nonAscii() } -> std::same_as<std::uint64_t>;
+    // At or above a byte from 0xC0 on; the bits of ASCII bytes do not count.
+    { block.template atLeast<0xC0>() } -> std::same_as<std::uint64_t>;
+    // Whether any of four blocks from there has stops.
+    { Block::anyStops4(aligned) } -> std::same_as<bool>;
+};
 
 static inline std::size_t offsetIn(std::size_t size, const char* text) noexcept {
     return reinterpret_cast<std::uintptr_t>(text) & (size - 1);
@@ -40,7 +48,7 @@ static inline std::size_t smallerOf(std::size_t one, std::size_t other) noexcept
     return one < other ? one : other;
 }
 
-template <class Block>
+template <Utf8Block Block>
 static inline std::size_t asciiLength(const char* text) noexcept {
     const std::size_t offset = offsetIn(kBlock, text);
     const std::uint64_t first = Block(text - offset).stops() >> offset;
@@ -55,7 +63,7 @@ static inline std::size_t asciiLength(const char* text) noexcept {
     }
 }
 
-template <class Block>
+template <Utf8Block Block>
 static inline std::size_t asciiLengthWithin(const char* text, std::size_t limit) noexcept {
     if (limit == 0) return 0;
     const std::size_t offset = offsetIn(kBlock, text);
@@ -88,7 +96,7 @@ static inline std::uint64_t movedOn(std::uint64_t bits, std::uint64_t& carried) 
 // are judged: the run starts with a lead byte, and its last lead byte is followed by just as many
 // continuation bytes as it announces. `live` marks the text's bytes that are not ASCII; no live
 // byte is at or above 0xF8.
-template <class Block>
+template <Utf8Block Block>
 static bool isBroken(const Block& block, std::uint64_t live, Carry& carry) noexcept {
     const std::uint64_t leads = block.template atLeast<0xC0>() & live;
     const std::uint64_t leadsOf3 = block.template atLeast<0xE0>() & live;
@@ -104,7 +112,7 @@ static bool isBroken(const Block& block, std::uint64_t live, Carry& carry) noexc
     return ((behindRun & ~live & ~behindComplete) | (continuations & ~behindRun)) != 0;
 }
 
-template <class Block>
+template <Utf8Block Block>
 static bool check(const char* text) noexcept {
     const std::size_t offset = offsetIn(kBlock, text);
     const char* at = text - offset;
@@ -129,4 +137,4 @@ static bool check(const char* text) noexcept {
     }
 }
 
-}  // namespace veltra::detail
+}  // namespace veltra::kernels

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "veltra/processor/kernels/utf8_variants.h"
+#include "veltra/processor/kernels/utf8_kernels.h"
 
 #include <cstdint>
 
-namespace veltra {
+namespace veltra::kernels {
 
 namespace {
 
 std::size_t asciiLengthWithin(const char* text, std::size_t limit) noexcept {
     std::size_t length = 0;
-    while (length<limit&& static_cast<signed char>(text[length])> 0)
+    while (length < limit) {
+        if (static_cast<signed char>(text[length]) <= 0) break;
         ++length;
+    }
     return length;
 }
 
@@ -53,4 +55,4 @@ bool checkUtf8Plainly(const char* text) noexcept {
 
 const Utf8Kernels kUtf8Plain{asciiLength, asciiLengthWithin, checkUtf8Plainly};
 
-}  // namespace veltra
+}  // namespace veltra::kernels

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The rules of record swapping step by step, for the unit test and the fuzz target: reverse first,
+// The rules of record swapping step by step, for the unit test and the fuzz targets: reverse first,
 // then undo what went past the limit. It therefore touches the whole field, whatever the limit.
 #pragma once
 
@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace veltra {
 
@@ -48,6 +49,55 @@ struct RecordSwapModel {
         if (values > 1 && addressOf(end) > limit) flip(record);
         return end;
     }
+};
+
+// What SwapRecordWithin must do: the rules above, played with room behind the record.
+struct BoundedModel {
+    std::vector<unsigned char> record;
+    std::size_t taken = 0;
+    bool isComplete = false;
+    bool isInside =
+        true;  // and LimitTabIntelSwap, with the record's end as limit, stays inside too
+
+    BoundedModel(std::vector<unsigned char> bytes, const std::vector<unsigned char>& table)
+        : record(std::move(bytes)) {
+        const std::size_t size = record.size();
+        record.resize(size + 64);
+        m_end = m_model.limit = addressOf(record.data()) + size;
+        for (std::size_t at = 0; at < table.size();) {
+            const std::size_t operands = table[at] == 1 ? 2 : table[at] == 2 ? 3 : 0;
+            isComplete = table[at] == 0;
+            if (isComplete || table.size() - at <= operands) break;
+            const std::size_t count = operands == 0   ? 1
+                                      : operands == 2 ? table[at + 2]
+                                                      : table[at + 2] * 256U + table[at + 3];
+            if (!apply(operands == 0 ? table[at] : table[at + 1], count)) break;
+            at += operands + 1;
+        }
+        record.resize(size);
+    }
+
+private:
+    bool apply(std::size_t code, std::size_t count) {
+        const auto [parts, values] = partsOf(code);
+        std::size_t first = 0;
+        for (const char part : parts)
+            first += static_cast<std::size_t>(part < 'a' ? part - '0' : part - 'a' + 1);
+        for (; count > 0; --count) {
+            unsigned char* const field = record.data() + taken;
+            isInside = isInside && addressOf(field) + first <= m_end;
+            if (addressOf(field) + first > m_end) return false;
+            const unsigned char* const end = m_model.swap(field, code);
+            isInside = isInside && m_model.limit <= m_end;
+            m_model.limit = std::min(m_model.limit, m_end);
+            if (addressOf(end) > m_end) return false;
+            taken += first * static_cast<std::size_t>(values);
+        }
+        return true;
+    }
+
+    RecordSwapModel m_model{};
+    std::uintptr_t m_end;
 };
 
 }  // namespace veltra

@@ -71,7 +71,7 @@ inline std::string brokenLaw(std::string_view text) {
     std::vector<std::size_t> sizes{1, text.size() / 2, ascii, ascii + 1};
     for (std::size_t size = text.size() + 8; size-- > 0 && size + 9 > text.size();)
         sizes.push_back(size);
-    KernelFamily& family = detail::utf8KernelChoice;
+    KernelFamily& family = detail::utf8Kernels;
     for (std::size_t i = 0; i < family.variantCount(); ++i) {
         const std::string name = family.variantName(i);
         if (!family.runs(i)) continue;
@@ -85,6 +85,7 @@ inline std::string brokenLaw(std::string_view text) {
         if (utf8_is_ascii(text.data(), SIZE_MAX) != utf8_is_ascii(text.data(), 0))
             return "is_ascii without end, " + name;
     }
+    family.useBest();
     const std::unique_ptr<const VLString, decltype(&VLStringRelease)> object(
         utf8_to_cfstring(text.data()), &VLStringRelease);
     for (const std::size_t size : sizes) {
@@ -95,6 +96,12 @@ inline std::string brokenLaw(std::string_view text) {
         const std::string expected = slowCopy(text, size);
         if (std::string(buffer.begin(), buffer.end()) != expected) return "strncpy";
         if (std::string(terminated.begin(), terminated.end()) != expected + '\0') return "strlcpy";
+        for (const std::size_t distance : {0U, 1U, 9U}) {
+            std::string both(std::max(size, distance + text.size() + 1), '\0');
+            text.copy(&both[distance], text.size());
+            utf8_strncpy(both.data(), &both[distance], size);
+            if (both.compare(0, size, expected) != 0) return "strncpy over itself";
+        }
         if (object == nullptr || size == 0) continue;
         utf8_from_cfstring(buffer.data(), object.get(), size);
         if (buffer.data() != slowCopyOfObject(text, size)) return "from_cfstring";

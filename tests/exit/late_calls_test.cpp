@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// A host's last words: the destructor of an object that was made before anything of the library
+// runs when all that was made later is gone, and may still call everything.
+#include "veltra/base/exception.h"
+#include "veltra/diagnostics/assertion.h"
+#include "veltra/diagnostics/log.h"
+#include "veltra/platform/alert.h"
+#include "veltra/platform/allocation_zone.h"
+#include "veltra/platform/clock.h"
+#include "veltra/platform/keyboard_layout.h"
+#include "veltra/platform/local_time.h"
+#include "veltra/platform/localization.h"
+#include "veltra/platform/notification_center.h"
+#include "veltra/platform/preferences.h"
+#include "veltra/platform/process.h"
+#include "veltra/platform/processor_features.h"
+#include "veltra/platform/run_loop.h"
+#include "veltra/platform/standard_error.h"
+#include "veltra/platform/system_log.h"
+#include "veltra/platform/text_services.h"
+#include "veltra/ui/application.h"
+#include "veltra/ui/port.h"
+#include "veltra/ui/tool_tip.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace veltra {
+namespace {
+
+class Presser final : public AlertPresenter {
+public:
+    AlertAnswer present(const Alert& /*alert*/) noexcept override {
+        ++count;
+        return AlertAnswer::Default;  // go on
+    }
+    int count = 0;
+};
+
+bool hasRaised() {
+    try {
+        raiseException("late", "on purpose");
+    } catch (const Exception& raised) {
+        return raised.name() == "late";
+    }
+}
+
+// Every service once, through whoever is in force.
+bool isServed(Presser& presser) {
+    const WallTime now = Clocks::current().wall();
+    StandardError& stream = StandardError::current();
+    stream.write(stream.inspect(), {"late: ", "a line", "\n"});
+    SystemLog::current().send(LogRecord{});
+    QKLogCString(7, false, nullptr, "late: %d", 1);
+    const VLString* name = VLStringCreateWithCString("late");
+    NotificationCenter::local().post(name, nullptr);
+    VLStringRelease(name);
+    TextServices::current().toUpper(u"late");
+    KeyboardLayout::current().translate(0);
+    UiPort::current().appearance();
+    ProcessorFeatures::current();
+    void* block = AllocationZone::current().entries().allocate(1);
+    AllocationZone::current().entries().free(block);
+    AlertPresenter::install(&presser);
+    const int before = presser.count;
+    const int answer = dbgASSERT(0, "late", "here", nullptr);
+    AlertPresenter::install(nullptr);
+    const bool isAsked = answer == 0 && presser.count == before + 1;
+    const std::array facts{
+        isAsked,
+        hasRaised(),
+        block != nullptr,
+        !Clocks::current().monotonic().hasFailed(),
+        LocalTime::current().civilTime(now).has_value(),
+        Process::current().processId() == ::getpid(),
+        AlertPresenter::current().present({}) == AlertAnswer::TimedOut,
+        Preferences::current().value("late").isNull(),
+        Preferences::current().setValue("late", 1) && Preferences::current().setValue("late", {}),
+        localizedString("late") == "late",
+        Application::current().currentEvent() == nullptr,
+        &ToolTipWindow::shared() == &ToolTipWindow::shared(),
+        RunLoop::current() == nullptr || RunLoop::current()->schedule({}) != nullptr,
+    };
+    for (std::size_t fact = 0; fact < facts.size(); ++fact)
+        if (!facts[fact]) std::fprintf(stderr, "fact %zu does not hold\n", fact);
+    return std::find(facts.begin(), facts.end(), false) == facts.end();
+}
+
+constexpr int kServed = 7;
+
+// Made before main(), so destroyed after whatever the tests have made.
+struct Host {
+    ~Host() {
+        if (isLeaving) ::_exit(isServed(presser) ? kServed : 1);
+    }
+    Presser presser;
+    bool isLeaving = false;
+} host;
+
+TEST(LateCallsDeathTest, AllServicesServeWhileTheProcessEndsAlsoForTheFirstTime) {
+    ::testing::GTEST_FLAG(death_test_style) =
+        "threadsafe";  // a new process each, with nothing made yet
+    for (const bool isFirstTime : {false, true}) {
+        const auto leave = [&] {
+            host.isLeaving = isFirstTime || isServed(host.presser);
+            std::exit(0);
+        };
+        EXPECT_EXIT(leave(), ::testing::ExitedWithCode(kServed), "late: a line") << isFirstTime;
+    }
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/infrastructure/flyweight.h"
+
+#include "veltra/base/exception.h"
+#include "veltra/infrastructure/flyweight_pool.h"
+#include "veltra/infrastructure/testing/counted_classes.h"
+
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+
+namespace {
+
+using A = testing::Value<0>;
+using B = testing::Value<1>;
+
+const std::atomic<int>& living = testing::LifeMark::s_living;
+
+class Flyweights : public ::testing::Test {
+protected:
+    void SetUp() override { A::s_setUps = B::s_setUps = 0; }
+    void TearDown() override {
+        A::s_setUp = nullptr;
+        QKSingleton::releaseAllSingletons();
+        EXPECT_EQ(living, 0);
+    }
+};
+
+TEST_F(Flyweights, AreSharedByClassAndHash) {
+    A* const one = A::get(60);
+    EXPECT_EQ(one->retainCount(), 2u);  // the pool's and ours
+    EXPECT_EQ(QKFlyweight::pooled(A::s_class, 62), nullptr);
+    Object* const candidate = A::s_class.alloc();  // loses against the pooled one
+    EXPECT_EQ(static_cast<A*>(candidate)->initWithHash(60), one);
+    EXPECT_EQ(one->retainCount(), 3u);
+    EXPECT_EQ(living, 1);
+    EXPECT_EQ(A::s_setUps, 1);
+    A* const other = A::get(61);
+    B* const stranger = B::get(60);
+    EXPECT_EQ(living, 3);
+    EXPECT_TRUE(one->isEqual(stranger));  // the hash alone decides
+    EXPECT_FALSE(one->isEqual(other));
+    EXPECT_FALSE(one->isEqual(nullptr));
+
+    one->release();
+    one->release();
+    EXPECT_EQ(A::get(60), one);  // stays for the next
+
+    QKFlyweight::releasePoolOfFlyweights(A::s_class);
+    EXPECT_EQ(one->retainCount(), 1u);
+    A* const anew = A::get(60);
+    EXPECT_NE(anew, one);
+    EXPECT_EQ(A::s_setUps, 3);
+    _QKPoolOfFlyweights::sharedInstance()->removeFlyweight(*one);  // not the one that is pooled
+    EXPECT_EQ(A::get(60), anew);
+    for (Object* object :
+         {static_cast<Object*>(one), static_cast<Object*>(other), static_cast<Object*>(stranger)})
+        object->release();
+    anew->release();
+    anew->release();
+}
+
+TEST_F(Flyweights, LeaveThePoolWithTheirLastUser) {
+    A* one = A::get(1);
+    EXPECT_FALSE(one->willAutoRemoveFromPool());
+    one->setWillAutoRemoveFromPool(true);
+    one->retain();
+    one->release();
+    EXPECT_EQ(living, 1);
+    one->release();
+    EXPECT_EQ(living, 0);
+
+    one = A::get(1);
+    EXPECT_EQ(A::s_setUps, 2);
+    one->release();
+    EXPECT_EQ(one->retainCount(), 1u);
+    one->setWillAutoRemoveFromPool(false);
+    EXPECT_EQ(living, 1);
+    one->setWillAutoRemoveFromPool(true);  // only the pool has it
+    EXPECT_EQ(living, 0);
+
+    one = A::get(1);
+    one->setWillAutoRemoveFromPool(true);
+    one->setWillAutoRemoveFromPool(false);
+    one->release();
+    EXPECT_EQ(living, 1);
+}
+
+TEST_F(Flyweights, AreNotFoundHalfMade) {
+    A::s_setUp = [](A& self) {
+        if (self.hash() == 2) A::get(2)->release();  // its own thread may
+        if (self.hash() == 3) throw 3;
+    };
+    A::get(2)->release();
+    EXPECT_THROW(A::get(3), int);
+    EXPECT_EQ(living, 1);
+    A* const bare = static_cast<A*>(A::s_class.alloc());
+    try {
+        bare->init();
+        ADD_FAILURE();
+    } catch (const Exception& exception) {
+        EXPECT_EQ(exception.name(), "QKFlyweight");
+        EXPECT_EQ(exception.reason(), "-init: not the designated initializer");
+    }
+    bare->release();
+
+    std::atomic<bool> isSetUp{false};
+    std::atomic<bool> hasBegun{false};
+    A::s_setUp = [&](A&) {
+        hasBegun = true;
+        for (int i = 0; i < 100; ++i)
+            std::this_thread::yield();
+        isSetUp = true;
+    };
+    std::thread maker([] { A::get(4)->release(); });
+    while (!hasBegun)
+        std::this_thread::yield();
+    A* const found = A::get(4);
+    EXPECT_TRUE(isSetUp);
+    found->release();
+    maker.join();
+}
+
+// Threads that ask, switch and release beside one that drops the pool: what anybody
+// has is alive, and nothing is left at the end.
+TEST_F(Flyweights, AreSafeAmongThreads) {
+    std::atomic<bool> isOver{false};
+    std::thread dropper([&isOver] {
+        while (!isOver)
+            QKFlyweight::releasePoolOfFlyweights(A::s_class);
+    });
+    std::vector<std::thread> users;
+    for (int t = 0; t < 7; ++t)
+        users.emplace_back([t] {
+            for (std::uint32_t i = 0; i < 3000; ++i) {
+                A* const one = A::get(i % 5);
+                ASSERT_NE(one, nullptr);
+                ASSERT_TRUE(one->isAlive());
+                if ((i + static_cast<std::uint32_t>(t)) % 3 == 0)
+                    one->setWillAutoRemoveFromPool(i % 2 == 0);
+                one->release();
+            }
+        });
+    for (std::thread& user : users)
+        user.join();
+    isOver = true;
+    dropper.join();
+    EXPECT_GT(A::s_setUps, 0);
+}
+
+}  // namespace
+
+}  // namespace veltra

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/infrastructure/object.h"
+
+#include "veltra/infrastructure/class_object.h"
+#include "veltra/infrastructure/monitor.h"
+#include "veltra/infrastructure/testing/counted_classes.h"
+
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+
+namespace {
+
+class Plain : public Object, public testing::LifeMark {
+public:
+    static PlainClass s_class;
+    Class& classObject() const noexcept override { return s_class; }
+    void dealloc() override {
+        if (m_next != nullptr) m_next->autorelease();
+        Object::dealloc();
+    }
+    Object* m_next = nullptr;  // handed to the pool by the end of this one
+};
+
+constinit PlainClass Plain::s_class("Plain", &Object::s_class, makeObject<Plain>);
+const ClassEntry plainEntry(Plain::s_class);
+
+const std::atomic<int>& living = testing::LifeMark::s_living;
+
+TEST(Objects, LiveAsLongAsTheyAreReferredTo) {
+    Object* const object = Plain::s_class.alloc()->init();
+    EXPECT_EQ(object->retainCount(), 1u);
+    EXPECT_EQ(object->retain(), object);
+    EXPECT_EQ(object->retainCount(), 2u);
+    EXPECT_EQ(object->copyWithZone(nullptr), nullptr);
+    EXPECT_TRUE(object->isEqual(object));
+    EXPECT_FALSE(object->isEqual(nullptr));
+    object->release();
+    EXPECT_EQ(living, 1);
+    object->release();
+    EXPECT_EQ(living, 0);
+    EXPECT_EQ(Object::s_class.alloc(), nullptr);
+}
+
+TEST(Objects, AreReleasedByTheInnermostPoolOrTheEndOfTheThread) {
+    const AutoreleasePool outer;
+    {
+        const AutoreleasePool inner;
+        auto* const first = static_cast<Plain*>(Plain::s_class.alloc());
+        first->m_next = Plain::s_class.alloc();  // added while the pool is emptied
+        EXPECT_EQ(first->autorelease(), first);
+        EXPECT_EQ(living, 2);
+    }
+    EXPECT_EQ(living, 0);
+    std::thread([] {
+        auto* const first = static_cast<Plain*>(Plain::s_class.alloc());
+        first->m_next = Plain::s_class.alloc();
+        first->autorelease();
+        { const AutoreleasePool block; }  // is not the thread's
+        EXPECT_EQ(living, 2);
+    }).join();
+    EXPECT_EQ(living, 0);
+}
+
+TEST(Classes, AreFoundByNameWhileTheyHaveAnEntry) {
+    static constinit PlainClass late("Late", &Plain::s_class, nullptr);
+    EXPECT_EQ(Class::named("Late"), nullptr);
+    {
+        const ClassEntry entry(late);
+        EXPECT_EQ(Class::named("Late"), &late);
+        static constinit PlainClass other("Late", nullptr, nullptr);
+        const ClassEntry newer(other);
+        EXPECT_EQ(Class::named("Late"), &other);
+        EXPECT_EQ(Class::named("Plain"), &Plain::s_class);
+    }
+    EXPECT_EQ(Class::named("Late"), nullptr);
+    EXPECT_EQ(Class::named(""), nullptr);
+
+    EXPECT_TRUE(late.isSubclassOf(late));
+    EXPECT_TRUE(late.isSubclassOf(Object::s_class));
+    EXPECT_FALSE(Object::s_class.isSubclassOf(late));
+}
+
+TEST(Monitors, LetOneThreadInAgainAndAgainAndOthersAfterIt) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 20'000;
+    int places[2] = {};
+    std::thread threads[kThreads];
+    for (int t = 0; t < kThreads; ++t)
+        threads[t] = std::thread([&places] {
+            for (int i = 0; i < kRounds; ++i) {
+                int& place = places[i % 2];
+                const InMonitor outer(&place);
+                {
+                    const InMonitor inner(&place);
+                    ++place;
+                }
+                ++place;  // still inside
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(places[0] + places[1], 2 * kThreads * kRounds);
+
+    // An exception leaves it; else the thread below would wait for ever.
+    const auto throwsInside = [&places] {
+        const InMonitor guard(places);
+        throw 1;
+    };
+    EXPECT_ANY_THROW(throwsInside());
+    std::thread([&places] { const InMonitor guard(places); }).join();
+}
+
+}  // namespace
+
+}  // namespace veltra

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Arithmetic on vectors and points of the plane, for drawing code: knobs, pans, curves.
+//
+// Everything is computed in double precision and rounded once. NaN and infinity spread by the usual
+// rules.
+// Thread: any. Realtime-safe: yes.
+#pragma once
+
+#include "veltra/export.h"
+
+VELTRA_C_BEGIN
+
+// A vector, or a point: the vector from the origin to it.
+typedef struct QkVector {
+    float x;
+    float y;
+} QkVector;
+
+// The vector that leads from `from` to `to`.
+VELTRA_EXPORT QkVector QkMakeVectorFromPoints(QkVector from, QkVector to) VELTRA_NOEXCEPT;
+
+VELTRA_EXPORT QkVector vectorSum(QkVector left, QkVector right) VELTRA_NOEXCEPT;
+VELTRA_EXPORT QkVector inverseVector(QkVector vector) VELTRA_NOEXCEPT;
+VELTRA_EXPORT QkVector scalarMultiplication(QkVector vector, float factor) VELTRA_NOEXCEPT;
+VELTRA_EXPORT float vectorScalarProduct(QkVector left, QkVector right) VELTRA_NOEXCEPT;
+VELTRA_EXPORT float vectorLength(QkVector vector) VELTRA_NOEXCEPT;
+
+// The angle from the x axis towards the y axis, in radians from -pi to pi; 0 for the null vector.
+VELTRA_EXPORT float vectorAngle(QkVector vector) VELTRA_NOEXCEPT;
+VELTRA_EXPORT float radiantsToDegree(float radians) VELTRA_NOEXCEPT;
+
+// The vector of length 1, or of `length`, in the same direction; in the opposite one for a negative
+// length. The null vector has no direction and stays what it is.
+VELTRA_EXPORT QkVector unitVector(QkVector vector) VELTRA_NOEXCEPT;
+VELTRA_EXPORT QkVector vectorWithAdjustedLength(QkVector vector, float length) VELTRA_NOEXCEPT;
+
+VELTRA_C_END

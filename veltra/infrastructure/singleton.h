@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// Objects of which a process has one each: made when first asked for, not counted, and all torn
+// down by one call.
+//
+//   // session.h
+//   class Session : public QKSingleton {
+//   public:
+//       static SlotClass<> s_class;
+//       Class& classObject() const noexcept override { return s_class; }
+//       static Session* sharedInstance() {
+//           return static_cast<Session*>(s_class.sharedInstance());
+//       }
+//   };
+//   // session.cpp
+//   constinit SlotClass<> Session::s_class("Session", &QKSingleton::s_class, makeObject<Session>);
+//   const ClassEntry sessionEntry(Session::s_class);
+//
+// Nothing is torn down by itself at the end of the process: a host calls
+// QKSingleton::releaseAllSingletons() before. Whoever still uses an instance while it is torn down
+// uses a dead object.
+#pragma once
+
+#include "veltra/export.h"
+#include "veltra/infrastructure/class_object.h"
+#include "veltra/infrastructure/object.h"
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace veltra {
+
+// The class of a singleton class. It says nothing of where the instance is kept: a concrete class
+// has a SlotClass, or derives from this and overrides singleton() and setSingleton().
+// Thread: any. Realtime-safe: no, but for SlotClass::sharedInstance() once the instance is there.
+class VELTRA_EXPORT SingletonClass : public Class {
+public:
+    using Class::Class;
+
+    // Returns the instance, after making it if there is none: alloc(), init(), and registration for
+    // releaseAllSingletons(). While init() runs, a call from it gets the object that is being
+    // prepared; calls of other threads wait. What init() returns is not looked at but for null,
+    // which is not registered; the object that alloc() made stays in the slot all the same.
+    // Null when memory is out; then nothing was made.
+    // Raises what singleton(), setSingleton() and init() raise.
+    Object* sharedInstance();
+
+    // Takes the instance off the register, sends it dealloc() and empties the slot, in this order.
+    // Without an instance nothing happens. The next sharedInstance() makes a new one.
+    virtual void releaseSharedInstance();
+
+    // Makes the instance and stores it, only if there is none; else returns null.
+    Object* allocWithZone(void* zone) override;
+
+    // The slot. Here they raise "ESSingleton", with "+singleton not implemented" and
+    // "+setSingleton: not implemented": each concrete class has a slot of its own.
+    virtual Object* singleton() const;
+    virtual void setSingleton(Object* instance);
+
+    // Who was the first to ask for the present instance: an address in the caller of
+    // sharedInstance(). 0 without a registered instance.
+    std::uintptr_t madeBy() const noexcept { return m_madeBy.load(std::memory_order_relaxed); }
+
+protected:
+    ~SingletonClass() = default;
+
+    // The instance is prepared and registered. The class's monitor is held.
+    virtual void instanceIsReady() noexcept;
+
+private:
+    static bool registerInstance(const Object& instance);
+
+    std::atomic<std::uintptr_t> m_madeBy{0};
+};
+
+// A singleton class with a slot. Base: SingletonClass, or a class derived from it.
+template <class Base = SingletonClass>
+class SlotClass final : public Base {
+public:
+    using Base::Base;
+
+    // As above. Once the instance is ready: one load, no lock.
+    Object* sharedInstance() {
+        // With instanceIsReady(): what init() wrote is seen.
+        if (Object* const ready = m_ready.load(std::memory_order_acquire)) return ready;
+        return Base::sharedInstance();
+    }
+
+    Object* singleton() const override { return m_slot.load(std::memory_order_acquire); }
+
+    void setSingleton(Object* instance) override {
+        m_ready.store(nullptr, std::memory_order_relaxed);
+        m_slot.store(instance, std::memory_order_release);  // with singleton()
+    }
+
+protected:
+    void instanceIsReady() noexcept override {
+        m_ready.store(singleton(), std::memory_order_release);  // with sharedInstance()
+    }
+
+private:
+    std::atomic<Object*> m_slot{nullptr};   // from alloc() on: init() may ask for it
+    std::atomic<Object*> m_ready{nullptr};  // from the end of the registration on
+};
+
+// The base of singletons. Counting is switched off: only releaseSharedInstance() of the class, or
+// releaseAllSingletons(), ends an instance.
+class VELTRA_EXPORT QKSingleton : public Object {
+public:
+    static PlainClass s_class;  // "QKSingleton", without a slot
+
+    // Tears down every registered singleton, in no order, and the register with them. One that is
+    // made anew meanwhile (by the dealloc() of another) is torn down as well; the register gives up
+    // after eight rounds, when some keep coming back.
+    // Thread: any; no other thread may use a singleton meanwhile. Realtime-safe: no.
+    static void releaseAllSingletons();
+
+    // One registered singleton.
+    struct Living {
+        const Class* classObject;  // null for one whose module is gone
+        std::string className;
+        std::uintptr_t madeBy;  // see SingletonClass::madeBy()
+    };
+
+    // The registered singletons, sorted by name: what releaseAllSingletons() would tear down. To
+    // find out at exit who has made what, and from where. Throws std::bad_alloc.
+    // Thread: any. Realtime-safe: no.
+    static std::vector<Living> livingSingletons();
+
+    QKSingleton* retain() override { return this; }
+    void release() override {}
+    QKSingleton* autorelease() override { return this; }
+    std::uint32_t retainCount() const noexcept override { return UINT32_MAX; }
+    QKSingleton* copyWithZone(void* /*zone*/) override { return this; }
+};
+
+}  // namespace veltra

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/testing/fake_memory_system.h"
+
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+namespace veltra {
+namespace {
+
+using testing::FakeMemorySystem;
+using Bytes = std::optional<std::uint64_t>;
+
+constexpr std::uint64_t kKiB = 1024;
+
+TEST(MemoryFacts, SayNothingWhereTheSystemSaysNothing) {
+    FakeMemorySystem system;
+    const std::string junk =
+        std::string(5000, 'x') + "\n" + std::string("MemTotal: \0 kB\n\n:", 18);
+    for (const std::string& text : {std::string(), junk, std::string("0::\n-\nsome avg10=nan\n")}) {
+        for (const char* path : {"/proc/meminfo", "/proc/self/cgroup", "/proc/self/mountinfo",
+                                 "/proc/self/status", "/proc/pressure/memory"})
+            system.files[path] = text;
+        const MemoryFacts facts = MemoryFactsReader().read();
+        EXPECT_FALSE(facts.room() || facts.capacity() || facts.someStalled || facts.allStalled);
+    }
+}
+
+TEST(MemoryFacts, TakeTheMachineTheProcessAndItsStalls) {
+    FakeMemorySystem system;
+    system.files["/proc/meminfo"] =
+        std::string(9000, '#') +  // longer than any line that counts
+        "\nMemTotalX: 1 kB\nMemTotal:       1000 kB\nMemAvailable:\t400 kB\nMemAvailable: 9 kB\n";
+    system.files["/proc/self/status"] = "Name:\tx\nVmSize:\t    300 kB\nVmRSS: 1 kB";
+    system.files["/proc/pressure/memory"] =
+        "some avg10=12.50 avg60=1.00 avg300=0.10 total=99\nfull avg10=100.00 avg60=0 total=1";
+    MemoryFacts facts = MemoryFactsReader().read();
+    EXPECT_TRUE(facts.total == 1000 * kKiB && facts.available == 400 * kKiB);
+    EXPECT_TRUE(facts.room() == 400 * kKiB && facts.capacity() == 1000 * kKiB);
+    EXPECT_TRUE(facts.someStalled == 12.5 && facts.allStalled == 100.0);
+    EXPECT_FALSE(facts.groupLimit || facts.groupRoom || facts.addressSpaceLimit);
+
+    system.limits.current = 350 * kKiB;
+    facts = MemoryFactsReader().read();
+    EXPECT_TRUE(facts.room() == 50 * kKiB && facts.memoryRoom() == 400 * kKiB);
+    system.limits.current = 200 * kKiB;
+    EXPECT_EQ(MemoryFactsReader().read().room(), 0U);
+    system.files["/proc/meminfo"] = "MemTotal: 99999999999999999999 kB\nMemAvailable: -5 kB\n";
+    facts = MemoryFactsReader().read();
+    EXPECT_TRUE(facts.total == UINT64_MAX && !facts.available);
+}
+
+// The mounts as the kernel lists them: `root` is what of the hierarchy is mounted there.
+std::string mount(const char* root, const char* point, const char* type, const char* options) {
+    return std::string("31 23 0:28 ") + root + " " + point + " rw,relatime shared:9 master:1 - " +
+           type + " source rw," + options + "\n";
+}
+
+TEST(MemoryFacts, FollowTheControlGroupsUpTheTree) {
+    const std::string unified = mount("/", "/sys/fs/cgroup", "cgroup2", "nsdelegate");
+    const std::string legacy = mount("/", "/cg/cpu", "cgroup", "cpu") +
+                               mount("/", "/cg/my\\040memory", "cgroup", "memory");
+    const std::string container = mount("/docker/1", "/cg/memory", "cgroup", "memory");
+    using Files = std::map<std::string, std::string>;
+    const struct {
+        const char* name;
+        std::string groups, mounts;
+        Files files;
+        Bytes limit, room;
+    } kCases[] = {
+        {"no limit",
+         "0::/a/b\n",
+         unified,
+         {{"/sys/fs/cgroup/a/b/memory.max", "max\n"}, {"/sys/fs/cgroup/a/b/memory.current", "5\n"}},
+         {},
+         {}},
+        {"the least room, above",
+         "0::/a/b\n",
+         unified,
+         {{"/sys/fs/cgroup/a/b/memory.max", "1000\n"},
+          {"/sys/fs/cgroup/a/b/memory.current", "100\n"},
+          {"/sys/fs/cgroup/a/memory.max", "2000\n"},
+          {"/sys/fs/cgroup/a/memory.current", "1950\n"}},
+         1000,
+         50},
+        {"a softer limit",
+         "0::/\n",
+         unified,
+         {{"/sys/fs/cgroup/memory.max", "max"},
+          {"/sys/fs/cgroup/memory.high", "700"},
+          {"/sys/fs/cgroup/memory.current", "900"}},
+         700,
+         0},
+        {"files in memory are room",
+         "0::/a\n",
+         unified,
+         {{"/sys/fs/cgroup/a/memory.max", "1000"},
+          {"/sys/fs/cgroup/a/memory.current", "1000"},
+          {"/sys/fs/cgroup/a/memory.stat", "anon 1\ninactive_file_x 7\ninactive_file 300\n"}},
+         1000,
+         300},
+        {"a limit without a use",
+         "0::/a\n",
+         unified,
+         {{"/sys/fs/cgroup/a/memory.max", "1000"}},
+         1000,
+         {}},
+        {"nonsense",
+         "0::/a\n",
+         unified,
+         {{"/sys/fs/cgroup/a/memory.max", "12abc"}, {"/sys/fs/cgroup/a/memory.current", "x"}},
+         {},
+         {}},
+        {"the older kind, an escaped place",
+         "3:cpu:/x\n4:foo,memory:/g\n0::/\n",
+         legacy + unified,
+         {{"/cg/my memory/g/memory.limit_in_bytes", "400\n"},
+          {"/cg/my memory/g/memory.usage_in_bytes", "390\n"},
+          {"/cg/my memory/g/memory.stat", "inactive_file 1\ntotal_inactive_file 20\n"},
+          {"/cg/my memory/memory.limit_in_bytes", "9223372036854771712\n"},
+          {"/cg/my memory/memory.usage_in_bytes", "123456\n"}},
+         400,
+         30},
+        {"a parent that counts",
+         "4:memory:/g/h\n",
+         legacy,
+         {{"/cg/my memory/g/memory.limit_in_bytes", "100"},
+          {"/cg/my memory/g/memory.usage_in_bytes", "99"},
+          {"/cg/my memory/g/memory.use_hierarchy", "1"}},
+         100,
+         1},
+        {"a parent that does not",
+         "4:memory:/g/h\n",
+         legacy,
+         {{"/cg/my memory/g/memory.limit_in_bytes", "100"},
+          {"/cg/my memory/g/memory.usage_in_bytes", "99"},
+          {"/cg/my memory/g/memory.use_hierarchy", "0"}},
+         {},
+         {}},
+        {"a part is mounted",
+         "4:memory:/docker/1/in\n",
+         container,
+         {{"/cg/memory/in/memory.limit_in_bytes", "100"},
+          {"/cg/memory/in/memory.usage_in_bytes", "1"}},
+         100,
+         99},
+        {"another part is mounted",
+         "4:memory:/docker/12\n",
+         container,
+         {{"/cg/memory/memory.limit_in_bytes", "100"}, {"/cg/memory/memory.usage_in_bytes", "2"}},
+         100,
+         98},
+        {"both kinds",
+         "4:memory:/g\n0::/a\n",
+         legacy + unified,
+         {{"/cg/my memory/g/memory.limit_in_bytes", "100"},
+          {"/cg/my memory/g/memory.usage_in_bytes", "1"},
+          {"/sys/fs/cgroup/a/memory.max", "90"},
+          {"/sys/fs/cgroup/a/memory.current", "80"}},
+         90,
+         10},
+        {"too long a name", "0::/" + std::string(3000, 'a') + "\n", unified, {}, {}, {}},
+    };
+    for (const auto& one : kCases) {
+        FakeMemorySystem system;
+        system.files = one.files;
+        system.files["/proc/self/cgroup"] = one.groups;
+        system.files["/proc/self/mountinfo"] = mount("/", "/", "ext4", "discard") + one.mounts;
+        const MemoryFacts facts = MemoryFactsReader().read();
+        EXPECT_EQ(facts.groupLimit, one.limit) << one.name;
+        EXPECT_EQ(facts.groupRoom, one.room) << one.name;
+    }
+}
+
+TEST(MemoryFacts, TakeTheGroupsOwnStallsWhereItTellsThem) {
+    FakeMemorySystem system;
+    system.files = {{"/proc/self/cgroup", "0::/a\n"},
+                    {"/proc/self/mountinfo", mount("/", "/sys/fs/cgroup", "cgroup2", "x")},
+                    {"/sys/fs/cgroup/a/memory.pressure", "some avg10=3.00\n"},
+                    {"/proc/pressure/memory", "some avg10=9.00\nfull avg10=8\n"}};
+    EXPECT_EQ(MemoryFactsReader().read().someStalled, 3.0);
+    EXPECT_FALSE(MemoryFactsReader().read().allStalled);
+    system.files.erase("/sys/fs/cgroup/a/memory.pressure");
+    EXPECT_STREQ(MemoryFactsReader().pressurePath(), "/proc/pressure/memory");
+    EXPECT_EQ(MemoryFactsReader().read().allStalled, 8.0);
+}
+
+TEST(MemoryFacts, AreToBeHadOfThisMachine) {
+    const MemoryFactsReader reader;
+    const MemoryFacts facts = reader.read();
+    ASSERT_TRUE(facts.total && facts.available && facts.addressSpaceUsed);
+    EXPECT_LT(*facts.available, *facts.total);
+    EXPECT_GT(*facts.addressSpaceUsed, 1000 * kKiB);
+
+    MemorySystem& system = MemorySystem::current();
+    const MemorySystem::Events events = system.openEvents(reader.pressurePath(), milliseconds(1));
+    pollfd all{events.all, POLLIN, 0};
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(::poll(&all, 1, 10'000), 1);
+        system.takeEvents(events);
+    }
+    system.closeEvents(events);
+    EXPECT_EQ(system.openEvents("/no such file", milliseconds(1)).trigger, -1);
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/symbol_names.h"
+
+#include "veltra/platform/testing/child_process.h"
+
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+[[gnu::noinline]] void here() {
+    asm volatile("");
+}
+
+std::uintptr_t addressOf(void (*function)()) {
+    return reinterpret_cast<std::uintptr_t>(function);
+}
+
+std::string_view view(const std::array<char, 512>& text) {
+    return text.data();
+}
+
+// First: nothing was prepared, which a child must not do by itself.
+TEST(SymbolNames, ReadsNothingInAForkedChildThatWasNotPrepared) {
+    EXPECT_TRUE(testing::holdsInChild([] {
+        prepareSymbolNames();
+        return symbolNameOf(addressOf(here)).line == 0;
+    }));
+}
+
+#ifdef VELTRA_BACKTRACE
+TEST(SymbolNames, TellFunctionFileAndLineAlsoInAPreparedChildAndOnOtherThreads) {
+    const auto isKnown = [] {
+        const SymbolName name = symbolNameOf(addressOf(here));
+        return view(name.function) == "veltra::(anonymous namespace)::here()" &&
+               view(name.file).ends_with("symbol_names_test.cpp") && name.line > 10 &&
+               !view(name.object).empty();
+    };
+    EXPECT_TRUE(isKnown());
+    EXPECT_TRUE(testing::holdsInChild(isKnown));
+    bool isKnownThere = false;
+    std::thread([&] { isKnownThere = isKnown(); }).join();
+    EXPECT_TRUE(isKnownThere);
+}
+
+TEST(SymbolNames, KnowModulesThatAreLoadedLater) {
+    symbolNameOf(addressOf(here));
+    void* const module = ::dlopen(VELTRA_NAMED_MODULE, RTLD_NOW);
+    ASSERT_NE(module, nullptr) << ::dlerror();
+    auto* const address = reinterpret_cast<std::uintptr_t (*)()>(::dlsym(module, "hiddenAddress"));
+    const SymbolName name = symbolNameOf(address());
+    EXPECT_EQ(view(name.function), "(anonymous namespace)::hidden()");
+    EXPECT_TRUE(view(name.file).ends_with("named_module.cpp")) << name.file.data();
+    EXPECT_TRUE(view(name.object).ends_with("named_module.so")) << name.object.data();
+    ::dlclose(module);
+}
+#endif
+
+TEST(SymbolNames, KnowWhatIsExportedAndNothingOfWhatIsNoCode) {
+    const auto* exported = ::dlsym(RTLD_DEFAULT, "getenv");
+    const SymbolName name = symbolNameOf(reinterpret_cast<std::uintptr_t>(exported));
+    EXPECT_NE(view(name.function).find("getenv"), std::string_view::npos);
+    EXPECT_NE(view(name.object).find("lib"), std::string_view::npos);
+    for (const std::uintptr_t address : {std::uintptr_t{0}, std::uintptr_t{1}, UINTPTR_MAX}) {
+        const SymbolName none = symbolNameOf(address);
+        EXPECT_TRUE(view(none.function).empty() && view(none.file).empty() &&
+                    view(none.object).empty() && none.line == 0);
+    }
+}
+
+}  // namespace
+}  // namespace veltra
