@@ -6,6 +6,7 @@
 #include "veltra/base/whole_characters.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

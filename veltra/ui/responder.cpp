@@ -2,6 +2,7 @@
 #include "veltra/ui/responder.h"
 
 #include <array>
+#include <bit>
 
 namespace veltra {
 
@@ -29,7 +30,7 @@ constexpr std::array<Row, 12> kHandlers{{
 
 constexpr bool isInOrder() {
     for (std::size_t i = 0; i < kHandlers.size(); ++i) {
-        if (static_cast<std::size_t>(kHandlers[i].type) != i) return false;
+        if (static_cast<std::size_t>(kHandlers[i].type) != std::size_t{1} << i) return false;
     }
     return true;
 }
@@ -40,7 +41,7 @@ static_assert(isInOrder());
 Responder::~Responder() = default;
 
 Responder::Handler Responder::handlerFor(EventType type) noexcept {
-    return kHandlers[static_cast<std::size_t>(type)].handler;
+    return kHandlers[static_cast<std::size_t>(std::countr_zero(EventMask(type).bits()))].handler;
 }
 
 void Responder::pass(Handler handler, const Event& event) {
