@@ -46,7 +46,9 @@ std::shared_ptr<const Image> fromFile(const std::string& name, float scale) {
     if (folder.empty() || name.empty()) return nullptr;
     std::shared_ptr<const Image> best;
     for (const Variant& variant : kVariants) {
-        auto image = Image::load(folder + '/' + name + variant.suffix, variant.scale);
+        std::string path = folder;
+        path.append("/").append(name).append(variant.suffix);
+        auto image = Image::load(path, variant.scale);
         if (image) best = std::move(image);
         if (best && variant.scale >= scale) break;
     }

@@ -96,7 +96,7 @@ public:
     // where nothing of the view can be seen even then.
     bool giveKeyboardTo(View& view);
     // Whether the key belongs to the first responder before the shortcuts of the host see it.
-    bool wantsKey(const Event& event) const;
+    bool wantsKey(const Event& event) const override;
     void selectNextKeyView() { selectKeyView(true); }
     void selectPreviousKeyView() { selectKeyView(false); }
 
