@@ -2,6 +2,7 @@
 #include "file_format.h"
 
 #include "container_check.h"
+#include "veltra/processor/sample_conversion.h"
 
 #include <array>
 #include <bit>
@@ -21,14 +22,14 @@ struct Encoding {
 
 // clang-format off
 constexpr std::array<Encoding, 7> kEncodings{{
-    // subtype          name                      bits  converter  bytes
-    {SF_FORMAT_PCM_S8, "8-bit signed integer",       8,         1,     1},
-    {SF_FORMAT_PCM_U8, "8-bit unsigned integer",     8,         1,     1},
-    {SF_FORMAT_PCM_16, "16-bit integer",            16,         2,     2},
-    {SF_FORMAT_PCM_24, "24-bit integer",            24,         3,     3},
-    {SF_FORMAT_PCM_32, "32-bit integer",            32,         4,     4},
-    {SF_FORMAT_FLOAT,  "32-bit float",              32,        -4,     4},
-    {SF_FORMAT_DOUBLE, "64-bit float",              64,        -8,     8},
+    // subtype          name                      bits  converter     bytes
+    {SF_FORMAT_PCM_S8, "8-bit signed integer",       8, kSampleInt8,    1},
+    {SF_FORMAT_PCM_U8, "8-bit unsigned integer",     8, kSampleInt8,    1},
+    {SF_FORMAT_PCM_16, "16-bit integer",            16, kSampleInt16,   2},
+    {SF_FORMAT_PCM_24, "24-bit integer",            24, kSampleInt24,   3},
+    {SF_FORMAT_PCM_32, "32-bit integer",            32, kSampleInt32,   4},
+    {SF_FORMAT_FLOAT,  "32-bit float",              32, kSampleFloat32, 4},
+    {SF_FORMAT_DOUBLE, "64-bit float",              64, kSampleFloat64, 8},
 }};
 // clang-format on
 

@@ -57,13 +57,12 @@ not be written, 2 the command line makes no sense.
 
 namespace {
 
-bool parseScale(std::string_view text, float& scale) {
+std::optional<float> parseScale(std::string_view text) {
     float value = 0.0F;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return false;
-    if (!(value >= 1.0F && value <= 4.0F)) return false;
-    scale = value;
-    return true;
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    if (!(value >= 1.0F && value <= 4.0F)) return std::nullopt;
+    return value;
 }
 
 }  // namespace
@@ -101,7 +100,8 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
             options.terminal = true;
         } else if (name == "--picture" && !value.empty()) {
             options.picture = value;
-        } else if (name == "--scale" && parseScale(value, options.scale)) {
+        } else if (name == "--scale" && parseScale(value)) {
+            options.scale = *parseScale(value);
         } else if (name == "--theme" && (value == "light" || value == "dark")) {
             options.theme = value == "dark" ? Appearance::Dark : Appearance::Light;
         } else if (name == "--report" && !value.empty()) {

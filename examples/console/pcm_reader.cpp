@@ -48,7 +48,8 @@ private:
     // The converters split a two-channel stream while they convert it, except for 32-bit integers
     // and 64-bit floats, which have no such form.
     bool isPlanarAtOnce() const noexcept {
-        const bool splits = m_layout.converterFormat != 4 && m_layout.converterFormat != -8;
+        const bool splits =
+            m_layout.converterFormat != kSampleInt32 && m_layout.converterFormat != kSampleFloat64;
         return m_channels == 1 || (m_channels == 2 && splits);
     }
 

@@ -12,8 +12,6 @@ namespace veltra::console {
 namespace {
 
 constexpr char kLogTag[] = "veltra-console";
-constexpr std::uint32_t kError = 3;
-constexpr std::uint32_t kNotice = 5;
 constexpr double kTickSeconds = 0.1;
 
 // Files that a headless run reads side by side: enough to show that it can, few enough for the
@@ -64,7 +62,7 @@ void Session::runLive() {
     std::string notice;
     m_output = std::make_unique<LiveOutput>(m_options.device, m_first->format().rate, notice);
     if (!notice.empty()) {
-        QKLogCString(kNotice, QKLogWithSyslogBanner(), kLogTag, "%s", notice.c_str());
+        QKLogCString(kLogNotice, QKLogWithSyslogBanner(), kLogTag, "%s", notice.c_str());
     }
     m_engine = std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate());
     if (const std::string problem = m_output->start(*m_engine); !problem.empty()) complain(problem);
@@ -117,7 +115,7 @@ std::unique_ptr<AudioFile> Session::openNextFile() {
 void Session::complain(const std::string& problem) {
     m_status.clear();
     m_hasProblems = true;
-    QKLogCString(kError, QKLogWithSyslogBanner(), kLogTag, "%s", printable(problem).c_str());
+    QKLogCString(kLogError, QKLogWithSyslogBanner(), kLogTag, "%s", printable(problem).c_str());
 }
 
 }  // namespace veltra::console

@@ -16,11 +16,11 @@ int main() {
                                        {"BlockSize", 256},
                                    });
     if (const std::error_code error = preferences.synchronise()) {
-        veltra::QKLogCString(4, veltra::QKLogWithSyslogBanner(), "preferences", "not stored: %s",
-                             error.message().c_str());
+        veltra::QKLogCString(veltra::kLogWarning, veltra::QKLogWithSyslogBanner(), "preferences",
+                             "not stored: %s", error.message().c_str());
     }
     if (const auto damage = preferences.takeDamageReport()) {
-        veltra::QKLogCString(4, veltra::QKLogWithSyslogBanner(), "preferences",
+        veltra::QKLogCString(veltra::kLogWarning, veltra::QKLogWithSyslogBanner(), "preferences",
                              "%s was damaged, kept as %s", damage->file.c_str(),
                              damage->keptAs.c_str());
     }

@@ -20,14 +20,14 @@ for document in "${documents[@]}"; do
         /^```/ { inside = 0 }
         inside { print > (out "." n) }' "$document"
 done
-mapfile -t examples < <(find examples -name '*.cpp' -o -name '*.c')
+mapfile -t compiled < <(find examples veltra -name '*.cpp' -o -name '*.c')
 blocks=0
 for block in "$work"/*; do
     [ -e "$block" ] || continue
     blocks=$((blocks + 1))
     python3 -c 'import sys; sys.exit(not any(open(sys.argv[1]).read() in open(f).read() for f in sys.argv[2:]))' \
-        "$block" "${examples[@]}" ||
-        { echo "$(basename "$block"): no compiled example holds this block"; cat "$block"; status=1; }
+        "$block" "${compiled[@]}" ||
+        { echo "$(basename "$block"): no compiled file holds this block"; cat "$block"; status=1; }
 done
 echo "$blocks blocks of code, ${#documents[@]} documents"
 [ $blocks -gt 0 ] && exit $status

@@ -23,8 +23,6 @@ constexpr const char* kChannelNames[] = {"L",  "R", "Lm",  "Rm", "Ls", "Rs",
                                          "Cs", "C", "LFE", "Lc", "Rc"};
 static_assert(std::size(kChannelNames) == kChannels);
 
-constexpr std::uint32_t kMasks[kFormats] = {1, 3, 51, 195, 435, 499, 447, 1971};
-
 // clang-format off
 constexpr float kN = kNoDirection;
 constexpr float kAngles[kFormats][kChannels] = {
@@ -106,6 +104,16 @@ constexpr LabelRecord kLabels[kFormats] = {
     {Format::Surround71Centre, 8, {{kL, kR, kLs, kRs, kC, kLfe, kLc, kRc}}},
 };
 // clang-format on
+
+// Bit n: the format has the channel whose number is n.
+constexpr std::array<std::uint32_t, kFormats> kMasks = [] {
+    std::array<std::uint32_t, kFormats> masks{};
+    for (std::size_t row = 0; row < kFormats; ++row) {
+        for (std::size_t index = 0; index < kLabels[row].count; ++index)
+            masks[row] |= 1U << static_cast<unsigned>(kLabels[row].pairs[index].channel);
+    }
+    return masks;
+}();
 
 // 0 for format 1; kFormats or more for a format that there is not.
 std::size_t rowOf(Format format) noexcept {

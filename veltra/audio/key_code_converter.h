@@ -17,6 +17,7 @@
 #pragma once
 
 #include "veltra/audio/key_characters.h"
+#include "veltra/base/modifier_flags.h"
 #include "veltra/export.h"
 
 #include <cstdint>
@@ -28,13 +29,13 @@ namespace veltra {
 
 class VELTRA_EXPORT QKKeyCodeConverter {
 public:
-    enum : std::uint32_t {  // modifier flags
-        kShift = 0x20000,
-        kControl = 0x40000,
-        kOption = 0x80000,
-        kCommand = 0x100000,
-        kNumericPad = 0x200000,
-        kFunction = 0x800000,
+    enum : std::uint32_t {  // modifier flags, the same numbers as those of events
+        kShift = kShiftKeyMask,
+        kControl = kControlKeyMask,
+        kOption = kAlternateKeyMask,
+        kCommand = kCommandKeyMask,
+        kNumericPad = kNumericPadKeyMask,
+        kFunction = kFunctionKeyMask,
     };
 
     // The signs of the modifiers held, always in the order ⌃⌥⇧⌘.

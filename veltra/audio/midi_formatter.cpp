@@ -60,7 +60,7 @@ std::string noteName(std::int32_t value) {
 }  // namespace
 
 void QKMIDIFormatter::setNoteStyle(std::int32_t style) noexcept {
-    if (m_noteStyle != style) m_noteStyle = style;
+    m_noteStyle = style;
 }
 
 std::string QKMIDIFormatter::stringForObjectValue(const PropertyValue& value) const {

@@ -4,6 +4,7 @@
 #include "veltra/audio/detail/channel_tables.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace veltra {
 
@@ -42,13 +43,6 @@ constexpr TagName kTagNames[] = {
     {LayoutTag::Aac61, "AAC 6.1"},
 };
 
-std::size_t countOfBits(std::uint32_t bits) noexcept {
-    std::size_t count = 0;
-    for (; bits != 0; bits &= bits - 1)
-        ++count;
-    return count;
-}
-
 std::optional<std::uint32_t> positionOf(ChannelID channel,
                                         std::span<const ChannelID> order) noexcept {
     const auto found = std::find(order.begin(), order.end(), channel);
@@ -73,9 +67,10 @@ const char* nameOf(LayoutTag tag) noexcept {
 std::span<const ChannelID> channelOrder(SurroundFormat format, LayoutTag tag) noexcept {
     const detail::LayoutRecord* const layout = detail::findLayout(format, tag);
     if (layout == nullptr) return {};
-    const std::size_t count = tag == LayoutTag::FormatsOwn
-                                  ? countOfBits(detail::channelMask(format))
-                                  : static_cast<std::uint32_t>(tag) & 0xFFFFU;
+    const std::size_t count =
+        tag == LayoutTag::FormatsOwn
+            ? static_cast<std::size_t>(std::popcount(detail::channelMask(format)))
+            : static_cast<std::uint32_t>(tag) & 0xFFFFU;
     return std::span(layout->mapping).first(count);
 }
 

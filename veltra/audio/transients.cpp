@@ -2,12 +2,11 @@
 #include "veltra/audio/transients.h"
 
 #include "veltra/audio/detail/transient_sort.h"
+#include "veltra/base/number_text.h"
 #include "veltra/diagnostics/trace_stream.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <iostream>
 #include <limits>
@@ -67,9 +66,7 @@ std::string literal(float value) {
         const std::string bits = std::to_string(std::bit_cast<std::uint32_t>(value));
         return "std::bit_cast<float>(" + bits + "U)";
     }
-    std::array<char, 32> digits{};
-    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-    std::string text(digits.data(), result.ptr);
+    std::string text(NumberText::shortest(value).view());
     if (text.find_first_of(".e") == std::string::npos) text += ".0";
     return text + "F";
 }
@@ -173,10 +170,6 @@ std::ostream& TraceOutContainer(std::ostream& stream, const CTransients& transie
     return stream;
 }
 
-void SwapTransientCallback(void*, std::ptrdiff_t offset) noexcept {
-    constexpr std::ptrdiff_t kListOffset = 1024;
-    [[maybe_unused]] const std::ptrdiff_t index =
-        (offset - kListOffset) / std::ptrdiff_t{sizeof(CTransient)};
-}
+void SwapTransientCallback(void* /*record*/, std::ptrdiff_t /*offset*/) noexcept {}
 
 }  // namespace veltra

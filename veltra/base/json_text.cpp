@@ -2,9 +2,8 @@
 #include "veltra/base/json_text.h"
 
 #include "veltra/base/base64.h"
+#include "veltra/base/number_text.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -129,7 +128,7 @@ public:
                 m_text += value.asBool() ? "true" : "false";
                 break;
             case Kind::Integer:
-                m_text += std::to_string(value.asInteger());
+                m_text += NumberText(value.asInteger()).view();
                 break;
             case Kind::Real:
                 writeReal(value.asReal());
@@ -192,9 +191,8 @@ private:
     void writeReal(double value) {
         if (std::isnan(value)) return writeTagged(kRealKey, "nan");
         if (std::isinf(value)) return writeTagged(kRealKey, value > 0 ? "inf" : "-inf");
-        std::array<char, 32> buffer{};  // the shortest form that reads back equal: at most 24
-        const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-        const std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+        const NumberText number = NumberText::shortest(value);
+        const std::string_view digits = number.view();
         m_text += digits;
         if (digits.find_first_of(".e") == std::string_view::npos) m_text += ".0";
     }

@@ -14,7 +14,6 @@ namespace veltra {
 
 namespace {
 
-constexpr std::uint32_t kErrorLevel = 3;
 constexpr Nanoseconds kAlertTimeout = seconds(60.0);
 constexpr std::size_t kTextSize = 4096;
 
@@ -22,7 +21,7 @@ constexpr std::size_t kTextSize = 4096;
 std::atomic<int> assertionHasFailed{0};
 
 AlertAnswer report(std::string_view text, std::string_view otherButton) noexcept {
-    logText(kErrorLevel, wantedBanner(), "dbgASSERT", text);
+    logText(kLogError, wantedBanner(), "dbgASSERT", text);
     return presentAlert({.header = "Assertion failed",
                          .message = text,
                          .defaultButton = "Resume",

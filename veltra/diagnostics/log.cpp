@@ -1,27 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/log.h"
 
+#include "veltra/base/errno_keeper.h"
 #include "veltra/base/string_object_text.h"
 #include "veltra/diagnostics/detail/message_format.h"
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/diagnostics/text_buffer.h"
 
-#include <cerrno>
-
 namespace veltra {
 
 namespace {
-
-class ErrnoKeeper {
-public:
-    ErrnoKeeper() = default;
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
-    ~ErrnoKeeper() { errno = m_before; }
-
-private:
-    int m_before = errno;
-};
 
 Banner bannerFrom(bool withBanner) noexcept {
     return withBanner ? Banner::Yes : Banner::No;

@@ -43,6 +43,18 @@
 
 VELTRA_C_BEGIN
 
+// How urgent a line is, in the words of the system log: the lower, the more urgent.
+enum LogLevel {
+    kLogEmergency = 0,
+    kLogAlert = 1,
+    kLogCritical = 2,
+    kLogError = 3,
+    kLogWarning = 4,
+    kLogNotice = 5,
+    kLogInfo = 6,
+    kLogDebug = 7
+};
+
 // Whether lines should have a banner: true unless the environment variable
 // VELTRA_TRACE_WITHOUT_BANNER is set (to anything, even nothing). What callers pass as
 // `withBanner`.

@@ -2,6 +2,8 @@
 // How the library's own code logs. The exported functions are wrappers of these.
 #pragma once
 
+#include "veltra/diagnostics/log.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -9,7 +11,7 @@
 
 namespace veltra {
 
-inline constexpr std::uint32_t kHighestLogLevel = 7;
+inline constexpr std::uint32_t kHighestLogLevel = kLogDebug;
 
 // Messages up to this many bytes are put together without the heap.
 inline constexpr std::size_t kUsualMessage = 1024;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/text_buffer.h"
 
+#include "veltra/base/number_text.h"
 #include "veltra/base/string_object_text.h"
 #include "veltra/base/whole_characters.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -68,29 +68,20 @@ void TextBuffer::appendString(const VLString* string) noexcept {
 }
 
 void TextBuffer::appendDecimal(std::int64_t value, int digits) noexcept {
-    std::array<char, 24> text;
-    char* const end = text.data() + text.size();
-    char* begin = end;
-    const bool isNegative = value < 0;
-    auto rest = static_cast<std::uint64_t>(value);
-    if (isNegative) rest = 0 - rest;
-    for (; rest != 0; rest /= 10)
-        *--begin = static_cast<char>('0' + rest % 10);
-    const std::ptrdiff_t wanted = std::min(digits, 20) - (isNegative ? 1 : 0);
-    while (end - begin < wanted)
-        *--begin = '0';
-    if (isNegative) *--begin = '-';
-    append({begin, static_cast<std::size_t>(end - begin)});
+    const NumberText number(value);
+    std::string_view text = number.view();
+    const auto written = static_cast<int>(text.size());
+    if (value < 0) {
+        append("-");
+        text.remove_prefix(1);
+    }
+    for (int missing = digits - written; missing > 0; --missing)
+        append("0");
+    append(text);
 }
 
 void TextBuffer::appendHexadecimal(std::uint32_t value) noexcept {
-    std::array<char, 8> text;
-    std::size_t first = text.size();
-    do {
-        text[--first] = "0123456789abcdef"[value % 16];
-        value /= 16;
-    } while (value != 0);
-    append({text.data() + first, text.size() - first});
+    append(NumberText::hexadecimal(value).view());
 }
 
 bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {

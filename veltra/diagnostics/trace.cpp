@@ -4,6 +4,7 @@
 #include "veltra/base/immortal.h"
 #include "veltra/diagnostics/indent_stack.h"
 #include "veltra/diagnostics/trace_stream.h"
+#include "veltra/platform/no_cancellation.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -49,10 +50,11 @@ void TraceOutContainerEndl(std::ostream&) noexcept {}
 void IndentToCout() noexcept {
     const IndentStack& indents = traceIndents();
     if (indents.isEmpty()) return;
+    const NoCancellation untilWritten;
     try {
         for (int left = std::min(indents.top(), kDeepestIndent); left > 0; --left)
             std::cout.put(' ');
-    } catch (...) {  // NOLINT(bugprone-empty-catch): the stream's state says what happened
+    } catch (...) {  // NOLINT(bugprone-empty-catch): from a host's buffer; the stream's state tells
     }
 }
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/nano_timer.h"
 
+#include "veltra/base/number_text.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/standard_error.h"
 
-#include <array>
-#include <charconv>
 #include <exception>
 #include <new>
 #include <string_view>
@@ -23,19 +22,13 @@ void printClockError(std::string_view request, int error) noexcept {
         text.insert(2, std::generic_category().message(error));
     } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the number stays
     }
-    std::array<char, 16> number{};
-    const char* end = std::to_chars(number.data(), number.data() + number.size(), error).ptr;
-    const std::string_view digits(number.data(), static_cast<std::size_t>(end - number.data()));
+    const NumberText number(error);
     StandardError& stream = StandardError::current();
-    stream.write(stream.inspect(), {request, digits, text});
+    stream.write(stream.inspect(), {request, number.view(), text});
 }
 
-// One digit after a point, whatever the locale.
 void append(std::string& text, double value, std::string_view unit) {
-    std::array<char, 64> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                   std::chars_format::fixed, 1);
-    text.append(digits.data(), end.ptr);
+    text += NumberText::fixed(value, 1).view();
     text += unit;
 }
 

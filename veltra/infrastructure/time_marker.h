@@ -17,8 +17,8 @@ public:
     // Sets the marker to now.
     void setMarker() noexcept;
 
-    // Seconds since the marker was set; negative when the date was set back meanwhile. A float holds
-    // microseconds exactly only for the first few seconds.
+    // Seconds since the marker was set; negative when the date was set back meanwhile. A float
+    // holds microseconds exactly only for the first few seconds.
     float secondsSinceMarker() const noexcept;
 
 private:

@@ -43,7 +43,7 @@ void QkTimer::startWithTimeInterval(double seconds) noexcept {
                               .action = veltra::action<&QkTimerProxy::action>(),
                               .userInfo = m_proxy.userInfo(),
                               .repeats = m_repeats,
-                              .modes = RunLoopModes::all()});
+                              .modes = kAllRunLoopModes});
 }
 
 void QkTimer::stop() noexcept {

@@ -9,6 +9,7 @@
 // tries again, and no second block is given up for a shortage that is over.
 #include "veltra/memory/memory_reserve.h"
 
+#include "veltra/base/errno_keeper.h"
 #include "veltra/memory/detail/reserve_blocks.h"
 #include "veltra/memory/detail/reserve_mode.h"
 #include "veltra/memory/detail/zone_notice.h"
@@ -18,14 +19,13 @@
 #include "veltra/platform/zone_code.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
 
 namespace veltra {
 
-constinit detail::ReserveMode detail::reserveMode = detail::ReserveMode::Marquee;
+constinit detail::ReserveMode detail::reserveMode = detail::ReserveMode::InPieces;
 
 namespace {
 
@@ -197,18 +197,17 @@ bool hasEnoughBeenFreed() noexcept {
         }
     }
     // The second text is deliberately that of Enter.
-    writeLine(reserveMode == ReserveMode::Marquee ? "QKMemReserve: reallocating in Marquee mode\n"
-                                                  : "QKMemReserve: allocating in Corvid mode\n");
+    writeLine(reserveMode == ReserveMode::InPieces ? "QKMemReserve: reallocating in Marquee mode\n"
+                                                   : "QKMemReserve: allocating in Corvid mode\n");
     if (isTaken) tellHost();
 }
 
 [[gnu::noinline, gnu::cold]] void freeTracked(void* block) noexcept {
-    const int error = errno;
+    const ErrnoKeeper keeper;
     const std::size_t size = state.saved.size.load(kPlain)(block);
     state.saved.free.load(kPlain)(block);
     state.bytesSinceRelease.fetch_sub(static_cast<std::int64_t>(size), kPlain);
     retakeWhenEnoughIsFreed();
-    errno = error;
 }
 
 void reserveFree(void* block) noexcept {
@@ -247,7 +246,7 @@ void putIntoZone(AllocationZone& zone, const ZoneEntries& entries) noexcept {
 }
 
 void start(QKMemoryReserveCallback callback, void* context) noexcept {
-    const bool isSplit = reserveMode == ReserveMode::Marquee;
+    const bool isSplit = reserveMode == ReserveMode::InPieces;
     AllocationZone& zone = AllocationZone::current();
     const ZoneEntries entries = zone.entries();
     writeLine(isSplit ? "QKMemReserve: starting in Marquee mode\n"

@@ -41,7 +41,7 @@ protected:
     ~MemoryReserve() override {
         QKMemoryReserveDidLowMemoryLevelChange(1);
         AllocationZone::install(nullptr);
-        reserveMode = ReserveMode::Marquee;
+        reserveMode = ReserveMode::InPieces;
         LimitedHeap::reset();
     }
     static void setOptions(long sensible, long block, long finalBlock) {
@@ -122,7 +122,7 @@ TEST_F(MemoryReserve, GivesUpTheMainReserveThenTheFinalBlockAndComesBack) {
 
 TEST_F(MemoryReserve, TakesItselfAgainWhenMoreThanTheSensibleSizeIsFreed) {
     void* kept[] = {take(10), take(12)};
-    reserveMode = ReserveMode::Corvid;
+    reserveMode = ReserveMode::Whole;
     enter();
     void* failed = take(40);
     give(kept[0]);
@@ -141,14 +141,14 @@ TEST_F(MemoryReserve, SplitsWhatIsNotToBeHadInOnePieceAndNests) {
     setOptions(99, 48, 3);
     constexpr struct {
         int largest, requests, left;
-        ReserveMode mode = ReserveMode::Marquee;
+        ReserveMode mode = ReserveMode::InPieces;
     } kCases[] = {{48, 2, 49},
                   {47, 4, 49},
                   {12, 7, 49},
                   {6, 12, 49},
                   {3, 21, 49},
                   {2, 5, 100},
-                  {47, 1, 100, ReserveMode::Corvid}};
+                  {47, 1, 100, ReserveMode::Whole}};
     for (const auto& one : kCases) {
         LimitedHeap::largest = one.largest;
         LimitedHeap::requests = 0;
@@ -172,7 +172,7 @@ TEST_F(MemoryReserve, SplitsWhatIsNotToBeHadInOnePieceAndNests) {
     }
     LimitedHeap::largest = 1000;
     LimitedHeap::available = 40;
-    reserveMode = ReserveMode::Marquee;
+    reserveMode = ReserveMode::InPieces;
     enter();
     EXPECT_EQ(LimitedHeap::available, 40);  // pieces of a failed attempt go back
     QKMemoryReserveExit();
@@ -269,6 +269,7 @@ TEST_F(MemoryReserve, TestsForFragmentsOfAFewBytes) {
 }
 
 TEST(ZoneNotice, NamesWhatIsNotSeenAndWhereItComesFrom) {
+    using Coverage = Flags<AllocationZone::Coverage>;
     const std::string some =
         "some allocations of this process do not pass through the framework's zone: ";
     const struct {
@@ -284,11 +285,11 @@ TEST(ZoneNotice, NamesWhatIsNotSeenAndWhereItComesFrom) {
     };
     std::array<char, 200> text{};
     for (const auto& one : kCases) {
-        detail::writeZoneNotice(text, one.coverage, "m", "n");
+        detail::writeZoneNotice(text, Coverage::fromBits(one.coverage), "m", "n");
         EXPECT_EQ(text.data(), one.text);
     }
     const std::string longName(3000, 'x');
-    detail::writeZoneNotice(text, 4, longName.c_str(), "n");
+    detail::writeZoneNotice(text, AllocationZone::kCLibrary, longName.c_str(), "n");
     EXPECT_EQ(std::string(text.data()).size(), 199U);
 }
 

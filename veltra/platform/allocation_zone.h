@@ -6,9 +6,9 @@
 // The shared library stands between the process and its allocator: it exports malloc and its
 // relatives, which jump through the table of process(). That works in every thread, in libraries
 // loaded later and in forked children, as long as the executable itself links the library;
-// coverage() tells whether it does. In other builds there is only the table, and only callers of its
-// entries are seen. Nothing fails because of that: what is not seen goes to the allocator that the
-// process has anyway.
+// coverage() tells whether it does. In other builds there is only the table, and only callers of
+// its entries are seen. Nothing fails because of that: what is not seen goes to the allocator that
+// the process has anyway.
 //
 // Every entry is one atomic word. Entries are read with acquire order and changed with release
 // order, so that what a wrapper kept is seen by every thread that reaches the wrapper. The
@@ -16,6 +16,7 @@
 // every wrapper returns blocks of the entry that it wraps.
 #pragma once
 
+#include "veltra/base/flags.h"
 #include "veltra/base/installable.h"
 #include "veltra/export.h"
 
@@ -70,7 +71,7 @@ public:
     std::atomic<ZoneEntries::Free> free;
     std::atomic<ZoneEntries::Size> size;
 
-    // Whose allocations reach the table of process(), added up.
+    // Whose allocations reach the table of process().
     enum Coverage : unsigned {
         kNone = 0,
         kMalloc = 1,       // calls of malloc by name
@@ -83,7 +84,7 @@ public:
     // allocator may have taken the place of ours without a trace in any symbol table. Only kFull
     // promises that every allocation is seen.
     // Thread: any. Realtime-safe: no.
-    static unsigned coverage() noexcept;
+    static Flags<Coverage> coverage() noexcept;
 
     // The files that the process's malloc and operator new come from, for a message to people; "?"
     // when nobody knows. A name lives as long as its file is loaded.

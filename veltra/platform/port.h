@@ -23,8 +23,8 @@
 #include "veltra/platform/stack_walk.h"
 #include "veltra/platform/standard_error.h"  // platformStandardError()
 #include "veltra/platform/symbol_names.h"
-#include "veltra/platform/system_log.h"      // platformSystemLog()
-#include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
+#include "veltra/platform/system_log.h"     // platformSystemLog()
+#include "veltra/platform/text_services.h"  // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
 #include "veltra/platform/work_memory.h"
 #include "veltra/platform/zone_code.h"  // isZoneCode()

@@ -2,12 +2,12 @@
 #include "veltra/platform/run_loop.h"
 
 #include "veltra/base/object_file.h"
+#include "veltra/base/out_of_memory.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/port.h"
 #include "veltra/platform/thread_end.h"
 
 #include <algorithm>
-#include <new>
 
 namespace veltra {
 
@@ -50,21 +50,20 @@ std::shared_ptr<RunLoopTimer> RunLoop::schedule(const TimerRequest& request) noe
     const ClockReading now = Clocks::current().monotonic();
     if (now.hasFailed()) return nullptr;
     std::shared_ptr<RunLoopTimer> timer;
-    try {
+    const bool isWaiting = isDoneUnlessOutOfMemory([&] {
         timer = std::make_shared<RunLoopTimer>(RunLoopTimer::Making{}, request);
         timer->m_due = now.moment() + timer->m_interval;
         timer->m_serial = ++m_lastSerial;
         timersBeside(*timer).emplace(Place(timer->m_due, timer->m_serial), timer);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    });
+    if (!isWaiting) return nullptr;
     timer->m_loop = this;
     announceDeadline();
     return timer;
 }
 
 RunLoop::Timers& RunLoop::timersBeside(const RunLoopTimer& timer) noexcept {
-    return m_timers[timer.m_modes.number()];
+    return m_timers[timer.m_modes.bits()];
 }
 
 const std::shared_ptr<RunLoopTimer>* RunLoop::firstRunnable() const noexcept {

@@ -101,7 +101,7 @@ private:
     void announceDeadline() noexcept;
 
     // By the set of modes that they run in, so that a mode never walks past the timers of others.
-    std::array<Timers, RunLoopModes::kSets> m_timers;
+    std::array<Timers, kAllRunLoopModes.bits() + 1> m_timers;
     std::uint64_t m_lastSerial = 0;
     RunLoopMode m_mode = RunLoopMode::Default;
     int m_depth = 0;

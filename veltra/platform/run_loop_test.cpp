@@ -29,7 +29,7 @@ struct Pen : Anchored {
 
 class RunLoopTest : public ::testing::Test {
 protected:
-    TimerPointer every(double time, Pen& pen, RunLoopModes modes = RunLoopModes::all()) {
+    TimerPointer every(double time, Pen& pen, RunLoopModes modes = kAllRunLoopModes) {
         return loop.schedule({seconds(time), &pen, action<&Pen::write>(), &pen, true, modes});
     }
     TimerPointer once(double time, Pen& pen) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "veltra/base/action.h"
+#include "veltra/base/flags.h"
 #include "veltra/base/time.h"
 #include "veltra/base/weak_anchor.h"
 #include "veltra/export.h"
@@ -21,30 +22,12 @@ enum class RunLoopMode : std::uint8_t {
     ModalPanel = 4,     // a modal panel runs
 };
 
-// A set of modes.
-class RunLoopModes {
-public:
-    constexpr RunLoopModes(RunLoopMode mode) noexcept : m_bits(static_cast<unsigned>(mode)) {}
-    static constexpr RunLoopModes all() noexcept { return RunLoopModes(kSets - 1); }
+template <>
+inline constexpr bool isFlag<RunLoopMode> = true;
 
-    constexpr bool contains(RunLoopMode mode) const noexcept {
-        return (m_bits & static_cast<unsigned>(mode)) != 0;
-    }
-    friend constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept;
-
-    // Each set has a number of its own, from 0 up.
-    static constexpr unsigned kSets = 8;
-    constexpr unsigned number() const noexcept { return m_bits; }
-
-private:
-    constexpr explicit RunLoopModes(unsigned bits) noexcept : m_bits(bits) {}
-
-    unsigned m_bits;
-};
-
-constexpr RunLoopModes operator|(RunLoopMode left, RunLoopMode right) noexcept {
-    return RunLoopModes(static_cast<unsigned>(left) | static_cast<unsigned>(right));
-}
+using RunLoopModes = Flags<RunLoopMode>;
+inline constexpr RunLoopModes kAllRunLoopModes =
+    RunLoopMode::Default | RunLoopMode::EventTracking | RunLoopMode::ModalPanel;
 
 // What a timer is made of.
 struct TimerRequest {

@@ -50,7 +50,6 @@ constinit KernelChoice<const kernels::Utf8Kernels*> utf8Kernels{"utf8", kVariant
 
 namespace {
 
-constexpr std::uint32_t kNotice = 5;
 constexpr std::size_t kLongestCharacter = 6;
 constexpr std::size_t kCopyPiece = 16384;  // stays in the nearest cache between its two readings
 
@@ -139,7 +138,7 @@ void logWellFormed(const char* text, const char* complaint, Describe describe) n
     const std::string_view view = textFrom(text);
     if (view.empty()) return;
     if (!isWellFormedUtf8(view)) {
-        logMessage(kNotice, wantedBanner(), nullptr, complaint);
+        logMessage(kLogNotice, wantedBanner(), nullptr, complaint);
         return;
     }
     if (describe == Describe::Yes) {
@@ -151,7 +150,7 @@ void logWellFormed(const char* text, const char* complaint, Describe describe) n
         StandardError& stream = StandardError::current();
         stream.write(stream.inspect(), {what.view(), view, "\n"});
     }
-    logMessage(kNotice, wantedBanner(), nullptr, view);
+    logMessage(kLogNotice, wantedBanner(), nullptr, view);
 }
 
 void convertToLegacy(char* destination, const char* source, std::size_t capacity,

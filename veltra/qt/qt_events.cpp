@@ -22,7 +22,7 @@ constexpr float kPixelsANotch = 20.0F;  // of devices that tell pixels alone
 struct Modifier {
     Qt::KeyboardModifier qt;
     Qt::Key key;
-    ModifierFlags flag;
+    ModifierFlag flag;
 };
 
 constexpr Modifier kModifiers[] = {
@@ -68,7 +68,7 @@ char16_t namedCharacter(int key) {
 }
 
 ModifierFlags flags(Qt::KeyboardModifiers modifiers) {
-    ModifierFlags result = 0;
+    ModifierFlags result;
     for (const Modifier& modifier : kModifiers) {
         if (modifiers.testFlag(modifier.qt)) result |= modifier.flag;
     }
@@ -183,8 +183,8 @@ std::optional<Event> QtEvents::key(const QKeyEvent& event) {
         if (modifier.key != event.key()) continue;
         // Systems disagree whether the flags are those before or after the change.
         result.type = EventType::FlagsChanged;
-        result.modifierFlags =
-            isPress ? result.modifierFlags | modifier.flag : result.modifierFlags & ~modifier.flag;
+        result.modifierFlags = isPress ? result.modifierFlags | modifier.flag
+                                       : result.modifierFlags & ~ModifierFlags(modifier.flag);
         return result;
     }
     if (const char16_t named = namedCharacter(event.key())) {

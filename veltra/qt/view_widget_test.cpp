@@ -190,15 +190,15 @@ TEST_F(OnQt, TellsKeysAsCharactersThatControlsKnow) {
         std::u16string characters, ignoring;
         ModifierFlags flags;
     } rows[] = {
-        {Qt::Key_A, {}, "a", u"a", u"a", 0},
+        {Qt::Key_A, {}, "a", u"a", u"a", {}},
         {Qt::Key_A, Qt::ShiftModifier, "A", u"A", u"A", kShiftKeyMask},
         {Qt::Key_A, Qt::ControlModifier, "\x01", u"\x01", u"a", kControlKeyMask},
         {Qt::Key_Up, {}, "", u"\uF700", u"\uF700", kFunctionKeyMask},
         {Qt::Key_F3, Qt::MetaModifier, "", u"\uF706", u"\uF706",
          kFunctionKeyMask | kCommandKeyMask},
         {Qt::Key_Enter, Qt::KeypadModifier, "\r", u"\x03", u"\x03", kNumericPadKeyMask},
-        {Qt::Key_Backspace, {}, "\b", u"\x7F", u"\x7F", 0},
-        {Qt::Key_Dead_Acute, {}, "", u"", u"", 0},
+        {Qt::Key_Backspace, {}, "\b", u"\x7F", u"\x7F", {}},
+        {Qt::Key_Dead_Acute, {}, "", u"", u"", {}},
         {Qt::Key_Shift, {}, "", u"", u"", kShiftKeyMask},
     };
     auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));

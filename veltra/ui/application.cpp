@@ -14,7 +14,7 @@ namespace {
 constexpr Nanoseconds kTrashPatience = milliseconds(50);
 }
 
-// One event on the stack. The outermost one clears up behind it.
+// One event on the stack: the current one, until the one outside of it is current again.
 class Application::Dispatch {
 public:
     Dispatch(Application& application, const Event& event) noexcept
@@ -137,7 +137,7 @@ void Application::emptyTrashAfter(Nanoseconds time) {
     m_trashTimer = RunLoop::current()->schedule({.interval = time,
                                                  .target = this,
                                                  .action = action<&Application::trashTimerFired>(),
-                                                 .modes = RunLoopModes::all()});
+                                                 .modes = kAllRunLoopModes});
 }
 
 void Application::trashTimerFired() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/cell.h"
 
+#include "veltra/base/number_text.h"
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/cell_tracking.h"
 #include "veltra/ui/keyed_coder.h"
@@ -14,6 +15,9 @@
 namespace veltra {
 
 namespace {
+
+constexpr std::string_view kValueKey = "CELL_VALUE";
+constexpr std::string_view kEnabledKey = "CELL_ENABLED";
 
 // The number at the beginning of a text, 0 without one; independent of the locale.
 double leadingNumber(std::string_view text) {
@@ -35,12 +39,6 @@ std::int32_t toInteger(double number) {
     return static_cast<std::int32_t>(number);
 }
 
-std::string toText(double number) {
-    char text[32];
-    const auto result = std::to_chars(text, text + sizeof text, number);
-    return {text, result.ptr};
-}
-
 }  // namespace
 
 Cell::~Cell() = default;
@@ -59,7 +57,7 @@ double Cell::doubleValue() const {
 std::string Cell::stringValue() const {
     if (const auto* text = std::get_if<std::string>(&m_value)) return *text;
     if (const auto* integer = std::get_if<std::int32_t>(&m_value)) return std::to_string(*integer);
-    return toText(std::get<double>(m_value));
+    return std::string(NumberText::shortest(std::get<double>(m_value)).view());
 }
 
 void Cell::setValue(Value value) {
@@ -152,7 +150,7 @@ bool Cell::trackMouse(const Event& event, const Rect& frame, View& view, bool un
     CellTracking tracking;
     if (!tracking.press(*this, view, frame, untilMouseUp, event)) return false;
     const EventMask mask =
-        EventMask(EventType::LeftMouseUp) | EventType::LeftMouseDragged | EventType::ScrollWheel;
+        EventType::LeftMouseUp | EventType::LeftMouseDragged | EventType::ScrollWheel;
     while (tracking.isActive()) {
         if (!window) return false;
         tracking.handle(window->nextEvent(mask));
@@ -169,13 +167,13 @@ AccessibilityElement* Cell::accessibilityParent() const {
 }
 
 void Cell::encodeWithCoder(KeyedCoder& coder) const {
-    coder.encodeString(stringValue(), "CELL_VALUE");
-    coder.encodeBool(m_isEnabled, "CELL_ENABLED");
+    coder.encodeString(stringValue(), kValueKey);
+    coder.encodeBool(m_isEnabled, kEnabledKey);
 }
 
 void Cell::decodeWithCoder(const KeyedCoder& coder) {
-    setStringValue(coder.decodeString("CELL_VALUE", stringValue()));
-    setEnabled(coder.decodeBool("CELL_ENABLED", m_isEnabled));
+    setStringValue(coder.decodeString(kValueKey, stringValue()));
+    setEnabled(coder.decodeBool(kEnabledKey, m_isEnabled));
 }
 
 }  // namespace veltra

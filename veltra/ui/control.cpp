@@ -5,9 +5,15 @@
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/keyed_coder.h"
 
+#include <string_view>
 #include <utility>
 
 namespace veltra {
+
+namespace {
+constexpr std::string_view kTagKey = "CONTROL_TAG";
+constexpr std::string_view kEnabledKey = "CONTROL_ENABLED";
+}  // namespace
 
 Control::Control(const Rect& frame, std::unique_ptr<Cell> cell) : View(frame) {
     setCell(std::move(cell));
@@ -122,14 +128,14 @@ void Control::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
 }
 
 void Control::encodeWithCoder(KeyedCoder& coder) const {
-    coder.encodeInt64(m_tag, "CONTROL_TAG");
-    coder.encodeBool(m_isEnabled, "CONTROL_ENABLED");
+    coder.encodeInt64(m_tag, kTagKey);
+    coder.encodeBool(m_isEnabled, kEnabledKey);
     if (m_cell) m_cell->encodeWithCoder(coder);
 }
 
 void Control::decodeWithCoder(const KeyedCoder& coder) {
-    m_tag = static_cast<std::int32_t>(coder.decodeInt64("CONTROL_TAG", m_tag));
-    setEnabled(coder.decodeBool("CONTROL_ENABLED", m_isEnabled));
+    m_tag = static_cast<std::int32_t>(coder.decodeInt64(kTagKey, m_tag));
+    setEnabled(coder.decodeBool(kEnabledKey, m_isEnabled));
     if (m_cell) m_cell->decodeWithCoder(coder);
 }
 

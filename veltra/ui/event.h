@@ -2,6 +2,8 @@
 // What the user did: one press, movement, turn of the wheel or key.
 #pragma once
 
+#include "veltra/base/flags.h"
+#include "veltra/base/modifier_flags.h"
 #include "veltra/base/time.h"
 #include "veltra/base/weak_anchor.h"
 #include "veltra/ui/geometry.h"
@@ -13,50 +15,26 @@ namespace veltra {
 
 class Window;
 
-enum class EventType : std::uint8_t {
-    LeftMouseDown,
-    LeftMouseUp,
-    LeftMouseDragged,
-    RightMouseDown,
-    RightMouseUp,
-    RightMouseDragged,
-    MouseMoved,   // with no button held
-    MouseExited,  // the pointer has left the window
-    ScrollWheel,
-    KeyDown,
-    KeyUp,
-    FlagsChanged,  // a modifier key alone
+enum class EventType : std::uint16_t {
+    LeftMouseDown = 1,
+    LeftMouseUp = 1 << 1,
+    LeftMouseDragged = 1 << 2,
+    RightMouseDown = 1 << 3,
+    RightMouseUp = 1 << 4,
+    RightMouseDragged = 1 << 5,
+    MouseMoved = 1 << 6,   // with no button held
+    MouseExited = 1 << 7,  // the pointer has left the window
+    ScrollWheel = 1 << 8,
+    KeyDown = 1 << 9,
+    KeyUp = 1 << 10,
+    FlagsChanged = 1 << 11,  // a modifier key alone
 };
 
-// A set of types of events. Thread: any. Realtime-safe: yes.
-class EventMask {
-public:
-    constexpr EventMask() noexcept = default;
-    constexpr EventMask(EventType type) noexcept : m_bits(1U << static_cast<unsigned>(type)) {}
-    static constexpr EventMask any() noexcept { return EventMask(~0U); }
+template <>
+inline constexpr bool isFlag<EventType> = true;
 
-    constexpr bool contains(EventType type) const noexcept {
-        return (m_bits >> static_cast<unsigned>(type) & 1U) != 0;
-    }
-    friend constexpr EventMask operator|(EventMask left, EventMask right) noexcept {
-        return EventMask(left.m_bits | right.m_bits);
-    }
-    friend constexpr bool operator==(EventMask left, EventMask right) noexcept = default;
-
-private:
-    constexpr explicit EventMask(std::uint32_t bits) noexcept : m_bits(bits) {}
-
-    std::uint32_t m_bits = 0;
-};
-
-// The same numbers that shortcuts are written with (QKKeyCodeConverter).
-using ModifierFlags = std::uint32_t;
-inline constexpr ModifierFlags kShiftKeyMask = 0x20000;
-inline constexpr ModifierFlags kControlKeyMask = 0x40000;
-inline constexpr ModifierFlags kAlternateKeyMask = 0x80000;  // Option, here the Alt key
-inline constexpr ModifierFlags kCommandKeyMask = 0x100000;   // here the Super key
-inline constexpr ModifierFlags kNumericPadKeyMask = 0x200000;
-inline constexpr ModifierFlags kFunctionKeyMask = 0x800000;  // arrows and other keys without text
+// A set of types of events; ~EventMask() has all of them.
+using EventMask = Flags<EventType>;
 
 // Key characters that are not text.
 inline constexpr char16_t kEnterCharacter = 0x03;  // of the numeric pad
@@ -79,7 +57,7 @@ inline constexpr char16_t kHelpCharacter = 0xF746;
 
 struct Event {
     EventType type = EventType::MouseMoved;
-    ModifierFlags modifierFlags = 0;
+    ModifierFlags modifierFlags;
     Moment timestamp;
 
     // Where the pointer is, in the window's coordinates: the origin is its lower left corner.

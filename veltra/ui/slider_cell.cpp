@@ -17,8 +17,7 @@ constexpr float kTick = 4.0F;
 
 SliderCell::SliderCell() {
     ActionCell::setDoubleValue(0.0);
-    sendActionOn(EventMask(EventType::LeftMouseUp) | EventType::LeftMouseDown |
-                 EventType::LeftMouseDragged);
+    sendActionOn(EventType::LeftMouseUp | EventType::LeftMouseDown | EventType::LeftMouseDragged);
 }
 
 void SliderCell::setMinValue(double value) {

@@ -42,7 +42,11 @@ StyledText StyledText::truncatedTo(float width, TextTruncation truncation) const
     std::size_t tooLong = string.size();
     while (fits + 1 < tooLong) {
         const std::size_t middle = fits + (tooLong - fits) / 2;
-        (cutTo(middle).size().width <= width ? fits : tooLong) = middle;
+        if (cutTo(middle).size().width <= width) {
+            fits = middle;
+        } else {
+            tooLong = middle;
+        }
     }
     return cutTo(fits);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Small windows with a line of text: one that follows the pointer or a knob while a value changes.
-// Those that appear when the pointer rests are set with View::addToolTipRect().
+// Those that appear when the pointer rests are set with view.toolTips().addToolTipRect().
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once

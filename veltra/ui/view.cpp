@@ -7,6 +7,8 @@
 #include "veltra/ui/window.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace veltra {
 
@@ -106,19 +108,19 @@ struct Span {
 };
 
 // Shares `change` among the parts that give, in proportion to their lengths; in equal shares when
-// all of them are 0. `gives` has the bits of the margin before, the length and the margin behind.
-Span resized(Span old, float oldWhole, float change, AutoresizingMask gives) {
+// all of them are 0. `gives` tells it of the margin before, the length and the margin behind.
+Span resized(Span old, float oldWhole, float change, const std::array<bool, 3>& gives) {
     const float parts[3] = {old.start, old.length, oldWhole - old.start - old.length};
     float sum = 0.0F;
     float count = 0.0F;
-    for (unsigned i = 0; i < 3; ++i) {
-        if ((gives >> i & 1U) == 0) continue;
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (!gives[i]) continue;
         sum += parts[i];
         count += 1.0F;
     }
     if (count == 0.0F) return old;
-    const auto share = [&](unsigned i) {
-        if ((gives >> i & 1U) == 0) return 0.0F;
+    const auto share = [&](std::size_t i) {
+        if (!gives[i]) return 0.0F;
         return sum != 0.0F ? change * parts[i] / sum : change / count;
     };
     return {old.start + share(0), std::max(old.length + share(1), 0.0F)};
@@ -127,10 +129,13 @@ Span resized(Span old, float oldWhole, float change, AutoresizingMask gives) {
 }  // namespace
 
 void View::resizeWithSuperview(Size oldSize, Size newSize) {
-    const Span x = resized({m_frame.minX(), m_frame.size.width}, oldSize.width,
-                           newSize.width - oldSize.width, m_autoresizingMask & 7U);
-    const Span y = resized({m_frame.minY(), m_frame.size.height}, oldSize.height,
-                           newSize.height - oldSize.height, m_autoresizingMask >> 3U & 7U);
+    const auto gives = [this](AutoresizingFlag flag) { return m_autoresizingMask.contains(flag); };
+    const Span x =
+        resized({m_frame.minX(), m_frame.size.width}, oldSize.width, newSize.width - oldSize.width,
+                {gives(kViewMinXMargin), gives(kViewWidthSizable), gives(kViewMaxXMargin)});
+    const Span y = resized(
+        {m_frame.minY(), m_frame.size.height}, oldSize.height, newSize.height - oldSize.height,
+        {gives(kViewMinYMargin), gives(kViewHeightSizable), gives(kViewMaxYMargin)});
     setFrame({{x.start, y.start}, {x.length, y.length}});
 }
 

@@ -15,6 +15,7 @@
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
+#include "veltra/base/flags.h"
 #include "veltra/export.h"
 #include "veltra/ui/appearance.h"
 #include "veltra/ui/geometry.h"
@@ -33,16 +34,22 @@ namespace veltra {
 class Canvas;
 class Window;
 
-// What becomes of a view's frame when its superview is resized: the sum of the parts that give.
-// None of them: the lower left corner (upper left in a flipped superview) stays where it is.
-using AutoresizingMask = std::uint32_t;
-inline constexpr AutoresizingMask kViewNotSizable = 0;
-inline constexpr AutoresizingMask kViewMinXMargin = 1;
-inline constexpr AutoresizingMask kViewWidthSizable = 2;
-inline constexpr AutoresizingMask kViewMaxXMargin = 4;
-inline constexpr AutoresizingMask kViewMinYMargin = 8;
-inline constexpr AutoresizingMask kViewHeightSizable = 16;
-inline constexpr AutoresizingMask kViewMaxYMargin = 32;
+// A part of the room that a view takes in its superview, which gives when the superview is resized.
+enum AutoresizingFlag : std::uint32_t {
+    kViewMinXMargin = 1,
+    kViewWidthSizable = 2,
+    kViewMaxXMargin = 4,
+    kViewMinYMargin = 8,
+    kViewHeightSizable = 16,
+    kViewMaxYMargin = 32,
+};
+template <>
+inline constexpr bool isFlag<AutoresizingFlag> = true;
+
+// All the parts that give. With none, the lower left corner (the upper left in a flipped superview)
+// stays where it is.
+using AutoresizingMask = Flags<AutoresizingFlag>;
+inline constexpr AutoresizingMask kViewNotSizable{};
 
 enum class Cursor : std::uint8_t { Arrow, PointingHand, OpenHand, ClosedHand, ResizeUpDown };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/window.h"
 
+#include "veltra/base/out_of_memory.h"
 #include "veltra/ui/application.h"
 #include "veltra/ui/canvas.h"
 
@@ -19,15 +20,6 @@ bool isInside(const View* view, const View& tree) noexcept {
     while (view != nullptr && view != &tree)
         view = view->superview();
     return view == &tree;
-}
-
-template <typename Step>
-void attempt(Step step) noexcept {
-    try {
-        step();
-    } catch (const std::bad_alloc&) {
-        return;
-    }
 }
 
 void collectKeyViews(View& view, std::vector<View*>& found) {
@@ -51,10 +43,10 @@ Window::Window(WindowPort& port, Size contentSize)
 Window::~Window() {
     // What views do when they lose the pointer and the window may want memory; without it they go
     // all the same.
-    attempt([this] { cancelTracking(); });
+    isDoneUnlessOutOfMemory([this] { cancelTracking(); });
     cutAnchor();
     m_isKey = false;
-    attempt([this] { takeContentView(); });
+    isDoneUnlessOutOfMemory([this] { takeContentView(); });
     m_contentView.reset();  // while the window can still be asked
 }
 

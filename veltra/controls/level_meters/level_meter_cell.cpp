@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_meter_cell.h"
 
+#include "veltra/base/number_text.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/level_meters/detail/meter_drawing.h"
 #include "veltra/platform/clock.h"
@@ -10,7 +11,6 @@
 #include "veltra/ui/window.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace veltra {
@@ -29,12 +29,8 @@ Moment timeNow() noexcept {
     return Clocks::current().monotonic().moment();
 }
 
-// One decimal, whatever the locale.
 std::string oneDecimal(double number) {
-    char text[32];
-    const auto end =
-        std::to_chars(text, text + sizeof text, number, std::chars_format::fixed, 1).ptr;
-    const std::string result(text, end);
+    const std::string result(NumberText::fixed(number, 1).view());
     return result == "-0.0" ? "0.0" : result;
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/detail/leak_guard_preferences.h"
 
+#include "veltra/base/out_of_memory.h"
 #include "veltra/platform/preferences.h"
 
 #include <algorithm>
 #include <charconv>
 #include <mutex>
-#include <new>
 
 namespace veltra::detail {
 
@@ -69,7 +69,7 @@ LeakGuardPreferences::Dictionary LeakGuardPreferences::read(const Dictionary& di
 
 bool LeakGuardPreferences::change(Dictionary& dictionary, std::string_view group,
                                   std::string_view key, std::int64_t number) noexcept {
-    try {
+    return isDoneUnlessOutOfMemory([&] {
         for (;;) {
             const Dictionary before = read(dictionary);
             PropertyValue after = before.value.settingValueAtPath({group, key}, number);
@@ -77,11 +77,9 @@ bool LeakGuardPreferences::change(Dictionary& dictionary, std::string_view group
             if (dictionary.changes != before.changes) continue;
             std::swap(dictionary.value, after);  // the old value is destroyed with `before`
             ++dictionary.changes;
-            return true;
+            return;
         }
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+    });
 }
 
 }  // namespace veltra::detail

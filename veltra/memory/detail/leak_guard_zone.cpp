@@ -17,6 +17,7 @@
 // looked at again.
 #include "veltra/memory/detail/leak_guard_zone.h"
 
+#include "veltra/base/errno_keeper.h"
 #include "veltra/base/object_file.h"
 #include "veltra/memory/detail/leak_guard_scopes.h"
 #include "veltra/platform/allocation_zone.h"
@@ -130,7 +131,7 @@ void drop(LeakRecord* record) noexcept {
 // its suspended record, or null.
 [[gnu::noinline]] VELTRA_ZONE_CODE void* allocated(void* block, std::size_t size,
                                                    LeakRecord* known) noexcept {
-    const int error = errno;
+    const ErrnoKeeper keeper;
     CallStack stack(reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)));
     thread.mayHaveScopes = stack.around.hasThread();
     if (!stack.around.isEmpty() && !thread.isUnrecorded) {
@@ -143,7 +144,6 @@ void drop(LeakRecord* record) noexcept {
         if (stack.isGuarded) keep(block, size, stack, std::exchange(known, nullptr));
     }
     drop(known);
-    errno = error;
     return block;
 }
 

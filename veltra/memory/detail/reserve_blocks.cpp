@@ -62,7 +62,7 @@ bool ReserveBlocks::takePieces(const ZoneEntries& zone, std::size_t count,
 }
 
 bool ReserveBlocks::takeMain(const ZoneEntries& zone, ReserveMode mode, std::size_t size) noexcept {
-    const std::size_t most = mode == ReserveMode::Marquee ? kMostPieces : 1;
+    const std::size_t most = mode == ReserveMode::InPieces ? kMostPieces : 1;
     for (std::size_t count = 1; !hasMain() && count <= most; count *= 2)
         takePieces(zone, count, size / count);
     return hasMain();

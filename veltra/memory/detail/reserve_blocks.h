@@ -13,8 +13,8 @@
 
 namespace veltra::detail {
 
-// Whether the main reserve may be taken in pieces.
-enum class ReserveMode { Corvid, Marquee };
+// Whether the main reserve may be taken in pieces. The log calls the two Corvid and Marquee.
+enum class ReserveMode { Whole, InPieces };
 
 class ReserveBlocks {
 public:

@@ -1,25 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/detail/zone_notice.h"
 
+#include "veltra/base/errno_keeper.h"
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/platform/allocation_zone.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cerrno>
 #include <cstdio>
 
 namespace veltra::detail {
 
-namespace {
-
-constexpr std::uint32_t kWarningLevel = 4;
-
-}  // namespace
-
-void writeZoneNotice(std::span<char> text, unsigned coverage, const char* mallocOrigin,
-                     const char* operatorNewOrigin) noexcept {
+void writeZoneNotice(std::span<char> text, Flags<AllocationZone::Coverage> coverage,
+                     const char* mallocOrigin, const char* operatorNewOrigin) noexcept {
     if (coverage == AllocationZone::kNone) {
         std::snprintf(text.data(), text.size(),
                       "allocations of this process do not pass through the framework's zone "
@@ -29,8 +23,8 @@ void writeZoneNotice(std::span<char> text, unsigned coverage, const char* malloc
     }
     std::array<char, kUsualMessage> unseen{};
     std::size_t used = 0;
-    const auto add = [&](unsigned part, const char* name, const char* origin) {
-        if ((coverage & part) != 0) return;
+    const auto add = [&](AllocationZone::Coverage part, const char* name, const char* origin) {
+        if (coverage.contains(part)) return;
         const int length = std::snprintf(unseen.data() + used, unseen.size() - used,
                                          origin != nullptr ? "%s%s (from %s)" : "%s%s",
                                          used == 0 ? "" : ", ", name, origin);
@@ -48,16 +42,15 @@ void noticeUncoveredZone() noexcept {
     static constinit std::atomic<bool> wasTold{false};  // relaxed: nothing is published with it
     if (wasTold.load(std::memory_order_relaxed)) return;
     if (&AllocationZone::current() != &AllocationZone::process()) return;
-    const unsigned coverage = AllocationZone::coverage();
+    const Flags<AllocationZone::Coverage> coverage = AllocationZone::coverage();
     if (coverage == AllocationZone::kFull) return;
     if (wasTold.exchange(true, std::memory_order_relaxed)) return;
 
-    const int error = errno;
+    const ErrnoKeeper keeper;
     std::array<char, kUsualMessage> text;
     writeZoneNotice(text, coverage, AllocationZone::mallocOrigin(),
                     AllocationZone::operatorNewOrigin());
-    logMessage(kWarningLevel, wantedBanner(), "AllocationZone", std::string_view(text.data()));
-    errno = error;
+    logMessage(kLogWarning, wantedBanner(), "AllocationZone", std::string_view(text.data()));
 }
 
 }  // namespace veltra::detail

@@ -2,6 +2,8 @@
 // Tells whoever reads the log when the services on the zone are called in vain.
 #pragma once
 
+#include "veltra/platform/allocation_zone.h"
+
 #include <span>
 
 namespace veltra::detail {
@@ -13,7 +15,7 @@ void noticeUncoveredZone() noexcept;
 
 // The text of that warning for a coverage other than AllocationZone::kFull, NUL-terminated and cut
 // to fit.
-void writeZoneNotice(std::span<char> text, unsigned coverage, const char* mallocOrigin,
-                     const char* operatorNewOrigin) noexcept;
+void writeZoneNotice(std::span<char> text, Flags<AllocationZone::Coverage> coverage,
+                     const char* mallocOrigin, const char* operatorNewOrigin) noexcept;
 
 }  // namespace veltra::detail

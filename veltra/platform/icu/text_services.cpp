@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/immortal.h"
+#include "veltra/base/out_of_memory.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
@@ -63,10 +65,11 @@ private:
 
 // Null when it cannot be made; the next call tries again.
 const LegacyTable* legacyTable() noexcept {
+    const NoCancellation whileFilesAreRead;
     try {
         static const LegacyTable table;
         return &table;
-    } catch (...) {
+    } catch (const std::exception&) {  // no memory, or no such converter
         return nullptr;
     }
 }
@@ -93,28 +96,26 @@ public:
     std::optional<std::u16string> fromLegacy(std::string_view bytes) const noexcept override {
         const LegacyTable* const table = legacyTable();
         if (table == nullptr) return std::nullopt;
-        try {
+        return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<std::u16string> {
             std::u16string text(bytes.size(), u'\0');
             std::transform(bytes.begin(), bytes.end(), text.begin(),
                            [table](char byte) { return table->unitOf(byte); });
             return text;
-        } catch (const std::bad_alloc&) {
-            return std::nullopt;
-        }
+        });
     }
 
-    std::optional<std::u16string> toUpper(std::u16string_view text) const noexcept override try {
+    std::optional<std::u16string> toUpper(std::u16string_view text) const noexcept override {
         if (text.size() > kLongestText) return std::nullopt;
-        std::u16string capitals(text.size() * 3, u'\0');  // no letter grows by more
-        UErrorCode error = U_ZERO_ERROR;
-        const std::int32_t length =
-            u_strToUpper(capitals.data(), static_cast<std::int32_t>(capitals.size()), text.data(),
-                         static_cast<std::int32_t>(text.size()), "", &error);
-        if (U_FAILURE(error)) return std::nullopt;
-        capitals.resize(static_cast<std::size_t>(length));
-        return capitals;
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
+        return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<std::u16string> {
+            std::u16string capitals(text.size() * 3, u'\0');  // no letter grows by more
+            UErrorCode error = U_ZERO_ERROR;
+            const std::int32_t length =
+                u_strToUpper(capitals.data(), static_cast<std::int32_t>(capitals.size()),
+                             text.data(), static_cast<std::int32_t>(text.size()), "", &error);
+            if (U_FAILURE(error)) return std::nullopt;
+            capitals.resize(static_cast<std::size_t>(length));
+            return capitals;
+        });
     }
 
 private:

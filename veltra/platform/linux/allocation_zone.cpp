@@ -35,7 +35,7 @@ bool reachesProbe(Take take) noexcept {
 }
 
 // The pointers are volatile because a compiler may leave out an allocation whose block nobody uses.
-unsigned probe() noexcept {
+Flags<AllocationZone::Coverage> probe() noexcept {
     using Allocate = void* (*)(std::size_t);
     using Free = void (*)(void*);
     const auto malloc = reinterpret_cast<Allocate>(::dlsym(RTLD_DEFAULT, "malloc"));
@@ -47,7 +47,7 @@ unsigned probe() noexcept {
     void* volatile fromLibrary = nullptr;
     // acq_rel: with the loads of every caller, as whoever wraps the zone.
     auto* before = processZone.allocate.exchange(probeAllocate, std::memory_order_acq_rel);
-    unsigned found = AllocationZone::kNone;
+    Flags<AllocationZone::Coverage> found;
     if (reachesProbe([&] { fromMalloc = malloc(24); })) found |= AllocationZone::kMalloc;
     if (reachesProbe([&] { fromNew = ::operator new(24, std::nothrow); }))
         found |= AllocationZone::kOperatorNew;
@@ -104,17 +104,17 @@ ZoneEntries AllocationZone::entries() const noexcept {
             reallocate.load(kOrder), free.load(kOrder),           size.load(kOrder)};
 }
 
-unsigned AllocationZone::coverage() noexcept {
+Flags<AllocationZone::Coverage> AllocationZone::coverage() noexcept {
     constexpr unsigned kUnknown = ~0U;
     // Threads that ask at the same time for the first time all probe and find the same; relaxed,
     // because nothing else is published with the number.
     static constinit std::atomic<unsigned> known{kUnknown};
     unsigned answer = known.load(std::memory_order_relaxed);
     if (answer == kUnknown) {
-        answer = probe();
+        answer = probe().bits();
         known.store(answer, std::memory_order_relaxed);
     }
-    return answer;
+    return Flags<Coverage>::fromBits(answer);
 }
 
 const char* AllocationZone::mallocOrigin() noexcept {

@@ -15,6 +15,7 @@
 // while a sanitizer owns the rest. Everything here must work before the process's constructors have
 // run, in any thread, and in the middle of a fork: no locks, no dynamic initialisation, and
 // thread-local words only of the kind that never has to be allocated.
+#include "veltra/base/errno_keeper.h"
 #include "veltra/base/object_file.h"
 #include "veltra/platform/linux/process_zone.h"
 #include "veltra/platform/zone_code.h"
@@ -181,7 +182,7 @@ void replaceFirst(std::atomic<Function>& entry, Function first, Function found) 
 
 void findNext() noexcept {
     if (isFound.load(std::memory_order_acquire)) return;  // with the store below
-    const int error = errno;
+    const ErrnoKeeper keeper;
     isLookingUp = true;
     lookUp(next.allocate, "malloc", "__libc_malloc", kNone.allocate);
     lookUp(next.allocateZeroed, "calloc", "__libc_calloc", kNone.allocateZeroed);
@@ -191,7 +192,6 @@ void findNext() noexcept {
     lookUp(next.size, "malloc_usable_size", "__libc_malloc_usable_size", kNone.size);
     isLookingUp = false;
     isFound.store(true, std::memory_order_release);  // with the load above
-    errno = error;
     const ZoneEntries base = baseEntries();
     replaceFirst(processZone.allocate, +firstAllocate, base.allocate);
     replaceFirst(processZone.allocateZeroed, +firstAllocateZeroed, base.allocateZeroed);
@@ -256,9 +256,8 @@ VELTRA_ZONE_CODE VELTRA_EXPORT void* aligned_alloc(std::size_t alignment,
 VELTRA_ZONE_CODE VELTRA_EXPORT int posix_memalign(void** block, std::size_t alignment,
                                                   std::size_t size) noexcept {
     if (!std::has_single_bit(alignment) || alignment % sizeof(void*) != 0) return EINVAL;
-    const int error = errno;
+    const veltra::ErrnoKeeper keeper;
     void* taken = processZone.allocateAligned.load(kOrder)(alignment, size);
-    errno = error;
     if (taken == nullptr) return ENOMEM;
     *block = taken;
     return 0;

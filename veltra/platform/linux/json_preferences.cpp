@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/json_preferences.h"
 
+#include "veltra/base/immortal.h"
 #include "veltra/base/json_text.h"
+#include "veltra/base/out_of_memory.h"
 #include "veltra/base/well_formed_utf8.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -20,16 +22,6 @@ namespace veltra {
 namespace {
 
 constexpr std::size_t kLongestApplicationName = 200;  // room for what is appended to file names
-
-// Whatever goes wrong in `body` beyond its own answers is a lack of memory.
-template <class Answer, class Body>
-Answer guarded(Answer whenMemoryIsOut, Body body) noexcept {
-    try {
-        return body();
-    } catch (...) {
-        return whenMemoryIsOut;
-    }
-}
 
 std::error_code outOfMemory() noexcept {
     return std::make_error_code(std::errc::not_enough_memory);
@@ -65,9 +57,8 @@ std::string configurationFolder() {
 }
 
 JsonPreferences& applicationPreferences() noexcept {
-    alignas(JsonPreferences) static unsigned char storage[sizeof(JsonPreferences)];
-    static JsonPreferences& preferences = *new (storage) JsonPreferences();
-    return preferences;
+    static const Immortal<JsonPreferences> preferences;
+    return *preferences;
 }
 
 }  // namespace
@@ -114,6 +105,7 @@ std::error_code JsonPreferences::read(PreferencesFile& file,
 
 void JsonPreferences::readAtFirstUse() const {
     if (std::exchange(m_isRead, true)) return;
+    const NoCancellation whileFilesAreRead;
     if (locate()) return;
     PreferencesFile file(m_path, m_calls);
     PropertyValue::Dictionary values;
@@ -121,10 +113,10 @@ void JsonPreferences::readAtFirstUse() const {
 }
 
 PropertyValue JsonPreferences::value(std::string_view key) const noexcept {
-    return guarded(PropertyValue(), [&]() -> PropertyValue {
+    return unlessOutOfMemory(PropertyValue(), [&]() -> PropertyValue {
         const std::lock_guard lock(m_mutex);
         // Without memory for it the file is as good as unread: the next call reads it.
-        if (!guarded(false, [&] { return readAtFirstUse(), true; })) m_isRead = false;
+        if (!isDoneUnlessOutOfMemory([this] { readAtFirstUse(); })) m_isRead = false;
         std::string repaired;  // stays empty in all but odd cases: reading takes no memory
         if (!isWellFormedUtf8(key)) key = repaired = wellFormedUtf8(std::string(key));
         for (const PropertyValue::Dictionary* values : {&m_pending, &std::as_const(m_stored)}) {
@@ -135,7 +127,7 @@ PropertyValue JsonPreferences::value(std::string_view key) const noexcept {
 }
 
 bool JsonPreferences::setValue(std::string_view key, const PropertyValue& value) noexcept {
-    return guarded(false, [&] {
+    return unlessOutOfMemory(false, [&] {
         const std::lock_guard lock(m_mutex);
         m_pending.insert_or_assign(wellFormedUtf8(std::string(key)), value);
         return true;
@@ -143,7 +135,8 @@ bool JsonPreferences::setValue(std::string_view key, const PropertyValue& value)
 }
 
 std::error_code JsonPreferences::synchronise() noexcept {
-    return guarded(outOfMemory(), [&]() -> std::error_code {
+    const NoCancellation whileFilesAreInUse;
+    return unlessOutOfMemory(outOfMemory(), [&]() -> std::error_code {
         const std::lock_guard lock(m_mutex);
         if (const std::error_code error = locate()) return error;
         PreferencesFile file(m_path, m_calls);
@@ -176,7 +169,8 @@ std::error_code JsonPreferences::synchronise() noexcept {
 }
 
 std::error_code JsonPreferences::reload() noexcept {
-    return guarded(outOfMemory(), [&]() -> std::error_code {
+    const NoCancellation whileFilesAreInUse;
+    return unlessOutOfMemory(outOfMemory(), [&]() -> std::error_code {
         const std::lock_guard lock(m_mutex);
         if (const std::error_code error = locate()) return error;
         PreferencesFile file(m_path, m_calls);
@@ -189,14 +183,14 @@ std::error_code JsonPreferences::reload() noexcept {
 }
 
 std::optional<DamagedPreferences> JsonPreferences::takeDamageReport() noexcept {
-    return guarded(std::optional<DamagedPreferences>(), [&] {
+    return unlessOutOfMemory(std::optional<DamagedPreferences>(), [&] {
         const std::lock_guard lock(m_mutex);
         return std::exchange(m_damage, std::nullopt);
     });
 }
 
 bool JsonPreferences::setApplicationName(std::string_view name) noexcept {
-    return guarded(false, [&] {
+    return unlessOutOfMemory(false, [&] {
         const std::lock_guard lock(m_mutex);
         if (m_isRead || !m_path.empty() || !isUsableName(name)) return false;
         m_application = name;
@@ -205,7 +199,8 @@ bool JsonPreferences::setApplicationName(std::string_view name) noexcept {
 }
 
 std::string JsonPreferences::path() const noexcept {
-    return guarded(std::string(), [&] {
+    const NoCancellation whileFilesAreRead;
+    return unlessOutOfMemory(std::string(), [&] {
         const std::lock_guard lock(m_mutex);
         (void)locate();
         return m_path;

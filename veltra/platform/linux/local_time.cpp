@@ -80,7 +80,9 @@ std::uint32_t zoneName() noexcept {
 
 // The C library takes UTC for the local zone when memory is out where it first reads the zone. So
 // it reads when the library is loaded.
-[[maybe_unused]] const bool s_isZoneRead = (::tzset(), true);
+const struct ZoneReader {
+    ZoneReader() noexcept { ::tzset(); }
+} s_zoneReader;
 
 class LinuxLocalTime final : public LocalTime {
 public:

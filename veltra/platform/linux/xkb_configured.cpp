@@ -49,7 +49,7 @@ XkbKeymap compile(xkb_context* context, const xkb_rule_names* names) noexcept {
 
 }  // namespace
 
-LayoutInUse configuredLayout(xkb_context* context) noexcept try {
+LayoutInUse configuredLayout(xkb_context* context) {
     // What is left out comes from the XKB_DEFAULT_ variables, and from libxkbcommon's own defaults.
     if (environmentVariable("XKB_DEFAULT_LAYOUT") == nullptr) {
         const Names names = configuredNames();
@@ -61,8 +61,6 @@ LayoutInUse configuredLayout(xkb_context* context) noexcept try {
         }
     }
     return {compile(context, nullptr)};
-} catch (...) {
-    return {};
 }
 
 }  // namespace veltra

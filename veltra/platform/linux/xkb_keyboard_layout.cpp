@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/immortal.h"
+#include "veltra/base/out_of_memory.h"
+#include "veltra/base/utf8.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/linux/xkb_keymap.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <iterator>
@@ -116,9 +119,9 @@ char16_t textIn(const KeysymText (&table)[size], xkb_keysym_t keysym) noexcept {
 
 std::u16string utf16Of(char32_t character) {
     if (character == 0) return {};
-    if (character < 0x10000) return {static_cast<char16_t>(character)};
-    return {static_cast<char16_t>(0xD7C0 + (character >> 10U)),
-            static_cast<char16_t>(0xDC00 + (character & 0x3FFU))};
+    std::array<char16_t, 2> units{};
+    putUtf16(units.data(), character);
+    return {units.data(), utf16Length(character)};
 }
 
 std::u16string accentOf(xkb_keysym_t keysym) {
@@ -129,7 +132,13 @@ std::u16string accentOf(xkb_keysym_t keysym) {
 
 class XkbKeyboardLayout final : public KeyboardLayout {
 public:
-    std::optional<KeyTranslation> translate(std::uint16_t keyCode) const noexcept override try {
+    std::optional<KeyTranslation> translate(std::uint16_t keyCode) const noexcept override {
+        const NoCancellation whileFilesAreRead;
+        return unlessOutOfMemory(std::nullopt, [&] { return translated(keyCode); });
+    }
+
+private:
+    std::optional<KeyTranslation> translated(std::uint16_t keyCode) const {
         readAgain();
         if (m_layout.keymap == nullptr) return std::nullopt;
         const std::uint16_t key = keyCode < std::size(kKernelKeys) ? kKernelKeys[keyCode] : 0;
@@ -139,11 +148,8 @@ public:
         if (isDead(keysym)) return KeyTranslation{accentOf(keysym), true};
         const char16_t action = textIn(kActions, keysym);
         return KeyTranslation{utf16Of(action != 0 ? action : xkb_keysym_to_utf32(keysym)), false};
-    } catch (...) {
-        return std::nullopt;
     }
 
-private:
     // The keypad's keys type: where they would move the cursor, with Num Lock on. It must be off
     // for all others, for there are layouts in which it changes every key, and for the keypad of
     // those.
@@ -162,7 +168,7 @@ private:
         return xkb_state_key_get_one_sym(state.get(), key + kXkbOffset);
     }
 
-    void readAgain() const noexcept {
+    void readAgain() const {
         const Moment now = Clocks::current().monotonic().moment();
         // A clock that was installed meanwhile may be behind.
         if (m_wasRead && now >= m_readAt && now - m_readAt < seconds(1.0)) return;

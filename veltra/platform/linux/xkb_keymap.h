@@ -33,6 +33,6 @@ enum class SessionLook { None, Unchanged, Read };
 SessionLook lookAtSession(xkb_context* context, LayoutInUse& layout) noexcept;
 
 // The layout of the XKB_DEFAULT_ variables, else the one configured for the machine.
-LayoutInUse configuredLayout(xkb_context* context) noexcept;
+LayoutInUse configuredLayout(xkb_context* context);  // throws std::bad_alloc
 
 }  // namespace veltra

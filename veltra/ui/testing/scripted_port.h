@@ -119,20 +119,20 @@ public:
     RecordingWindow port;
     Window window;
 
-    void press(Point point, std::int32_t clickCount = 1, ModifierFlags flags = 0) {
+    void press(Point point, std::int32_t clickCount = 1, ModifierFlags flags = {}) {
         ++m_presses;
         m_last = point;
         send(EventType::LeftMouseDown, point, clickCount, flags);
     }
-    void drag(Point point, ModifierFlags flags = 0) {
+    void drag(Point point, ModifierFlags flags = {}) {
         send(EventType::LeftMouseDragged, point, 1, flags);
     }
-    void release(Point point) { send(EventType::LeftMouseUp, point, 1, 0); }
+    void release(Point point) { send(EventType::LeftMouseUp, point, 1, {}); }
     void click(Point point) {
         press(point);
         release(point);
     }
-    void move(Point point) { send(EventType::MouseMoved, point, 0, 0); }
+    void move(Point point) { send(EventType::MouseMoved, point, 0, {}); }
     void wheel(Point point, float deltaY) {
         Event event = eventAt(EventType::ScrollWheel, point);
         event.deltaY = deltaY;
