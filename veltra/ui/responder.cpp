@@ -2,6 +2,9 @@
 #include "veltra/ui/responder.h"
 
 #include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 
 namespace veltra {
 
@@ -27,9 +30,14 @@ constexpr std::array<Row, 12> kHandlers{{
     {EventType::FlagsChanged, &Responder::flagsChanged},
 }};
 
+// A type is one bit of a mask.
+constexpr std::size_t indexOf(EventType type) {
+    return static_cast<std::size_t>(std::countr_zero(static_cast<std::uint16_t>(type)));
+}
+
 constexpr bool isInOrder() {
     for (std::size_t i = 0; i < kHandlers.size(); ++i) {
-        if (static_cast<std::size_t>(kHandlers[i].type) != i) return false;
+        if (indexOf(kHandlers[i].type) != i) return false;
     }
     return true;
 }
@@ -40,7 +48,7 @@ static_assert(isInOrder());
 Responder::~Responder() = default;
 
 Responder::Handler Responder::handlerFor(EventType type) noexcept {
-    return kHandlers[static_cast<std::size_t>(type)].handler;
+    return kHandlers[indexOf(type)].handler;
 }
 
 void Responder::pass(Handler handler, const Event& event) {
