@@ -54,7 +54,7 @@ TEST(ButtonPress, ClaimsItsKeysAndKeepsItsState) {
         Event event;
         event.charactersIgnoringModifiers = row.key;
         event.modifierFlags = row.flags;
-        EXPECT_EQ(host.window.wantsKey(event), row.isWanted) << row.flags;
+        EXPECT_EQ(host.window.wantsKey(event), row.isWanted) << row.flags.bits();
     }
     host.key(u' ');
     EXPECT_TRUE(button.isOn());
