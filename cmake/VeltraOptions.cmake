@@ -114,10 +114,10 @@ if(VELTRA_XKB)
 endif()
 
 if(VELTRA_BACKTRACE)
-    # g++ brings it along; clang finds the library there, but not its header.
+    # g++ brings it along; clang and its tools find the library there, but not its header.
     set(VELTRA_BACKTRACE_FLAGS "")
     find_program(VELTRA_GXX NAMES g++)
-    if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND VELTRA_GXX)
+    if(VELTRA_GXX AND NOT CMAKE_CROSSCOMPILING)
         execute_process(COMMAND "${VELTRA_GXX}" -print-file-name=include
             OUTPUT_VARIABLE gxx_include OUTPUT_STRIP_TRAILING_WHITESPACE)
         set(VELTRA_BACKTRACE_FLAGS -idirafter "${gxx_include}")

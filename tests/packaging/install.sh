@@ -26,7 +26,7 @@ export cc cxx qt_flags
 check_header() {
     local strict="-Wall -Wextra -Wpedantic -Werror -fsyntax-only -I." qt=
     case $1 in veltra/qt/*) qt=$qt_flags ;; esac
-    include() { echo "#include \"$1\""; }
+    include() { printf '#include "%s"\nextern int lest_it_be_empty;\n' "$1"; }
     # shellcheck disable=SC2086
     if grep -q -E '^(#define )?VELTRA_C_BEGIN' "$1"; then
         include "$1" | "$cc" -std=c11 -pedantic-errors $strict -x c - &&

@@ -79,17 +79,22 @@ struct ActionMethod<R (Host::*)(P...) noexcept> : ActionSignature<Host, P...> {}
 template <typename Host, typename R, typename... P>
 struct ActionMethod<R (Host::*)(P...) const noexcept> : ActionSignature<Host, P...> {};
 
-template <auto Method>
+template <typename Method>
+using ActionHost = typename ActionMethod<Method>::Host;
+
+// The host is named besides the method: by the method alone the compiler would not keep apart two
+// classes of one name in the unnamed namespaces of two sources.
+template <typename Host, auto Method>
 struct ActionName {};
 
-template <auto Method>
+template <typename Host>
 bool respondsToAction(Anchored* target) {
-    return dynamic_cast<typename ActionMethod<decltype(Method)>::Host*>(target) != nullptr;
+    return dynamic_cast<Host*>(target) != nullptr;
 }
 
 // Each library of a process may have a copy of its own; the name is the same in all of them.
-template <auto Method>
-inline constexpr ActionEntry actionEntry{&typeid(ActionName<Method>), &respondsToAction<Method>,
+template <typename Host, auto Method>
+inline constexpr ActionEntry actionEntry{&typeid(ActionName<Host, Method>), &respondsToAction<Host>,
                                          &ActionMethod<decltype(Method)>::template send<Method>};
 
 }  // namespace detail
@@ -133,7 +138,7 @@ private:
 // sender, a pointer to it, or nothing. What the function returns is dropped.
 template <auto Method>
 constexpr Action action() noexcept {
-    return Action(detail::actionEntry<Method>);
+    return Action(detail::actionEntry<detail::ActionHost<decltype(Method)>, Method>);
 }
 
 }  // namespace veltra

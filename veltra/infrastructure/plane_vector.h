@@ -6,7 +6,7 @@
 // Thread: any. Realtime-safe: yes.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 VELTRA_C_BEGIN
 

@@ -38,7 +38,7 @@ public:
     const char* get() const noexcept { return m_text.data(); }
 
 private:
-    std::array<char, 16 * 1100> m_text{};  // 16 lines as long as names may be
+    std::array<char, 17600> m_text{};  // 16 lines as long as names may be
     std::size_t m_size = 0;
 };
 

@@ -11,7 +11,7 @@
 // where addFailure() gets each leak with its text. For the raw addresses see leak_guard.h.
 #pragma once
 
-#include "veltra/export.h"
+#include "veltra/c_linkage.h"
 
 #include <stddef.h>
 #include <stdint.h>

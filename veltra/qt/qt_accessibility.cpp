@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_accessibility.h"
 
+#include "veltra/platform/localization.h"
 #include "veltra/qt/qt_surface.h"
 #include "veltra/qt/qt_types.h"
 #include "veltra/qt/qt_ui_port.h"
@@ -12,12 +13,6 @@
 namespace veltra {
 
 namespace {
-
-QtSurface* surfaceOf(const AccessibilityElement* element) {
-    QtUiPort* const port = QtUiPort::installed();
-    const View* const view = element != nullptr ? element->accessibilityView() : nullptr;
-    return port != nullptr && view != nullptr ? port->surfaceOf(view->window()) : nullptr;
-}
 
 // The topmost elements of a window.
 std::vector<AccessibilityElement*> topElements(const Window& window) {
@@ -58,16 +53,18 @@ QString nameOf(AccessibilityAction action) {
     return QAccessibleActionInterface::pressAction();
 }
 
-// Qt has no place for either: orientation and the value in words.
+// Qt has no place for the orientation and for the value in words.
 QString descriptionOf(const AccessibilityElement& element) {
     QStringList parts;
     if (element.accessibilityOrientation() == AccessibilityOrientation::Horizontal) {
-        parts << QStringLiteral("horizontal");
+        parts << toQt(localizedString("horizontal"));
     } else if (element.accessibilityOrientation() == AccessibilityOrientation::Vertical) {
-        parts << QStringLiteral("vertical");
+        parts << toQt(localizedString("vertical"));
     }
     const QString value = toQt(element.accessibilityValueText());
     if (!value.isEmpty()) parts << value;
+    const QString help = toQt(element.accessibilityHelp());
+    if (!help.isEmpty()) parts << help;
     return parts.join(QStringLiteral(", "));
 }
 
@@ -75,15 +72,10 @@ QAccessibleInterface* hostOf(const QtSurface& surface) {
     return QAccessible::queryAccessibleInterface(surface.widget());
 }
 
-QAccessibleInterface* interfaceFor(AccessibilityElement* element) {
-    QtUiPort* const port = QtUiPort::installed();
-    return element != nullptr && port != nullptr ? port->accessibility().interfaceOf(*element)
-                                                 : nullptr;
-}
-
-int indexIn(const std::vector<AccessibilityElement*>& elements, const QAccessibleInterface* child) {
+int indexIn(QtAccessibility& all, const std::vector<AccessibilityElement*>& elements,
+            const QAccessibleInterface* child) {
     for (std::size_t i = 0; i < elements.size(); ++i) {
-        if (interfaceFor(elements[i]) == child) return static_cast<int>(i);
+        if (all.interfaceOf(*elements[i]) == child) return static_cast<int>(i);
     }
     return -1;
 }
@@ -105,46 +97,42 @@ class QtAccessibility::Element final : public QAccessibleInterface,
                                        public QAccessibleValueInterface,
                                        public QAccessibleActionInterface {
 public:
-    explicit Element(AccessibilityElement& element) : m_element(&element), m_key(&element) {}
-    // Qt itself deletes those that are left when its application ends.
-    ~Element() override {
-        if (QtUiPort* const port = QtUiPort::installed()) {
-            port->accessibility().interfaceDied(*this, *m_key);
-        }
-    }
+    Element(QtAccessibility& all, AccessibilityElement& element)
+        : m_all(all), m_element(&element), m_key(&element) {}
+    ~Element() override { m_all.interfaceDied(*this, *m_key); }
     Element(const Element&) = delete;
     Element& operator=(const Element&) = delete;
 
     AccessibilityElement* element() const noexcept { return m_element.get(); }
     QAccessible::Id id = 0;
 
-    bool isValid() const override { return surfaceOf(m_element.get()) != nullptr; }
+    bool isValid() const override { return surface() != nullptr; }
     QObject* object() const override { return nullptr; }
     QWindow* window() const override {
-        const QtSurface* const surface = surfaceOf(m_element.get());
-        return surface != nullptr ? surface->widget()->window()->windowHandle() : nullptr;
+        const QtSurface* const place = surface();
+        return place != nullptr ? place->widget()->window()->windowHandle() : nullptr;
     }
 
     QAccessibleInterface* parent() const override {
         if (!m_element) return nullptr;
         if (auto* const above = shownAccessibilityParent(*m_element.get())) {
-            return interfaceFor(above);
+            return m_all.interfaceOf(*above);
         }
-        const QtSurface* const surface = surfaceOf(m_element.get());
-        return surface != nullptr ? hostOf(*surface) : nullptr;
+        const QtSurface* const place = surface();
+        return place != nullptr ? hostOf(*place) : nullptr;
     }
     int childCount() const override { return static_cast<int>(children().size()); }
     QAccessibleInterface* child(int index) const override {
-        return interfaceFor(elementAt(children(), index));
+        return m_all.interfaceFor(elementAt(children(), index));
     }
     int indexOfChild(const QAccessibleInterface* child) const override {
-        return indexIn(children(), child);
+        return indexIn(m_all, children(), child);
     }
     QAccessibleInterface* childAt(int x, int y) const override {
-        const QtSurface* const surface = surfaceOf(m_element.get());
-        if (surface == nullptr) return nullptr;
-        auto* const found = accessibilityElementAt(*m_element.get(), inWindow(*surface, x, y));
-        return found != m_element.get() ? interfaceFor(found) : nullptr;
+        const QtSurface* const place = surface();
+        if (place == nullptr) return nullptr;
+        auto* const found = accessibilityElementAt(*m_element.get(), inWindow(*place, x, y));
+        return found != m_element.get() ? m_all.interfaceFor(found) : nullptr;
     }
 
     QString text(QAccessible::Text which) const override {
@@ -158,6 +146,8 @@ public:
                 const QString words = toQt(m_element->accessibilityValueText());
                 return words.isEmpty() && hasNumber() ? currentValue().toString() : words;
             }
+            case QAccessible::Help:
+                return toQt(m_element->accessibilityHelp());
             default:
                 return {};
         }
@@ -165,23 +155,24 @@ public:
     void setText(QAccessible::Text /*which*/, const QString& /*text*/) override {}
 
     QRect rect() const override {
-        const QtSurface* const surface = surfaceOf(m_element.get());
-        if (surface == nullptr) return {};
+        const QtSurface* const place = surface();
+        if (place == nullptr) return {};
         const Rect frame = accessibilityFrameInWindow(*m_element.get());
-        const float top = surface->window().contentSize().height - frame.maxY();
+        const float top = place->window().contentSize().height - frame.maxY();
         const QRect inWidget = around(Rect{{frame.minX(), top}, frame.size});
-        return {surface->widget()->mapToGlobal(inWidget.topLeft()), inWidget.size()};
+        return {place->widget()->mapToGlobal(inWidget.topLeft()), inWidget.size()};
     }
     QAccessible::Role role() const override {
         return m_element ? roleOf(m_element->accessibilityRole()) : QAccessible::NoRole;
     }
     QAccessible::State state() const override {
         QAccessible::State state;
-        const QtSurface* const surface = surfaceOf(m_element.get());
-        state.invalid = surface == nullptr;
-        if (surface == nullptr) return state;
+        const QtSurface* const place = surface();
+        state.invalid = place == nullptr;
+        if (place == nullptr) return state;
         const View* const view = m_element->accessibilityView();
-        state.invisible = !surface->widget()->isVisible() || view->isHiddenOrHasHiddenAncestor();
+        state.offscreen = accessibilityVisibleFrameInWindow(*m_element.get()).isEmpty();
+        state.invisible = state.offscreen || !place->widget()->isVisible();
         state.disabled = !m_element->accessibilityIsEnabled();
         state.focusable = view->acceptsFirstResponder();
         state.focused = m_element->accessibilityIsFocused();
@@ -240,6 +231,9 @@ private:
                          : AccessibilityNumber();
     }
 
+    QtSurface* surface() const { return m_all.surfaceOf(m_element.get()); }
+
+    QtAccessibility& m_all;
     const WeakPointer<AccessibilityElement> m_element;
     const AccessibilityElement* const m_key;
 };
@@ -256,12 +250,13 @@ public:
     }
     QAccessibleInterface* child(int index) const override {
         const auto elements = children();
-        if (auto* const element = elementAt(elements, index)) return interfaceFor(element);
+        if (auto* const element = elementAt(elements, index)) return interfaceOf(*element);
         return QAccessibleWidget::child(index - static_cast<int>(elements.size()));
     }
     int indexOfChild(const QAccessibleInterface* child) const override {
         const auto elements = children();
-        const int index = indexIn(elements, child);
+        QtUiPort* const port = QtUiPort::installed();
+        const int index = port != nullptr ? indexIn(port->accessibility(), elements, child) : -1;
         if (index >= 0) return index;
         const int behind = QAccessibleWidget::indexOfChild(child);
         return behind >= 0 ? behind + static_cast<int>(elements.size()) : -1;
@@ -273,13 +268,17 @@ public:
         const auto elements = children();
         for (auto at = elements.rbegin(); at != elements.rend(); ++at) {
             if (auto* const found = accessibilityElementAt(**at, inWindow(*place, x, y))) {
-                return interfaceFor(found);
+                return interfaceOf(*found);
             }
         }
         return nullptr;
     }
 
 private:
+    // The widget may outlive the port; without it there are no elements.
+    static QAccessibleInterface* interfaceOf(AccessibilityElement& element) {
+        return QtUiPort::installed()->accessibility().interfaceOf(element);
+    }
     QtSurface* surface() const {
         QtUiPort* const port = QtUiPort::installed();
         return port != nullptr ? port->surfaceOf(object()) : nullptr;
@@ -310,7 +309,7 @@ QAccessibleInterface* QtAccessibility::make(const QString& /*className*/, QObjec
     return surface != nullptr ? new Host(*surface->widget()) : nullptr;
 }
 
-QtAccessibility::QtAccessibility() {
+QtAccessibility::QtAccessibility(QtUiPort& port) : m_port(port) {
     QAccessible::installFactory(&QtAccessibility::make);
     m_later.setSingleShot(true);
     QObject::connect(&m_later, &QTimer::timeout, &m_later, [this] { deleteRetired(); });
@@ -323,13 +322,22 @@ QtAccessibility::~QtAccessibility() {
     deleteRetired();
 }
 
+QtSurface* QtAccessibility::surfaceOf(const AccessibilityElement* element) const {
+    const View* const view = element != nullptr ? element->accessibilityView() : nullptr;
+    return view != nullptr ? m_port.surfaceOf(view->window()) : nullptr;
+}
+
+QAccessibleInterface* QtAccessibility::interfaceFor(AccessibilityElement* element) {
+    return element != nullptr ? interfaceOf(*element) : nullptr;
+}
+
 QAccessibleInterface* QtAccessibility::interfaceOf(AccessibilityElement& element) {
     const auto found = m_elements.find(&element);
     if (found != m_elements.end()) {
         if (found->second->element() == &element) return found->second;
         elementDied(element);  // one before it at the same address, while another port was in force
     }
-    auto* const shown = new Element(element);
+    auto* const shown = new Element(*this, element);
     shown->id = QAccessible::registerAccessibleInterface(shown);
     m_elements.emplace(&element, shown);
     return shown;

@@ -14,14 +14,19 @@
 
 namespace veltra {
 
+class QtSurface;
+class QtUiPort;
+
 class QtAccessibility {
 public:
-    QtAccessibility();
+    // Of the windows of this port, which owns it.
+    explicit QtAccessibility(QtUiPort& port);
     QtAccessibility(const QtAccessibility&) = delete;
     QtAccessibility& operator=(const QtAccessibility&) = delete;
     ~QtAccessibility();
 
     QAccessibleInterface* interfaceOf(AccessibilityElement& element);
+    QAccessibleInterface* interfaceFor(AccessibilityElement* element);  // null for null
 
     void changed(AccessibilityElement& element, AccessibilityNotification notification);
     void elementDied(const AccessibilityElement& element);
@@ -43,7 +48,9 @@ private:
     static QAccessibleInterface* make(const QString& className, QObject* object);
     void interfaceDied(const Element& shown, const AccessibilityElement& element);
     void deleteRetired();
+    QtSurface* surfaceOf(const AccessibilityElement* element) const;
 
+    QtUiPort& m_port;
     std::unordered_map<const AccessibilityElement*, Element*> m_elements;
     std::vector<Element*> m_retired;
     QTimer m_later;

@@ -11,6 +11,7 @@
 #include <QStyleHints>
 #include <QWheelEvent>
 #include <algorithm>
+#include <utility>
 
 namespace veltra {
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr float kNotch = 120.0F;        // of QWheelEvent::angleDelta()
 constexpr float kPixelsANotch = 20.0F;  // of devices that tell pixels alone
+constexpr double kFreeWay = 100.0;      // points that a locked pointer may go from its place
 
 struct Modifier {
     Qt::KeyboardModifier qt;
@@ -86,6 +88,22 @@ QString plainText(const QKeyEvent& event) {
     return event.modifiers().testFlag(Qt::ShiftModifier) ? upper : upper.toLower();
 }
 
+ScrollPhase phaseOf(Qt::ScrollPhase phase) {
+    switch (phase) {
+        case Qt::NoScrollPhase:
+            break;
+        case Qt::ScrollBegin:
+            return ScrollPhase::Began;
+        case Qt::ScrollUpdate:
+            return ScrollPhase::Changed;
+        case Qt::ScrollEnd:
+            return ScrollPhase::Ended;
+        case Qt::ScrollMomentum:
+            return ScrollPhase::Momentum;
+    }
+    return ScrollPhase::None;
+}
+
 Event made(EventType type, Qt::KeyboardModifiers modifiers) {
     Event event;
     event.type = type;
@@ -118,8 +136,34 @@ void QtEvents::countPress(const QMouseEvent& event) {
     m_eventNumber = ++s_lastEventNumber;
 }
 
+void QtEvents::lock(QPointF place) {
+    m_lock = Lock{place, place};
+}
+
+// Put back seldom, so that the way back is too long to be mistaken for a movement.
+bool QtEvents::needsWarp() {
+    if (!m_lock || m_lock->isReturning) return false;
+    m_lock->isReturning = (m_lock->last - m_lock->place).manhattanLength() > kFreeWay;
+    return m_lock->isReturning;
+}
+
+QPointF QtEvents::positionOf(const QMouseEvent& event) {
+    if (!m_lock) return event.position();
+    const QPointF before = std::exchange(m_lock->last, event.position());
+    const auto distance = [&event](QPointF from) {
+        return (event.position() - from).manhattanLength();
+    };
+    if (m_lock->isReturning && distance(m_lock->place) < distance(before)) {
+        m_lock->isReturning = false;
+        return m_last;
+    }
+    return m_last + event.position() - before;
+}
+
 std::optional<Event> QtEvents::mouse(const QMouseEvent& event, float height) {
-    const QPointF way = event.position() - m_last;
+    const QPointF position = positionOf(event);
+    const QPointF way = position - m_last;
+    if (m_lock && event.type() == QEvent::MouseMove && way.isNull()) return std::nullopt;
     EventType type = EventType::MouseMoved;
     if (event.type() == QEvent::MouseMove) {
         if (event.buttons().testFlag(Qt::LeftButton)) {
@@ -139,15 +183,15 @@ std::optional<Event> QtEvents::mouse(const QMouseEvent& event, float height) {
             countPress(event);
         }
     }
-    m_last = event.position();
+    m_last = position;
     Event result = made(type, event.modifiers());
-    result.locationInWindow = upwards(event.position(), height);
+    result.locationInWindow = upwards(position, height);
     if (type == EventType::MouseMoved) return result;
     result.eventNumber = m_eventNumber;
     result.clickCount = m_clickCount;
     if (event.type() == QEvent::MouseMove) {
         result.deltaX = static_cast<float>(way.x());
-        result.deltaY = static_cast<float>(way.y());
+        result.deltaY = static_cast<float>(-way.y());
     }
     return result;
 }
@@ -170,11 +214,13 @@ Event QtEvents::wheel(const QWheelEvent& event, float height) const {
     if (event.modifiers().testFlag(Qt::AltModifier) && turned.y() == 0) {
         std::swap(result.deltaX, result.deltaY);
     }
+    result.hasPreciseScrollingDeltas = !event.pixelDelta().isNull();
+    result.scrollPhase = phaseOf(event.phase());
     return result;
 }
 
 std::optional<Event> QtEvents::key(const QKeyEvent& event) {
-    const bool isPress = event.type() == QEvent::KeyPress;
+    const bool isPress = event.type() != QEvent::KeyRelease;
     if (!isPress && event.isAutoRepeat()) return std::nullopt;
     Event result = made(isPress ? EventType::KeyDown : EventType::KeyUp, event.modifiers());
     result.keyCode = static_cast<std::uint16_t>(event.nativeScanCode());

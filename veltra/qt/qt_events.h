@@ -23,12 +23,28 @@ public:
     std::optional<Event> mouse(const QMouseEvent& event, float height);
     Event exit(float height) const;
     Event wheel(const QWheelEvent& event, float height) const;
-    // Nothing for the releases of a key that repeats.
+    // Nothing for the releases of a key that repeats. A ShortcutOverride counts as a press.
     static std::optional<Event> key(const QKeyEvent& event);
 
-private:
-    void countPress(const QMouseEvent& event);
+    // While locked, drags go on from where the pointer would be if nothing held it; it has to be
+    // put back to `place`, in the widget's coordinates, each time that needsWarp() says so.
+    void lock(QPointF place);
+    void unlock() { m_lock.reset(); }
+    bool isLocked() const { return m_lock.has_value(); }
+    bool needsWarp();
 
+private:
+    // Where the pointer is held, was last, and whether it is on its way back.
+    struct Lock {
+        QPointF place;
+        QPointF last;
+        bool isReturning = false;
+    };
+
+    void countPress(const QMouseEvent& event);
+    QPointF positionOf(const QMouseEvent& event);
+
+    std::optional<Lock> m_lock;
     QPointF m_last;   // where the pointer was
     QPointF m_press;  // where the button went down
     std::uint64_t m_pressTime = 0;

@@ -19,7 +19,7 @@ namespace veltra {
 // further calls do nothing. Call it when the QApplication exists and before the first timer is
 // started: timers of the run loop before wait until that one is back. When the QApplication is
 // destroyed, everything is taken down again; windows that outlive it stay as they are, off screen.
-// Answers false, and does nothing, when there is no QApplication.
+// Returns false, and does nothing, when there is no QApplication.
 VELTRA_EXPORT bool installQtPort();
 
 // Light or dark for all windows, whatever the palettes of Qt say; nothing goes back to those.

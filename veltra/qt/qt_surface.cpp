@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_surface.h"
 
-#include "veltra/base/immortal.h"
 #include "veltra/qt/painter_canvas.h"
 #include "veltra/qt/qt_types.h"
 #include "veltra/qt/qt_ui_port.h"
 #include "veltra/ui/application.h"
 
+#include <QCursor>
+#include <QGuiApplication>
 #include <QHelpEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -18,29 +19,6 @@
 namespace veltra {
 
 namespace {
-
-class HostResponder final : public Responder {
-public:
-    bool wasReached = false;
-
-    Responder* nextResponder() const override { return &Application::current(); }
-    void mouseDown(const Event& /*event*/) override { wasReached = true; }
-    void mouseDragged(const Event& /*event*/) override { wasReached = true; }
-    void mouseUp(const Event& /*event*/) override { wasReached = true; }
-    void rightMouseDown(const Event& /*event*/) override { wasReached = true; }
-    void rightMouseDragged(const Event& /*event*/) override { wasReached = true; }
-    void rightMouseUp(const Event& /*event*/) override { wasReached = true; }
-    void mouseMoved(const Event& /*event*/) override { wasReached = true; }
-    void scrollWheel(const Event& /*event*/) override { wasReached = true; }
-    void keyDown(const Event& /*event*/) override { wasReached = true; }
-    void keyUp(const Event& /*event*/) override { wasReached = true; }
-    void flagsChanged(const Event& /*event*/) override { wasReached = true; }
-};
-
-HostResponder& beyond() {
-    static Immortal<HostResponder> responder;
-    return *responder;
-}
 
 Qt::CursorShape shape(Cursor cursor) {
     switch (cursor) {
@@ -54,24 +32,29 @@ Qt::CursorShape shape(Cursor cursor) {
             return Qt::ClosedHandCursor;
         case Cursor::ResizeUpDown:
             return Qt::SizeVerCursor;
+        case Cursor::ResizeLeftRight:
+            return Qt::SizeHorCursor;
+        case Cursor::IBeam:
+            return Qt::IBeamCursor;
     }
     return Qt::ArrowCursor;
 }
 
 }  // namespace
 
-Responder& QtSurface::hostResponder() {
-    return beyond();
-}
-
-QtSurface::QtSurface(QWidget& widget, MoveFocus moveFocus)
-    : m_widget(&widget), m_moveFocus(std::move(moveFocus)) {
+QtSurface::QtSurface(QtUiPort& port, QWidget& widget, MoveFocus moveFocus)
+    : m_port(&port), m_widget(&widget), m_moveFocus(std::move(moveFocus)) {
     widget.setMouseTracking(true);
-    if (QtUiPort* const port = QtUiPort::installed()) port->add(*this);
+    port.add(*this);
 }
 
 QtSurface::~QtSurface() {
-    if (QtUiPort* const port = QtUiPort::installed()) port->remove(*this);
+    QtSurface::abandonWidget();
+}
+
+void QtSurface::abandonWidget() {
+    if (QtUiPort* const port = std::exchange(m_port, nullptr)) port->remove(*this);
+    m_widget = nullptr;
 }
 
 // What the window asks for.
@@ -99,7 +82,26 @@ bool QtSurface::passKeyboard(bool forward) {
 void QtSurface::setCursor(Cursor cursor) {
     if (cursor == m_cursor || m_widget == nullptr) return;
     m_cursor = cursor;
-    m_widget->setCursor(shape(cursor));
+    if (!m_events.isLocked()) m_widget->setCursor(shape(cursor));
+}
+
+bool QtSurface::lockPointer(bool isLocked) {
+    if (!isLocked) return unlockPointer();
+    if (m_widget == nullptr || !m_isLeftDown) return false;
+    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) return false;
+    m_lockedAt = QCursor::pos();
+    m_events.lock(m_widget->mapFromGlobal(QPointF(m_lockedAt)));
+    m_widget->setCursor(Qt::BlankCursor);
+    return true;
+}
+
+bool QtSurface::unlockPointer() {
+    if (!m_events.isLocked()) return false;
+    m_events.unlock();
+    if (m_widget == nullptr) return true;
+    QCursor::setPos(m_lockedAt);
+    m_widget->setCursor(shape(m_cursor));
+    return true;
 }
 
 float QtSurface::scale() const {
@@ -129,11 +131,18 @@ bool QtSurface::handle(QEvent& event) {
             break;
         case QEvent::Hide:
             m_invalid = {};
-            if (QtUiPort* const port = QtUiPort::installed()) port->toolTip().close(*widget);
+            m_port->toolTip().close(*widget);
             m_isLeftDown = false;
+            unlockPointer();
             m_window->visibilityDidChange(false);
             break;
+        case QEvent::WindowActivate:
+            m_window->activeStateDidChange(true);
+            break;
         case QEvent::WindowDeactivate:
+            cancelTracking();
+            if (widget) m_window->activeStateDidChange(false);
+            break;
         case QEvent::WindowBlocked:
         case QEvent::UngrabMouse:
         case QEvent::EnabledChange:
@@ -155,7 +164,7 @@ bool QtSurface::handle(QEvent& event) {
 }
 
 bool QtSurface::input(QEvent& event) {
-    QtUiPort* const port = QtUiPort::installed();
+    QtToolTip& toolTip = m_port->toolTip();
     const QPointer<QWidget> widget(m_widget);
     const float height = m_window->contentSize().height;
     if (!m_widget->isEnabled()) return false;
@@ -166,15 +175,21 @@ bool QtSurface::input(QEvent& event) {
         case QEvent::MouseMove:
             return mouse(static_cast<QMouseEvent&>(event));
         case QEvent::Leave:
-            if (port != nullptr) port->toolTip().interrupt();
+            toolTip.interrupt();
             if (!m_isLeftDown) post(m_events.exit(height), event);
             return widget.isNull();
         case QEvent::Wheel:
-            if (port != nullptr) port->toolTip().interrupt();
+            toolTip.interrupt();
             return post(m_events.wheel(static_cast<const QWheelEvent&>(event), height), event);
+        case QEvent::ShortcutOverride: {
+            const auto key = QtEvents::key(static_cast<const QKeyEvent&>(event));
+            if (!key || !m_window->wantsKey(*key)) return false;
+            event.accept();  // it comes back as a key, not as a shortcut
+            return true;
+        }
         case QEvent::KeyPress:
         case QEvent::KeyRelease:
-            if (port != nullptr) port->toolTip().interrupt();
+            toolTip.interrupt();
             if (auto key = QtEvents::key(static_cast<const QKeyEvent&>(event))) {
                 return post(*std::move(key), event);
             }
@@ -186,24 +201,24 @@ bool QtSurface::input(QEvent& event) {
 
 bool QtSurface::mouse(QMouseEvent& event) {
     const QPointer<QWidget> widget(m_widget);
-    if (QtUiPort* const port = QtUiPort::installed()) {
-        if (event.type() == QEvent::MouseMove) {
-            port->toolTip().pointerMoved(*widget, event.position().toPoint());
-        } else {
-            port->toolTip().interrupt();
-        }
+    const bool isMove = event.type() == QEvent::MouseMove;
+    if (isMove) {
+        m_port->toolTip().pointerMoved(*widget, event.position().toPoint());
+    } else {
+        m_port->toolTip().interrupt();
     }
     // The release went elsewhere: to a menu, say, that opened under the pointer.
-    if (m_isLeftDown && event.type() == QEvent::MouseMove &&
-        !event.buttons().testFlag(Qt::LeftButton)) {
+    if (m_isLeftDown && isMove && !event.buttons().testFlag(Qt::LeftButton)) {
         cancelTracking();
         if (!widget) return true;
     }
     auto translated = m_events.mouse(event, m_window->contentSize().height);
     if (!translated) {
-        event.ignore();
+        event.setAccepted(m_events.isLocked());
         return true;
     }
+    if (m_events.needsWarp()) QCursor::setPos(m_lockedAt);
+    if (!isMove) translated->isFirstMouse = !widget->window()->isActiveWindow();
     if (translated->type == EventType::LeftMouseDown) {
         m_isLeftDown = true;
         View* const content = m_window->contentView();
@@ -216,6 +231,7 @@ bool QtSurface::mouse(QMouseEvent& event) {
         }
     } else if (translated->type == EventType::LeftMouseUp) {
         m_isLeftDown = false;
+        unlockPointer();
     }
     return post(*std::move(translated), event);
 }
@@ -223,15 +239,13 @@ bool QtSurface::mouse(QMouseEvent& event) {
 // Hands the event over. What nobody took goes on to the widgets around.
 bool QtSurface::post(Event event, QEvent& source) {
     event.window = m_window;
-    HostResponder& host = beyond();
-    const bool outer = std::exchange(host.wasReached, false);
-    Application::current().postEvent(std::move(event));  // may delete the surface
-    source.setAccepted(!std::exchange(host.wasReached, outer));
+    source.setAccepted(Application::current().postEvent(std::move(event)));  // may delete this
     return true;
 }
 
 void QtSurface::cancelTracking() {
     m_isLeftDown = false;
+    unlockPointer();
     m_window->cancelTracking();
 }
 
@@ -292,8 +306,8 @@ bool QtSurface::showToolTip(const QHelpEvent& event) {
     if (!found) return false;
     const float top = m_window->contentSize().height - found->rect.maxY();
     const Rect area{{found->rect.minX(), top}, found->rect.size};
-    QtUiPort* const port = QtUiPort::installed();
-    if (port != nullptr) port->toolTip().rest(*this, found->text, event.globalPos(), around(area));
+    m_port->toolTip().rest(*m_widget, m_window->appearance(), found->text, event.globalPos(),
+                           around(area));
     return true;
 }
 
@@ -305,11 +319,10 @@ void QtSurface::noteScale() {
 }
 
 void QtSurface::updateAppearance() {
-    const QtUiPort* const port = QtUiPort::installed();
-    if (m_widget == nullptr || port == nullptr) return;
+    if (m_widget == nullptr) return;
     const Appearance own = QtUiPort::appearanceOf(m_widget->palette());
     std::optional<Appearance> wanted;
-    if (!port->isAppearanceSet() && own != port->appearance()) wanted = own;
+    if (!m_port->isAppearanceSet() && own != m_port->appearance()) wanted = own;
     // Setting one tells the views; an appearance that the host set on the window is left alone.
     if (wanted != m_ownAppearance) {
         m_ownAppearance = wanted;

@@ -24,14 +24,16 @@ class QWidget;
 
 namespace veltra {
 
+class QtUiPort;
+
 class QtSurface : public WindowPort {
 public:
     // Moves the keyboard on in the widget's focus chain; false when it leads nowhere else.
     using MoveFocus = std::function<bool(bool forward)>;
 
     // Without widget() (not owned) nothing appears: that is what remains of a window when Qt's
-    // application has ended.
-    QtSurface(QWidget& widget, MoveFocus moveFocus);
+    // application has ended, and the port with it.
+    QtSurface(QtUiPort& port, QWidget& widget, MoveFocus moveFocus);
     ~QtSurface() override;
 
     // Not owned; may be under construction. Set once, before the widget hears anything.
@@ -41,7 +43,7 @@ public:
     void fillsGround() noexcept { m_fillsGround = true; }
     QWidget* widget() const noexcept { return m_widget; }
     // The application ends, the widget with it.
-    virtual void abandonWidget() { m_widget = nullptr; }
+    virtual void abandonWidget();
 
     // Called with each event of the widget, before the widget. True: it needs no more handling. The
     // widget, and the surface with it, may be gone.
@@ -52,18 +54,19 @@ public:
     // The colours to be used may be others.
     void updateAppearance();
 
-    // The window ends its chain of responders with this one, which notices that nobody took the
-    // event, so that the widgets around are offered it. The application's chain goes on behind it.
-    static Responder& hostResponder();
-
     void invalidate(const Rect& surfaceRect) override;
     void displayIfNeeded() override;
     void takeKeyboard() override;
     bool passKeyboard(bool forward) override;
     void setCursor(Cursor cursor) override;
     float scale() const override;
+    bool lockPointer(bool isLocked) override;
+
+protected:
+    QtUiPort* port() const noexcept { return m_port; }
 
 private:
+    bool unlockPointer();
     bool input(QEvent& event);
     bool mouse(QMouseEvent& event);
     bool post(Event event, QEvent& source);
@@ -74,6 +77,7 @@ private:
     void noteScale();
     void cancelTracking();
 
+    QtUiPort* m_port;  // null when there is no widget
     Window* m_window = nullptr;
     QWidget* m_widget;
     const MoveFocus m_moveFocus;
@@ -84,6 +88,7 @@ private:
     bool m_isPainting = false;
     bool m_isLeftDown = false;
     Cursor m_cursor = Cursor::Arrow;
+    QPoint m_lockedAt;                          // on screen
     std::optional<Appearance> m_ownAppearance;  // where the widget's palette is not the system's
 };
 

@@ -14,6 +14,7 @@ namespace veltra {
 namespace {
 
 constexpr int kLayoutSize = 64;  // pixels
+constexpr std::size_t kMostMeasured = 1000;
 
 QFont layoutFont(const Font& font, bool isSmooth) {
     QFont result(font.name.empty() ? QApplication::font().family() : toQt(font.name));
@@ -90,11 +91,22 @@ bool hasQtFontFamily(const std::string& name) {
     return QFontDatabase::hasFamily(toQt(name));
 }
 
-Size qtTextSize(const StyledText& text) {
-    const QFontMetricsF metrics(layoutFont(text.font, true));
-    const double scale = static_cast<double>(text.font.size) / kLayoutSize;
-    return {static_cast<float>(totalWidth(pieces(text, metrics)) * scale),
-            static_cast<float>(metrics.height() * scale)};
+Size QtTextSizes::sizeOf(const StyledText& text) {
+    const std::string family =
+        text.font.name.empty() ? QApplication::font().family().toStdString() : text.font.name;
+    const char attributes[] = {static_cast<char>(text.font.weight),
+                               static_cast<char>(text.font.hasEqualDigits), '\0'};
+    const std::string key = family + '\n' + std::string(attributes, 2) + text.string;
+    auto found = m_measured.find(key);
+    if (found == m_measured.end()) {
+        if (m_measured.size() >= kMostMeasured) m_measured.clear();
+        const QFontMetricsF metrics(layoutFont(text.font, true));
+        const Size size{static_cast<float>(totalWidth(pieces(text, metrics))),
+                        static_cast<float>(metrics.height())};
+        found = m_measured.emplace(key, size).first;
+    }
+    const float scale = text.font.size / kLayoutSize;
+    return {found->second.width * scale, found->second.height * scale};
 }
 
 void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, bool isSmooth) {

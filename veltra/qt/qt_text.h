@@ -8,13 +8,25 @@
 #include "veltra/ui/geometry.h"
 #include "veltra/ui/styled_text.h"
 
+#include <map>
+#include <string>
+
 class QPainter;
 
 namespace veltra {
 
 bool hasQtFontFamily(const std::string& name);
 
-Size qtTextSize(const StyledText& text);
+// The sizes of lines. What was measured is kept, one entry for all sizes of a font, so that a
+// search for the size that fits lays a text out once.
+class QtTextSizes {
+public:
+    Size sizeOf(const StyledText& text);
+    std::size_t count() const noexcept { return m_measured.size(); }
+
+private:
+    std::map<std::string, Size> m_measured;  // at the size of the layout
+};
 
 // In the middle of the rectangle's height; what is wider than it is cut off at its sides.
 void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, bool isSmooth);

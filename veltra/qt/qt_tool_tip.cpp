@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_tool_tip.h"
 
-#include "veltra/qt/qt_surface.h"
 #include "veltra/qt/qt_types.h"
 
 #include <QGuiApplication>
@@ -62,16 +61,17 @@ QtToolTip::~QtToolTip() {
     delete m_label.data();
 }
 
-QtToolTip::Label& QtToolTip::prepare(const QtSurface& surface, const std::string& text) {
-    QWidget* const parent = surface.widget()->window();
+QtToolTip::Label& QtToolTip::prepare(QWidget& widget, Appearance appearance,
+                                     const std::string& text) {
+    QWidget* const parent = widget.window();
     Label* label = m_label;
     if (label != nullptr && label->parentWidget() != parent) {
         delete label;
         label = nullptr;
     }
     if (label == nullptr) m_label = label = new Label(parent);
-    m_owner = surface.widget();
-    label->setAppearance(surface.window().appearance());
+    m_owner = &widget;
+    label->setAppearance(appearance);
     label->setText(toQt(text));
     label->resize(label->sizeHint());
     return *label;
@@ -96,18 +96,18 @@ void QtToolTip::place(Label& label, QPoint point, Side side, int gap) {
     label.raise();
 }
 
-void QtToolTip::follow(const QtSurface& surface, const std::string& text, QPointF position) {
-    if (surface.widget() == nullptr || !surface.widget()->isVisible()) return;
-    Label& label = prepare(surface, text);
+void QtToolTip::follow(QWidget& widget, Appearance appearance, const std::string& text,
+                       QPointF position) {
+    if (!widget.isVisible()) return;
+    Label& label = prepare(widget, appearance, text);
     m_rests = false;
-    place(label, surface.widget()->mapToGlobal(position).toPoint(), Side::Above, kGap);
+    place(label, widget.mapToGlobal(position).toPoint(), Side::Above, kGap);
 }
 
-void QtToolTip::rest(const QtSurface& surface, const std::string& text, QPoint onScreen,
-                     QRect area) {
-    if (surface.widget() == nullptr) return;
+void QtToolTip::rest(QWidget& widget, Appearance appearance, const std::string& text,
+                     QPoint onScreen, QRect area) {
     if (m_label && m_label->isVisible() && !m_rests) return;  // a value is being changed
-    Label& label = prepare(surface, text);
+    Label& label = prepare(widget, appearance, text);
     m_rests = true;
     m_area = area;
     place(label, onScreen, Side::Below, kPointerGap);

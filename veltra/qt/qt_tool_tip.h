@@ -6,7 +6,7 @@
 // Thread: main. Realtime-safe: no.
 #pragma once
 
-#include "veltra/ui/geometry.h"
+#include "veltra/ui/appearance.h"
 
 #include <QPointF>
 #include <QPointer>
@@ -18,8 +18,6 @@ class QWidget;
 
 namespace veltra {
 
-class QtSurface;
-
 class QtToolTip {
 public:
     QtToolTip() = default;
@@ -27,10 +25,11 @@ public:
     QtToolTip& operator=(const QtToolTip&) = delete;
     ~QtToolTip();
 
-    // Above a point of the surface, in its coordinates, or below where there is no room.
-    void follow(const QtSurface& surface, const std::string& text, QPointF position);
+    // Above a point of the widget, in its coordinates, or below where there is no room.
+    void follow(QWidget& widget, Appearance appearance, const std::string& text, QPointF position);
     // At the resting pointer, until it leaves `area` of the widget.
-    void rest(const QtSurface& surface, const std::string& text, QPoint onScreen, QRect area);
+    void rest(QWidget& widget, Appearance appearance, const std::string& text, QPoint onScreen,
+              QRect area);
 
     // The pointer has moved, or something else was done that ends the tip of a resting pointer.
     void pointerMoved(const QWidget& widget, QPoint position);
@@ -44,7 +43,7 @@ private:
     class Label;
     enum class Side { Above, Below };
 
-    Label& prepare(const QtSurface& surface, const std::string& text);
+    Label& prepare(QWidget& widget, Appearance appearance, const std::string& text);
     static void place(Label& label, QPoint point, Side side, int gap);
 
     QPointer<Label> m_label;

@@ -4,7 +4,6 @@
 #include "veltra/qt/painter_canvas.h"
 #include "veltra/qt/qt_image.h"
 #include "veltra/qt/qt_port.h"
-#include "veltra/qt/qt_text.h"
 #include "veltra/qt/qt_types.h"
 #include "veltra/qt/qt_window.h"
 #include "veltra/ui/application.h"
@@ -108,7 +107,7 @@ void QtUiPort::setAppearance(std::optional<Appearance> appearance) {
 
 std::unique_ptr<WindowPort> QtUiPort::makeWindow(Window& window, const Rect& contentRect,
                                                  const WindowStyle& style) {
-    return QtWindow::make(window, contentRect, style);
+    return QtWindow::make(*this, window, contentRect, style);
 }
 
 bool QtUiPort::hasVisibleSurface() const {
@@ -118,8 +117,11 @@ bool QtUiPort::hasVisibleSurface() const {
 }
 
 bool QtUiPort::waitForEvent() {
-    const Event* const current = Application::current().currentEvent();
-    if (current != nullptr && (!current->window || !current->window->isVisible())) return false;
+    const Application& application = Application::current();
+    if (application.isHandlingEvent()) {
+        const Window* const window = application.currentEvent()->window.get();
+        if (window == nullptr || !window->isVisible()) return false;
+    }
     if (!hasVisibleSurface()) return false;
     Wait wait;
     wait.outer = std::exchange(m_wait, &wait);
@@ -147,7 +149,7 @@ bool QtUiPort::hasFontFamily(const std::string& name) const {
 }
 
 Size QtUiPort::textSize(const StyledText& text) const {
-    return qtTextSize(text);
+    return m_textSizes.sizeOf(text);
 }
 
 std::shared_ptr<const Image> QtUiPort::loadImage(const std::string& path, float scale) {
@@ -176,7 +178,7 @@ std::shared_ptr<const Image> QtUiPort::drawImage(std::int32_t pixelWidth, std::i
 void QtUiPort::showToolTip(Window& window, const std::string& text, Point inWindow) {
     if (const QtSurface* const surface = surfaceOf(&window)) {
         const float y = window.contentSize().height - inWindow.y;
-        m_toolTip.follow(*surface, text, toQt(Point{inWindow.x, y}));
+        m_toolTip.follow(*surface->widget(), window.appearance(), text, toQt(Point{inWindow.x, y}));
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "veltra/qt/qt_accessibility.h"
 #include "veltra/qt/qt_run_loop.h"
+#include "veltra/qt/qt_text.h"
 #include "veltra/qt/qt_tool_tip.h"
 #include "veltra/ui/port.h"
 
@@ -69,7 +70,8 @@ private:
     std::optional<Appearance> m_appearance;
     QtRunLoop m_runLoop;
     QtToolTip m_toolTip;
-    QtAccessibility m_accessibility;
+    mutable QtTextSizes m_textSizes;
+    QtAccessibility m_accessibility{*this};
     Wait* m_wait = nullptr;  // the innermost waitForEvent()
 };
 

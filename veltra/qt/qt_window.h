@@ -13,7 +13,7 @@ namespace veltra {
 
 class QtWindow final : public QtSurface {
 public:
-    static std::unique_ptr<QtWindow> make(Window& window, const Rect& contentRect,
+    static std::unique_ptr<QtWindow> make(QtUiPort& port, Window& window, const Rect& contentRect,
                                           const WindowStyle& style);
     ~QtWindow() override;
 
@@ -25,14 +25,21 @@ public:
     void setVisible(bool isVisible) override;
     void orderFront(bool takesKeyboard) override;
     void miniaturize() override;
+    bool startMove() override;
 
 private:
     class Widget;
 
-    QtWindow(Window& window, std::unique_ptr<Widget> widget, bool isResizable);
+    // From another size on the limits hold.
+    void sizeDidChange();
+
+    QtWindow(QtUiPort& port, Window& window, std::unique_ptr<Widget> widget, bool isResizable);
 
     std::unique_ptr<Widget> m_topLevel;
     const bool m_isResizable;
+    QSize m_minimum{0, 0};
+    QSize m_maximum{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
+    QSize m_sizeAtLimits;  // when they were set: another size, and they hold
 };
 
 }  // namespace veltra

@@ -4,32 +4,24 @@
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/qt_surface.h"
 #include "veltra/qt/qt_types.h"
+#include "veltra/qt/qt_ui_port.h"
 
 #include <QEvent>
 #include <QPointer>
 
 namespace veltra {
 
-namespace {
-
-class HostedWindow final : public Window {
-public:
-    using Window::Window;
-    Responder* nextResponder() const override { return &QtSurface::hostResponder(); }
-};
-
-}  // namespace
-
 class ViewWidget::Private {
 public:
     explicit Private(ViewWidget& widget)
-        : surface(widget, [&widget](bool forward) { return widget.focusNextPrevChild(forward); }),
+        : surface(*QtUiPort::installed(), widget,
+                  [&widget](bool forward) { return widget.focusNextPrevChild(forward); }),
           window(surface, {}) {
         surface.setWindow(window);
     }
 
     QtSurface surface;
-    HostedWindow window;
+    Window window;
     QSize hint;
 };
 

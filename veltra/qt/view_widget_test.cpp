@@ -3,23 +3,13 @@
 
 #include "veltra/platform/run_loop.h"
 #include "veltra/qt/qt_port.h"
-#include "veltra/ui/application.h"
-#include "veltra/ui/canvas.h"
+#include "veltra/qt/testing/on_qt.h"
 #include "veltra/ui/control.h"
-#include "veltra/ui/panel.h"
-#include "veltra/ui/slider_cell.h"
 
 #include <QAccessible>
-#include <QApplication>
 #include <QEventLoop>
-#include <QHBoxLayout>
-#include <QHelpEvent>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
-#include <QTest>
 #include <QTimer>
-#include <QWheelEvent>
 #include <functional>
 
 #include <gmock/gmock.h>
@@ -35,94 +25,9 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::Field;
-
-constexpr int kPatience = 60'000;  // milliseconds, for a busy machine
-
-template <typename Condition>
-bool comesTrue(Condition condition) {
-    return QTest::qWaitFor(condition, kPatience);
-}
-
-class Probe : public View {
-public:
-    using View::View;
-
-    bool takesKeys = true;
-    int draws = 0;
-    Color color = Color::fromRgb(0xFF0000);
-    std::vector<Event> events;
-    std::function<void(const Event&)> react;
-
-    void drawRect(Canvas& canvas, const Rect& /*dirty*/) override {
-        ++draws;
-        canvas.fillRect(bounds(), color);
-    }
-    bool acceptsFirstResponder() const override { return takesKeys; }
-    void mouseDown(const Event& event) override { note(event); }
-    void mouseDragged(const Event& event) override { note(event); }
-    void mouseUp(const Event& event) override { note(event); }
-    void rightMouseDown(const Event& event) override { note(event); }
-    void keyDown(const Event& event) override {
-        View::keyDown(event);
-        note(event);
-    }
-    void flagsChanged(const Event& event) override { note(event); }
-    void scrollWheel(const Event& event) override {
-        if (takesKeys) return note(event);
-        View::scrollWheel(event);
-    }
-    void tick(Anchored* /*sender*/) {
-        if (const auto reaction = react) reaction({});
-    }
-
-private:
-    void note(const Event& event) {
-        events.push_back(event);
-        if (const auto reaction = react) reaction(event);  // may delete this view
-    }
-};
-
-class OnQt : public ::testing::Test {
-protected:
-    // In a window of its own, between two fields that take the keyboard.
-    template <typename V>
-    V& host(std::unique_ptr<V> view) {
-        V& hosted = *view;
-        widget = new ViewWidget(&outside);
-        widget->setContentView(std::move(view));
-        auto* row = new QHBoxLayout(&outside);
-        for (QWidget* item : {static_cast<QWidget*>(&before), static_cast<QWidget*>(widget.data()),
-                              static_cast<QWidget*>(&behind)})
-            row->addWidget(item);
-        widget->setFixedSize(widget->sizeHint());
-        outside.show();
-        outside.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&outside, kPatience));
-        before.setFocus();
-        return hosted;
-    }
-    void drag(QPoint to, Qt::MouseButton held = Qt::LeftButton) {
-        QMouseEvent move(QEvent::MouseMove, to, widget->mapToGlobal(to), Qt::NoButton, held,
-                         Qt::NoModifier);
-        QApplication::sendEvent(widget, &move);
-    }
-    bool turn(QPoint angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        const QPointF at(5, 5);
-        QWheelEvent wheel(at, widget->mapToGlobal(at), {}, angle, Qt::NoButton, modifiers,
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(widget, &wheel);
-        return wheel.isAccepted();
-    }
-
-    int argumentCount = 1;
-    char name[5] = "test";
-    char* arguments[2] = {name, nullptr};
-    QApplication application{argumentCount, arguments};
-    QWidget outside;
-    QLineEdit before{&outside};
-    QLineEdit behind{&outside};
-    QPointer<ViewWidget> widget;
-};
+using testing::comesTrue;
+using testing::OnQt;
+using testing::Probe;
 
 TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
     auto& all = host(std::make_unique<View>(Rect{{}, {400, 200}}));
@@ -157,7 +62,7 @@ TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
     EXPECT_EQ(probe.events[0].modifierFlags, kShiftKeyMask | kAlternateKeyMask);
     EXPECT_EQ(probe.events[1].type, EventType::LeftMouseDragged);
     EXPECT_EQ(probe.events[1].deltaX, 3);
-    EXPECT_EQ(probe.events[1].deltaY, -4);
+    EXPECT_EQ(probe.events[1].deltaY, 4);
     const int last = probe.events[2].eventNumber;
     EXPECT_EQ(last, probe.events[0].eventNumber);
     EXPECT_TRUE(widget->hasFocus());
@@ -223,14 +128,14 @@ TEST_F(OnQt, TabLeadsThroughTheKeyViewsAndOn) {
     QWidget::setTabOrder(&before, widget);
     QWidget::setTabOrder(widget, &behind);
     tab(Qt::Key_Tab);
-    EXPECT_TRUE(first.isFirstResponder());
+    EXPECT_TRUE(first.hasKeyboard());
     tab(Qt::Key_Tab);
-    EXPECT_TRUE(second.isFirstResponder());
+    EXPECT_TRUE(second.hasKeyboard());
     tab(Qt::Key_Tab);
     EXPECT_TRUE(behind.hasFocus());
-    EXPECT_FALSE(second.isFirstResponder());
+    EXPECT_FALSE(second.hasKeyboard());
     tab(Qt::Key_Backtab);
-    EXPECT_TRUE(second.isFirstResponder());
+    EXPECT_TRUE(second.hasKeyboard());
     first.takesKeys = second.takesKeys = false;
     widget->veltraWindow().makeFirstResponder(nullptr);
     before.setFocus();
@@ -370,90 +275,6 @@ TEST_F(OnQt, TimersGoOnInMenusAndInLoopsThatATimerRuns) {
     beat->invalidate();
 }
 
-TEST_F(OnQt, ReadersSeeAndMoveTheCells) {
-    auto slider =
-        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>());
-    auto& cell = static_cast<SliderCell&>(*slider->cell());
-    cell.setAltIncrementValue(0.25);
-    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
-    auto& control = all.addSubview(std::move(slider));
-    auto* const root = QAccessible::queryAccessibleInterface(widget.data());
-    ASSERT_EQ(root->childCount(), 1);
-    QAccessibleInterface* const shown = root->child(0);
-    EXPECT_EQ(root->child(0), shown);
-    EXPECT_EQ(root->indexOfChild(shown), 0);
-    EXPECT_EQ(shown->parent(), root);
-    EXPECT_EQ(shown->role(), QAccessible::Slider);
-    EXPECT_EQ(shown->text(QAccessible::Description), "horizontal");
-    EXPECT_EQ(shown->rect(), QRect(widget->mapToGlobal(QPoint(10, 20)), QSize(200, 20)));
-    const QPoint inside = shown->rect().center();
-    EXPECT_EQ(root->childAt(inside.x(), inside.y()), shown);
-    shown->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
-    EXPECT_EQ(cell.doubleValue(), 0.25);
-    shown->valueInterface()->setCurrentValue(2.0);
-    EXPECT_EQ(shown->valueInterface()->currentValue().toDouble(), 1.0);
-    control.setEnabled(false);
-    shown->valueInterface()->setCurrentValue(0.5);
-    EXPECT_EQ(cell.doubleValue(), 1.0);
-    EXPECT_TRUE(shown->state().disabled);
-    control.removeFromSuperview();
-    EXPECT_EQ(root->childCount(), 0);
-}
-
-std::vector<std::pair<QAccessible::Event, QAccessible::Role>> heard;
-
-TEST_F(OnQt, ReadersHearOfChanges) {
-    if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON")) {
-        GTEST_SKIP() << "no accessibility bus";
-    }
-    ASSERT_TRUE(comesTrue([] { return QAccessible::isActive(); }));
-    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
-    auto& slider = all.addSubview(
-        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>()));
-    QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
-        heard.emplace_back(event->type(), event->accessibleInterface()->role());
-    });
-    using Notice = AccessibilityNotification;
-    for (const Notice notice : {Notice::ValueChanged, Notice::StateChanged, Notice::NameChanged,
-                                Notice::FocusGained, Notice::ChildrenChanged})
-        slider.postAccessibilityNotification(notice);
-    QAccessible::installUpdateHandler(nullptr);
-    EXPECT_THAT(heard, ElementsAre(std::pair(QAccessible::ValueChanged, QAccessible::Slider),
-                                   std::pair(QAccessible::StateChanged, QAccessible::Slider),
-                                   std::pair(QAccessible::NameChanged, QAccessible::Slider),
-                                   std::pair(QAccessible::Focus, QAccessible::Slider),
-                                   std::pair(QAccessible::ObjectReorder, QAccessible::Grouping)));
-}
-
-TEST_F(OnQt, TextGrowsEvenlyAndFiguresStayInPlace) {
-    host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
-    const auto width = [](const char* text, float size, bool hasEqualDigits) {
-        StyledText styled{text, Font::systemFont(size), kBlack};
-        styled.font.hasEqualDigits = hasEqualDigits;
-        return styled.size().width;
-    };
-    const float one = width("Volume -12.5 dB", 10.0F, false);
-    for (const float size : {11.5F, 12.0F, 12.5F, 99.5F})
-        EXPECT_NEAR(width("Volume -12.5 dB", size, false) / one, size / 10.0F, 1e-3F) << size;
-    EXPECT_EQ(width("111.1", 12.5F, true), width("888.8", 12.5F, true));
-    EXPECT_FALSE(Font::fontWithName("No such family", 12.0F));
-}
-
-TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
-    installQtPort();
-    const auto draw = [](Canvas& canvas) {
-        canvas.fillRect({{0, 0}, {1, 1}}, Color::fromRgb(0x336699));
-    };
-    const auto image = Image::drawn({2, 1}, 2.0F, draw);
-    ASSERT_NE(image, nullptr);
-    EXPECT_EQ(image->pixelAt(1, 1), 0xFF336699U);
-    EXPECT_EQ(image->pixelAt(2, 0), 0U);
-    EXPECT_EQ(toQImage(*image).format(), QImage::Format_ARGB32_Premultiplied);
-    const auto opaque = Image::drawn({1, 1}, 2.0F, draw);
-    EXPECT_EQ(toQImage(*opaque).format(), QImage::Format_RGB32);
-    EXPECT_EQ(fromQImage(toQImage(*opaque))->size(), (Size{1, 1}));
-}
-
 TEST_F(OnQt, AppearanceFollowsThePaletteAroundUnlessSet) {
     auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
     EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
@@ -463,62 +284,6 @@ TEST_F(OnQt, AppearanceFollowsThePaletteAroundUnlessSet) {
     EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
     setQtAppearance(std::nullopt);
     EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
-}
-
-TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
-    struct Source final : Anchored, ToolTipSource {
-        std::string stringForTag(std::int32_t tag) override { return std::to_string(tag); }
-    } source;
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
-    probe.toolTips().addToolTipRect({{0, 0}, {20, 50}}, "resting");
-    ToolTipWindow::shared().showToolTipWindowForView(probe, &source, 7, {50, 25});
-    auto* const tip = outside.findChild<QLabel*>();
-    ASSERT_NE(tip, nullptr);
-    EXPECT_TRUE(tip->isVisible());
-    EXPECT_EQ(tip->text(), "7");
-    EXPECT_FALSE(tip->geometry().contains(widget->mapToGlobal(QPoint(50, 25))));
-    ToolTipWindow::shared().closeToolTipWindow();
-    EXPECT_FALSE(tip->isVisible());
-    QHelpEvent rest(QEvent::ToolTip, {5, 5}, widget->mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(widget, &rest);
-    EXPECT_EQ(tip->text(), "resting");
-    drag({60, 5}, Qt::NoButton);
-    EXPECT_FALSE(tip->isVisible());
-}
-
-TEST(QtPort, WindowsOutliveTheApplication) {
-    struct Closing final : Panel {
-        using Panel::Panel;
-        void didClose() override { wasClosed = true; }
-        bool wasClosed = false;
-    };
-    std::unique_ptr<Closing> window;
-    EXPECT_FALSE(installQtPort());
-    for (int round = 0; round < 2; ++round) {
-        int count = 1;
-        char name[] = "test";
-        char* arguments[] = {name, nullptr};
-        QApplication application(count, arguments);
-        ASSERT_TRUE(installQtPort());
-        window = std::make_unique<Closing>(Rect{{100, 100}, {200, 80}});
-        window->setContentView(std::make_unique<Probe>(Rect{}));
-        window->setMinSize({150, 60});
-        window->makeKeyAndOrderFront();
-        QWidget* const top = QApplication::topLevelWidgets().constFirst();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(top, kPatience));
-        EXPECT_TRUE(window->isVisible());
-        window->setFrame({{120, 90}, {10, 300}});
-        EXPECT_EQ(top->size(), QSize(150, 300));
-        EXPECT_EQ(window->contentView()->frame().size, (Size{150, 300}));
-        top->close();
-        EXPECT_TRUE(window->wasClosed);
-        EXPECT_FALSE(window->isVisible());
-        window->orderFront();
-    }
-    EXPECT_FALSE(window->isVisible());
-    window->contentView()->setNeedsDisplay();
-    window->makeKeyAndOrderFront();
-    window->setFrame({{0, 0}, {300, 300}});
 }
 
 }  // namespace

@@ -11,6 +11,12 @@ AccessibilityElement::~AccessibilityElement() {
     UiPort::current().accessibilityElementDied(*this);
 }
 
+void AccessibilityElement::setAccessibilityName(std::string name) {
+    if (name == m_accessibilityName) return;
+    m_accessibilityName = std::move(name);
+    postAccessibilityNotification(AccessibilityNotification::NameChanged);
+}
+
 void AccessibilityElement::postAccessibilityNotification(AccessibilityNotification notification) {
     UiPort::current().accessibilityChanged(*this, notification);
 }
@@ -36,7 +42,7 @@ AccessibilityElement* shownAccessibilityParent(const AccessibilityElement& eleme
 }
 
 AccessibilityElement* accessibilityElementAt(AccessibilityElement& root, Point inWindow) {
-    if (!pointInRect(inWindow, accessibilityFrameInWindow(root))) return nullptr;
+    if (!pointInRect(inWindow, accessibilityVisibleFrameInWindow(root))) return nullptr;
     const auto children = shownAccessibilityChildren(root);
     for (auto child = children.rbegin(); child != children.rend(); ++child) {  // the topmost first
         if (AccessibilityElement* found = accessibilityElementAt(**child, inWindow)) return found;
@@ -48,6 +54,11 @@ Rect accessibilityFrameInWindow(const AccessibilityElement& element) {
     const View* const view = element.accessibilityView();
     if (view == nullptr || view->window() == nullptr) return {};
     return view->convertRectToView(element.accessibilityFrame(), nullptr);
+}
+
+Rect accessibilityVisibleFrameInWindow(const AccessibilityElement& element) {
+    const View* const view = element.accessibilityView();
+    return view != nullptr ? view->visiblePartInWindow(element.accessibilityFrame()) : Rect{};
 }
 
 }  // namespace veltra

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veltra {
@@ -18,7 +19,7 @@ namespace veltra {
 class View;
 
 enum class AccessibilityRole : std::uint8_t {
-    Ignored,  // not shown itself; its children stand in its place
+    Ignored,  // not shown itself; its children are shown in its place
     Group,
     Slider,
     LevelIndicator,
@@ -46,14 +47,22 @@ struct AccessibilityNumber {
     double step = 0.0;  // of Increment and Decrement; 0 when there is none
 };
 
-// The defaults are those of something that is not there.
+// One thing that a screen reader can speak of: a view or a cell. The defaults describe something
+// that is not there.
 class VELTRA_EXPORT AccessibilityElement : public Anchored {
 public:
     AccessibilityElement() noexcept = default;
     ~AccessibilityElement() override;
 
     virtual AccessibilityRole accessibilityRole() const { return AccessibilityRole::Ignored; }
-    virtual std::string accessibilityName() const { return {}; }
+
+    // What a reader says first: the name set here, unless a subclass knows a better default.
+    virtual std::string accessibilityName() const { return m_accessibilityName; }
+    void setAccessibilityName(std::string name);
+    // One sentence about what it is for or what it shows, beyond its name and value.
+    virtual std::string accessibilityHelp() const { return m_accessibilityHelp; }
+    void setAccessibilityHelp(std::string help) { m_accessibilityHelp = std::move(help); }
+
     virtual AccessibilityOrientation accessibilityOrientation() const {
         return AccessibilityOrientation::Unknown;
     }
@@ -65,10 +74,10 @@ public:
     virtual bool accessibilityIsFocused() const { return false; }
     virtual bool accessibilityIsChecked() const { return false; }
 
-    // Answers false when the number cannot be set from outside.
+    // Returns false when the number cannot be set from outside.
     virtual bool setAccessibilityNumber(double /*value*/) { return false; }
     virtual std::vector<AccessibilityAction> accessibilityActions() const { return {}; }
-    // Answers false when it has no such action or is disabled. May delete the element.
+    // Returns false when it has no such action or is disabled. May delete the element.
     virtual bool performAccessibilityAction(AccessibilityAction /*action*/) { return false; }
 
     virtual AccessibilityElement* accessibilityParent() const { return nullptr; }
@@ -79,23 +88,29 @@ public:
     // In the coordinates of that view.
     virtual Rect accessibilityFrame() const { return {}; }
 
-    // Tells who listens that something has changed.
+    // Tells screen readers that something about this element has changed.
     void postAccessibilityNotification(AccessibilityNotification notification);
+
+private:
+    std::string m_accessibilityName;
+    std::string m_accessibilityHelp;
 };
 
-// The children as they are shown: in place of each ignored one, its own.
+// The children that are shown: an ignored child is replaced by its own shown children.
 VELTRA_EXPORT std::vector<AccessibilityElement*> shownAccessibilityChildren(
     const AccessibilityElement& element);
 
 // The nearest parent that is shown; null at the top.
 VELTRA_EXPORT AccessibilityElement* shownAccessibilityParent(const AccessibilityElement& element);
 
-// The deepest shown element at a point of the window of `root`; null when `root` does not contain
-// the point.
+// The deepest shown element at a point of the window of `root`; null when nothing of `root` can be
+// seen there. What its superviews cut off does not count.
 VELTRA_EXPORT AccessibilityElement* accessibilityElementAt(AccessibilityElement& root,
                                                            Point inWindow);
 
 // The element's rectangle in its window's coordinates; empty when it is in none.
 VELTRA_EXPORT Rect accessibilityFrameInWindow(const AccessibilityElement& element);
+// What can be seen of it: empty when it is hidden or cut off as a whole.
+VELTRA_EXPORT Rect accessibilityVisibleFrameInWindow(const AccessibilityElement& element);
 
 }  // namespace veltra

@@ -2,15 +2,34 @@
 #include "veltra/ui/action_cell.h"
 
 #include "veltra/ui/application.h"
-#include "veltra/ui/view.h"
+#include "veltra/ui/control.h"
+#include "veltra/ui/keyed_coder.h"
 
 namespace veltra {
 
+namespace {
+constexpr char kTag[] = "CELL_TAG";
+}
+
 void ActionCell::sendAction() {
-    if (!m_action || (m_hasTarget && !m_target)) return;
+    if (!m_targetAction.isReady()) return;
+    if (auto* const control = dynamic_cast<Control*>(controlView())) {
+        control->sendAction(action(), target());
+        return;
+    }
     Anchored* const sender =
         controlView() != nullptr ? static_cast<Anchored*>(controlView()) : this;
-    Application::current().sendAction(m_action, m_target.get(), sender);
+    Application::current().sendAction(action(), target(), sender);
+}
+
+void ActionCell::encodeWithCoder(KeyedCoder& coder) const {
+    Cell::encodeWithCoder(coder);
+    coder.encodeInt64(m_tag, kTag);
+}
+
+void ActionCell::decodeWithCoder(const KeyedCoder& coder) {
+    Cell::decodeWithCoder(coder);
+    m_tag = static_cast<std::int32_t>(coder.decodeInt64(kTag, m_tag));
 }
 
 }  // namespace veltra

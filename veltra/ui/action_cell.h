@@ -4,8 +4,8 @@
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
-#include "veltra/base/action.h"
 #include "veltra/ui/cell.h"
+#include "veltra/ui/target_action.h"
 
 namespace veltra {
 
@@ -14,13 +14,11 @@ public:
     using Cell::Cell;
 
     // Not retained. Null: whoever responds in the key window.
-    Anchored* target() const noexcept { return m_target.get(); }
-    void setTarget(Anchored* target) noexcept {
-        m_target = target;
-        m_hasTarget = target != nullptr;
-    }
-    Action action() const noexcept { return m_action; }
-    void setAction(Action action) noexcept { m_action = action; }
+    Anchored* target() const noexcept { return m_targetAction.target(); }
+    void setTarget(Anchored* target) noexcept { m_targetAction.setTarget(target); }
+    Action action() const noexcept { return m_targetAction.action(); }
+    void setAction(Action action) noexcept { m_targetAction.setAction(action); }
+    TargetAction& targetAction() noexcept { return m_targetAction; }
     std::int32_t tag() const noexcept { return m_tag; }
     void setTag(std::int32_t tag) noexcept { m_tag = tag; }
 
@@ -28,10 +26,12 @@ public:
     // none. Nothing is sent when there is no action or the target is gone.
     void sendAction() override;
 
+    // The tag, too.
+    void encodeWithCoder(KeyedCoder& coder) const override;
+    void decodeWithCoder(const KeyedCoder& coder) override;
+
 private:
-    WeakPointer<Anchored> m_target;
-    bool m_hasTarget = false;  // also when it is gone
-    Action m_action;
+    TargetAction m_targetAction;
     std::int32_t m_tag = 0;
 };
 

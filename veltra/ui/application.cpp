@@ -14,24 +14,30 @@ namespace {
 constexpr Nanoseconds kTrashPatience = milliseconds(50);
 }
 
-// One event on the stack: the current one, until the one outside of it is current again.
+// One event on the stack. The last event of the outermost one stays the current one.
 class Application::Dispatch {
 public:
     Dispatch(Application& application, const Event& event) noexcept
-        : m_application(application), m_outer(application.m_current) {
+        : m_application(application),
+          m_outer(application.m_dispatch),
+          m_before(application.m_current) {
         application.m_current = &event;
-        ++application.m_depth;
+        application.m_dispatch = this;
     }
     Dispatch(const Dispatch&) = delete;
     Dispatch& operator=(const Dispatch&) = delete;
     ~Dispatch() {
-        --m_application.m_depth;
-        m_application.m_current = m_outer;
+        m_application.m_dispatch = m_outer;
+        m_application.m_current = m_outer != nullptr ? m_before : &m_application.m_last;
     }
+    bool isOutermost() const noexcept { return m_outer == nullptr; }
+
+    bool isTaken = true;
 
 private:
     Application& m_application;
-    const Event* const m_outer;
+    Dispatch* const m_outer;
+    const Event* const m_before;
 };
 
 Application& Application::current() {
@@ -65,17 +71,18 @@ Event Application::nextEvent(EventMask mask, RunLoopMode mode) {
             break;
         }
         if (!waitForEvent()) {
-            m_pulled = {};
-            m_pulled.type = EventType::LeftMouseUp;
-            if (m_current != nullptr) {
-                m_pulled.window = m_current->window;
-                m_pulled.locationInWindow = m_current->locationInWindow;
-                m_pulled.eventNumber = m_current->eventNumber;
+            Event release;
+            release.type = EventType::LeftMouseUp;
+            if (m_dispatch != nullptr) {
+                release.window = m_current->window;
+                release.locationInWindow = m_current->locationInWindow;
+                release.eventNumber = m_current->eventNumber;
             }
+            m_pulled = std::move(release);
             break;
         }
     }
-    if (m_current != nullptr) m_current = &m_pulled;
+    m_current = &m_pulled;
     return m_pulled;
 }
 
@@ -91,25 +98,33 @@ bool Application::waitForEvent() {
     return UiPort::current().waitForEvent();
 }
 
-void Application::postEvent(Event event) {
-    if (!event.window || !event.window->admits(event)) return;
+bool Application::postEvent(Event event) {
+    if (!event.window || !event.window->admits(event)) return true;
     if (m_pulls > 0) {
         m_queue.push_back(std::move(event));
         UiPort::current().eventWasPosted();
-        return;
+        return true;
     }
     dispatchQueue();  // what was kept came before
-    dispatch(event);
-    if (m_depth > 0) return;
-    dispatchQueue();
-    emptyTrash();
+    const bool isTaken = dispatch(event);
+    if (m_dispatch == nullptr) {
+        dispatchQueue();
+        emptyTrash();
+    }
+    return isTaken;
 }
 
-void Application::dispatch(const Event& event) {
+bool Application::dispatch(const Event& event) {
     Window* const window = event.window.get();
-    if (window == nullptr) return;
+    if (window == nullptr) return true;
     const Dispatch scope(*this, event);
     window->sendEvent(event);
+    if (scope.isOutermost()) m_last = *m_current;
+    return scope.isTaken;
+}
+
+void Application::noResponderFor(const Event& /*event*/) {
+    if (m_dispatch != nullptr) m_dispatch->isTaken = false;
 }
 
 void Application::dispatchQueue() {
@@ -123,7 +138,7 @@ void Application::dispatchQueue() {
 void Application::discard(std::unique_ptr<Anchored> object) {
     if (!object) return;
     m_trash.push_back(std::move(object));
-    if (m_depth > 0) return;  // postEvent() sees to it
+    if (m_dispatch != nullptr) return;  // postEvent() sees to it
     const RunLoop* const loop = RunLoop::current();
     if (loop == nullptr || loop->depth() == 0) {
         emptyTrash();
@@ -141,7 +156,7 @@ void Application::emptyTrashAfter(Nanoseconds time) {
 }
 
 void Application::trashTimerFired() {
-    if (m_depth > 0) return;
+    if (m_dispatch != nullptr) return;
     if (RunLoop::current()->depth() > 1) {  // inside a loop that another timer's action runs
         emptyTrashAfter(kTrashPatience);
     } else {
@@ -157,7 +172,16 @@ void Application::emptyTrash() {
 
 void Application::setKeyWindow(Window* window) {
     m_keyWindow = window;
-    if (window != nullptr && !window->isPanel()) m_mainWindow = window;
+    if (window != nullptr && !window->isPanel()) setMainWindow(window);
+}
+
+void Application::setMainWindow(Window* window) {
+    const WeakPointer<Window> before(m_mainWindow);
+    if (before.get() == window) return;
+    const WeakPointer<Window> now(window);
+    m_mainWindow = window;
+    if (before) before->tellStateDidChange();
+    if (now) now->tellStateDidChange();
 }
 
 void Application::terminate() {

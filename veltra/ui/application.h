@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What there is once in a process with a user interface: the event that is being handled, the
-// windows, and the way that actions take.
+// The application: one object for the whole process. It knows the event that is being handled and
+// the windows that have the keyboard, and finds the receiver of an action.
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
@@ -22,29 +22,34 @@ public:
 
     // Sends the action to the target. Without a target it goes to the first that responds: the key
     // window's responder chain, then that of the main window if it is another, then the delegate.
-    // Answers false when nobody does. Anyone in the chain may be deleted meanwhile.
+    // Returns false when nobody does. Anyone in the chain may be deleted meanwhile.
     bool sendAction(Action action, Anchored* target, Anchored* sender);
 
     // Last in the chain of actions; not retained.
     Anchored* delegate() const noexcept { return m_delegate.get(); }
     void setDelegate(Anchored* delegate) noexcept { m_delegate = delegate; }
 
-    // The event being handled: the last one taken by nextEvent(), also inside a nested call, else
-    // the one that was dispatched. Null outside of any.
+    // The event being handled, else the last one that was handled: a timer that fires while a
+    // button is held finds the press or the last drag. Inside nextEvent() loops, nested ones
+    // included, it is the last event taken. Null before the first event.
     const Event* currentEvent() const noexcept { return m_current; }
+    // Whether an event is being handled right now.
+    bool isHandlingEvent() const noexcept { return m_dispatch != nullptr; }
 
     // Takes the next event of the mask; timers of `mode` go on meanwhile. Other events keep their
-    // order and are dispatched when the handler that asked has returned. Answers a synthetic
+    // order and are dispatched when the handler that asked has returned. Returns a synthetic
     // LeftMouseUp (clickCount 0) when nothing can come any more: the window is hidden, gone or has
     // lost the pointer, or there is no toolkit.
     Event nextEvent(EventMask mask, RunLoopMode mode);
 
-    // Hands over one event: for ports, and for tests. It is dispatched to its window at once, or
-    // kept for whoever waits in nextEvent(). An event whose window is gone is dropped.
-    void postEvent(Event event);
+    // For ports, and for tests: hands over one event. It is sent to its window at once, or kept for
+    // whoever waits in nextEvent(). An event whose window is gone is dropped.
+    // Returns false when the event went up the chain of responders and nobody handled it: a port
+    // then offers it to what is around the window.
+    bool postEvent(Event event);
 
-    // Destroys the object as soon as no event, action or timer is on the stack: what a handler may
-    // do with an object whose member function is still running. Null is passed over.
+    // Destroys the object as soon as no event, action or timer is being handled any more. That way
+    // a handler can get rid of an object whose member function is still running. Null is ignored.
     void discard(std::unique_ptr<Anchored> object);
 
     // The window with the keyboard; null when that is elsewhere.
@@ -55,23 +60,27 @@ public:
     // Ends the toolkit's event loop.
     void terminate();
 
+    void noResponderFor(const Event& event) override;
+
 private:
     friend class Window;
 
     class Dispatch;
 
-    void dispatch(const Event& event);
+    bool dispatch(const Event& event);
     void dispatchQueue();
     void emptyTrash();
     void emptyTrashAfter(Nanoseconds time);
     void trashTimerFired();
     bool waitForEvent();
     void setKeyWindow(Window* window);
+    void setMainWindow(Window* window);
 
     std::deque<Event> m_queue;
-    int m_pulls = 0;  // nested calls of nextEvent()
-    int m_depth = 0;  // nested dispatches
-    Event m_pulled;   // what m_current points to after nextEvent()
+    int m_pulls = 0;                 // nested calls of nextEvent()
+    Dispatch* m_dispatch = nullptr;  // the innermost one
+    Event m_pulled;                  // what m_current points to after nextEvent(),
+    Event m_last;                    // and outside of any dispatch
     const Event* m_current = nullptr;
     std::vector<std::unique_ptr<Anchored>> m_trash;
     std::shared_ptr<RunLoopTimer> m_trashTimer;

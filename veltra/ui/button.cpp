@@ -2,6 +2,7 @@
 #include "veltra/ui/button.h"
 
 #include "veltra/ui/canvas.h"
+#include "veltra/ui/keyed_coder.h"
 
 #include <cmath>
 
@@ -12,6 +13,13 @@ namespace {
 constexpr float kRadius = 5.0F;
 constexpr float kMargin = 12.0F;
 constexpr float kHeight = 24.0F;
+
+constexpr char kOn[] = "CELL_ON";
+
+bool isPressKey(const Event& event) noexcept {
+    const char16_t key = event.plainKey();
+    return key == u' ' || key == kReturnCharacter || key == kEnterCharacter;
+}
 
 // Whichever of black and white is easier to read on it.
 Color inkOn(Color face) {
@@ -42,8 +50,7 @@ void ButtonCell::performClick() {
     if (!isEnabled()) return;
     const WeakPointer<ButtonCell> self(this);
     if (m_kind == Kind::Toggle) setOn(!m_isOn);
-    if (!self) return;
-    if (auto* const control = dynamic_cast<Control*>(controlView())) control->sendAction();
+    if (self) sendAction();
 }
 
 void ButtonCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
@@ -62,7 +69,7 @@ void ButtonCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& 
     }
     canvas.fillPath(Path::roundedRect(face, kRadius), edge);
     canvas.fillPath(Path::roundedRect(face.inset(line, line), kRadius - line), ground);
-    if (view.isFirstResponder()) {
+    if (view.hasKeyboard()) {
         canvas.strokePath(Path::roundedRect(face.inset(1.0F, 1.0F), kRadius - 1.0F),
                           view.systemColor(SystemColor::Accent), 2.0F);
     }
@@ -96,15 +103,27 @@ AccessibilityRole ButtonCell::accessibilityRole() const {
 }
 
 std::string ButtonCell::accessibilityName() const {
-    return m_accessibilityName.empty() ? title() : m_accessibilityName;
-}
-
-bool ButtonCell::accessibilityIsFocused() const {
-    return controlView() != nullptr && controlView()->isFirstResponder();
+    const std::string name = Cell::accessibilityName();
+    return name.empty() ? title() : name;
 }
 
 std::vector<AccessibilityAction> ButtonCell::accessibilityActions() const {
+    if (!isEnabled()) return {};
     return {AccessibilityAction::Press};
+}
+
+bool ButtonCell::wantsKey(const Event& event) const {
+    return isEnabled() && isPressKey(event);
+}
+
+void ButtonCell::encodeWithCoder(KeyedCoder& coder) const {
+    Cell::encodeWithCoder(coder);
+    if (m_kind == Kind::Toggle) coder.encodeBool(m_isOn, kOn);
+}
+
+void ButtonCell::decodeWithCoder(const KeyedCoder& coder) {
+    Cell::decodeWithCoder(coder);
+    if (m_kind == Kind::Toggle) setOn(coder.decodeBool(kOn, m_isOn));
 }
 
 bool ButtonCell::performAccessibilityAction(AccessibilityAction action) {
@@ -117,12 +136,7 @@ Button::Button(const Rect& frame, std::string_view title, ButtonCell::Kind kind)
     : Control(frame, std::make_unique<ButtonCell>(title, kind)) {}
 
 void Button::keyDown(const Event& event) {
-    if (!event.charactersIgnoringModifiers.empty()) {
-        const char16_t key = event.charactersIgnoringModifiers.front();
-        if (key == u' ' || key == kReturnCharacter || key == kEnterCharacter) {
-            return performClick();
-        }
-    }
+    if (isPressKey(event)) return performClick();
     Control::keyDown(event);
 }
 

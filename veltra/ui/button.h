@@ -18,15 +18,12 @@ public:
 
     Kind kind() const noexcept { return m_kind; }
     std::string title() const { return stringValue(); }
-    // What a screen reader says instead of the title; empty: the title.
-    void setAccessibilityName(std::string name) { m_accessibilityName = std::move(name); }
-
     bool isOn() const noexcept { return m_isOn; }
     void setOn(bool isOn);
-    // The face when it is on; the accent colour to begin with.
+    // The face when it is on; at first, and for nothing, the accent colour.
     void setOnColor(std::optional<Color> color);
 
-    // As if it had been clicked: toggles, then the control sends its action. Nothing when disabled.
+    // As if it had been clicked: a toggle changes, then the action is sent. Nothing when disabled.
     void performClick();
 
     void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) override;
@@ -36,10 +33,17 @@ public:
     void stopTracking(Point last, Point stop, View& view, bool mouseIsUp) override;
     bool prefersTrackingUntilMouseUp() const override { return true; }
 
+    // Space, Return and Enter press the button that has the keyboard.
+    bool wantsKey(const Event& event) const override;
+
+    // Whether it is on, too.
+    void encodeWithCoder(KeyedCoder& coder) const override;
+    void decodeWithCoder(const KeyedCoder& coder) override;
+
+    // The name is the one set, else the title.
     AccessibilityRole accessibilityRole() const override;
     std::string accessibilityName() const override;
     bool accessibilityIsChecked() const override { return m_isOn; }
-    bool accessibilityIsFocused() const override;
     std::vector<AccessibilityAction> accessibilityActions() const override;
     bool performAccessibilityAction(AccessibilityAction action) override;
 
@@ -48,7 +52,6 @@ private:
     bool m_isOn = false;
     bool m_isHot = false;  // the press is on it: letting go counts
     std::optional<Color> m_onColor;
-    std::string m_accessibilityName;
 };
 
 // Space and Return press it when it has the keyboard.

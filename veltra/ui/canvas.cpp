@@ -109,8 +109,11 @@ void Canvas::drawImage(const Image& image, const Rect& source, const Rect& desti
     m_port.drawImage(image, inside, place, alpha);
 }
 
-void Canvas::drawText(const StyledText& text, const Rect& rect) {
-    if (!text.isEmpty() && !rect.isEmpty()) m_port.drawText(text, toPort(rect));
+void Canvas::drawText(const StyledText& text, const Rect& rect, TextPlacement placement) {
+    if (text.isEmpty() || rect.isEmpty()) return;
+    Rect place = toPort(rect);
+    if (placement == TextPlacement::Top) place.size.height = text.size().height;
+    m_port.drawText(text, place);
 }
 
 }  // namespace veltra

@@ -107,9 +107,10 @@ public:
     void drawImage(const Image& image, const Rect& source, const Rect& destination,
                    float alpha = 1.0F);
 
-    // In the middle of the rectangle's height, aligned in its width as the text says. Text that is
-    // wider is cut off at the rectangle's sides.
-    void drawText(const StyledText& text, const Rect& rect);
+    // Aligned in the rectangle's width as the text says; in its height in the middle, or with the
+    // top of the line at its upper side. Text that is wider is cut off at the rectangle's sides.
+    void drawText(const StyledText& text, const Rect& rect,
+                  TextPlacement placement = TextPlacement::Center);
 
 private:
     Point toPort(Point point) const noexcept;

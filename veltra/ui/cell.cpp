@@ -4,8 +4,8 @@
 #include "veltra/base/number_text.h"
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/cell_tracking.h"
+#include "veltra/ui/control.h"
 #include "veltra/ui/keyed_coder.h"
-#include "veltra/ui/view.h"
 #include "veltra/ui/window.h"
 
 #include <charconv>
@@ -16,19 +16,62 @@ namespace veltra {
 
 namespace {
 
-constexpr std::string_view kValueKey = "CELL_VALUE";
-constexpr std::string_view kEnabledKey = "CELL_ENABLED";
+constexpr char kValue[] = "CELL_VALUE";
+constexpr char kEnabled[] = "CELL_ENABLED";
+constexpr char kEditable[] = "CELL_EDITABLE";
+constexpr char kBordered[] = "CELL_BORDERED";
+constexpr char kBezeled[] = "CELL_BEZELED";
+constexpr char kFont[] = "CELL_FONT";
+constexpr char kAlignment[] = "CELL_ALIGNMENT";
+constexpr char kSize[] = "CELL_SIZE";
+constexpr double kLargest = std::numeric_limits<double>::max();
 
-// The number at the beginning of a text, 0 without one; independent of the locale.
+bool isDigit(char byte) noexcept {
+    return byte >= '0' && byte <= '9';
+}
+
+// Of a number that no double can hold: whether it is too small rather than too large. Counts the
+// digits before the point, or the zeros behind it, and adds the exponent.
+bool isTiny(std::string_view text) noexcept {
+    const auto digitsAt = [text](std::size_t at, bool onlyZeros) {
+        std::size_t end = at;
+        while (end < text.size() && (onlyZeros ? text[end] == '0' : isDigit(text[end])))
+            ++end;
+        return end;
+    };
+    const std::size_t first = digitsAt(0, true);
+    std::size_t end = digitsAt(first, false);
+    auto magnitude = static_cast<std::int64_t>(end - first);
+    if (end < text.size() && text[end] == '.') {
+        const std::size_t behind = end + 1;
+        if (magnitude == 0) magnitude -= static_cast<std::int64_t>(digitsAt(behind, true) - behind);
+        end = digitsAt(behind, false);
+    }
+    if (end < text.size() && (text[end] == 'e' || text[end] == 'E')) {
+        const bool isNegative = end + 1 < text.size() && text[end + 1] == '-';
+        std::int64_t exponent = 0;
+        const char* const start = text.data() + end + 1 + (text.substr(end + 1, 1) == "+" ? 1 : 0);
+        const auto read = std::from_chars(start, text.data() + text.size(), exponent);
+        if (read.ec == std::errc::result_out_of_range) return isNegative;
+        magnitude += exponent;
+    }
+    return magnitude <= 0;
+}
+
+// The decimal number at the beginning of a text, 0 without one; independent of the locale.
 double leadingNumber(std::string_view text) {
     const std::size_t start = text.find_first_not_of(" \t\n");
     if (start == std::string_view::npos) return 0.0;
     text.remove_prefix(start);
-    if (text.front() == '+') text.remove_prefix(1);
+    const bool isNegative = text.front() == '-';
+    if (isNegative || text.front() == '+') text.remove_prefix(1);
+    const std::size_t point = !text.empty() && text.front() == '.' ? 1 : 0;
+    if (text.size() <= point || !isDigit(text[point])) return 0.0;
     double number = 0.0;
     const auto [end, error] =
         std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::general);
-    return error == std::errc() ? number : 0.0;
+    if (error != std::errc()) number = isTiny(text) ? 0.0 : kLargest;
+    return isNegative ? -number : number;
 }
 
 std::int32_t toInteger(double number) {
@@ -166,14 +209,42 @@ AccessibilityElement* Cell::accessibilityParent() const {
     return controlView();
 }
 
+bool Cell::accessibilityIsFocused() const {
+    const auto* const control = dynamic_cast<const Control*>(controlView());
+    return control != nullptr && control->cell() == this && control->hasKeyboard();
+}
+
+void Cell::sendAction() {
+    if (auto* const control = dynamic_cast<Control*>(controlView())) control->sendAction();
+}
+
 void Cell::encodeWithCoder(KeyedCoder& coder) const {
-    coder.encodeString(stringValue(), kValueKey);
-    coder.encodeBool(m_isEnabled, kEnabledKey);
+    std::visit([&coder](const auto& value) { coder.encodeValue(value, kValue); }, m_value);
+    coder.encodeBool(m_isEnabled, kEnabled);
+    coder.encodeBool(m_isEditable, kEditable);
+    coder.encodeBool(m_isBordered, kBordered);
+    coder.encodeBool(m_isBezeled, kBezeled);
+    coder.encodeFont(m_font, kFont);
+    coder.encodeInt64(static_cast<int>(m_alignment), kAlignment);
+    coder.encodeInt64(static_cast<int>(m_controlSize), kSize);
 }
 
 void Cell::decodeWithCoder(const KeyedCoder& coder) {
-    setStringValue(coder.decodeString(kValueKey, stringValue()));
-    setEnabled(coder.decodeBool(kEnabledKey, m_isEnabled));
+    const PropertyValue value = coder.decodeValue(kValue);
+    if (value.kind() == PropertyValue::Kind::Integer) {
+        setIntValue(toInteger(value.asReal()));
+    } else if (value.kind() == PropertyValue::Kind::Real) {
+        setDoubleValue(value.asReal());
+    } else if (value.kind() == PropertyValue::Kind::String) {
+        setStringValue(value.asString());
+    }
+    setEnabled(coder.decodeBool(kEnabled, m_isEnabled));
+    setEditable(coder.decodeBool(kEditable, m_isEditable));
+    setBordered(coder.decodeBool(kBordered, m_isBordered));
+    setBezeled(coder.decodeBool(kBezeled, m_isBezeled));
+    setFont(coder.decodeFont(kFont, m_font));
+    setAlignment(coder.decodeEnum(kAlignment, m_alignment, TextAlignment::Right));
+    setControlSize(coder.decodeEnum(kSize, m_controlSize, ControlSize::Mini));
 }
 
 }  // namespace veltra

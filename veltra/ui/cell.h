@@ -33,9 +33,9 @@ public:
     Cell& operator=(const Cell&) = delete;
     ~Cell() override;
 
-    // The value, which is one thing in three forms. A text counts as the number that it begins
-    // with, 0 when it begins with none; reals lose their fraction as integers, and what does not
-    // fit is cut to the limits. A number is written in decimal.
+    // The value, which is one thing in three forms. A text counts as the decimal number that it
+    // begins with, 0 when it begins with none; reals lose their fraction as integers, and what does
+    // not fit is cut to the limits of the type. A number is written in decimal.
     std::int32_t intValue() const;
     double doubleValue() const;
     std::string stringValue() const;
@@ -67,18 +67,20 @@ public:
     ControlSize controlSize() const noexcept { return m_controlSize; }
     void setControlSize(ControlSize size);
 
-    // Where the cell was drawn last. The view is null before that and when it is gone.
+    // The view and the frame that the cell was given last. The view is null before that, and when
+    // it has been destroyed.
     View* controlView() const noexcept { return m_controlView.get(); }
     void setControlView(View* view) noexcept;
     const Rect& cellFrame() const noexcept { return m_cellFrame; }
-    // Remembers both, for redraws and accessibility. Call it when the layout has changed.
+    // Gives the cell its frame and view, for redraws and accessibility. Call it when the layout has
+    // changed.
     virtual void calculateInternalsFromCellFrame(const Rect& frame, View& controlView);
     // Asks the control view to draw cellFrame() again.
     void setNeedsDisplay();
 
     // Drawing. drawWithFrame() calculates the internals, then draws the border and the interior;
     // what is outside of the frame is cut off.
-    void drawWithFrame(Canvas& canvas, const Rect& frame, View& view);
+    virtual void drawWithFrame(Canvas& canvas, const Rect& frame, View& view);
     virtual void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view);
     Size cellSize() const;
     virtual Size cellSizeForBounds(const Rect& bounds) const;
@@ -87,7 +89,7 @@ public:
 
     // Whether the cell wants to follow the pointer.
     virtual bool startTracking(Point /*point*/, View& /*view*/) { return false; }
-    // Whether it wants to go on.
+    // Called for each drag. Returns whether the cell wants to go on.
     virtual bool continueTracking(Point /*last*/, Point /*current*/, View& /*view*/) {
         return true;
     }
@@ -95,22 +97,30 @@ public:
     virtual void scrollWheel(const Event& /*event*/) {}
     // Whether tracking goes on until the button is up, also outside of the frame.
     virtual bool prefersTrackingUntilMouseUp() const { return false; }
+    // Where tracking need not go on until the button is up: whether the first drag ends it, or only
+    // a drag that leaves the frame.
+    virtual bool stopsTrackingAtFirstDrag() const { return false; }
     // Where the points of tracking are counted from, in the coordinates of the view.
     virtual Point trackingOrigin(const Rect& /*frame*/) const { return {}; }
 
-    // Follows the pointer from a press on, taking the events from the window itself. Answers
+    // Follows the pointer from a press on, taking the events from the window itself. Returns
     // whether the button went up as the cell had asked for: with `untilMouseUp` always, else inside
     // the frame. False when the cell is disabled, refuses, stops early or is deleted. Where the
     // events come from elsewhere, CellTracking does the same step by step.
     virtual bool trackMouse(const Event& event, const Rect& frame, View& view, bool untilMouseUp);
 
-    // Which events of the pointer send the action; the release to begin with. Answers the mask
-    // before.
+    // Sets which events of the pointer send the action; at first only the release does. Returns the
+    // mask that was set before.
     virtual EventMask sendActionOn(EventMask mask) noexcept;
     EventMask sendActionMask() const noexcept { return m_sendActionMask; }
-    // What the control does after its cell was tracked or pressed; a plain cell has no action.
-    virtual void sendAction() {}
+    // What happens after the cell was tracked or pressed: its control sends its action. Nothing
+    // without a control.
+    virtual void sendAction();
 
+    // Whether a key belongs to this cell before the shortcuts of the host see it. See Responder.
+    virtual bool wantsKey(const Event& /*event*/) const { return false; }
+
+    // Writes and reads the value and the settings above, except for target and action.
     virtual void encodeWithCoder(KeyedCoder& coder) const;
     virtual void decodeWithCoder(const KeyedCoder& coder);
 
@@ -118,6 +128,8 @@ public:
     View* accessibilityView() const override { return controlView(); }
     Rect accessibilityFrame() const override { return m_cellFrame; }
     bool accessibilityIsEnabled() const override { return m_isEnabled; }
+    // Whether it is the cell of a control that has the keyboard.
+    bool accessibilityIsFocused() const override;
 
 private:
     using Value = std::variant<std::string, std::int32_t, double>;

@@ -58,7 +58,8 @@ void CellTracking::drag(Point point) {
     m_isActive = m_cell && m_view;
     if (!m_isActive) return;
     const bool isInside = mouseInRect(point + m_origin, m_frame, m_view->isFlipped());
-    if (goesOn && (m_untilMouseUp || isInside)) return;
+    const bool mayGoOn = m_untilMouseUp || (isInside && !m_cell->stopsTrackingAtFirstDrag());
+    if (goesOn && mayGoOn) return;
     m_isActive = false;
     m_cell->stopTracking(last, point, *m_view.get(), false);
 }

@@ -15,7 +15,7 @@ namespace veltra {
 // Each of its functions may delete it, with the control that it is a part of.
 class VELTRA_EXPORT CellTracking final : public Anchored {
 public:
-    // Asks the cell to begin; a tracking that is under way is cancelled first. Answers false when
+    // Asks the cell to begin; a tracking that is under way is cancelled first. Returns false when
     // the cell is disabled or refuses, or was deleted meanwhile.
     bool press(Cell& cell, View& view, const Rect& frame, bool untilMouseUp, const Event& event);
 

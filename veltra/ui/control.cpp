@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/control.h"
 
+#include "veltra/ui/action_cell.h"
 #include "veltra/ui/application.h"
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/keyed_coder.h"
@@ -11,8 +12,12 @@
 namespace veltra {
 
 namespace {
-constexpr std::string_view kTagKey = "CONTROL_TAG";
-constexpr std::string_view kEnabledKey = "CONTROL_ENABLED";
+constexpr char kTag[] = "CONTROL_TAG";
+constexpr char kEnabled[] = "CONTROL_ENABLED";
+constexpr char kFont[] = "CONTROL_FONT";
+constexpr char kAlignment[] = "CONTROL_ALIGNMENT";
+constexpr char kSize[] = "CONTROL_SIZE";
+constexpr char kCell[] = "CONTROL_CELL";
 }  // namespace
 
 Control::Control(const Rect& frame, std::unique_ptr<Cell> cell) : View(frame) {
@@ -25,6 +30,10 @@ Control::~Control() {
 
 void Control::setCell(std::unique_ptr<Cell> cell) {
     m_tracking.cancel();
+    auto* const newcomer = dynamic_cast<ActionCell*>(cell.get());
+    if (newcomer != nullptr && newcomer->targetAction().isEmpty()) {
+        newcomer->targetAction() = targetAction();
+    }
     std::swap(m_cell, cell);
     Application::current().discard(std::move(cell));
     if (m_cell) m_cell->calculateInternalsFromCellFrame(bounds(), *this);
@@ -35,9 +44,9 @@ void Control::frameDidChange() {
     if (m_cell) m_cell->calculateInternalsFromCellFrame(bounds(), *this);
 }
 
-void Control::setTarget(Anchored* target) {
-    m_target = target;
-    m_hasTarget = target != nullptr;
+TargetAction& Control::targetAction() const {
+    auto* const cell = dynamic_cast<ActionCell*>(m_cell.get());
+    return cell != nullptr ? cell->targetAction() : m_own;
 }
 
 bool Control::sendAction(Action action, Anchored* target) {
@@ -45,8 +54,7 @@ bool Control::sendAction(Action action, Anchored* target) {
 }
 
 bool Control::sendAction() {
-    if (!action() || (m_hasTarget && !m_target)) return false;
-    return sendAction(action(), target());
+    return targetAction().isReady() && sendAction(action(), target());
 }
 
 void Control::setEnabled(bool isEnabled) {
@@ -58,22 +66,23 @@ void Control::setEnabled(bool isEnabled) {
     postAccessibilityNotification(AccessibilityNotification::StateChanged);
 }
 
-void Control::setFont(const Font& font) {
-    m_font = font;
-    if (m_cell) m_cell->setFont(font);
+template <typename T, typename Setter>
+void Control::change(T& member, const T& value, Setter setter) {
+    member = value;
+    if (m_cell) (m_cell.get()->*setter)(value);
     setNeedsDisplay();
+}
+
+void Control::setFont(const Font& font) {
+    change(m_font, font, &Cell::setFont);
 }
 
 void Control::setAlignment(TextAlignment alignment) {
-    m_alignment = alignment;
-    if (m_cell) m_cell->setAlignment(alignment);
-    setNeedsDisplay();
+    change(m_alignment, alignment, &Cell::setAlignment);
 }
 
 void Control::setControlSize(ControlSize size) {
-    m_controlSize = size;
-    if (m_cell) m_cell->setControlSize(size);
-    setNeedsDisplay();
+    change(m_controlSize, size, &Cell::setControlSize);
 }
 
 void Control::setIntValue(std::int32_t value) {
@@ -111,7 +120,10 @@ void Control::mouseUp(const Event& event) {
     if (!self || !m_tracking.hasSucceeded() || !m_cell) return;
     if (!m_cell->sendActionMask().contains(EventType::LeftMouseUp)) return;
     m_cell->sendAction();
-    if (self) sendAction();
+}
+
+bool Control::wantsKey(const Event& event) const {
+    return m_cell && isEnabled() && m_cell->wantsKey(event);
 }
 
 void Control::scrollWheel(const Event& event) {
@@ -128,15 +140,21 @@ void Control::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
 }
 
 void Control::encodeWithCoder(KeyedCoder& coder) const {
-    coder.encodeInt64(m_tag, kTagKey);
-    coder.encodeBool(m_isEnabled, kEnabledKey);
-    if (m_cell) m_cell->encodeWithCoder(coder);
+    coder.encodeInt64(m_tag, kTag);
+    coder.encodeBool(m_isEnabled, kEnabled);
+    coder.encodeFont(m_font, kFont);
+    coder.encodeInt64(static_cast<int>(m_alignment), kAlignment);
+    coder.encodeInt64(static_cast<int>(m_controlSize), kSize);
+    if (m_cell) coder.encodeObject(*m_cell, kCell);
 }
 
 void Control::decodeWithCoder(const KeyedCoder& coder) {
-    m_tag = static_cast<std::int32_t>(coder.decodeInt64(kTagKey, m_tag));
-    setEnabled(coder.decodeBool(kEnabledKey, m_isEnabled));
-    if (m_cell) m_cell->decodeWithCoder(coder);
+    m_tag = static_cast<std::int32_t>(coder.decodeInt64(kTag, m_tag));
+    setEnabled(coder.decodeBool(kEnabled, m_isEnabled));
+    setFont(coder.decodeFont(kFont, m_font));
+    setAlignment(coder.decodeEnum(kAlignment, m_alignment, TextAlignment::Right));
+    setControlSize(coder.decodeEnum(kSize, m_controlSize, ControlSize::Mini));
+    if (m_cell) coder.decodeObject(*m_cell, kCell);
 }
 
 std::vector<AccessibilityElement*> Control::accessibilityChildren() const {

@@ -4,9 +4,9 @@
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
-#include "veltra/base/action.h"
 #include "veltra/ui/cell.h"
 #include "veltra/ui/cell_tracking.h"
+#include "veltra/ui/target_action.h"
 #include "veltra/ui/view.h"
 
 #include <memory>
@@ -21,24 +21,26 @@ public:
     ~Control() override;
 
     Cell* cell() const noexcept { return m_cell.get(); }
-    // The cell before is destroyed as soon as no event or timer is being handled any more.
+    // The cell before is destroyed as soon as no event or timer is being handled any more. An
+    // ActionCell without a target and an action of its own takes over those of the control.
     void setCell(std::unique_ptr<Cell> cell);
 
-    // Not retained. Null: whoever responds in the key window.
-    virtual Anchored* target() const { return m_target.get(); }
-    virtual void setTarget(Anchored* target);
-    virtual Action action() const { return m_action; }
-    virtual void setAction(Action action) { m_action = action; }
+    // Those of the cell when it is an ActionCell, else the control's own: there is one of each. The
+    // target is not retained; null: whoever responds in the key window.
+    virtual Anchored* target() const { return targetAction().target(); }
+    virtual void setTarget(Anchored* target) { targetAction().setTarget(target); }
+    virtual Action action() const { return targetAction().action(); }
+    virtual void setAction(Action action) { targetAction().setAction(action); }
     std::int32_t tag() const noexcept { return m_tag; }
     void setTag(std::int32_t tag) noexcept { m_tag = tag; }
 
-    // Sends an action with this control as sender. Answers false when nobody responds. May delete
+    // Sends an action with this control as sender. Returns false when nobody responds. May delete
     // the control.
     virtual bool sendAction(Action action, Anchored* target);
     // Its own action to its own target; nothing when there is no action or the target is gone.
     bool sendAction();
 
-    // Those of the cell, and of what a subclass has instead.
+    // Setting one of these sets it for the cell, too. A subclass with other cells overrides them.
     virtual bool isEnabled() const { return m_isEnabled; }
     virtual void setEnabled(bool isEnabled);
     const Font& font() const noexcept { return m_font; }
@@ -58,6 +60,9 @@ public:
     // Gives the control the size of its cell.
     void sizeToFit();
 
+    // Asks the cell.
+    bool wantsKey(const Event& event) const override;
+
     // The cell takes the press when it wants to; a control that is disabled swallows it. What
     // follows is sent on as CellTracking says; the action goes out with the release that the cell
     // had asked for.
@@ -69,6 +74,8 @@ public:
 
     void drawRect(Canvas& canvas, const Rect& dirty) override;
 
+    // The tag, whether it is enabled, font, alignment and size; and the cell as an object of its
+    // own.
     virtual void encodeWithCoder(KeyedCoder& coder) const;
     virtual void decodeWithCoder(const KeyedCoder& coder);
 
@@ -81,11 +88,13 @@ protected:
     void frameDidChange() override;
 
 private:
+    TargetAction& targetAction() const;
+    template <typename T, typename Setter>
+    void change(T& member, const T& value, Setter setter);
+
     std::unique_ptr<Cell> m_cell;
     CellTracking m_tracking;
-    WeakPointer<Anchored> m_target;
-    bool m_hasTarget = false;  // also when it is gone
-    Action m_action;
+    mutable TargetAction m_own;  // used without an ActionCell
     std::int32_t m_tag = 0;
     Font m_font = Font::systemFont(13.0F);
     TextAlignment m_alignment = TextAlignment::Left;

@@ -55,6 +55,9 @@ inline constexpr char16_t kPageUpCharacter = 0xF72C;
 inline constexpr char16_t kPageDownCharacter = 0xF72D;
 inline constexpr char16_t kHelpCharacter = 0xF746;
 
+// The course of a gesture on a pad or a fine wheel. A plain wheel has none.
+enum class ScrollPhase : std::uint8_t { None, Began, Changed, Ended, Momentum };
+
 struct Event {
     EventType type = EventType::MouseMoved;
     ModifierFlags modifierFlags;
@@ -69,11 +72,20 @@ struct Event {
     // follow.
     std::int32_t eventNumber = 0;
 
-    // Drags: movement since the event before, in points, positive to the right and downwards on
-    // screen. Wheel: notches, positive away from the user and to the left; fractions for fine
-    // wheels and pads.
+    // Presses: the window was not the active one before this press.
+    bool isFirstMouse = false;
+
+    // Drags: movement of the pointer since the event before, in the window's coordinates: the place
+    // minus the movement is where the pointer was. View::locationOf() and View::movementOf() have
+    // both in the coordinates of a view.
+    // Wheel: notches, positive away from the user and to the left, in every view; fractions for
+    // fine wheels and pads.
     float deltaX = 0.0F;
     float deltaY = 0.0F;
+
+    // Wheel: the deltas are fine ones that add up, as of a pad; a gesture is in the given phase.
+    bool hasPreciseScrollingDeltas = false;
+    ScrollPhase scrollPhase = ScrollPhase::None;
 
     // Keys. Empty where the key makes no text, as a dead key does.
     std::u16string characters;
@@ -82,6 +94,14 @@ struct Event {
     bool isRepeat = false;
 
     WeakPointer<Window> window;  // null when it is gone
+
+    // The first key character of a key that is pressed without Control, Alternate or Command, as
+    // controls use it; 0 for any other.
+    char16_t plainKey() const noexcept {
+        constexpr ModifierFlags kOthers = kControlKeyMask | kAlternateKeyMask | kCommandKeyMask;
+        if ((modifierFlags & kOthers) != 0 || charactersIgnoringModifiers.empty()) return u'\0';
+        return charactersIgnoringModifiers.front();
+    }
 };
 
 }  // namespace veltra

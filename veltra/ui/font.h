@@ -25,9 +25,12 @@ struct VELTRA_EXPORT Font {
     // What users read their own text in. Here the system's font too.
     static Font userFont(float size) { return systemFont(size); }
 
-    // Nothing when no family of that name is installed or `size` is not above 0.
+    // Nothing when no family of that name is installed or `size` is not above 0. An empty name is
+    // the system's font. To change the size alone, withSize() keeps all else.
     // Thread: main. Realtime-safe: no.
-    static std::optional<Font> fontWithName(const std::string& name, float size);
+    static std::optional<Font> fontWithName(const std::string& name, float size,
+                                            FontWeight weight = FontWeight::Regular,
+                                            bool hasEqualDigits = false);
 
     Font withSize(float newSize) const { return {name, newSize, weight, hasEqualDigits}; }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Points, sizes and rectangles of views, in logical points (a point is one pixel at scale 1).
+// Points, sizes and rectangles, in logical points: one pixel at scale 1, two pixels at scale 2.
 //
 // Thread: any. Realtime-safe: yes.
 #pragma once

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A picture that does not change, kept in the form in which the port draws it fastest.
+// A picture that does not change, kept in the form in which the port draws it fastest. findImage()
+// in image_registry.h finds one by its name.
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
@@ -31,7 +32,7 @@ public:
     // The pixel as 0xAARRGGBB with straight alpha, counted from the upper left corner; 0 outside.
     virtual std::uint32_t pixelAt(std::int32_t x, std::int32_t y) const noexcept = 0;
 
-    // Writes the image as a PNG file. Answers false when that is not possible.
+    // Writes the image as a PNG file. Returns false when that is not possible.
     virtual bool writePng(const std::string& path) const = 0;
 
     // Reads a picture of any format that the port knows; `scale` are its pixels a point. Null when

@@ -5,6 +5,14 @@
 
 namespace veltra {
 
+namespace {
+constexpr char kName[] = "NAME";
+constexpr char kSize[] = "SIZE";
+constexpr char kWeight[] = "WEIGHT";
+constexpr char kEqualDigits[] = "EQUAL_DIGITS";
+constexpr float kLargestFont = 10000.0F;  // points
+}  // namespace
+
 void KeyedCoder::encodeColor(std::optional<Color> color, std::string_view key) {
     if (!color) return put(key, {});
     put(key, PropertyValue::Array{color->red, color->green, color->blue, color->alpha});
@@ -12,6 +20,29 @@ void KeyedCoder::encodeColor(std::optional<Color> color, std::string_view key) {
 
 void KeyedCoder::encodeRect(const Rect& rect, std::string_view key) {
     put(key, PropertyValue::Array{rect.minX(), rect.minY(), rect.size.width, rect.size.height});
+}
+
+void KeyedCoder::encodeFont(const Font& font, std::string_view key) {
+    put(key, PropertyValue::Dictionary{{kName, font.name},
+                                       {kSize, font.size},
+                                       {kWeight, static_cast<int>(font.weight)},
+                                       {kEqualDigits, font.hasEqualDigits}});
+}
+
+Font KeyedCoder::decodeFont(std::string_view key, const Font& fallback) const {
+    const KeyedCoder inner(decodeValue(key));
+    Font font;
+    font.name = inner.decodeString(kName, fallback.name);
+    font.size = static_cast<float>(inner.decodeDouble(kSize, fallback.size));
+    if (!(font.size > 0.0F && font.size <= kLargestFont)) font.size = fallback.size;
+    font.weight = inner.decodeEnum(kWeight, fallback.weight, FontWeight::Bold);
+    font.hasEqualDigits = inner.decodeBool(kEqualDigits, fallback.hasEqualDigits);
+    return font;
+}
+
+PropertyValue KeyedCoder::decodeValue(std::string_view key) const {
+    const PropertyValue* const value = find(key);
+    return value != nullptr ? *value : PropertyValue();
 }
 
 const PropertyValue* KeyedCoder::find(std::string_view key) const {

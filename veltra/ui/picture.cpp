@@ -2,27 +2,12 @@
 #include "veltra/ui/picture.h"
 
 #include "veltra/ui/canvas.h"
-#include "veltra/ui/port.h"
+#include "veltra/ui/detail/offscreen_window.h"
 
 namespace veltra {
 
-class PictureWindow::Surface final : public WindowPort {
-public:
-    explicit Surface(float scale) noexcept : m_scale(scale > 0.0F ? scale : 1.0F) {}
-
-    void invalidate(const Rect& /*surfaceRect*/) override {}
-    void displayIfNeeded() override {}
-    void takeKeyboard() override {}
-    bool passKeyboard(bool /*forward*/) override { return false; }
-    void setCursor(Cursor /*cursor*/) override {}
-    float scale() const override { return m_scale; }
-
-private:
-    const float m_scale;
-};
-
 PictureWindow::PictureWindow(Size size, float scale, Appearance appearance)
-    : m_surface(std::make_unique<Surface>(scale)),
+    : m_surface(std::make_unique<OffscreenWindow>(scale)),
       m_window(std::make_unique<Window>(*m_surface, size)) {
     m_window->setAppearance(appearance);
 }

@@ -27,13 +27,11 @@ public:
 
     Window& window() noexcept { return *m_window; }
 
-    // All of the window as it is at present. Null where Image::drawn() answers null.
+    // All of the window as it is at present. Null where Image::drawn() returns null.
     std::shared_ptr<const Image> draw();
 
 private:
-    class Surface;
-
-    const std::unique_ptr<Surface> m_surface;
+    const std::unique_ptr<WindowPort> m_surface;
     const std::unique_ptr<Window> m_window;  // after the surface: goes first
 };
 

@@ -3,6 +3,7 @@
 
 #include "veltra/base/immortal.h"
 #include "veltra/base/installable_source.h"
+#include "veltra/ui/detail/offscreen_window.h"
 
 namespace veltra {
 
@@ -13,7 +14,7 @@ class NoScreen final : public UiPort {
 public:
     std::unique_ptr<WindowPort> makeWindow(Window& /*window*/, const Rect& /*contentRect*/,
                                            const WindowStyle& /*style*/) override {
-        return std::make_unique<NoWindow>();
+        return std::make_unique<OffscreenWindow>();
     }
     bool waitForEvent() override { return false; }
     void terminate() override {}
@@ -45,16 +46,6 @@ private:
     // Parts of the font's size, about right for the fonts of most systems.
     static constexpr float kWidthOfLetter = 0.55F;
     static constexpr float kHeightOfLine = 1.2F;
-
-    class NoWindow final : public WindowPort {
-    public:
-        void invalidate(const Rect& /*surfaceRect*/) override {}
-        void displayIfNeeded() override {}
-        void takeKeyboard() override {}
-        bool passKeyboard(bool /*forward*/) override { return false; }
-        void setCursor(Cursor /*cursor*/) override {}
-        float scale() const override { return 1.0F; }
-    };
 };
 
 UiPort& noScreen() noexcept {

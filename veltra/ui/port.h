@@ -40,13 +40,13 @@ public:
     WindowPort& operator=(const WindowPort&) = delete;
     virtual ~WindowPort();
 
-    // Has Window::display() called soon with this part of the surface, among others.
+    // Makes sure that Window::display() is called soon with this part of the surface.
     virtual void invalidate(const Rect& surfaceRect) = 0;
     // Draws what is invalid before it returns, if the window is on screen.
     virtual void displayIfNeeded() = 0;
 
     // Takes the keyboard, or gives it up to what comes before or after in the focus order of the
-    // toolkit's window around. Giving up answers false when there is nothing else.
+    // toolkit's window around. Giving it up returns false when there is nothing else.
     virtual void takeKeyboard() = 0;
     virtual bool passKeyboard(bool forward) = 0;
 
@@ -56,10 +56,16 @@ public:
     // Of no effect where the surface is a part of something else.
     virtual void setTitle(const std::string& /*title*/) {}
     virtual void setFrame(const Rect& /*onScreen*/, bool /*animate*/) {}  // of the surface
+    // Of the surface, from the next change of its size on; never resizes it at once.
     virtual void setSizeLimits(Size /*minimum*/, Size /*maximum*/) {}
     virtual void setVisible(bool /*isVisible*/) {}
     virtual void orderFront(bool /*takesKeyboard*/) {}
     virtual void miniaturize() {}
+    // Lets the user move the window with the button that is down. Returns false where that is not
+    // possible.
+    virtual bool startMove() { return false; }
+    // See Window::lockPointer(). The pointer is out of sight meanwhile.
+    virtual bool lockPointer(bool /*isLocked*/) { return false; }
 };
 
 class UiPort;
@@ -75,7 +81,7 @@ public:
                                                    const WindowStyle& style) = 0;
 
     // Lets the toolkit's events and the timers of `RunLoop::current()` go on until at least one
-    // event was handed to Application::postEvent(). Answers false when there is nothing to wait
+    // event was handed to Application::postEvent(). Returns false when there is nothing to wait
     // for.
     virtual bool waitForEvent() = 0;
     // An event was handed over, by whomever, while somebody waits: waitForEvent() is to return.

@@ -1,50 +1,54 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/responder.h"
 
+#include <array>
+
 namespace veltra {
 
 namespace {
 
-void pass(const Responder& from, void (Responder::*handler)(const Event&), const Event& event) {
-    if (Responder* const next = from.nextResponder()) (next->*handler)(event);
+struct Row {
+    EventType type;
+    Responder::Handler handler;
+};
+
+constexpr std::array<Row, 12> kHandlers{{
+    {EventType::LeftMouseDown, &Responder::mouseDown},
+    {EventType::LeftMouseUp, &Responder::mouseUp},
+    {EventType::LeftMouseDragged, &Responder::mouseDragged},
+    {EventType::RightMouseDown, &Responder::rightMouseDown},
+    {EventType::RightMouseUp, &Responder::rightMouseUp},
+    {EventType::RightMouseDragged, &Responder::rightMouseDragged},
+    {EventType::MouseMoved, &Responder::mouseMoved},
+    {EventType::MouseExited, &Responder::mouseExited},
+    {EventType::ScrollWheel, &Responder::scrollWheel},
+    {EventType::KeyDown, &Responder::keyDown},
+    {EventType::KeyUp, &Responder::keyUp},
+    {EventType::FlagsChanged, &Responder::flagsChanged},
+}};
+
+constexpr bool isInOrder() {
+    for (std::size_t i = 0; i < kHandlers.size(); ++i) {
+        if (static_cast<std::size_t>(kHandlers[i].type) != i) return false;
+    }
+    return true;
 }
+static_assert(isInOrder());
 
 }  // namespace
 
 Responder::~Responder() = default;
 
-void Responder::mouseDown(const Event& event) {
-    pass(*this, &Responder::mouseDown, event);
+Responder::Handler Responder::handlerFor(EventType type) noexcept {
+    return kHandlers[static_cast<std::size_t>(type)].handler;
 }
-void Responder::mouseDragged(const Event& event) {
-    pass(*this, &Responder::mouseDragged, event);
-}
-void Responder::mouseUp(const Event& event) {
-    pass(*this, &Responder::mouseUp, event);
-}
-void Responder::rightMouseDown(const Event& event) {
-    pass(*this, &Responder::rightMouseDown, event);
-}
-void Responder::rightMouseDragged(const Event& event) {
-    pass(*this, &Responder::rightMouseDragged, event);
-}
-void Responder::rightMouseUp(const Event& event) {
-    pass(*this, &Responder::rightMouseUp, event);
-}
-void Responder::mouseMoved(const Event& event) {
-    pass(*this, &Responder::mouseMoved, event);
-}
-void Responder::scrollWheel(const Event& event) {
-    pass(*this, &Responder::scrollWheel, event);
-}
-void Responder::keyDown(const Event& event) {
-    pass(*this, &Responder::keyDown, event);
-}
-void Responder::keyUp(const Event& event) {
-    pass(*this, &Responder::keyUp, event);
-}
-void Responder::flagsChanged(const Event& event) {
-    pass(*this, &Responder::flagsChanged, event);
+
+void Responder::pass(Handler handler, const Event& event) {
+    if (Responder* const next = nextResponder()) {
+        (next->*handler)(event);
+    } else {
+        noResponderFor(event);
+    }
 }
 
 bool Responder::tryToPerform(Action action, Anchored* sender) {

@@ -15,6 +15,8 @@ namespace veltra {
 // Every event handler may delete the responder it is called on.
 class VELTRA_EXPORT Responder : public AccessibilityElement {
 public:
+    using Handler = void (Responder::*)(const Event&);
+
     Responder() noexcept = default;
     Responder(const Responder&) = delete;
     Responder& operator=(const Responder&) = delete;
@@ -25,31 +27,47 @@ public:
     virtual Responder* nextResponder() const { return nullptr; }
 
     // What arrives here and is not overridden goes to the next responder.
-    virtual void mouseDown(const Event& event);
-    virtual void mouseDragged(const Event& event);
-    virtual void mouseUp(const Event& event);
-    virtual void rightMouseDown(const Event& event);
-    virtual void rightMouseDragged(const Event& event);
-    virtual void rightMouseUp(const Event& event);
-    virtual void mouseMoved(const Event& event);
-    virtual void scrollWheel(const Event& event);
-    virtual void keyDown(const Event& event);
-    virtual void keyUp(const Event& event);
-    virtual void flagsChanged(const Event& event);
+    virtual void mouseDown(const Event& event) { pass(&Responder::mouseDown, event); }
+    virtual void mouseDragged(const Event& event) { pass(&Responder::mouseDragged, event); }
+    virtual void mouseUp(const Event& event) { pass(&Responder::mouseUp, event); }
+    virtual void rightMouseDown(const Event& event) { pass(&Responder::rightMouseDown, event); }
+    virtual void rightMouseDragged(const Event& event) {
+        pass(&Responder::rightMouseDragged, event);
+    }
+    virtual void rightMouseUp(const Event& event) { pass(&Responder::rightMouseUp, event); }
+    virtual void mouseMoved(const Event& event) { pass(&Responder::mouseMoved, event); }
+    virtual void scrollWheel(const Event& event) { pass(&Responder::scrollWheel, event); }
+    virtual void keyDown(const Event& event) { pass(&Responder::keyDown, event); }
+    virtual void keyUp(const Event& event) { pass(&Responder::keyUp, event); }
+    virtual void flagsChanged(const Event& event) { pass(&Responder::flagsChanged, event); }
 
     // The pointer has come onto, or has left, this responder; these are not passed on.
     virtual void mouseEntered(const Event& /*event*/) {}
     virtual void mouseExited(const Event& /*event*/) {}
 
+    // Called on the last responder of the chain when nobody has handled the event.
+    virtual void noResponderFor(const Event& /*event*/) {}
+
+    // The handler for a type of events.
+    static Handler handlerFor(EventType type) noexcept;
+
     // Whether keys may go here first.
     virtual bool acceptsFirstResponder() const { return false; }
-    // Asked when the change is about to happen; false prevents it.
+    // Asked just before the change happens; returning false prevents it.
     virtual bool becomeFirstResponder() { return true; }
     virtual bool resignFirstResponder() { return true; }
 
-    // Sends the action to this responder or the nearest one up the chain that responds. Answers
+    // Whether a key (a KeyDown event) belongs to this responder before the shortcuts of the host
+    // see it. Asked of the first responder only. A view that edits says true for the keys that it
+    // edits with: digits, Delete, arrows, Return, Escape, Space where it means something.
+    virtual bool wantsKey(const Event& /*event*/) const { return false; }
+
+    // Sends the action to this responder or the nearest one up the chain that responds. Returns
     // false when none does.
     bool tryToPerform(Action action, Anchored* sender);
+
+private:
+    void pass(Handler handler, const Event& event);
 };
 
 }  // namespace veltra

@@ -2,6 +2,7 @@
 #include "veltra/ui/slider_cell.h"
 
 #include "veltra/ui/canvas.h"
+#include "veltra/ui/keyed_coder.h"
 #include "veltra/ui/view.h"
 
 #include <algorithm>
@@ -13,6 +14,25 @@ namespace {
 constexpr float kKnob = 14.0F;
 constexpr float kTrack = 4.0F;
 constexpr float kTick = 4.0F;
+constexpr double kPartOfANotch = 0.01;  // of the range
+constexpr double kStepsOfAPage = 10.0;
+
+constexpr char kMinimum[] = "SLIDER_MINIMUM";
+constexpr char kMaximum[] = "SLIDER_MAXIMUM";
+constexpr char kTickMarks[] = "SLIDER_TICK_MARKS";
+constexpr char kTickMarksOnly[] = "SLIDER_TICK_MARKS_ONLY";
+constexpr char kStep[] = "SLIDER_STEP";
+constexpr char kVertical[] = "SLIDER_VERTICAL";
+
+// What the middle of the knob can reach.
+Rect grooveOf(const Rect& track, float knob, bool isVertical) {
+    const float half = knob * 0.5F;
+    return isVertical ? Rect{{track.center().x - kTrack * 0.5F, track.minY() + half},
+                             {kTrack, track.size.height - knob}}
+                      : Rect{{track.minX() + half, track.center().y - kTrack * 0.5F},
+                             {track.size.width - knob, kTrack}};
+}
+
 }  // namespace
 
 SliderCell::SliderCell() {
@@ -21,20 +41,32 @@ SliderCell::SliderCell() {
 }
 
 void SliderCell::setMinValue(double value) {
+    if (std::isnan(value)) return;
     m_minValue = value;
     m_maxValue = std::max(m_maxValue, value);
-    setDoubleValue(doubleValue());
+    keepInLimits();
 }
 
 void SliderCell::setMaxValue(double value) {
+    if (std::isnan(value)) return;
     m_maxValue = std::max(value, m_minValue);
-    setDoubleValue(doubleValue());
+    keepInLimits();
+}
+
+double SliderCell::limited(double value) const {
+    const double inside =
+        std::isnan(value) ? m_minValue : std::clamp(value, m_minValue, m_maxValue);
+    return m_allowsTickMarkValuesOnly ? closestTickMarkValueToValue(inside) : inside;
+}
+
+// Not through setDoubleValue(): what a subclass does to a new value is not meant for an old one.
+void SliderCell::keepInLimits() {
+    ActionCell::setDoubleValue(limited(doubleValue()));
+    setNeedsDisplay();
 }
 
 void SliderCell::setDoubleValue(double value) {
-    double inside = std::isnan(value) ? m_minValue : std::clamp(value, m_minValue, m_maxValue);
-    if (m_allowsTickMarkValuesOnly) inside = closestTickMarkValueToValue(inside);
-    ActionCell::setDoubleValue(inside);
+    ActionCell::setDoubleValue(limited(value));
 }
 
 void SliderCell::setStringValue(std::string_view value) {
@@ -43,13 +75,12 @@ void SliderCell::setStringValue(std::string_view value) {
 
 void SliderCell::setNumberOfTickMarks(std::int32_t count) {
     m_numberOfTickMarks = std::max(count, 0);
-    setDoubleValue(doubleValue());
-    setNeedsDisplay();
+    keepInLimits();
 }
 
 void SliderCell::setAllowsTickMarkValuesOnly(bool only) {
     m_allowsTickMarkValuesOnly = only;
-    setDoubleValue(doubleValue());
+    keepInLimits();
 }
 
 double SliderCell::tickMarkValueAtIndex(std::int32_t index) const {
@@ -96,31 +127,45 @@ Rect SliderCell::knobRectFlipped(bool isFlipped) const {
     return {{x, track.center().y - thickness * 0.5F}, {thickness, thickness}};
 }
 
-void SliderCell::drawInteriorWithFrame(Canvas& canvas, const Rect& /*frame*/, View& view) {
-    const Rect track = trackRect();
-    const float half = knobThickness() * 0.5F;
-    const bool vertical = isVertical();
-    const Rect groove = vertical ? Rect{{track.center().x - kTrack * 0.5F, track.minY() + half},
-                                        {kTrack, track.size.height - 2.0F * half}}
-                                 : Rect{{track.minX() + half, track.center().y - kTrack * 0.5F},
-                                        {track.size.width - 2.0F * half, kTrack}};
+Rect SliderCell::rectOfTickMarkAtIndex(std::int32_t index, bool isFlipped) const {
+    if (index < 0 || index >= m_numberOfTickMarks) return {};
+    const double range = m_maxValue - m_minValue;
+    const double value = tickMarkValueAtIndex(index) - m_minValue;
+    float part = range > 0.0 ? static_cast<float>(value / range) : 0.0F;
+    if (isVertical() && isFlipped) part = 1.0F - part;
+    const Rect groove = grooveOf(trackRect(), knobThickness(), isVertical());
+    return isVertical() ? Rect{{groove.maxX() + kTick, groove.minY() + part * groove.size.height},
+                               {kTick, 1.0F}}
+                        : Rect{{groove.minX() + part * groove.size.width, groove.maxY() + kTick},
+                               {1.0F, kTick}};
+}
+
+void SliderCell::drawBar(Canvas& canvas, const Rect& track, View& view) {
+    const Rect groove = grooveOf(track, knobThickness(), isVertical());
     canvas.fillPath(Path::roundedRect(groove, kTrack * 0.5F), view.systemColor(SystemColor::Grid));
+}
+
+void SliderCell::drawTickMarks(Canvas& canvas, View& view) {
     for (std::int32_t i = 0; i < m_numberOfTickMarks; ++i) {
-        const double range = m_maxValue - m_minValue;
-        float part =
-            range > 0.0 ? static_cast<float>((tickMarkValueAtIndex(i) - m_minValue) / range) : 0.0F;
-        if (vertical && view.isFlipped()) part = 1.0F - part;
-        const Rect mark =
-            vertical ? Rect{{groove.maxX() + kTick, groove.minY() + part * groove.size.height},
-                            {kTick, 1.0F}}
-                     : Rect{{groove.minX() + part * groove.size.width, groove.maxY() + kTick},
-                            {1.0F, kTick}};
-        canvas.fillRect(canvas.alignedToDevice(mark),
+        canvas.fillRect(canvas.alignedToDevice(rectOfTickMarkAtIndex(i, view.isFlipped())),
                         view.systemColor(SystemColor::SecondaryLabel));
     }
-    const Path knob = Path::ellipse(knobRectFlipped(view.isFlipped()).inset(0.5F, 0.5F));
-    canvas.fillPath(knob, view.systemColor(isEnabled() ? SystemColor::Accent : SystemColor::Grid));
-    canvas.strokePath(knob, view.systemColor(SystemColor::ControlBackground), 1.0F);
+}
+
+void SliderCell::drawKnob(Canvas& canvas, const Rect& knob, View& view) {
+    const Path path = Path::ellipse(knob.inset(0.5F, 0.5F));
+    const bool isLive = isEnabled();
+    canvas.fillPath(path, view.systemColor(isLive ? SystemColor::Accent : SystemColor::Grid));
+    canvas.strokePath(path, view.systemColor(SystemColor::ControlBackground), 1.0F);
+    if (!accessibilityIsFocused()) return;
+    canvas.strokePath(Path::ellipse(knob.inset(-1.5F, -1.5F)),
+                      view.systemColor(SystemColor::Accent), 1.5F);
+}
+
+void SliderCell::drawInteriorWithFrame(Canvas& canvas, const Rect& /*frame*/, View& view) {
+    drawBar(canvas, trackRect(), view);
+    drawTickMarks(canvas, view);
+    drawKnob(canvas, knobRectFlipped(view.isFlipped()), view);
 }
 
 bool SliderCell::startTracking(Point point, View& view) {
@@ -159,6 +204,87 @@ double SliderCell::step() const {
     return (m_maxValue - m_minValue) / parts;
 }
 
+void SliderCell::changeAndSend(double value) {
+    const double before = doubleValue();
+    const WeakPointer<SliderCell> self(this);
+    setDoubleValue(value);
+    if (self && doubleValue() != before) sendAction();
+}
+
+void SliderCell::scrollWheel(const Event& event) {
+    if (!isEnabled()) return;
+    const double notches = event.deltaY != 0.0F ? event.deltaY : -event.deltaX;
+    const double range = m_maxValue - m_minValue;
+    if (!m_allowsTickMarkValuesOnly || m_numberOfTickMarks < 2) {
+        return changeAndSend(doubleValue() + notches * range * kPartOfANotch);
+    }
+    m_wheeled += notches;  // fine wheels turn less than a notch at a time
+    const double marks = std::trunc(m_wheeled);
+    m_wheeled -= marks;
+    changeAndSend(doubleValue() + marks * range / (m_numberOfTickMarks - 1));
+}
+
+bool SliderCell::performKey(const Event& event) {
+    if (!wantsKey(event)) return false;
+    const double page = kStepsOfAPage * step();
+    double value = doubleValue();
+    switch (event.plainKey()) {
+        case kHomeCharacter:
+            value = m_minValue;
+            break;
+        case kEndCharacter:
+            value = m_maxValue;
+            break;
+        case kPageUpCharacter:
+            value += page;
+            break;
+        case kPageDownCharacter:
+            value -= page;
+            break;
+        case kUpArrowCharacter:
+        case kRightArrowCharacter:
+            value += step();
+            break;
+        default:
+            value -= step();
+            break;
+    }
+    changeAndSend(value);
+    return true;
+}
+
+bool SliderCell::wantsKey(const Event& event) const {
+    constexpr char16_t kKeys[] = {kUpArrowCharacter,    kDownArrowCharacter, kLeftArrowCharacter,
+                                  kRightArrowCharacter, kPageUpCharacter,    kPageDownCharacter,
+                                  kHomeCharacter,       kEndCharacter};
+    return isEnabled() &&
+           std::find(std::begin(kKeys), std::end(kKeys), event.plainKey()) != std::end(kKeys);
+}
+
+void SliderCell::encodeWithCoder(KeyedCoder& coder) const {
+    ActionCell::encodeWithCoder(coder);
+    coder.encodeDouble(m_minValue, kMinimum);
+    coder.encodeDouble(m_maxValue, kMaximum);
+    coder.encodeInt64(m_numberOfTickMarks, kTickMarks);
+    coder.encodeBool(m_allowsTickMarkValuesOnly, kTickMarksOnly);
+    coder.encodeDouble(m_altIncrementValue, kStep);
+    if (m_isVertical) coder.encodeBool(*m_isVertical, kVertical);
+}
+
+// The limits before the value, which they would cut otherwise.
+void SliderCell::decodeWithCoder(const KeyedCoder& coder) {
+    const double minimum = coder.decodeDouble(kMinimum, m_minValue);
+    const double maximum = coder.decodeDouble(kMaximum, m_maxValue);
+    setMinValue(minimum);
+    setMaxValue(maximum);
+    const std::int64_t count = coder.decodeInt64(kTickMarks, m_numberOfTickMarks);
+    setNumberOfTickMarks(static_cast<std::int32_t>(std::clamp<std::int64_t>(count, 0, INT32_MAX)));
+    setAllowsTickMarkValuesOnly(coder.decodeBool(kTickMarksOnly, m_allowsTickMarkValuesOnly));
+    setAltIncrementValue(coder.decodeDouble(kStep, m_altIncrementValue));
+    if (coder.contains(kVertical)) setVertical(coder.decodeBool(kVertical));
+    ActionCell::decodeWithCoder(coder);
+}
+
 AccessibilityOrientation SliderCell::accessibilityOrientation() const {
     return isVertical() ? AccessibilityOrientation::Vertical : AccessibilityOrientation::Horizontal;
 }
@@ -175,13 +301,14 @@ bool SliderCell::setAccessibilityNumber(double value) {
 }
 
 std::vector<AccessibilityAction> SliderCell::accessibilityActions() const {
+    if (!isEnabled()) return {};
     return {AccessibilityAction::Increment, AccessibilityAction::Decrement};
 }
 
 bool SliderCell::performAccessibilityAction(AccessibilityAction action) {
     if (action == AccessibilityAction::Press) return false;
-    const double change = action == AccessibilityAction::Increment ? step() : -step();
-    return setAccessibilityNumber(doubleValue() + change);
+    const double way = action == AccessibilityAction::Increment ? step() : -step();
+    return setAccessibilityNumber(doubleValue() + way);
 }
 
 }  // namespace veltra

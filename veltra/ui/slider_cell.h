@@ -14,11 +14,12 @@ public:
 
     double minValue() const noexcept { return m_minValue; }
     double maxValue() const noexcept { return m_maxValue; }
-    // The value is cut to the new limits; a maximum below the minimum counts as the minimum.
+    // The value is kept within the new limits, without setDoubleValue(). A maximum below the
+    // minimum counts as the minimum. NaN is passed over.
     void setMinValue(double value);
     void setMaxValue(double value);
-    // Cut to the limits, and with allowsTickMarkValuesOnly() moved to the closest tick mark. Not a
-    // number counts as the minimum.
+    // Kept within the limits, and with allowsTickMarkValuesOnly() moved to the closest tick mark.
+    // NaN counts as the minimum.
     void setDoubleValue(double value) override;
     void setIntValue(std::int32_t value) override { setDoubleValue(value); }
     void setStringValue(std::string_view value) override;
@@ -28,16 +29,22 @@ public:
     bool allowsTickMarkValuesOnly() const noexcept { return m_allowsTickMarkValuesOnly; }
     void setAllowsTickMarkValuesOnly(bool only);
     // Evenly spaced from the minimum to the maximum; a single one lies at the minimum. An index
-    // outside of the marks answers the mark at that end.
+    // outside of the marks returns the mark at that end.
     virtual double tickMarkValueAtIndex(std::int32_t index) const;
     // The value itself without tick marks; of two equally close the lower one.
     double closestTickMarkValueToValue(double value) const;
 
-    // Set, or longer than wide in its frame of the last drawing.
+    // As set with setVertical(), otherwise whether the frame drawn last is higher than wide.
     virtual bool isVertical() const;
-    void setVertical(bool isVertical) { m_isVertical = isVertical; }
+    void setVertical(std::optional<bool> isVertical) {
+        m_isVertical = isVertical;
+        setNeedsDisplay();
+    }
+    // What was set; nothing when the frame decides.
+    std::optional<bool> explicitlyVertical() const noexcept { return m_isVertical; }
 
-    // What Increment and Decrement change; 0: a tenth of the range, or one tick mark.
+    // By how much the arrow keys and a screen reader's Increment and Decrement change the value.
+    // 0: by one tick mark, or a tenth of the range.
     double altIncrementValue() const noexcept { return m_altIncrementValue; }
     void setAltIncrementValue(double value) noexcept { m_altIncrementValue = value; }
 
@@ -45,11 +52,29 @@ public:
     virtual Rect trackRect() const;
     virtual Rect knobRectFlipped(bool isFlipped) const;
     virtual float knobThickness() const;
+    // Empty for an index outside of the marks.
+    virtual Rect rectOfTickMarkAtIndex(std::int32_t index, bool isFlipped) const;
 
+    // The interior: the bar, the tick marks, then the knob.
+    virtual void drawBar(Canvas& canvas, const Rect& track, View& view);
+    virtual void drawTickMarks(Canvas& canvas, View& view);
+    virtual void drawKnob(Canvas& canvas, const Rect& knob, View& view);
     void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) override;
     bool startTracking(Point point, View& view) override;
     bool continueTracking(Point last, Point current, View& view) override;
     bool prefersTrackingUntilMouseUp() const override { return true; }
+
+    // The wheel moves the value by a hundredth of the range for each notch, or by one tick mark
+    // where there are no values between them; then the action is sent.
+    void scrollWheel(const Event& event) override;
+    // Arrows move by one step, Page keys by ten, Home and End to the ends; then the action is sent
+    // if that has changed the value. Returns false for any other key.
+    bool performKey(const Event& event);
+    bool wantsKey(const Event& event) const override;
+
+    // The limits, the tick marks, the orientation and the step, too.
+    void encodeWithCoder(KeyedCoder& coder) const override;
+    void decodeWithCoder(const KeyedCoder& coder) override;
 
     AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Slider; }
     AccessibilityOrientation accessibilityOrientation() const override;
@@ -60,6 +85,9 @@ public:
 
 private:
     double step() const;
+    double limited(double value) const;
+    void keepInLimits();
+    void changeAndSend(double value);
     void setValueAt(Point point, View& view);
 
     double m_minValue = 0.0;
@@ -68,7 +96,8 @@ private:
     std::int32_t m_numberOfTickMarks = 0;
     bool m_allowsTickMarkValuesOnly = false;
     std::optional<bool> m_isVertical;
-    Point m_grabbed;  // where in the knob, from its centre
+    Point m_grabbed;         // where in the knob, from its centre
+    double m_wheeled = 0.0;  // notches that have not made a whole step yet
 };
 
 }  // namespace veltra

@@ -15,9 +15,11 @@ bool continuesCharacter(char byte) noexcept {
 
 }  // namespace
 
-std::optional<Font> Font::fontWithName(const std::string& name, float size) {
-    if (!(size > 0.0F) || !UiPort::current().hasFontFamily(name)) return std::nullopt;
-    return Font{name, size};
+std::optional<Font> Font::fontWithName(const std::string& name, float size, FontWeight weight,
+                                       bool hasEqualDigits) {
+    const bool isKnown = name.empty() || UiPort::current().hasFontFamily(name);
+    if (!(size > 0.0F) || !isKnown) return std::nullopt;
+    return Font{name, size, weight, hasEqualDigits};
 }
 
 Size StyledText::size() const {

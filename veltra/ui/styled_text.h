@@ -13,6 +13,7 @@
 namespace veltra {
 
 enum class TextAlignment : std::uint8_t { Left, Center, Right };
+enum class TextPlacement : std::uint8_t { Center, Top };  // in the height of a rectangle
 enum class TextTruncation : std::uint8_t { End, Middle };
 
 struct VELTRA_EXPORT StyledText {

@@ -39,6 +39,14 @@ void ToolTipWindow::closeToolTipWindow() {
     m_isOpen = false;
 }
 
+void ToolTipWindow::viewLeaves(const View& view) {
+    if (!m_isOpen) return;
+    const View* shown = m_view.get();
+    while (shown != nullptr && shown != &view)
+        shown = shown->superview();
+    if (shown != nullptr || !m_view) closeToolTipWindow();
+}
+
 bool ToolTipWindow::place(View& view, Point position) {
     const std::string text = toolTipText(m_object.get(), m_tag);
     if (text.empty() || !m_view || view.window() == nullptr) return false;

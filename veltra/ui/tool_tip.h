@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Small windows with a line of text: one that follows the pointer or a knob while a value changes.
-// Those that appear when the pointer rests are set with view.toolTips().addToolTipRect().
+// Those that appear when the pointer rests are set with View::toolTips().
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
@@ -16,7 +16,7 @@ namespace veltra {
 
 class View;
 
-// Whoever supplies the text of a tool tip; any Anchored object may derive from it as well.
+// An object that supplies the text of a tool tip. It derives from Anchored, too.
 class VELTRA_EXPORT ToolTipSource {
 public:
     virtual ~ToolTipSource();
@@ -43,7 +43,10 @@ public:
 
     void closeToolTipWindow();
 
-    bool isOpen() const noexcept { return m_isOpen; }
+    // The view leaves its window or is hidden: closes the tool tip of it, or of a view inside it.
+    void viewLeaves(const View& view);
+
+    bool isOpen() const noexcept { return m_isOpen && m_view; }
 
 private:
     bool place(View& view, Point position);

@@ -36,10 +36,12 @@ View::~View() {
     cutAnchor();
 }
 
-void View::insertSubview(std::unique_ptr<View> view) {
+void View::insert(std::unique_ptr<View> view, std::size_t index) {
     View& added = *view;
     added.m_superview = this;
-    m_subviews.push_back(std::move(view));
+    const auto place =
+        m_subviews.begin() + static_cast<std::ptrdiff_t>(std::min(index, m_subviews.size()));
+    m_subviews.insert(place, std::move(view));
     added.setWindow(m_window);
     added.setNeedsDisplay();
     postAccessibilityNotification(AccessibilityNotification::ChildrenChanged);
@@ -51,6 +53,8 @@ std::unique_ptr<View> View::takeFromSuperview() {
     }
     setNeedsDisplay();
     const WeakPointer<View> self(this);
+    const WeakPointer<Window> window(m_window);
+    const WeakPointer<View> heir(m_window != nullptr ? m_window->heirOfKeys(*this) : nullptr);
     setWindow(nullptr);
     if (!self || m_superview == nullptr) return nullptr;
     View& superview = *m_superview;
@@ -61,6 +65,18 @@ std::unique_ptr<View> View::takeFromSuperview() {
     siblings.erase(found);
     m_superview = nullptr;
     superview.postAccessibilityNotification(AccessibilityNotification::ChildrenChanged);
+    if (window && heir && window->firstResponder() == nullptr) window->giveKeyboardTo(*heir.get());
+    return taken;
+}
+
+std::unique_ptr<View> View::replaceSubview(const View& view, std::unique_ptr<View> with) {
+    const auto found = std::find_if(m_subviews.begin(), m_subviews.end(),
+                                    [&view](const auto& other) { return other.get() == &view; });
+    if (found == m_subviews.end() || !with) return nullptr;
+    const auto index = static_cast<std::size_t>(found - m_subviews.begin());
+    const WeakPointer<View> self(this);
+    std::unique_ptr<View> taken = (*found)->takeFromSuperview();
+    if (self) insert(std::move(with), index);
     return taken;
 }
 
@@ -182,13 +198,42 @@ bool View::isHiddenOrHasHiddenAncestor() const noexcept {
     return false;
 }
 
-void View::setNeedsDisplayInRect(const Rect& rect) {
-    if (m_window == nullptr) return;
-    Rect visible = place().toWindow(rect);
+Rect View::toSuperview(const Rect& rect) const noexcept {
+    const bool sameDirection = isFlipped() == (m_superview != nullptr && m_superview->isFlipped());
+    const float low = sameDirection ? m_frame.minY() + rect.minY() : m_frame.maxY() - rect.maxY();
+    return {{m_frame.minX() + rect.minX(), low}, rect.size};
+}
+
+Rect View::visiblePartInWindow(const Rect& rect) const {
+    if (m_window == nullptr) return {};
+    Rect visible = rect;
     for (const View* view = this; view != nullptr; view = view->m_superview) {
-        if (view->m_isHidden) return;
-        visible = visible.intersection(view->place().toWindow(view->bounds()));
+        visible = visible.intersection(view->bounds());
+        if (view->m_isHidden || visible.isEmpty()) return {};
+        visible = view->toSuperview(visible);
     }
+    return visible;
+}
+
+Rect View::visibleRect() const {
+    const Rect visible = visiblePartInWindow(bounds());
+    return visible.isEmpty() ? Rect{} : place().fromWindow(visible);
+}
+
+bool View::scrollRectToVisible(const Rect& rect) {
+    return m_superview != nullptr && m_superview->scrollRectToVisible(toSuperview(rect));
+}
+
+Point View::locationOf(const Event& event) const {
+    return convertPointFromView(event.locationInWindow, nullptr);
+}
+
+Point View::movementOf(const Event& event) const {
+    return {event.deltaX, isFlipped() ? -event.deltaY : event.deltaY};
+}
+
+void View::setNeedsDisplayInRect(const Rect& rect) {
+    const Rect visible = visiblePartInWindow(rect);
     if (!visible.isEmpty()) m_window->invalidate(visible);
 }
 
@@ -228,10 +273,18 @@ Appearance View::effectiveAppearance() const {
 }
 
 void View::tellAppearanceDidChange() {
+    tellAll(&View::appearanceDidChange);
+}
+
+void View::tellWindowStateDidChange() {
+    tellAll(&View::windowStateDidChange);
+}
+
+void View::tellAll(void (View::*call)()) {
     const WeakPointer<View> self(this);
-    appearanceDidChange();
+    (this->*call)();
     for (std::size_t i = 0; self && i < m_subviews.size(); ++i)
-        m_subviews[i]->tellAppearanceDidChange();
+        m_subviews[i]->tellAll(call);
 }
 
 Responder* View::nextResponder() const {
@@ -252,8 +305,12 @@ View* View::hitTest(Point inSuperview) {
     return this;
 }
 
-bool View::isFirstResponder() const noexcept {
-    return m_window != nullptr && m_window->isKeyWindow() && m_window->firstResponder() == this;
+bool View::isFirstResponder() const {
+    return m_window != nullptr && m_window->firstResponder() == this;
+}
+
+bool View::hasKeyboard() const {
+    return m_window != nullptr && m_window->isKeyWindow() && isFirstResponder();
 }
 
 bool View::canBecomeKeyView() const {

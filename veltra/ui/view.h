@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A rectangle on screen that draws itself and takes the events inside it. Views form a tree; a view
-// owns its subviews.
+// A rectangle on screen that draws itself and handles the events inside it. Views form a tree: each
+// view owns its subviews.
 //
 //   class Lamp final : public View {
 //   public:
@@ -51,7 +51,15 @@ inline constexpr bool isFlag<AutoresizingFlag> = true;
 using AutoresizingMask = Flags<AutoresizingFlag>;
 inline constexpr AutoresizingMask kViewNotSizable{};
 
-enum class Cursor : std::uint8_t { Arrow, PointingHand, OpenHand, ClosedHand, ResizeUpDown };
+enum class Cursor : std::uint8_t {
+    Arrow,
+    PointingHand,
+    OpenHand,
+    ClosedHand,
+    ResizeUpDown,
+    ResizeLeftRight,
+    IBeam,
+};
 
 class VELTRA_EXPORT View : public Responder {
 public:
@@ -67,13 +75,23 @@ public:
     // Takes ownership; the view lies above those before it. It must have no superview.
     template <typename V>
     V& addSubview(std::unique_ptr<V> view) {
+        return insertSubview(std::move(view), m_subviews.size());
+    }
+    // The same at a place among the subviews: 0 lies below all others and comes first in the
+    // key-view loop; a place beyond the end counts as the end.
+    template <typename V>
+    V& insertSubview(std::unique_ptr<V> view, std::size_t index) {
         V& added = *view;
-        insertSubview(std::move(view));
+        insert(std::move(view), index);
         return added;
     }
+    // Puts `with` in the place of `view`, a subview, which goes to the caller. Null, and `with` is
+    // destroyed, when `view` is no subview of this one.
+    std::unique_ptr<View> replaceSubview(const View& view, std::unique_ptr<View> with);
 
     // Takes the view out of its superview, or window, and gives it to the caller. Null when it is
-    // in neither, or owned elsewhere.
+    // in neither, or owned elsewhere. If it had the keyboard, the next key view gets it, or else
+    // the one before.
     std::unique_ptr<View> takeFromSuperview();
 
     // The same, and destroys it as soon as no event or timer is being handled any more.
@@ -83,6 +101,9 @@ public:
     // into none (null).
     virtual void viewWillMoveToWindow(Window* /*window*/) {}
     virtual void viewDidMoveToWindow() {}
+
+    // Called when the window becomes, or is no longer, the key or the main window.
+    virtual void windowStateDidChange() {}
 
     // Geometry.
 
@@ -100,12 +121,29 @@ public:
     void setAutoresizingMask(AutoresizingMask mask) noexcept { m_autoresizingMask = mask; }
     virtual bool autoresizesSubviews() const { return true; }
 
-    // Between this view's coordinates and those of another view of the same window; null stands for
-    // the window itself.
+    // Convert between this view's coordinates and those of another view of the same window. Null
+    // stands for the window itself.
     Point convertPointToView(Point point, const View* other) const;
     Point convertPointFromView(Point point, const View* other) const;
     Rect convertRectToView(const Rect& rect, const View* other) const;
     Rect convertRectFromView(const Rect& rect, const View* other) const;
+
+    // Where the event happened, in this view's coordinates.
+    Point locationOf(const Event& event) const;
+    // The movement of the pointer that a drag tells, along this view's axes: locationOf() minus
+    // movementOf() is the place of the event before.
+    Point movementOf(const Event& event) const;
+
+    // The part of the bounds that no view around cuts off and no hidden one hides; empty when there
+    // is none, and outside of a window.
+    Rect visibleRect() const;
+    // The same for a part of the bounds, in the coordinates of the window.
+    Rect visiblePartInWindow(const Rect& rect) const;
+
+    // Asks that a part of the view be brought into sight, as when it gets the keyboard. A view that
+    // scrolls overrides this: it moves its subviews, then passes the request on. Returns whether
+    // anything was moved.
+    virtual bool scrollRectToVisible(const Rect& rect);
 
     // Drawing.
 
@@ -145,16 +183,21 @@ public:
 
     // The topmost view at a point of the superview; null when that is outside or hidden.
     virtual View* hitTest(Point inSuperview);
-    // Whether the press that brings an inactive window to the front also counts as a press here.
-    virtual bool acceptsFirstMouse(const Event* /*event*/) const { return false; }
-    virtual bool shouldDelayWindowOrderingForEvent(const Event& /*event*/) const { return false; }
+    // Whether the press that makes an inactive window the active one also counts as a press here,
+    // as users of this platform expect.
+    virtual bool acceptsFirstMouse(const Event* /*event*/) const { return true; }
+    // Whether a press here moves the window instead of going to the view. Only a window of the
+    // system can be moved; elsewhere the view gets the press.
     virtual bool mouseDownCanMoveWindow() const { return false; }
     virtual Cursor cursorAt(Point /*point*/) const { return Cursor::Arrow; }
 
-    // Whether this view receives keys first, in a window that has the keyboard.
-    bool isFirstResponder() const noexcept;
+    // Whether this view is the first to receive the keys of its window.
+    virtual bool isFirstResponder() const;
+    // The same, and the window has the keyboard: what a focus ring shows.
+    bool hasKeyboard() const;
 
-    // The key-view loop: where Tab leads. Without a next view set, in the order of the tree.
+    // The key-view loop: where Tab leads. Without a next view set, in the order of the tree. A view
+    // that is out of sight can be a key view: it is brought into sight when its turn comes.
     View* nextKeyView() const noexcept { return m_nextKeyView.get(); }
     void setNextKeyView(View* view) noexcept { m_nextKeyView = view; }
     virtual bool canBecomeKeyView() const;
@@ -167,7 +210,7 @@ public:
     std::vector<AccessibilityElement*> accessibilityChildren() const override;
     View* accessibilityView() const override { return const_cast<View*>(this); }
     Rect accessibilityFrame() const override { return bounds(); }
-    bool accessibilityIsFocused() const override { return isFirstResponder(); }
+    bool accessibilityIsFocused() const override { return hasKeyboard(); }
 
 protected:
     // Called after the size has changed.
@@ -189,11 +232,14 @@ private:
     Place place() const;
     Place placeIn(const Place& superview) const;
 
-    void insertSubview(std::unique_ptr<View> view);
+    void insert(std::unique_ptr<View> view, std::size_t index);
+    Rect toSuperview(const Rect& rect) const noexcept;
     void setWindow(Window* window);
     void resizeSubviews(Size oldSize);
     void resizeWithSuperview(Size oldSize, Size newSize);
     void tellAppearanceDidChange();
+    void tellWindowStateDidChange();
+    void tellAll(void (View::*call)());
 
     View* m_superview = nullptr;
     Window* m_window = nullptr;

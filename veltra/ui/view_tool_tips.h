@@ -19,7 +19,7 @@ public:
         Rect rect;  // while the pointer stays in it, the tool tip stays
     };
 
-    // Answers a tag above 0 for removeToolTip(). `rect` is in the view's coordinates.
+    // Returns a tag above 0 for removeToolTip(). `rect` is in the view's coordinates.
     std::int32_t addToolTipRect(const Rect& rect, std::string text);
     // `object` (not retained) is asked for the text of `sourceTag` each time it is shown.
     std::int32_t addToolTipRect(const Rect& rect, Anchored* object, std::int32_t sourceTag);

@@ -22,10 +22,27 @@ bool isInside(const View* view, const View& tree) noexcept {
     return view == &tree;
 }
 
+// Whether anything of the view can be seen afterwards.
+bool bringIntoSight(View& view) {
+    const WeakPointer<View> self(&view);
+    view.scrollRectToVisible(view.bounds());
+    return self && !self->visibleRect().isEmpty();
+}
+
+void send(const Event& event, Responder* responder) {
+    if (responder != nullptr) (responder->*Responder::handlerFor(event.type))(event);
+}
+
 void collectKeyViews(View& view, std::vector<View*>& found) {
     if (view.canBecomeKeyView()) found.push_back(&view);
     for (const auto& subview : view.subviews())
         collectKeyViews(*subview, found);
+}
+
+std::size_t countOfKeyViews(View& view) {
+    std::vector<View*> views;
+    collectKeyViews(view, views);
+    return views.size();
 }
 
 }  // namespace
@@ -73,7 +90,8 @@ Size Window::limited(Size size) const noexcept {
 }
 
 void Window::setFrame(const Rect& frame, bool display, bool animate) {
-    const Rect wanted{frame.origin, limited(frame.size)};
+    const bool isResized = frame.size != m_frame.size;
+    const Rect wanted{frame.origin, isResized ? limited(frame.size) : frame.size};
     const WeakPointer<Window> self(this);
     m_port.setFrame(wanted, animate);
     frameDidChange(wanted);
@@ -81,8 +99,11 @@ void Window::setFrame(const Rect& frame, bool display, bool animate) {
 }
 
 void Window::frameDidChange(const Rect& onScreen) {
-    m_frame = onScreen;
+    if (onScreen == m_frame) return;
+    const Rect before = std::exchange(m_frame, onScreen);
+    const WeakPointer<Window> self(this);
     if (m_contentView) m_contentView->setFrame({{}, onScreen.size});
+    if (self) windowDidChangeFrame(before);
 }
 
 void Window::setMinSize(Size size) {
@@ -156,33 +177,48 @@ void Window::display(CanvasPort& port, std::span<const Rect> dirty) {
 
 // Keys.
 
+// Null stands for the window itself.
 bool Window::makeFirstResponder(Responder* responder) {
-    auto* const view = dynamic_cast<View*>(responder);
-    if (view != nullptr && view->window() != this) return false;
     if (responder == this) responder = nullptr;
     if (responder == m_firstResponder.get()) return true;
+    const auto* const view = dynamic_cast<const View*>(responder);
+    if (view != nullptr && view->window() != this) return false;
     if (responder != nullptr && !responder->acceptsFirstResponder()) return false;
 
     const WeakPointer<Window> self(this);
     const WeakPointer<Responder> next(responder);
+    if (!takeKeysFromFirstResponder()) return false;
+    if (responder == nullptr) return true;
+    m_firstResponder = next.get();  // known to those who ask inside
+    const bool becomes = next && next->becomeFirstResponder();
+    if (!self) return false;
+    if (!becomes || !next) {
+        m_firstResponder = nullptr;
+        return false;
+    }
+    if (auto* const shown = dynamic_cast<View*>(next.get())) shown->setNeedsDisplay();
+    if (m_isKey) next->postAccessibilityNotification(AccessibilityNotification::FocusGained);
+    return true;
+}
+
+// False when it does not resign, or the window dies of it.
+bool Window::takeKeysFromFirstResponder() {
+    const WeakPointer<Window> self(this);
     const WeakPointer<Responder> before(m_firstResponder);
     if (before && !before->resignFirstResponder()) return false;
     if (!self) return false;
     m_firstResponder = nullptr;
-    if (responder != nullptr) {
-        m_firstResponder = next.get();  // known to those who ask inside
-        if (!next || !next->becomeFirstResponder()) {
-            if (self) m_firstResponder = nullptr;
-            return false;
-        }
-        if (!self) return false;
-    }
-    for (Responder* const changed : {before.get(), next.get()}) {
-        if (auto* const shown = dynamic_cast<View*>(changed)) shown->setNeedsDisplay();
-    }
-    if (next && m_isKey)
-        next->postAccessibilityNotification(AccessibilityNotification::FocusGained);
+    if (auto* const shown = dynamic_cast<View*>(before.get())) shown->setNeedsDisplay();
     return true;
+}
+
+bool Window::giveKeyboardTo(View& view) {
+    const WeakPointer<View> next(&view);
+    return bringIntoSight(view) && makeFirstResponder(next.get());
+}
+
+bool Window::wantsKey(const Event& event) const {
+    return m_firstResponder && m_firstResponder->wantsKey(event);
 }
 
 View* Window::keyViewAfter(const View* view, bool forward) const {
@@ -208,33 +244,76 @@ View* Window::keyViewAfter(const View* view, bool forward) const {
     return std::next(found) != views.end() ? *std::next(found) : nullptr;
 }
 
+// Who gets the keys when the first responder goes with `leaving`: the next key view that stays, or
+// else the last one before. Null when the first responder stays.
+View* Window::heirOfKeys(const View& leaving) const {
+    if (!isInside(dynamic_cast<View*>(m_firstResponder.get()), leaving)) return nullptr;
+    std::vector<View*> views;
+    collectKeyViews(*m_contentView, views);
+    const auto leaves = [&leaving](const View* view) { return isInside(view, leaving); };
+    const auto first = std::find_if(views.begin(), views.end(), leaves);
+    const auto behind = std::find_if_not(first, views.end(), leaves);
+    if (behind != views.end()) return *behind;
+    return first != views.begin() ? *std::prev(first) : nullptr;
+}
+
 void Window::selectKeyView(bool forward) {
+    const WeakPointer<Window> self(this);
     auto* const present = dynamic_cast<View*>(m_firstResponder.get());
-    View* next = keyViewAfter(present, forward);
-    if (next == nullptr) {
-        if (m_port.passKeyboard(forward)) return;
-        next = keyViewAfter(nullptr, forward);
+    if (selectKeyViewAfter(present, forward) || !self) return;
+    if (m_port.passKeyboard(forward) || !self) return;
+    selectKeyViewAfter(nullptr, forward);
+}
+
+// Passes over views that cannot be brought into sight. Returns whether there was one that can.
+bool Window::selectKeyViewAfter(View* start, bool forward) {
+    const WeakPointer<Window> self(this);
+    WeakPointer<View> view(start);
+    const std::size_t count = m_contentView ? countOfKeyViews(*m_contentView) : 0;
+    for (std::size_t i = 0; self && i < count; ++i) {
+        view = keyViewAfter(view.get(), forward);
+        if (!view) return false;
+        if (!bringIntoSight(*view.get())) continue;
+        makeFirstResponder(view.get());
+        return true;
     }
-    if (next != nullptr) makeFirstResponder(next);
+    return false;
 }
 
 void Window::keyboardArrives(bool forward) {
-    if (View* const view = keyViewAfter(nullptr, forward)) makeFirstResponder(view);
+    selectKeyViewAfter(nullptr, forward);
+}
+
+bool Window::isMainWindow() const noexcept {
+    return m_isActive || Application::current().mainWindow() == this;
+}
+
+void Window::tellStateDidChange() {
+    if (m_contentView) m_contentView->tellWindowStateDidChange();
+}
+
+void Window::activeStateDidChange(bool isActive) {
+    if (isActive == m_isActive) return;
+    m_isActive = isActive;
+    tellStateDidChange();
 }
 
 void Window::keyStateDidChange(bool isKey) {
     if (isKey == m_isKey) return;
     m_isKey = isKey;
+    const WeakPointer<Window> self(this);
     Application& application = Application::current();
     if (isKey) {
         application.setKeyWindow(this);
     } else if (application.keyWindow() == this) {
         application.setKeyWindow(nullptr);
     }
+    if (!self) return;
     if (auto* const view = dynamic_cast<View*>(m_firstResponder.get())) {
         view->setNeedsDisplay();  // shows whether it has the keyboard
         if (isKey) view->postAccessibilityNotification(AccessibilityNotification::FocusGained);
     }
+    tellStateDidChange();
 }
 
 void Window::keyDown(const Event& event) {
@@ -279,53 +358,59 @@ void Window::hover(const Event& event, View* view) {
     if (next) next->mouseEntered(event);
 }
 
-void Window::press(const Event& event, WeakPointer<View>& pressed,
-                   void (Responder::*handler)(const Event&)) {
-    pressed = viewAt(event.locationInWindow);
+void Window::move(const Event& event) {
     const WeakPointer<Window> self(this);
-    if (pressed && pressed->acceptsFirstResponder()) makeFirstResponder(pressed.get());
-    if (self && pressed) (pressed.get()->*handler)(event);
+    hover(event, viewAt(event.locationInWindow));
+    if (!self || !m_hovered) return;
+    View& view = *m_hovered.get();
+    m_port.setCursor(view.cursorAt(view.locationOf(event)));
+    view.mouseMoved(event);
+}
+
+void Window::press(const Event& event, WeakPointer<View>& pressed) {
+    const WeakPointer<Window> self(this);
+    const WeakPointer<View> view(viewAt(event.locationInWindow));
+    const bool isOnView = static_cast<bool>(view);
+    pressed = nullptr;
+    if (view && event.isFirstMouse && !view->acceptsFirstMouse(&event)) return;
+    if (view && view->mouseDownCanMoveWindow() && m_port.startMove()) return;
+    if (!self) return;
+    pressed = view;
+    if (view && view->acceptsFirstResponder()) makeFirstResponder(view.get());
+    if (!self || (isOnView && !view)) return;
+    send(event, view ? view.get() : static_cast<Responder*>(this));
+}
+
+Responder& Window::responderAt(Point inWindow) {
+    View* const view = viewAt(inWindow);
+    return view != nullptr ? *view : static_cast<Responder&>(*this);
 }
 
 void Window::sendEvent(const Event& event) {
-    const WeakPointer<Window> self(this);
-    const auto send = [&event](View* view, void (Responder::*handler)(const Event&)) {
-        if (view != nullptr) (view->*handler)(event);
-    };
     switch (event.type) {
         case EventType::LeftMouseDown:
-            return press(event, m_pressed, &Responder::mouseDown);
-        case EventType::LeftMouseDragged:
-            return send(m_pressed.get(), &Responder::mouseDragged);
-        case EventType::LeftMouseUp:
-            return send(std::exchange(m_pressed, nullptr).get(), &Responder::mouseUp);
+            return press(event, m_pressed);
         case EventType::RightMouseDown:
-            return press(event, m_rightPressed, &Responder::rightMouseDown);
+            return press(event, m_rightPressed);
+        case EventType::LeftMouseDragged:
+            return send(event, m_pressed.get());
         case EventType::RightMouseDragged:
-            return send(m_rightPressed.get(), &Responder::rightMouseDragged);
+            return send(event, m_rightPressed.get());
+        case EventType::LeftMouseUp:
+            return send(event, std::exchange(m_pressed, nullptr).get());
         case EventType::RightMouseUp:
-            return send(std::exchange(m_rightPressed, nullptr).get(), &Responder::rightMouseUp);
-        case EventType::MouseMoved: {
-            hover(event, viewAt(event.locationInWindow));
-            if (!self || !m_hovered) return;
-            View& view = *m_hovered.get();
-            m_port.setCursor(
-                view.cursorAt(view.convertPointFromView(event.locationInWindow, nullptr)));
-            return view.mouseMoved(event);
-        }
+            return send(event, std::exchange(m_rightPressed, nullptr).get());
+        case EventType::MouseMoved:
+            return move(event);
         case EventType::MouseExited:
             return hover(event, nullptr);
         case EventType::ScrollWheel:
-            return send(viewAt(event.locationInWindow), &Responder::scrollWheel);
+            return send(event, &responderAt(event.locationInWindow));
         case EventType::KeyDown:
         case EventType::KeyUp:
         case EventType::FlagsChanged:
-            break;
+            return send(event, m_firstResponder ? m_firstResponder.get() : this);
     }
-    Responder& first = m_firstResponder ? *m_firstResponder.get() : *this;
-    if (event.type == EventType::KeyDown) return first.keyDown(event);
-    if (event.type == EventType::KeyUp) return first.keyUp(event);
-    first.flagsChanged(event);
 }
 
 // Keeps account of the left button: a release without a press is not passed on.
@@ -369,9 +454,11 @@ void Window::viewLeaves(View& view) {
     if (m_hovered.get() == &view) m_hovered = nullptr;
     if (m_pressed.get() == &view) m_pressed = nullptr;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
+    ToolTipWindow::shared().viewLeaves(view);
 }
 
 void Window::viewIsHidden(View& view) {
+    ToolTipWindow::shared().viewLeaves(view);
     if (isInside(dynamic_cast<View*>(m_firstResponder.get()), view)) makeFirstResponder(nullptr);
 }
 

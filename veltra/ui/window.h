@@ -39,11 +39,14 @@ public:
     std::unique_ptr<View> takeContentView();
     Size contentSize() const noexcept { return m_frame.size; }
 
-    // Of the content, on screen. Sizes stay within the limits. `animate` is a wish.
+    // Of the content, on screen. A size that changes is kept within the limits. `animate` is a wish
+    // that a port need not grant.
     const Rect& frame() const noexcept { return m_frame; }
     virtual void setFrame(const Rect& frame, bool display = true, bool animate = false);
 
-    // Of the content. A maximum below the minimum counts as the minimum.
+    // Limits for the size of the content. Setting one never resizes the window: it holds from the
+    // next change of size on, by the user or by setFrame(). A maximum below the minimum counts as
+    // the minimum.
     Size minSize() const noexcept { return m_minSize; }
     Size maxSize() const noexcept { return m_maxSize; }
     virtual void setMinSize(Size size);
@@ -64,7 +67,7 @@ public:
     // May destroy the window.
     virtual void didClose() {}
 
-    // Whether panels and windows work while another one is modal.
+    // Whether this window goes on working while another window of the application is modal.
     bool worksWhenModal() const noexcept { return m_worksWhenModal; }
     void setWorksWhenModal(bool works) noexcept { m_worksWhenModal = works; }
 
@@ -81,11 +84,19 @@ public:
     // Keys.
 
     bool isKeyWindow() const noexcept { return m_isKey; }
+    // Whether the user works in this window: it is the application's main window, or a part of a
+    // toolkit's window that is active.
+    bool isMainWindow() const noexcept;
     // Null: the window itself.
     Responder* firstResponder() const noexcept { return m_firstResponder.get(); }
-    // Answers false, and changes nothing, when the present first responder does not resign, or the
+    // Returns false, and changes nothing, when the present first responder does not resign, or the
     // other does not accept or become it. A responder of another window is refused.
     bool makeFirstResponder(Responder* responder);
+    // The same for a view, which is brought into sight first. Returns false, and changes nothing,
+    // where nothing of the view can be seen even then.
+    bool giveKeyboardTo(View& view);
+    // Whether the key belongs to the first responder before the shortcuts of the host see it.
+    bool wantsKey(const Event& event) const;
     void selectNextKeyView() { selectKeyView(true); }
     void selectPreviousKeyView() { selectKeyView(false); }
 
@@ -98,7 +109,13 @@ public:
     // the release to the view of the press, keys to the first responder.
     virtual void sendEvent(const Event& event);
 
-    // Tab and back-tab lead on in the key-view loop.
+    // While the left button is down: keeps the pointer in its place, so that a drag has no end at
+    // the edge of the screen. Its places and movement go on as if nothing held it. Ends by itself
+    // with the release. Returns false where that is not possible.
+    bool lockPointer(bool isLocked) { return m_port.lockPointer(isLocked); }
+
+    // Tab and back-tab lead on in the key-view loop. Views that are clipped away are brought into
+    // sight (View::scrollRectToVisible()), or passed over where that is not possible.
     void keyDown(const Event& event) override;
     Responder* nextResponder() const override;
 
@@ -110,6 +127,8 @@ public:
     void frameDidChange(const Rect& onScreen);
     void visibilityDidChange(bool isVisible);
     void keyStateDidChange(bool isKey);
+    // The toolkit's window around has become, or is no longer, the one that the user works in.
+    void activeStateDidChange(bool isActive);
     // The keyboard arrives by Tab: the first key view takes it, or the last.
     void keyboardArrives(bool forward);
     void appearanceDidChange();
@@ -118,6 +137,10 @@ public:
     // What to show at a point where the pointer rests; the rectangle is in window coordinates.
     std::optional<ViewToolTips::Found> toolTipAt(Point inWindow) const;
 
+protected:
+    // Called after frame() has changed, by whomever.
+    virtual void windowDidChangeFrame(const Rect& /*before*/) {}
+
 private:
     friend class Application;
     friend class View;
@@ -125,12 +148,17 @@ private:
     bool admits(const Event& event);
     void viewLeaves(View& view);
     void viewIsHidden(View& view);
+    void tellStateDidChange();
+    bool takeKeysFromFirstResponder();
     void selectKeyView(bool forward);
+    bool selectKeyViewAfter(View* start, bool forward);
     View* keyViewAfter(const View* view, bool forward) const;
+    View* heirOfKeys(const View& leaving) const;
     View* viewAt(Point inWindow) const;
+    Responder& responderAt(Point inWindow);
     void hover(const Event& event, View* view);
-    void press(const Event& event, WeakPointer<View>& pressed,
-               void (Responder::*handler)(const Event&));
+    void move(const Event& event);
+    void press(const Event& event, WeakPointer<View>& pressed);
     Size limited(Size size) const noexcept;
 
     const std::unique_ptr<WindowPort> m_ownedPort;
@@ -138,6 +166,7 @@ private:
     const bool m_isPanel;
     bool m_isVisible = false;
     bool m_isKey = false;
+    bool m_isActive = false;
     bool m_worksWhenModal = false;
     std::unique_ptr<View> m_contentView;
     Rect m_frame;

@@ -17,17 +17,17 @@
 
 namespace veltra {
 
-// 0 below -70 dB and for no number; above 0 dB the last piece goes on, so that what clips in the
+// 0 below -70 dB and for NaN; above 0 dB the last piece goes on, so that what clips in the
 // signal also clips in the meter.
 VELTRA_EXPORT float meterPositionForDecibels(double decibels) noexcept;
 
-// The reverse; minus infinity at 0 and below and for no number.
+// The reverse; minus infinity at 0 and below and for NaN.
 VELTRA_EXPORT double decibelsForMeterPosition(float position) noexcept;
 
 // `amplitude` is linear, 1 at full scale; its sign does not count.
 VELTRA_EXPORT float meterPositionForAmplitude(float amplitude) noexcept;
 
-// 20 log10 of the absolute value; minus infinity for 0 and for no number.
+// 20 log10 of the absolute value; minus infinity for 0 and for NaN.
 VELTRA_EXPORT double decibelsForAmplitude(float amplitude) noexcept;
 
 }  // namespace veltra

@@ -4,7 +4,7 @@
 // QkLevelMeterCell is this with a clock, two timers and a picture; use it alone to drive a meter of
 // your own.
 //
-// Levels are positions on the meter, linear from 0 to 1 at full scale. No number counts as 0, minus
+// Levels are positions on the meter, linear from 0 to 1 at full scale. NaN counts as 0, minus
 // infinity likewise, plus infinity as any level above 1.
 //
 // Thread: one at a time. Realtime-safe: yes, all of it.
@@ -19,23 +19,23 @@ namespace veltra {
 
 class VELTRA_EXPORT LevelBallistics {
 public:
-    // By how much the display falls per fallBackStepTime(). Below 0, infinite or no number counts
+    // By how much the display falls per fallBackStepTime(). Below 0, infinite or NaN counts
     // as 0: then it never falls.
     float fallBackStep() const noexcept { return m_fallBackStep; }
     void setFallBackStep(float step) noexcept;
 
-    // Seconds. Below 0 or no number counts as 0: then it falls at once to the level given.
+    // Seconds. Below 0 or NaN counts as 0: then it falls at once to the level given.
     // Infinite: it never falls.
     double fallBackStepTime() const noexcept { return m_fallBackStepTime; }
     void setFallBackStepTime(double seconds) noexcept;
 
-    // Seconds. Below 0 or no number counts as 0: a maximum is held until the next call. Infinite:
+    // Seconds. Below 0 or NaN counts as 0: a maximum is held until the next call. Infinite:
     // until dropMaximum().
     double maxLevelHoldTime() const noexcept { return m_maxLevelHoldTime; }
     void setMaxLevelHoldTime(double seconds) noexcept;
 
     // A level that was measured at `now`, by any clock that does not go back (a `now` before the
-    // last one counts as the last one). Answers whether what is shown has to be drawn
+    // last one counts as the last one). Returns whether what is shown has to be drawn
     // again: the level differs from the display by more than 0.01, a maximum begins or ends, the
     // clip light goes on, or `forceDisplayIfNeeded`.
     bool setLevel(float level, bool forceDisplayIfNeeded, Moment now) noexcept;
@@ -43,7 +43,7 @@ public:
     // Lets the display fall while no level comes, by one step, or by all the whole steps that have
     // passed by `now` if there were more. That time is used up: the next setLevel() lets the
     // display fall for the rest only, so that it falls at the same rate however the two are mixed.
-    // Answers whether it goes on falling.
+    // Returns whether it goes on falling.
     bool tick(Moment now) noexcept;
 
     // What setLevel() and tick() were told last; not below 0 as displayLevel().

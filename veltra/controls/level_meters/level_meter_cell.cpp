@@ -22,6 +22,7 @@ constexpr Nanoseconds kShortestTick = milliseconds(5);  // a display shows no mo
 constexpr Nanoseconds kTimerSlack = microseconds(1);    // timers count whole nanoseconds
 constexpr Nanoseconds kTellPause = milliseconds(500);
 constexpr double kQuietest = -99.95;  // decibels; below is silence
+constexpr double kLeastNumber = -70.0;  // decibels, for a screen reader
 constexpr float kWorthTelling = 0.01F;
 
 // No time passes while the clock cannot be read.
@@ -130,8 +131,22 @@ void QkLevelMeterCell::change(T& member, T value) {
     setNeedsDisplay();
 }
 
+std::uint32_t QkLevelMeterCell::LEDCount() const {
+    const Drawing* const drawn = m_LED_pitch > 0.0F ? drawingOfFrame() : nullptr;
+    return drawn != nullptr ? drawn->bar().ledCount : m_LED_count;
+}
+
 void QkLevelMeterCell::setLEDCount(std::uint32_t count) {
+    change(m_LED_pitch, 0.0F);
     change(m_LED_count, count);
+}
+
+void QkLevelMeterCell::setLEDPitch(float points) {
+    change(m_LED_pitch, points > 0.0F ? points : 0.0F);
+}
+
+void QkLevelMeterCell::setLevelScale(LevelScale scale) {
+    change(m_levelScale, scale);
 }
 
 void QkLevelMeterCell::setOnStateLEDInset(float inset) {
@@ -174,8 +189,17 @@ Size QkLevelMeterCell::cellSizeForBounds(const Rect& bounds) const {
 const QkLevelMeterCell::Drawing& QkLevelMeterCell::drawing(Size frame, float scale,
                                                            Appearance appearance) const {
     m_drawing->fit({levelMeterLook(m_levelMeterImageID), levelMeterLook(m_peakLEDImageID)}, frame,
-                   {0, 0, scale, orientation(), appearance, m_LED_count});
+                   request(scale, appearance));
     return *m_drawing;
+}
+
+LevelMeterPictureRequest QkLevelMeterCell::request(float scale, Appearance appearance) const {
+    return {.scale = scale,
+            .orientation = orientation(),
+            .appearance = appearance,
+            .ledCount = m_LED_count,
+            .ledPitch = detail::devicePixels(m_LED_pitch, scale),
+            .levels = m_levelScale};
 }
 
 const QkLevelMeterCell::Drawing* QkLevelMeterCell::drawingOfFrame() const {
@@ -191,8 +215,7 @@ Rect QkLevelMeterCell::rectOfPart(bool isLight) const {
     const Window* const window = view != nullptr ? view->window() : nullptr;
     const auto layout = detail::MeterLayout::make(
         cellFrame().size, *levelMeterLook(m_levelMeterImageID), *levelMeterLook(m_peakLEDImageID),
-        {0, 0, window != nullptr ? window->scale() : 1.0F, orientation(), Appearance::Light,
-         m_LED_count});
+        request(window != nullptr ? window->scale() : 1.0F, Appearance::Light));
     return layout.inView(isLight ? layout.light : layout.bar, cellFrame(),
                          view != nullptr && view->isFlipped());
 }
@@ -203,6 +226,13 @@ Rect QkLevelMeterCell::levelMeterRect() const {
 
 Rect QkLevelMeterCell::peakLEDRect() const {
     return rectOfPart(true);
+}
+
+Rect QkLevelMeterCell::rectOfLevels() const {
+    const Drawing* const drawn = drawingOfFrame();
+    const View* const view = controlView();
+    return drawn != nullptr ? drawn->rectOfLevels(cellFrame(), view != nullptr && view->isFlipped())
+                            : Rect{};
 }
 
 std::shared_ptr<const Image> QkLevelMeterCell::levelMeterOffImage() const {
@@ -250,7 +280,8 @@ AccessibilityRole QkLevelMeterCell::accessibilityRole() const {
 }
 
 std::string QkLevelMeterCell::accessibilityName() const {
-    return localizedString(m_accessibilityDescription);
+    const std::string name = ActionCell::accessibilityName();
+    return name.empty() ? localizedString(m_accessibilityDescription) : name;
 }
 
 AccessibilityOrientation QkLevelMeterCell::accessibilityOrientation() const {
@@ -259,15 +290,17 @@ AccessibilityOrientation QkLevelMeterCell::accessibilityOrientation() const {
 }
 
 std::optional<AccessibilityNumber> QkLevelMeterCell::accessibilityNumber() const {
-    return AccessibilityNumber{static_cast<double>(std::min(displayLevel(), 1.0F)), 0.0, 1.0, 0.0};
+    return AccessibilityNumber{std::clamp(decibels(), kLeastNumber, 0.0), kLeastNumber, 0.0, 0.0};
+}
+
+double QkLevelMeterCell::decibels() const {
+    return m_levelScale == LevelScale::Amplitude ? decibelsForAmplitude(displayLevel())
+                                                 : decibelsForMeterPosition(displayLevel());
 }
 
 std::string QkLevelMeterCell::accessibilityValueText() const {
-    const double decibels = m_levelScale == LevelScale::Amplitude
-                                ? decibelsForAmplitude(displayLevel())
-                                : decibelsForMeterPosition(displayLevel());
-    std::string text = decibels > kQuietest ? oneDecimal(decibels) + ' ' + localizedString("dB")
-                                            : localizedString("silence");
+    std::string text = decibels() > kQuietest ? oneDecimal(decibels()) + ' ' + localizedString("dB")
+                                              : localizedString("silence");
     if (peak()) text += ", " + localizedString("clipped");
     return text;
 }

@@ -57,13 +57,19 @@ public:
     // Ends the held maximum, likewise.
     void maxtimerAction(QkTimer* timer);
 
-    // The number of LEDs; 0 shows a continuous bar. 32 to begin with: LEDs of 4 points and gaps of
+    // The number of LEDs; 0 shows a continuous bar. At first 32: LEDs of 4 points and gaps of
     // 1 in a meter 173 points long. More than there are pixels count as 0.
-    std::uint32_t LEDCount() const noexcept { return m_LED_count; }
+    // With a pitch it is what the frame has room for.
+    std::uint32_t LEDCount() const;
     void setLEDCount(std::uint32_t count);
+    // From LED to LED, in points, rounded to whole device pixels: as many LEDs as the frame has
+    // room for, the same however often it is laid out. The last one set of count and pitch counts;
+    // not above 0 goes back to the count.
+    float LEDPitch() const noexcept { return m_LED_pitch; }
+    void setLEDPitch(float points);
 
     // What is cut off all around the lit part of the bar, in points: for images whose LEDs have a
-    // border. 0 to begin with; below 0 or no number counts as 0.
+    // border. At first 0; below 0 or NaN counts as 0.
     float onStateLEDInset() const noexcept { return m_onStateLEDInset; }
     void setOnStateLEDInset(float inset);
 
@@ -72,7 +78,13 @@ public:
     std::int32_t peakLEDImageID() const noexcept { return m_peakLEDImageID; }
     void setImageIDs(std::int32_t levelMeterImageID, std::int32_t peakLEDImageID);
 
-    // Nothing, as to begin with: horizontal where the frame is wider than high.
+    // What the levels are, amplitudes at first: the zones and marks of the looks and the words of a
+    // screen reader follow.
+    using LevelScale = LevelMeterLevels;
+    LevelScale levelScale() const noexcept { return m_levelScale; }
+    void setLevelScale(LevelScale scale);
+
+    // Nothing, as at first: horizontal where the frame is wider than high.
     void setOrientation(std::optional<LevelMeterOrientation> orientation);
     LevelMeterOrientation orientation() const noexcept;
 
@@ -84,6 +96,9 @@ public:
     // Where the bar and the clip light are, in the control view. Empty before the cell has a frame.
     Rect levelMeterRect() const;
     Rect peakLEDRect() const;
+    // The part of levelMeterRect() along which levels from 0 to 1 are shown: what a scale beside
+    // the meter goes by. A gap above an LED belongs to the LED.
+    Rect rectOfLevels() const;
 
     // The images for the present frame and window; null before the first frame and where images
     // cannot be drawn.
@@ -96,14 +111,7 @@ public:
 
     // Accessibility. A change of the level is told at most twice a second, the clip light at once.
 
-    // What the levels are, for the words in which a screen reader tells them in decibels.
-    enum class LevelScale : std::uint8_t {
-        Amplitude,  // linear, to begin with
-        Decibels,   // positions of decibel_scale.h
-    };
-    void setLevelScale(LevelScale scale) noexcept { m_levelScale = scale; }
-
-    // The name, a key of localizedString(). "level" to begin with.
+    // The name without one that was set: a key of localizedString(), at first "level".
     void setAccessibilityDescription(std::string key) {
         m_accessibilityDescription = std::move(key);
     }
@@ -113,6 +121,7 @@ public:
     AccessibilityRole accessibilityRole() const override;
     std::string accessibilityName() const override;
     AccessibilityOrientation accessibilityOrientation() const override;
+    // In decibels, from -70 to 0.
     std::optional<AccessibilityNumber> accessibilityNumber() const override;
     // Such as "-12.3 dB", "silence", "-0.2 dB, clipped"; the words are keys of localizedString().
     std::string accessibilityValueText() const override;
@@ -125,6 +134,8 @@ private:
     void tellLevel(Moment now, bool isUrgent);
     const Drawing& drawing(Size frame, float scale, Appearance appearance) const;
     const Drawing* drawingOfFrame() const;
+    LevelMeterPictureRequest request(float scale, Appearance appearance) const;
+    double decibels() const;
     Rect rectOfPart(bool isLight) const;
     template <typename T>
     void change(T& member, T value);
@@ -135,6 +146,7 @@ private:
     std::int32_t m_levelMeterImageID = kLevelMeterImageLED;
     std::int32_t m_peakLEDImageID = kLevelMeterImageLED;
     std::uint32_t m_LED_count = 32;
+    float m_LED_pitch = 0.0F;
     float m_onStateLEDInset = 0.0F;
     std::optional<LevelMeterOrientation> m_orientation;
     const std::unique_ptr<Drawing> m_drawing;  // kept as long as it fits

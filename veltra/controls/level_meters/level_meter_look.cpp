@@ -4,7 +4,9 @@
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/level_meters/detail/drawn_look.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace veltra {
@@ -29,6 +31,9 @@ public:
         picture.end = static_cast<std::int32_t>(
             std::lround(measures(request.orientation).length * request.scale));
         picture.ledCount = request.ledCount;
+        if (request.ledPitch > 0) {
+            picture.ledCount = static_cast<std::uint32_t>(picture.end / request.ledPitch);
+        }
         return picture;
     }
 
@@ -51,9 +56,18 @@ private:
 LevelMeterLook::~LevelMeterLook() = default;
 
 std::vector<LevelMeterZone> defaultLevelMeterZones() {
-    return {{0.0F, Color::fromRgb(0x25B98B)},
-            {meterPositionForDecibels(-9.0), Color::fromRgb(0xFFDB60)},
-            {meterPositionForDecibels(-3.0), Color::fromRgb(0xFF5848)}};
+    return {{-std::numeric_limits<double>::infinity(), Color::fromRgb(0x25B98B)},
+            {-9.0, Color::fromRgb(0xFFDB60)},
+            {-3.0, Color::fromRgb(0xFF5848)}};
+}
+
+float meterPositionOfDecibels(double decibels, LevelMeterLevels levels) noexcept {
+    if (levels == LevelMeterLevels::Decibels) {
+        return std::min(meterPositionForDecibels(decibels), 1.0F);
+    }
+    return std::isnan(decibels)
+               ? 0.0F
+               : static_cast<float>(std::pow(10.0, std::min(decibels, 0.0) / 20.0));
 }
 
 std::shared_ptr<const LevelMeterLook> drawnLevelMeterLook(LevelMeterStyle style) {

@@ -21,6 +21,15 @@ namespace veltra {
 // light is at the far end.
 enum class LevelMeterOrientation : std::uint8_t { Vertical, Horizontal };
 
+// What the levels of a meter are.
+enum class LevelMeterLevels : std::uint8_t {
+    Amplitude,  // linear, 1 at full scale
+    Decibels,   // positions of decibel_scale.h
+};
+
+// Where that many decibels are shown, from 0 to 1; 0 for NaN.
+VELTRA_EXPORT float meterPositionOfDecibels(double decibels, LevelMeterLevels levels) noexcept;
+
 // In points. "Length" runs with the level, "thickness" across.
 struct LevelMeterMeasures {
     float length = 0.0F;  // of the bar; 0: as long as there is room
@@ -36,7 +45,9 @@ struct LevelMeterPictureRequest {
     float scale = 1.0F;  // device pixels a point
     LevelMeterOrientation orientation = LevelMeterOrientation::Vertical;
     Appearance appearance = Appearance::Light;
-    std::uint32_t ledCount = 0;  // 0: a continuous bar
+    std::uint32_t ledCount = 0;  // 0: a continuous bar, unless there is a pitch
+    std::int32_t ledPitch = 0;   // device pixels from LED to LED; 0: the count decides
+    LevelMeterLevels levels = LevelMeterLevels::Amplitude;
 
     friend bool operator==(const LevelMeterPictureRequest&,
                            const LevelMeterPictureRequest&) = default;
@@ -74,21 +85,21 @@ public:
     virtual LevelMeterPicture light(const LevelMeterPictureRequest& request) const = 0;
 };
 
-// A colour from a position on.
+// A colour from a level on. Where that lies on the bar depends on what the levels are.
 struct LevelMeterZone {
-    float start;  // 0 to 1
-    Color color;  // of what is lit; what is not is a shade of it
+    double decibels;  // minus infinity for the lowest zone
+    Color color;      // of what is lit; what is not is a shade of it
 };
 
-// Green, amber from -9 dB, red from -3 dB, at their places of the decibel scale. The three differ
-// in lightness as well as in hue: amber is the lightest, red the darkest, and the green has some
-// blue in it, so that they can be told apart with any kind of colour vision.
+// Green, amber from -9 dB, red from -3 dB. The three differ in lightness as well as in hue: amber
+// is the lightest, red the darkest, and the green has some blue in it, so that they can be told
+// apart with any kind of colour vision.
 VELTRA_EXPORT std::vector<LevelMeterZone> defaultLevelMeterZones();
 
 // What the looks drawn by code leave open. Sizes in points.
 struct LevelMeterStyle {
     std::vector<LevelMeterZone> zones = defaultLevelMeterZones();  // in rising order, not empty
-    std::vector<float> marks;   // positions of thin lines across a continuous bar
+    std::vector<double> marks;  // decibels of thin lines across a continuous bar
     bool isContinuous = false;  // also where a number of LEDs is set
     float thickness = 12.0F;
     float edge = 1.0F;     // the frame of the well

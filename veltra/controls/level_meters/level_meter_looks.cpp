@@ -2,7 +2,6 @@
 #include "veltra/controls/level_meters/level_meter_looks.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/controls/level_meters/decibel_scale.h"
 
 #include <map>
 #include <utility>
@@ -16,8 +15,7 @@ using Looks = std::map<std::int32_t, std::shared_ptr<const LevelMeterLook>>;
 LevelMeterStyle barStyle() {
     LevelMeterStyle style;
     style.isContinuous = true;
-    for (const double decibels : {-40.0, -30.0, -20.0, -9.0, -3.0})
-        style.marks.push_back(meterPositionForDecibels(decibels));
+    style.marks = {-40.0, -30.0, -20.0, -9.0, -3.0};
     return style;
 }
 

@@ -9,13 +9,26 @@
 
 namespace veltra {
 
-DfStereoLevelMeterView::DfStereoLevelMeterView(const Rect& frame) : Control(frame) {
-    for (QkLevelMeterCell* cell : {&m_cellL, &m_cellR}) {
+namespace {
+
+std::unique_ptr<QkLevelMeterCell> makeCell(const CellFactory& cells) {
+    std::unique_ptr<Cell> cell = cells.make();
+    auto* const meter = dynamic_cast<QkLevelMeterCell*>(cell.get());
+    if (meter == nullptr) return std::make_unique<QkLevelMeterCell>();
+    static_cast<void>(cell.release());
+    return std::unique_ptr<QkLevelMeterCell>(meter);
+}
+
+}  // namespace
+
+DfStereoLevelMeterView::DfStereoLevelMeterView(const Rect& frame, const CellFactory& cells)
+    : Control(frame), m_cellL(makeCell(cells)), m_cellR(makeCell(cells)) {
+    for (QkLevelMeterCell* cell : {m_cellL.get(), m_cellR.get()}) {
         cell->setControlView(this);
         cell->setAccessibilityParent(this);
     }
-    m_cellL.setAccessibilityDescription("left stereo");
-    m_cellR.setAccessibilityDescription("right stereo");
+    m_cellL->setAccessibilityDescription("left stereo");
+    m_cellR->setAccessibilityDescription("right stereo");
     layOut();
 }
 
@@ -29,49 +42,59 @@ CellFactory DfStereoLevelMeterView::cellClass() {
 
 void DfStereoLevelMeterView::setLevelL(float levelL, float levelR, bool forceDisplayIfNeeded) {
     const WeakPointer<View> self(this);
-    m_cellL.setLevel(levelL, forceDisplayIfNeeded);
-    if (self) m_cellR.setLevel(levelR, forceDisplayIfNeeded);
+    m_cellL->setLevel(levelL, forceDisplayIfNeeded);
+    if (self) m_cellR->setLevel(levelR, forceDisplayIfNeeded);
 }
 
 void DfStereoLevelMeterView::setPeakL(bool isOn) {
-    m_cellL.setPeak(isOn);
+    m_cellL->setPeak(isOn);
 }
 
 void DfStereoLevelMeterView::setPeakR(bool isOn) {
-    m_cellR.setPeak(isOn);
+    m_cellR->setPeak(isOn);
 }
 
 void DfStereoLevelMeterView::setLEDCount(std::uint32_t count) {
-    m_cellL.setLEDCount(count);
-    m_cellR.setLEDCount(count);
+    m_cellL->setLEDCount(count);
+    m_cellR->setLEDCount(count);
+}
+
+void DfStereoLevelMeterView::setLEDPitch(float points) {
+    m_cellL->setLEDPitch(points);
+    m_cellR->setLEDPitch(points);
+}
+
+void DfStereoLevelMeterView::setLevelScale(LevelMeterLevels scale) {
+    m_cellL->setLevelScale(scale);
+    m_cellR->setLevelScale(scale);
 }
 
 void DfStereoLevelMeterView::setFallBackStep(float step) {
-    m_cellL.setFallBackStep(step);
-    m_cellR.setFallBackStep(step);
+    m_cellL->setFallBackStep(step);
+    m_cellR->setFallBackStep(step);
 }
 
 void DfStereoLevelMeterView::setFallBackStepTime(double seconds) {
-    m_cellL.setFallBackStepTime(seconds);
-    m_cellR.setFallBackStepTime(seconds);
+    m_cellL->setFallBackStepTime(seconds);
+    m_cellR->setFallBackStepTime(seconds);
 }
 
 void DfStereoLevelMeterView::setMaxLevelHoldTime(double seconds) {
-    m_cellL.setMaxLevelHoldTime(seconds);
-    m_cellR.setMaxLevelHoldTime(seconds);
+    m_cellL->setMaxLevelHoldTime(seconds);
+    m_cellR->setMaxLevelHoldTime(seconds);
 }
 
 void DfStereoLevelMeterView::setOnStateLEDInset(float inset) {
-    m_cellL.setOnStateLEDInset(inset);
-    m_cellR.setOnStateLEDInset(inset);
+    m_cellL->setOnStateLEDInset(inset);
+    m_cellR->setOnStateLEDInset(inset);
 }
 
 void DfStereoLevelMeterView::setImageIDs(std::int32_t levelMeterImageID,
                                          std::int32_t peakLEDImageID) {
     m_ImageIDLevel = levelMeterImageID;
     m_ImageIDPeak = peakLEDImageID;
-    m_cellL.setImageIDs(m_ImageIDLevel, m_ImageIDPeak);
-    m_cellR.setImageIDs(m_ImageIDLevel, m_ImageIDPeak);
+    m_cellL->setImageIDs(m_ImageIDLevel, m_ImageIDPeak);
+    m_cellR->setImageIDs(m_ImageIDLevel, m_ImageIDPeak);
     layOut();
 }
 
@@ -96,7 +119,7 @@ void DfStereoLevelMeterView::getCellFrames(Rect& left, Rect& right) const {
     const auto whole = [scale](float points) { return std::floor(points * scale) / scale; };
     const Size size = bounds().size;
     const auto gap = std::round(static_cast<float>(m_padding) * scale) / scale;
-    const float wanted = m_cellL.cellHeight();
+    const float wanted = m_cellL->cellHeight();
     if (orientation() == LevelMeterOrientation::Vertical) {
         const float width = std::max(whole((size.width - gap) * 0.5F), 0.0F);
         const float height = std::min(wanted, size.height);
@@ -112,23 +135,27 @@ void DfStereoLevelMeterView::getCellFrames(Rect& left, Rect& right) const {
     right = {{0.0F, isFlipped() ? far : near}, {size.width, height}};
 }
 
-void DfStereoLevelMeterView::layOut() {
-    m_cellL.setOrientation(orientation());
-    m_cellR.setOrientation(orientation());
+// Asks for no redraw by itself and leaves the tool tips alone.
+void DfStereoLevelMeterView::placeCells() {
+    m_cellL->setOrientation(orientation());
+    m_cellR->setOrientation(orientation());
     Rect left;
     Rect right;
     getCellFrames(left, right);
-    m_cellL.calculateInternalsFromCellFrame(left, *this);
-    m_cellR.calculateInternalsFromCellFrame(right, *this);
+    m_cellL->calculateInternalsFromCellFrame(left, *this);
+    m_cellR->calculateInternalsFromCellFrame(right, *this);
+}
 
+void DfStereoLevelMeterView::layOut() {
+    placeCells();
     const auto renew = [this](std::int32_t& tag, const Rect& rect, const std::string& text) {
         toolTips().removeToolTip(tag);
         tag = text.empty() || rect.isEmpty() ? 0 : toolTips().addToolTipRect(rect, text);
     };
-    renew(m_ToolTipTagLevelL, m_cellL.levelMeterRect(), m_levelText);
-    renew(m_ToolTipTagLevelR, m_cellR.levelMeterRect(), m_levelText);
-    renew(m_ToolTipTagPeakL, m_cellL.peakLEDRect(), m_peakText);
-    renew(m_ToolTipTagPeakR, m_cellR.peakLEDRect(), m_peakText);
+    renew(m_ToolTipTagLevelL, m_cellL->levelMeterRect(), m_levelText);
+    renew(m_ToolTipTagLevelR, m_cellR->levelMeterRect(), m_levelText);
+    renew(m_ToolTipTagPeakL, m_cellL->peakLEDRect(), m_peakText);
+    renew(m_ToolTipTagPeakR, m_cellR->peakLEDRect(), m_peakText);
     setNeedsDisplay();
 }
 
@@ -151,16 +178,16 @@ void DfStereoLevelMeterView::mouseDown(const Event& /*event*/) {
 
 void DfStereoLevelMeterView::clearPeaksAndSendAction() {
     const WeakPointer<View> self(this);
-    layOut();
-    m_cellL.setPeak(false);
-    if (self) m_cellR.setPeak(false);
+    placeCells();
+    m_cellL->setPeak(false);
+    if (self) m_cellR->setPeak(false);
     if (!self) return;
     setNeedsDisplay();
     sendAction();
 }
 
 void DfStereoLevelMeterView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
-    for (QkLevelMeterCell* cell : {&m_cellL, &m_cellR}) {
+    for (QkLevelMeterCell* cell : {m_cellL.get(), m_cellR.get()}) {
         if (needsToDrawRect(cell->cellFrame()))
             cell->drawWithFrame(canvas, cell->cellFrame(), *this);
     }
@@ -168,12 +195,13 @@ void DfStereoLevelMeterView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
 
 std::vector<AccessibilityElement*> DfStereoLevelMeterView::accessibilityChildren() const {
     std::vector<AccessibilityElement*> children = Control::accessibilityChildren();
-    for (const QkLevelMeterCell* cell : {&m_cellL, &m_cellR})
-        children.push_back(const_cast<QkLevelMeterCell*>(cell));
+    children.push_back(m_cellL.get());
+    children.push_back(m_cellR.get());
     return children;
 }
 
 std::vector<AccessibilityAction> DfStereoLevelMeterView::accessibilityActions() const {
+    if (!isEnabled()) return {};
     return {AccessibilityAction::Press};
 }
 

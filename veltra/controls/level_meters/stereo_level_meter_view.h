@@ -12,6 +12,7 @@
 #include "veltra/ui/control.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,32 +20,35 @@ namespace veltra {
 
 class VELTRA_EXPORT DfStereoLevelMeterView : public Control {
 public:
-    explicit DfStereoLevelMeterView(const Rect& frame = {});
+    // `cells` makes both cells; what it makes must be a QkLevelMeterCell, else it is one of those.
+    explicit DfStereoLevelMeterView(const Rect& frame = {}, const CellFactory& cells = cellClass());
     ~DfStereoLevelMeterView() override;
 
-    // Of its cells: QkLevelMeterCell.
+    // The class of its cells unless another is given: QkLevelMeterCell.
     static CellFactory cellClass();
-    QkLevelMeterCell& cellL() noexcept { return m_cellL; }
-    QkLevelMeterCell& cellR() noexcept { return m_cellR; }
+    QkLevelMeterCell& cellL() noexcept { return *m_cellL; }
+    QkLevelMeterCell& cellR() noexcept { return *m_cellR; }
 
     // The selectors of QkLevelMeterCell for one or both cells, left before right.
     void setLevelL(float levelL, float levelR, bool forceDisplayIfNeeded = false);
-    float levelL() const noexcept { return m_cellL.level(); }
-    float levelR() const noexcept { return m_cellR.level(); }
+    float levelL() const noexcept { return m_cellL->level(); }
+    float levelR() const noexcept { return m_cellR->level(); }
     void setPeakL(bool isOn);
     void setPeakR(bool isOn);
     void setLEDCount(std::uint32_t count);
+    void setLEDPitch(float points);
+    void setLevelScale(LevelMeterLevels scale);
     void setFallBackStep(float step);
     void setFallBackStepTime(double seconds);
     void setMaxLevelHoldTime(double seconds);
     void setOnStateLEDInset(float inset);
     void setImageIDs(std::int32_t levelMeterImageID, std::int32_t peakLEDImageID);
 
-    // Nothing, as to begin with: lying where the view is wider than high.
+    // Nothing, as at first: lying where the view is wider than high.
     void setOrientation(std::optional<LevelMeterOrientation> orientation);
     LevelMeterOrientation orientation() const noexcept;
 
-    // Between the cells, in points. 2 to begin with; below 0 counts as 0.
+    // Between the cells, in points. At first 2; below 0 counts as 0.
     std::int32_t padding() const noexcept { return m_padding; }
     void setPadding(std::int32_t padding);
 
@@ -60,7 +64,8 @@ public:
     void viewDidMoveToWindow() override;
 
     // A group of two level indicators, "left stereo" and "right stereo" (keys of
-    // localizedString()). Press does what a click does.
+    // localizedString()); setAccessibilityName() names the group. While it is enabled, Press does
+    // what a click does.
     AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
     std::vector<AccessibilityElement*> accessibilityChildren() const override;
     std::vector<AccessibilityAction> accessibilityActions() const override;
@@ -74,10 +79,11 @@ private:
     // where the bounds are too low; lying ones keep to the middle.
     void getCellFrames(Rect& left, Rect& right) const;
     void layOut();
+    void placeCells();
     void clearPeaksAndSendAction();
 
-    QkLevelMeterCell m_cellL;
-    QkLevelMeterCell m_cellR;
+    const std::unique_ptr<QkLevelMeterCell> m_cellL;
+    const std::unique_ptr<QkLevelMeterCell> m_cellR;
     std::int32_t m_ImageIDLevel = kLevelMeterImageLED;
     std::int32_t m_ImageIDPeak = kLevelMeterImageLED;
     std::int32_t m_ToolTipTagLevelL = 0;  // 0: none

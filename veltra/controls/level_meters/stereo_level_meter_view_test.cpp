@@ -5,12 +5,11 @@
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace veltra {
 namespace {
@@ -124,7 +123,8 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
         }
         if (imageID != kLevelMeterImageLED) return;
         const float pitch = high(maximum) - low(maximum);
-        EXPECT_NEAR(high(lit) - low(lit), pitch * 10.0F, 1e-3);
+        EXPECT_NEAR(high(lit) - low(lit), pitch * 11.0F, 1e-3)
+            << "0.52 of 20 reaches into the 11th";
         EXPECT_NEAR(low(maximum) - low(lit), pitch * 17.0F, 1e-3);
     };
     for (const float scale : {1.0F, 1.5F, 2.0F}) {
@@ -136,6 +136,57 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
             }
         }
     }
+}
+
+TEST_F(LevelMeterTest, ThePitchOfLedsIsTheSameAfterEveryLayout) {
+    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {26, 180}});
+    DfStereoLevelMeterView& view = *made;
+    const HostedView host(std::move(made));
+    view.setLEDPitch(4.0F);
+    const Rect first = view.cellL().rectOfLevels();
+    for (int i = 0; i < 40; ++i) {
+        view.setFrameSize({26, i % 2 == 0 ? 180.7F + static_cast<float>(i) : 180.0F});
+        EXPECT_EQ(view.cellL().rectOfLevels().size.height,
+                  4.0F * static_cast<float>(view.cellL().LEDCount()));
+    }
+    EXPECT_EQ(view.cellL().rectOfLevels(), first);
+    EXPECT_GT(view.cellL().LEDCount(), 38U);
+    view.setLEDCount(7);
+    EXPECT_EQ(view.cellL().LEDCount(), 7U);
+}
+
+TEST_F(LevelMeterTest, AnLedIsLitFromItsBeginningOnAndItsColourFollowsTheScale) {
+    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {26, 180}});
+    DfStereoLevelMeterView& view = *made;
+    HostedView host(std::move(made));
+    view.setLEDCount(32);
+    view.setFallBackStepTime(0.0);
+    const float pitch = view.cellL().rectOfLevels().size.height / 32.0F;
+    const std::pair<float, float> kLit[] = {{0.001F, 1.0F},  {0.5F, 16.0F},   {0.51F, 17.0F},
+                                            {0.968F, 31.0F}, {0.985F, 32.0F}, {1.0F, 32.0F}};
+    for (const auto& [level, leds] : kLit) {
+        view.setLevelL(level, 0.0F, true);
+        EXPECT_NEAR(images(host)[1].rect.size.height, leds * pitch, 1e-3) << level;
+    }
+    // 0.75 is -2.5 dB as an amplitude and -10 dB on the decibel scale.
+    const auto colorOf = [&](LevelMeterLevels scale) {
+        view.setLevelScale(scale);
+        const auto image = std::dynamic_pointer_cast<const testing::RecordedImage>(
+            view.cellL().levelMeterOffImage());
+        const auto& calls = image->canvas.calls;  // the last 32 are the LEDs from below
+        return calls[calls.size() - 32 + 24].color;
+    };
+    EXPECT_GT(colorOf(LevelMeterLevels::Amplitude).red, colorOf(LevelMeterLevels::Decibels).red);
+}
+
+TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
+    struct Cell : QkLevelMeterCell {};
+    DfStereoLevelMeterView view({{}, {26, 180}}, cellFactory<Cell>());
+    EXPECT_NE(dynamic_cast<Cell*>(&view.cellR()), nullptr);
+    EXPECT_EQ(DfStereoLevelMeterView::cellClass(), cellFactory<QkLevelMeterCell>());
+    EXPECT_FALSE(cellFactory<Cell>() == DfStereoLevelMeterView::cellClass());
+    DfStereoLevelMeterView plain({{}, {26, 180}}, CellFactory());
+    EXPECT_EQ(plain.cellL().accessibilityParent(), &plain);
 }
 
 TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
@@ -189,12 +240,18 @@ TEST_F(LevelMeterTest, AClickOrAPressPutsOutBothClipLightsAndSendsTheAction) {
     view.setEnabled(false);
     host->click({5, 5});
     EXPECT_FALSE(view.performAccessibilityAction(AccessibilityAction::Press));
+    EXPECT_TRUE(view.accessibilityActions().empty());
     EXPECT_TRUE(view.cellL().peak());
     view.setEnabled(true);
     host->display();
     host->click({5, 5});
     EXPECT_EQ(target.clicks, 1);
-    EXPECT_TRUE(std::count(host->port.invalid.begin(), host->port.invalid.end(), view.bounds()));
+    const auto onSurface = [&](const Rect& rect) {
+        return Rect{{rect.minX(), view.bounds().size.height - rect.maxY()}, rect.size};
+    };
+    EXPECT_THAT(host->port.invalid,
+                ::testing::ElementsAre(onSurface(view.cellL().cellFrame()),
+                                       onSurface(view.cellR().cellFrame()), view.bounds()));
     target.victim = &host;  // the action deletes the view
     view.setPeakR(true);
     EXPECT_TRUE(view.performAccessibilityAction(AccessibilityAction::Press));
@@ -216,6 +273,9 @@ TEST_F(LevelMeterTest, TellsAScreenReaderInWordsAndNotTooOften) {
 
     QkLevelMeterCell& cell = view.cellL();
     EXPECT_EQ(cell.accessibilityValueText(), "silence");
+    EXPECT_EQ(cell.accessibilityNumber()->value, -70.0);
+    cell.setAccessibilityName("kick");
+    EXPECT_EQ(cell.accessibilityName(), "kick");
     const auto& told = port.notifications[AccessibilityNotification::ValueChanged];
     for (int i = 0; i < 600; ++i) {
         view.setLevelL(i / 40 % 2 != 0 ? 0.9F : 0.0F, 0.0F);
@@ -226,6 +286,7 @@ TEST_F(LevelMeterTest, TellsAScreenReaderInWordsAndNotTooOften) {
     cell.setFallBackStepTime(0.0);
     view.setLevelL(0.25F, 0.0F);
     EXPECT_EQ(cell.accessibilityValueText(), "-12.0 dB");
+    EXPECT_NEAR(cell.accessibilityNumber()->value, -12.04, 0.01);
     cell.setLevelScale(QkLevelMeterCell::LevelScale::Decibels);
     const std::size_t before = told.size();
     view.setLevelL(1.5F, 0.0F);

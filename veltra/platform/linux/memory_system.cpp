@@ -6,7 +6,6 @@
 #include "veltra/platform/port.h"
 
 #include <cerrno>
-#include <string_view>
 
 #include <fcntl.h>
 #include <sys/epoll.h>
@@ -22,7 +21,7 @@ constexpr Nanoseconds kSecond = milliseconds(1000);
 
 // Tells when threads have waited for a twentieth of two seconds. Windows of two seconds are the
 // only ones that the kernel gives to everybody.
-constexpr std::string_view kTrigger("some 100000 2000000", 20);  // with its NUL
+constexpr char kTrigger[] = "some 100000 2000000";
 
 std::uint64_t limitFrom(rlim_t limit) noexcept {
     return limit == RLIM_INFINITY ? MemorySystem::kNoLimit : std::uint64_t{limit};
@@ -79,7 +78,7 @@ public:
             return {};
         Descriptor trigger(::open(pressurePath, O_RDWR | O_NONBLOCK | O_CLOEXEC));
         const bool isTriggered = trigger.isOpen() &&
-                                 ::write(trigger.number(), kTrigger.data(), kTrigger.size()) >= 0 &&
+                                 ::write(trigger.number(), kTrigger, sizeof kTrigger) >= 0 &&
                                  watch(all.number(), trigger.number(), EPOLLPRI);
         return {all.release(), timer.release(), isTriggered ? trigger.release() : -1};
     }

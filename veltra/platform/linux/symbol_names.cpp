@@ -3,6 +3,7 @@
 
 #include "veltra/platform/linux/symbol_tables.h"
 
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 
@@ -30,7 +31,7 @@ SymbolName symbolNameOf(std::uintptr_t address) noexcept {
     SymbolName name;
     nameFromTables(address, name);
     Dl_info info{};
-    if (::dladdr(reinterpret_cast<const void*>(address), &info) == 0) return name;
+    if (::dladdr(std::bit_cast<const void*>(address), &info) == 0) return name;
     if (info.dli_fname != nullptr) setText(name.object, info.dli_fname);
     if (name.function[0] == '\0' && info.dli_sname != nullptr) setFunction(name, info.dli_sname);
     return name;

@@ -17,6 +17,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,7 +34,9 @@ public:
     Cursor cursor = Cursor::Arrow;
     Size minimum;
     Size maximum;
+    bool canMove = false;
 
+    bool startMove() override { return canMove; }
     void invalidate(const Rect& surfaceRect) override { invalid.push_back(surfaceRect); }
     void displayIfNeeded() override {}
     void takeKeyboard() override {}
@@ -57,6 +61,7 @@ public:
     Point toolTipPlace;
     std::map<AccessibilityNotification, std::vector<AccessibilityElement*>> notifications;
     bool isTerminated = false;
+    std::optional<std::set<std::string>> files;  // those that exist; nothing: every one does
 
     std::unique_ptr<WindowPort> makeWindow(Window& /*window*/, const Rect& /*contentRect*/,
                                            const WindowStyle& /*style*/) override {
@@ -82,7 +87,8 @@ public:
                 text.font.size * 1.25F};
     }
     std::shared_ptr<const Image> loadImage(const std::string& path, float scale) override {
-        return path.empty() ? nullptr : std::make_shared<RecordedImage>(20, 10, scale);
+        if (path.empty() || (files && files->count(path) == 0)) return nullptr;
+        return std::make_shared<RecordedImage>(20, 10, scale);
     }
     std::shared_ptr<const Image> drawImage(std::int32_t pixelWidth, std::int32_t pixelHeight,
                                            float scale,
@@ -166,7 +172,7 @@ private:
         event.eventNumber = m_presses;
         event.modifierFlags = flags;
         event.deltaX = point.x - m_last.x;
-        event.deltaY = m_last.y - point.y;
+        event.deltaY = point.y - m_last.y;
         m_last = point;
         Application::current().postEvent(std::move(event));
     }

@@ -124,15 +124,24 @@ struct Leds {
     std::int32_t count = 0;
 };
 
-Leds layOutLeds(std::int32_t room, std::uint32_t wanted, float scale) {
+Leds layOutLeds(std::int32_t room, const LevelMeterPictureRequest& request) {
     Leds leds;
-    if (wanted == 0 || room <= 0 || wanted > static_cast<std::uint32_t>(room)) return leds;
-    leds.count = static_cast<std::int32_t>(wanted);
-    const std::int32_t fullGap = devicePixels(1.0F, scale);
-    leds.pitch = (room + fullGap) / leds.count;
-    leds.gap = leds.pitch >= 3 * fullGap ? fullGap : std::min(leds.pitch / 2, 1);
-    if (leds.pitch * leds.count - leds.gap > room) leds.pitch = room / leds.count;
-    leds.start = (room - (leds.pitch * leds.count - leds.gap)) / 2;
+    if (room <= 0) return leds;
+    const std::int32_t fullGap = devicePixels(1.0F, request.scale);
+    const auto gapOf = [fullGap](std::int32_t pitch) {
+        return pitch >= 3 * fullGap ? fullGap : std::min(pitch / 2, 1);
+    };
+    if (request.ledPitch > 0) {
+        leds.pitch = request.ledPitch;
+        leds.gap = gapOf(leds.pitch);
+        leds.count = (room + leds.gap) / leds.pitch;
+    } else if (request.ledCount > 0 && request.ledCount <= static_cast<std::uint32_t>(room)) {
+        leds.count = static_cast<std::int32_t>(request.ledCount);
+        leds.pitch = (room + fullGap) / leds.count;
+        leds.gap = gapOf(leds.pitch);
+        if (leds.pitch * leds.count - leds.gap > room) leds.pitch = room / leds.count;
+    }
+    if (leds.count > 0) leds.start = (room - (leds.pitch * leds.count - leds.gap)) / 2;
     return leds;
 }
 
@@ -147,31 +156,32 @@ LevelMeterMeasures DrawnLook::measures(LevelMeterOrientation /*orientation*/) co
 std::int32_t DrawnLook::fittingLength(const LevelMeterPictureRequest& request) const {
     if (m_style.isContinuous) return request.length;
     const std::int32_t around = 2 * insetOf(m_style, request);
-    const Leds leds = layOutLeds(request.length - around, request.ledCount, request.scale);
+    const Leds leds = layOutLeds(request.length - around, request);
     return leds.count > 0 ? leds.count * leds.pitch - leds.gap + around : request.length;
 }
 
-Color DrawnLook::colorAt(float position) const {
+Color DrawnLook::colorAt(float position, LevelMeterLevels levels) const {
     Color color = m_style.zones.empty() ? kWhite : m_style.zones.front().color;
     for (const LevelMeterZone& zone : m_style.zones) {
-        if (position >= zone.start) color = zone.color;
+        if (position >= meterPositionOfDecibels(zone.decibels, levels)) color = zone.color;
     }
     return color;
 }
 
-Color DrawnLook::blendedColorAt(float position) const {
+Color DrawnLook::blendedColorAt(float position, LevelMeterLevels levels) const {
     for (const LevelMeterZone& zone : m_style.zones) {
-        const float part = (position - zone.start + kBlend) / (2.0F * kBlend);
-        if (zone.start > 0.0F && part > 0.0F && part < 1.0F)
-            return colorAt(zone.start - kBlend).mixedWith(zone.color, part);
+        const float start = meterPositionOfDecibels(zone.decibels, levels);
+        const float part = (position - start + kBlend) / (2.0F * kBlend);
+        if (start > 0.0F && part > 0.0F && part < 1.0F)
+            return colorAt(start - kBlend, levels).mixedWith(zone.color, part);
     }
-    return colorAt(position);
+    return colorAt(position, levels);
 }
 
 LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const {
     const std::int32_t inset = insetOf(m_style, request);
     const std::int32_t room = request.length - 2 * inset;
-    const Leds leds = layOutLeds(room, m_style.isContinuous ? 0 : request.ledCount, request.scale);
+    const Leds leds = m_style.isContinuous ? Leds{} : layOutLeds(room, request);
     LevelMeterPicture picture;
     picture.start = std::min(inset + leds.start, request.length);
     picture.end = leds.count > 0 ? picture.start + leds.count * leds.pitch
@@ -182,7 +192,7 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
     const auto drawLeds = [&](Brush& brush, const MeterArea& inside, bool isLit) {
         for (std::int32_t i = 0; i < leds.count; ++i) {
             const float middle = (static_cast<float>(i) + 0.5F) / static_cast<float>(leds.count);
-            const Color color = colorAt(middle);
+            const Color color = colorAt(middle, request.levels);
             const std::int32_t low = picture.start + i * leds.pitch;
             const MeterArea led = inside.part(low, low + leds.pitch - leds.gap);
             if (isLit) {
@@ -200,7 +210,7 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
         const auto length = static_cast<float>(picture.end - picture.start);
         for (std::int32_t low = picture.start; low < picture.end; ++low) {
             const float position = (static_cast<float>(low - picture.start) + 0.5F) / length;
-            const Color color = blendedColorAt(position);
+            const Color color = blendedColorAt(position, request.levels);
             const MeterArea slice = inside.part(low, low + 1);
             if (isLit) {
                 brush.fillRounded(slice, color.mixedWith(kBlack, kShade),
@@ -210,9 +220,10 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
             }
         }
         const std::int32_t width = devicePixels(1.0F, request.scale);
-        for (const float mark : m_style.marks) {
+        for (const double mark : m_style.marks) {
+            const float position = meterPositionOfDecibels(mark, request.levels);
             const std::int32_t low =
-                picture.start + static_cast<std::int32_t>(std::lround(mark * length));
+                picture.start + static_cast<std::int32_t>(std::lround(position * length));
             const Color line = isLit ? kBlack.withAlpha(0.42F) : kWhite.withAlpha(0.20F);
             brush.fill(inside.part(low, std::min(low + width, picture.end)), line);
         }

@@ -16,8 +16,8 @@ public:
     LevelMeterPicture light(const LevelMeterPictureRequest& request) const override;
 
 private:
-    Color colorAt(float position) const;
-    Color blendedColorAt(float position) const;
+    Color colorAt(float position, LevelMeterLevels levels) const;
+    Color blendedColorAt(float position, LevelMeterLevels levels) const;
 
     const LevelMeterStyle m_style;
 };

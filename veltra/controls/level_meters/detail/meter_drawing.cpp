@@ -38,18 +38,36 @@ void MeterDrawing::fit(const MeterLooks& looks, Size frame,
     m_bar = pictureOf(looks.bar, MeterPart::Bar, m_layout.bar, request);
     LevelMeterPictureRequest ofLight = request;
     ofLight.ledCount = 0;
+    ofLight.ledPitch = 0;
     m_light = pictureOf(looks.light, MeterPart::Light, m_layout.light, ofLight);
 }
 
-// Where the lit part of the bar ends, in device pixels: after whole LEDs.
-std::int32_t MeterDrawing::litEnd(float level) const {
-    float part = std::clamp(level, 0.0F, 1.0F);
-    if (m_bar.ledCount > 0) {
-        const auto count = static_cast<float>(m_bar.ledCount);
-        part = std::round(part * count) / count;
-    }
+// An LED is lit when the level is above the place where the LED begins.
+std::int32_t MeterDrawing::litLeds(float level) const {
+    constexpr float kRounding = 1e-3F;  // of an LED: levels that stand exactly on its beginning
+    const float part = std::clamp(level, 0.0F, 1.0F);
+    if (part == 0.0F) return 0;
+    const float leds = part * static_cast<float>(m_bar.ledCount);
+    return std::max(static_cast<std::int32_t>(std::ceil(leds - kRounding)), 1);
+}
+
+// In device pixels from the low end.
+std::int32_t MeterDrawing::endOf(float part) const {
     const auto room = static_cast<float>(m_bar.end - m_bar.start);
     return m_bar.start + static_cast<std::int32_t>(std::lround(part * room));
+}
+
+std::int32_t MeterDrawing::endOfLeds(std::int32_t count) const {
+    return endOf(static_cast<float>(count) / static_cast<float>(m_bar.ledCount));
+}
+
+std::int32_t MeterDrawing::litEnd(float level) const {
+    return m_bar.ledCount > 0 ? endOfLeds(litLeds(level)) : endOf(std::clamp(level, 0.0F, 1.0F));
+}
+
+Rect MeterDrawing::rectOfLevels(const Rect& frame, bool isFlipped) const {
+    const MeterArea& bar = m_layout.bar;
+    return m_layout.inView(bar.part(bar.low + m_bar.start, bar.low + m_bar.end), frame, isFlipped);
 }
 
 void MeterDrawing::drawPart(Canvas& canvas, const Rect& place, const Image* image,
@@ -74,10 +92,8 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
     drawLit(m_bar.start, litEnd(state.level));
     const std::int32_t top = litEnd(state.maximum);
     if (top > m_bar.start) {
-        const std::int32_t line =
-            m_bar.ledCount > 0
-                ? top - litEnd(state.maximum - 1.0F / static_cast<float>(m_bar.ledCount))
-                : devicePixels(kMaximumLine, m_layout.scale);
+        const std::int32_t line = m_bar.ledCount > 0 ? top - endOfLeds(litLeds(state.maximum) - 1)
+                                                     : devicePixels(kMaximumLine, m_layout.scale);
         drawLit(std::max(top - line, m_bar.start), top);
     }
     const Image* const light = (state.isClipped ? m_light.on : m_light.off).get();

@@ -37,10 +37,16 @@ public:
     const LevelMeterPicture& bar() const noexcept { return m_bar; }
     const LevelMeterPicture& light() const noexcept { return m_light; }
 
+    // Where levels from 0 to 1 are shown by a meter in `frame`.
+    Rect rectOfLevels(const Rect& frame, bool isFlipped) const;
+
     // `place` begins and ends on borders between device pixels.
     void draw(Canvas& canvas, const Rect& place, const MeterState& state) const;
 
 private:
+    std::int32_t litLeds(float level) const;
+    std::int32_t endOf(float part) const;
+    std::int32_t endOfLeds(std::int32_t count) const;
     std::int32_t litEnd(float level) const;
     void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
                   const MeterArea& part) const;

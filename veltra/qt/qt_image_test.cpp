@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/qt/qt_image.h"
+
+#include "veltra/qt/qt_port.h"
+#include "veltra/qt/testing/on_qt.h"
+
+namespace veltra {
+namespace {
+
+using testing::OnQt;
+
+TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
+    installQtPort();
+    const auto draw = [](Canvas& canvas) {
+        canvas.fillRect({{0, 0}, {1, 1}}, Color::fromRgb(0x336699));
+    };
+    const auto image = Image::drawn({2, 1}, 2.0F, draw);
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->pixelAt(1, 1), 0xFF336699U);
+    EXPECT_EQ(image->pixelAt(2, 0), 0U);
+    EXPECT_EQ(toQImage(*image).format(), QImage::Format_ARGB32_Premultiplied);
+    const auto opaque = Image::drawn({1, 1}, 2.0F, draw);
+    EXPECT_EQ(toQImage(*opaque).format(), QImage::Format_RGB32);
+    EXPECT_EQ(fromQImage(toQImage(*opaque))->size(), (Size{1, 1}));
+}
+
+}  // namespace
+}  // namespace veltra

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/accessibility.h"
+
+#include "veltra/ui/control.h"
+#include "veltra/ui/testing/scripted_port.h"
+
+#include <gmock/gmock.h>
+
+namespace veltra::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct Named final : View {
+    using View::View;
+    AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
+};
+
+TEST(Accessibility, FindsOnlyWhatCanBeSeen) {
+    ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    View& row = host.window.contentView()->addSubview(
+        std::make_unique<View>(Rect{{0, 0}, {50, 100}}));  // ignored, and cuts off
+    Named& seen = row.addSubview(std::make_unique<Named>(Rect{{10, 10}, {20, 20}}));
+    Named& cut = row.addSubview(std::make_unique<Named>(Rect{{40, 10}, {40, 20}}));
+    Named& out = row.addSubview(std::make_unique<Named>(Rect{{60, 50}, {20, 20}}));
+    AccessibilityElement& root = *host.window.contentView();
+    EXPECT_THAT(shownAccessibilityChildren(root), ElementsAre(&seen, &cut, &out));
+    EXPECT_EQ(accessibilityElementAt(root, {15, 15}), &seen);
+    EXPECT_EQ(accessibilityElementAt(root, {45, 15}), &cut);
+    EXPECT_EQ(accessibilityElementAt(root, {55, 15}), &root);
+    EXPECT_EQ(accessibilityElementAt(root, {65, 55}), &root);
+    EXPECT_EQ(accessibilityVisibleFrameInWindow(cut), (Rect{{40, 10}, {10, 20}}));
+    EXPECT_EQ(accessibilityFrameInWindow(out), (Rect{{60, 50}, {20, 20}}));
+    EXPECT_TRUE(accessibilityVisibleFrameInWindow(out).isEmpty());
+}
+
+TEST(Accessibility, TellsNamesHelpAndFocus) {
+    ScriptedPort port;
+    HostedView host(std::make_unique<Control>(Rect{{}, {100, 100}}, std::make_unique<Cell>("x")));
+    auto& control = static_cast<Control&>(*host.window.contentView());
+    control.setAccessibilityName("gain");
+    control.setAccessibilityName("gain");
+    EXPECT_THAT(port.notifications[AccessibilityNotification::NameChanged], ElementsAre(&control));
+    control.setAccessibilityHelp("how loud it is");
+    EXPECT_EQ(control.accessibilityName() + control.accessibilityHelp(), "gainhow loud it is");
+    struct Keyed final : Control {
+        using Control::Control;
+        bool acceptsFirstResponder() const override { return true; }
+    };
+    auto& keyed = control.addSubview(
+        std::make_unique<Keyed>(Rect{{}, {10, 10}}, std::make_unique<Cell>("y")));
+    EXPECT_FALSE(keyed.cell()->accessibilityIsFocused());
+    host.window.makeFirstResponder(&keyed);
+    EXPECT_TRUE(keyed.cell()->accessibilityIsFocused());
+    EXPECT_FALSE(control.cell()->accessibilityIsFocused());
+}
+
+}  // namespace
+}  // namespace veltra::testing

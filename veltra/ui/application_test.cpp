@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/application.h"
+
+#include "veltra/platform/testing/manual_run_loop.h"
+#include "veltra/ui/control.h"
+#include "veltra/ui/testing/scripted_port.h"
+
+#include <gmock/gmock.h>
+
+namespace veltra::testing {
+namespace {
+
+struct Passive final : View {
+    using View::View;
+    bool takes = false;
+    std::function<void()> hook = [] {};
+    void mouseDown(const Event& event) override {
+        hook();
+        if (!takes) View::mouseDown(event);
+    }
+    void scrollWheel(const Event& event) override {
+        if (!takes) View::scrollWheel(event);
+    }
+};
+
+TEST(Events, TellWhetherSomebodyTookThemAndStayCurrentUntilTheNext) {
+    const ScriptedPort port;
+    Application& application = Application::current();
+    HostedView host(std::make_unique<Passive>(Rect{{}, {100, 100}}));
+    auto& view = static_cast<Passive&>(*host.window.contentView());
+    const auto post = [&](EventType type) {
+        Event event;
+        event.type = type;
+        event.clickCount = 1;
+        event.window = &host.window;
+        event.locationInWindow = {5, 5};
+        return application.postEvent(event);
+    };
+    EXPECT_FALSE(post(EventType::LeftMouseDown));
+    EXPECT_FALSE(post(EventType::KeyDown));
+    EXPECT_FALSE(post(EventType::ScrollWheel));
+    view.takes = true;
+    bool inner = true;
+    view.hook = [&] { inner = post(EventType::KeyDown); };  // an untaken one inside a taken one
+    EXPECT_TRUE(post(EventType::LeftMouseDown));
+    EXPECT_FALSE(inner);
+    EXPECT_FALSE(application.isHandlingEvent());
+    EXPECT_EQ(application.currentEvent()->type, EventType::LeftMouseDown);
+    view.setHidden(true);
+    EXPECT_FALSE(post(EventType::ScrollWheel)) << "no view is there";
+    EXPECT_TRUE(application.postEvent(Event())) << "dropped: there is no window";
+    EXPECT_EQ(application.currentEvent()->type, EventType::ScrollWheel);
+}
+
+TEST(Events, ATimerFindsThePressWhileTheButtonIsHeld) {
+    ManualRunLoop loop;
+    const ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    struct LongClick final : Anchored {
+        std::int32_t number = -1;
+        ModifierFlags flags = 0;
+        void fired() {
+            number = Application::current().currentEvent()->eventNumber;
+            flags = Application::current().currentEvent()->modifierFlags;
+        }
+    } target;
+    host.press({5, 5});
+    host.drag({6, 6}, kShiftKeyMask);
+    const auto timer = loop.schedule(
+        {.interval = milliseconds(600), .target = &target, .action = action<&LongClick::fired>()});
+    loop.advance(0.7);
+    EXPECT_EQ(target.number, 1);
+    EXPECT_EQ(target.flags, kShiftKeyMask);
+}
+
+TEST(Actions, GoUpTheChainsOfTheKeyAndTheMainWindowAndEndAtTheDelegate) {
+    const ScriptedPort port;
+    struct Able final : View {
+        using View::View;
+        int count = 0;
+        bool acceptsFirstResponder() const override { return true; }
+        void act() { ++count; }
+    };
+    HostedView host(std::make_unique<Able>(Rect{{}, {100, 100}}));
+    auto& able = static_cast<Able&>(*host.window.contentView());
+    auto& inner = able.addSubview(std::make_unique<Able>(Rect{{}, {10, 10}}));
+    Application& application = Application::current();
+    EXPECT_FALSE(application.sendAction(action<&Able::act>(), nullptr, nullptr));
+    host.window.makeFirstResponder(&inner);
+    EXPECT_TRUE(application.sendAction(action<&Able::act>(), nullptr, nullptr));
+    EXPECT_EQ(inner.count, 1);
+    host.window.makeFirstResponder(&able);
+    EXPECT_TRUE(application.sendAction(action<&Able::act>(), nullptr, nullptr));
+    EXPECT_TRUE(application.sendAction(action<&Able::act>(), &inner, nullptr));
+    EXPECT_EQ(able.count, 1);
+    EXPECT_EQ(inner.count, 2);
+}
+
+}  // namespace
+}  // namespace veltra::testing

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/button.h"
+
+#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/testing/scripted_port.h"
+
+#include <gmock/gmock.h>
+
+namespace veltra::testing {
+namespace {
+
+struct Host final : Anchored {
+    void pressed() { ++count; }
+    int count = 0;
+};
+
+TEST(ButtonPress, CountsOnlyWhenLetGoInside) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<Button>(Rect{{}, {60, 24}}, "Mute", ButtonCell::Kind::Toggle));
+    auto& button = static_cast<Button&>(*host.window.contentView());
+    Host target;
+    Application::current().setDelegate(&target);  // last in the chain
+    button.setAction(action<&Host::pressed>());
+    host.click({10, 10});
+    EXPECT_TRUE(button.isOn());
+    host.press({10, 10});
+    host.drag({100, 10});
+    EXPECT_FALSE(button.cell()->isHighlighted());
+    host.release({100, 10});
+    EXPECT_TRUE(button.isOn());
+    host.press({10, 10});
+    host.window.cancelTracking();
+    EXPECT_TRUE(button.isOn());
+    EXPECT_EQ(target.count, 1);
+    button.setEnabled(false);
+    host.click({10, 10});
+    EXPECT_EQ(target.count, 1);
+}
+
+TEST(ButtonPress, ClaimsItsKeysAndKeepsItsState) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<Button>(Rect{{}, {60, 24}}, "Mute", ButtonCell::Kind::Toggle));
+    auto& button = static_cast<Button&>(*host.window.contentView());
+    host.window.makeFirstResponder(&button);
+    const struct {
+        char16_t key;
+        ModifierFlags flags;
+        bool isWanted;
+    } rows[] = {{u' ', 0, true},
+                {kReturnCharacter, kShiftKeyMask, true},
+                {u' ', kControlKeyMask, false},
+                {u'm', 0, false}};
+    for (const auto& row : rows) {
+        Event event;
+        event.charactersIgnoringModifiers = row.key;
+        event.modifierFlags = row.flags;
+        EXPECT_EQ(host.window.wantsKey(event), row.isWanted) << row.flags;
+    }
+    host.key(u' ');
+    EXPECT_TRUE(button.isOn());
+    EXPECT_TRUE(button.cell()->accessibilityIsFocused());
+    EXPECT_EQ(button.cell()->accessibilityName(), "Mute");
+    button.cell()->setAccessibilityName("Mute kick");
+    EXPECT_EQ(button.cell()->accessibilityName(), "Mute kick");
+
+    KeyedCoder coder;
+    button.encodeWithCoder(coder);
+    Button other({{}, {60, 24}}, "", ButtonCell::Kind::Toggle);
+    other.decodeWithCoder(coder);
+    EXPECT_TRUE(other.isOn());
+    EXPECT_EQ(other.stringValue(), "Mute");
+    button.setEnabled(false);
+    EXPECT_TRUE(button.cell()->accessibilityActions().empty());
+}
+
+}  // namespace
+}  // namespace veltra::testing

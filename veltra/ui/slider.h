@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// A slider: a knob on a bar that the user moves with the pointer, the wheel or the keyboard.
+//
+//   auto& volume = view.addSubview(std::make_unique<Slider>(Rect{{8, 8}, {160, 20}}));
+//   volume.sliderCell().setMaxValue(10.0);
+//   volume.setTarget(&mixer);
+//   volume.setAction(action<&Mixer::volumeChanged>());
+//
+// Thread: main, for everything in here. Realtime-safe: no.
+#pragma once
+
+#include "veltra/ui/control.h"
+#include "veltra/ui/slider_cell.h"
+
+#include <memory>
+
+namespace veltra {
+
+class VELTRA_EXPORT Slider : public Control {
+public:
+    // Without a cell it gets a plain SliderCell.
+    explicit Slider(const Rect& frame = {}, std::unique_ptr<SliderCell> cell = nullptr);
+
+    SliderCell& sliderCell() const noexcept { return static_cast<SliderCell&>(*cell()); }
+    // Puts another cell in the place of the one before, with its value, limits, tick marks,
+    // orientation, step, target, action and settings. Null is passed over.
+    void replaceCell(std::unique_ptr<SliderCell> cell);
+
+    bool acceptsFirstResponder() const override { return isEnabled(); }
+    // Arrows, Page keys, Home and End move the knob: see SliderCell::performKey().
+    void keyDown(const Event& event) override;
+};
+
+}  // namespace veltra

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/slider_cell.h"
+
+#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/slider.h"
+#include "veltra/ui/testing/scripted_port.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gmock/gmock.h>
+
+namespace veltra::testing {
+namespace {
+
+// A mark that pulls the value over, as an override may do.
+struct Magnetic final : SliderCell {
+    void setDoubleValue(double value) override {
+        SliderCell::setDoubleValue(std::abs(value - 50.0) < 5.0 ? 50.0 : value);
+    }
+    void drawKnob(Canvas&, const Rect& knob, View&) override { drawn = knob; }
+    Rect drawn;
+};
+
+struct Host final : Anchored {
+    void changed(Slider& slider) {
+        ++count;
+        last = slider.doubleValue();
+    }
+    int count = 0;
+    double last = 0.0;
+};
+
+TEST(SliderCellValues, KeepToLimitsAndTicksAndTheKnobToThePointer) {
+    const ScriptedPort port;
+    auto cell = std::make_unique<SliderCell>();
+    SliderCell& slider = *cell;
+    slider.setMaxValue(100.0);
+    slider.setNumberOfTickMarks(5);
+    slider.setAllowsTickMarkValuesOnly(true);
+    const std::pair<double, double> values[] = {
+        {-5.0, 0.0}, {12.5, 0.0}, {13.0, 25.0}, {99.0, 100.0}, {NAN, 0.0}};
+    for (const auto& [given, kept] : values) {
+        slider.setDoubleValue(given);
+        EXPECT_EQ(slider.doubleValue(), kept) << given;
+    }
+    slider.setAllowsTickMarkValuesOnly(false);
+    HostedView host(std::make_unique<Control>(Rect{{}, {114, 20}}, std::move(cell)));
+    host.display();
+    host.press({10, 10});  // on the knob, right of its middle: it does not jump
+    EXPECT_EQ(slider.doubleValue(), 0.0);
+    host.drag({60, 10});
+    EXPECT_EQ(slider.doubleValue(), 50.0);
+    host.release({500, 10});
+    EXPECT_EQ(slider.doubleValue(), 50.0);
+}
+
+TEST(SliderCellValues, ChangesOfTheRangeDoNotCountAsNewValues) {
+    Magnetic cell;
+    cell.setMaxValue(100.0);
+    cell.setDoubleValue(47.0);
+    EXPECT_EQ(cell.doubleValue(), 50.0);
+    cell.SliderCell::setDoubleValue(47.0);
+    cell.setMaxValue(90.0);
+    cell.setMinValue(std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(cell.doubleValue(), 47.0);
+    EXPECT_EQ(cell.minValue(), 0.0);
+}
+
+TEST(Sliders, FollowTheWheelAndTheKeyboard) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<Slider>(Rect{{}, {114, 20}}, std::make_unique<Magnetic>()));
+    auto& slider = static_cast<Slider&>(*host.window.contentView());
+    Host target;
+    slider.setTarget(&target);
+    slider.setAction(action<&Host::changed>());
+    slider.sliderCell().setMaxValue(100.0);
+    host.window.makeFirstResponder(&slider);
+    const std::pair<char16_t, double> keys[] = {
+        {kUpArrowCharacter, 10.0}, {kRightArrowCharacter, 20.0}, {kDownArrowCharacter, 10.0},
+        {kPageUpCharacter, 100.0}, {kLeftArrowCharacter, 90.0},  {kPageDownCharacter, 0.0},
+        {kEndCharacter, 100.0},    {kHomeCharacter, 0.0}};
+    int count = 0;
+    for (const auto& [key, value] : keys) {
+        host.key(key);
+        EXPECT_EQ(target.last, value) << static_cast<int>(key);
+        EXPECT_EQ(target.count, ++count);
+    }
+    host.key(kHomeCharacter);  // no change: nothing is sent
+    host.wheel({5, 5}, 3.0F);
+    EXPECT_EQ(target.last, 3.0);
+    EXPECT_EQ(target.count, count + 1);
+    slider.sliderCell().setNumberOfTickMarks(11);
+    slider.sliderCell().setAllowsTickMarkValuesOnly(true);
+    host.wheel({5, 5}, 0.6F);  // parts of a notch add up
+    EXPECT_EQ(slider.doubleValue(), 0.0);
+    host.wheel({5, 5}, 0.6F);
+    EXPECT_EQ(slider.doubleValue(), 10.0);
+    slider.setEnabled(false);
+    host.wheel({5, 5}, 3.0F);
+    EXPECT_EQ(slider.doubleValue(), 10.0);
+}
+
+TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
+    const ScriptedPort port;
+    Slider slider({{}, {114, 20}});
+    SliderCell& cell = slider.sliderCell();
+    cell.setMinValue(-20.0);
+    cell.setMaxValue(120.0);
+    cell.setNumberOfTickMarks(15);
+    cell.setAllowsTickMarkValuesOnly(true);
+    cell.setVertical(true);
+    cell.setTag(7);
+    cell.setDoubleValue(70.0);
+    Host target;
+    slider.setTarget(&target);
+    slider.setAction(action<&Host::changed>());
+    KeyedCoder coder;
+    slider.encodeWithCoder(coder);
+    Slider read({{}, {114, 20}});
+    read.decodeWithCoder(KeyedCoder(coder.archive()));
+    slider.replaceCell(std::make_unique<Magnetic>());
+    for (const Slider* kept : {&read, &slider}) {
+        EXPECT_EQ(kept->doubleValue(), 70.0);
+        EXPECT_EQ(kept->sliderCell().minValue(), -20.0);
+        EXPECT_EQ(kept->sliderCell().numberOfTickMarks(), 15);
+        EXPECT_EQ(kept->sliderCell().explicitlyVertical(), true);
+        EXPECT_EQ(kept->sliderCell().tag(), 7);
+    }
+    EXPECT_EQ(slider.target(), &target);
+    slider.sliderCell().setVertical(std::nullopt);
+    const HostedView host(std::make_unique<View>(Rect{{}, {10, 10}}));
+    const Rect first = slider.sliderCell().rectOfTickMarkAtIndex(0, false);
+    const Rect last = slider.sliderCell().rectOfTickMarkAtIndex(14, false);
+    EXPECT_EQ(first.minX(), 7.0F);  // where the middle of the knob stands
+    EXPECT_EQ(last.minX(), 107.0F);
+    EXPECT_TRUE(slider.sliderCell().rectOfTickMarkAtIndex(15, false).isEmpty());
+}
+
+}  // namespace
+}  // namespace veltra::testing

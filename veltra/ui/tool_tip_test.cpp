@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/tool_tip.h"
+
+#include "veltra/ui/testing/scripted_port.h"
+#include "veltra/ui/view_tool_tips.h"
+
+#include <functional>
+
+#include <gmock/gmock.h>
+
+namespace veltra::testing {
+namespace {
+
+struct Source final : Anchored, ToolTipSource {
+    std::string text = "7";
+    std::string stringForTag(std::int32_t tag) override { return text + std::to_string(tag); }
+};
+
+TEST(ToolTips, GoWithTheirViewAndTheirText) {
+    ScriptedPort port;
+    Source source;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    ToolTipWindow& tip = ToolTipWindow::shared();
+    View& root = *host.window.contentView();
+    const std::function<void(View&, View&)> ends[] = {
+        [](View& outer, View&) { outer.removeFromSuperview(); },
+        [](View&, View& inner) { inner.takeFromSuperview().reset(); },
+        [](View& outer, View&) { outer.setHidden(true); },
+        [&](View&, View&) { tip.closeToolTipWindow(); },
+    };
+    for (const auto& end : ends) {
+        View& outer = root.addSubview(std::make_unique<View>(Rect{{10, 10}, {50, 50}}));
+        View& inner = outer.addSubview(std::make_unique<View>(Rect{{5, 5}, {20, 20}}));
+        tip.showToolTipWindowForView(inner, &source, 1, {2, 3});
+        EXPECT_EQ(port.toolTip, "71");
+        EXPECT_EQ(port.toolTipPlace, (Point{17, 18}));
+        source.text = "8";
+        tip.updateToolTipPosition({4, 3}, inner);
+        EXPECT_EQ(port.toolTip, "81");
+        source.text = "7";
+        end(outer, inner);
+        EXPECT_FALSE(tip.isOpen());
+        EXPECT_EQ(port.toolTip, "");
+    }
+    View other({{}, {10, 10}});
+    tip.showToolTipWindowForView(other, &source, 1, {2, 3});
+    EXPECT_FALSE(tip.isOpen()) << "in no window";
+}
+
+TEST(ToolTips, RestingOnesAreThoseAddedLast) {
+    ViewToolTips tips;
+    Source source;
+    const auto low = tips.addToolTipRect({{0, 0}, {20, 20}}, "low");
+    const auto high = tips.addToolTipRect({{10, 0}, {20, 20}}, &source, 3);
+    EXPECT_EQ(tips.at({15, 5})->text, "73");
+    EXPECT_EQ(tips.at({5, 5})->text, "low");
+    tips.removeToolTip(high);
+    tips.removeToolTip(99);
+    EXPECT_EQ(tips.at({15, 5})->text, "low");
+    EXPECT_FALSE(tips.at({25, 5}));
+    tips.removeToolTip(low);
+    EXPECT_FALSE(tips.at({5, 5}));
+}
+
+}  // namespace
+}  // namespace veltra::testing

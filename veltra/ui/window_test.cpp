@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/ui/window.h"
+
+#include "veltra/ui/button.h"
+#include "veltra/ui/panel.h"
+#include "veltra/ui/testing/scripted_port.h"
+
+#include <gmock/gmock.h>
+
+namespace veltra::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct Host final : Anchored {
+    void changed(Control& sender) { last = &sender; }
+    Control* last = nullptr;
+};
+
+struct Listener final : View {
+    using View::View;
+    bool takesFirstMouse = true;
+    bool movesWindow = false;
+    int presses = 0;
+    std::vector<bool> mainStates;
+    bool acceptsFirstMouse(const Event*) const override { return takesFirstMouse; }
+    bool mouseDownCanMoveWindow() const override { return movesWindow; }
+    void mouseDown(const Event&) override { ++presses; }
+    void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
+};
+
+TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    View& root = *host.window.contentView();
+    std::vector<Button*> buttons;
+    for (const float x : {0.0F, 30.0F, 60.0F}) {
+        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
+    }
+    host.window.keyboardArrives(true);
+    EXPECT_EQ(host.window.firstResponder(), buttons[0]);
+    buttons[1]->setEnabled(false);
+    host.key(kTabCharacter);
+    EXPECT_EQ(host.window.firstResponder(), buttons[2]);
+    host.key(kBackTabCharacter);
+    EXPECT_EQ(host.window.firstResponder(), buttons[0]);
+    host.port.hasNeighbours = true;
+    host.key(kBackTabCharacter);
+    EXPECT_TRUE(host.port.isKeyboardPassed);
+    buttons[2]->setNextKeyView(buttons[0]);
+    host.window.makeFirstResponder(buttons[2]);
+    host.key(kTabCharacter);
+    EXPECT_EQ(host.window.firstResponder(), buttons[0]);
+    Host target;
+    buttons[0]->setTarget(&target);
+    buttons[0]->setAction(action<&Host::changed>());
+    host.key(u' ');
+    EXPECT_EQ(target.last, buttons[0]);
+    buttons[0]->setHidden(true);
+    EXPECT_EQ(host.window.firstResponder(), nullptr);
+}
+
+TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    View& root = *host.window.contentView();
+    std::vector<Button*> buttons;
+    for (const float x : {0.0F, 120.0F, 30.0F, 60.0F}) {  // the second is out of sight
+        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
+    }
+    host.window.keyboardArrives(true);
+    host.key(kTabCharacter);
+    EXPECT_EQ(host.window.firstResponder(), buttons[2]);
+    buttons[2]->removeFromSuperview();
+    EXPECT_EQ(host.window.firstResponder(), buttons[3]) << "the right neighbour";
+    buttons[1]->removeFromSuperview();
+    EXPECT_EQ(host.window.firstResponder(), buttons[3]);
+    buttons[3]->removeFromSuperview();
+    EXPECT_EQ(host.window.firstResponder(), buttons[0]) << "none behind: the one before";
+    buttons[0]->removeFromSuperview();
+    EXPECT_EQ(host.window.firstResponder(), nullptr);
+}
+
+TEST(Windows, KeepToTheirLimitsAndPanelsLeaveTheMainWindowAlone) {
+    ScriptedPort port;
+    Window window(Rect{{0, 0}, {300, 200}});
+    Panel panel(Rect{{0, 0}, {100, 100}});
+    EXPECT_TRUE(panel.isPanel());
+    window.setMinSize({200, 150});
+    window.setMaxSize({400, 100});  // below the minimum
+    window.setFrame({{5, 6}, {1000, 1000}});
+    EXPECT_EQ(window.frame(), (Rect{{5, 6}, {400, 150}}));
+    window.keyStateDidChange(true);
+    panel.keyStateDidChange(true);
+    EXPECT_EQ(Application::current().keyWindow(), &panel);
+    EXPECT_EQ(Application::current().mainWindow(), &window);
+    Application::current().terminate();
+    EXPECT_TRUE(port.isTerminated);
+}
+
+TEST(Windows, AreNotResizedByTheirLimitsButByTheNextSize) {
+    const ScriptedPort port;
+    struct Noting final : Window {
+        using Window::Window;
+        std::vector<Rect> before;
+        void windowDidChangeFrame(const Rect& frame) override { before.push_back(frame); }
+    };
+    Noting window(Rect{{0, 0}, {300, 200}});
+    window.setMinSize({300, 230});
+    EXPECT_EQ(window.frame().size, (Size{300, 200}));
+    window.setFrame({{9, 9}, {300, 200}});
+    EXPECT_EQ(window.frame(), (Rect{{9, 9}, {300, 200}})) << "a move alone";
+    window.setFrame({{9, 9}, {310, 200}});
+    EXPECT_EQ(window.frame().size, (Size{310, 230}));
+    EXPECT_THAT(window.before, ElementsAre(Rect{{0, 0}, {300, 200}}, Rect{{9, 9}, {300, 200}}));
+}
+
+TEST(Windows, AskTheirViewsAboutPressesThatActivateOrMove) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<Listener>(Rect{{}, {100, 100}}));
+    auto& view = static_cast<Listener&>(*host.window.contentView());
+    const auto press = [&host](bool isFirst) {
+        Event event;
+        event.type = EventType::LeftMouseDown;
+        event.clickCount = 1;
+        event.isFirstMouse = isFirst;
+        event.window = &host.window;
+        event.locationInWindow = {5, 5};
+        Application::current().postEvent(event);
+        host.release({5, 5});
+    };
+    press(true);
+    EXPECT_EQ(view.presses, 1);
+    view.takesFirstMouse = false;
+    press(true);
+    EXPECT_EQ(view.presses, 1);
+    press(false);
+    EXPECT_EQ(view.presses, 2);
+    view.movesWindow = true;
+    press(false);
+    EXPECT_EQ(view.presses, 3) << "this window cannot be moved";
+    host.port.canMove = true;
+    press(false);
+    EXPECT_EQ(view.presses, 3);
+}
+
+TEST(Windows, TellTheirViewsWhetherTheUserWorksInThem) {
+    ScriptedPort port;
+    HostedView first(std::make_unique<Listener>(Rect{{}, {100, 100}}));
+    auto& view = static_cast<Listener&>(*first.window.contentView());
+    view.mainStates.clear();
+    {
+        Panel panel(Rect{{0, 0}, {100, 100}});
+        panel.keyStateDidChange(true);
+        EXPECT_TRUE(first.window.isMainWindow());
+        HostedView second(std::make_unique<Listener>(Rect{{}, {100, 100}}));
+        EXPECT_FALSE(first.window.isMainWindow());
+        EXPECT_EQ(view.mainStates.back(), false);
+    }
+    first.window.activeStateDidChange(true);  // as a part of a toolkit's active window
+    EXPECT_EQ(view.mainStates.back(), true);
+    first.window.activeStateDidChange(false);
+    EXPECT_EQ(view.mainStates.back(), false);
+}
+
+}  // namespace
+}  // namespace veltra::testing
