@@ -58,7 +58,7 @@ TEST(Events, ATimerFindsThePressWhileTheButtonIsHeld) {
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
     struct LongClick final : Anchored {
         std::int32_t number = -1;
-        ModifierFlags flags = 0;
+        ModifierFlags flags;
         void fired() {
             number = Application::current().currentEvent()->eventNumber;
             flags = Application::current().currentEvent()->modifierFlags;

@@ -46,15 +46,15 @@ TEST(ButtonPress, ClaimsItsKeysAndKeepsItsState) {
         char16_t key;
         ModifierFlags flags;
         bool isWanted;
-    } rows[] = {{u' ', 0, true},
+    } rows[] = {{u' ', {}, true},
                 {kReturnCharacter, kShiftKeyMask, true},
                 {u' ', kControlKeyMask, false},
-                {u'm', 0, false}};
+                {u'm', {}, false}};
     for (const auto& row : rows) {
         Event event;
         event.charactersIgnoringModifiers = row.key;
         event.modifierFlags = row.flags;
-        EXPECT_EQ(host.window.wantsKey(event), row.isWanted) << row.flags;
+        EXPECT_EQ(host.window.wantsKey(event), row.isWanted) << row.flags.bits();
     }
     host.key(u' ');
     EXPECT_TRUE(button.isOn());

@@ -99,7 +99,8 @@ struct Event {
     // controls use it; 0 for any other.
     char16_t plainKey() const noexcept {
         constexpr ModifierFlags kOthers = kControlKeyMask | kAlternateKeyMask | kCommandKeyMask;
-        if ((modifierFlags & kOthers) != 0 || charactersIgnoringModifiers.empty()) return u'\0';
+        if (!(modifierFlags & kOthers).isEmpty() || charactersIgnoringModifiers.empty())
+            return u'\0';
         return charactersIgnoringModifiers.front();
     }
 };
