@@ -47,11 +47,11 @@ void TextBuffer::cut() noexcept {
 }
 
 void TextBuffer::appendCharacter(char32_t character) noexcept {
-    if (character > 0x10FFFF || isHighSurrogate(character) || isLowSurrogate(character))
-        character = 0xFFFD;
-    std::array<char, 4> bytes;
-    putUtf8(bytes.data(), character);
-    append({bytes.data(), utf8Length(character)});
+    const bool isSurrogate = isHighSurrogate(character) || isLowSurrogate(character);
+    if (character > 0x10FFFF || isSurrogate) character = 0xFFFD;
+    char bytes[4];
+    putUtf8(bytes, character);
+    append({bytes, utf8Length(character)});
 }
 
 void TextBuffer::appendString(const VLString* string) noexcept {

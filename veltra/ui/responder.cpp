@@ -3,8 +3,6 @@
 
 #include <array>
 #include <bit>
-#include <cstddef>
-#include <cstdint>
 
 namespace veltra {
 
@@ -30,14 +28,14 @@ constexpr std::array<Row, 12> kHandlers{{
     {EventType::FlagsChanged, &Responder::flagsChanged},
 }};
 
-// A type is one bit of a mask.
-constexpr std::size_t indexOf(EventType type) {
-    return static_cast<std::size_t>(std::countr_zero(static_cast<std::uint16_t>(type)));
+// A type is one bit.
+constexpr std::size_t rowOf(EventType type) noexcept {
+    return static_cast<std::size_t>(std::countr_zero(EventMask(type).bits()));
 }
 
 constexpr bool isInOrder() {
     for (std::size_t i = 0; i < kHandlers.size(); ++i) {
-        if (indexOf(kHandlers[i].type) != i) return false;
+        if (rowOf(kHandlers[i].type) != i) return false;
     }
     return true;
 }
@@ -48,7 +46,7 @@ static_assert(isInOrder());
 Responder::~Responder() = default;
 
 Responder::Handler Responder::handlerFor(EventType type) noexcept {
-    return kHandlers[indexOf(type)].handler;
+    return kHandlers[rowOf(type)].handler;
 }
 
 void Responder::pass(Handler handler, const Event& event) {
