@@ -25,8 +25,9 @@ void* (*volatile allocate)(std::size_t) = std::malloc;
 }
 
 [[gnu::noinline]] void loadSong() {
-    const veltra::QKLeakGuard guard;                            // until loadSong() returns
-    for (volatile int voice = 0; voice < 3; voice = voice + 1)  // one place in the code, not three
+    const veltra::QKLeakGuard guard;  // until loadSong() returns
+    const volatile int voices = 3;    // one place in the code that allocates, not three
+    for (int voice = 0; voice < voices; ++voice)
         loadVoice(100);
     const std::unique_ptr<char[]> name(new char[40]);  // freed: not reported
     std::strcpy(name.get(), "song");

@@ -3,6 +3,7 @@
 
 #include "veltra/base/number_text.h"
 #include "veltra/base/string_object_text.h"
+#include "veltra/base/utf8.h"
 #include "veltra/base/whole_characters.h"
 
 #include <algorithm>
@@ -46,18 +47,11 @@ void TextBuffer::cut() noexcept {
 }
 
 void TextBuffer::appendCharacter(char32_t character) noexcept {
-    if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) character = 0xFFFD;
-    if (character < 0x80) {
-        const char ascii = static_cast<char>(character);
-        append({&ascii, 1});
-        return;
-    }
-    const unsigned length = character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
-    std::array<char, 4> bytes;
-    for (unsigned index = length - 1; index > 0; --index, character >>= 6U)
-        bytes[index] = static_cast<char>(0x80U | (character & 0x3FU));
-    bytes[0] = static_cast<char>(0xFFU << (8 - length) | character);
-    append({bytes.data(), length});
+    const bool isSurrogate = isHighSurrogate(character) || isLowSurrogate(character);
+    if (character > 0x10FFFF || isSurrogate) character = 0xFFFD;
+    char bytes[4];
+    putUtf8(bytes, character);
+    append({bytes, utf8Length(character)});
 }
 
 void TextBuffer::appendString(const VLString* string) noexcept {

@@ -28,9 +28,14 @@ constexpr std::array<Row, 12> kHandlers{{
     {EventType::FlagsChanged, &Responder::flagsChanged},
 }};
 
+// A type is one bit.
+constexpr std::size_t rowOf(EventType type) noexcept {
+    return static_cast<std::size_t>(std::countr_zero(EventMask(type).bits()));
+}
+
 constexpr bool isInOrder() {
     for (std::size_t i = 0; i < kHandlers.size(); ++i) {
-        if (static_cast<std::size_t>(kHandlers[i].type) != std::size_t{1} << i) return false;
+        if (rowOf(kHandlers[i].type) != i) return false;
     }
     return true;
 }
@@ -41,7 +46,7 @@ static_assert(isInOrder());
 Responder::~Responder() = default;
 
 Responder::Handler Responder::handlerFor(EventType type) noexcept {
-    return kHandlers[static_cast<std::size_t>(std::countr_zero(EventMask(type).bits()))].handler;
+    return kHandlers[rowOf(type)].handler;
 }
 
 void Responder::pass(Handler handler, const Event& event) {

@@ -79,7 +79,8 @@ public:
     int renewed() noexcept {
         if (!isOurs()) {
             m_descriptor.store(open(), std::memory_order_relaxed);
-            m_generation.store(forkGeneration());  // with isOurs(), which publishes the descriptor
+            // With isOurs(); publishes the descriptor.
+            m_generation.store(forkGeneration(), std::memory_order_seq_cst);
         }
         return m_descriptor.load(std::memory_order_relaxed);
     }
@@ -87,7 +88,9 @@ public:
 private:
     static int open() noexcept { return ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); }
 
-    bool isOurs() const noexcept { return m_generation.load() == forkGeneration(); }
+    bool isOurs() const noexcept {
+        return m_generation.load(std::memory_order_seq_cst) == forkGeneration();  // with renewed()
+    }
 
     std::atomic<std::uint32_t> m_generation;
     std::atomic<int> m_descriptor;
@@ -141,12 +144,12 @@ void PollRunLoop::stop() noexcept {
     const std::shared_ptr<Waker> waker = m_waker;
     // First of all, so that a loop that has drained the descriptor finds it; and the last access to
     // the loop, which may be destroyed from here on.
-    m_isStopAsked.store(true);  // with takeStop()
+    m_isStopAsked.store(true, std::memory_order_seq_cst);  // with takeStop()
     if (waker != nullptr) waker->wake();
 }
 
 bool PollRunLoop::takeStop() noexcept {
-    return m_isStopAsked.exchange(false);  // with stop()
+    return m_isStopAsked.exchange(false, std::memory_order_seq_cst);  // with stop()
 }
 
 void PollRunLoop::wait(int stopDescriptor, Nanoseconds longest) const noexcept {
