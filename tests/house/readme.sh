@@ -6,28 +6,25 @@ set -euo pipefail
 cd "$1"
 status=0
 mapfile -t documents < <(ls README.md CONTRIBUTING.md CHANGELOG.md docs/*.md)
-for document in "${documents[@]}"; do
-    while IFS= read -r target; do
-        [ -e "$(dirname "$document")/${target%%#*}" ] || { echo "$document: no $target"; status=1; }
-    done < <(grep -oP '\]\(\K(?!https?:|#)[^)]+' "$document" || true)
-done
+/usr/bin/env python3 - "${documents[@]}" <<'PYTHON' || status=1
+import glob, os, re, sys
 
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-for document in "${documents[@]}"; do
-    awk -v out="$work/$(basename "$document")" '
-        /^```(cpp|c)$/ { inside = 1; n++; next }
-        /^```/ { inside = 0 }
-        inside { print > (out "." n) }' "$document"
-done
-mapfile -t compiled < <(find examples veltra -name '*.cpp' -o -name '*.c')
-blocks=0
-for block in "$work"/*; do
-    [ -e "$block" ] || continue
-    blocks=$((blocks + 1))
-    python3 -c 'import sys; sys.exit(not any(open(sys.argv[1]).read() in open(f).read() for f in sys.argv[2:]))' \
-        "$block" "${compiled[@]}" ||
-        { echo "$(basename "$block"): no compiled file holds this block"; cat "$block"; status=1; }
-done
-echo "$blocks blocks of code, ${#documents[@]} documents"
-[ $blocks -gt 0 ] && exit $status
+compiled = [open(name).read() for folder in ("examples", "veltra")
+            for kind in ("cpp", "c") for name in glob.glob(f"{folder}/**/*.{kind}", recursive=True)]
+status = blocks = 0
+for document in sys.argv[1:]:
+    text = open(document).read()
+    for block in re.findall(r"^```(?:cpp|c)\n(.*?)^```", text, re.M | re.S):
+        blocks += 1
+        if not any(block in source for source in compiled):
+            print(f"{document}: no compiled file holds this block\n{block}")
+            status = 1
+    prose = re.sub(r"^```.*?^```", "", text, flags=re.M | re.S)
+    for target in re.findall(r"\]\((?!https?:|#)([^)#]+)", prose):
+        if not os.path.exists(os.path.join(os.path.dirname(document), target)):
+            print(f"{document}: no {target}")
+            status = 1
+print(f"{blocks} blocks of code, {len(sys.argv) - 1} documents")
+sys.exit(status or blocks == 0)
+PYTHON
+exit $status

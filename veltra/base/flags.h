@@ -14,6 +14,8 @@
 // Thread: any. Realtime-safe: yes, all of it.
 #pragma once
 
+#include "veltra/export.h"
+
 #include <type_traits>
 
 namespace veltra {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "veltra/base/flags.h"
+#include "veltra/export.h"
 
 #include <cstdint>
 

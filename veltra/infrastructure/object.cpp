@@ -79,7 +79,8 @@ AutoreleasePool::~AutoreleasePool() {
 
 bool AutoreleasePool::collect(Object& object) noexcept {
     if (innermostPool == nullptr && threadPool == nullptr) {
-        if (!callAtThreadEnd(endThreadPool)) return false;
+        static const ThreadEnd end(endThreadPool);
+        if (!end.callOnThisThread()) return false;
         threadPool = new (std::nothrow) AutoreleasePool;
         if (threadPool == nullptr) return false;
         innermostPool = nullptr;  // it waits for the end of the thread, below every block's pool

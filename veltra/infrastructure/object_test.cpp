@@ -4,6 +4,7 @@
 #include "veltra/infrastructure/class_object.h"
 #include "veltra/infrastructure/monitor.h"
 #include "veltra/infrastructure/testing/counted_classes.h"
+#include "veltra/platform/run_loop.h"
 
 #include <thread>
 
@@ -55,6 +56,7 @@ TEST(Objects, AreReleasedByTheInnermostPoolOrTheEndOfTheThread) {
     }
     EXPECT_EQ(living, 0);
     std::thread([] {
+        EXPECT_NE(RunLoop::current(), nullptr);  // has an end of its own
         auto* const first = static_cast<Plain*>(Plain::s_class.alloc());
         first->m_next = Plain::s_class.alloc();
         first->autorelease();

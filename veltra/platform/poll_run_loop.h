@@ -51,6 +51,7 @@ protected:
 private:
     enum class Round { Done, Stopped };
 
+    friend std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept;
     class Waker;
 
     static std::shared_ptr<Waker> makeWaker() noexcept;

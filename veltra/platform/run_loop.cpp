@@ -36,8 +36,9 @@ RunLoop* RunLoop::current() noexcept {
     if (setLoop != nullptr) return setLoop;
     if (isThreadEnding) return nullptr;
     if (ownLoop == nullptr) {
+        static const ThreadEnd end(endOwnLoop);
         std::unique_ptr<RunLoop> loop = makePlatformRunLoop();
-        if (loop != nullptr && callAtThreadEnd(endOwnLoop)) ownLoop = loop.release();
+        if (loop != nullptr && end.callOnThisThread()) ownLoop = loop.release();
     }
     return ownLoop;
 }

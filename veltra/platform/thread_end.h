@@ -5,11 +5,31 @@
 // memory to register that destructor.
 #pragma once
 
+#include <cstdint>
+
 namespace veltra {
 
-// Calls `function` on this thread when the thread ends: once, however often it is asked for, and
-// not when the process ends by exit(). The whole process has one such function. False when memory
-// is out. Thread: any. Realtime-safe: no.
-bool callAtThreadEnd(void (*function)() noexcept) noexcept;
+// One for each function, made once and kept for good:
+//
+//   static const ThreadEnd end(endOwnLoop);
+//   if (!end.callOnThisThread()) ...
+//
+// Thread: any. Realtime-safe: no.
+class ThreadEnd {
+public:
+    explicit ThreadEnd(void (*function)() noexcept) noexcept;
+    ThreadEnd(const ThreadEnd&) = delete;
+    ThreadEnd& operator=(const ThreadEnd&) = delete;
+
+    // Calls the function on this thread when the thread ends: once, however often it is asked for,
+    // and not when the process ends by exit(). False when memory, or the system's room for such
+    // functions, is out.
+    bool callOnThisThread() const noexcept;
+
+private:
+    void (*m_function)() noexcept;
+    std::uintptr_t m_key = 0;
+    bool m_isMade = false;
+};
 
 }  // namespace veltra

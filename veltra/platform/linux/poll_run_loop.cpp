@@ -46,7 +46,10 @@ void armTimer(int descriptor, std::optional<Moment> deadline) noexcept {
 }  // namespace
 
 std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept {
-    return std::unique_ptr<RunLoop>(new (std::nothrow) PollRunLoop);
+    std::unique_ptr<PollRunLoop> loop(new (std::nothrow) PollRunLoop);
+    if (loop != nullptr && loop->m_waker == nullptr)
+        return nullptr;  // half a loop for a thread's life
+    return loop;
 }
 
 // What stop() wakes the loop with. It outlives the loop while a stop() is under way, which

@@ -5,32 +5,15 @@
 
 namespace veltra {
 
-namespace {
+ThreadEnd::ThreadEnd(void (*function)() noexcept) noexcept : m_function(function) {
+    const auto call = [](void* self) { static_cast<const ThreadEnd*>(self)->m_function(); };
+    pthread_key_t key{};
+    m_isMade = ::pthread_key_create(&key, call) == 0;
+    m_key = key;
+}
 
-class Key {
-public:
-    explicit Key(void (*function)() noexcept) noexcept {
-        s_function = function;
-        m_isMade = ::pthread_key_create(&m_key, [](void*) { s_function(); }) == 0;
-    }
-
-    // What is kept under the key does not matter, as long as it is something.
-    bool setOnThisThread() const noexcept {
-        return m_isMade && ::pthread_setspecific(m_key, this) == 0;
-    }
-
-private:
-    static inline void (*s_function)() noexcept = nullptr;
-
-    pthread_key_t m_key{};
-    bool m_isMade = false;
-};
-
-}  // namespace
-
-bool callAtThreadEnd(void (*function)() noexcept) noexcept {
-    static const Key key(function);
-    return key.setOnThisThread();
+bool ThreadEnd::callOnThisThread() const noexcept {
+    return m_isMade && ::pthread_setspecific(static_cast<pthread_key_t>(m_key), this) == 0;
 }
 
 }  // namespace veltra
