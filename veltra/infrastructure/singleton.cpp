@@ -133,12 +133,13 @@ bool SingletonClass::registerInstance(const Object& instance) {
 
 void SingletonClass::releaseSharedInstance() {
     const InMonitor guard(this);
-    Object* const instance = singleton();
     {
         const InMonitor collecting(&_QKSingletonCollector::s_class);
+        const Object* const instance = singleton();
         if (_QKSingletonCollector* const present = collector()) present->_removeSingleton(instance);
     }
-    if (instance != nullptr) instance->dealloc();
+    // Read again: the collector's own slot may have been filled by the look at the register.
+    if (Object* const present = singleton()) present->dealloc();
     setSingleton(nullptr);
     m_madeBy.store(0, std::memory_order_relaxed);
 }

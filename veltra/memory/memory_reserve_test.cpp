@@ -10,6 +10,7 @@
 #include "veltra/memory/testing/limited_heap.h"
 #include "veltra/memory/testing/zone_stress.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 
@@ -253,7 +254,8 @@ TEST_F(MemoryReserve, TestsForFragmentsOfAFewBytes) {
     static std::size_t least, held;
     zone.allocate = [](std::size_t size) noexcept {
         least = std::min(least, size);
-        return size > 10 && size < kMiB ? nullptr : testing::kLimitedHeap.allocate(size);
+        const std::size_t taken = std::max<std::size_t>(size, 16);  // what `held` may claim
+        return size > 10 && size < kMiB ? nullptr : testing::kLimitedHeap.allocate(taken);
     };
     zone.size = [](void*) noexcept { return held; };
     enter();

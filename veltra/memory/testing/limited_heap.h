@@ -5,6 +5,7 @@
 
 #include "veltra/platform/allocation_zone.h"
 
+#include <bit>
 #include <cerrno>
 
 #include <malloc.h>
@@ -66,6 +67,10 @@ inline constexpr ZoneEntries kLimitedHeap{
     __wrap_malloc,
     __wrap_calloc,
     [](std::size_t alignment, std::size_t size) noexcept {
+        if (!std::has_single_bit(alignment)) {
+            errno = EINVAL;  // here, because a sanitizer's heap ends the process instead
+            return static_cast<void*>(nullptr);
+        }
         return LimitedHeap::grants(size) ? ::memalign(alignment, size) : nullptr;
     },
     __wrap_realloc,

@@ -5,9 +5,9 @@
 // the tree is walked up to where it is mounted.
 #include "veltra/platform/memory_system.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <string_view>
 
 namespace veltra {
@@ -47,7 +47,7 @@ public:
 
 private:
     void fill(std::string_view kept) noexcept {
-        std::memmove(m_text.data(), kept.data(), kept.size());
+        std::copy(kept.begin(), kept.end(), m_text.begin());
         const std::span<char> room = std::span(m_text).subspan(kept.size());
         const std::ptrdiff_t size = MemorySystem::current().read(m_path, m_offset, room);
         m_isAtEnd = size <= 0;
@@ -195,7 +195,7 @@ MemoryFactsReader::MemoryFactsReader() noexcept {
         findGroup(controller, [&](std::string_view path) {
             if (path.size() >= inHierarchy.size()) return;
             length = path.size();
-            std::memcpy(inHierarchy.data(), path.data(), length);
+            std::copy(path.begin(), path.end(), inHierarchy.begin());
         });
         if (length == 0) return;
         findMount(type, controller, [&](const Mount& mount) {
@@ -204,7 +204,7 @@ MemoryFactsReader::MemoryFactsReader() noexcept {
             group.mountLength = unescape(mount.point, group.path);
             const std::string_view rest = below({inHierarchy.data(), length}, root.data());
             if (group.mountLength + rest.size() >= group.path.size()) return;
-            std::memcpy(group.path.data() + group.mountLength, rest.data(), rest.size());
+            std::copy(rest.begin(), rest.end(), group.path.begin() + group.mountLength);
             group.path[group.mountLength + rest.size()] = '\0';
         });
     };
