@@ -39,6 +39,7 @@ public:
         return m_count / kMillisecond + (m_count % kMillisecond > 0 ? 1 : 0);
     }
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 in <=> for a pointer
     friend constexpr auto operator<=>(Nanoseconds left, Nanoseconds right) noexcept = default;
 
     constexpr Nanoseconds operator-() const noexcept {
@@ -124,6 +125,7 @@ public:
 
     constexpr Nanoseconds sinceStart() const noexcept { return m_sinceStart; }
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): as above
     friend constexpr auto operator<=>(Moment left, Moment right) noexcept = default;
 
     friend constexpr Moment operator+(Moment moment, Nanoseconds time) noexcept {

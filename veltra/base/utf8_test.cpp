@@ -21,11 +21,14 @@ TEST(Utf8, DecodesExactlyWhatItEncodes) {
         ASSERT_EQ(from8.isWellFormed, !isSurrogate) << static_cast<std::uint32_t>(code);
         ASSERT_EQ(from16.isWellFormed, !isSurrogate) << static_cast<std::uint32_t>(code);
         if (isSurrogate) continue;
-        ASSERT_TRUE(from8.code == code && from8.length == utf8Length(code)) << static_cast<std::uint32_t>(code);
-        ASSERT_TRUE(from16.code == code && from16.length == utf16Length(code)) << static_cast<std::uint32_t>(code);
+        ASSERT_TRUE(from8.code == code && from8.length == utf8Length(code))
+            << static_cast<std::uint32_t>(code);
+        ASSERT_TRUE(from16.code == code && from16.length == utf16Length(code))
+            << static_cast<std::uint32_t>(code);
         for (std::size_t cut = 1; cut < utf8Length(code); ++cut) {
             const DecodedCharacter part = firstCharacter(std::string_view(bytes, cut));
-            ASSERT_TRUE(!part.isWellFormed && part.length == cut) << static_cast<std::uint32_t>(code);
+            ASSERT_TRUE(!part.isWellFormed && part.length == cut)
+                << static_cast<std::uint32_t>(code);
         }
     }
 }

@@ -23,9 +23,9 @@ __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
 namespace veltra {
 namespace {
 
+using testing::comesTrue;
 using ::testing::ElementsAre;
 using ::testing::Field;
-using testing::comesTrue;
 using testing::OnQt;
 using testing::Probe;
 

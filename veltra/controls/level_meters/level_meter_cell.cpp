@@ -21,7 +21,7 @@ constexpr float kNaturalLength = 173.0F;                // points
 constexpr Nanoseconds kShortestTick = milliseconds(5);  // a display shows no more
 constexpr Nanoseconds kTimerSlack = microseconds(1);    // timers count whole nanoseconds
 constexpr Nanoseconds kTellPause = milliseconds(500);
-constexpr double kQuietest = -99.95;  // decibels; below is silence
+constexpr double kQuietest = -99.95;    // decibels; below is silence
 constexpr double kLeastNumber = -70.0;  // decibels, for a screen reader
 constexpr float kWorthTelling = 0.01F;
 

@@ -26,16 +26,15 @@ std::size_t terminalText(std::string_view text, std::span<char> out) noexcept {
         const DecodedCharacter character = firstCharacter(text);
         std::array<char, 2> caret = {'^', static_cast<char>((character.code ^ 0x40U) & 0x7FU)};
         std::string_view shown = text.substr(0, character.length);
-        if (!character.isWellFormed) {
+        const bool isControl = character.code < 0x20 || character.code == 0x7F;
+        if (!character.isWellFormed || (!isControl && !isHarmless(character.code))) {
             shown = "?";
         } else if (character.code == U'\n') {
             shown = "\r\n";  // right for a terminal in raw mode too
         } else if (character.code == U'\t') {
             shown = " ";
-        } else if (character.code < 0x20 || character.code == 0x7F) {
+        } else if (isControl) {
             shown = {caret.data(), caret.size()};
-        } else if (!isHarmless(character.code)) {
-            shown = "?";
         }
         if (shown.size() > out.size() - written) break;
         std::copy(shown.begin(), shown.end(), out.begin() + static_cast<std::ptrdiff_t>(written));
