@@ -10,7 +10,7 @@ namespace veltra {
 
 namespace {
 
-// Its address names the thread. The forking thread keeps it in the child.
+// Its address names the thread, in a forked child too.
 constinit thread_local char threadMark = 0;
 
 }  // namespace
