@@ -13,15 +13,26 @@ struct FloatMode {
 };
 
 inline constexpr FloatMode kFloatModes[] = {
-    {FE_TONEAREST, false, false},  {FE_TONEAREST, true, false}, {FE_UPWARD, false, false},
-    {FE_UPWARD, true, false},      {FE_DOWNWARD, false, false}, {FE_DOWNWARD, true, false},
-    {FE_TOWARDZERO, false, false}, {FE_TOWARDZERO, true, true}, {FE_TONEAREST, false, true}};
-
+    {FE_TONEAREST, false, false},
+    {FE_TONEAREST, true, false},
+    {FE_UPWARD, false, false},
+    {FE_UPWARD, true, false},
+    {FE_TOWARDZERO, false, false},
+    {FE_TOWARDZERO, true, true},
+    {FE_TONEAREST, false, true},
+#if !defined(__powerpc__) || defined(__powerpc64__)
+    // A 32-bit PowerPC turns integers to floats by a subtraction, whose 0 is -0 in this mode.
+    {FE_DOWNWARD, false, false},
+    {FE_DOWNWARD, true, false},
+#endif
+};
 // The calling thread in a mode, where the host has it; flushing and traps are x86's alone.
 class InFloatMode {
 public:
     explicit InFloatMode(const FloatMode& mode) {
+#if defined(__x86_64__) || defined(__i386__)
         std::fegetenv(&m_before);
+#endif
         std::fesetround(mode.rounding);
 #if defined(__x86_64__) || defined(__i386__)
         constexpr unsigned kFlushes = 0x8040, kTraps = 0x0F80, kFlags = 0x3F;
@@ -31,7 +42,11 @@ public:
 #endif
     }
     ~InFloatMode() {
+#if defined(__x86_64__) || defined(__i386__)
         std::fesetenv(&m_before);
+#else
+        std::fesetround(m_before);
+#endif
     }
     InFloatMode(const InFloatMode&) = delete;
     InFloatMode& operator=(const InFloatMode&) = delete;
@@ -54,8 +69,10 @@ private:
         return word;
     }
     unsigned m_control = 0;
-#endif
     std::fenv_t m_before;
+#else
+    const int m_before = std::fegetround();
+#endif
 };
 
 }  // namespace veltra
