@@ -199,7 +199,7 @@ constexpr Ratio kRatios[] = {
     {"log line / same calls, text ready", "logLine", "sameSystemCalls", 1.3},
     {"log line / send and write alone", "logLine", "sendAndWriteAlone", 0},
     {"log line / spdlog, line only", "logLine", "spdlogLine", 0},
-    {"line to a file, no log service / spdlog", "logLineToFile", "spdlogLineToFile", 3},
+    {"line to a file, no log service / spdlog", "logLineToFile", "spdlogLineToFile", 2},
 };
 
 }  // namespace

@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Any bytes as a table and a record, each in memory of just its size. The input: how long the table
 // is, the table, the record.
+#include "fuzz/require.h"
 #include "veltra/processor/record_swap.h"
 #include "veltra/processor/testing/record_swap_model.h"
 
 #include <cstdio>
 #include <cstdlib>
-
-namespace {
-
-void require(bool holds, const char* law) {
-    if (holds) return;
-    std::fprintf(stderr, "broken: %s\n", law);
-    std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     if (size < 1) return 0;

@@ -2,6 +2,7 @@
 // Any bytes as a description and the fields that it copies, apart or overlapping at any distance
 // and alignment. The input: where the copy comes from and goes to, the length (two bytes), how
 // long the description is, the description, the fields.
+#include "fuzz/require.h"
 #include "veltra/processor/record_swap.h"
 
 #include <algorithm>
@@ -36,12 +37,6 @@ void slowSwapData(unsigned char* to, const unsigned char* from,
         from += size;
         taken -= size;
     }
-}
-
-void require(bool holds, const char* law) {
-    if (holds) return;
-    std::fprintf(stderr, "broken: %s\n", law);
-    std::abort();
 }
 
 }  // namespace
