@@ -25,11 +25,12 @@ public:
     void clear() noexcept { m_size = 0; }
 
     [[gnu::format(printf, 2, 3)]] void add(const char* format, ...) noexcept {
+        char* const end = m_text.data() + m_size;
+        const std::size_t room = m_text.size() - m_size;
         std::va_list arguments;
         va_start(arguments, format);
         // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start() is just above
-        const int length =
-            std::vsnprintf(m_text.data() + m_size, m_text.size() - m_size, format, arguments);
+        const int length = std::vsnprintf(end, room, format, arguments);
         va_end(arguments);
         if (length > 0)
             m_size = std::min(m_size + static_cast<std::size_t>(length), m_text.size() - 1);
