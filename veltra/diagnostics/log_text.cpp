@@ -17,6 +17,24 @@ namespace {
 constexpr std::array<std::string_view, kHighestLogLevel + 1> kLevelNames{"0", "1", "2", "3",
                                                                          "4", "5", "6", "7"};
 
+void sendRecord(std::uint32_t level, const char* tag, const detail::BannerText* banner,
+                std::optional<std::string_view> message) noexcept {
+    // Deliberately signed, as user ids have always been logged here: "nobody" may read -2.
+    LocalTextBuffer<16> userId;
+    userId.appendDecimal(static_cast<std::int32_t>(Process::current().effectiveUserId()));
+
+    LogRecord record;
+    record.facility = tag != nullptr ? tag : "QKLogCString";
+    if (banner != nullptr) {
+        record.fields[LogRecord::LocalTime].value = banner->localTime();
+        record.fields[LogRecord::Thread].value = banner->thread();
+    }
+    record.fields[LogRecord::ReadUserId].value = userId.view();
+    record.fields[LogRecord::Level].value = kLevelNames[level];
+    record.fields[LogRecord::Message].value = message ? *message : std::string_view(tag);
+    SystemLog::current().send(record);
+}
+
 // What standard error is, when it gets the line.
 std::optional<StandardError::Status> readStandardError(const StandardError& stream) noexcept {
     const StandardError::Status status = stream.inspect();
@@ -47,20 +65,8 @@ void logMessage(std::uint32_t level, Banner banner, const char* tag,
     detail::BannerText bannerText;
     const bool hasMessage = message && !message->empty();
     const bool hasBanner = banner == Banner::Yes && bannerText.compose(tag, hasMessage ? ": " : "");
-    // Deliberately signed, as user ids have always been logged here: "nobody" may read -2.
-    LocalTextBuffer<16> userId;
-    userId.appendDecimal(static_cast<std::int32_t>(Process::current().effectiveUserId()));
-
-    LogRecord record;
-    record.facility = tag != nullptr ? tag : "QKLogCString";
-    if (hasBanner) {
-        record.fields[LogRecord::LocalTime].value = bannerText.localTime();
-        record.fields[LogRecord::Thread].value = bannerText.thread();
-    }
-    record.fields[LogRecord::ReadUserId].value = userId.view();
-    record.fields[LogRecord::Level].value = kLevelNames[level];
-    record.fields[LogRecord::Message].value = message ? *message : std::string_view(tag);
-    SystemLog::current().send(record);
+    if (!SystemLog::current().skipRecord())
+        sendRecord(level, tag, hasBanner ? &bannerText : nullptr, message);
 
     StandardError& stream = StandardError::current();
     const std::optional<StandardError::Status> status = readStandardError(stream);

@@ -8,6 +8,10 @@ namespace veltra {
 
 SystemLog::~SystemLog() = default;
 
+bool SystemLog::skipRecord() noexcept {
+    return false;
+}
+
 template <>
 struct OwnImplementation<SystemLog> : OwnFrom<platformSystemLog> {};
 template class Installable<SystemLog>;

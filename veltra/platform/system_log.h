@@ -43,6 +43,11 @@ public:
     // cancelled.
     // Thread: any but audio. Realtime-safe: no.
     virtual void send(const LogRecord& record) noexcept = 0;
+
+    // Returns true while nobody takes records, after counting one that is lost. Whoever asks first
+    // need not make a record that nobody takes.
+    // Thread: any but audio. Realtime-safe: no.
+    virtual bool skipRecord() noexcept;
 };
 
 }  // namespace veltra

@@ -111,6 +111,23 @@ constexpr std::array kKinds{
     Kind{"%", "", Type::None, Form::Percent},
 };
 
+enum Modifier : std::uint8_t { kNone, kHh, kH, kL, kLl, kQ, kBigL, kJ, kZ, kT };
+constexpr std::array<std::string_view, kT + 1> kModifiers{"",  "hh", "h", "l", "ll",
+                                                          "q", "L",  "j", "z", "t"};
+
+// For each modifier and letter one more than the place of its kind in kKinds, 0 where there is
+// none.
+constexpr auto kKindPlaces = [] {
+    std::array<std::array<std::uint8_t, 128>, kModifiers.size()> places{};
+    for (std::size_t kind = 0; kind < kKinds.size(); ++kind)
+        for (std::size_t modifier = 0; modifier < kModifiers.size(); ++modifier)
+            if (kKinds[kind].modifier == kModifiers[modifier])
+                for (const char letter : kKinds[kind].letters)
+                    places[modifier][static_cast<unsigned char>(letter)] =
+                        static_cast<std::uint8_t>(kind + 1);
+    return places;
+}();
+
 // A width or precision: absent, a number, or an argument.
 struct Measure {
     bool isPresent = false;
@@ -132,6 +149,20 @@ struct Conversion {
     }
 };
 
+bool isFlag(char character) noexcept {
+    switch (character) {
+        case '-':
+        case '+':
+        case ' ':
+        case '#':
+        case '0':
+        case '\'':
+            return true;
+        default:
+            return false;
+    }
+}
+
 bool isDigit(char character) noexcept {
     return character >= '0' && character <= '9';
 }
@@ -144,18 +175,21 @@ public:
 
     bool parse(Conversion& conversion) noexcept {
         m_taken = m_nextArgument;
-        const std::optional<int> position = takePosition();
-        const std::size_t flags = m_rest.find_first_not_of("-+ #0'");
-        if (flags == std::string_view::npos) return false;
-        conversion.flags = take(flags);
-        if (!takeMeasure(conversion.width)) return false;
-        if (m_rest.starts_with('.')) {
-            take(1);
-            if (!takeMeasure(conversion.precision)) return false;
-            conversion.precision.isPresent = true;
+        std::optional<int> position;
+        Modifier modifier = kNone;
+        const bool isLetterAlone = !m_rest.empty() && kindOf(m_rest[0], kNone) != nullptr;
+        if (!isLetterAlone) {
+            position = takePosition();
+            conversion.flags = takeFlags();
+            if (!takeMeasure(conversion.width)) return false;
+            if (m_rest.starts_with('.')) {
+                take(1);
+                if (!takeMeasure(conversion.precision)) return false;
+                conversion.precision.isPresent = true;
+            }
+            modifier = takeModifier();
+            if (m_rest.empty()) return false;
         }
-        const std::string_view modifier = take(modifierLength());
-        if (m_rest.empty()) return false;
         conversion.letter = take(1)[0];
         conversion.kind = kindOf(conversion.letter, modifier);
         if (conversion.kind == nullptr) return false;
@@ -206,19 +240,52 @@ private:
         return takeNumber(measure.number);
     }
 
-    std::size_t modifierLength() const noexcept {
-        if (m_rest.starts_with("hh") || m_rest.starts_with("ll")) return 2;
-        return !m_rest.empty() &&
-                       std::string_view("hljztLq").find(m_rest[0]) != std::string_view::npos
-                   ? 1
-                   : 0;
+    std::string_view takeFlags() noexcept {
+        std::size_t count = 0;
+        while (count < m_rest.size() && isFlag(m_rest[count]))
+            ++count;
+        return take(count);
     }
 
-    const Kind* kindOf(char letter, std::string_view modifier) const noexcept {
-        for (const Kind& kind : kKinds)
-            if (kind.modifier == modifier && kind.letters.find(letter) != std::string_view::npos)
-                return kind.form == Form::Object && m_objects == Objects::No ? nullptr : &kind;
-        return nullptr;
+    Modifier takeModifier() noexcept {
+        if (m_rest.empty()) return kNone;
+        const bool isDouble = m_rest.size() > 1 && m_rest[1] == m_rest[0];
+        Modifier modifier = kNone;
+        switch (m_rest[0]) {
+            case 'h':
+                modifier = isDouble ? kHh : kH;
+                break;
+            case 'l':
+                modifier = isDouble ? kLl : kL;
+                break;
+            case 'q':
+                modifier = kQ;
+                break;
+            case 'L':
+                modifier = kBigL;
+                break;
+            case 'j':
+                modifier = kJ;
+                break;
+            case 'z':
+                modifier = kZ;
+                break;
+            case 't':
+                modifier = kT;
+                break;
+            default:
+                break;
+        }
+        take(kModifiers[modifier].size());
+        return modifier;
+    }
+
+    const Kind* kindOf(char letter, Modifier modifier) const noexcept {
+        const auto index = static_cast<unsigned char>(letter);
+        if (index >= kKindPlaces[modifier].size() || kKindPlaces[modifier][index] == 0)
+            return nullptr;
+        const Kind& kind = kKinds[kKindPlaces[modifier][index] - 1U];
+        return kind.form == Form::Object && m_objects == Objects::No ? nullptr : &kind;
     }
 
     std::string_view m_begin;

@@ -106,6 +106,12 @@ void JournalLog::send(const LogRecord& record) noexcept {
     m_lost.add((isTold ? 0 : lost) + 1);
 }
 
+bool JournalLog::skipRecord() noexcept {
+    if (!isResting()) return false;
+    m_lost.add(1);
+    return true;
+}
+
 bool JournalLog::deliver(const LogRecord& record) noexcept {
     if (isResting()) return false;
     int error = sendToJournal(record);

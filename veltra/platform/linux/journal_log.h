@@ -33,6 +33,7 @@ public:
     ~JournalLog() override;
 
     void send(const LogRecord& record) noexcept override;
+    bool skipRecord() noexcept override;
 
     // The descriptor in use, -1 before the first record. For tests.
     int descriptor() const noexcept { return m_descriptor.load(std::memory_order_relaxed); }

@@ -53,9 +53,22 @@ public:
         for (const std::string_view note : notes)
             add(note);
         m_notes = m_count;
+        std::size_t size = 0;
         for (const std::string_view piece : pieces)
-            add(piece);
+            size += piece.size();
+        if (size > m_joined.size()) {
+            for (const std::string_view piece : pieces)
+                add(piece);
+            return;
+        }
+        // The kernel takes one short piece faster than three.
+        char* end = m_joined.data();
+        for (const std::string_view piece : pieces)
+            end += piece.copy(end, piece.size());
+        add({m_joined.data(), size});
     }
+    UnwrittenLine(const UnwrittenLine&) = delete;
+    UnwrittenLine& operator=(const UnwrittenLine&) = delete;
 
     bool isDone() const noexcept { return m_count == 0; }
     bool hasWrittenNotes() const noexcept { return m_first >= m_notes; }
@@ -100,6 +113,7 @@ private:
 
     std::array<iovec, std::tuple_size_v<Notes> + std::tuple_size_v<StandardError::Pieces>>
         m_pieces{};
+    std::array<char, 512> m_joined;
     std::size_t m_first = 0;
     std::size_t m_count = 0;
     std::size_t m_notes = 0;
