@@ -22,9 +22,11 @@ constexpr std::uint32_t kExponentBias = 127;
 constexpr int kMantissaBits = 23;
 
 // The float value / 2^23, value being from -2^23 to 2^23 - 1. Both steps are exact in every
-// rounding mode: 24 bits fit a mantissa, and the factor is a power of two.
+// rounding mode: 24 bits fit a mantissa, and the factor is a power of two. The sign is taken from
+// the integer: where a processor converts by subtracting, 0 becomes -0 when rounding downwards.
 std::uint32_t floatOfFraction(std::int32_t value) noexcept {
-    return std::bit_cast<std::uint32_t>(static_cast<float>(value) * 0x1p-23F);
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value) * 0x1p-23F);
+    return bits & (~kSignBit | static_cast<std::uint32_t>(value));
 }
 
 // x * 2^31 truncated, clipped; works on the bits, so that no rounding mode or denormal setting of

@@ -20,12 +20,10 @@ inline constexpr FloatMode kFloatModes[] = {
     {FE_TOWARDZERO, false, false},
     {FE_TOWARDZERO, true, true},
     {FE_TONEAREST, false, true},
-#if !defined(__powerpc__) || defined(__powerpc64__)
-    // A 32-bit PowerPC turns integers to floats by a subtraction, whose 0 is -0 in this mode.
     {FE_DOWNWARD, false, false},
     {FE_DOWNWARD, true, false},
-#endif
 };
+
 // The calling thread in a mode, where the host has it; flushing and traps are x86's alone.
 class InFloatMode {
 public:
