@@ -27,8 +27,8 @@ struct StackFrame {
 using FrameVisitor = bool (*)(void* context, const StackFrame& frame) noexcept;
 
 // Visits the frames outside the code that stands between a caller and the allocator
-// (detail/zone_code.h): everything up to and with the innermost run of such code is left out, so
-// there must be some on the stack. Allocates nothing and holds no lock while it visits.
+// (zone_code.h): everything up to and with the innermost run of such code is left out, so there
+// must be some on the stack. Allocates nothing and holds no lock while it visits.
 // Thread: any. Realtime-safe: no.
 void walkCallers(FrameVisitor visit, void* context) noexcept;
 

@@ -16,7 +16,7 @@ VELTRA_C_BEGIN
 // Reverses each of `count` groups of 8, 4 and 2 bytes, in place.
 //
 // Deliberate, here and in PSwapCopyLong: a count of 0x80000001 and more does nothing, just as
-// 0 does. To callers that work out their count, a negative result is an empty buffer.
+// 0 does. A caller that computes its count may thus arrive at a negative number without harm.
 VELTRA_EXPORT void PSwapLongLong(void* buffer, uint32_t count) VELTRA_NOEXCEPT;
 VELTRA_EXPORT void PSwapLong(void* buffer, uint32_t count) VELTRA_NOEXCEPT;
 VELTRA_EXPORT void PSwapWord(void* buffer, uint32_t count) VELTRA_NOEXCEPT;

@@ -20,9 +20,9 @@ namespace veltra {
 
 // Every query first detects the processor (Init) when that has not been done.
 //
-// Thread: any for the queries. Of SetDebugMode, Init, SetSelection and Override, one at a time, and
-// a query beside them may see the one half done. Realtime-safe: yes, if ProcessorFeatures::current
-// is.
+// Thread: any for the queries. Call SetDebugMode, Init, SetSelection and Override from one thread
+// at a time; a query on another thread may meanwhile see half of the change.
+// Realtime-safe: yes, if ProcessorFeatures::current is.
 class CDotAPI {
 public:
     enum EID : std::int32_t {
@@ -38,8 +38,8 @@ public:
 
     CDotAPI() = delete;
 
-    // Chooses which variants the menu offers, from here on; meant to be called before anything
-    // else. Detects nothing and keeps an override in force.
+    // Chooses which variants the menu offers from now on. Call it before anything else. It does not
+    // detect the processor, and an override stays in force.
     VELTRA_EXPORT static void SetDebugMode(bool debug) noexcept;
 
     // Detects the processor (ProcessorFeatures::current) and takes the menu of the mode. May be
