@@ -15,6 +15,7 @@
 #include "veltra/platform/local_time.h"       // platformLocalTime()
 #include "veltra/platform/memory_system.h"    // platformMemorySystem(), MemoryFactsReader
 #include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/optical_drives.h"      // platformOpticalDrives()
 #include "veltra/platform/poll_run_loop.h"       // where the system has descriptors to wait on
 #include "veltra/platform/preferences.h"         // the two functions below
 #include "veltra/platform/process.h"             // platformProcess(), environmentVariable()
@@ -43,6 +44,7 @@ const Process& platformProcess() noexcept;
 const TextServices& platformTextServices() noexcept;  // none/ has one without a converter
 AlertPresenter& platformAlertPresenter() noexcept;
 MemorySystem& platformMemorySystem() noexcept;
+OpticalDrives& platformOpticalDrives() noexcept;
 Preferences& platformPreferences() noexcept;
 StandardError& platformStandardError() noexcept;
 SystemLog& platformSystemLog() noexcept;

@@ -12,10 +12,12 @@ set(PORT_SOURCES
     fork_handlers.cpp
     journal_log.cpp
     json_preferences.cpp
+    kernel_drives.cpp
     local_time.cpp
     memory_facts.cpp
     memory_system.cpp
     no_cancellation.cpp
+    optical_drives.cpp
     platform_alert.cpp
     poll_run_loop.cpp
     preferences_file.cpp
@@ -37,6 +39,7 @@ set(PORT_TESTS
     json_preferences_test.cpp
     local_time_test.cpp
     memory_facts_test.cpp
+    optical_drives_test.cpp
     poll_run_loop_test.cpp
     process_test.cpp
     stack_walk_test.cpp
@@ -46,6 +49,11 @@ if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()
     list(APPEND PORT_SOURCES no_symbol_tables.cpp)
+endif()
+if(VELTRA_UDEV)
+    list(APPEND PORT_SOURCES udev_drives.cpp)
+else()
+    list(APPEND PORT_SOURCES no_udev_drives.cpp)
 endif()
 if(VELTRA_XKB)
     list(APPEND PORT_SOURCES xkb_configured.cpp xkb_keyboard_layout.cpp xkb_session.cpp)
