@@ -8,7 +8,8 @@
 #include "veltra/platform/alert.h"            // platformAlertPresenter()
 #include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
 #include "veltra/platform/c_locale.h"
-#include "veltra/platform/clock.h"  // platformClocks()
+#include "veltra/platform/clock.h"        // platformClocks()
+#include "veltra/platform/file_system.h"  // platformFileSystem()
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
@@ -27,6 +28,7 @@
 #include "veltra/platform/system_log.h"     // platformSystemLog()
 #include "veltra/platform/text_services.h"  // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
+#include "veltra/platform/volumes.h"  // platformVolumes()
 #include "veltra/platform/work_memory.h"
 #include "veltra/platform/zone_code.h"  // isZoneCode()
 
@@ -43,11 +45,13 @@ const LocalTime& platformLocalTime() noexcept;
 const Process& platformProcess() noexcept;
 const TextServices& platformTextServices() noexcept;  // none/ has one without a converter
 AlertPresenter& platformAlertPresenter() noexcept;
+FileSystem& platformFileSystem() noexcept;
 MemorySystem& platformMemorySystem() noexcept;
 OpticalDrives& platformOpticalDrives() noexcept;
 Preferences& platformPreferences() noexcept;
 StandardError& platformStandardError() noexcept;
 SystemLog& platformSystemLog() noexcept;
+Volumes& platformVolumes() noexcept;
 
 // As Preferences::setApplicationName().
 bool setPlatformApplicationName(std::string_view name) noexcept;

@@ -8,6 +8,7 @@ set(PORT_SOURCES
     c_locale.cpp
     clock.cpp
     deadline.cpp
+    file_system.cpp
     fork_generation.cpp
     fork_handlers.cpp
     journal_log.cpp
@@ -16,6 +17,7 @@ set(PORT_SOURCES
     local_time.cpp
     memory_facts.cpp
     memory_system.cpp
+    mount_table.cpp
     no_cancellation.cpp
     optical_drives.cpp
     platform_alert.cpp
@@ -30,6 +32,7 @@ set(PORT_SOURCES
     terminal_text.cpp
     thread_end.cpp
     unwind_table.cpp
+    volumes.cpp
     work_memory.cpp)
 set(PORT_TESTS
     alert_helper_test.cpp
@@ -44,7 +47,8 @@ set(PORT_TESTS
     process_test.cpp
     stack_walk_test.cpp
     standard_error_test.cpp
-    symbol_names_test.cpp)
+    symbol_names_test.cpp
+    volumes_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()
