@@ -8,13 +8,15 @@
 #include "veltra/platform/alert.h"            // platformAlertPresenter()
 #include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
 #include "veltra/platform/c_locale.h"
-#include "veltra/platform/clock.h"  // platformClocks()
+#include "veltra/platform/clock.h"        // platformClocks()
+#include "veltra/platform/file_system.h"  // platformFileSystem()
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
 #include "veltra/platform/local_time.h"       // platformLocalTime()
 #include "veltra/platform/memory_system.h"    // platformMemorySystem(), MemoryFactsReader
 #include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/optical_drives.h"      // platformOpticalDrives()
 #include "veltra/platform/poll_run_loop.h"       // where the system has descriptors to wait on
 #include "veltra/platform/preferences.h"         // the two functions below
 #include "veltra/platform/process.h"             // platformProcess(), environmentVariable()
@@ -27,6 +29,7 @@
 #include "veltra/platform/system_queries.h"  // platformSystemQueries()
 #include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
+#include "veltra/platform/volumes.h"  // platformVolumes()
 #include "veltra/platform/work_memory.h"
 #include "veltra/platform/zone_code.h"  // isZoneCode()
 
@@ -47,10 +50,13 @@ const Process& platformProcess() noexcept;
 const SystemQueries& platformSystemQueries() noexcept;
 const TextServices& platformTextServices() noexcept;  // none/ has one without a converter
 AlertPresenter& platformAlertPresenter() noexcept;
+FileSystem& platformFileSystem() noexcept;
 MemorySystem& platformMemorySystem() noexcept;
+OpticalDrives& platformOpticalDrives() noexcept;
 Preferences& platformPreferences() noexcept;
 StandardError& platformStandardError() noexcept;
 SystemLog& platformSystemLog() noexcept;
+Volumes& platformVolumes() noexcept;
 
 // As Preferences::setApplicationName().
 bool setPlatformApplicationName(std::string_view name) noexcept;

@@ -8,14 +8,18 @@ set(PORT_SOURCES
     c_locale.cpp
     clock.cpp
     deadline.cpp
+    file_system.cpp
     fork_generation.cpp
     fork_handlers.cpp
     journal_log.cpp
     json_preferences.cpp
+    kernel_drives.cpp
     local_time.cpp
     memory_facts.cpp
     memory_system.cpp
+    mount_table.cpp
     no_cancellation.cpp
+    optical_drives.cpp
     os_release.cpp
     platform_alert.cpp
     poll_run_loop.cpp
@@ -33,6 +37,7 @@ set(PORT_SOURCES
     terminal_text.cpp
     thread_end.cpp
     unwind_table.cpp
+    volumes.cpp
     work_memory.cpp)
 set(PORT_TESTS
     alert_helper_test.cpp
@@ -42,17 +47,24 @@ set(PORT_TESTS
     json_preferences_test.cpp
     local_time_test.cpp
     memory_facts_test.cpp
-    poll_run_loop_test.cpp
+    optical_drives_test.cpp
     os_release_test.cpp
+    poll_run_loop_test.cpp
     process_test.cpp
     stack_walk_test.cpp
     standard_error_test.cpp
     symbol_names_test.cpp
-    system_queries_test.cpp)
+    system_queries_test.cpp
+    volumes_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()
     list(APPEND PORT_SOURCES no_symbol_tables.cpp)
+endif()
+if(VELTRA_UDEV)
+    list(APPEND PORT_SOURCES udev_drives.cpp)
+else()
+    list(APPEND PORT_SOURCES no_udev_drives.cpp)
 endif()
 if(VELTRA_XKB)
     list(APPEND PORT_SOURCES xkb_configured.cpp xkb_keyboard_layout.cpp xkb_session.cpp)
