@@ -14,7 +14,8 @@
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
 #include "veltra/platform/local_time.h"       // platformLocalTime()
-#include "veltra/platform/memory_system.h"    // platformMemorySystem(), MemoryFactsReader
+#include "veltra/platform/machine_lines.h"
+#include "veltra/platform/memory_system.h"  // platformMemorySystem(), MemoryFactsReader
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/optical_drives.h"      // platformOpticalDrives()
 #include "veltra/platform/poll_run_loop.h"       // where the system has descriptors to wait on

@@ -84,6 +84,18 @@ std::string pathOfResource(std::string_view name, std::string_view extension) {
     return {};
 }
 
+std::vector<std::string> pathsOfImageResource(std::string_view name) {
+    std::vector<std::string> paths;
+    if (name.empty()) return paths;
+    for (const char* ending : {"_pro", ""}) {
+        for (const char* extension : {"tiff", "png"}) {
+            std::string path = pathOfResource(std::string(name) + ending, extension);
+            if (!path.empty()) paths.push_back(std::move(path));
+        }
+    }
+    return paths;
+}
+
 std::optional<std::string> textOfFile(const std::string& path, std::size_t limit) {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) return {};  // a pipe would wait for its writer

@@ -43,6 +43,10 @@ VELTRA_EXPORT std::string pathOfResource(std::string_view name, std::string_view
 VELTRA_EXPORT std::string pathOfResourceIn(const std::string& folder, std::string_view name,
                                            std::string_view extension);
 
+// The pictures of a name, best first: "NAME_pro" with the extensions tiff and png, then "NAME" with
+// both. Only those that there are.
+VELTRA_EXPORT std::vector<std::string> pathsOfImageResource(std::string_view name);
+
 // What the file holds; nothing when it cannot be read or has more than `limit` bytes.
 VELTRA_EXPORT std::optional<std::string> textOfFile(const std::string& path, std::size_t limit);
 

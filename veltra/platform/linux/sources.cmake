@@ -15,6 +15,7 @@ set(PORT_SOURCES
     json_preferences.cpp
     kernel_drives.cpp
     local_time.cpp
+    machine_lines.cpp
     memory_facts.cpp
     memory_system.cpp
     mount_table.cpp
@@ -46,6 +47,7 @@ set(PORT_TESTS
     journal_log_test.cpp
     json_preferences_test.cpp
     local_time_test.cpp
+    machine_lines_test.cpp
     memory_facts_test.cpp
     optical_drives_test.cpp
     os_release_test.cpp
