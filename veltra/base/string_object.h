@@ -5,8 +5,9 @@
 //
 // Ownership: a function with "Create" in its name gives its caller one reference, to be given back
 // with VLStringRelease; so do utf8_to_cfstring, utf8_to_nsstring and, through `lost`, the legacy
-// conversions of utf8_text.h. Every other function only looks at the object during the call. An
-// object lives until its last reference is released; counting is safe from several threads at once.
+// conversions of utf8_text.h, and all functions of environment.h that return a string object. Every
+// other function only looks at the object during the call. An object lives until its last reference
+// is released; counting is safe from several threads at once.
 //
 // An object always holds well-formed UTF-16 (ill-formed input makes no object), so that reading one
 // never fails.

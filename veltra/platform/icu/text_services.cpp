@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/immortal.h"
 #include "veltra/base/out_of_memory.h"
+#include "veltra/platform/icu/email_pattern.h"
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
@@ -11,6 +12,8 @@
 #include <stdexcept>
 
 #include <unicode/ucnv.h>
+#include <unicode/uidna.h>
+#include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
 namespace veltra {
@@ -78,6 +81,52 @@ const LegacyTable* legacyTable() noexcept {
 // converters. So it looks when the library is loaded.
 [[maybe_unused]] const bool s_isTableLoaded = legacyTable() != nullptr;
 
+// Null when it cannot be had. First asked for when the library is loaded, as above.
+const UNormalizer2* canonicalForms() noexcept {
+    UErrorCode error = U_ZERO_ERROR;
+    const UNormalizer2* const forms = unorm2_getNFDInstance(&error);
+    return U_SUCCESS(error) ? forms : nullptr;
+}
+
+[[maybe_unused]] const bool s_areFormsLoaded = canonicalForms() != nullptr;
+
+constexpr std::size_t kLongestText = 500'000'000;
+
+struct Source {
+    const char16_t* units;
+    std::int32_t count;
+};
+struct Destination {
+    char16_t* units;
+    std::int32_t count;
+};
+
+// What `convert` writes, at the second try into as much room as it asked for.
+template <typename Convert>
+std::optional<std::u16string> converted(std::u16string_view text, Convert convert) noexcept {
+    constexpr std::size_t kGrowth = 32;
+    if (text.size() > kLongestText) return std::nullopt;
+    return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<std::u16string> {
+        const Source source{text.data(), static_cast<std::int32_t>(text.size())};
+        std::u16string result(text.size() + kGrowth, u'\0');
+        const auto attempt = [&](UErrorCode* error) {
+            return convert(source,
+                           Destination{result.data(), static_cast<std::int32_t>(result.size())},
+                           error);
+        };
+        UErrorCode error = U_ZERO_ERROR;
+        std::int32_t length = attempt(&error);
+        if (error == U_BUFFER_OVERFLOW_ERROR) {
+            result.resize(static_cast<std::size_t>(length) + 1);
+            error = U_ZERO_ERROR;
+            length = attempt(&error);
+        }
+        if (U_FAILURE(error)) return std::nullopt;  // a warning is no failure
+        result.resize(static_cast<std::size_t>(length));
+        return result;
+    });
+}
+
 class IcuTextServices final : public TextServices {
 public:
     std::optional<std::size_t> toLegacy(std::u16string_view text, char substitute,
@@ -105,21 +154,44 @@ public:
     }
 
     std::optional<std::u16string> toUpper(std::u16string_view text) const noexcept override {
-        if (text.size() > kLongestText) return std::nullopt;
-        return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<std::u16string> {
-            std::u16string capitals(text.size() * 3, u'\0');  // no letter grows by more
-            UErrorCode error = U_ZERO_ERROR;
-            const std::int32_t length =
-                u_strToUpper(capitals.data(), static_cast<std::int32_t>(capitals.size()),
-                             text.data(), static_cast<std::int32_t>(text.size()), "", &error);
-            if (U_FAILURE(error)) return std::nullopt;
-            capitals.resize(static_cast<std::size_t>(length));
-            return capitals;
+        return converted(text, [](const Source& from, const Destination& to, UErrorCode* error) {
+            return u_strToUpper(to.units, to.count, from.units, from.count, "", error);
         });
     }
 
-private:
-    static constexpr std::size_t kLongestText = 500'000'000;
+    std::optional<std::u16string> caseFolded(std::u16string_view text) const noexcept override {
+        return converted(text, [](const Source& from, const Destination& to, UErrorCode* error) {
+            return u_strFoldCase(to.units, to.count, from.units, from.count, U_FOLD_CASE_DEFAULT,
+                                 error);
+        });
+    }
+
+    std::optional<std::u16string> decomposed(std::u16string_view text) const noexcept override {
+        const UNormalizer2* const forms = canonicalForms();
+        if (forms == nullptr) return std::nullopt;
+        return converted(text, [=](const Source& from, const Destination& to, UErrorCode* error) {
+            return unorm2_normalize(forms, from.units, from.count, to.units, to.count, error);
+        });
+    }
+
+    bool isCombining(char32_t code) const noexcept override {
+        const UNormalizer2* const forms = canonicalForms();
+        return forms != nullptr && unorm2_hasBoundaryBefore(forms, static_cast<UChar32>(code)) == 0;
+    }
+
+    std::optional<bool> matchesEmailPattern(std::u16string_view text) const noexcept override {
+        return matchesCompiledEmailPattern(text);
+    }
+
+    std::optional<std::u16string> asciiHostName(std::u16string_view host) const noexcept override {
+        return converted(host, [](const Source& from, const Destination& to, UErrorCode* error) {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // its successor is IDNA of 2008
+            return uidna_IDNToASCII(from.units, from.count, to.units, to.count, UIDNA_DEFAULT,
+                                    nullptr, error);
+#pragma GCC diagnostic pop
+        });
+    }
 };
 
 }  // namespace
