@@ -157,6 +157,7 @@ TEST(MergePath, LosesNothingWhicheverStepFails) {
     const Tree all = merged(from, to, true);
     for (const bool isOld : {false, true}) {
         for (const int number : kErrors) {
+            if (isOld && number != EIO && number != EEXIST) continue;  // would say the same
             bool isDone = false;
             for (int step = 0; !isDone; ++step) {
                 const Kits kits;
