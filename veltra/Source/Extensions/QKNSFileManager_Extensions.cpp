@@ -51,7 +51,8 @@ std::optional<std::string> resolved(const std::string& path,
     if (!canBePath(path)) return std::nullopt;
     if (kindAt(path, LastLink::Follow)) return path;
     for (const std::string& extension : extensions) {
-        std::string candidate = path + '.' + extension;
+        std::string candidate = path;
+        candidate.append(".").append(extension);
         if (canBePath(candidate) && kindAt(candidate, LastLink::Follow)) return candidate;
     }
     return std::nullopt;

@@ -161,8 +161,9 @@ TEST(FileManager, FindsNamesThatNobodyElseGets) {
     EXPECT_FALSE(uniqueFileNameAtPath("", "a", "") ||
                  uniqueFileNameAtPath(at, std::string(1, '\0'), ""));
 
-    std::vector<std::thread> makers;
     std::array<Names, 4> names;
+    std::vector<std::thread> makers;
+    makers.reserve(names.size());
     for (Names& own : names) {
         makers.emplace_back([&own, &at] {
             for (int round = 0; round < 25; ++round) {
@@ -229,20 +230,21 @@ TEST(Url, IsInTheTrash) {
     fs::create_directory_symlink("real", desktop.folder.path / "data");
     fs::create_directories(desktop.folder.path / "disk/.Trash" / user / "files");
     fs::create_symlink("/proc", desktop.folder.path / "real/Trash/files/link");
-    const std::string at = desktop.folder.path.string() + "/";
+    const std::string url = "file://" + desktop.folder.path.string() + "/";
+    const std::string item = desktop.folder / "data/Trash/files/x";
     for (const std::string& path :
          {std::string("real/Trash/files/Old%20kit/a%20b.wav"), std::string("data/Trash/files/x"),
           std::string("data/Trash/files/link"), "disk/.Trash/" + user + "/files/x",
           "disk/.Trash-" + user + "/files/x/y", std::string("data/Trash/files/Old%20kit/")})
-        EXPECT_TRUE(isInTrash("file://" + at + path)) << path;
+        EXPECT_TRUE(isInTrash(url + path)) << path;
     for (const std::string& path :
          {std::string("real/Trash/files"), std::string("data/Trash/files/"),
           std::string("data/Trash/files/../x"), std::string("data/Trash/files/Old%20kit/.."),
           std::string("data/Trash/info/x"), std::string("data/Trash/files2/x"),
           "disk/.Trash/" + user + "1/files/x", "disk/x/.Trash-" + user + "/files/x"})
-        EXPECT_FALSE(isInTrash("file://" + at + path)) << path;
+        EXPECT_FALSE(isInTrash(url + path)) << path;
     for (const char* prefix : {"", "http://", "file://host", "file"})
-        EXPECT_FALSE(isInTrash(prefix + at + "data/Trash/files/x")) << prefix;
+        EXPECT_FALSE(isInTrash(prefix + item)) << prefix;
     EXPECT_FALSE(isInTrash("") || isInTrash("file:x") || isInTrash("file:///%"));
 }
 
