@@ -97,7 +97,7 @@ public:
     virtual std::error_code write(Handle file, std::span<const std::byte> bytes,
                                   std::size_t& count) noexcept = 0;
     virtual std::error_code copyPart(Handle from, Handle to, std::size_t& count) noexcept = 0;
-    // Returns when the file's contents are on the disk.
+    // Returns when the file's contents are on the disk; may be refused likewise.
     virtual std::error_code flush(Handle file) noexcept = 0;
 
     virtual std::error_code setPermissions(Handle handle, std::uint32_t permissions) noexcept = 0;

@@ -190,7 +190,7 @@ public:
     }
 
     std::error_code flush(Handle file) noexcept override {
-        return answer(uninterrupted([&] { return ::fsync(file); }) == 0);
+        return answerOfRareCall(uninterrupted([&] { return ::fsync(file); }) == 0);
     }
 
     std::error_code setPermissions(Handle handle, std::uint32_t permissions) noexcept override {

@@ -72,8 +72,9 @@ std::optional<Mount> mountOfNumber(std::uint64_t number, std::string_view table)
 }
 
 bool isRemovableDevice(const std::string& folder, const std::string& deviceName) {
+    const std::string device = folder + '/' + deviceName;
     for (const char* file : {"/removable", "/../removable"}) {
-        std::ifstream fact(folder + '/' + deviceName + file);
+        std::ifstream fact(device + file);
         if (fact.is_open()) return fact.get() == '1';
     }
     return false;

@@ -52,6 +52,7 @@ TEST(OpticalDrives, AreThoseOfTheDeviceManager) {
 #if !defined(VELTRA_UDEV)
     GTEST_SKIP() << "needs libudev";
 #else
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
     if (std::system("umockdev-run --version >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "needs umockdev";
 #if defined(VELTRA_SANITIZED)

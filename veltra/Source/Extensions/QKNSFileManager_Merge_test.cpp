@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/Source/Extensions/QKNSFileManager_Merge.h"
+
+#include "veltra/Source/Extensions/testing/failing_file_system.h"
+#include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/temporary_folder.h"
+
+#include <atomic>
+#include <fstream>
+#include <map>
+#include <thread>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace veltra {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::FailingFileSystem;
+using testing::TemporaryFolder;
+using Reason = MergeProblem::Reason;
+
+std::string textOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void setTime(const fs::path& item, long seconds) {
+    const timespec times[2] = {{seconds, 5}, {seconds, 123456789}};
+    ::utimensat(AT_FDCWD, item.c_str(), times, AT_SYMLINK_NOFOLLOW);
+}
+
+void put(const fs::path& file, std::string_view text, ::mode_t mode = 0644, long seconds = 1000) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << text;
+    ::chmod(file.c_str(), mode);
+    setTime(file, seconds);
+}
+
+// Everything below a folder: contents, and with `isExact` permissions and times of what is no
+// folder.
+using Tree = std::map<std::string, std::string>;
+Tree treeOf(const fs::path& folder, bool isExact = true) {
+    Tree tree;
+    for (const auto& item : fs::recursive_directory_iterator(folder)) {
+        const fs::path& path = item.path();
+        struct stat status {};
+        ::lstat(path.c_str(), &status);
+        std::string text = S_ISDIR(status.st_mode)   ? "folder"
+                           : S_ISLNK(status.st_mode) ? "link " + fs::read_symlink(path).string()
+                           : S_ISREG(status.st_mode) ? "file " + textOf(path)
+                                                     : "other";
+        if (isExact && !S_ISDIR(status.st_mode))
+            text += " " + std::to_string(status.st_mode) + " " +
+                    std::to_string(status.st_mtim.tv_sec) + "." +
+                    std::to_string(status.st_mtim.tv_nsec);
+        tree[path.lexically_relative(folder)] = text;
+    }
+    return tree;
+}
+
+struct Log : MergeHandler {
+    MergeAnswer willMerge(std::string_view, std::string_view) noexcept override {
+        return seen++ == stopAt ? MergeAnswer::Stop : MergeAnswer::GoOn;
+    }
+    MergeAnswer couldNotMerge(const MergeProblem& problem) noexcept override {
+        ++counts[problem.reason];
+        last = std::string(problem.sourcePath);
+        if (problem.reason == Reason::LeftBehind) leftBehind = problem.leftBehind;
+        return MergeAnswer::GoOn;
+    }
+    int seen = 0;
+    int stopAt = -1;
+    std::map<Reason, int> counts;
+    std::string last;
+    std::string leftBehind;
+};
+
+// A kit of samples on both sides.
+struct Kits {
+    Kits() {
+        put(from / "a.wav", "new a", 0640);
+        put(from / "long.wav", std::string(200, 'n'));
+        put(from / "sub/b.wav", "new b", 0444);
+        put(from / "Plug.vst3/Contents/x", "new x", 0755);
+        put(from / "Plug.vst3/y", "new y");
+        fs::create_symlink("nowhere", from / "link");
+        setTime(from / "link", 1000);
+        put(to / "a.wav", "old a", 0600, 2000);
+        put(to / "only.wav", "only here");
+        put(to / "Plug.vst3/Contents/x", "old x", 0644, 2000);
+        put(to / "Plug.vst3/Contents/z", "old z");
+        fs::create_symlink("before", to / "link");
+        setTime(to / "link", 2000);
+    }
+    bool merge(bool isReplacing, MergeHandler* handler = nullptr) const {
+        return mergePath(from.string(), to.string(), isReplacing, handler);
+    }
+    TemporaryFolder folder;
+    const fs::path from = folder.path / "from";
+    const fs::path to = folder.path / "to";
+};
+
+Tree merged(Tree from, Tree to, bool isReplacing) {
+    if (isReplacing)
+        std::erase_if(to, [](const auto& item) { return item.first.starts_with("Plug.vst3"); });
+    else
+        std::erase_if(from, [](const auto& item) { return item.first.starts_with("Plug.vst3"); });
+    Tree& winner = isReplacing ? from : to;
+    winner.merge(isReplacing ? to : from);
+    return winner;
+}
+
+TEST(MergePath, ReplacesOrKeepsWhatBothHave) {
+    for (const bool isOld : {false, true}) {
+        for (const bool isReplacing : {false, true}) {
+            const Kits kits;
+            FailingFileSystem files;
+            files.isOld = isOld;
+            files.most = 7;
+            const Tree from = treeOf(kits.from);
+            const Tree expected = merged(from, treeOf(kits.to), isReplacing);
+            Log log;
+            EXPECT_TRUE(kits.merge(isReplacing, &log));
+            EXPECT_EQ(treeOf(kits.to), expected);
+            EXPECT_EQ(treeOf(kits.from), from);
+            EXPECT_TRUE(kits.merge(isReplacing)) << "again";
+            EXPECT_EQ(treeOf(kits.to), expected);
+            EXPECT_TRUE(log.counts.empty());
+        }
+    }
+}
+
+// Each step fails once, with each of the errors. Whatever it was: the source is whole, each item of
+// the target is the old one or the new one, a package as a whole, nothing hidden is left unless
+// told, and true is answered only when all is there.
+TEST(MergePath, LosesNothingWhicheverStepFails) {
+    // Thousands of trees: in memory, if there is a place for files there.
+    const char* const before = environmentVariable("TMPDIR");
+    const std::string folderBefore = before != nullptr ? before : "";
+    if (fs::is_directory("/dev/shm")) setEnvironment("TMPDIR", "/dev/shm");
+
+    constexpr int kErrors[] = {EIO, ENOSPC, EACCES, EEXIST, ENOENT, EOPNOTSUPP, ENOMEM};
+    Tree from;
+    Tree to;
+    Tree fromTexts;
+    Tree toTexts;
+    {
+        const Kits kits;
+        from = treeOf(kits.from);
+        to = treeOf(kits.to);
+        fromTexts = treeOf(kits.from, false);
+        toTexts = treeOf(kits.to, false);
+    }
+    const Tree all = merged(from, to, true);
+    for (const bool isOld : {false, true}) {
+        for (const int number : kErrors) {
+            if (isOld && number != EIO && number != EEXIST) continue;  // would say the same
+            bool isDone = false;
+            for (int step = 0; !isDone; ++step) {
+                const Kits kits;
+                Log log;
+                bool isComplete = false;
+                {
+                    FailingFileSystem files;
+                    files.isOld = isOld;
+                    files.failing = step;
+                    files.error = {number, std::generic_category()};
+                    isComplete = kits.merge(true, &log);
+                    isDone = files.steps <= step;
+                }
+                const std::string where = "step " + std::to_string(step) + ", error " +
+                                          std::to_string(number) + (isOld ? ", old" : "");
+                EXPECT_EQ(treeOf(kits.from), from) << where;
+                EXPECT_EQ(isComplete, log.counts.empty()) << where;
+                const Tree now = treeOf(kits.to, false);
+                if (isComplete) {
+                    EXPECT_EQ(treeOf(kits.to), all) << where;
+                }
+                const bool isPlugNew = now.contains("Plug.vst3/y");
+                for (const auto& [path, text] : now) {
+                    if (path.find(".veltra-") != std::string::npos) {
+                        EXPECT_TRUE((kits.to / path).string().starts_with(log.leftBehind) &&
+                                    !log.leftBehind.empty())
+                            << where << path;
+                        continue;
+                    }
+                    const bool isNew = fromTexts.contains(path) && fromTexts.at(path) == text;
+                    const bool isBefore = toTexts.contains(path) && toTexts.at(path) == text;
+                    EXPECT_TRUE(isNew || isBefore) << where << path;
+                    if (path.starts_with("Plug.vst3")) {
+                        EXPECT_TRUE(isPlugNew ? isNew : isBefore) << where << path;
+                    }
+                }
+                for (const auto& [path, text] : toTexts) {
+                    EXPECT_TRUE(now.contains(path) || (isPlugNew && path.starts_with("Plug.vst3")))
+                        << where << path;
+                }
+                ASSERT_LT(step, 1000);
+            }
+        }
+    }
+    setEnvironment("TMPDIR", before != nullptr ? folderBefore.c_str() : nullptr);
+}
+
+TEST(MergePath, RefusesATargetInItsSourceBeforeItWrites) {
+    const Kits kits;
+    fs::create_directory_symlink(kits.from / "sub", kits.folder / "door");
+    const Tree before = treeOf(kits.folder.path);
+    for (const char* target : {"from", "from/sub", "from/sub/new", "from/", "from/sub/..", "door/x",
+                               "from/Plug.vst3/Contents"}) {
+        FailingFileSystem files;
+        Log log;
+        EXPECT_FALSE(mergePath(kits.from.string(), kits.folder / target, true, &log)) << target;
+        EXPECT_EQ(log.counts[Reason::InsideItself], 1) << target;
+        EXPECT_EQ(files.writes, 0) << target;
+    }
+    EXPECT_EQ(treeOf(kits.folder.path), before);
+
+    // The other way round, the folder must not be merged into itself either.
+    put(kits.folder.path / "out/in/in/c", "c");
+    Log log;
+    EXPECT_FALSE(mergePath(kits.folder / "out/in", kits.folder / "out", true, &log));
+    EXPECT_EQ(log.counts[Reason::InsideItself], 1);
+    EXPECT_FALSE(fs::exists(kits.folder / "out/in/c"));
+}
+
+TEST(MergePath, TellsWhatItLeavesOut) {
+    const TemporaryFolder folder;
+    const fs::path from = folder.path / "from";
+    const fs::path to = folder.path / "to";
+    put(from / "file", "f");
+    put(from / "folder/inside", "i");
+    put(from / "linked/secret", "changed");
+    put(from / "plain/Contents/c", "package");
+    put(from / "z", "last");
+    ::mkfifo((from / "pipe").c_str(), 0600);
+    fs::create_symlink("loop", from / "loop");
+    put(to / "folder", "a file");
+    put(to / "file/kept", "in a folder");
+    put(to / "plain/mine", "not a package");
+    put(folder.path / "elsewhere/secret", "not to be touched");
+    fs::create_directory_symlink(folder.path / "elsewhere", to / "linked");
+    Log log;
+    EXPECT_FALSE(mergePath(from.string(), to.string(), true, &log));
+    EXPECT_EQ(log.counts,
+              (std::map<Reason, int>{{Reason::KindsDiffer, 4}, {Reason::NotCopied, 1}}));
+    EXPECT_EQ(textOf(folder / "elsewhere/secret"), "not to be touched");
+    EXPECT_TRUE(fs::is_symlink(to / "loop") && textOf(to / "z") == "last");
+    EXPECT_TRUE(textOf(to / "folder") == "a file" && fs::exists(to / "plain/mine"));
+
+    // Stopped, and paths that lead nowhere.
+    const TemporaryFolder empty;
+    Log stopping;
+    stopping.stopAt = 2;
+    EXPECT_FALSE(mergePath(from.string(), empty / "to", true, &stopping));
+    EXPECT_TRUE(stopping.seen == 3 && stopping.counts.empty() && fs::exists(empty / "to/file"));
+    const std::pair<std::string, std::string> kNowhere[] = {
+        {empty / "none", empty / "x"},
+        {from, empty / "no/folder"},
+        {"", empty / "x"},
+        {from, std::string("x\0y", 3)},
+        {from, empty / std::string(256, 'x').c_str()},
+    };
+    for (const auto& [source, target] : kNowhere) {
+        Log nowhere;
+        EXPECT_FALSE(mergePath(source, target, true, &nowhere)) << source;
+        EXPECT_EQ(nowhere.counts[Reason::Failed], 1) << source;
+    }
+}
+
+TEST(MergePath, TakesAnyName) {
+    const TemporaryFolder folder;
+    const std::string longest(255, 'x');
+    for (const std::string& name : {longest, std::string("caf\xE9"), std::string("a\nb\\"),
+                                    std::string(".hidden"), std::string(" ")})
+        put(folder.path / "from" / name / name, name);
+    put(folder.path / "to" / longest / longest, "old");
+    EXPECT_TRUE(mergePath(folder / "from/", folder / "to", true, nullptr));
+    EXPECT_EQ(treeOf(folder.path / "to"), treeOf(folder.path / "from"));
+    EXPECT_TRUE(mergePath(folder / "from/ / ", folder / "file", false, nullptr));
+    EXPECT_EQ(textOf(folder / "file"), " ");
+}
+
+TEST(MergePath, GivesWayToThoseWhoAreFaster) {
+    for (const bool isReplacing : {false, true}) {
+        for (const bool isOld : {false, true}) {
+            const TemporaryFolder folder;
+            put(folder.path / "from/a", "ours");
+            put(folder.path / "from/b", "ours");
+            put(folder.path / "from/grows", "ours");
+            put(folder.path / "from/sub/c", "ours");
+            fs::create_directory(folder.path / "to");
+            FailingFileSystem files;
+            files.isOld = isOld;
+            files.beforeStep = [&](std::string_view step, std::string_view name) {
+                const bool isPlaced = step == "rename" || step == "addName";
+                if (isPlaced && name == "a") put(folder.path / "to/a", "theirs");
+                if (isPlaced && name == "b") fs::create_directory(folder.path / "to/b");
+                if (step == "makeFolder" && name == "sub") put(folder.path / "to/sub/d", "theirs");
+                if (step == "open" && name == "grows")
+                    put(folder.path / "from/grows", "o", 0644, 9);
+                if (step == "read" && textOf(folder / "from/grows").size() == 1)
+                    put(folder.path / "from/grows", "longer");
+            };
+            Log log;
+            EXPECT_FALSE(mergePath(folder / "from", folder / "to", isReplacing, &log));
+            EXPECT_EQ(log.counts[Reason::KindsDiffer], isReplacing ? 1 : 0);
+            EXPECT_EQ(log.counts[Reason::Failed], 1);
+            EXPECT_EQ(treeOf(folder.path / "to", false),
+                      (Tree{{"a", isReplacing ? "file ours" : "file theirs"},
+                            {"b", "folder"},
+                            {"sub", "folder"},
+                            {"sub/c", "file ours"},
+                            {"sub/d", "file theirs"}}));
+        }
+    }
+}
+
+TEST(MergePath, ShowsReadersWholeFilesOnly) {
+    const TemporaryFolder folder;
+    constexpr std::size_t kSize = 300'000;
+    put(folder.path / "A/take", std::string(kSize, 'A'));
+    put(folder.path / "B/take", std::string(kSize, 'B'));
+    put(folder.path / "to/take", std::string(kSize, 'A'));
+    std::atomic<bool> isDone{false};
+    std::atomic<int> looks{0};
+    int halves = 0;
+    std::thread reader([&] {
+        while (!isDone) {
+            const std::string text = textOf(folder / "to/take");
+            if (text != std::string(kSize, 'A') && text != std::string(kSize, 'B')) ++halves;
+            ++looks;
+        }
+    });
+    for (int round = 0; round < 60 || looks < 30; ++round)
+        EXPECT_TRUE(mergePath(folder / (round % 2 == 0 ? "B" : "A"), folder / "to", true, nullptr));
+    isDone = true;
+    reader.join();
+    EXPECT_EQ(halves, 0);
+}
+
+}  // namespace
+}  // namespace veltra

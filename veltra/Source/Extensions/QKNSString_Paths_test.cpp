@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/Source/Extensions/QKNSString_Paths.h"
+
+#include "veltra/platform/process.h"
+#include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/temporary_folder.h"
+#include "veltra/platform/volumes.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(Paths, HaveComponents) {
+    const struct {
+        const char* path;
+        const char* first;
+        const char* withoutOne;
+        const char* withoutTwo;
+    } kCases[] = {
+        {"/a/b/c", "/", "/a/b", "/a"},
+        {"a/b", "a", "a", ""},
+        {"/a", "/", "/", "/"},
+        {"/", "/", "/", "/"},
+        {"", "", "", ""},
+        {"a", "a", "", ""},
+        {"//a//b//", "/", "//a", "/"},
+        {"a/b/c/", "a", "a/b", "a"},
+        {"///", "/", "/", "/"},
+    };
+    for (const auto& one : kCases) {
+        EXPECT_EQ(firstPathComponent(one.path), one.first) << one.path;
+        const auto without = stringByDeletingNumberOfLastPathComponents;
+        EXPECT_EQ(without(one.path, 1), one.withoutOne) << one.path;
+        EXPECT_EQ(without(one.path, 2), one.withoutTwo) << one.path;
+        EXPECT_EQ(without(one.path, INT32_MAX), *one.path == '/' ? "/" : "") << one.path;
+        for (const std::int32_t none : {0, -1, INT32_MIN})
+            EXPECT_EQ(without(one.path, none), one.path);
+        EXPECT_EQ(containsLastPathComponents(one.path, one.path), *one.path != '\0');
+    }
+    EXPECT_TRUE(containsLastPathComponents("/a/b/c", "b/c/"));
+    EXPECT_TRUE(containsLastPathComponents("/a", "/a"));
+    for (const char* components : {"/c", "bb/c", "b", "x/a/b/c", "/a/b"})
+        EXPECT_FALSE(containsLastPathComponents("/a/bb/b/c", components)) << components;
+
+    EXPECT_TRUE(containsPathComponent("/Users/Ann/x", "Ann"));
+    EXPECT_TRUE(containsPathComponent("/Users/ann/x", "ANN", CompareOption::CaseInsensitive));
+    EXPECT_TRUE(containsPathComponent("/Users", "/"));
+    for (const char* component : {"", "An", "Ann/x", "ann", "Users/"})
+        EXPECT_FALSE(containsPathComponent("/Users/Ann/x", component)) << component;
+
+    EXPECT_EQ(lastPathComponentCompare("/z/a", "/a/b/"), -1);
+    EXPECT_EQ(lastPathComponentCompare("b", "/a/b"), 0);
+    EXPECT_EQ(lastPathComponentCompare("\xE9", "z"), 1);
+}
+
+std::string desktopLink(const std::string& url) {
+    return "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = Link\nURL=" + url +
+           "\nName=x\n[More]\nType=Application\n";
+}
+
+TEST(Paths, LeadThroughLinksAndAliases) {
+    const testing::TemporaryFolder temporary;
+    const fs::path folder = fs::canonical(temporary.path);
+    const std::string at = folder.string() + "/";
+    const auto file = [&](const std::string& name, const std::string& text) {
+        std::ofstream(at + name, std::ios::binary) << text;
+    };
+    fs::create_directories(folder / "real/in side");
+    file("real/in side/take.wav", "x");
+    fs::create_symlink("real", folder / "link");
+    fs::create_symlink("loop", folder / "loop");
+    fs::create_symlink("nowhere", folder / "dangling");
+    file("folder.desktop", desktopLink("file://localhost" + at + "link/in%20side"));
+    file("take.desktop", desktopLink("FILE://" + at + "folder%2edesktop"));
+    file("round.desktop", desktopLink("file://" + at + "about.desktop"));
+    file("about.desktop", desktopLink("file:" + at + "round.desktop"));
+    file("broken.desktop", desktopLink("file://" + at + "none"));
+    file("web.desktop", desktopLink("http://host" + at));
+    file("bad.desktop", desktopLink("file://" + at + "%zz"));
+    file("nul.desktop", desktopLink("file://" + at + "real%00"));
+    file("program.desktop", "[Desktop Entry]\nType=Application\nURL=file://" + at + "real\n");
+    file("large.desktop", desktopLink("file://" + at + "real") + std::string(70'000, '#'));
+    file("link.txt", desktopLink("file://" + at + "real"));
+    for (int number = 0; number < 18; ++number)
+        file("chain" + std::to_string(number) + ".desktop",
+             desktopLink(
+                 "file://" + at +
+                 (number == 0 ? "real" : "chain" + std::to_string(number - 1) + ".desktop")));
+
+    const std::pair<std::string, std::string> kCases[] = {
+        {"link/in side/../in side/take.wav", "real/in side/take.wav"},
+        {"take.desktop", "real/in side"},
+        {"folder.desktop/take.wav", "real/in side/take.wav"},
+        {"take.desktop/none/more", "real/in side/none/more"},
+        {"link/none", "real/none"},
+        {"loop", "loop"},
+        {"loop/x", "loop/x"},
+        {"dangling", "dangling"},
+        {"round.desktop", "round.desktop"},
+        {"broken.desktop", "broken.desktop"},
+        {"web.desktop", "web.desktop"},
+        {"bad.desktop", "bad.desktop"},
+        {"nul.desktop", "nul.desktop"},
+        {"program.desktop", "program.desktop"},
+        {"large.desktop", "large.desktop"},
+        {"link.txt", "link.txt"},
+        {"chain15.desktop", "real"},
+        {"chain17.desktop", "chain17.desktop"},
+        {std::string(300, 'x'), std::string(300, 'x')},
+    };
+    const auto resolve = [](const std::string& path) {
+        return pathByResolvingSymlinksAndAliasesInPath(path).value_or("nothing");
+    };
+    for (const auto& [path, result] : kCases) {
+        EXPECT_EQ(resolve(at + path), at + result);
+        EXPECT_EQ(resolve(resolve(at + path)), at + result) << "twice";
+    }
+    EXPECT_EQ(resolve(""), "nothing");
+    EXPECT_EQ(resolve(std::string("/\0x", 3)), "nothing");
+    EXPECT_EQ(resolve("no such item"), (fs::current_path() / "no such item").string());
+    std::string deep;
+    while (deep.size() < 100'000)
+        deep += "x/";
+    EXPECT_EQ(resolve(deep), deep);
+
+    const std::string home = environmentVariable("HOME") ? environmentVariable("HOME") : "";
+    setEnvironment("HOME", (folder / "link").c_str());
+    EXPECT_EQ(resolve("~"), at + "real");
+    EXPECT_EQ(resolve("~/in side"), at + "real/in side");
+    EXPECT_EQ(resolve("~root"), "/root");
+    EXPECT_EQ(resolve("~no such user/x"), (fs::current_path() / "~no such user/x").string());
+    setEnvironment("HOME", home.empty() ? nullptr : home.c_str());
+}
+
+TEST(Paths, AreVisibleUnlessTheirFolderHidesThem) {
+    const testing::TemporaryFolder folder;
+    for (const char* name : {"shown", "listed", ".dot", "late"})
+        std::ofstream(folder / name) << "x";
+    fs::create_symlink("listed", folder.path / "seen");
+    fs::create_symlink("shown", folder.path / ".link");
+    fs::create_symlink("nowhere", folder.path / "dangling");
+    std::ofstream(folder / ".hidden") << "listed\nshow\n" + std::string(70'000, 'x') + "\nlate\n";
+    for (const char* name : {"shown", ".link", "late"})
+        EXPECT_TRUE(isFileVisible(folder / name)) << name;
+    for (const char* name : {"listed", "seen", ".dot", "dangling", "none"})
+        EXPECT_FALSE(isFileVisible(folder / name)) << name;
+    EXPECT_TRUE(isFileVisible("/") && !isFileVisible(""));
+}
+
+TEST(Paths, LieOnDiscWhereTheVolumeSaysSo) {
+    struct OneVolume final : Volumes {
+        OneVolume() { install(this); }
+        ~OneVolume() override { install(nullptr); }
+        std::optional<Volume> volumeOfPath(const std::string& path) noexcept override {
+            asked = path;
+            return volume;
+        }
+        std::optional<Volume> volume;
+        std::string asked;
+    } volumes;
+    EXPECT_FALSE(isPathOnCDDVD("/"));
+    for (int bits = 0; bits < 8; ++bits) {
+        volumes.volume = {"/m", (bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, "", ""};
+        EXPECT_EQ(isPathOnCDDVD("/"), bits == 5);
+    }
+    const testing::TemporaryFolder folder;
+    fs::create_symlink("/proc", folder.path / "link");
+    isPathOnCDDVD(folder / "link");
+    EXPECT_EQ(volumes.asked, "/proc");
+}
+
+}  // namespace
+}  // namespace veltra
