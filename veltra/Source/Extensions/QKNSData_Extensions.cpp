@@ -31,7 +31,7 @@ std::optional<PropertyValue::Data> compressed(std::span<const std::uint8_t> byte
 
 std::optional<PropertyValue::Data> compressedData(std::span<const std::uint8_t> bytes) noexcept {
     if (bytes.empty()) return std::nullopt;
-    const auto stream = unlessOutOfMemory(std::nullopt, [bytes] { return compressed(bytes); });
+    auto stream = unlessOutOfMemory(std::nullopt, [bytes] { return compressed(bytes); });
     if (!stream && failAssertion("-compressedData error",
                                  "Source/Extensions/QKNSData_Extensions:36", nullptr) != 0)
         __builtin_trap();  // the user wants to look with a debugger
