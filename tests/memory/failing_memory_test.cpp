@@ -4,6 +4,10 @@
 #include "tests/memory/failing_memory.h"
 
 #include "tests/memory/real_zone.h"
+#include "veltra/Source/Extensions/QKNSData_Extensions.h"
+#include "veltra/Source/Extensions/QKNSDictionary_Extensions.h"
+#include "veltra/Source/Extensions/QKNSString_Extension.h"
+#include "veltra/Source/Extensions/QKNSString_URLs.h"
 #include "veltra/audio/add_remove_iterate_list.h"
 #include "veltra/audio/musical_context.h"
 #include "veltra/base/exception.h"
@@ -290,6 +294,41 @@ Answer legacyText() {
     return oneOf(isWhole && isNeutral, isNeutral);
 }
 
+Answer checkedAndComparedText() {
+    const bool isAddress = stringLooksLikeValidEmailAddress("someone@example.com");
+    const bool isUri = stringLooksLikeValidURI("http://someone@example.com:80/a%20b?c#d");
+    const bool isFound =
+        containsSubstring("Caf\u00E9 de la Paix", "CAFE\u0301", CompareOption::CaseInsensitive);
+    const bool isWrong = stringLooksLikeValidURI("a b") || equals("a", "\u00E9");
+    return oneOf(isAddress && isUri && isFound && !isWrong, !isWrong);
+}
+
+Answer convertedText() {
+    constexpr const char* kUrl = "http://b\u00FCcher.example/a longer path";
+    const std::string ascii = stringByConvertingToPunycode(kUrl);
+    const bool isAscii = ascii == "http://xn--bcher-kva.example/a longer path";
+    const bool isRight =
+        stringByConvertingToXML("<b\tcomes before a & c>") == "&lt;bcomes before a &amp; c&gt;" &&
+        stringByConvertingToRFC2396(kUrl) == "http://b%C3%BCcher.example/a%20longer%20path" &&
+        stringByDeletingCharactersInSet("a\nb", CharacterSet::controlCharacterSet()) == "ab";
+    const bool isMac = macRomanString("\u00E9") && stringWithMacRomanString("\x8E");
+    return oneOf(isRight && isAscii && isMac, isRight && (isAscii || ascii == kUrl));
+}
+
+Answer compressedAndPackedData() {
+    SilentPresenter presenter;
+    AlertPresenter* const before = AlertPresenter::install(&presenter);
+    const auto bytes = unfailing([] { return PropertyValue::Data(100'000, 'x'); });
+    const auto stream = compressedData(bytes);
+    const bool isAsked = presenter.m_isAsked;
+    AlertPresenter::install(before);
+    const auto unpacked = stream ? decompressedData(*stream) : std::nullopt;
+    const auto dictionary =
+        initWithData(std::array<std::uint8_t, 7>{'{', '"', 'a', '"', ':', '1', '}'});
+    return oneOf(unpacked == bytes && dictionary && dictionary->size() == 1,
+                 stream.has_value() != isAsked && (!unpacked || *unpacked == bytes));
+}
+
 Answer valuesAndExceptions() {
     const PropertyValue text(
         localizedString("what is too long to lie in the string object itself"));
@@ -527,6 +566,9 @@ constexpr std::array kScenarios{
     Scenario{"notification center", Promise::NeverThrows, notificationCenter},
     Scenario{"string objects", Promise::NeverThrows, stringObjects},
     Scenario{"legacy file names, text services", Promise::NeverThrows, legacyText},
+    Scenario{"checked and compared text", Promise::NeverThrows, checkedAndComparedText},
+    Scenario{"converted text", Promise::MayThrow, convertedText},
+    Scenario{"compressed data, dictionaries", Promise::NeverThrows, compressedAndPackedData},
     Scenario{"values, exceptions, localized strings", Promise::MayThrow, valuesAndExceptions},
     Scenario{"preferences, read", Promise::NeverThrows, preferencesRead},
     Scenario{"preferences, written", Promise::NeverThrows, preferencesWritten},

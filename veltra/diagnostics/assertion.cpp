@@ -2,6 +2,7 @@
 #include "veltra/diagnostics/assertion.h"
 
 #include "veltra/base/whole_characters.h"
+#include "veltra/diagnostics/failed_assertion.h"
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/platform/alert.h"
 
@@ -36,12 +37,9 @@ const char* orNull(const char* text) noexcept {
 
 }  // namespace
 
-extern "C" {
-
-int dbgASSERT(int condition, const char* expression, const char* location,
-              int32_t* showCounter) noexcept {
-    assertionHasFailed.store(condition == 0 ? 1 : 0, std::memory_order_relaxed);
-    if (condition != 0) return 0;
+int failAssertion(const char* expression, const char* location,
+                  std::int32_t* showCounter) noexcept {
+    assertionHasFailed.store(1, std::memory_order_relaxed);
     if (showCounter != nullptr && *showCounter <= 0 && *showCounter != -1) return 0;
 
     std::array<char, kTextSize> memory;
@@ -55,6 +53,15 @@ int dbgASSERT(int condition, const char* expression, const char* location,
     if (answer != AlertAnswer::Other) return 0;
     if (showCounter == nullptr) std::exit(1);  // NOLINT(concurrency-mt-unsafe): the user says stop
     *showCounter = 0;
+    return 0;
+}
+
+extern "C" {
+
+int dbgASSERT(int condition, const char* expression, const char* location,
+              int32_t* showCounter) noexcept {
+    if (condition == 0) return failAssertion(expression, location, showCounter);
+    assertionHasFailed.store(0, std::memory_order_relaxed);
     return 0;
 }
 

@@ -9,6 +9,7 @@
 #include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
 #include "veltra/platform/c_locale.h"
 #include "veltra/platform/clock.h"        // platformClocks()
+#include "veltra/platform/compression.h"  // platformCompression(), in zlib/ or none/
 #include "veltra/platform/file_system.h"  // platformFileSystem()
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
@@ -30,7 +31,8 @@
 #include "veltra/platform/system_queries.h"  // platformSystemQueries()
 #include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
-#include "veltra/platform/volumes.h"  // platformVolumes()
+#include "veltra/platform/uri_syntax.h"  // in xml/ or none/
+#include "veltra/platform/volumes.h"     // platformVolumes()
 #include "veltra/platform/work_memory.h"
 #include "veltra/platform/zone_code.h"  // isZoneCode()
 
@@ -45,6 +47,7 @@ namespace veltra {
 // What serves while nothing is installed. Each returns the same object every time; it lives until
 // the process ends, also for those who ask while it ends.
 const Clocks& platformClocks() noexcept;
+const Compression& platformCompression() noexcept;        // none/ has one that can do nothing
 const KeyboardLayout& platformKeyboardLayout() noexcept;  // none/ has one that knows no key
 const LocalTime& platformLocalTime() noexcept;
 const Process& platformProcess() noexcept;

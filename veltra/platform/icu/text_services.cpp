@@ -77,18 +77,12 @@ const LegacyTable* legacyTable() noexcept {
     }
 }
 
-// ICU remembers for the life of the process that memory was out when it first looked for its
-// converters. So it looks when the library is loaded.
-[[maybe_unused]] const bool s_isTableLoaded = legacyTable() != nullptr;
-
-// Null when it cannot be had. First asked for when the library is loaded, as above.
+// Null when it cannot be had.
 const UNormalizer2* canonicalForms() noexcept {
     UErrorCode error = U_ZERO_ERROR;
     const UNormalizer2* const forms = unorm2_getNFDInstance(&error);
     return U_SUCCESS(error) ? forms : nullptr;
 }
-
-[[maybe_unused]] const bool s_areFormsLoaded = canonicalForms() != nullptr;
 
 constexpr std::size_t kLongestText = 500'000'000;
 
@@ -100,6 +94,25 @@ struct Destination {
     char16_t* units;
     std::int32_t count;
 };
+
+std::int32_t toAsciiHostName(const Source& host, const Destination& ascii,
+                             UErrorCode* error) noexcept {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // its successor is IDNA of 2008
+    return uidna_IDNToASCII(host.units, host.count, ascii.units, ascii.count, UIDNA_DEFAULT,
+                            nullptr, error);
+#pragma GCC diagnostic pop
+}
+
+// ICU remembers for the life of the process that memory was out when it first looked for its
+// tables. So it looks when the library is loaded.
+[[maybe_unused]] const bool s_areTablesLoaded = [] {
+    const NoCancellation whileFilesAreRead;
+    char16_t ascii[16];
+    UErrorCode error = U_ZERO_ERROR;
+    toAsciiHostName({u"\u00FC", 1}, {ascii, 16}, &error);
+    return legacyTable() != nullptr && canonicalForms() != nullptr && U_SUCCESS(error);
+}();
 
 // What `convert` writes, at the second try into as much room as it asked for.
 template <typename Convert>
@@ -184,13 +197,7 @@ public:
     }
 
     std::optional<std::u16string> asciiHostName(std::u16string_view host) const noexcept override {
-        return converted(host, [](const Source& from, const Destination& to, UErrorCode* error) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"  // its successor is IDNA of 2008
-            return uidna_IDNToASCII(from.units, from.count, to.units, to.count, UIDNA_DEFAULT,
-                                    nullptr, error);
-#pragma GCC diagnostic pop
-        });
+        return converted(host, toAsciiHostName);
     }
 };
 

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/Source/Extensions/QKNSData_Extensions.h"
+
+#include "veltra/Source/Extensions/QKNSDictionary_Extensions.h"
+#include "veltra/Source/Extensions/detail/inflated_data.h"
+#include "veltra/diagnostics/testing/log_fakes.h"
+#include "veltra/platform/alert.h"
+#include "veltra/platform/compression.h"
+
+#include <cstring>
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+using Data = PropertyValue::Data;
+
+#ifdef VELTRA_ZLIB
+#define SKIP_WITHOUT_ZLIB() static_cast<void>(0)
+#else
+#define SKIP_WITHOUT_ZLIB() GTEST_SKIP() << "built without zlib"
+#endif
+
+constexpr std::size_t kMiB = std::size_t{1} << 20;
+
+// `bits` random bits in each byte.
+Data randomData(std::size_t size, unsigned bits) {
+    Data data(size);
+    std::mt19937_64 random(size);
+    const std::uint64_t mask = ((1U << bits) - 1) * 0x0101010101010101U;
+    for (std::size_t place = 0; place < size; place += sizeof(std::uint64_t)) {
+        const std::uint64_t word = random() & mask;
+        std::memcpy(data.data() + place, &word, std::min(sizeof word, size - place));
+    }
+    return data;
+}
+
+std::uint32_t adler32(const Data& data) {
+    std::uint32_t low = 1;
+    std::uint32_t high = 0;
+    for (const std::uint8_t byte : data) {
+        low = (low + byte) % 65521;
+        high = (high + low) % 65521;
+    }
+    return high << 16U | low;
+}
+
+TEST(CompressedData, UnpacksToWhatItWas) {
+    SKIP_WITHOUT_ZLIB();
+    Data cases[] = {Data(1),
+                    randomData(19, 8),
+                    randomData(70'001, 8),
+                    randomData(2 * kMiB, 4),
+                    Data(64 * kMiB, 'x'),
+                    randomData(16 * kMiB, 8)};
+    for (const Data& data : cases) {
+        const std::optional<Data> stream = compressedData(data);
+        ASSERT_TRUE(stream);
+        EXPECT_EQ(stream->capacity(), stream->size());
+        ASSERT_TRUE(decompressedData(*stream) == data) << data.size();
+    }
+    EXPECT_EQ(compressedData({}), std::nullopt);
+    EXPECT_EQ(decompressedData({}), std::nullopt);
+}
+
+TEST(CompressedData, IsOnePlainStream) {
+    SKIP_WITHOUT_ZLIB();
+    const Data data = randomData(1000, 4);
+    const Data stream = compressedData(data).value();
+    const std::uint32_t sum = adler32(data);
+    const Data trailer = {static_cast<std::uint8_t>(sum >> 24U),
+                          static_cast<std::uint8_t>(sum >> 16U),
+                          static_cast<std::uint8_t>(sum >> 8U), static_cast<std::uint8_t>(sum)};
+    EXPECT_EQ(Data(stream.begin(), stream.begin() + 2), (Data{0x78, 0x9C}));
+    EXPECT_EQ(Data(stream.end() - 4, stream.end()), trailer);
+    const Data ofNothing = {0x78, 0x9C, 0x03, 0x00, 0x00, 0x00, 0x00, 0x01};
+    EXPECT_EQ(decompressedData(ofNothing), Data());
+    EXPECT_EQ(decompressedData(ofNothing, 0), Data());
+}
+
+TEST(CompressedData, ThatIsDamagedOrCutShortIsNothing) {
+    SKIP_WITHOUT_ZLIB();
+    for (const unsigned bits : {4U, 6U, 8U}) {
+        const Data data = randomData(300, bits);
+        Data stream = compressedData(data).value();
+        for (std::size_t length = 0; length < stream.size(); ++length)
+            ASSERT_EQ(decompressedData(std::span(stream).first(length)), std::nullopt) << length;
+        for (std::size_t bit = 0; bit < stream.size() * 8; ++bit) {
+            stream[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+            const std::optional<Data> unpacked = decompressedData(stream);
+            ASSERT_TRUE(!unpacked || *unpacked == data) << bit;  // a bit may mean nothing
+            stream[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+        }
+        stream.insert(stream.end(), {1, 2, 3});
+        ASSERT_EQ(decompressedData(stream), data);
+    }
+}
+
+TEST(CompressedData, UnpacksAlikeInPiecesAndUpToALimit) {
+    SKIP_WITHOUT_ZLIB();
+    const Data cases[] = {Data(5000), randomData(5000, 8), randomData(5000, 3)};
+    for (const Data& data : cases) {
+        const Data stream = compressedData(data).value();
+        for (const std::size_t piece : {1U, 7U, 4096U}) {
+            EXPECT_EQ(detail::inflatedData(stream, data.size(), piece), data);
+            EXPECT_EQ(detail::inflatedData(stream, data.size() - 1, piece), std::nullopt);
+            EXPECT_EQ(detail::inflatedData(stream, 0, piece), std::nullopt);
+        }
+    }
+}
+
+// Compresses nothing; what it unpacks never ends.
+class EndlessCompression final : public Compression {
+public:
+    EndlessCompression() { install(this); }
+    ~EndlessCompression() override { install(nullptr); }
+
+    std::size_t largestCompressedSize(std::size_t size) const noexcept override { return size; }
+    std::optional<std::size_t> compress(std::span<const std::uint8_t>,
+                                        std::span<std::uint8_t> room) const noexcept override {
+        roomForStream = room.size();
+        return std::nullopt;
+    }
+    std::unique_ptr<Inflater> makeInflater() const noexcept override {
+        struct Endless final : Inflater {
+            explicit Endless(std::size_t& sum) : made(sum) {}
+            Step inflate(std::span<const std::uint8_t>,
+                         std::span<std::uint8_t> destination) noexcept override {
+                made += destination.size();
+                return {State::More, 0, destination.size()};
+            }
+            std::size_t& made;
+        };
+        return std::make_unique<Endless>(made);
+    }
+
+    mutable std::size_t roomForStream = 0;
+    mutable std::size_t made = 0;
+};
+
+TEST(CompressedData, OfABombTakesNoMoreThanTheLimit) {
+    const EndlessCompression endless;
+    const Data stream(1000);
+    EXPECT_EQ(decompressedData(stream, kMiB), std::nullopt);
+    EXPECT_EQ(endless.made, kMiB + 1);
+}
+
+class Presenter final : public AlertPresenter {
+public:
+    Presenter() { install(this); }
+    ~Presenter() override { install(nullptr); }
+    AlertAnswer present(const Alert& alert) noexcept override {
+        message = alert.message;
+        return AlertAnswer::Default;
+    }
+    std::string message;
+};
+
+TEST(CompressedData, ThatCannotBeMadeIsAnAssertion) {
+    LogWorld world;
+    Presenter presenter;
+    const EndlessCompression endless;
+    EXPECT_EQ(compressedData(Data(8192)), std::nullopt);
+    EXPECT_EQ(endless.roomForStream, 8212U);
+    EXPECT_EQ(
+        presenter.message,
+        "ASSERT(-compressedData error) in Source/Extensions/QKNSData_Extensions:36 failed.\n");
+    EXPECT_EQ(world.records.size(), 1U);
+}
+
+TEST(Dictionary, IsReadFromData) {
+    const auto read = [](std::string_view text) {
+        return initWithData({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    };
+    const auto dictionary = read(R"({"name": "Take", "blob": {"$data": "AQI="}})");
+    ASSERT_TRUE(dictionary);
+    EXPECT_EQ(dictionary->at("name"), PropertyValue("Take"));
+    EXPECT_EQ(dictionary->at("blob"), PropertyValue(Data{1, 2}));
+    for (const char* text : {"", "[]", "{", "{\"a\": \"\xFF\"}"})
+        EXPECT_EQ(read(text), std::nullopt) << text;
+}
+
+}  // namespace
+}  // namespace veltra
