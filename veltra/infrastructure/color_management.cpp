@@ -4,8 +4,8 @@
 #include "veltra/base/out_of_memory.h"
 #include "veltra/base/string_object_text.h"
 #include "veltra/infrastructure/detail/color_space.h"
-#include "veltra/infrastructure/detail/profile_files.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
+#include "veltra/platform/resources.h"
 
 #include <algorithm>
 #include <array>
@@ -22,6 +22,7 @@ namespace veltra {
 
 namespace {
 
+constexpr std::size_t kLargestProfile = 1'048'576;
 constexpr std::string_view kGenericRgbName = "VLGenericRGBProfile.icc";
 
 constexpr float withinRange(float number) noexcept {
@@ -69,7 +70,7 @@ const VLColorSpace* spaceOfFile(const std::string& name) {
     const VLColorSpace* const found =
         findAmong(namedSpaces.load(std::memory_order_acquire), name);  // with the exchange
     if (found != nullptr) return found;
-    const std::optional<std::string> file = profileFile(name);
+    const std::optional<std::string> file = textOfFile(pathOfResource(name, ""), kLargestProfile);
     if (!file) return nullptr;
     std::unique_ptr<const ColorTransform> transform =
         makeColorTransform(std::as_bytes(std::span(*file)));
@@ -88,6 +89,10 @@ const VLColorSpace* spaceOfResource(const VLString* name) noexcept {
         if (*text == kGenericRgbName) return VLGetCalibratedRGB_CGColorSpace();
         return spaceOfFile(*text);
     });
+}
+
+bool isSnowLeopardOrNewer() noexcept {
+    return false;
 }
 
 }  // namespace
