@@ -54,6 +54,8 @@ void setText(void* /*handle*/, const VLString* text) {
 constexpr VLProgressIndicatorService kA{acquireA, releaseHandle, setValue, setText};
 constexpr VLProgressIndicatorService kB{acquireB, releaseHandle, nullptr, nullptr};
 
+using Service = const VLProgressIndicatorService*;
+
 class ProgressIndicatorTest : public ::testing::Test {
 protected:
     ProgressIndicatorTest() { calls.clear(); }
@@ -75,9 +77,10 @@ TEST_F(ProgressIndicatorTest, LivesQuietlyWithoutAServiceAndKeepsItsTexts) {
     EXPECT_FALSE(loop.nextDeadline());
     EXPECT_EQ(references(one), 2U);
     EXPECT_EQ(VLSetProgressIndicatorValue(record, 5.0), 0);
-    for (int round = 0; round < 2; ++round)
-        VLSetProgressIndicatorInfoText(record, two);
-    EXPECT_EQ(references(two), 2U);
+    VLSetProgressIndicatorInfoText(record, two);
+    VLStringRelease(two);  // the record alone keeps it
+    VLSetProgressIndicatorInfoText(record, two);
+    EXPECT_EQ(references(VLStringRetain(two)), 2U);
     VLSetProgressIndicatorInfoText(record, one);
     EXPECT_EQ(references(two), 1U);
     VLPostProgressIndicatorInfoText(record, two);
@@ -87,36 +90,24 @@ TEST_F(ProgressIndicatorTest, LivesQuietlyWithoutAServiceAndKeepsItsTexts) {
     EXPECT_EQ(calls, "");
 }
 
-TEST_F(ProgressIndicatorTest, KeepsTheCallbacksItWasAcquiredWith) {
-    VLProvideProgressIndicatorService(&kA);
-    auto* const first = VLAcquireProgressIndicator(one, kVLProgressIndicatorEmptyID);
-    VLProvideProgressIndicatorService(&kB);
-    auto* const second = VLAcquireProgressIndicator(nullptr, nullptr);
-    VLProvideProgressIndicatorService(nullptr);
-    auto* const third = VLAcquireProgressIndicator(nullptr, nullptr);
-    EXPECT_EQ(VLSetProgressIndicatorValue(first, 7.0), -7);
-    for (auto* const record : {first, second, third})
-        VLSetProgressIndicatorInfoText(record, two);
-    VLSetProgressIndicatorInfoText(first, nullptr);
-    EXPECT_EQ(VLSetProgressIndicatorValue(second, 7.0), 0);
-    for (auto* const record : {first, second, third})
-        VLReleaseProgressIndicator(record);
-    EXPECT_EQ(calls, "+a:one:empty +b 7 two null -a -b ");
-}
-
-TEST_F(ProgressIndicatorTest, AHalfServiceIsNone) {
+TEST_F(ProgressIndicatorTest, KeepsTheCallbacksItWasAcquiredWithAndTakesNoHalfService) {
     VLProgressIndicatorService noAcquire = kA;
     noAcquire.acquire = nullptr;
     VLProgressIndicatorService noRelease = kA;
     noRelease.release = nullptr;
-    for (const auto* half : {&noAcquire, &noRelease}) {
-        VLProvideProgressIndicatorService(&kA);
-        VLProvideProgressIndicatorService(half);
-        auto* const record = VLAcquireProgressIndicator(one, nullptr);
-        EXPECT_EQ(VLSetProgressIndicatorValue(record, 1.0), 0);
-        VLReleaseProgressIndicator(record);
+    std::vector<VLProgressIndicator*> indicators;
+    for (const auto* each : std::array<Service, 6>{&kA, &noAcquire, &kB, &noRelease, &kA}) {
+        VLProvideProgressIndicatorService(each);
+        indicators.push_back(VLAcquireProgressIndicator(one, kVLProgressIndicatorEmptyID));
     }
-    EXPECT_EQ(calls, "");
+    EXPECT_EQ(std::exchange(calls, ""), "+a:one:empty +b +a:one:empty ");
+    for (auto* const each : indicators) {
+        const std::int32_t result = VLSetProgressIndicatorValue(each, 7.0);
+        EXPECT_EQ(result, each == indicators[0] || each == indicators[4] ? -7 : 0);
+        VLSetProgressIndicatorInfoText(each, nullptr);
+        VLReleaseProgressIndicator(each);
+    }
+    EXPECT_EQ(calls, "7 null -a -b 7 null -a ");
 }
 
 TEST_F(ProgressIndicatorTest, NullIsTakenEverywhere) {
@@ -199,8 +190,7 @@ TEST_F(ProgressIndicatorTest, PostsAreDeliveredOnceNewestFirstAndNotAfterTheRele
 TEST_F(ProgressIndicatorTest, DeliversByHandAtMostOnceInASixtieth) {
     VLProvideProgressIndicatorService(&kA);
     auto* const record = VLAcquireProgressIndicator(nullptr, nullptr);
-    EXPECT_FALSE(VLDeliverProgressIndicatorUpdates(record));
-    int deliveries = 0;
+    int deliveries = VLDeliverProgressIndicatorUpdates(record) ? 1000 : 0;  // there is nothing
     for (int millisecond = 0; millisecond < 1000; ++millisecond) {
         VLPostProgressIndicatorValue(record, millisecond);
         if (VLDeliverProgressIndicatorUpdates(record)) ++deliveries;
@@ -212,127 +202,90 @@ TEST_F(ProgressIndicatorTest, DeliversByHandAtMostOnceInASixtieth) {
 }
 
 TEST_F(ProgressIndicatorTest, CancelsTheLivingIndicatorsOfAHandle) {
-    VLProvideProgressIndicatorService(&kA);
-    auto* const first = VLAcquireProgressIndicator(nullptr, nullptr);
-    auto* const second = VLAcquireProgressIndicator(nullptr, nullptr);
-    VLProvideProgressIndicatorService(&kB);
-    auto* const other = VLAcquireProgressIndicator(nullptr, nullptr);
-    VLProvideProgressIndicatorService(nullptr);
-    auto* const none = VLAcquireProgressIndicator(nullptr, nullptr);
-    const auto cancelled = [&] {
+    std::vector<VLProgressIndicator*> indicators;
+    for (const auto* each : std::array<Service, 4>{&kA, &kA, &kB}) {
+        VLProvideProgressIndicatorService(each);
+        indicators.push_back(VLAcquireProgressIndicator(nullptr, nullptr));
+    }
+    const auto cancelledBy = [&](const void* handle) {
+        VLCancelProgressIndicator(handle);
         std::string marks;
-        for (auto* const record : {first, second, other, none})
-            marks += VLProgressIndicatorIsCancelled(record) ? 'x' : '-';
+        for (auto* const each : indicators)
+            marks += VLProgressIndicatorIsCancelled(each) ? 'x' : '-';
         return marks;
     };
-    VLCancelProgressIndicator(nullptr);
-    EXPECT_EQ(cancelled(), "----");
-    VLCancelProgressIndicator(handleOf('a'));
-    EXPECT_EQ(cancelled(), "xx--");
-    for (auto* const record : {second, none, first})  // from the middle, the ends of the list
-        VLReleaseProgressIndicator(record);
-    VLCancelProgressIndicator(handleOf('a'));
-    EXPECT_FALSE(VLProgressIndicatorIsCancelled(other));
-    VLCancelProgressIndicator(handleOf('b'));
-    EXPECT_TRUE(VLProgressIndicatorIsCancelled(other));
-    VLReleaseProgressIndicator(other);
+    EXPECT_EQ(cancelledBy(nullptr), "----");
+    EXPECT_EQ(cancelledBy(handleOf('a')), "xx--");
+    for (const std::size_t index : {1U, 3U, 0U}) {  // from the middle and from both ends
+        VLReleaseProgressIndicator(indicators[index]);
+        indicators[index] = nullptr;
+    }
+    EXPECT_EQ(cancelledBy(handleOf('a')), "----");
+    EXPECT_EQ(cancelledBy(handleOf('b')), "--x-");
+    VLReleaseProgressIndicator(indicators[2]);
 }
 
-std::atomic<std::int64_t> sum{0};
-std::int32_t addValue(void* /*handle*/, double value) {
-    sum.fetch_add(static_cast<std::int64_t>(value), std::memory_order_relaxed);
-    return 1;
-}
-std::vector<double> values;
-std::vector<std::string> texts;
-std::int32_t keepValue(void* /*handle*/, double value) {
-    values.push_back(value);
-    return 0;
-}
-void keepText(void* /*handle*/, const VLString* text) {
-    texts.push_back(textOf(text).value_or(""));
-}
+struct Host {
+    std::vector<double> values;
+    std::vector<std::string> texts;
+    std::atomic<std::int64_t> direct{0};  // values below 0
+};
+Host host;
 
-TEST_F(ProgressIndicatorTest, FourThreadsSetValuesWhileOthersComeAndGo) {
+TEST_F(ProgressIndicatorTest, ManyThreadsAtOnceLoseNothingThatWasLast) {
     constexpr int kThreads = 4;
-    constexpr int kRounds = 20'000;
-    VLProgressIndicatorService adding = kB;
-    adding.setValue = addValue;
-    adding.acquire = [](const VLString*, const void*) { return handleOf('x'); };
-    adding.release = [](void*) {};
-    VLProvideProgressIndicatorService(&adding);
+    constexpr int kRounds = 10'000;
+    constexpr int kNext = 100'000;  // from thread to thread
+    const VLProgressIndicatorService service{
+        [](const VLString*, const void*) { return handleOf('x'); }, [](void*) {},
+        [](void*, double value) {
+            if (value < 0.0) return static_cast<std::int32_t>(++host.direct > 0);
+            host.values.push_back(value);
+            return 0;
+        },
+        [](void*, const VLString* text) { host.texts.push_back(textOf(text).value_or("")); }};
+    VLProvideProgressIndicatorService(&service);
+    auto* const posted = VLAcquirePostedProgressIndicator(nullptr, nullptr);
     auto* const shared = VLAcquireProgressIndicator(one, nullptr);
-    sum = 0;
+    std::atomic<int> running{kThreads};
     const auto work = [&](int thread) {
-        for (int round = 0; round < kRounds; ++round) {
-            VLSetProgressIndicatorValue(shared, 1.0);
-            if (round % 64 != 0) continue;
+        for (int number = thread * kNext + 1; number <= thread * kNext + kRounds; ++number) {
+            VLSetProgressIndicatorValue(shared, -1.0);
+            VLPostProgressIndicatorValue(posted, number);
+            const VLString* const text = VLStringCreateWithCString(std::to_string(number).c_str());
+            VLPostProgressIndicatorInfoText(posted, text);
+            VLStringRelease(text);
+            if (number % 64 != 0) continue;
+            if (thread == 0) VLProvideProgressIndicatorService(&service);
             auto* const own = VLAcquireProgressIndicator(one, nullptr);
-            if (thread == 0) VLProvideProgressIndicatorService(&adding);
             VLCancelProgressIndicator(handleOf('x'));
             EXPECT_TRUE(VLProgressIndicatorIsCancelled(own));
             VLReleaseProgressIndicator(own);
-        }
-    };
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < kThreads; ++thread)
-        threads.emplace_back(work, thread);
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(sum, kThreads * kRounds);
-    VLReleaseProgressIndicator(shared);
-    EXPECT_EQ(references(one), 1U);
-}
-
-TEST_F(ProgressIndicatorTest, FourThreadsPostAndTheHostGetsSixtyASecondAndTheLastOfEach) {
-    constexpr int kThreads = 4;
-    constexpr int kRounds = 20'000;
-    VLProgressIndicatorService keeping = kA;
-    keeping.setValue = keepValue;
-    keeping.setInfoText = keepText;
-    VLProvideProgressIndicatorService(&keeping);
-    auto* const record = VLAcquirePostedProgressIndicator(nullptr, nullptr);
-    values.clear();
-    texts.clear();
-    std::atomic<int> running{kThreads};
-    const auto work = [&](int thread) {
-        for (int round = 1; round <= kRounds; ++round) {
-            VLPostProgressIndicatorValue(record, thread * 100'000 + round);
-            const VLString* const text =
-                VLStringCreateWithCString(std::to_string(thread * 100'000 + round).c_str());
-            VLPostProgressIndicatorInfoText(record, text);
-            VLStringRelease(text);
         }
         --running;
     };
     std::vector<std::thread> threads;
     for (int thread = 0; thread < kThreads; ++thread)
         threads.emplace_back(work, thread);
-    std::size_t seconds = 0;
-    do {
+    for (std::size_t seconds = 1; running != 0; ++seconds) {
         loop.advance(1.0);
-        ++seconds;
-        ASSERT_LE(values.size(), 60 * seconds);
-        ASSERT_LE(texts.size(), 60 * seconds);
-    } while (running != 0);
+        ASSERT_LE(std::max(host.values.size(), host.texts.size()), 60 * seconds);
+    }
     for (std::thread& thread : threads)
         thread.join();
     loop.advance(1.0);
     // Of each thread they come in its order, none twice; the last one of all ends a thread.
-    std::array<int, kThreads> latest{};
-    for (const double value : values) {
+    std::array<int, kThreads> before{};
+    for (const double value : host.values) {
         const int number = static_cast<int>(value);
-        int& before = latest[static_cast<std::size_t>(number / 100'000)];
-        ASSERT_GT(number % 100'000, before);
-        before = number % 100'000;
+        ASSERT_GT(number, std::exchange(before[static_cast<std::size_t>(number / kNext)], number));
     }
-    EXPECT_EQ(static_cast<int>(values.back()) % 100'000, kRounds);
-    EXPECT_EQ(std::stoi(texts.back()) % 100'000, kRounds);
-    const std::size_t before = values.size();
-    VLPostProgressIndicatorValue(record, 7.0);
-    VLReleaseProgressIndicator(record);
-    ASSERT_EQ(values.size(), before + 1);
-    EXPECT_EQ(values.back(), 7.0);
+    EXPECT_EQ(static_cast<int>(host.values.back()) % kNext, kRounds);
+    EXPECT_EQ(std::stoi(host.texts.back()) % kNext, kRounds);
+    EXPECT_EQ(host.direct, kThreads * kRounds);
+    VLReleaseProgressIndicator(posted);
+    VLReleaseProgressIndicator(shared);
+    EXPECT_EQ(references(one), 1U);
 }
 
 }  // namespace
