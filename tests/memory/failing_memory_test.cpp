@@ -528,6 +528,7 @@ Answer colors() {
         std::ofstream(folder().path / "copy.icc", std::ios::binary)
             .write(bytes, kGenericRgbProfile.size());
         setResourceFolder(folder().path.string());
+        VLGetCalibratedRGB_CGColorSpace();  // else it goes by formula for good
         return VLStringCreateWithCString("copy.icc");
     });
     const VLColorSpace* const copy = VLCreateCGColorSpaceFromResource(name);
