@@ -6,10 +6,12 @@
 #include "veltra/infrastructure/detail/color_space.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
 #include "veltra/platform/resources.h"
+#include "veltra/platform/system_queries.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <cmath>
 #include <memory>
 #include <new>
@@ -91,8 +93,14 @@ const VLColorSpace* spaceOfResource(const VLString* name) noexcept {
     });
 }
 
+// By the leading digits of the kernel's release.
 bool isSnowLeopardOrNewer() noexcept {
-    return false;
+    return unlessOutOfMemory(false, [] {
+        const std::string release = SystemQueries::current().text(SystemKey::KernelRelease);
+        int major = 0;
+        std::from_chars(release.data(), release.data() + release.size(), major);
+        return major > 9;
+    });
 }
 
 }  // namespace
