@@ -48,6 +48,19 @@ veltra_find_library(XML libxml-2.0 "no text looks like a URI")
 veltra_find_library(UDEV libudev "optical drives are read from the system's folders")
 veltra_find_library(LCMS lcms2 "only the built-in colour spaces exist")
 
+# Where the processor has no 64-bit atomic words, the compiler's own library makes them.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("
+    #include <atomic>
+    #include <cstdint>
+    std::atomic<std::uint64_t> word;
+    int main() { return static_cast<int>(word.exchange(1)); }
+" VELTRA_HAS_WIDE_ATOMICS)
+if(NOT VELTRA_HAS_WIDE_ATOMICS)
+    list(APPEND VELTRA_LIBRARIES atomic)
+    list(APPEND VELTRA_LINK_NAMES -latomic)
+endif()
+
 if(VELTRA_BACKTRACE)
     # g++ brings it along; clang and its tools find the library there, but not its header.
     set(VELTRA_BACKTRACE_FLAGS "")
@@ -57,7 +70,6 @@ if(VELTRA_BACKTRACE)
             OUTPUT_VARIABLE gxx_include OUTPUT_STRIP_TRAILING_WHITESPACE)
         set(VELTRA_BACKTRACE_FLAGS -idirafter "${gxx_include}")
     endif()
-    include(CheckCXXSourceCompiles)
     set(CMAKE_REQUIRED_LIBRARIES backtrace)
     list(JOIN VELTRA_BACKTRACE_FLAGS " " CMAKE_REQUIRED_FLAGS)
     check_cxx_source_compiles("

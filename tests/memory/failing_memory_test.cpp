@@ -15,7 +15,10 @@
 #include "veltra/diagnostics/assertion.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/diagnostics/trace_stream.h"
+#include "veltra/infrastructure/color_management.h"
 #include "veltra/infrastructure/nano_timer.h"
+#include "veltra/infrastructure/profiles/generic_rgb_profile.h"
+#include "veltra/infrastructure/progress_indicator.h"
 #include "veltra/infrastructure/time_marker.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/memory/guarded_allocator.h"
@@ -32,6 +35,7 @@
 #include "veltra/platform/poll_run_loop.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/process.h"
+#include "veltra/platform/resources.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/text_services.h"
@@ -530,6 +534,50 @@ Answer controlsAndTheirPicture() {
                  false);
 }
 
+// ----------------------------------------------------------------------------- progress, colour
+
+double shownProgress = 0.0;
+
+Answer progress() {
+    const VLProgressIndicatorService service{
+        [](const VLString*, const void*) -> void* { return &shownProgress; }, [](void*) {},
+        [](void* shown, double value) {
+            *static_cast<double*>(shown) = value;
+            return 0;
+        },
+        nullptr};
+    VLProvideProgressIndicatorService(&service);
+    shownProgress = 0.0;
+    const VLString* const text = VLStringCreateWithCString("Reading");
+    VLProgressIndicator* const indicator = VLAcquirePostedProgressIndicator(text, nullptr);
+    VLPostProgressIndicatorInfoText(indicator, text);
+    VLPostProgressIndicatorValue(indicator, 0.5);
+    VLCancelProgressIndicator(&shownProgress);
+    const bool isCancelled = VLProgressIndicatorIsCancelled(indicator);
+    VLReleaseProgressIndicator(indicator);
+    VLStringRelease(text);
+    VLProvideProgressIndicatorService(nullptr);
+    const bool isShown = isCancelled && shownProgress == 0.5;
+    return oneOf(isShown && text != nullptr, indicator == nullptr || (isShown && text == nullptr));
+}
+
+Answer colors() {
+    const VLString* const name = unfailing([] {
+        const char* const bytes = reinterpret_cast<const char*>(kGenericRgbProfile.data());
+        std::ofstream(folder().path / "copy.icc", std::ios::binary)
+            .write(bytes, kGenericRgbProfile.size());
+        setResourceFolder(folder().path.string());
+        VLGetCalibratedRGB_CGColorSpace();  // else it goes by formula for good
+        return VLStringCreateWithCString("copy.icc");
+    });
+    const VLColorSpace* const copy = VLCreateCGColorSpaceFromResource(name);
+    VLStringRelease(name);
+    const float red = VLColorToSrgb(VLCreateRGBColor(0.5F, 0, 0, 1)).red;
+    const float copied = VLColorToSrgb({copy, {0.5F, 0, 0}, 1}).red;
+    const auto isRight = [](float shown) { return shown > 0.571F && shown < 0.574F; };
+    return oneOf(isRight(red) && isRight(copied), isRight(red) && copy == nullptr);
+}
+
 // ------------------------------------------------------------------------- what never allocates
 
 Answer processing() {
@@ -581,6 +629,8 @@ constexpr std::array kScenarios{
     Scenario{"run loop of another thread", Promise::NeverThrows, runLoopOfAnotherThread},
     Scenario{"nano timer, timer, polling run loop", Promise::MayThrow, timers},
     Scenario{"callback list", Promise::NeverThrows, callbackList},
+    Scenario{"progress", Promise::NeverThrows, progress},
+    Scenario{"colours", Promise::NeverThrows, colors},
     Scenario{"level meters", Promise::MayThrow, meters},
     Scenario{"controls, picture of a window", Promise::MayThrow, controlsAndTheirPicture},
     Scenario{"sample data, kernels, times", Promise::AllocatesNothing, processing},

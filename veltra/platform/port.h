@@ -8,9 +8,10 @@
 #include "veltra/platform/alert.h"            // platformAlertPresenter()
 #include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
 #include "veltra/platform/c_locale.h"
-#include "veltra/platform/clock.h"        // platformClocks()
-#include "veltra/platform/compression.h"  // platformCompression(), in zlib/ or none/
-#include "veltra/platform/file_system.h"  // platformFileSystem()
+#include "veltra/platform/clock.h"            // platformClocks()
+#include "veltra/platform/color_transform.h"  // makeColorTransform(), in lcms/ or none/
+#include "veltra/platform/compression.h"      // platformCompression(), in zlib/ or none/
+#include "veltra/platform/file_system.h"      // platformFileSystem()
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()

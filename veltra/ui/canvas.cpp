@@ -6,7 +6,11 @@ namespace veltra {
 CanvasPort::~CanvasPort() = default;
 
 Canvas::StateScope::StateScope(Canvas& canvas)
-    : m_canvas(canvas), m_origin(canvas.m_origin), m_isFlipped(canvas.m_isFlipped) {
+    : m_canvas(canvas),
+      m_origin(canvas.m_origin),
+      m_isFlipped(canvas.m_isFlipped),
+      m_strokeColor(canvas.m_strokeColor),
+      m_fillColor(canvas.m_fillColor) {
     canvas.m_port.saveState();
 }
 
@@ -14,6 +18,8 @@ Canvas::StateScope::~StateScope() {
     m_canvas.m_port.restoreState();
     m_canvas.m_origin = m_origin;
     m_canvas.m_isFlipped = m_isFlipped;
+    m_canvas.m_strokeColor = m_strokeColor;
+    m_canvas.m_fillColor = m_fillColor;
 }
 
 Point Canvas::toPort(Point point) const noexcept {

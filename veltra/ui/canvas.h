@@ -66,7 +66,8 @@ public:
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
-    // Keeps the coordinates, the clip and the smoothing for as long as it lives.
+    // Keeps the coordinates, the clip, the smoothing and the current colours for as long as it
+    // lives.
     class VELTRA_EXPORT StateScope {
     public:
         explicit StateScope(Canvas& canvas);
@@ -78,6 +79,8 @@ public:
         Canvas& m_canvas;
         const Point m_origin;
         const bool m_isFlipped;
+        const Color m_strokeColor;
+        const Color m_fillColor;
     };
 
     // From here on (until the StateScope around it ends) coordinates are those of a view that has
@@ -101,6 +104,21 @@ public:
     void strokePath(const Path& path, Color color, float lineWidth);
     void strokeLine(Point from, Point to, Color color, float lineWidth);
 
+    // The current colours, for code that sets a colour once and draws several shapes with it, and
+    // for colours that convert themselves to those of the canvas. Black at the beginning.
+    void setStrokeColor(Color color) noexcept { m_strokeColor = color; }
+    void setFillColor(Color color) noexcept { m_fillColor = color; }
+    Color strokeColor() const noexcept { return m_strokeColor; }
+    Color fillColor() const noexcept { return m_fillColor; }
+    void fillRect(const Rect& rect) { fillRect(rect, m_fillColor); }
+    void fillPath(const Path& path) { fillPath(path, m_fillColor); }
+    void strokePath(const Path& path, float lineWidth) {
+        strokePath(path, m_strokeColor, lineWidth);
+    }
+    void strokeLine(Point from, Point to, float lineWidth) {
+        strokeLine(from, to, m_strokeColor, lineWidth);
+    }
+
     void drawImage(const Image& image, Point upperLeft);  // "upper" on screen
     // `source` is in points of the image, from its upper left corner; what lies outside of the
     // image is cut off together with its part of the destination.
@@ -121,6 +139,8 @@ private:
     CanvasPort& m_port;
     Point m_origin;  // of the coordinates, in those of the port
     bool m_isFlipped = true;
+    Color m_strokeColor = kBlack;
+    Color m_fillColor = kBlack;
 };
 
 }  // namespace veltra
