@@ -4,14 +4,13 @@
 #include "veltra/base/out_of_memory.h"
 #include "veltra/base/string_object_text.h"
 #include "veltra/infrastructure/detail/color_space.h"
+#include "veltra/infrastructure/environment.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
 #include "veltra/platform/resources.h"
-#include "veltra/platform/system_queries.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <charconv>
 #include <cmath>
 #include <memory>
 #include <new>
@@ -90,16 +89,6 @@ const VLColorSpace* spaceOfResource(const VLString* name) noexcept {
             return nullptr;
         if (*text == kGenericRgbName) return VLGetCalibratedRGB_CGColorSpace();
         return spaceOfFile(*text);
-    });
-}
-
-// By the leading digits of the kernel's release.
-bool isSnowLeopardOrNewer() noexcept {
-    return unlessOutOfMemory(false, [] {
-        const std::string release = SystemQueries::current().text(SystemKey::KernelRelease);
-        int major = 0;
-        std::from_chars(release.data(), release.data() + release.size(), major);
-        return major > 9;
     });
 }
 
