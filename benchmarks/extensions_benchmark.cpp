@@ -117,14 +117,14 @@ void checkUri(benchmark::State& state) {
         benchmark::DoNotOptimize(veltra::stringLooksLikeValidURI("http://example.com/a/b?c=d#e"));
 }
 
-constexpr veltra::Ratio kChecks[] = {
+constexpr Ratio kChecks[] = {
     {"e-mail address : URI, for the record", "email address", "URI", 0},
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    veltra::RatioList list;
+    RatioList list;
     static const Data kText = wordsOfText();
     static const Data kAudio = audio16();
     static const Data kZeros(kSize);

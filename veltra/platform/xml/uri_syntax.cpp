@@ -11,7 +11,7 @@ namespace {
 
 // The library keeps a copy of its last message for each thread.
 void forgetLackOfMemory() noexcept {
-    const xmlErrorPtr last = xmlGetLastError();
+    const xmlError* const last = xmlGetLastError();
     if (last != nullptr && last->code == XML_ERR_NO_MEMORY) xmlResetLastError();
 }
 
@@ -23,7 +23,7 @@ void forgetLackOfMemory() noexcept {
 bool isUriReference(const char* text) noexcept {
     // Without it the library crashes where it reports that memory is out.
     if (xmlGetGlobalState() == nullptr) return false;
-    const xmlURIPtr uri = xmlParseURI(text);
+    xmlURI* const uri = xmlParseURI(text);
     forgetLackOfMemory();
     if (uri == nullptr) return false;
     xmlFreeURI(uri);
