@@ -8,6 +8,7 @@
 #include <atomic>
 #include <fstream>
 #include <map>
+#include <set>
 #include <thread>
 
 #include <fcntl.h>
@@ -155,6 +156,7 @@ TEST(MergePath, LosesNothingWhicheverStepFails) {
         toTexts = treeOf(kits.to, false);
     }
     const Tree all = merged(from, to, true);
+    std::set<std::string> told;  // the kinds of steps that a merge cannot do without
     for (const bool isOld : {false, true}) {
         for (const int number : kErrors) {
             if (isOld && number != EIO && number != EEXIST) continue;  // would say the same
@@ -168,8 +170,13 @@ TEST(MergePath, LosesNothingWhicheverStepFails) {
                     files.isOld = isOld;
                     files.failing = step;
                     files.error = {number, std::generic_category()};
+                    std::string kind;
+                    files.beforeStep = [&](std::string_view one, std::string_view) {
+                        if (files.steps == step) kind = one;
+                    };
                     isComplete = kits.merge(true, &log);
                     isDone = files.steps <= step;
+                    if (!isComplete && number == EIO) told.insert(kind);
                 }
                 const std::string where = "step " + std::to_string(step) + ", error " +
                                           std::to_string(number) + (isOld ? ", old" : "");
@@ -202,6 +209,10 @@ TEST(MergePath, LosesNothingWhicheverStepFails) {
             }
         }
     }
+    EXPECT_EQ(told,
+              (std::set<std::string>{"addName", "close", "copyPart", "createFile", "facts", "flush",
+                                     "list", "makeFolder", "makeLink", "open", "read", "readLink",
+                                     "remove", "rename", "setPermissions", "setTimes", "write"}));
     setEnvironment("TMPDIR", before != nullptr ? folderBefore.c_str() : nullptr);
 }
 
