@@ -2,6 +2,7 @@
 #include "veltra/diagnostics/log_text.h"
 
 #include "veltra/diagnostics/detail/banner.h"
+#include "veltra/diagnostics/log_ring.h"
 #include "veltra/diagnostics/text_buffer.h"
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/process.h"
@@ -27,6 +28,24 @@ std::optional<StandardError::Status> readStandardError(const StandardError& stre
     return isForced ? std::optional(status) : std::nullopt;
 }
 
+void sendRecord(std::uint32_t level, const char* tag, std::string_view message,
+                const detail::BannerText* banner) noexcept {
+    // Deliberately signed, as user ids have always been logged here: "nobody" may read -2.
+    LocalTextBuffer<16> userId;
+    userId.appendDecimal(static_cast<std::int32_t>(Process::current().effectiveUserId()));
+
+    LogRecord record;
+    record.facility = tag != nullptr ? tag : "QKLogCString";
+    if (banner != nullptr) {
+        record.fields[LogRecord::LocalTime].value = banner->localTime();
+        record.fields[LogRecord::Thread].value = banner->thread();
+    }
+    record.fields[LogRecord::ReadUserId].value = userId.view();
+    record.fields[LogRecord::Level].value = kLevelNames[level];
+    record.fields[LogRecord::Message].value = message;
+    SystemLog::current().send(record);
+}
+
 }  // namespace
 
 Banner wantedBanner() noexcept {
@@ -47,27 +66,23 @@ void logMessage(std::uint32_t level, Banner banner, const char* tag,
     detail::BannerText bannerText;
     const bool hasMessage = message && !message->empty();
     const bool hasBanner = banner == Banner::Yes && bannerText.compose(tag, hasMessage ? ": " : "");
-    // Deliberately signed, as user ids have always been logged here: "nobody" may read -2.
-    LocalTextBuffer<16> userId;
-    userId.appendDecimal(static_cast<std::int32_t>(Process::current().effectiveUserId()));
-
-    LogRecord record;
-    record.facility = tag != nullptr ? tag : "QKLogCString";
-    if (hasBanner) {
-        record.fields[LogRecord::LocalTime].value = bannerText.localTime();
-        record.fields[LogRecord::Thread].value = bannerText.thread();
-    }
-    record.fields[LogRecord::ReadUserId].value = userId.view();
-    record.fields[LogRecord::Level].value = kLevelNames[level];
-    record.fields[LogRecord::Message].value = message ? *message : std::string_view(tag);
-    SystemLog::current().send(record);
+    const std::string_view bannerLine = hasBanner ? bannerText.line() : "";
+    const std::string_view text = message ? *message : hasBanner ? "\n" : std::string_view(tag);
+    recentLogLines().add(bannerLine, text);
+    sendRecord(level, tag, message ? *message : std::string_view(tag),
+               hasBanner ? &bannerText : nullptr);
 
     StandardError& stream = StandardError::current();
     const std::optional<StandardError::Status> status = readStandardError(stream);
     if (!status) return;
-    const std::string_view text = message ? *message : hasBanner ? "\n" : std::string_view(tag);
     const bool isOpen = text.empty() || (text.back() != '\n' && text.back() != '\b');
-    stream.write(*status, {hasBanner ? bannerText.line() : "", text, isOpen ? "\n" : ""});
+    stream.write(*status, {bannerLine, text, isOpen ? "\n" : ""});
+}
+
+void recordMessage(std::uint32_t level, const char* tag, std::string_view message) noexcept {
+    if (level > kHighestLogLevel) return;
+    const NoCancellation noCancellation;
+    sendRecord(level, tag, message, nullptr);
 }
 
 void logText(std::uint32_t level, Banner banner, const char* tag, std::string_view text) noexcept {

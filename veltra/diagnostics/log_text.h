@@ -27,6 +27,10 @@ Banner wantedBanner() noexcept;
 void logMessage(std::uint32_t level, Banner banner, const char* tag,
                 std::optional<std::string_view> message) noexcept;
 
+// The system's log alone gets the message: no line on standard error.
+// Thread: any but audio. Realtime-safe: no.
+void recordMessage(std::uint32_t level, const char* tag, std::string_view message) noexcept;
+
 // Logs a text that went through a formatter and is read once more: each "%%" becomes "%".
 // Thread: any but audio. Realtime-safe: no.
 void logText(std::uint32_t level, Banner banner, const char* tag, std::string_view text) noexcept;

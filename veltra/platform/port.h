@@ -23,6 +23,7 @@
 #include "veltra/platform/stack_walk.h"
 #include "veltra/platform/standard_error.h"  // platformStandardError()
 #include "veltra/platform/symbol_names.h"
+#include "veltra/platform/symboliser.h"     // platformSymboliser()
 #include "veltra/platform/system_log.h"     // platformSystemLog()
 #include "veltra/platform/text_services.h"  // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
@@ -45,6 +46,7 @@ AlertPresenter& platformAlertPresenter() noexcept;
 MemorySystem& platformMemorySystem() noexcept;
 Preferences& platformPreferences() noexcept;
 StandardError& platformStandardError() noexcept;
+Symboliser& platformSymboliser() noexcept;
 SystemLog& platformSystemLog() noexcept;
 
 // As Preferences::setApplicationName().

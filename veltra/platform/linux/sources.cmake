@@ -6,6 +6,7 @@ set(PORT_SOURCES
     alert_terminal.cpp
     allocation_zone.cpp
     c_locale.cpp
+    child_program.cpp
     clock.cpp
     deadline.cpp
     fork_generation.cpp
@@ -24,6 +25,7 @@ set(PORT_SOURCES
     stack_walk.cpp
     standard_error.cpp
     symbol_names.cpp
+    symboliser.cpp
     table_walk.cpp
     terminal_text.cpp
     thread_end.cpp
@@ -41,7 +43,8 @@ set(PORT_TESTS
     process_test.cpp
     stack_walk_test.cpp
     standard_error_test.cpp
-    symbol_names_test.cpp)
+    symbol_names_test.cpp
+    symboliser_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()
