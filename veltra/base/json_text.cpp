@@ -24,11 +24,16 @@ constexpr std::string_view kRealKey = "$real";
 // allocates, which would end the process when memory is out.
 class Builder {
 public:
+    explicit Builder(JsonNumbers numbers) noexcept
+        : m_keepsDigits(numbers == JsonNumbers::AsDigits) {}
+
     bool null() { return add({}); }
     bool boolean(bool value) { return add(value); }
-    bool number_integer(std::int64_t value) { return add(value); }
-    bool number_unsigned(std::uint64_t value) { return add(value); }
-    bool number_float(double value, const std::string&) { return add(value); }
+    bool number_integer(std::int64_t value) { return addInteger(value); }
+    bool number_unsigned(std::uint64_t value) { return addInteger(value); }
+    bool number_float(double value, const std::string& digits) {
+        return add(m_keepsDigits ? PropertyValue(digits) : PropertyValue(value));
+    }
     bool string(std::string& value) { return add(PropertyValue(std::move(value))); }
     bool binary(std::vector<std::uint8_t>&) { return false; }
     bool start_object(std::size_t) { return open(false); }
@@ -85,6 +90,10 @@ private:
         return true;
     }
 
+    bool addInteger(std::integral auto value) {
+        return add(m_keepsDigits ? PropertyValue(NumberText(value).view()) : PropertyValue(value));
+    }
+
     bool add(PropertyValue value) {
         if (m_levels.empty()) return false;
         Level& level = m_levels.back();
@@ -113,6 +122,7 @@ private:
         return bytes ? PropertyValue(std::move(*bytes)) : PropertyValue();
     }
 
+    const bool m_keepsDigits;
     std::vector<Level> m_levels;
 };
 
@@ -226,8 +236,9 @@ std::string jsonFromDictionary(const PropertyValue::Dictionary& dictionary) {
     return writer.take();
 }
 
-std::optional<PropertyValue::Dictionary> dictionaryFromJson(std::string_view text) {
-    Builder builder;
+std::optional<PropertyValue::Dictionary> dictionaryFromJson(std::string_view text,
+                                                            JsonNumbers numbers) {
+    Builder builder(numbers);
     if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) return std::nullopt;
     return std::move(builder.result);
 }

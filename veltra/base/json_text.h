@@ -12,6 +12,7 @@
 
 #include "veltra/base/property_value.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,9 +22,13 @@ namespace veltra {
 // Indented, members in key order, a line end after the last brace. Throws std::bad_alloc.
 std::string jsonFromDictionary(const PropertyValue::Dictionary& dictionary);
 
+// AsDigits: a number becomes a string of the digits that stand there, so that "1.10" stays that.
+enum class JsonNumbers : std::uint8_t { AsValues, AsDigits };
+
 // Empty when `text` is damaged: not JSON, not UTF-8, not an object, nested deeper than a property
 // value can be, or with a number beyond the range of a double. Integers beyond 64 bits with sign
 // become reals; of members with equal keys the last wins. Throws std::bad_alloc.
-std::optional<PropertyValue::Dictionary> dictionaryFromJson(std::string_view text);
+std::optional<PropertyValue::Dictionary> dictionaryFromJson(
+    std::string_view text, JsonNumbers numbers = JsonNumbers::AsValues);
 
 }  // namespace veltra

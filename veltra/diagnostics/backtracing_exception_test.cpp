@@ -241,20 +241,16 @@ TEST_F(Installed, GivesExceptionsNamesInAForkedChild) {
     }));
 }
 
-#if defined(VELTRA_STRIPPED_PROGRAM)
-// This test program, stripped.
 TEST(StrippedProgram, HasAddressesInItsBacktraces) {
-    FILE* const output = ::popen("VELTRA_TRACE_HERE=1 " VELTRA_STRIPPED_PROGRAM, "r");
+    FILE* const output = ::popen(VELTRA_STRIPPED_PROGRAM, "r");
     ASSERT_NE(output, nullptr);
     std::string text;
     std::array<char, 256> part{};
     while (std::fgets(part.data(), part.size(), output) != nullptr)
         text += part.data();
     EXPECT_EQ(::pclose(output), 0);
-    EXPECT_THAT(text, StartsWith("\t0x"));
-    EXPECT_GE(std::count(text.begin(), text.end(), '\n'), 3);
+    EXPECT_THAT(text, AllOf(StartsWith("\t0x"), EndsWith("\n"), Not(HasSubstr("veltra"))));
 }
-#endif
 
 }  // namespace tracing
 }  // namespace veltra

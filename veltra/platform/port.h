@@ -23,15 +23,19 @@
 #include "veltra/platform/stack_walk.h"
 #include "veltra/platform/standard_error.h"  // platformStandardError()
 #include "veltra/platform/symbol_names.h"
-#include "veltra/platform/symboliser.h"     // platformSymboliser()
-#include "veltra/platform/system_log.h"     // platformSystemLog()
-#include "veltra/platform/text_services.h"  // platformTextServices(), in icu/ or none/
+#include "veltra/platform/symboliser.h"      // platformSymboliser()
+#include "veltra/platform/system_log.h"      // platformSystemLog()
+#include "veltra/platform/system_queries.h"  // platformSystemQueries()
+#include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
 #include "veltra/platform/thread_end.h"
 #include "veltra/platform/work_memory.h"
 #include "veltra/platform/zone_code.h"  // isZoneCode()
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace veltra {
 
@@ -41,6 +45,7 @@ const Clocks& platformClocks() noexcept;
 const KeyboardLayout& platformKeyboardLayout() noexcept;  // none/ has one that knows no key
 const LocalTime& platformLocalTime() noexcept;
 const Process& platformProcess() noexcept;
+const SystemQueries& platformSystemQueries() noexcept;
 const TextServices& platformTextServices() noexcept;  // none/ has one without a converter
 AlertPresenter& platformAlertPresenter() noexcept;
 MemorySystem& platformMemorySystem() noexcept;
@@ -54,6 +59,20 @@ bool setPlatformApplicationName(std::string_view name) noexcept;
 
 // Asks processor and system; called once.
 ProcessorFeatures platformProcessorFeatures() noexcept;
+
+// What people call the operating system and its version; nothing when one of the three is unknown.
+// Throws std::bad_alloc.
+struct SystemVersion {
+    std::string product, version, build;  // none is empty
+};
+std::optional<SystemVersion> platformSystemVersion();
+
+// The files of the running program and of this library (in a static build: of the program), without
+// links on the way; empty when they cannot be told. The folders where the system keeps libraries.
+// These throw std::bad_alloc.
+std::string platformExecutablePath();
+std::string platformLibraryPath();
+std::vector<std::string> platformLibraryFolders();
 
 // The loop of a thread that has set none; null when memory is out.
 std::unique_ptr<RunLoop> makePlatformRunLoop() noexcept;

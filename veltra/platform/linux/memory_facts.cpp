@@ -3,6 +3,7 @@
 //
 // A process is in one group of each hierarchy. The limits of all groups above it hold as well, so
 // the tree is walked up to where it is mounted.
+#include "veltra/platform/linux/system_files.h"
 #include "veltra/platform/memory_system.h"
 
 #include <algorithm>
@@ -16,84 +17,10 @@ namespace veltra {
 namespace {
 
 using Bytes = std::optional<std::uint64_t>;
+using Lines = SystemFileLines;
 
 // The older hierarchy has a number just below 2^63 for "none".
 constexpr std::uint64_t kNoGroupLimit = std::uint64_t{1} << 60;
-
-// The lines of a file, without their ends; those that are longer than the buffer are left out.
-class Lines {
-public:
-    explicit Lines(const char* path) noexcept : m_path(path) {}
-
-    bool next(std::string_view& line) noexcept {
-        for (bool isTooLong = false;;) {
-            const std::string_view rest(m_text.data() + m_start, m_end - m_start);
-            const std::size_t length = rest.find('\n');
-            if (length != std::string_view::npos) {
-                m_start += length + 1;
-                line = rest.substr(0, length);
-                if (!isTooLong) return true;
-                isTooLong = false;
-                continue;
-            }
-            if (m_isAtEnd) {
-                m_start = m_end;
-                line = rest;
-                return !rest.empty() && !isTooLong;
-            }
-            isTooLong = isTooLong || rest.size() == m_text.size();
-            fill(isTooLong ? std::string_view() : rest);
-        }
-    }
-
-private:
-    void fill(std::string_view kept) noexcept {
-        std::copy(kept.begin(), kept.end(), m_text.begin());
-        const std::span<char> room = std::span(m_text).subspan(kept.size());
-        const std::ptrdiff_t size = MemorySystem::current().read(m_path, m_offset, room);
-        m_isAtEnd = size <= 0;
-        m_start = 0;
-        m_end = kept.size() + (m_isAtEnd ? 0 : static_cast<std::size_t>(size));
-        m_offset += m_end - kept.size();
-    }
-
-    const char* const m_path;
-    std::array<char, 4096> m_text;
-    std::size_t m_start = 0;
-    std::size_t m_end = 0;
-    std::size_t m_offset = 0;
-    bool m_isAtEnd = false;
-};
-
-std::string_view takeWord(std::string_view& text, std::string_view separators) noexcept {
-    text.remove_prefix(std::min(text.find_first_not_of(separators), text.size()));
-    const std::string_view word = text.substr(0, text.find_first_of(separators));
-    text.remove_prefix(word.size());
-    return word;
-}
-
-// The number that `text` begins with after blanks, times `unit`; nothing for anything else.
-Bytes number(std::string_view text, std::uint64_t unit = 1) noexcept {
-    const std::string_view word = takeWord(text, " \t");
-    std::uint64_t value = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-    if (error == std::errc::result_out_of_range) return UINT64_MAX;
-    if (error != std::errc() || end != word.data() + word.size()) return {};
-    std::uint64_t bytes = 0;
-    return __builtin_mul_overflow(value, unit, &bytes) ? UINT64_MAX : bytes;
-}
-
-// The number behind `key` at the start of a line.
-Bytes numberOf(const char* path, std::string_view key, std::uint64_t unit = 1) noexcept {
-    Lines lines(path);
-    for (std::string_view line; lines.next(line);) {
-        if (!line.starts_with(key)) continue;
-        line.remove_prefix(key.size());
-        if (!key.empty() && !line.starts_with(' ') && !line.starts_with('\t')) continue;
-        return number(line, unit);
-    }
-    return {};
-}
 
 bool contains(std::string_view list, std::string_view word) noexcept {
     while (!list.empty())
@@ -227,7 +154,7 @@ void MemoryFactsReader::readGroup(const Group& group, bool isUnified,
     std::size_t length = std::strlen(folder.data());
     const auto numberIn = [&](const char* name, std::string_view key = {}) {
         std::snprintf(file.data(), file.size(), "%s/%s", folder.data(), name);
-        return numberOf(file.data(), key);
+        return numberInSystemFile(file.data(), key);
     };
     while (length > 0) {
         const Bytes limit =
@@ -256,11 +183,11 @@ void MemoryFactsReader::readGroup(const Group& group, bool isUnified,
 MemoryFacts MemoryFactsReader::read() const noexcept {
     constexpr std::uint64_t kKibibyte = 1024;
     MemoryFacts facts;
-    facts.total = numberOf("/proc/meminfo", "MemTotal:", kKibibyte);
-    facts.available = numberOf("/proc/meminfo", "MemAvailable:", kKibibyte);
+    facts.total = numberInSystemFile("/proc/meminfo", "MemTotal:", kKibibyte);
+    facts.available = numberInSystemFile("/proc/meminfo", "MemAvailable:", kKibibyte);
     readGroup(m_unified, true, facts);
     readGroup(m_legacy, false, facts);
-    facts.addressSpaceUsed = numberOf("/proc/self/status", "VmSize:", kKibibyte);
+    facts.addressSpaceUsed = numberInSystemFile("/proc/self/status", "VmSize:", kKibibyte);
     const MemorySystem::Limits limits = MemorySystem::current().addressSpaceLimits();
     if (limits.current != MemorySystem::kNoLimit) facts.addressSpaceLimit = limits.current;
     Lines lines(m_pressurePath.data());

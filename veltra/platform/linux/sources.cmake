@@ -17,15 +17,20 @@ set(PORT_SOURCES
     memory_facts.cpp
     memory_system.cpp
     no_cancellation.cpp
+    os_release.cpp
     platform_alert.cpp
     poll_run_loop.cpp
     preferences_file.cpp
     process.cpp
     processor_features.cpp
+    processor_identity.cpp
+    program_files.cpp
     stack_walk.cpp
     standard_error.cpp
     symbol_names.cpp
     symboliser.cpp
+    system_files.cpp
+    system_queries.cpp
     table_walk.cpp
     terminal_text.cpp
     thread_end.cpp
@@ -40,11 +45,13 @@ set(PORT_TESTS
     local_time_test.cpp
     memory_facts_test.cpp
     poll_run_loop_test.cpp
+    os_release_test.cpp
     process_test.cpp
     stack_walk_test.cpp
     standard_error_test.cpp
     symbol_names_test.cpp
-    symboliser_test.cpp)
+    symboliser_test.cpp
+    system_queries_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()
@@ -57,4 +64,7 @@ else()
 endif()
 if(VELTRA_XKB_X11)
     set(PORT_DEFINITIONS VELTRA_XKB_X11)
+endif()
+if(CMAKE_LIBRARY_ARCHITECTURE)
+    list(APPEND PORT_DEFINITIONS VELTRA_LIBRARY_ARCHITECTURE="${CMAKE_LIBRARY_ARCHITECTURE}")
 endif()

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/application_facts.h"
+
+#include "veltra/platform/bundle_information.h"
+#include "veltra/platform/process.h"
+#include "veltra/platform/resources.h"
+#include "veltra/platform/testing/temporary_folder.h"
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+struct HandedOver {
+    explicit HandedOver(PropertyValue::Dictionary all) { setBundleInformation(std::move(all)); }
+    ~HandedOver() { setBundleInformation(std::nullopt); }
+};
+
+TEST(ApplicationVersion, NeedsWhatStandsBeforeIt) {
+    const struct {
+        const char *shortVersion, *version, *build, *expected;
+    } kCases[] = {
+        {"1.0", "12", "C3", "1.0(12) C3"}, {"1.0", "12", "", "1.0(12)"}, {"1.0", "", "", "1.0"},
+        {"1.0", "", "C3", "1.0"},          {"", "12", "C3", "?.??"},     {"", "", "", "?.??"},
+    };
+    for (const auto& one : kCases) {
+        const HandedOver bundle({{"CFBundleShortVersionString", one.shortVersion},
+                                 {"CFBundleVersion", one.version},
+                                 {"ProductBuildVersion", one.build}});
+        EXPECT_EQ(applicationVersion(), one.expected);
+        EXPECT_EQ(applicationName(), Process::current().programName());
+    }
+    const HandedOver numbers({{"CFBundleShortVersionString", 2.5},
+                              {"CFBundleVersion", 12},
+                              {"ProductBuildVersion", true}});
+    EXPECT_EQ(applicationVersion(), "2.5(12)");
+    EXPECT_TRUE(setBundleInformationText("CFBundleName", "Mixer"));
+    EXPECT_EQ(applicationName() + applicationVersion(), "Mixer2.5(12)");
+    setBundleInformation(std::nullopt);
+    EXPECT_TRUE(setBundleInformationText("CFBundleName", "Alone"));
+    EXPECT_EQ(applicationName() + applicationVersion(), "Alone?.??");
+}
+
+// The file beside the program of these tests, for as long as the test runs.
+TEST(ApplicationVersion, ComesFromAFileWithItsOwnDigits) {
+    const std::string path = executableFolder() + "/Info.json";
+    std::filesystem::remove(path);
+    const struct {
+        const char *text, *expected;
+    } kCases[] = {
+        {R"({"CFBundleShortVersionString": 1.10, "CFBundleVersion": 12})", "1.10(12)"},
+        {R"({"CFBundleShortVersionString": 1e2, "CFBundleVersion": -0.0})", "1e2(-0.0)"},
+        {R"({"CFBundleShortVersionString": {"$real": "nan"}})", "?.??"},
+        {R"({"CFBundleShortVersionString": "1", )", "?.??"},
+        {R"(["1.0"])", "?.??"},
+    };
+    for (const auto& one : kCases) {
+        std::ofstream(path) << one.text;
+        setBundleInformation(std::nullopt);
+        EXPECT_EQ(applicationVersion(), one.expected) << one.text;
+    }
+    std::filesystem::remove(path);
+    EXPECT_EQ(applicationVersion(), "?.??");  // read once
+    setBundleInformation(std::nullopt);
+}
+
+TEST(Resources, AreFoundInTheHostsFolderAndNeverOutsideOfIt) {
+    const testing::TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "in");
+    for (const char* name : {"knob.png", "plain", "in/knob.tiff"})
+        std::ofstream(folder / name) << name;
+    setResourceFolder(folder / "in");
+    EXPECT_EQ(pathOfResource("knob", "tiff"), folder / "in/knob.tiff");
+    EXPECT_EQ(pathOfResource("knob", "png"), "");
+    setResourceFolder(folder / "");
+    EXPECT_EQ(pathOfResource("in/knob", "tiff"), folder / "in/knob.tiff");
+    EXPECT_EQ(pathOfResource("plain", ""), folder / "plain");
+    for (const std::string& name : {std::string("../knob"), std::string("in/../knob"),
+                                    std::string(), folder / "knob", std::string("knob\0", 5)})
+        EXPECT_EQ(pathOfResourceIn(folder / "in", name, "png"), "") << name;
+    EXPECT_EQ(pathOfResource("in", ""), "");  // a folder
+    EXPECT_EQ(textOfFile(folder / "plain", 5), "plain");
+    EXPECT_FALSE(textOfFile(folder / "plain", 4) || textOfFile(folder / "in", 9) ||
+                 textOfFile(folder / "none", 9));
+    setResourceFolder({});
+    EXPECT_EQ(pathOfResource("plain", ""), "");
+}
+
+}  // namespace
+}  // namespace veltra

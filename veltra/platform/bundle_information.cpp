@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/bundle_information.h"
+
+#include "veltra/base/immortal.h"
+#include "veltra/base/installable_source.h"
+#include "veltra/base/json_text.h"
+#include "veltra/base/number_text.h"
+#include "veltra/base/out_of_memory.h"
+#include "veltra/platform/no_cancellation.h"
+#include "veltra/platform/resources.h"
+
+#include <cmath>
+#include <mutex>
+#include <utility>
+
+namespace veltra {
+
+namespace {
+
+constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
+
+// Digits stay as they are written.
+PropertyValue::Dictionary dictionaryFromFile() {
+    const NoCancellation whileFilesAreRead;
+    for (const std::string& folder : {executableFolder(), hostDataFolder()}) {
+        if (folder.empty()) continue;
+        const std::optional<std::string> text = textOfFile(folder + "/Info.json", kLargestFile);
+        if (!text) continue;
+        if (auto found = dictionaryFromJson(*text, JsonNumbers::AsDigits)) return *std::move(found);
+    }
+    return {};
+}
+
+std::string textFrom(const PropertyValue& value) {
+    switch (value.kind()) {
+        case PropertyValue::Kind::String:
+            return std::string(value.asString());
+        case PropertyValue::Kind::Integer:
+            return std::string(NumberText(value.asInteger()).view());
+        case PropertyValue::Kind::Real:
+            if (!std::isfinite(value.asReal())) return {};
+            return std::string(NumberText::shortest(value.asReal()).view());
+        default:
+            return {};
+    }
+}
+
+class OwnBundleInformation final : public BundleInformation {
+public:
+    std::string text(std::string_view key) const override {
+        PropertyValue value;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (!m_dictionary) m_dictionary = dictionaryFromFile();
+            const auto found = m_dictionary->find(key);
+            if (found != m_dictionary->end()) value = found->second;
+        }
+        return textFrom(value);
+    }
+
+    void set(std::optional<PropertyValue::Dictionary> dictionary) noexcept {
+        const std::lock_guard lock(m_mutex);
+        m_isHandedOver = dictionary.has_value();
+        m_dictionary.swap(dictionary);
+    }
+
+    void set(std::string_view key, std::string_view text) {
+        const std::lock_guard lock(m_mutex);
+        PropertyValue::Dictionary changed;
+        if (m_isHandedOver) changed = *m_dictionary;
+        changed.insert_or_assign(std::string(key), PropertyValue(text));
+        m_dictionary = std::move(changed);
+        m_isHandedOver = true;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    mutable std::optional<PropertyValue::Dictionary> m_dictionary;  // nothing: file not read yet
+    bool m_isHandedOver = false;
+};
+
+OwnBundleInformation& ownBundleInformation() noexcept {
+    static const Immortal<OwnBundleInformation> information;
+    return *information;
+}
+
+}  // namespace
+
+BundleInformation::~BundleInformation() = default;
+
+template <>
+struct OwnImplementation<const BundleInformation> : OwnFrom<ownBundleInformation> {};
+template class Installable<const BundleInformation>;
+
+void setBundleInformation(std::optional<PropertyValue::Dictionary> dictionary) noexcept {
+    ownBundleInformation().set(std::move(dictionary));
+}
+
+bool setBundleInformationText(std::string_view key, std::string_view text) noexcept {
+    return isDoneUnlessOutOfMemory([&] { ownBundleInformation().set(key, text); });
+}
+
+}  // namespace veltra

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/platform/resources.h"
+
+#include "veltra/base/immortal.h"
+#include "veltra/platform/port.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <ios>
+#include <mutex>
+#include <utility>
+
+namespace veltra {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct HostFolder {
+    std::mutex mutex;
+    std::string path;
+};
+
+HostFolder& hostFolder() {
+    static const Immortal<HostFolder> folder;
+    return *folder;
+}
+
+// Below the folder from which a name is looked up.
+bool staysInside(const fs::path& name) {
+    return !name.empty() && name.is_relative() &&
+           std::none_of(name.begin(), name.end(),
+                        [](const fs::path& step) { return step == ".."; });
+}
+
+}  // namespace
+
+std::string executableFolder() {
+    return fs::path(platformExecutablePath()).parent_path();
+}
+
+std::string hostDataFolder() {
+    const fs::path program = platformExecutablePath();
+    if (program.empty()) return {};
+    return (program.parent_path() / ".." / "share" / program.filename()).lexically_normal();
+}
+
+void setResourceFolder(std::string folder) {
+    const std::lock_guard lock(hostFolder().mutex);
+    hostFolder().path = std::move(folder);
+}
+
+std::vector<std::string> resourceFolders() {
+    std::vector<std::string> folders;
+    {
+        const std::lock_guard lock(hostFolder().mutex);
+        folders.push_back(hostFolder().path);
+    }
+    folders.push_back(hostDataFolder());
+    if (const fs::path library = platformLibraryPath(); !library.empty()) {
+        for (const char* way : {"../share/veltra", "../../share/veltra"})
+            folders.push_back((library.parent_path() / way).lexically_normal());
+    }
+    std::erase(folders, std::string());
+    return folders;
+}
+
+std::string pathOfResourceIn(const std::string& folder, std::string_view name,
+                             std::string_view extension) {
+    if (folder.empty() || name.find('\0') != std::string_view::npos || !staysInside(name))
+        return {};
+    std::string path = fs::path(folder) / name;
+    if (!extension.empty()) path.append(1, '.').append(extension);
+    std::error_code error;
+    return fs::is_regular_file(path, error) ? path : std::string();
+}
+
+std::string pathOfResource(std::string_view name, std::string_view extension) {
+    for (const std::string& folder : resourceFolders()) {
+        std::string path = pathOfResourceIn(folder, name, extension);
+        if (!path.empty()) return path;
+    }
+    return {};
+}
+
+std::optional<std::string> textOfFile(const std::string& path, std::size_t limit) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) return {};  // a pipe would wait for its writer
+    std::ifstream file(path, std::ios::binary);
+    std::string text(limit + 1, '\0');
+    if (!file.read(text.data(), static_cast<std::streamsize>(text.size())).eof() || file.bad())
+        return {};
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    return text;
+}
+
+}  // namespace veltra
