@@ -9,6 +9,7 @@
 #include "veltra/platform/allocation_zone.h"  // process(), entries(), coverage(), mallocOrigin()
 #include "veltra/platform/c_locale.h"
 #include "veltra/platform/clock.h"  // platformClocks()
+#include "veltra/platform/exception_type.h"
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()

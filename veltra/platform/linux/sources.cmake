@@ -9,6 +9,7 @@ set(PORT_SOURCES
     child_program.cpp
     clock.cpp
     deadline.cpp
+    exception_type.cpp
     fork_generation.cpp
     fork_handlers.cpp
     journal_log.cpp
