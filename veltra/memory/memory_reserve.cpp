@@ -10,6 +10,7 @@
 #include "veltra/memory/memory_reserve.h"
 
 #include "veltra/base/errno_keeper.h"
+#include "veltra/diagnostics/report_sections.h"
 #include "veltra/memory/detail/reserve_blocks.h"
 #include "veltra/memory/detail/reserve_mode.h"
 #include "veltra/memory/detail/zone_notice.h"
@@ -20,6 +21,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <mutex>
 
@@ -287,6 +289,13 @@ void stop() noexcept {
     state.blocks.releaseMain(entries);
     state.blocks.releaseFinal(entries);
 }
+
+void writeLevel(char* text, std::size_t capacity) noexcept {
+    std::snprintf(text, capacity, "%d of 2", state.level.load(kPlain));
+}
+
+constexpr ReportSection kLevel{"memory level", writeLevel};
+[[maybe_unused]] const bool isReported = addReportSection(kLevel);
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 // The reserve on a zone of the test's own.
 #include "veltra/memory/memory_reserve.h"
 
+#include "veltra/diagnostics/report_sections.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/memory/detail/reserve_mode.h"
 #include "veltra/memory/detail/zone_notice.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -53,7 +55,11 @@ protected:
     void enter() {
         const auto note = [](void* context) {
             auto& self = *static_cast<MemoryReserve*>(context);
-            self.levels += std::to_string(QKMemoryReserveGetLowMemoryLevel());
+            const std::string level = std::to_string(QKMemoryReserveGetLowMemoryLevel());
+            self.levels += level;
+            char report[4096];
+            writeReportSections(report, sizeof report);  // in the middle of a malloc
+            EXPECT_NE(std::strstr(report, ("memory level: " + level + " of 2\n").c_str()), nullptr);
             if (self.wantedInCallback != 0) self.give(self.take(self.wantedInCallback));
         };
         void* block = QKMemoryReserveEnter(note, this);

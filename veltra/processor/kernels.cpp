@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels.h"
 
+#include "veltra/diagnostics/report_sections.h"
 #include "veltra/processor/detail/checksum_kernels.h"
 #include "veltra/processor/detail/sample_kernels.h"
 #include "veltra/processor/detail/swap_kernels.h"
 #include "veltra/processor/detail/utf8_kernels.h"
+
+#include <cstdio>
 
 namespace veltra {
 
@@ -21,6 +24,20 @@ constexpr KernelFamily* kFamilies[] = {
     for (KernelFamily* family : kFamilies)
         family->useBest();
 }
+
+// "crc16 plain, crc32 avx2"
+void writeInForce(char* text, std::size_t capacity) noexcept {
+    std::size_t size = 0;
+    for (const KernelFamily* family : kFamilies) {
+        const int length = std::snprintf(text + size, capacity - size, "%s%s %s",
+                                         size > 0 ? ", " : "", family->name(), family->inForce());
+        if (length < 0 || static_cast<std::size_t>(length) >= capacity - size) return;
+        size += static_cast<std::size_t>(length);
+    }
+}
+
+constexpr ReportSection kInForce{"kernels in force", writeInForce};
+[[maybe_unused]] const bool isReported = addReportSection(kInForce);
 
 }  // namespace
 

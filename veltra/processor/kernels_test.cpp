@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels.h"
 
+#include "veltra/diagnostics/report_sections.h"
 #include "veltra/processor/detail/kernel_choice.h"
 
 #include <string>
@@ -56,6 +57,8 @@ TEST(Kernels, EveryFamilyIsFoundByNameEndsPlainAndRunsAsItIsTold) {
             ASSERT_EQ(family->use(family->variantName(i)), family->runs(i));
             if (!family->runs(i)) continue;
             EXPECT_STREQ(family->inForce(), family->variantName(i));
+            const std::string listed = std::string(family->name()) + ' ' + family->inForce();
+            EXPECT_NE(reportSections().find(listed), std::string::npos) << listed;
         }
         family->useBest();
     }

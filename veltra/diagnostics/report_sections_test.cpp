@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/diagnostics/report_sections.h"
+
+#include <cstdio>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace veltra {
+namespace {
+
+constexpr ReportSection kSections[] = {
+    {"test b",
+     [](char* text, std::size_t capacity) noexcept { std::snprintf(text, capacity, "2"); }},
+    {"test a",
+     [](char* text, std::size_t capacity) noexcept { std::snprintf(text, capacity, "1"); }},
+    {"test c", [](char* /*text*/, std::size_t /*capacity*/) noexcept {}},
+    {"test d", [](char* text, std::size_t capacity) noexcept { std::memset(text, 'x', capacity); }},
+};
+
+struct Added {
+    Added() {
+        for (const ReportSection& section : kSections)
+            EXPECT_TRUE(addReportSection(section));
+    }
+    ~Added() {
+        for (const ReportSection& section : kSections)
+            removeReportSection(section);
+    }
+};
+
+TEST(ReportSections, AreWrittenByNameAndCutWhereTheTextEnds) {
+    const std::string before = reportSections();
+    {
+        const Added added;
+        const Added twice;
+        const std::string expected =
+            "test a: 1\ntest b: 2\ntest d: " + std::string(1023, 'x') + "\n";
+        const std::string all = reportSections();
+        EXPECT_NE(all.find(expected), std::string::npos) << all;
+        EXPECT_EQ(all.size(), before.size() + expected.size());
+        for (std::size_t capacity = 0; capacity <= all.size() + 2; ++capacity) {
+            std::vector<char> text(capacity + 1, '#');
+            const std::size_t size = writeReportSections(text.data(), capacity);
+            const std::size_t fitting = std::min(all.size(), capacity - (capacity > 0 ? 1 : 0));
+            ASSERT_EQ(size, fitting);
+            ASSERT_EQ(all.compare(0, size, text.data(), size), 0);
+            ASSERT_TRUE(text[capacity] == '#' && (capacity == 0 || text[size] == '\0'));
+        }
+    }
+    EXPECT_EQ(reportSections(), before);
+}
+
+TEST(ReportSections, EndAtTheirLimitAndComeAndGoOnEveryThread) {
+    std::vector<ReportSection> many(kMostReportSections + 1, kSections[0]);
+    std::size_t added = 0;
+    for (const ReportSection& section : many)
+        added += addReportSection(section) ? 1 : 0;
+    EXPECT_TRUE(added > 0 && added <= kMostReportSections && !addReportSection(many.back()));
+    for (const ReportSection& section : many)
+        removeReportSection(section);
+
+    std::vector<std::thread> threads;
+    for (const ReportSection& section : kSections)
+        threads.emplace_back([&section] {
+            for (int round = 0; round < 200; ++round) {
+                EXPECT_TRUE(addReportSection(section));
+                const bool isListed = reportSections().find(section.name) != std::string::npos;
+                EXPECT_EQ(isListed, &section != &kSections[2]);
+                removeReportSection(section);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(reportSections().find("test"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace veltra
