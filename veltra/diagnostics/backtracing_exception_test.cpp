@@ -121,7 +121,9 @@ TEST_F(Installed, SkipsAsManyFramesAsItIsTold) {
         ASSERT_EQ(m_world.lines.size(), skip < 0 ? 2u : 1u);
         EXPECT_EQ(firstLines(m_world.lines.back(), 1), "\tveltra::tracing::logs(int)") << skip;
         EXPECT_THAT(m_world.lines.back(), EndsWith("\tmain\n"));
-        if (skip < 0) EXPECT_THAT(m_world.lines[0], EndsWith("why\n"));
+        if (skip < 0) {
+            EXPECT_THAT(m_world.lines[0], EndsWith("why\n"));
+        }
     }
     m_world.forget();
     logs(2);
@@ -163,7 +165,8 @@ TEST_F(Installed, ReportsTheFirstRaiseOfAnExceptionOnly) {
             first = dynamic_cast<Backtracing&>(caught).backtrace().value();
             caught.raise();
         }
-    } catch (Backtracing caught) {  // a copy shares the user info
+    } catch (const Backtracing& thrown) {
+        Backtracing caught = thrown;  // shares the user info
         EXPECT_EQ(caught.backtrace(), first);
         EXPECT_THAT((*caught.userInfo())[std::string(kStackTraceKey)].asString(),
                     AllOf(StartsWith("0x"), HasSubstr("  0x")));
@@ -174,8 +177,10 @@ TEST_F(Installed, ReportsTheFirstRaiseOfAnExceptionOnly) {
     EXPECT_THAT(first, StartsWith("\tveltra::tracing::raises(char const*)\n"));
     EXPECT_THAT(first, HasSubstr("\tveltraCallFromC\n"));
 #endif
-    EXPECT_EQ(m_world.line(), "2024-01-31 09:05:07.042 prog[123:a0b] *** NSEXCEPTION RAISED ***\n"
-                              "\tName: reason\n" + first);
+    EXPECT_EQ(m_world.line(),
+              "2024-01-31 09:05:07.042 prog[123:a0b] *** NSEXCEPTION RAISED ***\n"
+              "\tName: reason\n" +
+                  first);
     ASSERT_EQ(m_world.records.size(), 2u);
     EXPECT_EQ(m_world.records[1].fields[LogRecord::Message].second,
               "*** NSEXCEPTION RAISED *** Name");

@@ -48,7 +48,7 @@ AlertAnswer reportAndAsk(const Exception& exception) noexcept {
     std::uintptr_t nowhere = 0;
     asm volatile("" : "+r"(nowhere));  // else compilers leave out a store to what they know is null
     *reinterpret_cast<volatile int*>(nowhere) = kMark;  // NOLINT(performance-no-int-to-ptr)
-    std::raise(SIGTRAP);  // where there is memory at 0
+    std::raise(SIGTRAP);                                // where there is memory at 0
 }
 
 }  // namespace

@@ -13,11 +13,11 @@ extern "C" {
 // say.
 //
 // First the report is logged, at level 3: name of the application, text of the exception (what()),
-// versions of application and system, then the stack that the exception carries under kStackTraceKey
-// (see backtracing_exception.h), with function and line for each address, or "No stack trace
-// available."; then the sections of report_sections.h, such as memory level and kernels in force,
-// and the last 64 log lines. Names and lines come from eu-addr2line of the package elfutils; where
-// that is missing, names alone from this process.
+// versions of application and system, then the stack that the exception carries under
+// kStackTraceKey (see backtracing_exception.h), with function and line for each address, or "No
+// stack trace available."; then the sections of report_sections.h, such as memory level and kernels
+// in force, and the last 64 log lines. Names and lines come from eu-addr2line of the package
+// elfutils; where that is missing, names alone from this process.
 //
 // Then a critical alert asks how to go on:
 //     "Stop"                      asks the application to end (see termination.h), and returns

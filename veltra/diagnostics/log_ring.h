@@ -30,8 +30,8 @@ public:
 
     using Copy = std::array<char, kLongestLine>;
 
-    // The line is the texts one after another, without a line feed at the end; the rest is cut off
-    // between two characters.
+    // The line is the texts one after another, without a line feed at the end and with blanks for
+    // the others; the rest is cut off between two characters.
     void add(std::string_view banner, std::string_view message) noexcept;
 
     // The numbers of the lines that may be there: from first() up to, not with, end(). Numbers

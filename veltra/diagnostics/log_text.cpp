@@ -53,7 +53,7 @@ Banner wantedBanner() noexcept {
 }
 
 void logMessage(std::uint32_t level, Banner banner, const char* tag,
-                std::optional<std::string_view> message) noexcept {
+                std::optional<std::string_view> message, Kept kept) noexcept {
     if (level > kHighestLogLevel || (tag == nullptr && !message)) return;
     const NoCancellation noCancellation;
     if (message) message = message->substr(0, message->find('\0'));
@@ -68,7 +68,7 @@ void logMessage(std::uint32_t level, Banner banner, const char* tag,
     const bool hasBanner = banner == Banner::Yes && bannerText.compose(tag, hasMessage ? ": " : "");
     const std::string_view bannerLine = hasBanner ? bannerText.line() : "";
     const std::string_view text = message ? *message : hasBanner ? "\n" : std::string_view(tag);
-    recentLogLines().add(bannerLine, text);
+    if (kept == Kept::Yes) recentLogLines().add(bannerLine, text);
     sendRecord(level, tag, message ? *message : std::string_view(tag),
                hasBanner ? &bannerText : nullptr);
 

@@ -36,6 +36,7 @@ void LogRing::add(std::string_view banner, std::string_view message) noexcept {
     const std::size_t start = banner.copy(text, kLongestLine);
     std::size_t size = start + message.copy(text + start, kLongestLine - start);
     if (size < banner.size() + message.size()) size = wholeCharacters({text, size}).size();
+    std::replace(text, text + size, '\n', ' ');
     const auto length = static_cast<Length>(size);
     std::memcpy(words.data(), &length, sizeof length);
 

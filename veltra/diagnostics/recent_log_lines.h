@@ -10,8 +10,9 @@
 VELTRA_C_BEGIN
 
 // `line` is UTF-8 (as far as the logged text was), as it stood on standard error or would have:
-// banner and message, without the line feed at the end, not terminated, `length` bytes of it, 246
-// at most; what was longer is cut, never inside a character. Good during the call only.
+// banner and message, without the line feed at the end and with blanks for others. It has `length`
+// bytes, 246 at most, and no terminator; what was longer is cut, never inside a character. Good
+// during the call only.
 typedef void (*VLLogLineVisitor)(void* context, const char* line, size_t length);
 
 // Calls `visit` for each of the last 64 log lines, oldest first. A line that another thread is

@@ -12,8 +12,8 @@ VELTRA_C_BEGIN
 // usually abort(). The framework never installs this by itself; a host may, at start, after its own
 // handler. Calling it again does no harm.
 //
-// Nothing is thrown or unwound on the way: the stack in the report, and in a core file, is still
-// that of the throw.
+// The stack in the report, and in a core file, is that of the throw, as far as no object on the way
+// had to be destroyed.
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT void VLInstallTerminateHandler(void) VELTRA_NOEXCEPT;
 

@@ -17,7 +17,8 @@ Terminator installTerminator(Terminator terminator) noexcept {
 }
 
 void askToTerminate() noexcept {
-    const Terminator terminator = installedTerminator.load(std::memory_order_acquire);  // with above
+    const Terminator terminator =
+        installedTerminator.load(std::memory_order_acquire);  // with above
     if (terminator != nullptr) {
         terminator();
     } else {

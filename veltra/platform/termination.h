@@ -9,9 +9,9 @@ namespace veltra {
 using Terminator = void (*)() noexcept;
 
 // Lets `terminator` end the application when somebody asks for it: a host with an event loop of its
-// own leaves it. It may return before the application has ended. Null goes back to the framework's
-// own way. Returns what was installed before, null for none. The user interface installs one that
-// ends the event loop of its toolkit as soon as it is used, unless there is one already.
+// own leaves it. It is called on any thread, and may return before the application has ended. Null
+// goes back to the framework's own way. Returns what was installed before, null for none. The user
+// interface on Qt installs one that ends Qt's event loop, unless there is one already.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT Terminator installTerminator(Terminator terminator) noexcept;
 

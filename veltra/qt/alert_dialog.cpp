@@ -53,7 +53,8 @@ int lineCount(const QString& text, const QFont& font, int width) {
     return count;
 }
 
-// A triangle, amber or red, in a square of kIconSize; the styles' own icons do not scale everywhere.
+// A triangle, amber or red, in a square of kIconSize; the styles' own icons do not scale
+// everywhere.
 void drawIcon(QPainter& painter, AlertStyle style) {
     const bool isCritical = style == AlertStyle::Critical;
     const QColor paper = isCritical ? QColor(0xC6, 0x28, 0x28) : QColor(0xF5, 0xB3, 0x01);

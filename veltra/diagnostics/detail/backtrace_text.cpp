@@ -16,8 +16,11 @@ constexpr std::string_view kBetweenAddresses = "  ";
 
 // How the names of functions begin that only raise exceptions.
 constexpr std::string_view kRaising[] = {
-    "+[NSException ",      "-[NSAssertionHandler ",            "veltra::raiseException(",
-    "veltra::Exception::", "veltra::VLBacktracingException::",
+    "+[NSException ",
+    "-[NSAssertionHandler ",
+    "veltra::raiseException(",
+    "veltra::Exception::",
+    "veltra::VLBacktracingException::",
 };
 
 constexpr std::string_view kOutermost[] = {"main", "NSApplicationMain"};

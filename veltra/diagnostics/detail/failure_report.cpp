@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::size_t kSectionsSize = 4096;
 
-void logPart(std::string_view text) noexcept {
-    logMessage(kLogError, wantedBanner(), nullptr, text);
+void logPart(std::string_view text, Kept kept = Kept::Yes) noexcept {
+    logMessage(kLogError, wantedBanner(), nullptr, text, kept);
 }
 
 void appendAll(TextBuffer& text, std::initializer_list<std::string_view> parts) noexcept {
@@ -80,7 +80,7 @@ void FailureReport::log(std::string_view text,
     if (m_recentLines.view().empty()) return;
     LocalTextBuffer<sizeof m_recentLines> lines;
     appendAll(lines, {"Logged before:\n", m_recentLines.view()});
-    logPart(lines.view());
+    logPart(lines.view(), Kept::No);
 }
 
 }  // namespace veltra::detail

@@ -27,7 +27,7 @@ public:
 private:
     LocalTextBuffer<256> m_application;
     LocalTextBuffer<256> m_title;
-    LocalTextBuffer<LogRing::kLines * (LogRing::kLongestLine + 2)> m_recentLines;
+    LocalTextBuffer<LogRing::kLines*(LogRing::kLongestLine + 2)> m_recentLines;
 };
 
 }  // namespace veltra::detail
