@@ -43,7 +43,7 @@ AlertAnswer reportAndAsk(const Exception& exception) noexcept {
 }
 
 // Deliberate: the user has asked for it.
-[[gnu::noinline, gnu::no_sanitize("undefined")]] void crash() noexcept {
+__attribute__((noinline, no_sanitize("undefined"))) void crash() noexcept {
     constexpr int kMark = 4711;  // to be recognised in a crash report
     std::uintptr_t nowhere = 0;
     asm volatile("" : "+r"(nowhere));  // else compilers leave out a store to what they know is null
