@@ -99,8 +99,10 @@ TEST(ExceptionReport, LogsWhatIsKnownThenAsks) {
 
     world.forget();
     QKDisplayExceptionReport(Exception("N", "r"));
+    ASSERT_EQ(world.lines.size(), 3u);
     EXPECT_EQ(world.lines[1], banner + "No stack trace available.\n");
     QKDisplayExceptionReport(failure("nonsense"));
+    ASSERT_EQ(world.lines.size(), 6u);
     EXPECT_EQ(world.lines[4], banner + "No stack trace available.\n");
 
     // Without the program, this process's own names.
@@ -110,6 +112,7 @@ TEST(ExceptionReport, LogsWhatIsKnownThenAsks) {
     std::snprintf(stack.data(), stack.size(), "%p  0x1",
                   reinterpret_cast<void*>(&QKDisplayExceptionReport));
     QKDisplayExceptionReport(failure(stack.data()));
+    ASSERT_EQ(world.lines.size(), 3u);
     EXPECT_THAT(world.lines[1], EndsWith("0x1  ??\n"));
 #if defined(VELTRA_BACKTRACE)
     EXPECT_THAT(world.lines[1], HasSubstr("  QKDisplayExceptionReport\n"));
