@@ -13,12 +13,17 @@
 #include "veltra/base/exception.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/diagnostics/assertion.h"
+#include "veltra/diagnostics/backtracing_exception.h"
+#include "veltra/diagnostics/crash_reporter_info.h"
+#include "veltra/diagnostics/exception_report.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/diagnostics/trace_stream.h"
 #include "veltra/infrastructure/color_management.h"
+#include "veltra/infrastructure/flyweight.h"
 #include "veltra/infrastructure/nano_timer.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
 #include "veltra/infrastructure/progress_indicator.h"
+#include "veltra/infrastructure/singleton.h"
 #include "veltra/infrastructure/time_marker.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/memory/guarded_allocator.h"
@@ -36,6 +41,8 @@
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/resources.h"
+#include "veltra/platform/symboliser.h"
+#include "veltra/platform/termination.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/text_services.h"
@@ -349,6 +356,95 @@ Answer valuesAndExceptions() {
     }
 }
 
+class Shared : public QKSingleton {
+public:
+    static SlotClass<> s_class;
+    Class& classObject() const noexcept override { return s_class; }
+};
+constinit SlotClass<> Shared::s_class("Shared", &QKSingleton::s_class, makeObject<Shared>);
+const ClassEntry sharedEntry(Shared::s_class);
+
+class SharedValue : public QKFlyweight {
+public:
+    static PlainClass s_class;
+    Class& classObject() const noexcept override { return s_class; }
+    void setupIntrinsicStateData() override { m_text.assign(100, 'x'); }
+    std::string m_text;
+};
+constinit PlainClass SharedValue::s_class("SharedValue", &QKFlyweight::s_class,
+                                          makeObject<SharedValue>);
+const ClassEntry sharedValueEntry(SharedValue::s_class);
+
+Answer objects() {
+    bool isSound = true;
+    bool isWhole = true;
+    try {
+        isWhole = Shared::s_class.sharedInstance() != nullptr;
+        isSound = isWhole == (Shared::s_class.singleton() != nullptr);
+        auto* const value = flyweight<SharedValue>(7);
+        auto* const same = flyweight<SharedValue>(7);
+        isWhole &= value != nullptr && same == value;
+        for (SharedValue* const one : {value, same}) {
+            isSound &= one == nullptr || one->m_text.size() == 100;
+            if (one != nullptr) one->release();
+        }
+        isSound &= Class::named("SharedValue") == &SharedValue::s_class;
+    } catch (const std::bad_alloc&) {
+        isWhole = false;  // of the set-up
+    }
+    const Unfailing now;
+    QKSingleton::releaseAllSingletons();
+    return oneOf(isSound && isWhole, isSound);
+}
+
+Answer backtraces() {
+    VLBacktracingException::install();
+    VLSetCrashReporterInfo(nullptr);
+    const auto* const info = unfailing([] { return VLStringCreateWithCString("Song"); });
+    VLSetCrashReporterInfo(info);
+    const bool isSet = ___crashreporter_info__.load() != nullptr;
+    VLSetCrashReporterInfo(nullptr);
+    VLStringRelease(info);
+    bool isSound = false;
+    bool isWhole = false;
+    std::string log;
+    log = written([&] {
+        try {
+            raiseException("Name", "reason");
+        } catch (const VLBacktracingException& caught) {
+            const Unfailing now;
+            isSound = caught.name() == "Name";
+            isWhole = isSet && caught.backtrace().has_value() && !caught.backtrace()->empty();
+        } catch (const std::bad_alloc&) {
+            isSound = true;
+        }
+    });
+    installExceptionFactory(nullptr);
+    return oneOf(isSound && isWhole && log.find("Name: reason\n") != std::string::npos, isSound);
+}
+
+Answer exceptionReport() {
+    struct NoNames final : Symboliser {
+        std::string symbolise(std::span<const std::uintptr_t>) noexcept override { return {}; }
+    } noNames;
+    SilentPresenter presenter;
+    AlertPresenter* const before = AlertPresenter::install(&presenter);
+    Symboliser::install(&noNames);
+    const auto ignore = installTerminator([]() noexcept {});
+    const Exception exception = unfailing([] {
+        const auto userInfo = std::make_shared<Exception::UserInfo>();
+        (*userInfo)[std::string(kStackTraceKey)] = "0x10  0x20";
+        return Exception("Name", "reason", userInfo);
+    });
+    const std::string text = written([&] { QKDisplayExceptionReport(exception); });
+    installTerminator(ignore);
+    Symboliser::install(nullptr);
+    AlertPresenter::install(before);
+    const bool isSound = presenter.m_isAsked && text.find("****\n\nName: reason\n") != text.npos &&
+                         text.find("0x10") != text.npos;
+    return oneOf(isSound, false);
+}
+
 Answer preferencesRead() {
     storePreferences(kStored);
     const PropertyValue number = Preferences::current().value("Number");
@@ -618,6 +714,9 @@ constexpr std::array kScenarios{
     Scenario{"converted text", Promise::MayThrow, convertedText},
     Scenario{"compressed data, dictionaries", Promise::NeverThrows, compressedAndPackedData},
     Scenario{"values, exceptions, localized strings", Promise::MayThrow, valuesAndExceptions},
+    Scenario{"objects, singletons, shared values", Promise::NeverThrows, objects},
+    Scenario{"backtraces, crash text", Promise::NeverThrows, backtraces},
+    Scenario{"exception report", Promise::NeverThrows, exceptionReport},
     Scenario{"preferences, read", Promise::NeverThrows, preferencesRead},
     Scenario{"preferences, written", Promise::NeverThrows, preferencesWritten},
     Scenario{"preferences, damaged", Promise::NeverThrows, preferencesDamaged},

@@ -18,6 +18,9 @@ inline constexpr std::size_t kUsualMessage = 1024;
 
 enum class Banner { No, Yes };
 
+// Whether a line is kept among the recent ones (see recent_log_lines.h).
+enum class Kept { No, Yes };
+
 // What the environment wants (see QKLogWithSyslogBanner).
 Banner wantedBanner() noexcept;
 
@@ -25,7 +28,11 @@ Banner wantedBanner() noexcept;
 // without both, or with a level above the highest, nothing happens. `tag` is NUL-terminated or
 // null. Thread: any but audio. Realtime-safe: no.
 void logMessage(std::uint32_t level, Banner banner, const char* tag,
-                std::optional<std::string_view> message) noexcept;
+                std::optional<std::string_view> message, Kept kept = Kept::Yes) noexcept;
+
+// The system's log alone gets the message: no line on standard error.
+// Thread: any but audio. Realtime-safe: no.
+void recordMessage(std::uint32_t level, const char* tag, std::string_view message) noexcept;
 
 // Logs a text that went through a formatter and is read once more: each "%%" becomes "%".
 // Thread: any but audio. Realtime-safe: no.

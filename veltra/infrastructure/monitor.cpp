@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/monitor.h"
 
+#include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/fork_safe_lock.h"
 
 #include <atomic>
@@ -19,7 +20,8 @@ constinit thread_local char threadMark = 0;
 class MonitorTable {
 public:
     void enter(InMonitor& guard) noexcept {
-        [[maybe_unused]] static const bool isForkSafe = (s_lock.holdAcrossForks(), true);
+        [[maybe_unused]] static const bool isForkSafe =
+            (s_lock.holdAcrossForks(), addChildHandler(leaveToThisThread), true);
         guard.m_thread = &threadMark;
         std::unique_lock lock(s_lock);
         for (;;) {
@@ -54,6 +56,19 @@ public:
     }
 
 private:
+    // In a forked child: nobody will leave what other threads held, and nobody waits.
+    static void leaveToThisThread() noexcept {
+        InMonitor** link = &s_first;
+        while (InMonitor* const guard = *link) {
+            guard->m_waiting = 0;
+            if (guard->m_thread == &threadMark) {
+                link = &guard->m_next;
+            } else {
+                *link = guard->m_next;
+            }
+        }
+    }
+
     static InMonitor* find(const void* object) noexcept {
         InMonitor* guard = s_first;
         while (guard != nullptr && guard->m_object != object)

@@ -5,6 +5,7 @@
 #include "veltra/infrastructure/monitor.h"
 #include "veltra/infrastructure/testing/counted_classes.h"
 #include "veltra/platform/run_loop.h"
+#include "veltra/platform/testing/child_process.h"
 
 #include <thread>
 
@@ -113,6 +114,39 @@ TEST(Monitors, LetOneThreadInAgainAndAgainAndOthersAfterIt) {
     };
     EXPECT_ANY_THROW(throwsInside());
     std::thread([&places] { const InMonitor guard(places); }).join();
+}
+
+TEST(Monitors, OfOtherThreadsAreFreeInAForkedChild) {
+    int places[3] = {};
+    std::atomic<int> held{0};
+    std::atomic<bool> isOver{false};
+    const auto hold = [&](int index) {
+        const InMonitor guard(&places[index]);
+        ++held;
+        while (!isOver)
+            std::this_thread::yield();
+    };
+    std::thread waiting;
+    {
+        const InMonitor ours(&places[0]);
+        std::thread first(hold, 1);
+        std::thread second(hold, 2);
+        waiting = std::thread([&places] { const InMonitor guard(&places[0]); });
+        while (held < 2)
+            std::this_thread::yield();
+        EXPECT_TRUE(testing::holdsInChild([&places] {
+            for (int round = 0; round < 2; ++round)
+                for (int& place : places) {
+                    const InMonitor guard(&place);
+                    const InMonitor again(&place);
+                }
+            return true;
+        }));
+        isOver = true;
+        first.join();
+        second.join();
+    }
+    waiting.join();
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 #include "veltra/infrastructure/singleton.h"
 
 #include "veltra/base/exception.h"
+#include "veltra/base/number_text.h"
 #include "veltra/infrastructure/monitor.h"
+#include "veltra/platform/stack_walk.h"
+#include "veltra/platform/symbol_names.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -73,6 +76,17 @@ _QKSingletonCollector* collector() {
     return static_cast<_QKSingletonCollector*>(_QKSingletonCollector::s_class.sharedInstance());
 }
 
+// "openSession() (session.cpp:42)", as far as it is known.
+std::string textOf(const SymbolName& symbol, std::uintptr_t address) {
+    std::string text = symbol.function.data();
+    if (text.empty()) text.append("0x").append(NumberText::hexadecimal(address).view());
+    std::string_view file = symbol.file.data();
+    file.remove_prefix(file.find_last_of('/') + 1);
+    if (!file.empty())
+        text.append(" (").append(file).append(":").append(NumberText(symbol.line).view()) += ')';
+    return text;
+}
+
 void CollectorClass::releaseSharedInstance() {
     for (int round = 0; round < kMostRounds; ++round) {
         std::vector<std::string> names;
@@ -101,9 +115,10 @@ void CollectorClass::releaseSharedInstance() {
 }  // namespace
 
 Object* SingletonClass::sharedInstance() {
-    const auto caller = reinterpret_cast<std::uintptr_t>(__builtin_return_address(0));
     const InMonitor guard(this);
     if (singleton() == nullptr) {
+        std::array<std::uintptr_t, kMakers> calls;
+        const std::size_t count = captureCalls(calls, 1);  // without this function
         Object* const made = alloc();
         if (made == nullptr) return nullptr;
         if (Object* const prepared = made->init()) {
@@ -112,11 +127,30 @@ Object* SingletonClass::sharedInstance() {
                 setSingleton(nullptr);
                 return nullptr;
             }
-            m_madeBy.store(caller, std::memory_order_relaxed);
+            setMakers(std::span(calls).first(count));
             instanceIsReady();
         }
     }
     return singleton();
+}
+
+void SingletonClass::setMakers(std::span<const std::uintptr_t> calls) noexcept {
+    for (std::size_t i = 0; i < kMakers; ++i)
+        m_makers[i].store(i < calls.size() ? calls[i] : 0, std::memory_order_relaxed);
+}
+
+std::string SingletonClass::makerName() const {
+    std::string nearest;
+    for (const auto& maker : m_makers) {
+        const std::uintptr_t call = maker.load(std::memory_order_relaxed);
+        if (call == 0) break;
+        const SymbolName symbol = symbolNameOf(call);
+        std::string name = textOf(symbol, call);
+        if (std::string_view(symbol.function.data()).find("sharedInstance(") == std::string::npos)
+            return name;
+        if (nearest.empty()) nearest = std::move(name);
+    }
+    return nearest;
 }
 
 bool SingletonClass::registerInstance(const Object& instance) {
@@ -141,7 +175,7 @@ void SingletonClass::releaseSharedInstance() {
     // Read again: the collector's own slot may have been filled by the look at the register.
     if (Object* const present = singleton()) present->dealloc();
     setSingleton(nullptr);
-    m_madeBy.store(0, std::memory_order_relaxed);
+    setMakers({});
 }
 
 Object* SingletonClass::allocWithZone(void* zone) {
@@ -164,6 +198,18 @@ void SingletonClass::instanceIsReady() noexcept {}
 
 void QKSingleton::releaseAllSingletons() {
     _QKSingletonCollector::s_class.releaseSharedInstance();
+}
+
+std::string QKSingleton::livingReport() {
+    std::string report;
+    for (const Living& one : livingSingletons()) {
+        report += one.className;
+        const auto* const some = dynamic_cast<const SingletonClass*>(one.classObject);
+        const std::string maker = some != nullptr ? some->makerName() : std::string();
+        if (!maker.empty()) report.append(": first asked for by ").append(maker);
+        report += '\n';
+    }
+    return report;
 }
 
 std::vector<QKSingleton::Living> QKSingleton::livingSingletons() {

@@ -24,8 +24,10 @@
 #include "veltra/infrastructure/class_object.h"
 #include "veltra/infrastructure/object.h"
 
+#include <array>
 #include <atomic>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -60,7 +62,13 @@ public:
 
     // Who was the first to ask for the present instance: an address in the caller of
     // sharedInstance(). 0 without a registered instance.
-    std::uintptr_t madeBy() const noexcept { return m_madeBy.load(std::memory_order_relaxed); }
+    std::uintptr_t madeBy() const noexcept { return m_makers[0].load(std::memory_order_relaxed); }
+
+    // The same for people, "openSession() (session.cpp:42)": the nearest of four callers that is
+    // not called sharedInstance itself. An address where the name is not known; empty without a
+    // registered instance. The first name that a process asks for may take a tenth of a second.
+    // Throws std::bad_alloc.
+    std::string makerName() const;
 
 protected:
     ~SingletonClass() = default;
@@ -71,7 +79,10 @@ protected:
 private:
     static bool registerInstance(const Object& instance);
 
-    std::atomic<std::uintptr_t> m_madeBy{0};
+    void setMakers(std::span<const std::uintptr_t> calls) noexcept;
+
+    static constexpr std::size_t kMakers = 4;
+    std::array<std::atomic<std::uintptr_t>, kMakers> m_makers{};  // innermost first
 };
 
 // A singleton class with a slot. Base: SingletonClass, or a class derived from it.
@@ -127,6 +138,11 @@ public:
     // find out at exit who has made what, and from where. Throws std::bad_alloc.
     // Thread: any. Realtime-safe: no.
     static std::vector<Living> livingSingletons();
+
+    // The same for people, a line for each: "Session: first asked for by openSession()
+    // (session.cpp:42)". To be logged before releaseAllSingletons(). Throws std::bad_alloc.
+    // Thread: any. Realtime-safe: no.
+    static std::string livingReport();
 
     QKSingleton* retain() override { return this; }
     void release() override {}

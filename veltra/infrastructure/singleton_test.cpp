@@ -25,6 +25,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 using A = testing::Single<0>;
 using B = testing::Single<1>;
 using C = testing::Single<2>;
@@ -77,6 +78,26 @@ TEST_F(Singletons, AreOneOfAClassAndNotCounted) {
     A::s_class.releaseSharedInstance();  // of nothing
     EXPECT_NE(A::sharedInstance(), nullptr);
     EXPECT_THAT(registeredNames(), ElementsAre("SingleA", "SingleB"));
+}
+
+[[gnu::noinline]] void asksFirst() {
+    A::sharedInstance();
+    asm volatile("" ::: "memory");
+}
+
+TEST_F(Singletons, TellWhoAskedFirst) {
+    EXPECT_EQ(QKSingleton::livingReport(), "");
+    EXPECT_EQ(A::s_class.makerName(), "");
+    asksFirst();
+    A::sharedInstance();
+    EXPECT_EQ(QKSingleton::livingReport(),
+              "SingleA: first asked for by " + A::s_class.makerName() + "\n");
+#if defined(VELTRA_BACKTRACE)
+    EXPECT_THAT(A::s_class.makerName(),
+                StartsWith("veltra::(anonymous namespace)::asksFirst() (singleton_test.cpp:"));
+#endif
+    A::s_class.releaseSharedInstance();
+    EXPECT_EQ(A::s_class.makerName(), "");
 }
 
 TEST_F(Singletons, AreTornDownTogetherAlsoThoseMadeMeanwhile) {

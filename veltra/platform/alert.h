@@ -20,6 +20,12 @@ enum class AlertAnswer {
     TimedOut = 3,  // no button was pressed in time, or nobody could be asked
 };
 
+// What the question is about. A presenter shows it by an icon, say.
+enum class AlertStyle {
+    Warning,   // something did not go as it should
+    Critical,  // the program may be damaged
+};
+
 // One question. The texts are UTF-8, need not be terminated, and are only read during the call;
 // bytes that are not UTF-8, and control characters, are shown as visible stand-ins or left out.
 // Very long texts are cut where they are shown.
@@ -33,6 +39,8 @@ struct Alert {
     // How long the question may stand. 0 or negative: nothing is shown, the answer is TimedOut.
     // More than a day counts as a day: an alert that nobody sees must end by itself.
     Nanoseconds timeout{};
+
+    AlertStyle style = AlertStyle::Warning;
 };
 
 class AlertPresenter;

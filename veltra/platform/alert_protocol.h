@@ -2,7 +2,7 @@
 // How the library and its alert helper talk. The library starts
 //
 //   veltra-alert --title=T --header=H --message=M --default=D --alternate=A --other=O
-//                --timeout=MILLISECONDS
+//                --timeout=MILLISECONDS --critical|--plain
 //
 // with one socket as standard input and output. The helper writes one of the words below and a line
 // feed, and ends. Anything else, an early end above all, means that it could not ask; its exit

@@ -29,6 +29,12 @@ struct ForkHandler {
 // Thread: any, also in the middle of a fork. Realtime-safe: no.
 void addForkHandler(const ForkHandler& handler) noexcept;
 
+// Calls `handler` in each forked child, on its only thread, once the locks above are free there:
+// for what belonged to threads that the child does not have. Added again it is called once all the
+// same. There is room for 16; one more ends the process with a message.
+// Thread: any. Realtime-safe: no.
+void addChildHandler(void (*handler)() noexcept) noexcept;
+
 // Whether the calling thread is in the middle of a fork and holds `lock` for it: code that the
 // fork's other handlers call then needs no lock, and must not wait for this one.
 // Thread: any. Realtime-safe: yes.

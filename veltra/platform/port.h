@@ -11,7 +11,8 @@
 #include "veltra/platform/clock.h"            // platformClocks()
 #include "veltra/platform/color_transform.h"  // makeColorTransform(), in lcms/ or none/
 #include "veltra/platform/compression.h"      // platformCompression(), in zlib/ or none/
-#include "veltra/platform/file_system.h"      // platformFileSystem()
+#include "veltra/platform/exception_type.h"
+#include "veltra/platform/file_system.h"  // platformFileSystem()
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
@@ -28,6 +29,7 @@
 #include "veltra/platform/stack_walk.h"
 #include "veltra/platform/standard_error.h"  // platformStandardError()
 #include "veltra/platform/symbol_names.h"
+#include "veltra/platform/symboliser.h"      // platformSymboliser()
 #include "veltra/platform/system_log.h"      // platformSystemLog()
 #include "veltra/platform/system_queries.h"  // platformSystemQueries()
 #include "veltra/platform/text_services.h"   // platformTextServices(), in icu/ or none/
@@ -60,6 +62,7 @@ MemorySystem& platformMemorySystem() noexcept;
 OpticalDrives& platformOpticalDrives() noexcept;
 Preferences& platformPreferences() noexcept;
 StandardError& platformStandardError() noexcept;
+Symboliser& platformSymboliser() noexcept;
 SystemLog& platformSystemLog() noexcept;
 Volumes& platformVolumes() noexcept;
 

@@ -3,7 +3,9 @@
 // pointers, follows the unwinding tables that every compiler writes, and ends at code without them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace veltra {
 
@@ -35,5 +37,12 @@ void walkCallers(FrameVisitor visit, void* context) noexcept;
 // The frame `up` calls above the zone's code (0: who called it); all zero when there is none.
 // Thread: any. Realtime-safe: no.
 FrameIdentity callerFrame(int up) noexcept;
+
+// The calls that led here, innermost first: for each frame of the stack an address inside its call,
+// ready to be given a name. The first is in the caller of this function; the first `skipped` are
+// left out. Writes as many as fit, and returns how many that were. Allocates nothing and holds no
+// lock.
+// Thread: any. Realtime-safe: no.
+std::size_t captureCalls(std::span<std::uintptr_t> addresses, std::size_t skipped) noexcept;
 
 }  // namespace veltra

@@ -24,6 +24,9 @@ constexpr int kIconSize = 48;
 constexpr int kTextColumns = 60;  // of average characters
 constexpr int kMostLines = 12;    // more of them scroll
 
+// Seconds; a question that may stand longer does not press anybody.
+constexpr qint64 kLongestCountdown = 3600;
+
 constexpr auto kWrapMode = QTextOption::WrapAtWordBoundaryOrAnywhere;
 
 // Labels take "&" as the mark of a shortcut; here it is a character like any other.
@@ -50,14 +53,16 @@ int lineCount(const QString& text, const QFont& font, int width) {
     return count;
 }
 
-// A warning triangle in a square of kIconSize; the styles' own icons do not scale everywhere.
-void drawWarning(QPainter& painter) {
-    const QColor amber(0xF5, 0xB3, 0x01);
+// A triangle, amber or red, in a square of kIconSize; the styles' own icons do not scale
+// everywhere.
+void drawIcon(QPainter& painter, AlertStyle style) {
+    const bool isCritical = style == AlertStyle::Critical;
+    const QColor paper = isCritical ? QColor(0xC6, 0x28, 0x28) : QColor(0xF5, 0xB3, 0x01);
     const QPolygonF triangle({{24, 8}, {43, 41}, {5, 41}});
-    painter.setBrush(amber);
-    painter.setPen(QPen(amber, 7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));  // rounds corners
+    painter.setBrush(paper);
+    painter.setPen(QPen(paper, 7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));  // rounds corners
     painter.drawPolygon(triangle);
-    const QColor ink(0x3A, 0x2A, 0x00);
+    const QColor ink = isCritical ? QColor(0xFF, 0xFF, 0xFF) : QColor(0x3A, 0x2A, 0x00);
     painter.setPen(QPen(ink, 4.5, Qt::SolidLine, Qt::RoundCap));
     painter.drawLine(QPointF(24, 18), QPointF(24, 29));
     painter.setPen(Qt::NoPen);
@@ -77,7 +82,7 @@ AlertDialog::AlertDialog(const AlertTexts& texts, int timeoutMilliseconds)
 
     auto* upper = new QHBoxLayout;
     upper->setSpacing(kMargin);
-    upper->addWidget(makeIcon(), 0, Qt::AlignTop);
+    upper->addWidget(makeIcon(texts.style), 0, Qt::AlignTop);
     upper->addWidget(makeTexts(texts), 1);
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(kMargin, kMargin, kMargin, kMargin - 4);
@@ -104,7 +109,7 @@ AlertDialog::AlertDialog(const AlertTexts& texts, int timeoutMilliseconds)
     showTimeLeft();
 }
 
-QWidget* AlertDialog::makeIcon() {
+QWidget* AlertDialog::makeIcon(AlertStyle style) {
     auto* icon = new QLabel;
     const qreal scale = devicePixelRatioF();
     QPixmap pixmap(QSize(kIconSize, kIconSize) * scale);
@@ -112,7 +117,7 @@ QWidget* AlertDialog::makeIcon() {
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawWarning(painter);
+    drawIcon(painter, style);
     painter.end();
     icon->setPixmap(pixmap);
     return icon;
@@ -214,6 +219,7 @@ void AlertDialog::fadeCountdown() {
 
 void AlertDialog::showTimeLeft() {
     const qint64 seconds = (m_deadline.remainingTime() + 999) / 1000;
+    if (seconds > kLongestCountdown) return;
     m_countdown->setText(QStringLiteral("%1 in %2 s").arg(m_defaultLabel).arg(seconds));
 }
 

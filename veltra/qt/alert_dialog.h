@@ -17,6 +17,7 @@ namespace veltra {
 
 struct AlertTexts {
     QString title, header, message, defaultButton, alternateButton, otherButton;
+    AlertStyle style = AlertStyle::Warning;
 };
 
 class AlertDialog : public QDialog {
@@ -31,7 +32,7 @@ protected:
 
 private:
     QPushButton* addButton(const QString& label, AlertAnswer answer);
-    QWidget* makeIcon();
+    QWidget* makeIcon(AlertStyle style);
     QWidget* makeTexts(const AlertTexts& texts);
     QWidget* makeButtonRow(const AlertTexts& texts);
     void fitMessage();

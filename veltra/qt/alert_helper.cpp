@@ -43,6 +43,7 @@ Options parse(int count, char** arguments) {
     for (int index = 1; index < count; ++index) {
         const std::string_view argument = arguments[index];
         if (argument == "--dark") options.isDark = true;
+        if (argument == "--critical") options.texts.style = veltra::AlertStyle::Critical;
         for (const auto& [name, value] : values) {
             if (argument.starts_with(name))
                 *value = QString::fromUtf8(argument.substr(name.size()));

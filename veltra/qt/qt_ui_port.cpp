@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_ui_port.h"
 
+#include "veltra/platform/termination.h"
 #include "veltra/qt/painter_canvas.h"
 #include "veltra/qt/qt_image.h"
 #include "veltra/qt/qt_port.h"
@@ -20,6 +21,12 @@ namespace veltra {
 namespace {
 QtUiPort* s_installed = nullptr;
 WeakPointer<RunLoop>* s_loopBefore = nullptr;
+
+// On any thread; the loop is that of the main one.
+void endEventLoop() noexcept {
+    if (QCoreApplication* const application = QCoreApplication::instance())
+        QMetaObject::invokeMethod(application, &QCoreApplication::quit);
+}
 }  // namespace
 
 // One waitForEvent() on the stack.
@@ -38,6 +45,7 @@ bool QtUiPort::install() {
     if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) return false;
     s_installed = new QtUiPort;
     UiPort::install(s_installed);
+    if (const Terminator hosts = installTerminator(endEventLoop)) installTerminator(hosts);
     s_loopBefore = new WeakPointer<RunLoop>(RunLoop::setCurrent(&s_installed->m_runLoop));
     qAddPostRoutine(&QtUiPort::uninstall);  // called first thing when the application ends
     return true;
@@ -54,6 +62,8 @@ void QtUiPort::uninstall() {
         if (std::find(alive.begin(), alive.end(), surface) != alive.end()) surface->abandonWidget();
     }
     if (&UiPort::current() == port) UiPort::install(nullptr);
+    if (const Terminator present = installTerminator(nullptr); present != endEventLoop)
+        installTerminator(present);
     if (RunLoop::current() == &port->m_runLoop) RunLoop::setCurrent(s_loopBefore->get());
     s_installed = nullptr;
     delete std::exchange(s_loopBefore, nullptr);
@@ -139,7 +149,7 @@ void QtUiPort::eventWasPosted() {
 }
 
 void QtUiPort::terminate() {
-    QCoreApplication::quit();
+    endEventLoop();
 }
 
 // Text and pictures.

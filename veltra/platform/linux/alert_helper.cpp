@@ -5,23 +5,20 @@
 #include "veltra/platform/alert_protocol.h"
 #include "veltra/platform/linux/alert_helper_search.h"
 #include "veltra/platform/linux/alert_ways.h"
+#include "veltra/platform/linux/child_program.h"
 #include "veltra/platform/linux/deadline.h"
 #include "veltra/platform/linux/descriptor.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <new>
 #include <string>
 #include <utility>
 
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace veltra {
@@ -41,7 +38,8 @@ public:
                   argument("--default=", alert.defaultButton),
                   argument("--alternate=", alert.alternateButton),
                   argument("--other=", alert.otherButton),
-                  "--timeout=" + std::to_string(alert.timeout.wholeMilliseconds())} {
+                  "--timeout=" + std::to_string(alert.timeout.wholeMilliseconds()),
+                  alert.style == AlertStyle::Critical ? "--critical" : "--plain"} {
         std::transform(m_texts.begin(), m_texts.end(), m_pointers.begin(),
                        [](std::string& text) { return text.data(); });
     }
@@ -57,78 +55,10 @@ private:
         return text;
     }
 
-    static constexpr std::size_t kCount = 8;
+    static constexpr std::size_t kCount = 9;
     std::array<std::string, kCount> m_texts;
     std::array<char*, kCount + 1> m_pointers{};
 };
-
-// What the child gets: the socket as standard input and output, nothing else of ours, no signal
-// handling of the host's, and no rights that the user did not have.
-class SpawnSettings {
-public:
-    explicit SpawnSettings(int socket) noexcept {
-        m_hasActions = ::posix_spawn_file_actions_init(&m_actions) == 0;
-        m_hasAttributes = ::posix_spawnattr_init(&m_attributes) == 0;
-        if (m_hasActions && m_hasAttributes) m_isReady = redirect(socket) && resetSignals();
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-    ~SpawnSettings() {
-        if (m_hasActions) ::posix_spawn_file_actions_destroy(&m_actions);
-        if (m_hasAttributes) ::posix_spawnattr_destroy(&m_attributes);
-    }
-
-    // The process id, or -1.
-    pid_t spawn(const char* program, char* const* arguments) const noexcept {
-        pid_t child = -1;
-        if (!m_isReady) return -1;
-        if (::posix_spawn(&child, program, &m_actions, &m_attributes, arguments, environ) != 0) {
-            return -1;
-        }
-        return child;
-    }
-
-private:
-    // The host may have closed any of 0 to 2, so that the socket itself may have such a number: it
-    // moves to 1 before anything is put on 0 and 2.
-    bool redirect(int socket) noexcept {
-        return ::posix_spawn_file_actions_adddup2(&m_actions, socket, STDOUT_FILENO) == 0 &&
-               ::posix_spawn_file_actions_adddup2(&m_actions, STDOUT_FILENO, STDIN_FILENO) == 0 &&
-               ::posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY,
-                                                  0) == 0 &&
-               ::posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1) == 0;
-    }
-
-    bool resetSignals() noexcept {
-        sigset_t none;
-        sigset_t all;
-        ::sigemptyset(&none);
-        ::sigfillset(&all);
-        constexpr short kFlags =
-            POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_RESETIDS;
-        return ::posix_spawnattr_setsigmask(&m_attributes, &none) == 0 &&
-               ::posix_spawnattr_setsigdefault(&m_attributes, &all) == 0 &&
-               ::posix_spawnattr_setflags(&m_attributes, kFlags) == 0;
-    }
-
-    posix_spawn_file_actions_t m_actions{};
-    posix_spawnattr_t m_attributes{};
-    bool m_hasActions = false;
-    bool m_hasAttributes = false;
-    bool m_isReady = false;
-};
-
-// Kills what is left of the child and takes its status. A child that is no longer ours, because the
-// host ignores SIGCHLD or reaps everything itself, is not killed: its number may be another's now.
-void endChild(pid_t child) noexcept {
-    siginfo_t information{};
-    const auto id = static_cast<id_t>(child);
-    if (::waitid(P_PID, id, &information, WEXITED | WNOHANG | WNOWAIT) == 0) {
-        ::kill(child, SIGKILL);
-    }
-    while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-    }
-}
 
 std::optional<AlertAnswer> answerOf(std::string_view line) noexcept {
     const auto* const word =
@@ -177,7 +107,8 @@ std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
         Arguments arguments(alert, program);
 
         const Deadline deadline(alert.timeout + grace);
-        const pid_t child = SpawnSettings(theirs.number()).spawn(program, arguments.list());
+        const pid_t child = startProgram(program, arguments.list(), environ, theirs.number(),
+                                         ChildInput::SameAsOutput);
         theirs.close();
         if (child < 0) return std::nullopt;
 
@@ -186,7 +117,7 @@ std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
         if (answer && !deadline.hasPassed()) {
             waitFor(ours.number(), POLLIN, Deadline(std::min(grace, seconds(1.0))));
         }
-        endChild(child);
+        endProgram(child);
         return answer;
     } catch (const std::bad_alloc&) {
         return std::nullopt;

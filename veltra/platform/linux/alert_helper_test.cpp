@@ -89,7 +89,7 @@ TEST_F(AlertHelperTest, TextsArriveAsTheyAreAndNothingElseOfTheHostDoes) {
     EXPECT_THAT(std::string(std::istreambuf_iterator<char>(written), {}),
                 AllOf(HasSubstr("[--header=-h][--message=--message=-x\nline\xC3\xA9]"
                                 "[--default=Resume][--alternate=Debugger][--other=-Stop]"
-                                "[--timeout=300]"),
+                                "[--timeout=300][--plain]"),
                       HasSubstr("/fd/1"), Not(HasSubstr("/fd/77")), Not(HasSubstr("survives"))));
     ::close(leaky);
 }

@@ -75,16 +75,20 @@ public:
         addButton("  2  ", alert.alternateButton);
         addButton("  3  ", alert.otherButton);
         addPlain("Number, or Return for 1");
-        std::array<char, 32> seconds{};
-        std::snprintf(seconds.data(), seconds.size(), " (within %.0f s)",
-                      std::ceil(alert.timeout.seconds()));
-        addPlain(seconds.data());
+        if (alert.timeout <= kLongestCountdown) {
+            std::array<char, 32> seconds{};
+            std::snprintf(seconds.data(), seconds.size(), " (within %.0f s)",
+                          std::ceil(alert.timeout.seconds()));
+            addPlain(seconds.data());
+        }
         addPlain(": ");
     }
 
     std::string_view text() const noexcept { return {m_text.data(), m_length}; }
 
 private:
+    // A question that may stand longer does not press anybody.
+    static constexpr Nanoseconds kLongestCountdown = seconds(3600.0);
     static constexpr std::size_t kHeaderLimit = 512;
     static constexpr std::size_t kMessageLimit = 6144;
     static constexpr std::size_t kButtonLimit = 128;

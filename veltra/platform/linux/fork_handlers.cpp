@@ -19,11 +19,13 @@ namespace veltra {
 namespace {
 
 using Locks = std::array<std::atomic<AdaptiveLock*>, 16>;
+using ChildHandler = void (*)() noexcept;
 
 // Locks are stored with release order and loaded with acquire order: they are seen as they were
 // when they were added.
 constinit Locks resetLocks{};
 constinit Locks heldLocks{};
+constinit std::array<std::atomic<ChildHandler>, 16> childHandlers{};  // likewise
 
 // How many of heldLocks this thread's fork has taken: a lock may be added in the middle of a fork.
 VELTRA_NEVER_ALLOCATED constinit thread_local std::size_t takenCount = 0;
@@ -52,6 +54,8 @@ void inChild() noexcept {
         lock->reset();
     for (; takenCount > 0; --takenCount)
         lockAt(heldLocks, takenCount - 1)->reset();
+    for (const auto& place : childHandlers)
+        if (const ChildHandler handler = place.load(std::memory_order_acquire)) handler();
 }
 
 // False when memory is out: then a child suffers that is forked while another thread holds a lock.
@@ -61,24 +65,34 @@ bool areHandlersTaken() noexcept {
 }
 
 [[noreturn]] void endForWantOfRoom() noexcept {
-    constexpr std::string_view kMessage = "veltra: too many locks have a fork handler\n";
+    constexpr std::string_view kMessage = "veltra: too many fork handlers\n";
     [[maybe_unused]] const ssize_t written =
         ::write(STDERR_FILENO, kMessage.data(), kMessage.size());
     std::abort();
 }
 
-}  // namespace
-
-void addForkHandler(const ForkHandler& handler) noexcept {
-    for (auto& place : handler.policy == ForkPolicy::HoldAcross ? heldLocks : resetLocks) {
-        AdaptiveLock* present = nullptr;
-        if (place.compare_exchange_strong(present, &handler.lock, std::memory_order_acq_rel) ||
-            present == &handler.lock) {
+// Puts `entry` into the first free place, unless it is there already.
+template <typename Places, typename Entry>
+void add(Places& places, Entry entry) noexcept {
+    for (auto& place : places) {
+        Entry present = nullptr;
+        if (place.compare_exchange_strong(present, entry, std::memory_order_acq_rel) ||
+            present == entry) {
             areHandlersTaken();
             return;
         }
     }
     endForWantOfRoom();
+}
+
+}  // namespace
+
+void addForkHandler(const ForkHandler& handler) noexcept {
+    add(handler.policy == ForkPolicy::HoldAcross ? heldLocks : resetLocks, &handler.lock);
+}
+
+void addChildHandler(void (*handler)() noexcept) noexcept {
+    add(childHandlers, handler);
 }
 
 bool isHeldByThisFork(const AdaptiveLock& lock) noexcept {

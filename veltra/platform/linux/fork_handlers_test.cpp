@@ -80,7 +80,7 @@ TEST(ForkHandlersDeathTest, TooManyLocksEndTheProcessWithAMessage) {
             for (AdaptiveLock& lock : locks)
                 addForkHandler({lock, policy});
         };
-        EXPECT_DEATH(addAll(), "too many locks");
+        EXPECT_DEATH(addAll(), "too many fork handlers");
     }
 }
 

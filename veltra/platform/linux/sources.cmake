@@ -6,8 +6,10 @@ set(PORT_SOURCES
     alert_terminal.cpp
     allocation_zone.cpp
     c_locale.cpp
+    child_program.cpp
     clock.cpp
     deadline.cpp
+    exception_type.cpp
     file_system.cpp
     fork_generation.cpp
     fork_handlers.cpp
@@ -32,6 +34,7 @@ set(PORT_SOURCES
     stack_walk.cpp
     standard_error.cpp
     symbol_names.cpp
+    symboliser.cpp
     system_files.cpp
     system_queries.cpp
     table_walk.cpp
@@ -56,6 +59,7 @@ set(PORT_TESTS
     stack_walk_test.cpp
     standard_error_test.cpp
     symbol_names_test.cpp
+    symboliser_test.cpp
     system_queries_test.cpp
     volumes_test.cpp)
 if(VELTRA_BACKTRACE)

@@ -35,6 +35,26 @@ _Unwind_Reason_Code step(_Unwind_Context* unwinder, void* argument) noexcept {
     return _URC_NO_REASON;
 }
 
+struct Capture {
+    std::span<std::uintptr_t> addresses;
+    std::size_t skipped;
+    std::size_t count = 0;
+};
+
+_Unwind_Reason_Code capture(_Unwind_Context* unwinder, void* argument) noexcept {
+    Capture& calls = *static_cast<Capture*>(argument);
+    int isBeforeInstruction = 0;  // where a signal has interrupted
+    const std::uintptr_t address = _Unwind_GetIPInfo(unwinder, &isBeforeInstruction);
+    if (address == 0 || calls.count == calls.addresses.size()) return _URC_END_OF_STACK;
+    if (calls.skipped > 0) {
+        --calls.skipped;
+    } else {
+        // A return address may belong to the next function already.
+        calls.addresses[calls.count++] = isBeforeInstruction != 0 ? address : address - 1;
+    }
+    return _URC_NO_REASON;
+}
+
 }  // namespace
 
 bool ZoneExit::isZone(std::uintptr_t returnAddress) noexcept {
@@ -49,6 +69,14 @@ void walkByUnwinder(FrameVisitor visit, void* context, std::size_t visited) noex
 void walkCallers(FrameVisitor visit, void* context) noexcept {
     const TableWalk walk = walkByTables(visit, context);
     if (!walk.isDone) walkByUnwinder(visit, context, walk.visited);
+}
+
+[[gnu::noinline]] std::size_t captureCalls(std::span<std::uintptr_t> addresses,
+                                           std::size_t skipped) noexcept {
+    constexpr std::size_t kOwn = 1;  // the frame of this function
+    Capture calls{addresses, skipped < SIZE_MAX ? skipped + kOwn : skipped};
+    _Unwind_Backtrace(capture, &calls);
+    return calls.count;
 }
 
 FrameIdentity callerFrame(int up) noexcept {

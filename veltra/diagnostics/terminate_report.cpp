@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/diagnostics/terminate_report.h"
+
+#include "veltra/base/exception.h"
+#include "veltra/base/object_file.h"
+#include "veltra/diagnostics/detail/backtrace_text.h"
+#include "veltra/diagnostics/detail/failure_report.h"
+#include "veltra/platform/exception_type.h"
+#include "veltra/platform/symbol_names.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <exception>
+
+namespace veltra {
+
+namespace {
+
+constinit std::atomic<std::terminate_handler> handlerBefore{nullptr};
+
+// Its address names the thread.
+VELTRA_NEVER_ALLOCATED constinit thread_local char threadMark = 0;
+
+constinit std::atomic<const void*> reporter{nullptr};  // the thread that writes the report
+constinit std::atomic<bool> isWritten{false};
+
+// A foreign exception (of another language, or the cancellation of a thread) counts as none: it
+// must not be looked at.
+void appendCurrentException(TextBuffer& text) noexcept {
+    if (std::current_exception() == nullptr) {
+        text.append("Terminated without an exception of C++.");
+        return;
+    }
+    text.append("Not caught: ");
+    try {
+        throw;
+    } catch (const Exception& exception) {
+        text.append(exception.what());
+    } catch (const std::exception& exception) {
+        text.append(currentExceptionType().data());
+        text.append(": ");
+        text.append(exception.what());
+    } catch (...) {
+        text.append(currentExceptionType().data());
+    }
+}
+
+[[gnu::noinline]] void writeReport() noexcept {
+    const detail::FailureReport report;
+    detail::Calls calls;
+    calls.capture(1);
+    LocalTextBuffer<512> text;
+    appendCurrentException(text);
+    report.log(text.view(), calls.addresses());
+}
+
+// Several threads may come here. The first reports; others wait for it, because whoever is done
+// ends the process. A failure of the report itself ends it at once.
+[[noreturn]] void reportAndGoOn() noexcept {
+    const void* other = nullptr;
+    if (reporter.compare_exchange_strong(other, &threadMark, std::memory_order_relaxed)) {
+        writeReport();
+        isWritten.store(true, std::memory_order_release);  // with wait()
+        isWritten.notify_all();
+    } else if (other != &threadMark) {
+        isWritten.wait(false, std::memory_order_acquire);  // with store()
+    }
+    const std::terminate_handler before = handlerBefore.load(std::memory_order_acquire);
+    if (before != nullptr) before();
+    std::abort();
+}
+
+}  // namespace
+
+extern "C" void VLInstallTerminateHandler() noexcept {
+    if (std::get_terminate() == reportAndGoOn) return;
+    prepareSymbolNames();
+    handlerBefore.store(std::get_terminate(), std::memory_order_release);  // with reportAndGoOn()
+    std::set_terminate(reportAndGoOn);
+}
+
+}  // namespace veltra

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/diagnostics/terminate_report.h"
+
+#include "veltra/base/exception.h"
+#include "veltra/diagnostics/testing/ended_child.h"
+#include "veltra/platform/symboliser.h"
+
+#include <exception>
+#include <stdexcept>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+extern "C" void veltraCallFromCWithoutTables(void (*function)(void*), void* context);
+
+namespace veltra {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+struct Blunt final : Symboliser {  // fails while it reports
+    std::string symbolise(std::span<const std::uintptr_t>) noexcept override { std::terminate(); }
+};
+
+[[gnu::noinline]] void throwsForTheReport() {
+    throw std::runtime_error("half");
+}
+
+TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
+    const struct {
+        void (*fail)();
+        const char* text;
+    } cases[] = {
+        {[] { raiseException("Name", "reason"); }, "Not caught: Name: reason\n"},
+        {throwsForTheReport, "Not caught: std::runtime_error: half\n"},
+        {[] { std::thread(throwsForTheReport).join(); }, "std::runtime_error: half\n"},
+        {[] { throw 7; }, "Not caught: int\n"},
+        {[] { std::terminate(); }, "Terminated without an exception of C++.\n"},
+        {[] { veltraCallFromCWithoutTables([](void*) { throwsForTheReport(); }, nullptr); },
+         "std::runtime_error: half\n"},
+        {[] {
+             new std::thread(throwsForTheReport);  // as no destructor is to end it
+             throwsForTheReport();
+         },
+         "std::runtime_error: half\n"},
+    };
+    for (const auto& [fail, text] : cases) {
+        const testing::EndedChild ended = testing::endedChild([fail = fail]() noexcept {
+            VLInstallTerminateHandler();
+            VLInstallTerminateHandler();
+            fail();
+        });
+        EXPECT_TRUE(ended.wasKilledBy(SIGABRT)) << text;
+        EXPECT_THAT(ended.log, AllOf(HasSubstr("unexpected error. ****\n\n"), HasSubstr(text)));
+        if (fail == throwsForTheReport) {
+            EXPECT_THAT(ended.log, HasSubstr("throwsForTheReport"));
+        }
+    }
+}
+
+TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
+    const auto ended = [](bool isBlunt) {
+        return testing::endedChild([isBlunt]() noexcept {
+            Blunt blunt;
+            if (isBlunt) Symboliser::install(&blunt);
+            std::set_terminate([] { ::_exit(5); });
+            VLInstallTerminateHandler();
+            throwsForTheReport();
+        });
+    };
+    for (const bool isBlunt : {false, true}) {
+        EXPECT_TRUE(ended(isBlunt).hasExited(5));
+        EXPECT_THAT(ended(isBlunt).log, HasSubstr("half"));
+    }
+}
+
+}  // namespace
+}  // namespace veltra
