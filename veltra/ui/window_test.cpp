@@ -5,17 +5,10 @@
 #include "veltra/ui/panel.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 
 using ::testing::ElementsAre;
-
-struct Host final : Anchored {
-    void changed(Control& sender) { last = &sender; }
-    Control* last = nullptr;
-};
 
 struct Listener final : View {
     using View::View;
@@ -51,9 +44,9 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     host.window.makeFirstResponder(buttons[2]);
     host.key(kTabCharacter);
     EXPECT_EQ(host.window.firstResponder(), buttons[0]);
-    Host target;
+    Receiver target;
     buttons[0]->setTarget(&target);
-    buttons[0]->setAction(action<&Host::changed>());
+    buttons[0]->setAction(action<&Receiver::act>());
     host.key(u' ');
     EXPECT_EQ(target.last, buttons[0]);
     buttons[0]->setHidden(true);
@@ -120,12 +113,9 @@ TEST(Windows, AskTheirViewsAboutPressesThatActivateOrMove) {
     HostedView host(std::make_unique<Listener>(Rect{{}, {100, 100}}));
     auto& view = static_cast<Listener&>(*host.window.contentView());
     const auto press = [&host](bool isFirst) {
-        Event event;
-        event.type = EventType::LeftMouseDown;
+        Event event = host.eventAt(EventType::LeftMouseDown, {5, 5});
         event.clickCount = 1;
         event.isFirstMouse = isFirst;
-        event.window = &host.window;
-        event.locationInWindow = {5, 5};
         Application::current().postEvent(event);
         host.release({5, 5});
     };
