@@ -22,14 +22,17 @@ struct Listener final : View {
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
 };
 
+std::vector<Button*> addButtons(View& root, std::initializer_list<float> places) {
+    std::vector<Button*> buttons;
+    for (const float x : places)
+        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
+    return buttons;
+}
+
 TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
-    std::vector<Button*> buttons;
-    for (const float x : {0.0F, 30.0F, 60.0F}) {
-        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
-    }
+    const auto buttons = addButtons(*host.window.contentView(), {0.0F, 30.0F, 60.0F});
     host.window.keyboardArrives(true);
     EXPECT_EQ(host.window.firstResponder(), buttons[0]);
     buttons[1]->setEnabled(false);
@@ -56,11 +59,8 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
 TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
-    std::vector<Button*> buttons;
-    for (const float x : {0.0F, 120.0F, 30.0F, 60.0F}) {  // the second is out of sight
-        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
-    }
+    const auto buttons = addButtons(*host.window.contentView(),
+                                    {0.0F, 120.0F, 30.0F, 60.0F});  // the second is out of sight
     host.window.keyboardArrives(true);
     host.key(kTabCharacter);
     EXPECT_EQ(host.window.firstResponder(), buttons[2]);
@@ -78,7 +78,6 @@ TEST(Windows, KeepToTheirLimitsAndPanelsLeaveTheMainWindowAlone) {
     ScriptedPort port;
     Window window(Rect{{0, 0}, {300, 200}});
     Panel panel(Rect{{0, 0}, {100, 100}});
-    EXPECT_TRUE(panel.isPanel());
     window.setMinSize({200, 150});
     window.setMaxSize({400, 100});  // below the minimum
     window.setFrame({{5, 6}, {1000, 1000}});
