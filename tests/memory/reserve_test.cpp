@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The memory reserve on the process's own zone.
 #include "tests/memory/real_zone.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/memory/testing/zone_stress.h"
 
 #include <fstream>
 #include <new>
-#include <string>
 
-#include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/resource.h>
 
