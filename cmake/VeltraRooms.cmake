@@ -67,7 +67,8 @@ if(VELTRA_TESTS AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
         ONLY_IF_DIFFERENT)
     add_executable(veltra_test_headers EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/test_headers.cpp")
     target_link_libraries(veltra_test_headers PRIVATE veltra_flags GTest::gmock)
-    target_precompile_headers(veltra_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+    target_precompile_headers(veltra_test_headers PRIVATE
+        <gmock/gmock.h> "${PROJECT_SOURCE_DIR}/veltra/base/testing/prelude.h")
 endif()
 
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a

@@ -2,9 +2,7 @@
 #include "audio_file.h"
 
 #include "test_recordings.h"
-
-#include <array>
-#include <cmath>
+#include "veltra/base/testing/prelude.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "channel_plan.h"
 
-#include <array>
+#include "veltra/base/testing/prelude.h"
 
-#include <gtest/gtest.h>
 #include <sndfile.h>
 
 namespace veltra::console {

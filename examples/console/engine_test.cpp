@@ -4,10 +4,7 @@
 #include "audio_output.h"
 #include "block.h"
 #include "test_recordings.h"
-
-#include <algorithm>
-#include <array>
-#include <cmath>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra::console {
 namespace {

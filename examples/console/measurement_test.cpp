@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "measurement.h"
 
-#include <cmath>
-#include <limits>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra::console {
 namespace {

@@ -3,9 +3,7 @@
 
 #include "overview_reader.h"
 #include "test_recordings.h"
-
-#include <cmath>
-#include <numbers>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra::console {
 namespace {

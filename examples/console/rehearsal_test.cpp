@@ -2,6 +2,7 @@
 #include "rehearsal.h"
 
 #include "test_recordings.h"
+#include "veltra/base/testing/prelude.h"
 
 #include <gmock/gmock.h>
 

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The program as a child: what it reports must be in order, and what it leaves behind intact.
 #include "../console/test_recordings.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/allocation_zone.h"
 #include "veltra/processor/checksum.h"
-
-#include <algorithm>
-#include <cstdio>
 
 #include <gmock/gmock.h>
 #include <unistd.h>

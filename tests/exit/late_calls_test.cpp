@@ -2,6 +2,7 @@
 // A host's last words: the destructor of an object that was made before anything of the library
 // runs when all that was made later is gone, and may still call everything.
 #include "veltra/base/exception.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/assertion.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/platform/alert.h"
@@ -22,12 +23,6 @@
 #include "veltra/ui/port.h"
 #include "veltra/ui/tool_tip.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <cstdlib>
-
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace veltra {

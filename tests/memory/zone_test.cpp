@@ -2,17 +2,11 @@
 // The zone of a host that links the library: a program of its own, because the rooms' tests link no
 // interposer.
 #include "tests/memory/real_zone.h"
+#include "veltra/base/testing/prelude.h"
 
-#include <cerrno>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <new>
-#include <string>
-#include <thread>
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <malloc.h>
 
 namespace veltra {

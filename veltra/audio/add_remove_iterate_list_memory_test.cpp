@@ -2,17 +2,9 @@
 // The tests of one thread. They replace operator new and delete; the thread sanitizer brings its
 // own, so they are not part of its build.
 #include "veltra/audio/add_remove_iterate_list.h"
+#include "veltra/base/testing/prelude.h"
 
-#include <atomic>
-#include <cstdlib>
-#include <functional>
 #include <new>
-#include <optional>
-#include <random>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 namespace {
 

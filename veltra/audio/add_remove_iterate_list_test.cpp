@@ -1,15 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/add_remove_iterate_list.h"
 
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <memory>
-#include <thread>
-#include <utility>
-#include <vector>
+#include "veltra/base/testing/prelude.h"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 namespace veltra {
@@ -86,13 +79,12 @@ TEST(AddRemoveIterateList, ManyProducersLoseNothingAndNothingRemovedIsCalled) {
             if (first != gone && (next < kLive || first != gone + 1)) ++passes.faults;
         }
     };
-    std::vector<std::thread> producers;
+    std::vector<std::jthread> producers;
     for (std::uint32_t i = 0; i < kProducers; ++i)
         producers.emplace_back(produce, i);
     while (running > 0)
         iterate();
-    for (std::thread& producer : producers)
-        producer.join();
+    producers.clear();
     iterate();
     for (const auto& run : passes.runs)
         EXPECT_EQ(run.first, kEntries - kLive);

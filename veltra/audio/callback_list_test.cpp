@@ -2,17 +2,9 @@
 #include "veltra/audio/callback_list.h"
 
 #include "veltra/audio/detail/request_chain.h"
-
-#include <array>
-#include <atomic>
-#include <deque>
-#include <memory>
-#include <random>
-#include <thread>
-#include <vector>
+#include "veltra/base/testing/prelude.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
@@ -161,13 +153,12 @@ TEST(CallbackList, ContextsMayDieWhenTheirTicketsAreSafe) {
         }
         --running;
     };
-    std::vector<std::thread> producers;
+    std::vector<std::jthread> producers;
     for (int producer = 0; producer < kProducers; ++producer)
         producers.emplace_back(produce, producer);
     for (; running > 0; ++passes)
         list.iterate(0, nullptr);
-    for (std::thread& producer : producers)
-        producer.join();
+    producers.clear();
     EXPECT_EQ(collected + list.collect(), std::size_t{kProducers} * kVoices);  // half of two each
     EXPECT_TRUE(called(list).empty());
     for (const int count : heard)

@@ -2,16 +2,7 @@
 #include "veltra/audio/channel_layout.h"
 
 #include "veltra/audio/surround_names.h"
-
-#include <algorithm>
-#include <bit>
-#include <map>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

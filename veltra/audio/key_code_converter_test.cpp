@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/key_code_converter.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/text_services.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <string_view>
-#include <tuple>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
@@ -114,44 +108,37 @@ TEST_F(KeyCodeConverter, CodesAndCharactersOfKeysThatActAgree) {
 TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
     const bool hasCapitals = TextServices::current().toUpper(u"\u00E4").has_value();
-    const std::tuple<const char*, std::uint16_t, const char*, bool> cases[] = {
-        {"us", 0x00, "a", false},
-        {"us", 0x32, "`", false},
-        {"us", 0x41, ".", false},
-        {"de", 0x10, "z", false},
-        {"de", 0x21, "\u00FC", false},
-        {"de", 0x32, "^", true},
-        {"de", 0x18, "\u00B4", true},
-        {"de", 0x41, ",", false},
-        {"de", 0x1B, "\u00DF", false},
-        {"fr", 0x00, "q", false},
-        {"fr", 0x0C, "a", false},
-        {"fr", 0x12, "&", false},
-        {"fr", 0x21, "^", true},
-        {"us", 0x7B, "\x1C", false},
-        {"us", 0x4C, "\x03", false},
-        {"us", 0x38, "", false},
-        {"us", 0x34, "", false},
-        {"us", 0x80, "", false},
-        {"us", 0xFFFF, "", false},
+    using Keys = std::vector<std::pair<std::uint16_t, const char*>>;
+    const struct {
+        const char* layout;
+        Keys plain, dead;
+    } cases[] = {
+        {"us", {{0x00, "a"}, {0x32, "`"}, {0x41, "."}, {0x7B, "\x1C"}, {0x4C, "\x03"}}, {}},
+        {"us", {{0x38, ""}, {0x34, ""}, {0x80, ""}, {0xFFFF, ""}}, {}},
+        {"de",
+         {{0x10, "z"}, {0x21, "\u00FC"}, {0x41, ","}, {0x1B, "\u00DF"}},
+         {{0x32, "^"}, {0x18, "\u00B4"}}},
+        {"fr", {{0x00, "q"}, {0x0C, "a"}, {0x12, "&"}}, {{0x21, "^"}}},
         // Where Num Lock changes every key, but may change only the keypad's.
-        {"de(neo)", 0x00, "u", false},
-        {"de(neo)", 0x53, "1", false},
-        {"am(eastern)", 0x00, "\u0561", false},
-        {"am(western)", 0x00, "\u0561", false},
-        {"am(eastern-alt)", 0x00, "\u0561", false},
-        {"cm(azerty)", 0x00, "q", false},
-        {"cm(dvorak)", 0x00, "a", false},
+        {"de(neo)", {{0x00, "u"}, {0x53, "1"}}, {}},
+        {"am(eastern)", {{0x00, "\u0561"}}, {}},
+        {"am(western)", {{0x00, "\u0561"}}, {}},
+        {"am(eastern-alt)", {{0x00, "\u0561"}}, {}},
+        {"cm(azerty)", {{0x00, "q"}}, {}},
+        {"cm(dvorak)", {{0x00, "a"}}, {}},
         // Accents that are only for letters, and others.
-        {"vn(us)", 0x2C, "\u25CC\u0309", true},
-        {"vn(us)", 0x2F, "\u25CC\u0323", true},
-        {"vn(fr)", 0x2B, "\u25CC\u0323", true},
-        {"gr(polytonic)", 0x1E, "\u037A", true}};
-    for (const auto& [layout, code, text, isDead] : cases) {
-        use(layout);
-        bool isDeadKey = !isDead;
-        EXPECT_EQ(Converter::translateKeyCode(code, isDeadKey, false), text) << layout << code;
-        EXPECT_EQ(isDeadKey, isDead) << layout << code;
+        {"vn(us)", {}, {{0x2C, "\u25CC\u0309"}, {0x2F, "\u25CC\u0323"}}},
+        {"vn(fr)", {}, {{0x2B, "\u25CC\u0323"}}},
+        {"gr(polytonic)", {}, {{0x1E, "\u037A"}}}};
+    for (const auto& one : cases) {
+        use(one.layout);
+        for (const bool isDead : {false, true})
+            for (const auto& [code, text] : isDead ? one.dead : one.plain) {
+                bool isDeadKey = !isDead;
+                EXPECT_EQ(Converter::translateKeyCode(code, isDeadKey, false), text)
+                    << one.layout << code;
+                EXPECT_EQ(isDeadKey, isDead) << one.layout << code;
+            }
     }
     use("de");
     EXPECT_EQ(Converter::stringForKeycode(0x10, Converter::kCommand), "\u2318Z");

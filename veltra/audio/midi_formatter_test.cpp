@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/midi_formatter.h"
 
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

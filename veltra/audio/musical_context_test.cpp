@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/musical_context.h"
 
-#include <cstdlib>
-#include <limits>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

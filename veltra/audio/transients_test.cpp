@@ -2,22 +2,13 @@
 #include "veltra/audio/transients.h"
 
 #include "veltra/audio/detail/distribution_sort.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/indent_stack.h"
 
-#include <algorithm>
-#include <bit>
-#include <cmath>
-#include <cstring>
 #include <initializer_list>
 #include <iostream>
-#include <limits>
 #include <locale>
-#include <map>
-#include <random>
-#include <sstream>
-#include <vector>
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 namespace veltra {
@@ -56,39 +47,34 @@ std::map<std::string, List> lists(std::size_t size) {
                                           0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC00000,
                                           0x7F7FFFFF, 0xC0400000};
     constexpr std::int64_t kEnds[] = {Limits::min(), Limits::min() + 1, -1, 0, 1, Limits::max()};
-    std::map<std::string, List> all;
-    const auto add = [&](const char* name, auto positionAt, auto energyAt) {
-        for (std::int64_t index = 0; index < static_cast<std::int64_t>(size); ++index)
-            all[name].push_back({positionAt(index), static_cast<float>(energyAt(index))});
-    };
     using Index = std::int64_t;
-    add(
-        "random", [&](Index) { return static_cast<Index>(random()); },
-        [&](Index) { return std::ldexp(below(1 << 24), -24); });
-    add(
-        "few values", [&](Index) { return below(7); }, [&](Index) { return below(3); });
-    add(
-        "extreme", [&](Index) { return kEnds[below(6)]; },
-        [&](Index) { return std::bit_cast<float>(kSpecial[below(10)]); });
-    add(
-        "clustered", [&](Index) { return (Index{1} << below(63)) - below(5); },
-        [&](Index) { return std::ldexp(1.0F, static_cast<int>(below(200)) - 100); });
-    add(
-        "equal", [](Index) { return 1; }, [](Index) { return 1; });
-    add(
-        "reversed", [](Index index) { return -index; }, [](Index index) { return -index; });
-    add(
-        "sorted", [](Index index) { return index / 3; }, [](Index index) { return index / 2; });
     const auto half = static_cast<Index>(size / 2);
-    add(
-        "up, then down", [&](Index index) { return index < half ? index : 2 * half - index; },
-        [&](Index index) { return std::min(index, 9 * (2 * half - index)); });
-    add(
-        "two takes", [&](Index index) { return index % (half + 1); },
-        [&](Index index) { return index % (half + 1); });
-    add(
-        "jittering", [&](Index index) { return 10 * index + below(100); },
-        [&](Index index) { return index + below(5); });
+    const struct {
+        const char* name;
+        std::function<Index(Index)> positionAt;
+        std::function<double(Index)> energyAt;
+    } kinds[] = {
+        {"random", [&](Index) { return static_cast<Index>(random()); },
+         [&](Index) { return std::ldexp(below(1 << 24), -24); }},
+        {"few values", [&](Index) { return below(7); }, [&](Index) { return below(3); }},
+        {"extreme", [&](Index) { return kEnds[below(6)]; },
+         [&](Index) { return std::bit_cast<float>(kSpecial[below(10)]); }},
+        {"clustered", [&](Index) { return (Index{1} << below(63)) - below(5); },
+         [&](Index) { return std::ldexp(1.0F, static_cast<int>(below(200)) - 100); }},
+        {"equal", [](Index) { return 1; }, [](Index) { return 1; }},
+        {"reversed", [](Index index) { return -index; }, [](Index index) { return -index; }},
+        {"sorted", [](Index index) { return index / 3; }, [](Index index) { return index / 2; }},
+        {"up, then down", [&](Index index) { return index < half ? index : 2 * half - index; },
+         [&](Index index) { return std::min(index, 9 * (2 * half - index)); }},
+        {"two takes", [&](Index index) { return index % (half + 1); },
+         [&](Index index) { return index % (half + 1); }},
+        {"jittering", [&](Index index) { return 10 * index + below(100); },
+         [&](Index index) { return index + below(5); }}};
+    std::map<std::string, List> all;
+    for (const auto& kind : kinds)
+        for (Index index = 0; index < static_cast<Index>(size); ++index)
+            all[kind.name].push_back(
+                {kind.positionAt(index), static_cast<float>(kind.energyAt(index))});
     for (const std::uint64_t oneIn : {100U, 12U, 4U}) {
         List list = all["sorted"];
         for (std::size_t index = 0; index + 1 < size; ++index) {
@@ -204,15 +190,6 @@ TEST(Transients, UniquePositionsKeepTheFirstTransientAtEach) {
     EXPECT_FALSE(list.AreUniqueAndSortedByPos());
 }
 
-template <typename Action>
-std::string writtenToCout(Action action) {
-    std::ostringstream captured;
-    std::streambuf* const before = std::cout.rdbuf(captured.rdbuf());
-    action();
-    std::cout.rdbuf(before);
-    return captured.str();
-}
-
 TEST(Transients, TracesEndWithTheAddressOfTheStream) {
     const CTransient one = {-5'000'000'000, 0.1F, 0, 2.5F, {}, 1e9F};
     const List list = {one, {}};
@@ -233,15 +210,15 @@ TEST(Transients, TracesEndWithTheAddressOfTheStream) {
     EXPECT_EQ(one.TraceStr(), full);
     EXPECT_EQ(list.TraceStr(), "CTransients: size  2\n" + full + "\n" + second);
     EXPECT_EQ(texts.str(), one.TraceStr() + list.TraceStr());
-    EXPECT_EQ(writtenToCout([&] { one.Trace(); }), full + address.str());
-    EXPECT_EQ(writtenToCout([&] { one.TraceBrief(); }),
+    EXPECT_EQ(testing::printed([&] { one.Trace(); }), full + address.str());
+    EXPECT_EQ(testing::printed([&] { one.TraceBrief(); }),
               "CTransient: pos -5000000000, Energy 0.1, FreqHz 1e+09" + address.str());
-    EXPECT_EQ(writtenToCout([&] { list.Trace(); }), list.TraceStr() + address.str());
-    EXPECT_EQ(writtenToCout([&] { list.TraceBrief(); }), "CTransients: size  2" + address.str());
+    EXPECT_EQ(testing::printed([&] { list.Trace(); }), list.TraceStr() + address.str());
+    EXPECT_EQ(testing::printed([&] { list.TraceBrief(); }), "CTransients: size  2" + address.str());
 
     ASSERT_TRUE(traceIndents().push(3));
     std::ostringstream block;
-    EXPECT_EQ(writtenToCout([&] { TraceOutContainer(block, list, "onsets", 7); }), "      ");
+    EXPECT_EQ(testing::printed([&] { TraceOutContainer(block, list, "onsets", 7); }), "      ");
     ASSERT_TRUE(traceIndents().push(-3));
     EXPECT_EQ(block.str(), full + second);
 }

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/action.h"
 
-#include <memory>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

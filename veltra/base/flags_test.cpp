@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/flags.h"
 
-#include <cstdint>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

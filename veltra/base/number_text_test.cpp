@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/number_text.h"
 
-#include <cstdint>
-#include <cstdio>
-#include <limits>
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

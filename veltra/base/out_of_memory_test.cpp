@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/out_of_memory.h"
 
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/property_value.h"
 
-#include <cstdint>
-#include <limits>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

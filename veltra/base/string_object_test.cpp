@@ -2,11 +2,7 @@
 #include "veltra/base/string_object.h"
 
 #include "veltra/base/string_object_text.h"
-
-#include <array>
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

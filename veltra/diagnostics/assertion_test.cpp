@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/assertion.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/alert.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
-
-#include <cstdio>
-#include <cstdlib>
-#include <limits>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
@@ -25,8 +19,8 @@ public:
         ++count;
         header = alert.header;
         message = alert.message;
-        buttons = std::string(alert.defaultButton) + "|" + std::string(alert.alternateButton) +
-                  "|" + std::string(alert.otherButton);
+        buttons = (std::string(alert.defaultButton) += "|") += alert.alternateButton;
+        (buttons += "|") += alert.otherButton;
         timeout = alert.timeout;
         recordsBefore = m_world.records.size();
         return answer;

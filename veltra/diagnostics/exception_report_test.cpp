@@ -8,6 +8,7 @@
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/alert.h"
 #include "veltra/platform/application_facts.h"
+#include "veltra/platform/symbol_names.h"
 #include "veltra/platform/symboliser.h"
 #include "veltra/platform/termination.h"
 
@@ -196,6 +197,7 @@ TEST(ExceptionReport, IsInTheLogWhenTheHostIsKilledMeanwhile) {
 TEST(ExceptionReport, NamesFunctionsAndLinesOfARealStack) {
     if (std::system("eu-addr2line --version >/dev/null 2>&1") != 0)  // NOLINT: one thread
         GTEST_SKIP() << "needs eu-addr2line";
+    prepareSymbolNames();  // here: a child reads none of its own
     const testing::EndedChild reported = testing::endedChild([] {
         struct Nobody final : AlertPresenter {
             AlertAnswer present(const Alert&) noexcept override { return AlertAnswer::TimedOut; }

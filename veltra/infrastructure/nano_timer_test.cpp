@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/nano_timer.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 
-#include <cerrno>
-#include <climits>
-#include <thread>
-#include <utility>
-
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <unistd.h>
 

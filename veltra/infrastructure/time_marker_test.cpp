@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/time_marker.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/timer.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-
-#include <functional>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

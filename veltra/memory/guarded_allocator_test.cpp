@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/guarded_allocator.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/memory/testing/limited_heap.h"
 
-#include <atomic>
 #include <csignal>
-#include <string>
-#include <thread>
 
-#include <gtest/gtest.h>
 #include <sys/time.h>
 
 namespace veltra {

@@ -2,15 +2,12 @@
 // The guard on a table of its own, so that these tests run under every sanitizer.
 #include "veltra/memory/leak_guard.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/memory/detail/leak_groups.h"
 #include "veltra/memory/leak_report.h"
 #include "veltra/memory/testing/arena_heap.h"
 #include "veltra/memory/testing/leak_guard_host.h"
 #include "veltra/platform/symbol_names.h"
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 
 #include <malloc.h>
 
@@ -19,6 +16,7 @@ namespace {
 
 using detail::LeakRecord;
 using detail::LeakTail;
+using testing::printed;
 
 // A heap that counts what is out, and refuses one request when it is told to.
 std::atomic<long> live{0};
@@ -75,18 +73,9 @@ long leaking() {
     return take(size);
 }
 
-template <typename Body>
-void guarded(Body body) {
+void guarded(const auto& body) {
     testing::guarded(&zone, body);
 }
-
-template <typename Body>
-std::string printed(Body body) {
-    ::testing::internal::CaptureStdout();
-    body();
-    return ::testing::internal::GetCapturedStdout();
-}
-
 TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
     guarded([](auto&) {
         const std::string none = "LLD: no leaking bytes detected\n";
@@ -131,20 +120,13 @@ void keepText(void* context, const QKLeak* leak) {
     give(take(1));  // a visitor may allocate
 }
 
-// What the guard says of leaks at two places: one block of 100 bytes, ten of 50, in this order.
-std::vector<std::string> leaksAtTwoPlaces() {
-    (void)takeInScope(100);
-    leakOften(10);
-    std::vector<std::string> texts;
-    EXPECT_EQ(QKLeakGuardVisitLeaks(keepText, &texts), 600);
-    EXPECT_EQ(leaking(), 0);
-    return texts;
-}
-
 TEST(LeakReport, GroupsEqualStacksAndNamesThem) {
     prepareSymbolNames();  // here: what follows is in a child
     guarded([](auto&) {
-        const auto texts = leaksAtTwoPlaces();
+        (void)takeInScope(100);
+        leakOften(10);
+        std::vector<std::string> texts;
+        EXPECT_EQ(QKLeakGuardVisitLeaks(keepText, &texts), 600);
         ASSERT_EQ(texts.size(), 2U);
         EXPECT_EQ(texts[0].find("500 bytes in 10 blocks\n    "), 0U) << texts[0];
         EXPECT_EQ(texts[1].find("100 bytes in 1 block\n    "), 0U) << texts[1];
@@ -159,24 +141,41 @@ TEST(LeakReport, GroupsEqualStacksAndNamesThem) {
     });
 }
 
-TEST(LeakReport, PrintsTheLargestUpToTheLimitAndTheSum) {
+TEST(LeakReport, BothFormsPrintUpToTheLimitTheNewestOrTheLargestAndTheSum) {
     guarded([](auto& preferences) {
-        preferences.stored =
-            PropertyValue::Dictionary{{"LeakGuardEnabled", true}, {"LeakGuardPrintLimit", " 1 of"}};
+        preferences.stored = PropertyValue::Dictionary{{"LeakGuardEnabled", "yes"},
+                                                       {"LeakGuardPrintLimit", " 2 of"}};
+        const auto leak = [] {
+            for (const std::size_t size : {1U, 20U, 300U})
+                (void)takeInScope(size);
+        };
+        leak();
+        const auto report = printed([] { QKLeakGuard::ResetHistory(true); });
+        EXPECT_EQ(report.find("LLD: 300 bytes on"), 0U);
+        EXPECT_NE(report.find("LLD: 20 bytes on"), std::string::npos);
+        EXPECT_EQ(report.find("LLD: 1 bytes on"), std::string::npos);
+        EXPECT_NE(report.find("LLD: a total of 321 bytes"), std::string::npos);
         (void)takeInScope(1);
         leakOften(3);
-        const std::string text = printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), 151); });
-        EXPECT_EQ(text.find("leak: 150 bytes in 3 blocks\n"), 0U) << text;
+        leak();
+        const auto text = printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), 472); });
+        EXPECT_EQ(text.find("leak: 321 bytes in 3 blocks\n"), 0U) << text;
         EXPECT_EQ(text.find("1 byte in"), std::string::npos) << text;
-        EXPECT_TRUE(text.ends_with("\n2 leaks, 151 bytes in 4 blocks\n")) << text;
+        EXPECT_TRUE(text.ends_with("\n3 leaks, 472 bytes in 7 blocks\n")) << text;
     });
 }
 
 TEST(LeakReport, DoesNotCallWhatItCannotSeeClean) {
     guarded([](auto& preferences) {
         preferences.stored = PropertyValue();
+        give(takeInScope(100));
+        EXPECT_EQ(lastRequest, 100U) << "nothing is added unless the guard is enabled";
         EXPECT_EQ(QKLeakGuardVisitLeaks(nullptr, nullptr), -1);
-        EXPECT_EQ(printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), -1); }), "");
+        EXPECT_EQ(printed([] {
+                      EXPECT_EQ(QKLeakGuardPrintLeaks(), -1);
+                      EXPECT_EQ(QKLeakGuard::ResetHistory(true), 0);
+                  }),
+                  "");
     });
     guarded([](auto&) {
         AllocationZone::install(nullptr);  // the process's, through which nothing passes here
@@ -185,16 +184,15 @@ TEST(LeakReport, DoesNotCallWhatItCannotSeeClean) {
 }
 
 TEST(LeakGroups, AreSortedBySizeThenByAge) {
-    static std::size_t disposed;
-    disposed = 0;
-    std::array<detail::LeakRecord, 1000> records;
+    static std::size_t disposed = 0;
+    std::array<LeakRecord, 1000> records;
     for (std::size_t i = 0; i < records.size(); ++i) {
         records[i].next = i + 1 < records.size() ? &records[i + 1] : nullptr;
         records[i].size = 1;
         records[i].returnAddresses[3] = 1 + i * i % 7;  // 0, 1, 2 and 4: 1/7 or 2/7 of all
     }
-    const detail::LeakRecord* group =
-        detail::groupByStack(records.data(), [](detail::LeakRecord*) noexcept { ++disposed; });
+    const LeakRecord* group =
+        detail::groupByStack(records.data(), [](LeakRecord*) noexcept { ++disposed; });
     std::vector<std::size_t> sizes;
     for (; group != nullptr; group = group->next) {
         EXPECT_EQ(group->blocks, group->size);
@@ -203,29 +201,6 @@ TEST(LeakGroups, AreSortedBySizeThenByAge) {
     EXPECT_EQ(sizes, (std::vector<std::size_t>{286, 286, 285, 143}));
     EXPECT_EQ(disposed, 996U);
     EXPECT_EQ(detail::groupByStack(nullptr, nullptr), nullptr);
-}
-
-TEST(LeakGuard, PrintsTheNewestLeaksUpToTheLimit) {
-    guarded([](auto& preferences) {
-        preferences.stored =
-            PropertyValue::Dictionary{{"LeakGuardEnabled", "yes"}, {"LeakGuardPrintLimit", 2}};
-        for (const std::size_t size : {1U, 20U, 300U})
-            (void)takeInScope(size);
-        const auto report = printed([] { QKLeakGuard::ResetHistory(true); });
-        EXPECT_EQ(report.find("LLD: 300 bytes on"), 0U);
-        EXPECT_NE(report.find("LLD: 20 bytes on"), std::string::npos);
-        EXPECT_EQ(report.find("LLD: 1 bytes on"), std::string::npos);
-        EXPECT_NE(report.find("LLD: a total of 321 bytes"), std::string::npos);
-    });
-}
-
-TEST(LeakGuard, TouchesNothingUnlessItIsEnabled) {
-    guarded([](auto& preferences) {
-        preferences.stored = PropertyValue();
-        give(takeInScope(100));
-        EXPECT_EQ(lastRequest, 100U);
-        EXPECT_EQ(printed([] { EXPECT_EQ(QKLeakGuard::ResetHistory(true), 0); }), "");
-    });
 }
 
 [[gnu::noinline]] QKLeakGuard* openForCaller() {

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/low_memory_notification_center.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/memory/testing/limited_heap.h"
 #include "veltra/platform/notification_center.h"
-
-#include <string>
-#include <thread>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/memory_pressure.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/memory/low_memory_notification_center.h"
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/platform/testing/fake_memory_system.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

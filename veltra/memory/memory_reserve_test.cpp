@@ -2,6 +2,7 @@
 // The reserve on a zone of the test's own.
 #include "veltra/memory/memory_reserve.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/report_sections.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/memory/detail/reserve_mode.h"
@@ -11,13 +12,7 @@
 #include "veltra/memory/testing/limited_heap.h"
 #include "veltra/memory/testing/zone_stress.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/alert.h"
 
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

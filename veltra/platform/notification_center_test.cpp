@@ -2,10 +2,7 @@
 #include "veltra/platform/notification_center.h"
 
 #include "veltra/base/string_object_text.h"
-
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

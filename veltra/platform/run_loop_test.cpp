@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 
-#include <functional>
-#include <limits>
 #include <stdexcept>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,15 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/checksum.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/processor/detail/checksum_kernels.h"
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

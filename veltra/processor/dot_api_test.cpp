@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/dot_api.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/processor_features.h"
-
-#include <climits>
-#include <cstdlib>
-#include <optional>
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/processor/variants.h"
 
 namespace veltra {
 namespace {
 
 using Family = ProcessorFeatures::Family;
 
-// A machine that the test invents.
-class DotAPI : public testing::Test {
+// A machine that the test invents, asked through the C functions, which hand on to the class.
+class DotAPI : public ::testing::Test {
 protected:
     static constexpr const char* kTexts[] = {"SSE optimizations",
                                              "SSE3 optimizations",
@@ -29,9 +24,9 @@ protected:
 
     static void play(const ProcessorFeatures& features, bool debug) {
         machine = features;
-        CDotAPI::SetDebugMode(debug);
-        CDotAPI::Init();
-        CDotAPI::Override(CDotAPI::ProcessorID());
+        VLDotAPISetDebugMode(debug);
+        VLDotAPIInit();
+        VLDotAPIOverride(VLDotAPIProcessorID());
     }
 
     static ProcessorFeatures powerPc(bool altivec, std::optional<std::uint32_t> version) {
@@ -41,7 +36,6 @@ protected:
         features.processorVersion = version;
         return features;
     }
-
     static ProcessorFeatures x86(bool sse, bool sse3) {
         ProcessorFeatures features;
         features.family = Family::X86;
@@ -53,18 +47,17 @@ protected:
     // "position:EID" for each entry, then the answers past the end.
     static std::string menu() {
         std::string text;
-        const int end = static_cast<int>(CDotAPI::MenuEntries());
+        const int end = static_cast<int>(VLDotAPIMenuEntries());
         for (int position = 0; position < end; ++position) {
-            const int id = CDotAPI::MenuID(position);
-            text += std::to_string(id);
-            EXPECT_STREQ(CDotAPI::MenuText(position), kTexts[id]);
+            text += std::to_string(VLDotAPIMenuID(position));
+            EXPECT_STREQ(VLDotAPIMenuText(position), kTexts[text.back() - '0']);
         }
         for (const int position : {end, end + 9, -2, INT_MIN}) {
-            EXPECT_EQ(CDotAPI::MenuID(position), 0);
-            EXPECT_EQ(CDotAPI::MenuText(position), nullptr);
+            EXPECT_EQ(VLDotAPIMenuID(position), 0);
+            EXPECT_EQ(VLDotAPIMenuText(position), nullptr);
         }
-        EXPECT_EQ(CDotAPI::MenuID(-1), -1);
-        EXPECT_EQ(CDotAPI::MenuText(-1), nullptr);
+        EXPECT_EQ(VLDotAPIMenuID(-1), -1);
+        EXPECT_EQ(VLDotAPIMenuText(-1), nullptr);
         return text;
     }
 
@@ -73,8 +66,8 @@ protected:
     }
     void TearDown() override {
         ProcessorFeatures::install(nullptr);
-        CDotAPI::SetDebugMode(false);
-        CDotAPI::Init();
+        VLDotAPISetDebugMode(false);
+        VLDotAPIInit();
     }
 };
 
@@ -82,8 +75,7 @@ TEST_F(DotAPI, EachMachineIsDetectedAndOfferedItsMenu) {
     const struct {
         ProcessorFeatures machine;
         int id;
-        const char* release;
-        const char* debug;
+        const char *release, *debug;
     } rows[] = {
         {powerPc(false, 0x0008), 5, "5", "456"},  // G3
         {powerPc(false, std::nullopt), 5, "5", "456"},
@@ -101,13 +93,13 @@ TEST_F(DotAPI, EachMachineIsDetectedAndOfferedItsMenu) {
     for (const auto& row : rows) {
         for (const bool debug : {false, true}) {
             play(row.machine, debug);
-            EXPECT_EQ(CDotAPI::ProcessorID(), row.id) << "row " << &row - rows;
+            EXPECT_EQ(VLDotAPIProcessorID(), row.id) << "row " << &row - rows;
             EXPECT_EQ(menu(), debug ? row.debug : row.release) << "row " << &row - rows;
-            EXPECT_EQ(CDotAPI::MaxInterleave(), 4);
-            EXPECT_EQ(CDotAPI::Interleave(), row.id == 5 ? 1 : 4);
+            EXPECT_EQ(VLDotAPIMaxInterleave(), 4);
+            EXPECT_EQ(VLDotAPIInterleave(), row.id == 5 ? 1 : 4);
         }
     }
-    CDotAPI::SetDebugMode(false);  // also after the detection
+    VLDotAPISetDebugMode(false);  // also after the detection
     EXPECT_EQ(menu(), "5");
 }
 
@@ -124,53 +116,40 @@ TEST(DotAPIDetection, TheRealProcessorIsDetected) {
         GTEST_SKIP() << "VELTRA_EXPECTED_VARIANT is not set";
 #endif
     }
-    EXPECT_EQ(CDotAPI::ProcessorID(), expected);
+    EXPECT_EQ(VLDotAPIProcessorID(), expected);
 }
 
 TEST_F(DotAPI, AnOverrideIsInForceWhenTheMenuOffersItAndIsKeptWhenNot) {
     play(powerPc(true, 0x000C), false);
     const struct {
-        int position;
-        int id;
-        int selection;
-        int interleave;
+        int position, id, selection, interleave;
     } steps[] = {{1, 5, 1, 1}, {-1, 5, 1, 1}, {0, 3, 0, 4}, {1, 5, 1, 1}, {2, 3, 0, 4}};
     for (const auto& step : steps) {
-        CDotAPI::SetSelection(step.position);
-        EXPECT_EQ(CDotAPI::ID(), step.id);
-        EXPECT_EQ(CDotAPI::GetSelection(), step.selection);
-        EXPECT_EQ(CDotAPI::Interleave(), step.interleave);
-        EXPECT_EQ(CDotAPI::MaxInterleave(), 4);
+        VLDotAPISetSelection(step.position);
+        EXPECT_EQ(VLDotAPIID(), step.id);
+        EXPECT_EQ(VLDotAPIGetSelection(), step.selection);
+        EXPECT_EQ(VLDotAPIInterleave(), step.interleave);
+        EXPECT_EQ(VLDotAPIMaxInterleave(), 4);
     }
 
     play(powerPc(true, 0x000C), true);
-    const struct {
-        int asked;
-        int id;
-    } overrides[] = {{4, 4}, {0, 3}, {6, 6}, {3, 3}, {5, 5}, {7, 3}, {6, 6}, {-1, 3}, {4, 4}};
-    for (const auto& override : overrides) {
-        EXPECT_EQ(CDotAPI::Override(static_cast<CDotAPI::EID>(override.asked)), 3);
-        EXPECT_EQ(CDotAPI::ID(), override.id);
-        EXPECT_EQ(CDotAPI::ProcessorID(), 3);
-        EXPECT_EQ(CDotAPI::Interleave(), override.id == 5 ? 1 : 4);
-        EXPECT_EQ(CDotAPI::MaxInterleave(), 4);  // of the detected one, also in debug's 1
+    using Override = std::pair<int, int>;  // asked for, and in force then
+    for (const auto& [asked, id] :
+         {Override{4, 4}, {0, 3}, {6, 6}, {3, 3}, {5, 5}, {7, 3}, {6, 6}, {-1, 3}, {4, 4}}) {
+        EXPECT_EQ(VLDotAPIOverride(asked), 3);
+        EXPECT_EQ(VLDotAPIID(), id);
+        EXPECT_EQ(VLDotAPIProcessorID(), 3);
+        EXPECT_EQ(VLDotAPIInterleave(), id == 5 ? 1 : 4);
+        EXPECT_EQ(VLDotAPIMaxInterleave(), 4);  // of the detected one, also in debug's 1
     }
-    CDotAPI::SetDebugMode(false);  // takes away the entry, not the override
-    EXPECT_EQ(CDotAPI::ID(), 4);
-    EXPECT_EQ(CDotAPI::GetSelection(), 0);
+    VLDotAPISetDebugMode(false);  // takes away the entry, not the override
+    EXPECT_EQ(VLDotAPIID(), 4);
+    EXPECT_EQ(VLDotAPIGetSelection(), 0);
 
     play(x86(true, true), true);  // past the end means variant 0, which this menu has
-    CDotAPI::SetSelection(9);
-    EXPECT_EQ(CDotAPI::ID(), 0);
-    EXPECT_EQ(CDotAPI::GetSelection(), 0);
-}
-
-TEST_F(DotAPI, TheHistoryFlagStartsTrueAndFollowsItsSetters) {
-    EXPECT_TRUE(CDotAPI::UpdateHistory());
-    CDotAPI::DisableHistoryUpdate();
-    EXPECT_FALSE(CDotAPI::UpdateHistory());
-    CDotAPI::EnableHistoryUpdate();
-    EXPECT_TRUE(CDotAPI::UpdateHistory());
+    VLDotAPISetSelection(9);
+    EXPECT_EQ(VLDotAPIID(), 0);
+    EXPECT_EQ(VLDotAPIGetSelection(), 0);
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // A program that links the library statically and names no family: each is chosen all the same,
 // before the program's own constructors run.
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/processor_features.h"
 #include "veltra/processor/byte_order.h"
 #include "veltra/processor/checksum.h"
 #include "veltra/processor/detail/sample_kernels.h"
 #include "veltra/processor/utf8_text.h"
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/kernels.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/report_sections.h"
 #include "veltra/processor/detail/kernel_choice.h"
-
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/processor/variants.h"
 
 namespace veltra {
 namespace {
@@ -48,21 +46,38 @@ TEST(Kernels, AFamilyIsPlainUntilTheBestThatRunsIsChosenAndUseReplacesItUntilUse
     EXPECT_EQ(family.variantName(3), nullptr);
 }
 
-TEST(Kernels, EveryFamilyIsFoundByNameEndsPlainAndRunsAsItIsTold) {
-    for (KernelFamily* family : KernelFamily::all()) {
-        ASSERT_EQ(KernelFamily::find(family->name()), family);
-        const std::size_t last = family->variantCount() - 1;
-        EXPECT_STREQ(family->variantName(last), "plain");
-        for (std::size_t i = 0; i <= last; ++i) {
-            ASSERT_EQ(family->use(family->variantName(i)), family->runs(i));
-            if (!family->runs(i)) continue;
-            EXPECT_STREQ(family->inForce(), family->variantName(i));
-            const std::string listed = std::string(family->name()) + ' ' + family->inForce();
+TEST(Kernels, EveryFamilyIsFoundByNameEndsPlainAndRunsAsItIsToldThroughBothFaces) {
+    const auto families = KernelFamily::all();
+    ASSERT_EQ(VLKernelFamilyCount(), families.size());
+    for (std::uint32_t index = 0; index < families.size(); ++index) {
+        const KernelFamily& family = *families[index];
+        const char* const name = VLKernelFamilyName(index);
+        ASSERT_EQ(KernelFamily::find(name), &family);
+        const char* const best = VLKernelFamilyInForce(name);
+        const std::uint32_t count = VLKernelVariantCount(name);
+        ASSERT_EQ(count, family.variantCount());
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const char* const variant = VLKernelVariantName(name, i);
+            EXPECT_EQ(variant, family.variantName(i));
+            EXPECT_EQ(VLKernelVariantRuns(name, i), family.runs(i));
+            ASSERT_EQ(VLKernelFamilyUse(name, variant), family.runs(i));
+            if (!family.runs(i)) continue;
+            EXPECT_STREQ(family.inForce(), variant);
+            const std::string listed = std::string(name) + ' ' + variant;
             EXPECT_NE(reportSections().find(listed), std::string::npos) << listed;
         }
-        family->useBest();
+        EXPECT_STREQ(VLKernelFamilyInForce(name), "plain") << "the last";
+        EXPECT_FALSE(VLKernelVariantName(name, count) || VLKernelVariantRuns(name, count));
+        EXPECT_FALSE(VLKernelFamilyUse(name, "none"));
+        EXPECT_TRUE(VLKernelFamilyUse(name, nullptr));
+        EXPECT_STREQ(family.inForce(), best);
     }
-    EXPECT_EQ(KernelFamily::find("crc"), nullptr);
+    EXPECT_EQ(VLKernelFamilyName(VLKernelFamilyCount()), nullptr);
+    for (const char* name : {static_cast<const char*>(nullptr), "crc"}) {
+        EXPECT_EQ(VLKernelVariantCount(name), 0U);
+        EXPECT_FALSE(VLKernelVariantName(name, 0) || VLKernelVariantRuns(name, 0));
+        EXPECT_FALSE(VLKernelFamilyInForce(name) || VLKernelFamilyUse(name, nullptr));
+    }
 }
 
 }  // namespace

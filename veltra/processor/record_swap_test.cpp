@@ -1,16 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/record_swap.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/processor/testing/guarded_memory.h"
 #include "veltra/processor/testing/record_swap_model.h"
-
-#include <algorithm>
-#include <cstring>
-#include <random>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,18 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/sample_conversion.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/processor/detail/sample_kernels.h"
 #include "veltra/processor/testing/float_modes.h"
-
-#include <algorithm>
-#include <bit>
-#include <cmath>
-#include <cstring>
-#include <random>
-#include <span>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,21 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/processor/utf8_text.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/text_services.h"
 #include "veltra/processor/testing/guarded_memory.h"
 #include "veltra/processor/testing/utf8_laws.h"
 
-#include <random>
-
 #include <gmock/gmock.h>
 
 namespace veltra {
 namespace {
 
-using testing::ElementsAre;
-using testing::PrintToString;
+using ::testing::ElementsAre;
+using ::testing::PrintToString;
 
 // A copy of `text` and its terminator beside a page that nobody may touch.
 std::string_view guarded(std::string_view text, Place place) {
@@ -50,7 +49,7 @@ TEST(Utf8Text, EveryVariantAgreesOnLongTextsAndReadsNoOtherPage) {
         ASSERT_EQ(brokenLaw(guarded(text, Place::Start)), "") << PrintToString(text);
         ASSERT_EQ(brokenLaw(guarded(text, Place::End)), "") << PrintToString(text);
     }
-    EXPECT_THAT(valid, testing::AllOf(testing::Gt(500), testing::Lt(1400)));
+    EXPECT_THAT(valid, ::testing::AllOf(::testing::Gt(500), ::testing::Lt(1400)));
 }
 
 TEST(Utf8Text, TextsLongerThanThePiecesOfACopyAreCopiedWhole) {

@@ -10,9 +10,6 @@
 #include <QEventLoop>
 #include <QMenu>
 #include <QTimer>
-#include <functional>
-
-#include <gmock/gmock.h>
 
 // What Qt and the libraries below it keep until the process ends.
 extern "C" VELTRA_EXPORT const char*

@@ -4,8 +4,6 @@
 #include "veltra/ui/control.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 
@@ -35,7 +33,7 @@ TEST(Accessibility, FindsOnlyWhatCanBeSeen) {
     EXPECT_TRUE(accessibilityVisibleFrameInWindow(out).isEmpty());
 }
 
-TEST(Accessibility, TellsNamesHelpAndFocus) {
+TEST(Accessibility, TellsNamesAndHelp) {
     ScriptedPort port;
     HostedView host(std::make_unique<Control>(Rect{{}, {100, 100}}, std::make_unique<Cell>("x")));
     auto& control = static_cast<Control&>(*host.window.contentView());
@@ -44,16 +42,6 @@ TEST(Accessibility, TellsNamesHelpAndFocus) {
     EXPECT_THAT(port.notifications[AccessibilityNotification::NameChanged], ElementsAre(&control));
     control.setAccessibilityHelp("how loud it is");
     EXPECT_EQ(control.accessibilityName() + control.accessibilityHelp(), "gainhow loud it is");
-    struct Keyed final : Control {
-        using Control::Control;
-        bool acceptsFirstResponder() const override { return true; }
-    };
-    auto& keyed = control.addSubview(
-        std::make_unique<Keyed>(Rect{{}, {10, 10}}, std::make_unique<Cell>("y")));
-    EXPECT_FALSE(keyed.cell()->accessibilityIsFocused());
-    host.window.makeFirstResponder(&keyed);
-    EXPECT_TRUE(keyed.cell()->accessibilityIsFocused());
-    EXPECT_FALSE(control.cell()->accessibilityIsFocused());
 }
 
 }  // namespace

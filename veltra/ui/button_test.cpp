@@ -4,23 +4,16 @@
 #include "veltra/ui/keyed_coder.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
-
-struct Host final : Anchored {
-    void pressed() { ++count; }
-    int count = 0;
-};
 
 TEST(ButtonPress, CountsOnlyWhenLetGoInside) {
     const ScriptedPort port;
     HostedView host(std::make_unique<Button>(Rect{{}, {60, 24}}, "Mute", ButtonCell::Kind::Toggle));
     auto& button = static_cast<Button&>(*host.window.contentView());
-    Host target;
+    Receiver target;
     Application::current().setDelegate(&target);  // last in the chain
-    button.setAction(action<&Host::pressed>());
+    button.setAction(action<&Receiver::act>());
     host.click({10, 10});
     EXPECT_TRUE(button.isOn());
     host.press({10, 10});

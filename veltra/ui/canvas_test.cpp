@@ -3,8 +3,6 @@
 
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 

@@ -3,11 +3,6 @@
 
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 

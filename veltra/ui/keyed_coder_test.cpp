@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/keyed_coder.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/ui/cell.h"
-
-#include <cstdint>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/path.h"
 
-#include <cmath>
+#include "veltra/base/testing/prelude.h"
 
 #include <gmock/gmock.h>
 

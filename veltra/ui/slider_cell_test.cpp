@@ -5,11 +5,6 @@
 #include "veltra/ui/slider.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <cmath>
-#include <limits>
-
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 
@@ -112,6 +107,11 @@ TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
     cell.setVertical(true);
     cell.setTag(7);
     cell.setDoubleValue(70.0);
+    slider.setTag(3);
+    slider.setFont(Font::systemFont(9.5F, FontWeight::Bold));
+    slider.setAlignment(TextAlignment::Right);
+    slider.setControlSize(ControlSize::Mini);
+    slider.setEnabled(false);
     Host target;
     slider.setTarget(&target);
     slider.setAction(action<&Host::changed>());
@@ -119,6 +119,8 @@ TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
     slider.encodeWithCoder(coder);
     Slider read({{}, {114, 20}});
     read.decodeWithCoder(KeyedCoder(coder.archive()));
+    EXPECT_EQ(read.tag(), 3);
+    EXPECT_EQ(read.controlSize(), ControlSize::Mini);
     slider.replaceCell(std::make_unique<Magnetic>());
     for (const Slider* kept : {&read, &slider}) {
         EXPECT_EQ(kept->doubleValue(), 70.0);
@@ -126,6 +128,9 @@ TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
         EXPECT_EQ(kept->sliderCell().numberOfTickMarks(), 15);
         EXPECT_EQ(kept->sliderCell().explicitlyVertical(), true);
         EXPECT_EQ(kept->sliderCell().tag(), 7);
+        EXPECT_EQ(kept->font(), Font::systemFont(9.5F, FontWeight::Bold));
+        EXPECT_EQ(kept->alignment(), TextAlignment::Right);
+        EXPECT_FALSE(kept->isEnabled());
     }
     EXPECT_EQ(slider.target(), &target);
     slider.sliderCell().setVertical(std::nullopt);

@@ -4,10 +4,6 @@
 #include "veltra/ui/testing/scripted_port.h"
 #include "veltra/ui/view_tool_tips.h"
 
-#include <functional>
-
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 

@@ -4,10 +4,6 @@
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <limits>
-
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 

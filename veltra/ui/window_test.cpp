@@ -5,17 +5,10 @@
 #include "veltra/ui/panel.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 
 using ::testing::ElementsAre;
-
-struct Host final : Anchored {
-    void changed(Control& sender) { last = &sender; }
-    Control* last = nullptr;
-};
 
 struct Listener final : View {
     using View::View;
@@ -29,14 +22,17 @@ struct Listener final : View {
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
 };
 
+std::vector<Button*> addButtons(View& root, std::initializer_list<float> places) {
+    std::vector<Button*> buttons;
+    for (const float x : places)
+        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
+    return buttons;
+}
+
 TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
-    std::vector<Button*> buttons;
-    for (const float x : {0.0F, 30.0F, 60.0F}) {
-        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
-    }
+    const auto buttons = addButtons(*host.window.contentView(), {0.0F, 30.0F, 60.0F});
     host.window.keyboardArrives(true);
     EXPECT_EQ(host.window.firstResponder(), buttons[0]);
     buttons[1]->setEnabled(false);
@@ -51,9 +47,9 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     host.window.makeFirstResponder(buttons[2]);
     host.key(kTabCharacter);
     EXPECT_EQ(host.window.firstResponder(), buttons[0]);
-    Host target;
+    Receiver target;
     buttons[0]->setTarget(&target);
-    buttons[0]->setAction(action<&Host::changed>());
+    buttons[0]->setAction(action<&Receiver::act>());
     host.key(u' ');
     EXPECT_EQ(target.last, buttons[0]);
     buttons[0]->setHidden(true);
@@ -63,11 +59,8 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
 TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
-    std::vector<Button*> buttons;
-    for (const float x : {0.0F, 120.0F, 30.0F, 60.0F}) {  // the second is out of sight
-        buttons.push_back(&root.addSubview(std::make_unique<Button>(Rect{{x, 0}, {30, 30}}, "B")));
-    }
+    const auto buttons = addButtons(*host.window.contentView(),
+                                    {0.0F, 120.0F, 30.0F, 60.0F});  // the second is out of sight
     host.window.keyboardArrives(true);
     host.key(kTabCharacter);
     EXPECT_EQ(host.window.firstResponder(), buttons[2]);
@@ -85,7 +78,6 @@ TEST(Windows, KeepToTheirLimitsAndPanelsLeaveTheMainWindowAlone) {
     ScriptedPort port;
     Window window(Rect{{0, 0}, {300, 200}});
     Panel panel(Rect{{0, 0}, {100, 100}});
-    EXPECT_TRUE(panel.isPanel());
     window.setMinSize({200, 150});
     window.setMaxSize({400, 100});  // below the minimum
     window.setFrame({{5, 6}, {1000, 1000}});
@@ -120,12 +112,9 @@ TEST(Windows, AskTheirViewsAboutPressesThatActivateOrMove) {
     HostedView host(std::make_unique<Listener>(Rect{{}, {100, 100}}));
     auto& view = static_cast<Listener&>(*host.window.contentView());
     const auto press = [&host](bool isFirst) {
-        Event event;
-        event.type = EventType::LeftMouseDown;
+        Event event = host.eventAt(EventType::LeftMouseDown, {5, 5});
         event.clickCount = 1;
         event.isFirstMouse = isFirst;
-        event.window = &host.window;
-        event.locationInWindow = {5, 5};
         Application::current().postEvent(event);
         host.release({5, 5});
     };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "../test_recordings.h"
 #include "console_widget.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/decibel_scale.h"
 
-#include <cmath>
-#include <utility>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_ballistics.h"
 
-#include <cmath>
-#include <limits>
-#include <random>
-#include <utility>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

@@ -5,12 +5,6 @@
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <cmath>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 namespace veltra {
 namespace {
 

@@ -2,13 +2,7 @@
 #include "veltra/diagnostics/detail/message_format.h"
 
 #include "veltra/base/string_object_text.h"
-
-#include <cstdint>
-#include <cstdio>
-#include <limits>
-#include <string>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra::detail {
 namespace {

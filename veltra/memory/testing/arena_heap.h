@@ -25,20 +25,15 @@ public:
         const std::size_t units = std::max(size, kSmallest) - 1;
         if (units >= kLargest) return nullptr;
         const auto kind = static_cast<std::size_t>(std::bit_width(units / kSmallest));
-        std::uint64_t top = s_free[kind].load(std::memory_order_acquire);  // with free()
-        while (indexOf(top) != 0) {
-            // The turn differs when others have taken and given back this block meanwhile.
-            const std::uint32_t below = s_below[kind][indexOf(top)].load(std::memory_order_relaxed);
-            if (s_free[kind].compare_exchange_weak(top, nextTurn(top) | below,
-                                                   std::memory_order_acq_rel,
-                                                   std::memory_order_acquire))
-                break;
-        }
-        std::size_t index = indexOf(top);
-        if (index == 0) index = s_used[kind].fetch_add(1, std::memory_order_relaxed) + 1;
-        if (index > kRegion / (kSmallest << kind)) return nullptr;
-        ++live;
-        return s_start + kind * kRegion + (index - 1) * (kSmallest << kind);
+        const std::size_t blockSize = kSmallest << kind, count = kRegion / blockSize;
+        std::size_t index = s_hint[kind].load(std::memory_order_relaxed);
+        for (std::size_t tries = 0; tries < count; ++tries, ++index)
+            if (!s_isTaken[kind][index % count].exchange(true, std::memory_order_acquire)) {
+                s_hint[kind].store(index + 1, std::memory_order_relaxed);
+                ++live;
+                return s_start + kind * kRegion + index % count * blockSize;
+            }
+        return nullptr;
     }
     static void* allocateZeroed(std::size_t count, std::size_t size) noexcept {
         if (size != 0 && count > kLargest / size) return nullptr;
@@ -61,13 +56,9 @@ public:
         if (block == nullptr) return;
         --live;
         const std::size_t kind = kindOf(block);
-        const std::size_t offset = offsetOf(block) % kRegion;
-        const auto index = static_cast<std::uint32_t>(offset / (kSmallest << kind) + 1);
-        std::uint64_t top = s_free[kind].load(std::memory_order_relaxed);
-        do {
-            s_below[kind][index].store(indexOf(top), std::memory_order_relaxed);
-        } while (!s_free[kind].compare_exchange_weak(
-            top, nextTurn(top) | index, std::memory_order_release, std::memory_order_relaxed));
+        const std::size_t index = offsetOf(block) % kRegion / (kSmallest << kind);
+        s_isTaken[kind][index].store(false, std::memory_order_release);  // with allocate()
+        s_hint[kind].store(index, std::memory_order_relaxed);
     }
     static std::size_t sizeOf(void* block) noexcept {
         return block == nullptr ? 0 : kSmallest << kindOf(block);
@@ -76,12 +67,6 @@ public:
 private:
     static constexpr std::size_t kSmallest = 64, kKinds = 15, kLargest = kSmallest << 14;
     static constexpr std::size_t kRegion = std::size_t{64} << 20;
-
-    // The top of a stack of free blocks: a turn that every change raises, and the block's index.
-    static std::uint32_t indexOf(std::uint64_t top) noexcept {
-        return static_cast<std::uint32_t>(top);
-    }
-    static std::uint64_t nextTurn(std::uint64_t top) noexcept { return ((top >> 32) + 1) << 32; }
 
     static std::size_t offsetOf(void* block) noexcept {
         return static_cast<std::size_t>(static_cast<char*>(block) - s_start);
@@ -97,11 +82,9 @@ private:
     }
 
     static inline char* const s_start = reserve();
-    static inline std::array<std::atomic<std::size_t>, kKinds> s_used{};
-    static inline std::array<std::atomic<std::uint64_t>, kKinds> s_free{};
-    static inline std::array<std::array<std::atomic<std::uint32_t>, kRegion / kSmallest + 1>,
-                             kKinds>
-        s_below{};  // of each free block, the one below it
+    static inline std::array<std::array<std::atomic<bool>, kRegion / kSmallest>, kKinds>
+        s_isTaken{};
+    static inline std::array<std::atomic<std::size_t>, kKinds> s_hint{};  // where one may be free
 };
 
 inline constexpr ZoneEntries kArenaHeap{

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_ways.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-
-#include <array>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/fork_handlers.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <array>
-#include <atomic>
 #include <mutex>
-#include <thread>
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 namespace veltra {

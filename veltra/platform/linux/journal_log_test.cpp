@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/journal_log.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <atomic>
-#include <cstring>
-#include <string>
-#include <thread>
-
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/resource.h>
 #include <sys/stat.h>

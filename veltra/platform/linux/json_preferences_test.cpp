@@ -2,17 +2,13 @@
 #include "veltra/platform/linux/json_preferences.h"
 
 #include "veltra/base/json_text.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <fstream>
-#include <iterator>
-#include <thread>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace veltra {

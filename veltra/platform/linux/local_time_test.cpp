@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/local_time.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <cstdlib>
 #include <ostream>
 
-#include <gtest/gtest.h>
 #include <time.h>
 
 namespace veltra {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/fake_memory_system.h"
 
-#include <memory>
-
-#include <gtest/gtest.h>
 #include <poll.h>
 
 namespace veltra {
@@ -13,6 +11,7 @@ using testing::FakeMemorySystem;
 using Bytes = std::optional<std::uint64_t>;
 
 constexpr std::uint64_t kKiB = 1024;
+constexpr Bytes kNone;
 
 TEST(MemoryFacts, SayNothingWhereTheSystemSaysNothing) {
     FakeMemorySystem system;
@@ -57,114 +56,54 @@ std::string mount(const char* root, const char* point, const char* type, const c
            type + " source rw," + options + "\n";
 }
 
+// Of a list "/folder/limit=text;/folder/use=text": memory.limit and so on. A bar ends a line.
+std::map<std::string, std::string> filesOf(std::string list) {
+    std::replace(list.begin(), list.end(), '|', '\n');
+    std::map<std::string, std::string> files;
+    std::istringstream all(list);
+    for (std::string path; std::getline(all, path, '=');)
+        std::getline(all, files[path.insert(path.rfind('/') + 1, "memory.")], ';');
+    return files;
+}
+
 TEST(MemoryFacts, FollowTheControlGroupsUpTheTree) {
-    const std::string unified = mount("/", "/sys/fs/cgroup", "cgroup2", "nsdelegate");
-    const std::string legacy = mount("/", "/cg/cpu", "cgroup", "cpu") +
-                               mount("/", "/cg/my\\040memory", "cgroup", "memory");
-    const std::string container = mount("/docker/1", "/cg/memory", "cgroup", "memory");
-    using Files = std::map<std::string, std::string>;
+    const std::string unified = mount("/", "/u", "cgroup2", "nsdelegate");
+    const std::string legacy =
+        mount("/", "/cg/cpu", "cgroup", "cpu") + mount("/", "/my\\040m", "cgroup", "memory");
+    const std::string parent =
+        "/my m/g/limit_in_bytes=100;/my m/g/usage_in_bytes=99;/my m/g/use_hierarchy=";
+    const std::string container = mount("/docker/1", "/cg", "cgroup", "memory");
     const struct {
         const char* name;
-        std::string groups, mounts;
-        Files files;
+        std::string groups, mounts, files;
         Bytes limit, room;
     } kCases[] = {
-        {"no limit",
-         "0::/a/b\n",
-         unified,
-         {{"/sys/fs/cgroup/a/b/memory.max", "max\n"}, {"/sys/fs/cgroup/a/b/memory.current", "5\n"}},
-         {},
-         {}},
-        {"the least room, above",
-         "0::/a/b\n",
-         unified,
-         {{"/sys/fs/cgroup/a/b/memory.max", "1000\n"},
-          {"/sys/fs/cgroup/a/b/memory.current", "100\n"},
-          {"/sys/fs/cgroup/a/memory.max", "2000\n"},
-          {"/sys/fs/cgroup/a/memory.current", "1950\n"}},
-         1000,
-         50},
-        {"a softer limit",
-         "0::/\n",
-         unified,
-         {{"/sys/fs/cgroup/memory.max", "max"},
-          {"/sys/fs/cgroup/memory.high", "700"},
-          {"/sys/fs/cgroup/memory.current", "900"}},
-         700,
-         0},
-        {"files in memory are room",
-         "0::/a\n",
-         unified,
-         {{"/sys/fs/cgroup/a/memory.max", "1000"},
-          {"/sys/fs/cgroup/a/memory.current", "1000"},
-          {"/sys/fs/cgroup/a/memory.stat", "anon 1\ninactive_file_x 7\ninactive_file 300\n"}},
-         1000,
-         300},
-        {"a limit without a use",
-         "0::/a\n",
-         unified,
-         {{"/sys/fs/cgroup/a/memory.max", "1000"}},
-         1000,
-         {}},
-        {"nonsense",
-         "0::/a\n",
-         unified,
-         {{"/sys/fs/cgroup/a/memory.max", "12abc"}, {"/sys/fs/cgroup/a/memory.current", "x"}},
-         {},
-         {}},
-        {"the older kind, an escaped place",
-         "3:cpu:/x\n4:foo,memory:/g\n0::/\n",
-         legacy + unified,
-         {{"/cg/my memory/g/memory.limit_in_bytes", "400\n"},
-          {"/cg/my memory/g/memory.usage_in_bytes", "390\n"},
-          {"/cg/my memory/g/memory.stat", "inactive_file 1\ntotal_inactive_file 20\n"},
-          {"/cg/my memory/memory.limit_in_bytes", "9223372036854771712\n"},
-          {"/cg/my memory/memory.usage_in_bytes", "123456\n"}},
-         400,
-         30},
-        {"a parent that counts",
-         "4:memory:/g/h\n",
-         legacy,
-         {{"/cg/my memory/g/memory.limit_in_bytes", "100"},
-          {"/cg/my memory/g/memory.usage_in_bytes", "99"},
-          {"/cg/my memory/g/memory.use_hierarchy", "1"}},
-         100,
-         1},
-        {"a parent that does not",
-         "4:memory:/g/h\n",
-         legacy,
-         {{"/cg/my memory/g/memory.limit_in_bytes", "100"},
-          {"/cg/my memory/g/memory.usage_in_bytes", "99"},
-          {"/cg/my memory/g/memory.use_hierarchy", "0"}},
-         {},
-         {}},
-        {"a part is mounted",
-         "4:memory:/docker/1/in\n",
-         container,
-         {{"/cg/memory/in/memory.limit_in_bytes", "100"},
-          {"/cg/memory/in/memory.usage_in_bytes", "1"}},
-         100,
-         99},
-        {"another part is mounted",
-         "4:memory:/docker/12\n",
-         container,
-         {{"/cg/memory/memory.limit_in_bytes", "100"}, {"/cg/memory/memory.usage_in_bytes", "2"}},
-         100,
-         98},
-        {"both kinds",
-         "4:memory:/g\n0::/a\n",
-         legacy + unified,
-         {{"/cg/my memory/g/memory.limit_in_bytes", "100"},
-          {"/cg/my memory/g/memory.usage_in_bytes", "1"},
-          {"/sys/fs/cgroup/a/memory.max", "90"},
-          {"/sys/fs/cgroup/a/memory.current", "80"}},
-         90,
-         10},
-        {"too long a name", "0::/" + std::string(3000, 'a') + "\n", unified, {}, {}, {}},
-    };
+        {"no limit", "0::/a/b\n", unified, "/u/a/b/max=max|;/u/a/b/current=5|", kNone, kNone},
+        {"the least room, above", "0::/a/b\n", unified,
+         "/u/a/b/max=1000|;/u/a/b/current=100|;/u/a/max=2000|;/u/a/current=1950|", 1000, 50},
+        {"a softer limit", "0::/\n", unified, "/u/max=max;/u/high=700;/u/current=900", 700, 0},
+        {"files in memory are room", "0::/a\n", unified,
+         "/u/a/max=1000;/u/a/current=1000;/u/a/stat=anon 1|inactive_file_x 7|inactive_file 300|",
+         1000, 300},
+        {"a limit without a use", "0::/a\n", unified, "/u/a/max=1000", 1000, kNone},
+        {"nonsense", "0::/a\n", unified, "/u/a/max=12abc;/u/a/current=x", kNone, kNone},
+        {"the older kind, an escaped place", "3:cpu:/x\n4:foo,memory:/g\n0::/\n", legacy + unified,
+         "/my m/g/limit_in_bytes=400|;/my m/g/usage_in_bytes=390|;"
+         "/my m/g/stat=inactive_file 1|total_inactive_file 20|;"
+         "/my m/limit_in_bytes=9223372036854771712|;/my m/usage_in_bytes=123456|",
+         400, 30},
+        {"a parent that counts", "4:memory:/g/h\n", legacy, parent + "1", 100, 1},
+        {"a parent that does not", "4:memory:/g/h\n", legacy, parent + "0", kNone, kNone},
+        {"a part is mounted", "4:memory:/docker/1/in\n", container,
+         "/cg/in/limit_in_bytes=100;/cg/in/usage_in_bytes=1", 100, 99},
+        {"another part is mounted", "4:memory:/docker/12\n", container,
+         "/cg/limit_in_bytes=100;/cg/usage_in_bytes=2", 100, 98},
+        {"both kinds", "4:memory:/g\n0::/a\n", legacy + unified,
+         "/my m/g/limit_in_bytes=100;/my m/g/usage_in_bytes=1;/u/a/max=90;/u/a/current=80", 90, 10},
+        {"too long a name", "0::/" + std::string(3000, 'a') + "\n", unified, "", kNone, kNone}};
     for (const auto& one : kCases) {
         FakeMemorySystem system;
-        system.files = one.files;
+        system.files = filesOf(one.files);
         system.files["/proc/self/cgroup"] = one.groups;
         system.files["/proc/self/mountinfo"] = mount("/", "/", "ext4", "discard") + one.mounts;
         const MemoryFacts facts = MemoryFactsReader().read();

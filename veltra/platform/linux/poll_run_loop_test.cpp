@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/poll_run_loop.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <atomic>
 #include <chrono>
 #include <csignal>
-#include <cstring>
-#include <functional>
-#include <thread>
 
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/resource.h>

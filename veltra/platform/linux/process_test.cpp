@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/process.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <thread>
-
-#include <gtest/gtest.h>
 #include <sys/syscall.h>
 
 namespace veltra {

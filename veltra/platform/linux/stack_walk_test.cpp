@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/stack_walk.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/linux/stack_walkers.h"
 #include "veltra/platform/zone_code.h"
 
-#include <cstdlib>
-#include <thread>
-#include <vector>
-
 #include <alloca.h>
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -1,25 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/standard_error.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/linux/descriptor_standard_error.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 
-#include <algorithm>
-#include <atomic>
-#include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <set>
-#include <span>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -88,8 +77,7 @@ TEST(StandardError, EveryErrorAtEveryByteEndsTheLineOrIsOvercomeAndNothingIsRepe
                 for (std::size_t accepts = 0; accepts <= kLine.size(); ++accepts) {
                     DescriptorStandardError stream(scripted(canReopen, true));
                     kernel = {accepts, answer};
-                    sigset_t before{};
-                    sigset_t after{};
+                    sigset_t before{}, after{};
                     ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
                     stream.write({kind}, kPieces);
                     ::pthread_sigmask(SIG_SETMASK, nullptr, &after);
@@ -291,14 +279,13 @@ TEST(StandardError, LinesOfSeveralThreadsAreNeverMixed) {
     };
     kernel = {SIZE_MAX, 0};
     DescriptorStandardError stream(calls);
-    std::vector<std::thread> writers;
+    std::vector<std::jthread> writers;
     for (char letter = 'a'; letter < 'i'; ++letter)
         writers.emplace_back([&stream, body = std::string(20, letter)] {
             for (int line = 0; line < 200; ++line)
                 stream.write({Kind::RegularFile}, {"<", body, ">\n"});
         });
-    for (std::thread& writer : writers)
-        writer.join();
+    writers.clear();
     ASSERT_EQ(kernel.taken.size(), 8U * 200U * 23U);
     for (std::size_t begin = 0; begin < kernel.taken.size(); begin += 23)
         ASSERT_EQ(kernel.taken.substr(begin, 23),

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/symbol_names.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <string>
-#include <string_view>
-#include <thread>
-
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

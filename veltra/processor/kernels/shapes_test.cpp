@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Every vector variant beside the plain one, in buffers of every small length and alignment that
 // end or begin at a page nobody may touch.
+#include "veltra/base/testing/prelude.h"
 #include "veltra/processor/detail/sample_kernels.h"
 #include "veltra/processor/detail/swap_kernels.h"
 #include "veltra/processor/testing/guarded_memory.h"
-
-#include <algorithm>
-#include <cstring>
-#include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {

@@ -25,6 +25,14 @@ inline std::pair<std::string_view, int> partsOf(std::size_t code) {
     return kCodes[code < 22 ? code : 0];
 }
 
+// How many bytes the parts of one value take.
+inline std::size_t sizeOf(std::string_view parts) {
+    std::size_t size = 0;
+    for (const char part : parts)
+        size += static_cast<std::size_t>(part < 'a' ? part - '0' : part - 'a' + 1);
+    return size;
+}
+
 struct RecordSwapModel {
     std::uintptr_t limit;
 
@@ -33,7 +41,7 @@ struct RecordSwapModel {
         const auto flip = [&text = parts](unsigned char* at) {
             for (const char part : text) {
                 unsigned char* const start = at;
-                at += part < 'a' ? part - '0' : part - 'a' + 1;
+                at += sizeOf({&part, 1});
                 if (part < 'a') std::reverse(start, at);
             }
             return at;
@@ -80,9 +88,7 @@ struct BoundedModel {
 private:
     bool apply(std::size_t code, std::size_t count) {
         const auto [parts, values] = partsOf(code);
-        std::size_t first = 0;
-        for (const char part : parts)
-            first += static_cast<std::size_t>(part < 'a' ? part - '0' : part - 'a' + 1);
+        const std::size_t first = sizeOf(parts);
         for (; count > 0; --count) {
             unsigned char* const field = record.data() + taken;
             isInside = isInside && addressOf(field) + first <= m_end;

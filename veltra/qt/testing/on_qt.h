@@ -2,6 +2,7 @@
 // A view in a widget between two fields that take the keyboard, in an application of Qt.
 #pragma once
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/qt/view_widget.h"
 #include "veltra/ui/application.h"
 #include "veltra/ui/canvas.h"
@@ -12,9 +13,6 @@
 #include <QPointer>
 #include <QTest>
 #include <QWheelEvent>
-#include <functional>
-#include <memory>
-#include <vector>
 
 #include <gmock/gmock.h>
 

@@ -8,20 +8,14 @@
 //   host.press({10, 10});
 #pragma once
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/ui/application.h"
+#include "veltra/ui/control.h"
 #include "veltra/ui/port.h"
 #include "veltra/ui/testing/recording_canvas.h"
 #include "veltra/ui/window.h"
 
-#include <deque>
-#include <functional>
-#include <map>
-#include <memory>
-#include <optional>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
+#include <gmock/gmock.h>
 
 namespace veltra::testing {
 
@@ -112,6 +106,13 @@ private:
     UiPort* const m_before;
 };
 
+// What actions go to.
+struct Receiver final : Anchored {
+    void act(Control& sender) { ++count, last = &sender; }
+    int count = 0;
+    Control* last = nullptr;
+};
+
 // A view that fills a window with the keyboard. Points are in the window's coordinates.
 class HostedView {
 public:
@@ -157,7 +158,6 @@ public:
         return std::move(canvas.calls);
     }
 
-private:
     Event eventAt(EventType type, Point point) {
         Event event;
         event.type = type;
@@ -166,6 +166,7 @@ private:
         return event;
     }
 
+private:
     void send(EventType type, Point point, std::int32_t clickCount, ModifierFlags flags) {
         Event event = eventAt(type, point);
         event.clickCount = clickCount;
