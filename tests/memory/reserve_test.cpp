@@ -4,10 +4,77 @@
 #include "veltra/base/testing/prelude.h"
 #include "veltra/memory/testing/zone_stress.h"
 
+#include <fstream>
+#include <new>
+
 #include <malloc.h>
+#include <sys/resource.h>
 
 namespace veltra {
 namespace {
+
+// The levels at each callback, in order; fixed memory, because it is written when memory is out.
+char levels[16];
+std::atomic<std::size_t> levelCount{0};
+
+void noteLevel(void*) {
+    levels[levelCount++ % 15] = static_cast<char>('0' + QKMemoryReserveGetLowMemoryLevel());
+}
+
+void* takeMebibytes(std::size_t count) {
+    return ::operator new(count << 20, std::nothrow);
+}
+
+// False when a request failed that the reserve should have saved, or cost more than it may.
+bool exhaust(std::size_t threadCount) {
+    std::array<void*, 24> blocks{takeMebibytes(300), takeMebibytes(600)};
+    bool isSaved = blocks[0] != nullptr && blocks[1] == nullptr && std::string_view(levels) == "1";
+    std::atomic<std::size_t> next{2}, taken{0};
+    std::vector<std::jthread> threads(threadCount);
+    for (std::jthread& thread : threads)
+        thread = std::jthread([&] {
+            while (QKMemoryReserveGetLowMemoryLevel() == 1 && next < 20)
+                taken += (blocks[next++] = takeMebibytes(50)) != nullptr;
+        });
+    threads.clear();
+    isSaved &=
+        taken >= 7;  // of 800 MiB 500 are left at level 1; threads and their stacks have some
+    for (void* block : blocks)
+        ::operator delete(block);
+    QKMemoryReserveTryReserveReallocation();
+    std::free(std::malloc(1));
+    return isSaved;
+}
+
+TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
+    SKIP_WITHOUT_REAL_ZONE();
+    for (const std::size_t threadCount : {1U, 4U}) {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(::pipe(ends.data()), 0);
+        EXPECT_TRUE(testing::holdsInChild([&] {
+            ::dup2(ends[1], STDERR_FILENO);
+            // No address space for the arenas of threads.
+            ::mallopt(M_ARENA_MAX, 1);  // NOLINT(concurrency-mt-unsafe): one thread
+            std::size_t pages = 0;
+            std::ifstream("/proc/self/statm") >> pages;
+            const rlimit limit{pages * 4096 + (std::size_t{800} << 20), RLIM_INFINITY};
+            ::setrlimit(RLIMIT_AS, &limit);
+            std::free(QKMemoryReserveEnter(noteLevel, nullptr));
+            const bool isSaved = exhaust(threadCount);
+            QKMemoryReserveExit();
+            return std::fputs(levels, stderr) >= 0 && isSaved;
+        }));
+        ::close(ends[1]);
+        std::string text(1000, '\0');
+        text.resize(static_cast<std::size_t>(::read(ends[0], text.data(), text.size())));
+        ::close(ends[0]);
+        EXPECT_EQ(text,
+                  "QKMemReserve: starting in Marquee mode\n"
+                  "QKMemReserve: allocating in Marquee mode\n"
+                  "QKMemReserve: reallocating in Marquee mode\n"
+                  "120");
+    }
+}
 
 TEST(RealMemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     SKIP_WITHOUT_REAL_ZONE();
