@@ -57,7 +57,7 @@ TEST(RecentLogLines, AreNeverTorn) {
     const auto ring = std::make_unique<LogRing>();
     std::atomic<int> writing{4};
     std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
+    for (std::size_t t = 0; t < 4; ++t)
         threads.emplace_back([&ring, &writing, t] {
             for (std::size_t i = 0; i < 20'000; ++i)
                 ring->add("", std::string(1 + i % 300, static_cast<char>('a' + (i + t) % 26)));

@@ -108,6 +108,13 @@ TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
     });
 }
 
+// All from one place: a loop whose sizes the compiler knows might be unrolled.
+[[gnu::noinline]] void leakEach(std::span<const std::size_t> sizes) {
+    const QKLeakGuard guard;
+    for (const std::size_t size : sizes)
+        (void)take(size);
+}
+
 [[gnu::noinline]] void leakOften(int times) {
     const QKLeakGuard guard;
     while (times-- > 0)
@@ -145,11 +152,8 @@ TEST(LeakReport, BothFormsPrintUpToTheLimitTheNewestOrTheLargestAndTheSum) {
     guarded([](auto& preferences) {
         preferences.stored = PropertyValue::Dictionary{{"LeakGuardEnabled", "yes"},
                                                        {"LeakGuardPrintLimit", " 2 of"}};
-        const auto leak = [] {
-            for (const std::size_t size : {1U, 20U, 300U})
-                (void)takeInScope(size);
-        };
-        leak();
+        constexpr std::array<std::size_t, 3> kSizes{1, 20, 300};
+        leakEach(kSizes);
         const auto report = printed([] { QKLeakGuard::ResetHistory(true); });
         EXPECT_EQ(report.find("LLD: 300 bytes on"), 0U);
         EXPECT_NE(report.find("LLD: 20 bytes on"), std::string::npos);
@@ -157,7 +161,7 @@ TEST(LeakReport, BothFormsPrintUpToTheLimitTheNewestOrTheLargestAndTheSum) {
         EXPECT_NE(report.find("LLD: a total of 321 bytes"), std::string::npos);
         (void)takeInScope(1);
         leakOften(3);
-        leak();
+        leakEach(kSizes);
         const auto text = printed([] { EXPECT_EQ(QKLeakGuardPrintLeaks(), 472); });
         EXPECT_EQ(text.find("leak: 321 bytes in 3 blocks\n"), 0U) << text;
         EXPECT_EQ(text.find("1 byte in"), std::string::npos) << text;

@@ -50,7 +50,7 @@ TEST(SystemVersion, LooksAtSixtyFourKibibytesAtMostAndNeverAtHalfALine) {
     FakeSystemQueries queries;
     EXPECT_EQ(systemVersion(), "Unknown");
     const std::string start = "NAME=A\nVERSION_ID=1\nBUILD_ID=2\n";
-    for (const std::size_t before : {65'536, 65'537}) {  // the last byte of the late line
+    for (const std::size_t before : {65'536U, 65'537U}) {  // the last byte of the late line
         std::string text = start + std::string(before - start.size() - 7, '#') + "\nNAME=B";
         ASSERT_EQ(text.size(), before);
         system.files["/etc/os-release"] = text;
