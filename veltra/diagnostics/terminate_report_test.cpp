@@ -31,10 +31,13 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
     const struct {
         void (*fail)();
         const char* text;
+        const char* inStack = "";
     } cases[] = {
         {[] { raiseException("Name", "reason"); }, "Not caught: Name: reason\n"},
         {throwsForTheReport, "Not caught: std::runtime_error: half\n"},
-        {[] { std::thread(throwsForTheReport).join(); }, "std::runtime_error: half\n"},
+        {[] { std::thread(throwsForTheReport).join(); }, "std::runtime_error: half\n",
+         "throwsForTheReport"},  // clang unwinds up to a noexcept first, but not to a thread's
+                                 // start
         {[] { throw 7; }, "Not caught: int\n"},
         {[] { std::terminate(); }, "Terminated without an exception of C++.\n"},
         {[] { veltraCallFromCWithoutTables([](void*) { throwsForTheReport(); }, nullptr); },
@@ -45,17 +48,15 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
          },
          "std::runtime_error: half\n"},
     };
-    for (const auto& [fail, text] : cases) {
+    for (const auto& [fail, text, inStack] : cases) {
         const testing::EndedChild ended = testing::endedChild([fail = fail]() noexcept {
             VLInstallTerminateHandler();
             VLInstallTerminateHandler();
             fail();
         });
         EXPECT_TRUE(ended.wasKilledBy(SIGABRT)) << text;
-        EXPECT_THAT(ended.log, AllOf(HasSubstr("unexpected error. ****\n\n"), HasSubstr(text)));
-        if (fail == throwsForTheReport) {
-            EXPECT_THAT(ended.log, HasSubstr("throwsForTheReport"));
-        }
+        EXPECT_THAT(ended.log, AllOf(HasSubstr("unexpected error. ****\n\n"), HasSubstr(text),
+                                     HasSubstr(inStack)));
     }
 }
 
