@@ -78,7 +78,8 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     ASSERT_NE(about, nullptr);
     EXPECT_THAT(about->text().toStdString(), HasSubstr(aboutText()));
     about->close();
-    player.remove(player.look().strips[3].key);  // it is scrolled out of view
+    player.remove(player.look().strips[3].key);  // scrolled out of view
+    ASSERT_TRUE(comesTrue([&] { return find(root, "Remove endless.wav") == nullptr; }));
 
     EXPECT_NE(find(root, "Speakers L R C LFE Ls Rs"), nullptr);
     EXPECT_TRUE(comesTrue([&] { return find(root, "Waveform with 1 onset") != nullptr; }));
