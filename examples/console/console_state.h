@@ -5,6 +5,7 @@
 
 #include "engine.h"
 #include "overview.h"
+#include "progress_board.h"
 
 #include <cstdint>
 #include <string>
@@ -27,8 +28,9 @@ struct ConsoleState {
     std::vector<StripState> strips;  // in the order in which they were added
     OutputPeaks outputPeaks{};
     BarBeatTick place;
-    double seconds = 0.0;    // since the transport started
-    std::string outputName;  // of the device
+    double seconds = 0.0;               // since the transport started
+    std::string outputName;             // of the device
+    std::vector<ProgressLine> reading;  // waveforms that are being made
 };
 
 }  // namespace veltra::console

@@ -26,6 +26,8 @@ StripId Engine::add(std::unique_ptr<AudioFile> file) {
         // A head start before the audio thread can see it: no underrun at the first block.
         strip->feed();
         strip->feed();
+    } else {
+        strip->showProgress();
     }
     m_strips.push_back({++m_lastId, std::move(strip)});
     Strip* const added = m_strips.back().strip.get();
@@ -90,7 +92,7 @@ StripResult Engine::resultOf(const Entry& entry) {
     result.missedFrames = strip.missedFrames();
     const auto end = static_cast<std::int64_t>(result.framesRead);
     result.end = barBeatTick(musicalContext(end, result.format.rate).m_positionInTicks);
-    result.complete = strip.isDrained();
+    result.complete = strip.isDrained() && !strip.wasStopped();
     result.problem = strip.file().problem();
     return result;
 }

@@ -2,6 +2,7 @@
 // veltra-console: plays audio files and tells what is in them. A small host that shows how the
 // framework's pieces are put together; read on in session.cpp, then engine.h and pcm_reader.cpp.
 #include "options.h"
+#include "requests.h"
 #include "session.h"
 #include "window_program.h"
 
@@ -10,13 +11,14 @@
 
 int main(int argc, char** argv) try {
     using namespace veltra::console;
+    introduceProgram();
     std::string error;
     const auto options = parseOptions({argv + 1, static_cast<std::size_t>(argc - 1)}, error);
     if (!options) {
         std::fprintf(stderr, "veltra-console: %s; see veltra-console --help\n", error.c_str());
         return 2;
     }
-    if (options->help) return std::fputs(kHelpText, stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+    if (const auto status = answerRequest(*options)) return *status;
     // The window is a program of its own: who only reads files need not load a toolkit.
     if (wantsWindow(*options)) becomeWindow(argv);
     if (!options->picture.empty()) {

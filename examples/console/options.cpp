@@ -9,6 +9,7 @@ namespace veltra::console {
 const char* const kHelpText =
     R"(Usage: veltra-console [--headless | --terminal] [--report -|FILE] [--device auto|null] FILE...
        veltra-console --picture FILE.png [--scale N] [--theme light|dark] FILE...
+       veltra-console --version | --machine | --demo-exception | --help
 
 Plays audio files, all at once, and tells what is in them: in a window where there is a display,
 else in the terminal. In the window files can be left out, and come and go while others play.
@@ -22,10 +23,19 @@ else in the terminal. In the window files can be left out, and come and go while
   --report FILE   write the report to FILE when all has ended; - is standard output
   --device auto   play on the default audio device, or in silence when there is none (the default)
   --device null   play in silence, at the pace of real time
+  --progress      tell on standard error how far the files are read; --picture does so by itself
+                  on a terminal
+  --version       print the version of this program and that of the system
+  --machine       print what bug reports want to know of this machine
+  --demo-exception
+                  raise an exception, to see its report in the log and the question that follows
   --help          print this text
   --              what follows are files, also when it begins with a dash
 
 Ctrl-C ends early, with the report of what was read so far.
+
+In the window Ctrl-O adds files, Escape stops reading their waveforms, F1 tells the versions, and
+Ctrl-Shift-E is --demo-exception.
 
 The report has a block for each file, in the order of the command line: the file's name, then the
 lines below, names in columns 3 to 14 and values from column 15; a blank line between blocks.
@@ -65,6 +75,15 @@ std::optional<float> parseScale(std::string_view text) {
     return value;
 }
 
+// Files when the option asks for none of the others.
+Request requestOf(std::string_view name) {
+    if (name == "--help") return Request::Help;
+    if (name == "--version") return Request::Version;
+    if (name == "--machine") return Request::Machine;
+    if (name == "--demo-exception") return Request::Exception;
+    return Request::Files;
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(std::span<const char* const> arguments, std::string& error) {
@@ -92,8 +111,10 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
 
         if (name == "--") {
             onlyFiles = true;
-        } else if (name == "--help") {
-            options.help = true;
+        } else if (const Request request = requestOf(name); request != Request::Files) {
+            options.request = request;
+        } else if (name == "--progress") {
+            options.progress = true;
         } else if (name == "--headless") {
             options.headless = true;
         } else if (name == "--terminal") {
@@ -115,7 +136,7 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
         }
     }
     const bool needsFiles = options.headless || options.terminal || !options.picture.empty();
-    if (options.files.empty() && !options.help && needsFiles) {
+    if (options.files.empty() && options.request == Request::Files && needsFiles) {
         error = "no files are named";
         return std::nullopt;
     }

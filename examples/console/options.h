@@ -13,10 +13,14 @@ namespace veltra::console {
 
 enum class Device { Auto, Null };
 
+// What is asked for; all but files is answered at once.
+enum class Request { Files, Help, Version, Machine, Exception };
+
 struct Options {
-    bool help = false;
+    Request request = Request::Files;  // of several, the last
     bool headless = false;
     bool terminal = false;  // no window, even where there is a display
+    bool progress = false;  // also where nobody expects it
     Device device = Device::Auto;
     std::string picture;  // a PNG file to draw; empty: none
     float scale = 1.0F;   // of the picture, pixels a point

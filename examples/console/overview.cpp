@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "overview.h"
 
+#include "file_progress.h"
 #include "measurement.h"
 
 #include <algorithm>
@@ -62,8 +63,10 @@ std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<
 
     ColumnMaker columns;
     OnsetDetector detector(file.format().rate);
+    FileProgress progress(file);
     for (std::size_t got = kChunkFrames; got == kChunkFrames;) {
-        if (stop.load(std::memory_order_relaxed)) return nullptr;  // only a wish to end early
+        // Both are only a wish to end early.
+        if (!progress.goOn() || stop.load(std::memory_order_relaxed)) return nullptr;
         got = file.read(places.data(), kChunkFrames);
         for (std::vector<float>& channel : samples)
             measure(channel.data(), got, 1.0F);  // silences what is not finite
@@ -77,6 +80,7 @@ std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<
         columns.push(mean);
         detector.push(mean);
     }
+    progress.goOn();  // the last value
     auto overview = std::make_shared<Overview>();
     columns.finish(*overview);
     overview->frames = file.framesRead();

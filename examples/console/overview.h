@@ -25,7 +25,8 @@ struct Overview {
     CTransients onsets;  // as OnsetDetector answers them
 };
 
-// Reads the file to its end. Null when `stop` becomes true before that.
+// Reads the file to its end, and tells the progress service how far it is. Null when `stop` becomes
+// true before that, or who shows the progress asks to stop.
 // Thread: any.
 std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<bool>& stop);
 

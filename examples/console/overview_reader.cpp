@@ -43,7 +43,11 @@ void OverviewReader::run() {
             overview = readOverview(*file, m_stopping);
         }
         lock.lock();
-        m_overviews[path] = std::move(overview);
+        if (overview) {
+            m_overviews[path] = std::move(overview);
+        } else {
+            m_overviews.erase(path);
+        }
     }
 }
 

@@ -23,7 +23,8 @@ public:
     OverviewReader& operator=(const OverviewReader&) = delete;
     ~OverviewReader();  // ends early, within a chunk
 
-    // Files that have been asked for before are not read again.
+    // Files that have been asked for before are not read again, unless that was stopped by who
+    // shows the progress, or failed.
     void request(const std::string& path);
 
     // Null while the file is not read to its end, or when it cannot be.

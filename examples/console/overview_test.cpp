@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "overview.h"
 
+#include "engine.h"
 #include "overview_reader.h"
+#include "progress_board.h"
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
+
+#include <functional>
 
 namespace veltra::console {
 namespace {
@@ -88,6 +92,53 @@ TEST(OverviewReader, ReadsInTheBackgroundAndEndsEarlyWhenItGoes) {
     EXPECT_EQ(overview->frames, 22050U);
     EXPECT_EQ(reader.find(folder() + "missing.wav"), nullptr);
     reader.request(synthetic("long.wav", 44100, "60 pinknoise"));
+}
+
+// Each way in which a file is read as fast as possible.
+TEST(ProgressBoard, IsToldOfEveryFileThatIsReadAndStopsIt) {
+    const std::string path = synthetic("told.wav", 44100, "2 pinknoise");
+    const auto scan = [&path] { return readOverview(*mustOpen(path), false) != nullptr; };
+    const auto measureIt = [&path] {
+        Engine engine(Engine::Feeding::ByCaller, 44100);
+        engine.add(mustOpen(path));
+        for (;;) {
+            engine.feed(kChunkFrames);
+            engine.processBlock(nullptr, 0, kChunkFrames);
+            const auto results = engine.collect();
+            if (results.empty()) continue;
+            EXPECT_EQ(results[0].complete, results[0].framesRead == 88200);
+            return results[0].complete;
+        }
+    };
+    for (const std::function<bool()>& read : {std::function<bool()>(scan), {measureIt}}) {
+        std::vector<double> values;
+        const ProgressBoard::Listener note = [&values](const auto& lines, auto changed, bool over) {
+            EXPECT_EQ(lines.at(changed).title, "told.wav");
+            values.push_back(over ? 2.0 : lines[changed].value);
+        };
+        {
+            const ProgressBoard board(note);
+            EXPECT_TRUE(read());
+            EXPECT_TRUE(board.lines().empty());
+        }
+        ASSERT_GE(values.size(), 3U);
+        EXPECT_EQ(values.front(), -1.0);
+        EXPECT_EQ(values[values.size() - 2], 1.0);
+        EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
+        {
+            std::atomic<bool> isOver{false};
+            ProgressBoard board;
+            std::thread user([&] {
+                while (!isOver)
+                    board.cancelAll();
+            });
+            while (read()) {  // until the user is fast enough
+            }
+            isOver = true;
+            user.join();
+        }
+        EXPECT_TRUE(read());  // nobody shows it any more
+    }
 }
 
 }  // namespace

@@ -109,6 +109,7 @@ void Player::keepResult(StripResult&& result, std::vector<std::string>& problems
 }
 
 const ConsoleState& Player::look() {
+    m_state.reading = m_progress.lines();
     if (!m_engine) return m_state;
     for (StripMeter& meter : m_engine->meters()) {
         const auto strip = std::find_if(

@@ -6,6 +6,7 @@
 #include "console_state.h"
 #include "live_output.h"
 #include "overview_reader.h"
+#include "progress_board.h"
 #include "report.h"
 
 #include <memory>
@@ -32,6 +33,9 @@ public:
     // From its beginning again, once it has ended. Answers as add() does.
     std::string playAgain(StripKey key);
 
+    // Ends the reading of waveforms. A file that is added again is read again.
+    void stopReading() noexcept { m_progress.cancelAll(); }
+
     // Looks after strips and the device. Call it every now and then. Answers what went wrong since.
     std::vector<std::string> tick();
 
@@ -56,6 +60,7 @@ private:
     const Device m_device;
     std::unique_ptr<Engine> m_engine;      // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
+    ProgressBoard m_progress;              // before the overviews: their reader tells it
     OverviewReader m_overviews;
     ConsoleState m_state;
     std::vector<Playing> m_playing;

@@ -3,9 +3,13 @@
 #include "report.h"
 
 #include "options.h"
+#include "requests.h"
 #include "status_line.h"
+#include "terminal_progress.h"
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/alert.h"
+#include "veltra/platform/termination.h"
 
 #include <gmock/gmock.h>
 
@@ -26,9 +30,9 @@ struct Outcome {
 Outcome console(const std::string& arguments) {
     const std::string out = folder() + "out";
     const std::string log = folder() + "log";
-    const int status =
-        shell("env -u DISPLAY -u WAYLAND_DISPLAY CFLOG_FORCE_STDERR=1 " VELTRA_CONSOLE " " +
-              arguments + " >" + out + " 2>" + log);
+    const int status = shell(
+        "setsid -w env -u DISPLAY -u WAYLAND_DISPLAY CFLOG_FORCE_STDERR=1 " VELTRA_CONSOLE " " +
+        arguments + " >" + out + " 2>" + log);
     return {status, contents(out), contents(log)};
 }
 
@@ -144,6 +148,55 @@ TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
     ASSERT_TRUE(options.has_value()) << error;
     EXPECT_EQ(options->files, (std::vector<std::string>{"a", "--help", "-"}));
     EXPECT_EQ(options->device, Device::Null);
+}
+
+TEST(Options, WhatIsAnsweredInsteadOfPlaying) {
+    struct Row {
+        const char* arguments;
+        const char* output;
+        const char* log;
+    };
+    for (const Row& row : {Row{"--version", "^Veltra Console [0-9.]+\n[^\n]+\n$", "^$"},
+                           {"--machine", "Veltra Console.*\n(.*\n)*memory", "^$"},
+                           {"--demo-exception", "^$", "DemonstrationException: raised on purpose"},
+                           {"--demo-exception", "^$", "raiseOnPurpose"}}) {
+        const Outcome run = console(row.arguments);  // nobody can be asked
+        EXPECT_EQ(run.status, 0) << row.arguments;
+        EXPECT_THAT(run.output, ContainsRegex(row.output));
+        EXPECT_THAT(run.log, ContainsRegex(row.log));
+        EXPECT_THAT(console("--help").output, HasSubstr(row.arguments));
+    }
+}
+
+TEST(Options, ProgressIsToldOnlyToThoseWhoAsk) {
+    const std::string path = synthetic("told.wav", 44100, "1 pinknoise");
+    EXPECT_THAT(console("--headless " + path).log, IsEmpty());
+    EXPECT_THAT(console("--headless --progress " + path).log, HasSubstr("told.wav 100 %\n"));
+    const std::vector<ProgressLine> lines{{"a.wav", 0.4}, {"b", -1.0}};
+    EXPECT_EQ(progressText(lines, 100), "a.wav 40 %  b");
+    EXPECT_EQ(progressText(lines, 7), "a.wav 4");
+}
+
+// Stands in for the user.
+class Answering final : public AlertPresenter {
+public:
+    AlertAnswer present(const Alert& alert) noexcept override {
+        asked = std::string(alert.message) + std::string(alert.header);
+        return AlertAnswer::Default;  // stop
+    }
+    std::string asked;
+};
+
+TEST(Requests, TheExceptionLetsTheUserStopTheProgram) {
+    static bool isStopped = false;
+    const Terminator before = installTerminator([]() noexcept { isStopped = true; });
+    Answering user;
+    AlertPresenter* const nobody = AlertPresenter::install(&user);
+    demonstrateException();
+    AlertPresenter::install(nobody);
+    installTerminator(before);
+    EXPECT_THAT(user.asked, HasSubstr("raised on purpose"));
+    EXPECT_TRUE(isStopped);
 }
 
 }  // namespace

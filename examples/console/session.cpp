@@ -23,6 +23,7 @@ constexpr std::size_t kHeadlessStrips = 4;
 Session::Session(Options options) : m_options(std::move(options)) {
     for (const std::string& path : m_options.files)
         m_entries.push_back({path, {}, {}});
+    if (m_options.progress) m_progress.emplace();
 }
 
 int Session::run() {
@@ -114,6 +115,7 @@ std::unique_ptr<AudioFile> Session::openNextFile() {
 
 void Session::complain(const std::string& problem) {
     m_status.clear();
+    if (m_progress) m_progress->clear();
     m_hasProblems = true;
     QKLogCString(kLogError, QKLogWithSyslogBanner(), kLogTag, "%s", printable(problem).c_str());
 }

@@ -8,9 +8,11 @@
 #include "options.h"
 #include "report.h"
 #include "status_line.h"
+#include "terminal_progress.h"
 #include "veltra/base/weak_anchor.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +40,7 @@ private:
     std::size_t m_opened = 0;                 // how many of them were tried
     std::unique_ptr<AudioFile> m_first;       // opened early, for its sample rate
     std::vector<std::size_t> m_entryOfStrip;  // by StripId
+    std::optional<TerminalProgress> m_progress;  // before the engine, whose strips tell it
     std::unique_ptr<Engine> m_engine;
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
     StatusLine m_status;

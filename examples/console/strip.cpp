@@ -47,6 +47,11 @@ bool Strip::isReadyFor(std::size_t frames) const noexcept {
 
 // Reads into m_places.
 std::size_t Strip::readAndMeasure(std::size_t frames) {
+    if (m_progress && !m_progress->goOn()) {
+        m_stopped = true;
+        m_fileEnded = true;
+        return 0;
+    }
     const std::size_t got = m_file->read(m_places.data(), frames);
     for (std::size_t done = 0; done < got;) {
         const std::size_t piece = std::min(got - done, m_loudest.framesLeft());
@@ -59,6 +64,7 @@ std::size_t Strip::readAndMeasure(std::size_t frames) {
         done += piece;
     }
     m_fileEnded = got < frames;
+    if (m_fileEnded && m_progress) m_progress->goOn();  // the last value
     return got;
 }
 

@@ -9,6 +9,7 @@
 
 #include "audio_file.h"
 #include "block.h"
+#include "file_progress.h"
 #include "loudest_channels.h"
 #include "measurement.h"
 #include "mixing.h"
@@ -20,6 +21,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace veltra::console {
@@ -31,6 +33,11 @@ public:
     // resampling. A file slower or faster by more than 256 times is played as it is. `ringFrames`
     // is how far reading runs ahead of playing, at least kChunkFrames.
     Strip(std::unique_ptr<AudioFile> file, double outputRate, std::size_t ringFrames);
+
+    // From now on the progress service is told how far the file is read, and its wish to stop ends
+    // the reading. For files that are read as fast as possible; others show their meters.
+    // Thread: the feeding one, which then also destroys the strip.
+    void showProgress() { m_progress.emplace(*m_file); }
 
     // Reads, measures and converts one chunk. Answers false when there is nothing to do: the ring
     // is full, or the file has ended.
@@ -82,6 +89,7 @@ public:
 
     // For when neither feed() nor render() can be running any more.
     const AudioFile& file() const noexcept { return *m_file; }
+    bool wasStopped() const noexcept { return m_stopped; }  // see showProgress()
     const Measurement& measurement() const noexcept { return m_measurement; }
     const LoudestChannels& loudestChannels() const noexcept { return m_loudest; }
 
@@ -112,6 +120,8 @@ private:
     std::size_t m_chunkFrames = 0;
     std::size_t m_chunkUsed = 0;
     bool m_fileEnded = false;
+    bool m_stopped = false;
+    std::optional<FileProgress> m_progress;
 
     std::atomic<bool> m_inputEnded{false};         // set by the feeding, read by the audio thread
     std::atomic<bool> m_drained{false};            // set by the audio, read by the main thread

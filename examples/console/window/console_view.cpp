@@ -37,6 +37,7 @@ ConsoleView::ConsoleView(const Rect& frame, ConsoleDelegate& delegate)
       m_outputName(addSubview(std::make_unique<Label>(
           Rect{}, Font::systemFont(12.0F), SystemColor::SecondaryLabel, TextAlignment::Right))),
       m_add(addSubview(std::make_unique<Button>(Rect{}, "Add files\u2026"))),
+      m_reading(addSubview(std::make_unique<ReadingLine>(Rect{}))),
       m_box(addSubview(std::make_unique<FlippedBox>(Rect{}))),
       m_hint(addSubview(std::make_unique<Label>(
           Rect{}, Font::systemFont(15.0F), SystemColor::SecondaryLabel, TextAlignment::Center))),
@@ -80,6 +81,8 @@ void ConsoleView::layOut() {
     m_outputName.setFrame(
         {{nameLeft, 20.0F}, {std::max(right - kAddWidth - kGap - nameLeft, 0.0F), 24.0F}});
     const Rect strips = stripsRect();
+    m_reading.setFrame({{kMargin, kHeaderHeight - 2.0F * ReadingLine::kHeight},
+                        {right - kMargin, ReadingLine::kHeight}});
     m_box.setFrame(strips);
     m_hint.setFrame(strips);
     m_output.setFrame({{right - kOutputWidth + kGap, strips.minY() + 50.0F},
@@ -139,6 +142,7 @@ void ConsoleView::update(const ConsoleState& state) {
     m_output.setPeaks(state.outputPeaks);
     m_transport.update(state.place, state.seconds);
     m_outputName.setText(state.outputName);
+    m_reading.update(state.reading);
 }
 
 void ConsoleView::addMessage(const std::string& message) {

@@ -4,6 +4,7 @@
 
 #include "console_delegate.h"
 #include "message_bar.h"
+#include "reading_line.h"
 #include "strip_view.h"
 #include "transport_view.h"
 
@@ -45,6 +46,7 @@ private:
     TransportView& m_transport;
     Label& m_outputName;
     Button& m_add;
+    ReadingLine& m_reading;
     View& m_box;  // what the strips scroll in
     Label& m_hint;
     MeterBridge& m_output;

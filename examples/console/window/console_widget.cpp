@@ -2,10 +2,12 @@
 #include "console_widget.h"
 
 #include "../interruption.h"
+#include "../requests.h"
 #include "veltra/infrastructure/timer.h"
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QShortcut>
 #include <QUrl>
@@ -48,8 +50,13 @@ ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
     setWindowTitle(QStringLiteral("Veltra Console"));
     setMinimumSize(460, 320);
     setAcceptDrops(true);
-    auto* const open = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_O), this);
-    connect(open, &QShortcut::activated, this, [this] { addFilesWasPressed(); });
+    const auto onKeys = [this](const QKeySequence& keys, auto reaction) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, reaction);
+    };
+    onKeys(QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
+    onKeys(QKeySequence(Qt::Key_Escape), [this] { m_player.stopReading(); });
+    onKeys(QKeySequence(Qt::Key_F1), [this] { showAbout(); });
+    onKeys(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E), [] { demonstrateException(); });
     m_beat = std::make_unique<Beat>(*this);
 }
 
@@ -64,6 +71,13 @@ void ConsoleWidget::refresh() {
 
 void ConsoleWidget::tell(const std::string& problem) {
     if (!problem.empty()) m_view->addMessage(problem);
+}
+
+void ConsoleWidget::showAbout() {
+    auto* const box = new QMessageBox(QMessageBox::Information, QStringLiteral("About"),
+                                      QString::fromStdString(aboutText()), QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void ConsoleWidget::addFiles(const std::vector<std::string>& paths) {

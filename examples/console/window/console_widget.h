@@ -27,6 +27,7 @@ private:
     class Beat;
 
     void refresh();
+    void showAbout();
     void tell(const std::string& problem);
 
     void addFilesWasPressed() override;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../requests.h"
 #include "../test_recordings.h"
 #include "console_widget.h"
 #include "veltra/base/testing/prelude.h"
@@ -6,6 +7,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QUrl>
 #include <QtTest>
@@ -64,6 +66,21 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
         return find(*bridge, "channel Rs")->accessibilityValueText() == "-6.0 dB";
     })) << find(*bridge, "channel Rs")->accessibilityValueText();
 
+    const std::string endless = synthetic("endless.wav", 48000, "300 sine 300");
+    widget.addFiles({endless});
+    EXPECT_TRUE(comesTrue([&] { return find(root, "Reading endless.wav") != nullptr; }));
+    QTest::keyClick(&widget, Qt::Key_Escape);
+    EXPECT_TRUE(comesTrue([&] { return player.look().reading.empty(); }));
+    EXPECT_EQ(player.look().strips[3].overview, nullptr);
+    EXPECT_TRUE(comesTrue([&] { return find(root, "Reading endless.wav") == nullptr; }));
+    QTest::keyClick(&widget, Qt::Key_F1);
+    auto* const about = widget.findChild<QMessageBox*>();
+    ASSERT_NE(about, nullptr);
+    EXPECT_THAT(about->text().toStdString(), HasSubstr(aboutText()));
+    about->close();
+    player.remove(player.look().strips[3].key);  // scrolled out of view
+    ASSERT_TRUE(comesTrue([&] { return find(root, "Remove endless.wav") == nullptr; }));
+
     EXPECT_NE(find(root, "Speakers L R C LFE Ls Rs"), nullptr);
     EXPECT_TRUE(comesTrue([&] { return find(root, "Waveform with 1 onset") != nullptr; }));
 
@@ -86,7 +103,7 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_EQ(find(root, "Messages"), nullptr);
 
     const auto entries = player.finish();
-    ASSERT_EQ(entries.size(), 5U);
+    ASSERT_EQ(entries.size(), 6U);
     EXPECT_FALSE(entries[1].error.empty());
     EXPECT_TRUE(entries[3].result->complete);
     EXPECT_FALSE(entries[2].result->complete);

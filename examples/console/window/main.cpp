@@ -4,20 +4,25 @@
 #include "../interruption.h"
 #include "../options.h"
 #include "../report.h"
+#include "../requests.h"
+#include "../terminal_progress.h"
 #include "../text.h"
 #include "console_widget.h"
 #include "loudest_picture.h"
+#include "veltra/diagnostics/backtracing_exception.h"
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>
 #include <cstdio>
 #include <exception>
+#include <optional>
 
 namespace {
 
 using namespace veltra::console;
 
 int showWindow(const Options& options) {
+    veltra::VLBacktracingException::install();
     listenForInterruption();
     Player player(options.device);
     {
@@ -37,17 +42,21 @@ int showWindow(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) try {
+    introduceProgram();
     std::string error;
     const auto options = parseOptions({argv + 1, static_cast<std::size_t>(argc - 1)}, error);
     if (!options) {
         std::fprintf(stderr, "veltra-console: %s; see veltra-console --help\n", error.c_str());
         return 2;
     }
+    if (const auto status = answerRequest(*options)) return *status;
     if (!options->picture.empty()) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Veltra Console"));
     veltra::installQtPort();
     if (options->picture.empty()) return showWindow(*options);
+    std::optional<TerminalProgress> progress;
+    if (options->progress || TerminalProgress::isTerminal()) progress.emplace();
     const std::string problem = writeLoudestPicture(*options);
     if (!problem.empty()) std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
     return problem.empty() ? 0 : 1;

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "requests.h"
+
+#include "veltra/diagnostics/backtracing_exception.h"
+#include "veltra/diagnostics/exception_report.h"
+#include "veltra/diagnostics/terminate_report.h"
+#include "veltra/infrastructure/hardware_report.h"
+#include "veltra/platform/application_facts.h"
+#include "veltra/platform/bundle_information.h"
+
+#include <cstdio>
+
+namespace veltra::console {
+
+namespace {
+
+// Not inlined, so that it has a line of its own in the backtrace.
+[[gnu::noinline]] void raiseOnPurpose() {
+    raiseException("DemonstrationException", "raised on purpose, to show what a report looks like");
+}
+
+int print(const std::string& text) {
+    return std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+}
+
+}  // namespace
+
+void introduceProgram() {
+    setBundleInformationText("CFBundleName", "Veltra Console");
+    setBundleInformationText("CFBundleShortVersionString", CONSOLE_VERSION);
+    VLInstallTerminateHandler();
+}
+
+std::string aboutText() {
+    return applicationName() + " " + applicationVersion() + "\n" + systemVersion() + "\n";
+}
+
+void demonstrateException() {
+    VLBacktracingException::install();
+    try {
+        raiseOnPurpose();
+    } catch (const Exception& exception) {
+        QKDisplayExceptionReport(exception);
+    }
+}
+
+std::optional<int> answerRequest(const Options& options) {
+    switch (options.request) {
+        case Request::Files:
+            return std::nullopt;
+        case Request::Help:
+            return print(kHelpText);
+        case Request::Version:
+            return print(aboutText());
+        case Request::Machine:
+            return print(hardwareReport());
+        case Request::Exception:
+            demonstrateException();
+            return 0;
+    }
+    return std::nullopt;
+}
+
+}  // namespace veltra::console
