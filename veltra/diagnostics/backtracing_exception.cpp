@@ -46,6 +46,9 @@ std::shared_ptr<Exception::UserInfo> userInfoFor(std::string_view name,
     if (isHarmless(name)) return given;
     auto own = given != nullptr ? std::make_shared<Exception::UserInfo>(*given)
                                 : std::make_shared<Exception::UserInfo>();
+    // What came with another exception's backtrace is that one's stack.
+    if (own->contains(kBacktraceKey) && own->contains(kStackTraceKey))
+        own->erase(own->find(kStackTraceKey));
     own->insert_or_assign(std::string(kBacktraceKey), "");
     return own;
 }
@@ -68,9 +71,9 @@ const PropertyValue* backtraceOf(const Exception& exception) noexcept {
 void logReport(const Exception& exception, std::string_view backtrace) noexcept {
     LocalTextBuffer<kUsualMessage> text;
     for (const std::string_view part :
-         {std::string_view("*** NSEXCEPTION RAISED ***\n\t"), std::string_view(exception.name()),
-          std::string_view(": "), std::string_view(exception.reason()), std::string_view("\n"),
-          backtrace})
+         {std::string_view("*** NSEXCEPTION RAISED ***\n\t"),
+          std::string_view(exception.name().c_str()), std::string_view(": "),
+          std::string_view(exception.reason().c_str()), std::string_view("\n"), backtrace})
         text.append(part);
     logMessage(kLogNotice, wantedBanner(), nullptr, text.view());
 

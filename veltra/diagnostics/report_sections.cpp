@@ -7,6 +7,7 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace veltra {
 
@@ -35,12 +36,16 @@ void takeLines(Take take) {
         if (section != nullptr) sections[count++] = section;
     }
     const auto present = std::span(sections).first(count);
-    std::ranges::sort(present, {},
-                      [](const ReportSection* section) { return std::string_view(section->name); });
+    std::ranges::sort(present, {}, [](const ReportSection* section) {
+        return std::pair(std::string_view(section->name), section);
+    });
+    const ReportSection* last = nullptr;
     for (const ReportSection* const section : present) {
+        if (section == std::exchange(last, section)) continue;  // two threads added it at once
         std::array<char, kLongestLine> text{};
         section->write(text.data(), text.size());
         text.back() = '\0';
+        std::ranges::replace(text, '\n', ' ');
         if (text.front() != '\0')
             take(std::string_view(section->name), std::string_view(text.data()));
     }

@@ -18,8 +18,8 @@ namespace {
 
 constinit std::atomic<std::terminate_handler> handlerBefore{nullptr};
 
-// Its address names the thread.
-VELTRA_NEVER_ALLOCATED constinit thread_local char threadMark = 0;
+// Whether this thread is done with the report. Its address names the thread.
+VELTRA_NEVER_ALLOCATED constinit thread_local bool goesOn = false;
 
 constinit std::atomic<const void*> reporter{nullptr};  // the thread that writes the report
 constinit std::atomic<bool> isWritten{false};
@@ -57,14 +57,16 @@ void appendCurrentException(TextBuffer& text) noexcept {
 // Several threads may come here. The first reports; others wait for it, because whoever is done
 // ends the process. A failure of the report itself ends it at once.
 [[noreturn]] void reportAndGoOn() noexcept {
+    if (goesOn) std::abort();  // the handler before has led back here
     const void* other = nullptr;
-    if (reporter.compare_exchange_strong(other, &threadMark, std::memory_order_relaxed)) {
+    if (reporter.compare_exchange_strong(other, &goesOn, std::memory_order_relaxed)) {
         writeReport();
         isWritten.store(true, std::memory_order_release);  // with wait()
         isWritten.notify_all();
-    } else if (other != &threadMark) {
+    } else if (other != &goesOn) {
         isWritten.wait(false, std::memory_order_acquire);  // with store()
     }
+    goesOn = true;
     const std::terminate_handler before = handlerBefore.load(std::memory_order_acquire);
     if (before != nullptr) before();
     std::abort();
@@ -73,10 +75,10 @@ void appendCurrentException(TextBuffer& text) noexcept {
 }  // namespace
 
 extern "C" void VLInstallTerminateHandler() noexcept {
-    if (std::get_terminate() == reportAndGoOn) return;
     prepareSymbolNames();
-    handlerBefore.store(std::get_terminate(), std::memory_order_release);  // with reportAndGoOn()
-    std::set_terminate(reportAndGoOn);
+    const std::terminate_handler before = std::set_terminate(reportAndGoOn);
+    if (before != reportAndGoOn)
+        handlerBefore.store(before, std::memory_order_release);  // with reportAndGoOn()
 }
 
 }  // namespace veltra

@@ -6,6 +6,7 @@
 #include "veltra/infrastructure/detail/color_space.h"
 #include "veltra/infrastructure/environment.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/resources.h"
 
 #include <algorithm>
@@ -83,6 +84,7 @@ const VLColorSpace* spaceOfFile(const std::string& name) {
 }
 
 const VLColorSpace* spaceOfResource(const VLString* name) noexcept {
+    const NoCancellation whileFilesAreRead;
     return unlessOutOfMemory(nullptr, [name]() -> const VLColorSpace* {
         const std::optional<std::string> text = textOf(name);
         if (!text || text->find_first_of(std::string_view("/\0", 2)) != std::string::npos)

@@ -108,10 +108,10 @@ const VLString* QKBundlePath(const QKBundle* bundle) noexcept {
 const VLString* QKBundlePathOfResource(const QKBundle* bundle, const VLString* name,
                                        const VLString* type) noexcept {
     const auto text = textOf(name);
-    if (bundle == nullptr || !text) return nullptr;
-    return createdPath([&] {
-        return pathOfResourceIn(bundle->folder, *text, textOf(type).value_or(std::string()));
-    });
+    const auto ending = textOf(type);
+    if (bundle == nullptr || !text || (type != nullptr && !ending)) return nullptr;
+    return createdPath(
+        [&] { return pathOfResourceIn(bundle->folder, *text, ending.value_or(std::string())); });
 }
 
 const VLString* qk_pathOfQkoreBundleImage(const VLString* name) noexcept {

@@ -20,7 +20,7 @@ constexpr std::int32_t kX86 = 7;
 constexpr std::int32_t kX86With64Bits = 16'777'223;
 constexpr std::int32_t kFirstX86Family = 0x73D67300;
 constexpr std::int32_t kSecondX86Family = 0x426F69EF;
-constexpr std::uint64_t kLastTypeOf32Bits = 312;
+constexpr std::int32_t kLastTypeOf32Bits = 312;
 constexpr std::uint64_t kVectorInstructions = 0x10;
 
 std::uint64_t numberOf(SystemKey key) noexcept {
@@ -98,7 +98,7 @@ std::int32_t QKHardwareUtilities::cpuType() {
     if (machine == kX86 || machine == kX86With64Bits) {
         const std::int32_t family = machineCpuFamily();
         type = family == kSecondX86Family ? 5 : family == kFirstX86Family ? 4 : 6;
-    } else if (numberOf(SystemKey::NativeProcessorType) > kLastTypeOf32Bits) {
+    } else if (patternOf(SystemKey::NativeProcessorType) > kLastTypeOf32Bits) {
         type = 3;
     } else if ((numberOf(SystemKey::PowerPcFeatures) & kVectorInstructions) != 0) {
         type = 2;

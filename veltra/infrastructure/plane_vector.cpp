@@ -43,6 +43,7 @@ float vectorLength(QkVector vector) noexcept {
 }
 
 float vectorAngle(QkVector vector) noexcept {
+    if (vector.x == 0.0F && vector.y == 0.0F) return 0.0F;  // also with negative zeros
     return static_cast<float>(
         std::atan2(static_cast<double>(vector.y), static_cast<double>(vector.x)));
 }

@@ -6,6 +6,7 @@
 #include "veltra/base/json_text.h"
 #include "veltra/base/number_text.h"
 #include "veltra/base/out_of_memory.h"
+#include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/resources.h"
 
@@ -47,11 +48,18 @@ std::string textFrom(const PropertyValue& value) {
 
 class OwnBundleInformation final : public BundleInformation {
 public:
+    OwnBundleInformation() noexcept { m_lock.holdAcrossForks(); }
+
     std::string text(std::string_view key) const override {
+        if (!isKnown()) {
+            PropertyValue::Dictionary read = dictionaryFromFile();
+            const std::lock_guard lock(m_lock);
+            if (!m_dictionary) m_dictionary = std::move(read);
+        }
         PropertyValue value;
         {
-            const std::lock_guard lock(m_mutex);
-            if (!m_dictionary) m_dictionary = dictionaryFromFile();
+            const std::lock_guard lock(m_lock);
+            if (!m_dictionary) return {};  // it was just given back
             const auto found = m_dictionary->find(key);
             if (found != m_dictionary->end()) value = found->second;
         }
@@ -59,13 +67,13 @@ public:
     }
 
     void set(std::optional<PropertyValue::Dictionary> dictionary) noexcept {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         m_isHandedOver = dictionary.has_value();
         m_dictionary.swap(dictionary);
     }
 
     void set(std::string_view key, std::string_view text) {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         PropertyValue::Dictionary changed;
         if (m_isHandedOver) changed = *m_dictionary;
         changed.insert_or_assign(std::string(key), PropertyValue(text));
@@ -74,7 +82,12 @@ public:
     }
 
 private:
-    mutable std::mutex m_mutex;
+    bool isKnown() const noexcept {
+        const std::lock_guard lock(m_lock);
+        return m_dictionary.has_value();
+    }
+
+    mutable ForkSafeLock m_lock;
     mutable std::optional<PropertyValue::Dictionary> m_dictionary;  // nothing: file not read yet
     bool m_isHandedOver = false;
 };

@@ -2,6 +2,7 @@
 #include "veltra/platform/resources.h"
 
 #include "veltra/base/immortal.h"
+#include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
@@ -18,7 +19,9 @@ namespace {
 namespace fs = std::filesystem;
 
 struct HostFolder {
-    std::mutex mutex;
+    HostFolder() { lock.holdAcrossForks(); }
+
+    ForkSafeLock lock;
     std::string path;
 };
 
@@ -47,14 +50,14 @@ std::string hostDataFolder() {
 }
 
 void setResourceFolder(std::string folder) {
-    const std::lock_guard lock(hostFolder().mutex);
+    const std::lock_guard lock(hostFolder().lock);
     hostFolder().path = std::move(folder);
 }
 
 std::vector<std::string> resourceFolders() {
     std::vector<std::string> folders;
     {
-        const std::lock_guard lock(hostFolder().mutex);
+        const std::lock_guard lock(hostFolder().lock);
         folders.push_back(hostFolder().path);
     }
     folders.push_back(hostDataFolder());
@@ -68,10 +71,12 @@ std::vector<std::string> resourceFolders() {
 
 std::string pathOfResourceIn(const std::string& folder, std::string_view name,
                              std::string_view extension) {
-    if (folder.empty() || name.find('\0') != std::string_view::npos || !staysInside(name))
+    std::string file(name);
+    if (!extension.empty()) file.append(1, '.').append(extension);
+    if (folder.empty() || file.find('\0') != std::string::npos || !staysInside(name) ||
+        !staysInside(file))
         return {};
-    std::string path = fs::path(folder) / name;
-    if (!extension.empty()) path.append(1, '.').append(extension);
+    std::string path = fs::path(folder) / file;
     std::error_code error;
     return fs::is_regular_file(path, error) ? path : std::string();
 }

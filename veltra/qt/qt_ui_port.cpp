@@ -25,7 +25,7 @@ WeakPointer<RunLoop>* s_loopBefore = nullptr;
 // On any thread; the loop is that of the main one.
 void endEventLoop() noexcept {
     if (QCoreApplication* const application = QCoreApplication::instance())
-        QMetaObject::invokeMethod(application, &QCoreApplication::quit);
+        QMetaObject::invokeMethod(application, "quit");
 }
 }  // namespace
 

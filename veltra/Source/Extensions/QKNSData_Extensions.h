@@ -33,8 +33,8 @@ VELTRA_EXPORT std::optional<PropertyValue::Data> compressedData(
 VELTRA_EXPORT std::optional<PropertyValue::Data> decompressedData(
     std::span<const std::uint8_t> stream) noexcept;
 
-// The same; nothing also when the unpacked data has more than `maximumSize` bytes. It takes memory
-// for hardly more than that.
+// The same; nothing also when the unpacked data has more than `maximumSize` bytes. For a moment it
+// takes memory for twice the unpacked data.
 VELTRA_EXPORT std::optional<PropertyValue::Data> decompressedData(
     std::span<const std::uint8_t> stream, std::size_t maximumSize) noexcept;
 

@@ -34,8 +34,10 @@ bool isOfKind(std::string_view path, FileKind kind, LastLink lastLink) noexcept 
 // Whether `path` is a folder afterwards.
 bool makeOne(FileSystem& files, const std::string& path, std::optional<std::uint32_t> permissions) {
     constexpr FileSystem::Handle kHere = FileSystem::kWorkingFolder;
+    // It must be opened before it gets permissions that may forbid that.
+    constexpr std::uint32_t kOwnersOwn = 0700;
     const std::error_code error =
-        files.makeFolder(kHere, path.c_str(), permissions.value_or(kFolderPermissions));
+        files.makeFolder(kHere, path.c_str(), permissions ? kOwnersOwn : kFolderPermissions);
     if (error) {
         // Also what may not be written to, or has a link in its place, may be there already.
         return kindAt(path, LastLink::Follow) == FileKind::Folder;

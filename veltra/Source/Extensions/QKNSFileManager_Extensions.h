@@ -55,9 +55,9 @@ VELTRA_EXPORT bool makeSureDirectoryExistsAtPath(std::string_view path) noexcept
 VELTRA_EXPORT std::optional<std::vector<std::string>> contentPathsAtPath(
     std::string_view path, bool traverseSubpaths, bool traverseFilePackages = false) noexcept;
 
-// The names in a folder that end in "." and `withPathExtension`, in small or capital letters, in
-// the order of their bytes. With an empty extension: those that have none. Nothing when the folder
-// cannot be read.
+// The names in a folder whose extension, behind their last point, is `withPathExtension`, in small
+// or capital letters, in the order of their bytes. A name that only begins with a point has none.
+// With an empty extension: those that have none. Nothing when the folder cannot be read.
 VELTRA_EXPORT std::optional<std::vector<std::string>> directoryContentsAtPath(
     std::string_view path, std::string_view withPathExtension) noexcept;
 

@@ -22,7 +22,8 @@ namespace veltra {
 // Something of the source that is not in the target, or not as it should be.
 struct MergeProblem {
     enum class Reason : std::uint8_t {
-        Failed,             // `error` says why; the item was left out
+        Failed,             // `error` says why; the item was left out. Folders more than 200 levels
+                            // deep are: std::errc::filename_too_long
         KindsDiffer,        // a file, a folder, a package and a link do not replace one another
         NotCopied,          // neither a file nor a folder nor a link: a pipe, a device
         InsideItself,       // the target lies in the source, or is the source

@@ -96,6 +96,7 @@ std::optional<std::string> stringWithCStringFormat(const char* format, ...) {
     std::array<char, 256> usual;
     std::va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start() is just above
     const int length = std::vsnprintf(usual.data(), usual.size(), format, arguments);
     va_end(arguments);
     if (length < 0) return std::nullopt;
@@ -104,6 +105,7 @@ std::optional<std::string> stringWithCStringFormat(const char* format, ...) {
 
     std::string result(size, '\0');
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): and again
     const int written = std::vsnprintf(result.data(), size + 1, format, arguments);
     va_end(arguments);
     if (written != length) return std::nullopt;

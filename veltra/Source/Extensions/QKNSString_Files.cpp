@@ -85,6 +85,7 @@ bool isFileVisible(std::string_view path) noexcept {
                                                  FileSystem::LastLink::Follow, facts))
             return false;
         const std::string_view name = lastNameOf(*item);
+        if (name.empty()) return true;  // "/"
         if (name.starts_with('.')) return false;
         return !isListedAsHidden(stringByDeletingNumberOfLastPathComponents(*item, 1), name);
     });

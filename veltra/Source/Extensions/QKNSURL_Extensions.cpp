@@ -43,7 +43,8 @@ std::optional<Volume> volumeAbove(path item) {
 bool isInTrash(std::string_view url) noexcept {
     return answerAboutFiles(false, [&] {
         const std::optional<std::string> text = pathOfFileUrl(url);
-        if (!text) return false;
+        constexpr std::size_t kLongestPath = 4096;  // bytes; the system takes none that is longer
+        if (!text || text->size() > kLongestPath) return false;
         // A link in the trash is there itself, wherever it leads.
         path named(*text);
         if (!named.has_filename()) named = named.parent_path();

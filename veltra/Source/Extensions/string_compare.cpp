@@ -76,12 +76,15 @@ private:
         return length;
     }
 
-    // A code point with the marks that combine with it, unless texts are compared literally.
+    // A code point with the marks that combine with it, unless texts are compared literally. No
+    // language needs more than 30, and more would take time that grows with their square.
     std::size_t lengthOfCharacter(std::string_view rest) const noexcept {
         const DecodedCharacter first = firstCharacter(rest);
         std::size_t length = first.length;
         if (m_isLiteral || !first.isWellFormed) return length;
-        while (length < rest.size() && !isAscii(rest[length])) {
+        constexpr int kMostMarks = 30;
+        for (int mark = 0; mark < kMostMarks && length < rest.size() && !isAscii(rest[length]);
+             ++mark) {
             const DecodedCharacter next = firstCharacter(rest.substr(length));
             if (!next.isWellFormed || !m_services.isCombining(next.code)) break;
             length += next.length;

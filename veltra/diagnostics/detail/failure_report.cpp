@@ -59,6 +59,7 @@ void logSections() noexcept {
 FailureReport::FailureReport() noexcept {
     appendFact(m_application, applicationName, Process::current().programName());
     appendAll(m_title, {m_application.view(), " has encountered an unexpected error."});
+    m_recentLines.append(kRecentTitle);
     VLVisitRecentLogLines(
         [](void* context, const char* line, size_t length) {
             appendAll(*static_cast<TextBuffer*>(context), {"\t", {line, length}, "\n"});
@@ -77,10 +78,7 @@ void FailureReport::log(std::string_view text,
     logPart(heading.view());
     logStack(stack);
     logSections();
-    if (m_recentLines.view().empty()) return;
-    LocalTextBuffer<sizeof m_recentLines> lines;
-    appendAll(lines, {"Logged before:\n", m_recentLines.view()});
-    logPart(lines.view(), Kept::No);
+    if (m_recentLines.view() != kRecentTitle) logPart(m_recentLines.view(), Kept::No);
 }
 
 }  // namespace veltra::detail

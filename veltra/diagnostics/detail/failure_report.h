@@ -12,7 +12,7 @@
 
 namespace veltra::detail {
 
-// Needs some 20 KiB of stack, and no heap: without memory its parts are shorter.
+// Needs some 40 KiB of stack, and no heap: without memory its parts are shorter.
 class FailureReport {
 public:
     // Looks at the log as it is now.
@@ -27,7 +27,9 @@ public:
 private:
     LocalTextBuffer<256> m_application;
     LocalTextBuffer<256> m_title;
-    LocalTextBuffer<LogRing::kLines*(LogRing::kLongestLine + 2)> m_recentLines;
+    static constexpr std::string_view kRecentTitle = "Logged before:\n";
+    LocalTextBuffer<kRecentTitle.size() + LogRing::kLines*(LogRing::kLongestLine + 2)>
+        m_recentLines;  // after the title
 };
 
 }  // namespace veltra::detail

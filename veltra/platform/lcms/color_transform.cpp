@@ -25,13 +25,16 @@ namespace {
 // tables needs that.
 class Arena {
 public:
+    static constexpr std::size_t kLargestBlock = 536'870'912;  // bytes; as in Little CMS itself
+
     // Null when memory is out.
     static std::unique_ptr<Arena> make(std::size_t size) noexcept {
         std::unique_ptr<Arena> made(new (std::nothrow) Arena);
-        if (made == nullptr) return nullptr;
+        if (made == nullptr) return made;
         made->m_begin = static_cast<std::byte*>(std::malloc(size));
-        made->m_size = made->m_begin != nullptr ? size : 0;
-        return made->m_size != 0 ? std::move(made) : nullptr;
+        made->m_size = size;
+        if (made->m_begin == nullptr) made.reset();
+        return made;
     }
     Arena(const Arena&) = delete;
     Arena& operator=(const Arena&) = delete;
@@ -47,6 +50,7 @@ public:
     };
 
     static void* allocate(cmsContext /*context*/, cmsUInt32Number size) noexcept {
+        if (size > kLargestBlock) return nullptr;
         const std::size_t whole = (std::size_t{size} + kHeader + kHeader - 1) / kHeader * kHeader;
         Arena* const arena = s_current;
         const bool fits = arena != nullptr && whole <= arena->m_size - arena->m_used;

@@ -9,10 +9,13 @@
 #include "veltra/platform/linux/symbol_tables.h"
 
 #include <atomic>
+#include <bit>
 #include <mutex>
 
 #include <backtrace.h>
+#include <dlfcn.h>
 #include <link.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 namespace veltra {
@@ -54,31 +57,49 @@ backtrace_state* read() noexcept {
     return state;
 }
 
-backtrace_state* currentState() noexcept {
+// The start of the module that holds `address`.
+const void* moduleOf(std::uintptr_t address) noexcept {
+    Dl_info info{};
+    return ::dladdr(std::bit_cast<const void*>(address), &info) != 0 ? info.dli_fbase : nullptr;
+}
+
+// What is never unloaded: this library, and the program.
+bool staysLoaded(std::uintptr_t address) noexcept {
+    const void* const module = moduleOf(address);
+    return module != nullptr && (module == moduleOf(reinterpret_cast<std::uintptr_t>(&ignore)) ||
+                                 module == moduleOf(::getauxval(AT_ENTRY)));
+}
+
+// The tables for `address`; null when they may speak of another module that was in its place.
+backtrace_state* stateFor(std::uintptr_t address) noexcept {
+    bool isOutdated = false;
     if (::getpid() == loadedIn) {
         const unsigned long long loaded = modulesLoaded();
         const std::lock_guard guard(lock);
-        if (readings < kMostReadings && (readings == 0 || modules != loaded)) {
+        isOutdated = readings == 0 || modules < loaded;
+        if (isOutdated && readings < kMostReadings) {
             if (backtrace_state* const state = read()) {
                 newest.store(state, std::memory_order_release);  // with the load below
                 modules = loaded;
                 ++readings;
+                isOutdated = false;
             }
         }
     }
+    if (isOutdated && !staysLoaded(address)) return nullptr;
     return newest.load(std::memory_order_acquire);
 }
 
 }  // namespace
 
 void prepareSymbolTables() noexcept {
-    currentState();
+    stateFor(0);
 }
 
 // The symbol table has whole names also where the debug information has bare ones. Of an address in
 // code that was inlined, the last answer is the function that holds it and the line that it is at.
 void nameFromTables(std::uintptr_t address, SymbolName& name) noexcept {
-    backtrace_state* const state = currentState();
+    backtrace_state* const state = stateFor(address);
     if (state == nullptr) return;
     ::backtrace_syminfo(
         state, address,

@@ -18,11 +18,17 @@ std::string_view variable(const char* name) noexcept {
     return value != nullptr ? value : "";
 }
 
+std::string withoutLastSlashes(std::string_view folder) {
+    while (folder.size() > 1 && folder.back() == '/')
+        folder.remove_suffix(1);
+    return std::string(folder);
+}
+
 }  // namespace
 
 std::string userDataFolder() {
     const std::string_view named = variable("XDG_DATA_HOME");
-    if (named.starts_with('/')) return std::string(named);  // a relative one is to be ignored
+    if (named.starts_with('/')) return withoutLastSlashes(named);  // others are to be ignored
     const std::string home = FileSystem::current().homeFolder({});
     return home.empty() ? std::string() : pathIn(home, ".local/share");
 }
@@ -35,11 +41,9 @@ std::vector<std::string> dataFolders() {
     if (rest.empty()) rest = kSystemFolders;
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find(':'), rest.size());
-        std::string_view folder = rest.substr(0, end);
+        const std::string_view folder = rest.substr(0, end);
         rest.remove_prefix(std::min(end + 1, rest.size()));
-        while (folder.size() > 1 && folder.back() == '/')
-            folder.remove_suffix(1);
-        if (folder.starts_with('/')) folders.emplace_back(folder);
+        if (folder.starts_with('/')) folders.push_back(withoutLastSlashes(folder));
     }
     return folders;
 }

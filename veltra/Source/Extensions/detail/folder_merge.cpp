@@ -4,6 +4,7 @@
 #include "veltra/Source/Extensions/detail/file_answer.h"
 #include "veltra/Source/Extensions/detail/file_package.h"
 #include "veltra/Source/Extensions/detail/open_item.h"
+#include "veltra/Source/Extensions/detail/temporary_item.h"
 
 #include <algorithm>
 
@@ -249,6 +250,9 @@ std::error_code FolderMerge::openNew(Handle folder, const char* name, OpenItem& 
 
 void FolderMerge::mergeContents(const Pair& pair, Handle source, const Names& names,
                                 Handle target) {
+    if (m_depth == kMostFolderLevels)
+        return tell(pair, Reason::Failed, std::make_error_code(std::errc::filename_too_long));
+    ++m_depth;
     for (const std::string& name : names) {
         Pair inside{{source, name, pathIn(pair.source.path, name)},
                     {target, name, pathIn(pair.target.path, name)},
@@ -256,6 +260,7 @@ void FolderMerge::mergeContents(const Pair& pair, Handle source, const Names& na
                     {}};
         merge(inside);
     }
+    --m_depth;
 }
 
 void FolderMerge::passOn(const Pair& pair, Handle folder, const FileFacts& made) {

@@ -66,6 +66,7 @@ private:
     bool m_isComplete = true;
     bool m_isStopped = false;
     bool m_isInPackage = false;
+    int m_depth = 0;  // of folders in folders
     bool m_isPackageIncomplete = false;
     FileFacts m_sourceRoot;
     FileFacts m_targetRoot;

@@ -13,8 +13,9 @@ namespace veltra {
 using Collision = FileSystem::Collision;
 
 std::error_code removeTree(FileSystem& files, FileSystem::Handle folder, const char* name,
-                           FileKind kind) {
+                           FileKind kind, int levels) {
     if (kind != FileKind::Folder) return files.remove(folder, name, kind);
+    if (levels == 0) return std::make_error_code(std::errc::filename_too_long);
     OpenItem opened(files);
     std::error_code error =
         opened.open(folder, name, OpenItem::Access::List, OpenItem::LastLink::Keep);
@@ -28,7 +29,7 @@ std::error_code removeTree(FileSystem& files, FileSystem::Handle folder, const c
         FileFacts facts;
         std::error_code one =
             files.facts(opened.handle(), inside.c_str(), OpenItem::LastLink::Keep, facts);
-        if (!one) one = removeTree(files, opened.handle(), inside.c_str(), facts.kind);
+        if (!one) one = removeTree(files, opened.handle(), inside.c_str(), facts.kind, levels - 1);
         if (!error) error = one;
     }
     return error ? error : files.remove(folder, name, kind);

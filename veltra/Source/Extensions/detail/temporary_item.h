@@ -9,9 +9,13 @@
 
 namespace veltra {
 
-// Removes an item, with all that is in it.
+// How many folders in one another are followed: each level takes some hundred bytes of stack and
+// two open files.
+inline constexpr int kMostFolderLevels = 200;
+
+// Removes an item, with all that is in it: nothing below `levels` of folders, nor these folders.
 std::error_code removeTree(FileSystem& files, FileSystem::Handle folder, const char* name,
-                           FileKind kind);
+                           FileKind kind, int levels = kMostFolderLevels + 1);
 
 class TemporaryItem {
 public:
