@@ -111,7 +111,7 @@ TEST_F(HardwareUtilities, ProcessorsFallIntoSixClasses) {
         {18, {}, {}, 0x30, 2},
         {18, {}, {}, {}, 1},
         {{}, 0x426F69EF, {}, {}, 1},
-        {16777234, {}, 0xFFFFFFFF, {}, 3},
+        {16777234, {}, 0xFFFFFFFF, 0x10, 2},  // a number with its sign
         {0x02000007, 0x426F69EF, {}, {}, 1},
     };
     for (const auto& one : kCases) {
