@@ -76,5 +76,16 @@ TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
     }
 }
 
+TEST(TerminateReport, EndsAlsoWhereHandlersCallEachOther) {
+    const testing::EndedChild ended = testing::endedChild([]() noexcept {
+        VLInstallTerminateHandler();
+        static const std::terminate_handler ours = std::set_terminate([] { ours(); });
+        VLInstallTerminateHandler();
+        throwsForTheReport();
+    });
+    EXPECT_TRUE(ended.wasKilledBy(SIGABRT));
+    EXPECT_THAT(ended.log, HasSubstr("half"));
+}
+
 }  // namespace
 }  // namespace veltra

@@ -79,20 +79,22 @@ TEST(Environment, BundlesAreFoldersAndNothingOutsideOfThemIsFound) {
     const testing::TemporaryFolder folder;
     for (const char* name : {"knob.png", "knob_pro.png", "knob.tiff", "plain"})
         std::ofstream(folder / name) << name;
-    std::filesystem::create_directory(folder / "in");
+    std::filesystem::create_directories(folder / "in/conf.d");
     QKBundle* const bundle = QKCreateBundleAtPath(Text(folder / "in").string);
     ASSERT_NE(bundle, nullptr);
     EXPECT_EQ(taken(QKBundlePath(bundle)), folder / "in");
     std::ofstream(folder / "in/a.txt") << 1;
-    const auto resource = [bundle](std::string_view name, const char* type) {
-        const Text text(type != nullptr ? type : "");
-        return taken(QKBundlePathOfResource(bundle, Text(name).string,
-                                            type != nullptr ? text.string : nullptr));
+    const auto resource = [bundle](std::string_view name, std::optional<std::string> type) {
+        const Text text(type.value_or(""));
+        return taken(
+            QKBundlePathOfResource(bundle, Text(name).string, type ? text.string : nullptr));
     };
     EXPECT_EQ(resource("a", "txt"), folder / "in/a.txt");
-    EXPECT_EQ(resource("a.txt", nullptr), folder / "in/a.txt");
+    EXPECT_EQ(resource("a.txt", std::nullopt), folder / "in/a.txt");
     EXPECT_EQ(resource("a.txt", ""), folder / "in/a.txt");
-    EXPECT_EQ(resource("../plain", nullptr), "null");
+    EXPECT_EQ(resource("../plain", std::nullopt), "null");
+    EXPECT_EQ(resource("conf", "d/../../plain"), "null");
+    EXPECT_EQ(resource("a", std::string("txt\0.png", 8)), "null");
     EXPECT_EQ(taken(QKBundlePathOfResource(nullptr, Text("a").string, nullptr)), "null");
     EXPECT_EQ(taken(QKBundlePathOfResource(bundle, nullptr, nullptr)), "null");
     EXPECT_EQ(taken(QKBundlePath(nullptr)), "null");

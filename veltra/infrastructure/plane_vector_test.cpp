@@ -40,6 +40,8 @@ TEST(PlaneVectors, HoldAtTheEdgesOfTheNumbers) {
     for (const QkVector null : {unitVector({0.0F, 0.0F}), vectorWithAdjustedLength({}, 5.0F)}) {
         EXPECT_EQ(null.x, 0.0F);
         EXPECT_EQ(null.y, 0.0F);
+        EXPECT_EQ(vectorAngle(null), 0.0F);
+        EXPECT_EQ(vectorAngle(inverseVector(null)), 0.0F);
     }
     const float least = std::numeric_limits<float>::denorm_min();
     const float most = std::numeric_limits<float>::max();

@@ -5,6 +5,12 @@
 #include "veltra/platform/testing/child_process.h"
 
 #include <dlfcn.h>
+#include <pthread.h>
+
+// A name of C that would read as a type of C++.
+extern "C" [[gnu::noinline]] void Pc() {
+    asm volatile("");
+}
 
 namespace veltra {
 namespace {
@@ -42,6 +48,18 @@ TEST(SymbolNames, TellFunctionFileAndLineAlsoInAPreparedChildAndOnOtherThreads) 
     bool isKnownThere = false;
     std::thread([&] { isKnownThere = isKnown(); }).join();
     EXPECT_TRUE(isKnownThere);
+    EXPECT_EQ(view(symbolNameOf(addressOf(Pc)).function), "Pc");
+}
+
+TEST(SymbolNames, AreReadByAThreadThatIsToBeCancelled) {
+    std::atomic<bool> hasEnded{false};
+    std::thread([&hasEnded] {
+        ::pthread_cancel(::pthread_self());
+        prepareSymbolNames();
+        symbolNameOf(addressOf(here));
+        hasEnded = true;
+    }).join();
+    EXPECT_TRUE(hasEnded);
 }
 
 TEST(SymbolNames, KnowModulesThatAreLoadedLater) {
