@@ -60,17 +60,6 @@ function(veltra_room name)
     endif()
 endfunction()
 
-# What nearly every test includes, compiled once. With a compiler cache each test would miss it.
-if(VELTRA_TESTS AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    file(WRITE "${PROJECT_BINARY_DIR}/test_headers.cpp.new" "int main() {}\n")
-    file(COPY_FILE "${PROJECT_BINARY_DIR}/test_headers.cpp.new" "${PROJECT_BINARY_DIR}/test_headers.cpp"
-        ONLY_IF_DIFFERENT)
-    add_executable(veltra_test_headers EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/test_headers.cpp")
-    target_link_libraries(veltra_test_headers PRIVATE veltra_flags GTest::gmock)
-    target_precompile_headers(veltra_test_headers PRIVATE
-        <gmock/gmock.h> "${PROJECT_SOURCE_DIR}/veltra/base/testing/prelude.h")
-endif()
-
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
 # host and links only the LIBRARIES that it names. ENVIRONMENT: one variable for its runs by ctest.
 # FILTER: which of its cases ctest knows, as GoogleTest has it.
@@ -80,9 +69,6 @@ function(veltra_test target)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE
         veltra_flags ${inside} ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
-    if(TARGET veltra_test_headers AND NOT TEST_LIBRARIES MATCHES "Qt6::")  # Qt wants -fPIC
-        target_precompile_headers(${target} REUSE_FROM veltra_test_headers)
-    endif()
     include(GoogleTest)
     set(properties TIMEOUT 120)
     if(CMAKE_CROSSCOMPILING)

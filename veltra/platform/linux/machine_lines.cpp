@@ -70,7 +70,8 @@ std::string caches() {
         const std::string size = lineOf(folder + "size");
         if (size.empty()) break;
         const std::string type = lineOf(folder + "type");
-        std::string cache = "L" + lineOf(folder + "level");
+        std::string cache(1, 'L');
+        cache += lineOf(folder + "level");
         if (type == "Data") cache += " data";
         if (type == "Instruction") cache += " instruction";
         list(all, cache.append(1, ' ').append(size));
