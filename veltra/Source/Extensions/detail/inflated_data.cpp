@@ -11,8 +11,8 @@ namespace veltra::detail {
 
 namespace {
 
-// Memory that grows where it stands or by moving its pages. A vector would copy its content at each
-// of the many small steps.
+// Memory that grows where it stands or by moving its pages, and by half of itself at least: the
+// steps of its size may be many and small.
 class GrowingBuffer {
 public:
     GrowingBuffer() noexcept = default;
@@ -22,9 +22,13 @@ public:
 
     // False when memory is out.
     bool grow(std::size_t size) noexcept {
-        void* const bytes = std::realloc(m_bytes, size);
-        if (bytes == nullptr) return false;
-        m_bytes = static_cast<std::uint8_t*>(bytes);
+        if (size > m_capacity) {
+            const std::size_t wanted = std::max(size, m_capacity + m_capacity / 2);
+            void* const bytes = std::realloc(m_bytes, wanted);
+            if (bytes == nullptr) return false;
+            m_bytes = static_cast<std::uint8_t*>(bytes);
+            m_capacity = wanted;
+        }
         m_size = size;
         return true;
     }
@@ -34,6 +38,7 @@ public:
 private:
     std::uint8_t* m_bytes = nullptr;
     std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
 };
 
 template <typename Bytes>
