@@ -6,7 +6,11 @@
 #include "tests/memory/real_zone.h"
 #include "veltra/Source/Extensions/QKNSData_Extensions.h"
 #include "veltra/Source/Extensions/QKNSDictionary_Extensions.h"
+#include "veltra/Source/Extensions/QKNSFileManager_Extensions.h"
+#include "veltra/Source/Extensions/QKNSFileManager_Merge.h"
+#include "veltra/Source/Extensions/QKNSFileManager_Plugins.h"
 #include "veltra/Source/Extensions/QKNSString_Extension.h"
+#include "veltra/Source/Extensions/QKNSString_Paths.h"
 #include "veltra/Source/Extensions/QKNSString_URLs.h"
 #include "veltra/audio/add_remove_iterate_list.h"
 #include "veltra/audio/musical_context.h"
@@ -58,11 +62,13 @@
 #include "veltra/ui/slider_cell.h"
 #include "veltra/ui/testing/scripted_port.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -338,6 +344,55 @@ Answer compressedAndPackedData() {
         initWithData(std::array<std::uint8_t, 7>{'{', '"', 'a', '"', ':', '1', '}'});
     return oneOf(unpacked == bytes && dictionary && dictionary->size() == 1,
                  stream.has_value() != isAsked && (!unpacked || *unpacked == bytes));
+}
+
+// What the text files of a folder hold, by name; hidden names, which a failed removal may leave and
+// tell, left out.
+std::map<std::string, std::string> textsIn(const std::filesystem::path& root) {
+    std::map<std::string, std::string> texts;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        if (!entry.is_regular_file() || entry.path().string().find("/.") != std::string::npos)
+            continue;
+        std::ifstream file(entry.path());
+        std::getline(file, texts[entry.path().lexically_relative(root).string()]);
+    }
+    return texts;
+}
+
+void putText(const std::filesystem::path& file, const char* text) {
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << text;
+}
+
+// Each item of the target is the old one or the new one, and a package is whole or not there.
+Answer mergedFolders() {
+    const auto [from, to, both] = unfailing([] {
+        const std::filesystem::path root = folder() / "merge";
+        std::filesystem::remove_all(root);
+        for (const char* name : {"from/both", "from/in/new", "from/Kit.app/a", "from/Kit.app/b"})
+            putText(root / name, "new");
+        putText(root / "to/both", "old");
+        return std::array{(root / "from").string(), (root / "to").string(),
+                          (root / "to/both").string()};
+    });
+    const bool isMerged = mergePath(from, to, true, nullptr);
+    const auto listed = contentPathsAtPath(to, true);
+    const auto unique = uniqueFileNameAtPath(to, "both", "");
+    const bool isVisible = isFileVisible(both);
+    const auto found = searchForPlugins("app", to);
+    const bool isRight = isMerged && listed && listed->size() == 4 && unique && isVisible &&
+                         found && found->size() == 1;
+    const std::string* const folders[] = {&from, &to};
+    const bool isSound = unfailing([&folders, isMerged] {
+        const auto texts = textsIn(*folders[1]);
+        const bool isKnown = std::all_of(texts.begin(), texts.end(), [](const auto& text) {
+            return text.second == "new" || (text.first == "both" && text.second == "old");
+        });
+        return isKnown && texts.contains("both") &&
+               texts.contains("Kit.app/a") == texts.contains("Kit.app/b") &&
+               (!isMerged || texts.size() == 4) && textsIn(*folders[0]).size() == 4;
+    });
+    return oneOf(isRight && isSound, isSound);
 }
 
 Answer valuesAndExceptions() {
@@ -713,6 +768,7 @@ constexpr std::array kScenarios{
     Scenario{"checked and compared text", Promise::NeverThrows, checkedAndComparedText},
     Scenario{"converted text", Promise::MayThrow, convertedText},
     Scenario{"compressed data, dictionaries", Promise::NeverThrows, compressedAndPackedData},
+    Scenario{"merged folders", Promise::NeverThrows, mergedFolders},
     Scenario{"values, exceptions, localized strings", Promise::MayThrow, valuesAndExceptions},
     Scenario{"objects, singletons, shared values", Promise::NeverThrows, objects},
     Scenario{"backtraces, crash text", Promise::NeverThrows, backtraces},

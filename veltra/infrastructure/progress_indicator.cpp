@@ -128,8 +128,8 @@ struct VLProgressIndicator : Anchored {
     PostedValue postedValue;
     PostedText postedText;
     std::shared_ptr<RunLoopTimer> timer;  // null: delivered by hand
-    Moment start;
-    std::int64_t lastSixtieth = -1;  // since the start, in which there was a delivery
+    Moment start;                         // the first delivery
+    std::int64_t lastSixtieth = -1;       // since then, in which there was a delivery
 
     VLProgressIndicator* previous = nullptr;  // of those that can be cancelled, under the lock
     VLProgressIndicator* next = nullptr;
@@ -177,7 +177,6 @@ VLProgressIndicator* acquire(const VLString* title, const void* identifier,
     std::unique_ptr<VLProgressIndicator> made(new (std::nothrow)
                                                   VLProgressIndicator(registeredService(), title));
     if (made == nullptr) return nullptr;
-    made->start = now();
     const bool isDelivered = made->setValue != nullptr || made->setInfoText != nullptr;
     if (isPosted && isDelivered && !startTimer(*made)) return nullptr;
     retainString(title);
@@ -265,7 +264,9 @@ void VLPostProgressIndicatorInfoText(VLProgressIndicator* indicator,
 bool VLDeliverProgressIndicatorUpdates(VLProgressIndicator* indicator) noexcept {
     if (indicator == nullptr) return false;
     if (!indicator->postedValue.isWaiting() && !indicator->postedText.isWaiting()) return false;
-    const std::int64_t sixtieth = (now() - indicator->start) / kSixtieth;
+    const Moment time = now();
+    if (indicator->lastSixtieth < 0) indicator->start = time;
+    const std::int64_t sixtieth = (time - indicator->start) / kSixtieth;
     if (sixtieth == indicator->lastSixtieth) return false;
     indicator->lastSixtieth = sixtieth;
     return indicator->deliver();

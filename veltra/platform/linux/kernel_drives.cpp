@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/optical_drive_lists.h"
+#include "veltra/platform/port.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <tuple>
@@ -53,12 +53,14 @@ bool isDriveName(std::string_view name) {
 std::vector<OpticalDrive> drivesOfKernel(const std::string& blockFolder,
                                          const std::string& kernelList) {
     Words names;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(blockFolder, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        std::string name = entry->path().filename().string();
-        if (isDriveName(name)) names.push_back(std::move(name));
+    FileSystem& files = platformFileSystem();
+    FileSystem::Handle folder = FileSystem::kNone;
+    if (!files.open(FileSystem::kWorkingFolder, blockFolder.c_str(), FileSystem::Access::List,
+                    FileSystem::LastLink::Follow, folder)) {
+        (void)files.list(folder, names);
+        (void)files.close(folder);
     }
+    std::erase_if(names, [](const std::string& name) { return !isDriveName(name); });
     std::sort(names.begin(), names.end(), [](const std::string& one, const std::string& other) {
         return std::make_tuple(one.size(), std::string_view(one)) <
                std::make_tuple(other.size(), std::string_view(other));  // sr2, sr10
