@@ -38,8 +38,9 @@ public:
     using SignificantRaiseHandler = void (*)(VLBacktracingException& exception);
 
     // Makes this the class of all exceptions that the framework raises (see
-    // installExceptionFactory()), and reads the debug information, so that a forked child has names
-    // too. The first call may take a tenth of a second.
+    // installExceptionFactory()), and reads the debug information. The first call may take a tenth
+    // of a second. Call it before the process forks: a child that was not prepared reads none of
+    // its own, and names only what is exported.
     static void install() noexcept;
 
     // An exception that will report its first raise: it has its own copy of `userInfo`, which may
