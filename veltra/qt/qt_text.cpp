@@ -109,13 +109,15 @@ double baseline(const QPainter& painter, const QFontMetricsF& metrics, double sc
 
 }  // namespace
 
-bool hasQtFontFamily(const std::string& name) {
-    static std::map<std::string, bool> known;
-    static const auto forget =
-        QObject::connect(qGuiApp, &QGuiApplication::fontDatabaseChanged, [] { known.clear(); });
-    const auto found = known.find(name);
-    if (found != known.end()) return found->second;
-    return known.emplace(name, QFontDatabase::hasFamily(toQt(name))).first->second;
+bool QtTextSizes::hasFamily(const std::string& name) {
+    const auto found = m_families.find(name);
+    if (found != m_families.end()) return found->second;
+    return m_families.emplace(name, QFontDatabase::hasFamily(toQt(name))).first->second;
+}
+
+void QtTextSizes::forget() {
+    m_families.clear();
+    m_measured.clear();
 }
 
 Size QtTextSizes::sizeOf(const StyledText& text) {
