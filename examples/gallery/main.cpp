@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Every control in every state.
 //
-//   gallery                          a window in which the controls can be tried out
-//   gallery --pictures FOLDER [SCALE] writes gallery-NAME-dark.png and -light.png for each family,
-//                                    without a display; SCALE are pixels a point (2)
+//   gallery                            a window in which the controls can be tried out
+//   gallery --list                     the names of the sheets
+//   gallery --sheet NAME               the window shows one sheet
+//   gallery --pictures FOLDER [SCALE]  writes gallery-NAME-dark.png and -light.png for each sheet,
+//                                      without a display; SCALE are pixels a point (2)
 #include "sheet_view.h"
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/view_widget.h"
@@ -37,10 +39,12 @@ int writePictures(const std::string& folder, float scale) {
     return 0;
 }
 
-int showWindow() {
+// The sheet of that name, or all of them.
+int showWindow(const std::string& name) {
     QTabWidget tabs;
     tabs.setWindowTitle(QStringLiteral("Veltra Gallery"));
     for (const Sheet& sheet : sheets()) {
+        if (!name.empty() && sheet.name != name) continue;
         auto view = std::make_unique<SheetView>(sheet);
         const Size size = view->frame().size;
         auto* const widget = new ViewWidget;
@@ -58,14 +62,22 @@ int showWindow() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const bool writes = argc >= 3 && std::string(argv[1]) == "--pictures";
-    if (argc > 1 && !writes) {
-        std::fprintf(stderr, "usage: gallery [--pictures FOLDER [SCALE]]\n");
+    const std::string option = argc > 1 ? argv[1] : "";
+    if (option == "--list") {
+        for (const Sheet& sheet : sheets())
+            std::printf("%s\n", sheet.name.c_str());
+        return 0;
+    }
+    const bool writes = option == "--pictures" && argc >= 3;
+    const bool showsOne = option == "--sheet" && argc == 3;
+    if (argc > 1 && !writes && !showsOne) {
+        std::fprintf(stderr,
+                     "usage: gallery [--list | --sheet NAME | --pictures FOLDER [SCALE]]\n");
         return 2;
     }
     if (writes) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     installQtPort();
     return writes ? writePictures(argv[2], argc > 3 ? std::strtof(argv[3], nullptr) : 2.0F)
-                  : showWindow();
+                  : showWindow(showsOne ? argv[2] : "");
 }

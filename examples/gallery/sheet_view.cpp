@@ -54,6 +54,7 @@ SheetView::SheetView(const Sheet& sheet) : m_title(sheet.title) {
         for (const Specimen& specimen : row) {
             auto view = specimen.make();
             view->setFrame(place++->rect);
+            if (view->accessibilityName().empty()) view->setAccessibilityName(specimen.caption);
             addSubview(std::move(view));
         }
     }

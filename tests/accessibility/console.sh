@@ -3,7 +3,7 @@
 # The console from outside: a client of the accessibility bus reads names, roles and values as a
 # screen reader does, and puts out a clip light; the pointer clicks, a key is pressed.
 set -euo pipefail
-program=$1 client=$(dirname "$0")/client.py
+program=$1 client=$(dirname "$0")/console_client.py
 for tool in xdotool sox; do
     command -v "$tool" >/dev/null || { echo "Skipped: $tool is not installed"; exit 77; }
 done
@@ -21,4 +21,4 @@ bash "$(dirname "$0")/../on_display.sh" --accessible bash -euc '
     program=$1 client=$2 folder=$3
     "$program" --device null "$folder/one.wav" "$folder/two.wav" "$folder/long.wav" &
     trap "kill $! 2>/dev/null || true" EXIT
-    /usr/bin/python3 -W ignore "$client"' sh "$program" "$client" "$folder"
+    /usr/bin/python3 -B -W ignore "$client"' sh "$program" "$client" "$folder"
