@@ -2,6 +2,7 @@
 // veltra-console: plays audio files and tells what is in them. A small host that shows how the
 // framework's pieces are put together; read on in session.cpp, then engine.h and pcm_reader.cpp.
 #include "options.h"
+#include "output_file.h"
 #include "requests.h"
 #include "session.h"
 #include "window_program.h"
@@ -19,6 +20,10 @@ int main(int argc, char** argv) try {
         return 2;
     }
     if (const auto status = answerRequest(*options)) return *status;
+    if (const std::string problem = whyNotWrite(*options); !problem.empty()) {
+        std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
+        return 2;
+    }
     // The window is a program of its own: who only reads files need not load a toolkit.
     if (wantsWindow(*options)) becomeWindow(argv);
     if (!options->picture.empty()) {

@@ -32,6 +32,8 @@ else in the terminal. In the window files can be left out, and come and go while
   --help          print this text
   --              what follows are files, also when it begins with a dash
 
+A file that this program has not made is never overwritten.
+
 Ctrl-C ends early, with the report of what was read so far.
 
 In the window Ctrl-O adds files, Escape stops reading their waveforms, F1 tells the versions, and
@@ -61,8 +63,8 @@ lines below, names in columns 3 to 14 and values from column 15; a blank line be
 A file that cannot be read has one line instead: error, and the reason. All measurements are of the
 file's own samples, before any change of sample rate.
 
-Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one was not or the report could
-not be written, 2 the command line makes no sense.
+Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one was not or the report or the
+picture could not be written, 2 the command line makes no sense or would overwrite something.
 )";
 
 namespace {
@@ -138,6 +140,16 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
     const bool needsFiles = options.headless || options.terminal || !options.picture.empty();
     if (options.files.empty() && options.request == Request::Files && needsFiles) {
         error = "no files are named";
+        return std::nullopt;
+    }
+    if (!options.picture.empty() &&
+        (options.headless || options.terminal || !options.report.empty())) {
+        error =
+            "--picture draws and does nothing else; leave out --headless, --terminal and --report";
+        return std::nullopt;
+    }
+    if (options.headless && options.terminal) {
+        error = "--headless plays nothing; leave out --terminal";
         return std::nullopt;
     }
     if (options.headless && options.report.empty()) options.report.assign(1, '-');

@@ -19,8 +19,8 @@ struct ReportEntry {
 std::string makeReport(std::span<const ReportEntry> entries);
 
 // Writes `text` to standard output ("-") or to a file, which is replaced as a whole: whoever reads
-// it sees the old report or the new one. Answers an empty text, or why
-// that was not possible and what to do.
+// it sees the old report or the new one. A file that is no report of this program stays as it is.
+// Returns an empty text, or why that was not possible and what to do.
 std::string writeReport(const std::string& text, const std::string& destination);
 
 }  // namespace veltra::console

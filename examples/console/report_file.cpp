@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "output_file.h"
 #include "report.h"
 
 #include <cerrno>
@@ -51,11 +52,13 @@ int replace(const std::string& destination, const std::string& text) {
 }  // namespace
 
 std::string writeReport(const std::string& text, const std::string& destination) {
+    if (std::string problem = whyNotWrite(destination, OutputKind::Report); !problem.empty())
+        return problem;
     const bool toStandardOutput = destination == "-";
     const int error = toStandardOutput ? writeAll(stdout, text) : replace(destination, text);
     if (error == 0) return {};
-    return "the report cannot be written (" + std::generic_category().message(error) +
-           "); name another file after --report";
+    return destination + ": the report cannot be written (" +
+           std::generic_category().message(error) + "); name another file after --report";
 }
 
 }  // namespace veltra::console

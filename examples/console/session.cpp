@@ -41,7 +41,7 @@ int Session::run() {
     m_status.clear();
     if (!m_options.report.empty()) {
         const std::string problem = writeReport(makeReport(m_entries), m_options.report);
-        if (!problem.empty()) complain(m_options.report + ": " + problem);
+        if (!problem.empty()) complain(problem);
     }
     return m_hasProblems ? 1 : 0;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_image.h"
 
+#include "veltra/platform/application_facts.h"
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/qt_types.h"
 
@@ -43,7 +44,9 @@ std::uint32_t QtImage::pixelAt(std::int32_t x, std::int32_t y) const noexcept {
 }
 
 bool QtImage::writePng(const std::string& path) const {
-    return m_image.save(toQt(path), "PNG");
+    QImage signedImage = m_image;
+    signedImage.setText(QStringLiteral("Software"), toQt(applicationName()));
+    return signedImage.save(toQt(path), "PNG");
 }
 
 QImage toQImage(const Image& image) {

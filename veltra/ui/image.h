@@ -32,7 +32,8 @@ public:
     // The pixel as 0xAARRGGBB with straight alpha, counted from the upper left corner; 0 outside.
     virtual std::uint32_t pixelAt(std::int32_t x, std::int32_t y) const noexcept = 0;
 
-    // Writes the image as a PNG file. Returns false when that is not possible.
+    // Writes the image as a PNG file, with the application's name as the software that made it.
+    // Returns false when that is not possible.
     virtual bool writePng(const std::string& path) const = 0;
 
     // Reads a picture of any format that the port knows; `scale` are its pixels a point. Null when

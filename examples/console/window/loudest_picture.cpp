@@ -62,7 +62,7 @@ ConsoleState stateOf(Rehearsal& rehearsal, const Overviews& overviews) {
 
 }  // namespace
 
-std::string writeLoudestPicture(const Options& options) {
+std::vector<std::string> writeLoudestPicture(const Options& options) {
     const std::int64_t loudest = loudestStep(options.files).value_or(0);
     RehearsalClock clock;
     Rehearsal rehearsal(options.files);
@@ -74,15 +74,20 @@ std::string writeLoudestPicture(const Options& options) {
     auto owned = std::make_unique<ConsoleView>(whole, nobody);
     ConsoleView& view = *owned;
     picture.window().setContentView(std::move(owned));
-    for (const Rehearsal::Problem& problem : rehearsal.problems())
-        view.addMessage(problem.path + ": " + problem.text);
+    std::vector<std::string> problems;
+    for (const Rehearsal::Problem& problem : rehearsal.problems()) {
+        problems.push_back(problem.path + ": " + problem.text);
+        view.addMessage(problems.back());
+    }
     while (rehearsal.stepsDone() < loudest && rehearsal.step()) {
         clock.setStep(rehearsal.stepsDone());
         view.update(stateOf(rehearsal, overviews));
     }
     const auto image = picture.draw();
-    if (image && image->writePng(options.picture)) return {};
-    return options.picture + ": the picture cannot be written; choose another name or folder";
+    if (!image || !image->writePng(options.picture))
+        problems.push_back(options.picture +
+                           ": the picture cannot be written; choose another name or folder");
+    return problems;
 }
 
 }  // namespace veltra::console

@@ -5,11 +5,12 @@
 #include "../options.h"
 
 #include <string>
+#include <vector>
 
 namespace veltra::console {
 
-// Writes the picture that the options ask for. Answers an empty text, or why that was not possible.
-// Files that cannot be read are told of in the picture. Thread: main.
-std::string writeLoudestPicture(const Options& options);
+// Writes the picture that the options ask for. Returns a line for each file that could not be read,
+// which the picture tells of as well, and one when the picture could not be written. Thread: main.
+std::vector<std::string> writeLoudestPicture(const Options& options);
 
 }  // namespace veltra::console

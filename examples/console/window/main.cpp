@@ -3,10 +3,12 @@
 // display, or for a picture; the command line is the same.
 #include "../interruption.h"
 #include "../options.h"
+#include "../output_file.h"
 #include "../report.h"
 #include "../requests.h"
 #include "../terminal_progress.h"
 #include "../text.h"
+#include "../window_program.h"
 #include "console_widget.h"
 #include "loudest_picture.h"
 #include "veltra/diagnostics/backtracing_exception.h"
@@ -35,8 +37,21 @@ int showWindow(const Options& options) {
     if (options.report.empty()) return 0;
     const std::string problem = writeReport(makeReport(entries), options.report);
     if (problem.empty()) return 0;
-    std::fprintf(stderr, "veltra-console: %s: %s\n", options.report.c_str(), problem.c_str());
+    std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
     return 1;
+}
+
+// Qt ends the program where the display does not answer, as one of a session that is gone: the
+// terminal takes over. Until the application stands, that is all that Qt has to say.
+std::span<char*> commandLine;
+
+void onMessageOfQt(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+    if (type == QtFatalMsg) becomeTerminal(commandLine);
+}
+
+void playInTerminalWithoutDisplay(int argc, char** argv) {
+    commandLine = {argv, static_cast<std::size_t>(argc)};
+    qInstallMessageHandler(onMessageOfQt);
 }
 
 }  // namespace
@@ -50,16 +65,23 @@ int main(int argc, char** argv) try {
         return 2;
     }
     if (const auto status = answerRequest(*options)) return *status;
+    if (const std::string problem = whyNotWrite(*options); !problem.empty()) {
+        std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
+        return 2;
+    }
+    if (options->picture.empty()) playInTerminalWithoutDisplay(argc, argv);
     if (!options->picture.empty()) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
     QApplication::setApplicationDisplayName(QStringLiteral("Veltra Console"));
     veltra::installQtPort();
     if (options->picture.empty()) return showWindow(*options);
     std::optional<TerminalProgress> progress;
     if (options->progress || TerminalProgress::isTerminal()) progress.emplace();
-    const std::string problem = writeLoudestPicture(*options);
-    if (!problem.empty()) std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
-    return problem.empty() ? 0 : 1;
+    const auto problems = writeLoudestPicture(*options);
+    for (const std::string& problem : problems)
+        std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
+    return problems.empty() ? 0 : 1;
 } catch (const std::exception& failure) {
     std::fprintf(stderr, "veltra-console: %s; giving up\n", failure.what());
     return 1;
