@@ -42,9 +42,11 @@ void View::insert(std::unique_ptr<View> view, std::size_t index) {
     const auto place =
         m_subviews.begin() + static_cast<std::ptrdiff_t>(std::min(index, m_subviews.size()));
     m_subviews.insert(place, std::move(view));
+    const WeakPointer<View> self(this);
+    const WeakPointer<View> subview(&added);
     added.setWindow(m_window);
-    added.setNeedsDisplay();
-    postAccessibilityNotification(AccessibilityNotification::ChildrenChanged);
+    if (subview) added.setNeedsDisplay();
+    if (self) postAccessibilityNotification(AccessibilityNotification::ChildrenChanged);
 }
 
 std::unique_ptr<View> View::takeFromSuperview() {

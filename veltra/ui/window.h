@@ -35,7 +35,7 @@ public:
     // The topmost view, which fills the window. The one before, if any, is destroyed as soon as no
     // event or timer is being handled any more.
     View* contentView() const noexcept { return m_contentView.get(); }
-    void setContentView(std::unique_ptr<View> view);
+    virtual void setContentView(std::unique_ptr<View> view);
     std::unique_ptr<View> takeContentView();
     Size contentSize() const noexcept { return m_frame.size; }
 

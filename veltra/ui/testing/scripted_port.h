@@ -29,7 +29,9 @@ public:
     Size minimum;
     Size maximum;
     bool canMove = false;
+    bool isMiniaturized = false;
 
+    void miniaturize() override { isMiniaturized = true; }
     bool startMove() override { return canMove; }
     void invalidate(const Rect& surfaceRect) override { invalid.push_back(surfaceRect); }
     void displayIfNeeded() override {}
