@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// The button that shows and hides the strip of a keyboard window: a toggle with a little keyboard.
+#pragma once
+
+#include "veltra/ui/button.h"
+
+#include <memory>
+
+namespace veltra::detail {
+
+class ToolbarButton final : public Button {
+public:
+    ToolbarButton();
+
+    void mouseEntered(const Event& event) override;
+    void mouseExited(const Event& event) override;
+    void drawRect(Canvas& canvas, const Rect& dirty) override;
+    std::optional<FocusShape> focusShape() const override;
+
+private:
+    void setHovered(bool isHovered);
+
+    bool m_isHovered = false;
+};
+
+}  // namespace veltra::detail
