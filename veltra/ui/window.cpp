@@ -68,17 +68,19 @@ Window::~Window() {
 }
 
 void Window::setContentView(std::unique_ptr<View> view) {
+    const WeakPointer<Window> self(this);
     Application::current().discard(takeContentView());
-    if (!view) return;
+    if (!self || !view) return;
     m_contentView = std::move(view);
     m_contentView->setFrame({{}, m_frame.size});
-    m_contentView->setWindow(this);
-    if (m_contentView) m_contentView->setNeedsDisplay();
+    if (self && m_contentView) m_contentView->setWindow(this);
+    if (self && m_contentView) m_contentView->setNeedsDisplay();
 }
 
 std::unique_ptr<View> Window::takeContentView() {
+    const WeakPointer<Window> self(this);
     if (m_contentView) m_contentView->setWindow(nullptr);
-    return std::move(m_contentView);
+    return self ? std::move(m_contentView) : nullptr;
 }
 
 Size Window::limited(Size size) const noexcept {
