@@ -7,6 +7,7 @@ std::vector<Sheet> sheets() {
     return {
         buttonSheet(),
         stepSheet(),
+        keyboardSheet(),
     };
 }
 

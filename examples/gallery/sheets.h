@@ -34,5 +34,6 @@ std::vector<Sheet> sheets();
 
 Sheet buttonSheet();
 Sheet stepSheet();
+Sheet keyboardSheet();
 
 }  // namespace veltra::gallery

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "sheets.h"
+#include "user.h"
+#include "veltra/controls/keyboard/keyboard_toolbar_view.h"
+#include "veltra/controls/keyboard/keyboard_view.h"
+#include "veltra/controls/keyboard/octave_picker_view.h"
+#include "veltra/ui/button.h"
+#include "veltra/ui/drawing.h"
+
+namespace veltra::gallery {
+
+namespace {
+
+constexpr float kTipRoom = 32.0F;
+
+// The picker shows a range; the keyboard below it shows those keys.
+class RangeFollower final : public View {
+public:
+    explicit RangeFollower(const Rect& frame) : View(frame) {
+        const float width = frame.size.width;
+        keys = &addSubview(
+            std::make_unique<KeyboardView>(Rect{{12, 12}, {width - 24, frame.size.height - 54}}));
+        auto& strip = addSubview(
+            std::make_unique<KeyboardToolbarView>(Rect{{0, frame.size.height - 30}, {width, 30}}));
+        auto& sustain = strip.addSubview(
+            std::make_unique<Button>(Rect{{12, 4}, {64, 22}}, "Sustain", ButtonCell::Kind::Toggle));
+        sustain.setFont(themeFont(11.0F, FontWeight::Medium));
+        sustain.setOn(true);
+        const Size size = DfOctavePickerView::naturalSize(false);
+        picker = &strip.addSubview(
+            std::make_unique<DfOctavePickerView>(Rect{{width - size.width - 12, 2}, size}, false));
+        picker->setTarget(this);
+        picker->setAction(action<&RangeFollower::rangeChanged>());
+        picker->setKeyRange({28, 15});
+    }
+    void rangeChanged() { keys->setKeyRange(picker->keyRange()); }
+    void drawRect(Canvas& canvas, const Rect&) override {
+        fillAligned(canvas, bounds(), theme(effectiveAppearance()).window);
+    }
+
+    KeyboardView* keys = nullptr;
+    DfOctavePickerView* picker = nullptr;
+};
+
+Specimen picker(std::string caption, bool isLarge, std::function<void(DfOctavePickerView&)> set,
+                std::function<void(Window&)> drive = {}) {
+    const Size size = DfOctavePickerView::naturalSize(isLarge);
+    return {std::move(caption), size,
+            [=] {
+                auto made = std::make_unique<DfOctavePickerView>(Rect{{}, size}, isLarge);
+                made->setKeyRange({28, 15});
+                if (set) set(*made);
+                return made;
+            },
+            std::move(drive)};
+}
+
+Specimen keys(std::string caption, std::function<void(KeyboardView&)> set,
+              std::function<void(Window&)> drive = {}) {
+    const Size size{226.0F, 120.0F};
+    return {std::move(caption), size,
+            [=] {
+                auto made = std::make_unique<KeyboardView>(Rect{{}, size});
+                made->setKeyRange({35, 8});
+                if (set) set(*made);
+                return made;
+            },
+            std::move(drive)};
+}
+
+}  // namespace
+
+Sheet keyboardSheet() {
+    // Where the range and the keys are, in the window of a specimen.
+    constexpr Point kOnRange{250.0F, 28.0F};
+    constexpr Point kOnShortRange{190.0F, 46.0F};
+    constexpr Point kOnKey{60.0F, 24.0F};
+    const auto overRange = [=](Window& window) { hover(window, kOnRange); };
+    const auto dragged = [=](Window& window) {
+        press(window, kOnShortRange);
+        drag(window, kOnShortRange + Point{5.0F, 0.0F});
+    };
+    Specimen tip = picker("short, dragged", false, {}, dragged);
+    tip.margin = kTipRoom;
+    Specimen whole{"window with its strip",
+                   {722.0F, 190.0F},
+                   [] {
+                       auto made = std::make_unique<RangeFollower>(Rect{{}, {722, 190}});
+                       for (const std::int32_t note : {52, 55, 59, 66})
+                           made->keys->setNotePressed(note, true);
+                       return made;
+                   },
+                   {}};
+    return {"keyboard",
+            "Octave picker and keyboard",
+            {{picker("large", true, {}), picker("short", false, {})},
+             {picker("under the pointer", true, {}, overRange), tip},
+             {picker("focused", true, {}, focus),
+              picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
+             {keys("at rest", {}),
+              keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
+              keys("played", {}, [=](Window& window) { press(window, kOnKey); }),
+              keys("focused", {}, focus)},
+             {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole}}};
+}
+
+}  // namespace veltra::gallery
