@@ -11,15 +11,13 @@ namespace veltra::gallery {
 
 namespace {
 
-constexpr float kTipRoom = 32.0F;
-
 // The picker shows a range; the keyboard below it shows those keys.
 class RangeFollower final : public View {
 public:
     explicit RangeFollower(const Rect& frame) : View(frame) {
         const float width = frame.size.width;
         keys = &addSubview(
-            std::make_unique<KeyboardView>(Rect{{12, 12}, {width - 24, frame.size.height - 54}}));
+            std::make_unique<KeyboardView>(Rect{{12, 12}, {width - 24, frame.size.height - 55}}));
         auto& strip = addSubview(
             std::make_unique<KeyboardToolbarView>(Rect{{0, frame.size.height - 30}, {width, 30}}));
         auto& sustain = strip.addSubview(
@@ -35,7 +33,8 @@ public:
     }
     void rangeChanged() { keys->setKeyRange(picker->keyRange()); }
     void drawRect(Canvas& canvas, const Rect&) override {
-        fillAligned(canvas, bounds(), theme(effectiveAppearance()).window);
+        const Theme& colors = theme(effectiveAppearance());
+        drawPlate(canvas, bounds(), 4.0F, colors.window, colors.edge);
     }
 
     KeyboardView* keys = nullptr;
@@ -73,15 +72,13 @@ Specimen keys(std::string caption, std::function<void(KeyboardView&)> set,
 Sheet keyboardSheet() {
     // Where the range and the keys are, in the window of a specimen.
     constexpr Point kOnRange{250.0F, 28.0F};
-    constexpr Point kOnShortRange{190.0F, 46.0F};
+    constexpr Point kOnShortRange{190.0F, 20.0F};
     constexpr Point kOnKey{60.0F, 24.0F};
     const auto overRange = [=](Window& window) { hover(window, kOnRange); };
     const auto dragged = [=](Window& window) {
         press(window, kOnShortRange);
         drag(window, kOnShortRange + Point{5.0F, 0.0F});
     };
-    Specimen tip = picker("short, dragged", false, {}, dragged);
-    tip.margin = kTipRoom;
     Specimen whole{"window with its strip",
                    {722.0F, 190.0F},
                    [] {
@@ -91,17 +88,18 @@ Sheet keyboardSheet() {
                        return made;
                    },
                    {}};
-    return {"keyboard",
-            "Octave picker and keyboard",
-            {{picker("large", true, {}), picker("short", false, {})},
-             {picker("under the pointer", true, {}, overRange), tip},
-             {picker("focused", true, {}, focus),
-              picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
-             {keys("at rest", {}),
-              keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
-              keys("played", {}, [=](Window& window) { press(window, kOnKey); }),
-              keys("focused", {}, focus)},
-             {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole}}};
+    return {
+        "keyboard",
+        "Octave picker and keyboard",
+        {{picker("large", true, {}), picker("short", false, {})},
+         {picker("under the pointer", true, {}, overRange), picker("dragged", false, {}, dragged)},
+         {picker("focused", true, {}, focus),
+          picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
+         {keys("at rest", {}),
+          keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
+          keys("played", {}, [=](Window& window) { press(window, kOnKey); }),
+          keys("focused", {}, focus)},
+         {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole}}};
 }
 
 }  // namespace veltra::gallery

@@ -76,6 +76,8 @@ void KeyboardDrawing::drawWhiteKey(const Rect& key, const KeyPicture& picture) c
     const KeyColors& colors = m_isDark ? kDark : kLight;
     Rect body = m_canvas.alignedToDevice(key);
     const float gap = deviceWidth(m_canvas, 1.0F);
+    // The key before may have been rounded to end a pixel farther.
+    if (key.minX() > 0.0F) m_canvas.fillRect({body.origin, {gap, body.size.height}}, colors.bed);
     body.origin.x += gap;
     body.size.width -= gap;
     body.size.height -= gap;
