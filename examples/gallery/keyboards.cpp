@@ -18,8 +18,8 @@ public:
         const float width = frame.size.width;
         keys = &addSubview(
             std::make_unique<KeyboardView>(Rect{{12, 12}, {width - 24, frame.size.height - 55}}));
-        auto& strip = addSubview(
-            std::make_unique<KeyboardToolbarView>(Rect{{0, frame.size.height - 30}, {width, 30}}));
+        auto& strip = addSubview(std::make_unique<KeyboardToolbarView>(
+            Rect{{1, frame.size.height - 31}, {width - 2, 30}}));
         auto& sustain = strip.addSubview(
             std::make_unique<Button>(Rect{{12, 4}, {64, 22}}, "Sustain", ButtonCell::Kind::Toggle));
         sustain.setFont(themeFont(11.0F, FontWeight::Medium));
