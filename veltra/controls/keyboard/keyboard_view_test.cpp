@@ -127,6 +127,10 @@ TEST_F(OnScreenKeyboard, TheKeysOfTheComputerLeadAlongAndPlay) {
     window->key(u' ');
     window->key(u' ');
     window->key(kRightArrowCharacter);
+    Event repeated = window->eventAt(EventType::KeyDown, {});
+    repeated.charactersIgnoringModifiers = u" ";
+    repeated.isRepeat = true;
+    Application::current().postEvent(repeated);
     keyUp(u'x');
     EXPECT_EQ(player.take(), "+60 ");
     keyUp(u' ');
