@@ -41,7 +41,7 @@ public:
     DfOctavePickerView* picker = nullptr;
 };
 
-Specimen picker(std::string caption, bool isLarge, std::function<void(DfOctavePickerView&)> set,
+Specimen picker(std::string caption, bool isLarge, const std::function<void(DfOctavePickerView&)>& set,
                 std::function<void(Window&)> drive = {}) {
     const Size size = DfOctavePickerView::naturalSize(isLarge);
     return {std::move(caption), size,
@@ -54,7 +54,7 @@ Specimen picker(std::string caption, bool isLarge, std::function<void(DfOctavePi
             std::move(drive)};
 }
 
-Specimen keys(std::string caption, std::function<void(KeyboardView&)> set,
+Specimen keys(std::string caption, const std::function<void(KeyboardView&)>& set,
               std::function<void(Window&)> drive = {}) {
     const Size size{226.0F, 120.0F};
     return {std::move(caption), size,

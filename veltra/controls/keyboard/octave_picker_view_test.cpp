@@ -4,23 +4,25 @@
 #include "veltra/ui/image_registry.h"
 #include "veltra/ui/testing/scripted_port.h"
 
+#include <sstream>
+
 namespace veltra {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::HostedView;
 using testing::RecordingCanvas;
 
 struct Host : Anchored {
     void rangeChanged(DfOctavePickerView& sender) {
-        ranges.push_back(sender.keyRange().location);
-        redrawn = window != nullptr ? window->port.invalid.size() : 0;
-        if (victim != nullptr) victim->reset();
+        const KeyRange range = sender.keyRange();
+        told += std::to_string(range.location) + "+" + std::to_string(range.length) + " ";
+        requests = window->port.invalid.size();
+        if (--callsToLive == 0) window.reset();
     }
-    std::vector<std::uint32_t> ranges;
-    std::size_t redrawn = 0;  // requests before the last action
-    HostedView* window = nullptr;
-    std::unique_ptr<HostedView>* victim = nullptr;
+    std::string told;
+    std::size_t requests = 0;  // for redrawing, before the last action
+    int callsToLive = 0;
+    std::unique_ptr<HostedView> window;
 };
 
 class OctavePicker : public ::testing::Test {
@@ -28,184 +30,131 @@ protected:
     testing::ScriptedPort port;
     Host host;
     DfOctavePickerView* picker = nullptr;
-    std::unique_ptr<HostedView> window = hosted(true);
 
-    std::unique_ptr<HostedView> hosted(bool isLarge) {
+    OctavePicker() { show(); }
+    void show() {
         auto made = std::make_unique<DfOctavePickerView>(
-            Rect{{}, DfOctavePickerView::naturalSize(isLarge)}, isLarge);
+            Rect{{}, DfOctavePickerView::naturalSize(true)}, true);
         picker = made.get();
         picker->setTarget(&host);
         picker->setAction(action<&Host::rangeChanged>());
-        auto shown = std::make_unique<HostedView>(std::move(made));
-        host.window = shown.get();
-        return shown;
+        host.window = std::make_unique<HostedView>(std::move(made));
+        host.window->window.makeFirstResponder(picker);
+        host.window->display();
+        host.told.clear();
     }
-    void press(float x) { window->press({x, 20}); }
-    void drag(float x) { window->drag({x, 20}); }
-    void click(float x) { window->click({x, 20}); }
-    std::vector<std::uint32_t> takeRanges() { return std::exchange(host.ranges, {}); }
+    // p80 presses at 80, d86 drags there, r releases; < > are arrows, - + pages, [ ] Home and End,
+    // S> an arrow with Shift, e Escape, i and I a screen reader's steps. Returns what was sent.
+    std::string drive(const std::string& script) {
+        std::istringstream words(script);
+        for (std::string word; host.window && words >> word;)
+            act(word[0], word.size() > 1 ? std::stof("0" + word.substr(1)) : 0.0F, word.back());
+        return std::exchange(host.told, {});
+    }
+    void act(char what, float x, char last) {
+        const std::map<char, char16_t> keys = {
+            {'<', kLeftArrowCharacter}, {'>', kRightArrowCharacter}, {'-', kPageDownCharacter},
+            {'+', kPageUpCharacter},    {'[', kHomeCharacter},       {']', kEndCharacter},
+            {'e', kEscapeCharacter}};
+        Event key = host.window->eventAt(EventType::KeyDown, {});
+        if (what == 'p') return host.window->press({x, 20});
+        if (what == 'd') return host.window->drag({x, 20});
+        if (what == 'r') return host.window->release({x, 20});
+        if (what == 'i' || what == 'I') {
+            picker->performAccessibilityAction(what == 'i' ? AccessibilityAction::Increment
+                                                           : AccessibilityAction::Decrement);
+            return;
+        }
+        if (what == 'S') key.modifierFlags = kShiftKeyMask;
+        key.charactersIgnoringModifiers = std::u16string(1, keys.at(last));
+        Application::current().postEvent(key);
+    }
 };
 
-TEST_F(OctavePicker, BeginsAtTenKeysFromTheTenthInBothSizes) {
-    EXPECT_EQ(picker->bounds().size, (Size{462, 40}));
-    EXPECT_EQ(picker->rangeRect(), (Rect{{66, 0}, {59, 40}}));
-    EXPECT_EQ(picker->clickRaster(), 7);
-    EXPECT_EQ(picker->dragRaster(), 1);
-    const DfOctavePickerView small({{}, {382, 26}}, false);
-    EXPECT_EQ(small.totalNumWhiteKeys(), 74U);
-    EXPECT_EQ(small.rangeRect(), (Rect{{56, 0}, {49, 26}}));
+struct Row {
+    KeyRange range;
+    const char* script;
+    const char* sent;
+    bool allowsResizing = false;
+    std::int32_t clickRaster = 7;
+    std::int32_t dragRaster = 1;
+};
+
+constexpr Row kRows[] = {
+    {{10, 10}, "p458 r", "65+10 "},  // not 70
+    {{10, 10}, "p2 r", "0+10 "},
+    {{30, 10}, "p80 d85.9 d86 d1000 d80 r", "7+10 7+10 8+10 65+10 7+10 "},
+    {{10, 10}, "p70 d76 r d300", "11+10 "},  // grabbed where it is
+    {{20, 3}, "p82 d200 r", "7+3 "},         // lands short of the pointer: no drag
+    {{10, 10}, "p150 d170 r", "24+10 25+10 ", false, 1, 5},
+    {{10, 10}, "p67 d55 r", "8+10 "},
+    {{10, 10}, "p64 d52 d900 r p127 d0 r", "8+12 19+1 19+1 ", true},
+    {{10, 10}, "p123 d129 d-9 r", "10+11 10+1 ", true},
+    {{10, 10}, "p70 d100 e d200 r", "15+10 10+10 "},
+    {{9, 10}, "> < - - + ] > [ e", "10+10 9+10 2+10 0+10 7+10 65+10 65+10 0+10 "},
+    {{64, 10}, "S> S> S<", "64+11 64+11 64+10 ", true},
+    {{64, 10}, "S>", "65+10 "},
+    {{1, 10}, "i I I", "2+10 1+10 0+10 "},
+};
+
+TEST_F(OctavePicker, FollowsPointerAndKeysAndSurvivesItsDeletionInEachAction) {
+    for (const Row& row : kRows) {
+        const auto begin = [&] {
+            show();
+            picker->setKeyRange(row.range);
+            picker->setAllowsResizing(row.allowsResizing);
+            picker->setClickRaster(row.clickRaster);
+            picker->setDragRaster(row.dragRaster);
+        };
+        begin();
+        const std::string sent = drive(row.script);
+        EXPECT_EQ(sent, row.sent) << row.script;
+        for (auto call = std::count(sent.begin(), sent.end(), ' '); call > 0; --call) {
+            begin();
+            host.callsToLive = static_cast<int>(call);
+            drive(row.script);
+            EXPECT_EQ(host.window, nullptr) << row.script;
+            EXPECT_EQ(port.toolTip, "");
+        }
+    }
 }
 
-TEST_F(OctavePicker, AClickBesideTheRangeJumpsByOctavesAndADragGoesKeyByKey) {
-    click(458.0F);
-    EXPECT_EQ(picker->keyRange(), (KeyRange{65, 10})) << "not 70";
-    click(2.0F);
-    EXPECT_THAT(takeRanges(), ElementsAre(65, 0));
-    press(80.0F);  // lands at 7, the pointer on it
-    drag(85.9F);
-    drag(86.0F);
-    drag(1000.0F);
-    drag(80.0F);
-    EXPECT_THAT(takeRanges(), ElementsAre(7, 7, 8, 65, 7));
-    window->release({80, 20});
-    press(50.0F);  // grabbed where it is: no action
-    EXPECT_TRUE(host.ranges.empty());
-    drag(56.0F);
-    EXPECT_THAT(takeRanges(), ElementsAre(8));
-    window->release({56, 20});
-
-    picker->setKeyRange({20, 3});
-    press(82.0F);  // lands at 7 to 9, short of the pointer
-    drag(200.0F);
-    EXPECT_THAT(takeRanges(), ElementsAre(7));
-    window->release({200, 20});
-    picker->setClickRaster(1);
-    picker->setDragRaster(5);
-    press(150.0F);
-    drag(170.0F);
-    EXPECT_THAT(takeRanges(), ElementsAre(24, 25));
-}
-
-TEST_F(OctavePicker, RedrawsTheOldAndTheNewRangeBeforeItSends) {
-    window->window.makeFirstResponder(picker);
-    window->display();
-    click(300.0F);
-    EXPECT_EQ(host.redrawn, 2U);
-    const auto onSurface = [&](KeyRange range) {
-        DfOctavePickerView other({{}, {462, 40}});
-        other.setKeyRange(range);
-        return other.rangeRect();
-    };
-    const auto& asked = window->port.invalid;
-    EXPECT_EQ(asked[0].intersection(onSurface({10, 10})), onSurface({10, 10}));
-    EXPECT_EQ(asked[1].intersection(onSurface({49, 10})), onSurface({49, 10}));
+TEST_F(OctavePicker, RedrawsTheOldAndTheNewRangeThenSendsToItsTargetAlone) {
+    const Rect before = picker->rangeRect();
+    EXPECT_EQ(before, (Rect{{66, 0}, {59, 40}}));
+    drive("p300 r");
+    const auto& asked = host.window->port.invalid;
+    EXPECT_EQ(host.requests, 2U);
+    EXPECT_EQ(asked[0].intersection(before), before);
+    EXPECT_EQ(asked[1].intersection(picker->rangeRect()), picker->rangeRect());
     EXPECT_LT(asked[1].size.width, 80.0F) << "and not the rest";
     picker->setTarget(nullptr);
-    Application::current().setDelegate(&host);  // no other receiver is looked for
-    click(30.0F);
+    Application::current().setDelegate(&host);
+    EXPECT_EQ(drive("p30 r"), "");
     Application::current().setDelegate(nullptr);
-    EXPECT_EQ(host.ranges.size(), 1U);
     EXPECT_EQ(picker->keyRange().location, 0U);
-}
-
-TEST_F(OctavePicker, SidesCanBeDraggedWhereTheHostAllowsIt) {
-    press(67.0F);
-    drag(55.0F);
-    EXPECT_EQ(picker->keyRange(), (KeyRange{8, 10}));
-    window->release({55, 20});
-    picker->setAllowsResizing(true);
-    EXPECT_EQ(picker->cursorAt({52, 20}), Cursor::ResizeLeftRight);
-    EXPECT_EQ(picker->cursorAt({80, 20}), Cursor::Arrow);
-    press(52.0F);
-    drag(40.0F);
-    EXPECT_EQ(picker->keyRange(), (KeyRange{6, 12}));
-    window->release({40, 20});
-    press(115.0F);
-    drag(121.0F);
-    EXPECT_EQ(picker->keyRange(), (KeyRange{6, 13}));
-    drag(-50.0F);
-    EXPECT_EQ(picker->keyRange(), (KeyRange{6, 1}));
-    window->release({0, 20});
-    EXPECT_THAT(takeRanges(), ElementsAre(8, 6, 6, 6));
-}
-
-TEST_F(OctavePicker, KeysMoveItAndEscapePutsADragBack) {
-    const auto key = [&](char16_t character) {
-        window->key(character);
-        return picker->keyRange().location;
-    };
-    press(70.0F);
-    EXPECT_EQ(port.toolTip, "F\u22121 \u2013 A0");
-    drag(100.0F);
-    EXPECT_EQ(port.toolTip, "D0 \u2013 F1");
-    EXPECT_EQ(key(kEscapeCharacter), 10U);
-    EXPECT_EQ(port.toolTip, "");
-    drag(200.0F);
-    EXPECT_EQ(picker->keyRange().location, 10U) << "the drag is over";
-    EXPECT_EQ(key(kLeftArrowCharacter), 9U);
-    EXPECT_EQ(key(kPageDownCharacter), 2U);
-    EXPECT_EQ(key(kPageDownCharacter), 0U);
-    EXPECT_EQ(key(kRightArrowCharacter), 1U);
-    EXPECT_EQ(key(kPageUpCharacter), 8U);
-    EXPECT_EQ(key(kEndCharacter), 65U);
-    EXPECT_EQ(key(kHomeCharacter), 0U);
-    EXPECT_EQ(host.ranges.size(), 9U);
-    Event shifted = window->eventAt(EventType::KeyDown, {});
-    shifted.charactersIgnoringModifiers = std::u16string(1, kRightArrowCharacter);
-    shifted.modifierFlags = kShiftKeyMask;
-    picker->setAllowsResizing(true);
-    picker->keyDown(shifted);
-    EXPECT_EQ(picker->keyRange(), (KeyRange{0, 11}));
-    EXPECT_TRUE(picker->wantsKey(shifted));
-    shifted.charactersIgnoringModifiers = u"x";
-    EXPECT_FALSE(picker->wantsKey(shifted));
+    const DfOctavePickerView small({{}, {382, 26}}, false);
+    EXPECT_EQ(small.rangeRect(), (Rect{{56, 0}, {49, 26}}));
+    EXPECT_EQ(small.totalNumWhiteKeys(), 74U);
 }
 
 TEST_F(OctavePicker, ADragEndsWithItsWindowAndWhenDisabled) {
-    press(70.0F);
-    window->window.visibilityDidChange(false);
+    drive("p70");
+    EXPECT_EQ(port.toolTip, "F\u22121 \u2013 A0");
+    host.window->window.visibilityDidChange(false);
     EXPECT_EQ(port.toolTip, "");
-    drag(200.0F);
-    EXPECT_TRUE(host.ranges.empty());
-    press(70.0F);
+    EXPECT_EQ(drive("d200 p70"), "");
     picker->setEnabled(false);
-    drag(200.0F);
-    click(300.0F);
-    window->key(kRightArrowCharacter);
+    EXPECT_EQ(drive("d200 r p300 r > i"), "");
     EXPECT_FALSE(picker->setAccessibilityNumber(3.0));
-    EXPECT_FALSE(picker->performAccessibilityAction(AccessibilityAction::Increment));
-    EXPECT_EQ(picker->keyRange().location, 10U);
     picker->setEnabled(true);
-    press(70.0F);
-    drag(76.0F);
-    host.ranges.clear();
+    drive("p70 d76");
     const auto taken = picker->takeFromSuperview();
-    picker->mouseDragged(window->eventAt(EventType::LeftMouseDragged, {200, 20}));
-    EXPECT_TRUE(host.ranges.empty());
-}
-
-TEST_F(OctavePicker, SurvivesItsDeletionInEachAction) {
-    const std::function<void()> acts[] = {
-        [&] { press(300.0F); },
-        [&] { press(70.0F), drag(100.0F); },
-        [&] { window->key(kLeftArrowCharacter); },
-        [&] { picker->setAllowsResizing(true), press(66.0F), drag(30.0F); },
-        [&] { picker->performAccessibilityAction(AccessibilityAction::Decrement); },
-        [&] { picker->setAccessibilityNumber(20.0); },
-    };
-    for (const auto& act : acts) {
-        host.victim = nullptr;
-        window = hosted(true);
-        window->window.makeFirstResponder(picker);
-        host.victim = &window;
-        act();
-        EXPECT_EQ(window, nullptr);
-        EXPECT_EQ(port.toolTip, "");
-    }
+    picker->mouseDragged(host.window->eventAt(EventType::LeftMouseDragged, {200, 20}));
+    EXPECT_EQ(host.told, "");
 }
 
 TEST_F(OctavePicker, SpeaksInNamesOfNotes) {
-    EXPECT_EQ(picker->accessibilityName(), "key range");
     EXPECT_EQ(picker->accessibilityValueText(), "F\u22121 to A0");
     picker->setFirstNote(21);
     picker->setOctaveOfMiddleC(4);
@@ -216,40 +165,35 @@ TEST_F(OctavePicker, SpeaksInNamesOfNotes) {
     EXPECT_EQ(picker->firstNote(), 0);
     picker->setKeyRange({10, 10});
     port.notifications.clear();
-    EXPECT_TRUE(picker->performAccessibilityAction(AccessibilityAction::Increment));
     EXPECT_TRUE(picker->setAccessibilityNumber(1e9));
     EXPECT_FALSE(picker->setAccessibilityNumber(std::nan("")));
-    EXPECT_THAT(host.ranges, ElementsAre(11, 65));
-    EXPECT_EQ(picker->accessibilityNumber()->maximum, 65.0);
-    EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].size(), 2U);
+    EXPECT_EQ(host.told, "65+10 ");
+    EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].size(), 1U);
 }
 
 TEST_F(OctavePicker, DrawsTheImagesOfTheHostAndTheRestItself) {
-    const auto texts = [&] {
+    const auto drawn = [&](RecordingCanvas::What what) {
         picker->setNeedsDisplay();
-        return RecordingCanvas::only(RecordingCanvas::What::Text, window->display());
+        return RecordingCanvas::only(what, host.window->display());
     };
-    ASSERT_EQ(texts().size(), 11U);
-    EXPECT_EQ(texts().back().text, "C8");
+    EXPECT_EQ(drawn(RecordingCanvas::What::Text).size(), 11U);
     const auto keys = std::make_shared<testing::RecordedImage>(904, 60, 2.0F);
     const auto part = std::make_shared<testing::RecordedImage>(4, 26, 1.0F);
-    registerImage("octave-glyphKeys", [&](float) { return keys; });
-    for (const char* const name : {"octave-L_edge", "octave-fill", "octave-R_edge"})
-        registerImage(name, [&](float) { return part; });
+    const char* const names[] = {"octave-glyphKeys", "octave-L_edge", "octave-fill",
+                                 "octave-R_edge"};
+    for (const char* const name : names)
+        registerImage(name, [&, name](float) { return name == names[0] ? keys : part; });
     picker->appearanceDidChange();
-    EXPECT_EQ(picker->rangeRect(), (Rect{{66, 0}, {59, 40}}));
     picker->setKeyRange({65, 10});
-    EXPECT_EQ(picker->rangeRect().maxX(), 457.0F);
-    EXPECT_TRUE(texts().empty());
-    picker->setNeedsDisplay();
-    const auto drawn = RecordingCanvas::only(RecordingCanvas::What::Image, window->display());
-    ASSERT_EQ(drawn.size(), 4U);
-    EXPECT_EQ(drawn[0].rect, (Rect{{6, 5}, {452, 30}}));
-    EXPECT_EQ(drawn[1].rect.minX(), picker->rangeRect().minX());
-    EXPECT_EQ(drawn[2].rect.minX(), drawn[1].rect.maxX());
-    EXPECT_EQ(drawn[3].rect.maxX(), picker->rangeRect().maxX());
-    for (const char* const name :
-         {"octave-glyphKeys", "octave-L_edge", "octave-fill", "octave-R_edge"})
+    EXPECT_EQ(picker->rangeRect(), (Rect{{397, 0}, {60, 40}})) << "keys are wider";
+    EXPECT_TRUE(drawn(RecordingCanvas::What::Text).empty());
+    const auto images = drawn(RecordingCanvas::What::Image);
+    ASSERT_EQ(images.size(), 4U);
+    EXPECT_EQ(images[0].rect, (Rect{{6, 5}, {452, 30}}));
+    EXPECT_EQ(images[1].rect, (Rect{{397, 0}, {4, 40}}));
+    EXPECT_EQ(images[2].rect, (Rect{{401, 0}, {52, 40}}));
+    EXPECT_EQ(images[3].rect, (Rect{{453, 0}, {4, 40}}));
+    for (const char* const name : names)
         registerImage(name, nullptr);
 }
 

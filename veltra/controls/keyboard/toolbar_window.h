@@ -76,7 +76,7 @@ public:
     void setMaxSize(Size size) override;
 
     // The strip and the button move over to the new content view, which has the room beside the
-    // strip.
+    // strip. Without a new one the window keeps the strip, and the button is destroyed.
     void setContentView(std::unique_ptr<View> view) override;
 
     // The masks of the content view's subviews, while a change of its size is to leave them alone.
