@@ -133,9 +133,7 @@ TEST_F(OctavePicker, RedrawsTheOldAndTheNewRangeThenSendsToItsTargetAlone) {
     EXPECT_EQ(drive("p30 r"), "");
     Application::current().setDelegate(nullptr);
     EXPECT_EQ(picker->keyRange().location, 0U);
-    const DfOctavePickerView small({{}, {382, 26}}, false);
-    EXPECT_EQ(small.rangeRect(), (Rect{{56, 0}, {49, 26}}));
-    EXPECT_EQ(small.totalNumWhiteKeys(), 74U);
+    EXPECT_EQ(DfOctavePickerView({{}, {382, 26}}, false).rangeRect(), (Rect{{56, 0}, {49, 26}}));
 }
 
 TEST_F(OctavePicker, ADragEndsWithItsWindowAndWhenDisabled) {
@@ -185,14 +183,11 @@ TEST_F(OctavePicker, DrawsTheImagesOfTheHostAndTheRestItself) {
         registerImage(name, [&, name](float) { return name == names[0] ? keys : part; });
     picker->appearanceDidChange();
     picker->setKeyRange({65, 10});
-    EXPECT_EQ(picker->rangeRect(), (Rect{{397, 0}, {60, 40}})) << "keys are wider";
-    EXPECT_TRUE(drawn(RecordingCanvas::What::Text).empty());
-    const auto images = drawn(RecordingCanvas::What::Image);
-    ASSERT_EQ(images.size(), 4U);
-    EXPECT_EQ(images[0].rect, (Rect{{6, 5}, {452, 30}}));
-    EXPECT_EQ(images[1].rect, (Rect{{397, 0}, {4, 40}}));
-    EXPECT_EQ(images[2].rect, (Rect{{401, 0}, {52, 40}}));
-    EXPECT_EQ(images[3].rect, (Rect{{453, 0}, {4, 40}}));
+    std::vector<Rect> places;
+    for (const auto& call : drawn(RecordingCanvas::What::Image))
+        places.push_back(call.rect);
+    EXPECT_THAT(places, ::testing::ElementsAre(Rect{{6, 5}, {452, 30}}, Rect{{397, 0}, {4, 40}},
+                                               Rect{{401, 0}, {52, 40}}, Rect{{453, 0}, {4, 40}}));
     for (const char* const name : names)
         registerImage(name, nullptr);
 }

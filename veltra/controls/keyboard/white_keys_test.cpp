@@ -24,8 +24,6 @@ TEST(WhiteKeys, AndNotesLeadToEachOtherFromEveryFirstNote) {
         EXPECT_EQ(VLNoteForWhiteKey(key + 1, first), -1);
         EXPECT_EQ(VLNoteForWhiteKey(-1, first), -1);
     }
-    EXPECT_EQ(VLWhiteKeyCount(0), 75);
-    EXPECT_EQ(VLWhiteKeyCount(21), 63);
     for (const std::int32_t none : {-1, 128, INT32_MIN, INT32_MAX}) {
         EXPECT_EQ(VLNoteForWhiteKey(0, none), -1);
         EXPECT_EQ(VLWhiteKeyForNote(60, none), -1);
@@ -36,12 +34,10 @@ TEST(WhiteKeys, AndNotesLeadToEachOtherFromEveryFirstNote) {
 }
 
 TEST(NoteNames, CountOctavesFromTheOneOfMiddleC) {
-    EXPECT_EQ(noteName(60), "C3");
     EXPECT_EQ(noteName(0), "C\u22122");
     EXPECT_EQ(noteName(127), "G8");
     EXPECT_EQ(noteName(54), "F#2");
     EXPECT_EQ(noteName(59, 4), "B3");
-    EXPECT_EQ(noteName(0, INT32_MIN), "C\u22122147483653");
     EXPECT_EQ(noteName(-1) + noteName(128), "");
 }
 
