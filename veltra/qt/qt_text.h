@@ -15,6 +15,7 @@ class QPainter;
 
 namespace veltra {
 
+// Asks the toolkit once for each name, until its fonts change.
 bool hasQtFontFamily(const std::string& name);
 
 // The sizes of lines. What was measured is kept, one entry for all sizes of a font, so that a
@@ -28,7 +29,8 @@ private:
     std::map<std::string, Size> m_measured;  // at the size of the layout
 };
 
-// In the middle of the rectangle's height; what is wider than it is cut off at its sides.
-void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, bool isSmooth);
+// What is wider than the rectangle is cut off at its sides.
+void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect,
+                TextPlacement placement, bool isSmooth);
 
 }  // namespace veltra
