@@ -33,5 +33,6 @@ struct Sheet {
 std::vector<Sheet> sheets();
 
 Sheet buttonSheet();
+Sheet numberEditorSheet();
 
 }  // namespace veltra::gallery

@@ -16,10 +16,19 @@ namespace {
 
 constexpr float kCaretWidth = 1.5F;
 constexpr float kCaretHeight = 0.84F;  // of the font's size
-constexpr float kCaretGap = 0.5F;      // behind the last digit
 
 bool isDigit(char16_t key) noexcept {
     return key >= u'0' && key <= u'9';
+}
+
+// Behind the last digit.
+void drawCaret(Canvas& canvas, const StyledText& text, const Rect& rect) {
+    const float width = text.isEmpty() ? 0.0F : text.size().width;
+    const float height = text.font.size * kCaretHeight;
+    float x = rect.maxX();
+    if (text.alignment == TextAlignment::Center) x = rect.center().x + width * 0.5F;
+    if (text.alignment == TextAlignment::Left) x = rect.minX() + width;
+    fillAligned(canvas, {{x, rect.center().y - height * 0.5F}, {kCaretWidth, height}}, text.color);
 }
 
 }  // namespace
@@ -244,11 +253,7 @@ void QkNumberEditorCell::drawTitleWithFrame(Canvas& canvas, const Rect& frame, V
                : m_editing ? with.editLeadingZeros
                            : with.leadingZeros);
     if (!isTyped()) return;
-    const float height = text.font.size * kCaretHeight;
-    fillAligned(
-        canvas,
-        {{rect.maxX() + kCaretGap, frame.center().y - height * 0.5F}, {kCaretWidth, height}},
-        text.color);
+    drawCaret(canvas, text, rect);
 }
 
 // Zeros and digits are parted so that they meet wherever the text is aligned.
