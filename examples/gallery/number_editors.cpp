@@ -153,7 +153,7 @@ Sheet numberEditorSheet() {
               position("focused", focus)},
              {position("disabled: nothing but the glass", {}, disabled),
               specimen("with captions", {164.0F, 52.0F}, makePosition, withCaptions),
-              specimen("tempo: no leading zeros", {100.0F, 40.0F}, makeTempo)},
+              specimen("tempo", {100.0F, 40.0F}, makeTempo)},
              {specimen("field", small, field),
               specimen("hover", small, field, {},
                        [](Window& window) {

@@ -28,12 +28,10 @@ TEST(Digits, ArePaddedAndSplitAndLinedUp) {
         const char* padded;
         const char* zeros;
         const char* rest;
-    } const rows[] = {
-        {7, 3, "007", "00", "7"},      {0, 3, "000", "000", ""},
-        {-7, 3, "-07", "", "-07"},     {-7, 1, "-7", "", "-7"},
-        {1000, 3, "1000", "", "1000"}, {70, 4, "0070", "00", "70"},
-        {0, 0, "0", "0", ""},          {kLeast, 3, "-2147483648", "", "-2147483648"},
-    };
+    } const rows[] = {{7, 3, "007", "00", "7"},      {0, 3, "000", "000", ""},
+                      {-7, 3, "-07", "", "-07"},     {-7, 1, "-7", "", "-7"},
+                      {1000, 3, "1000", "", "1000"}, {70, 4, "0070", "00", "70"},
+                      {0, 0, "0", "0", ""},          {kLeast, 3, "-2147483648", "", "-2147483648"}};
     for (const auto& row : rows) {
         const std::string text = zeroPadded(row.number, row.places);
         EXPECT_EQ(text, row.padded);

@@ -32,18 +32,18 @@ protected:
         cell.setAction(action<&Host::changed>());
         cell.setDelegate(&target);
         cell.setAlignment(TextAlignment::Right);
-        cell.calculateInternalsFromCellFrame({{10, 4}, {60, 16}}, *host.window.contentView());
+        cell.calculateInternalsFromCellFrame({{10, 4}, {60, 16}}, view());
     }
-    void key(char16_t character, ModifierFlags flags = {}) {
-        Event event = host.eventAt(EventType::KeyDown, {});
-        event.charactersIgnoringModifiers = std::u16string(1, character);
-        event.modifierFlags = flags;
-        EXPECT_EQ(cell.wantsKey(event), cell.isEditing() && flags.isEmpty() && character != u'x');
-        cell.keyDown(event);
-    }
-    void keys(std::u16string_view characters) {
-        for (const char16_t character : characters)
-            key(character);
+    View& view() { return *host.window.contentView(); }
+    void keys(std::u16string_view characters, ModifierFlags flags = {}) {
+        for (const char16_t character : characters) {
+            Event event = host.eventAt(EventType::KeyDown, {});
+            event.charactersIgnoringModifiers = std::u16string(1, character);
+            event.modifierFlags = flags;
+            const bool isOurs = cell.isEditing() && flags.isEmpty() && character != u'x';
+            EXPECT_EQ(cell.wantsKey(event), isOurs);
+            cell.keyDown(event);
+        }
     }
     void wheel(float deltaY, bool isPrecise = false) {
         Event event = host.eventAt(EventType::ScrollWheel, {});
@@ -54,7 +54,7 @@ protected:
     std::vector<RecordingCanvas::Call> drawn(What what = What::Text) {
         RecordingCanvas surface;
         Canvas canvas(surface);
-        cell.drawWithFrame(canvas, cell.cellFrame(), *host.window.contentView());
+        cell.drawWithFrame(canvas, cell.cellFrame(), view());
         return RecordingCanvas::only(what, surface.calls);
     }
 
@@ -65,103 +65,81 @@ protected:
 };
 
 TEST_F(Cells, TypeDigitsAndCommitOrRestoreThem) {
-    key(u'1');  // not in edit mode
-    EXPECT_EQ(cell.intValue(), 50);
-    cell.startEditing();
-    keys(u"1234");
-    EXPECT_EQ(cell.stringValue(), "234");
-    EXPECT_THAT(target.take(), ElementsAre());
-    key(kEscapeCharacter);
-    EXPECT_EQ(cell.intValue(), 50);
-    EXPECT_THAT(target.take(), ElementsAre("stopped 2"));
-
-    cell.startEditing();
-    key(kDeleteCharacter);  // the first edit: 50 comes back
-    EXPECT_EQ(cell.stringValue(), "5");
-    key(u'7');
-    EXPECT_EQ(cell.stringValue(), "57");
-    for (int i = 0; i < 3; ++i)
-        key(kDeleteCharacter);
-    EXPECT_EQ(cell.stringValue(), "");
-    key(kEscapeCharacter);
-    EXPECT_EQ(cell.intValue(), 50);
-    EXPECT_THAT(target.take(), ElementsAre("stopped 2"));
-
-    for (const char16_t end : {kReturnCharacter, kEnterCharacter}) {
+    keys(u"1");  // not in edit mode
+    struct {
+        std::u16string_view typed;
+        const char* shown;
+        std::u16string_view end;
+        std::int32_t left;
+        std::vector<std::string> told;
+    } const rows[] = {{u"1234", "234", u"\x1B", 50, {"stopped 2"}},
+                      {u"\x7F", "5", u"\x1B", 50, {"stopped 2"}},  // the first edit: it counts
+                      {u"\x7F"
+                       "7\x7F\x7F\x7F",
+                       "",
+                       u"\x1B",
+                       50,
+                       {"stopped 2"}},
+                      {u"007", "007", u"\r", 7, {"7", "stopped 3"}},
+                      {u"\x7F\x7F", "", u"\x3", 0, {"0", "stopped 3"}},
+                      {u"8x", "8", u"", 8, {"8", "stopped 1"}},
+                      {u"", "8", u"\r", 8, {"8", "stopped 3"}},
+                      {u"", "8", u"", 8, {"stopped 1"}}};
+    for (const auto& row : rows) {
         cell.startEditing();
-        keys(u"007");
-        key(end);
-        EXPECT_THAT(target.take(), ElementsAre("7", "stopped 3"));
+        keys(row.typed);
+        EXPECT_EQ(cell.stringValue(), row.shown);
+        keys(row.end);
+        cell.stopEditing();
+        EXPECT_EQ(cell.intValue(), row.left);
+        EXPECT_EQ(target.take(), row.told);
     }
-    cell.startEditing();
-    keys(u"8x");
-    cell.stopEditing();
-    cell.stopEditing();
-    EXPECT_THAT(target.take(), ElementsAre("8", "stopped 1"));
     cell.setMaxEditStringLen(20);
     cell.startEditing();
     keys(u"99999999999");
-    key(kReturnCharacter);
-    EXPECT_EQ(cell.intValue(), std::numeric_limits<std::int32_t>::max());
-    target.take();
-
-    cell.startEditing();
-    key(u'9');
     target.stops = &cell;  // the action ends editing: the delegate hears of it once
-    key(kReturnCharacter);
-    EXPECT_THAT(target.take(), ElementsAre("9", "stopped 1"));
+    keys(u"\r");
+    EXPECT_THAT(target.take(), ElementsAre("2147483647", "stopped 1"));
 }
 
 TEST_F(Cells, StepByOneByKeysAndByTheMinimumByWheelDragAndReader) {
     cell.setMinimumDelta(10);
     cell.startEditing();
-    key(kUpArrowCharacter);
-    keys(u"60");
-    key(kDownArrowCharacter);  // of what was typed, which is committed with it
+    keys(
+        u"\xF700"
+        "60\xF701");  // of what was typed, which is committed with it
     EXPECT_FALSE(cell.isEditedByNumberKeys());
-    wheel(0.2F);
-    wheel(-3.0F);
-    wheel(0.0F);
-    View& view = *host.window.contentView();
-    EXPECT_TRUE(cell.continueTracking({0, 5}, {9, 6}, view));
-    EXPECT_TRUE(cell.continueTracking({0, 5}, {9, 5}, view));
-    EXPECT_TRUE(cell.continueTracking({0, 30}, {9, 5}, view));
+    for (const float turn : {0.2F, -3.0F, 0.0F})
+        wheel(turn);
+    for (const float y : {6.0F, 5.0F, -20.0F})
+        EXPECT_TRUE(cell.continueTracking({0, 5}, {9, y}, view()));
     EXPECT_TRUE(cell.performAccessibilityAction(AccessibilityAction::Increment));
-    EXPECT_TRUE(cell.performAccessibilityAction(AccessibilityAction::Decrement));
     EXPECT_TRUE(cell.setAccessibilityNumber(7.9));
     for (int i = 0; i < 5; ++i)
         wheel(0.4F, true);  // parts of a notch add up
-    EXPECT_THAT(target.take(),
-                ElementsAre("51", "59", "69", "59", "69", "44", "54", "44", "7", "17", "27"));
     cell.setCoarseStep(100);
-    key(kUpArrowCharacter, kControlKeyMask);
-    EXPECT_EQ(cell.intValue(), 127);
+    keys(u"\xF700", kControlKeyMask);
+    EXPECT_THAT(target.take(),
+                ElementsAre("51", "59", "69", "59", "69", "44", "54", "7", "17", "27", "127"));
 }
 
 TEST_F(Cells, IgnoreTheUserWhileDisabledOrNotEditable) {
-    cell.setEnabled(false);
-    cell.startEditing();
-    EXPECT_FALSE(cell.isEditing());
-    wheel(1.0F);
-    cell.setNewValueAndSendAction(7);
-    EXPECT_FALSE(cell.setAccessibilityNumber(7.0));
-    EXPECT_TRUE(cell.accessibilityActions().empty());
     const Event press = host.eventAt(EventType::LeftMouseDown, {15, 10});
-    EXPECT_FALSE(cell.trackMouse(press, cell.cellFrame(), *host.window.contentView(), true));
-    cell.setEnabled(true);
-    cell.setEditable(false);
-    cell.startEditing();
-    EXPECT_FALSE(cell.isEditing());
-    EXPECT_FALSE(cell.performAccessibilityAction(AccessibilityAction::Increment));
-    EXPECT_FALSE(cell.trackMouse(press, cell.cellFrame(), *host.window.contentView(), true));
+    for (const bool isEnabled : {false, true}) {
+        cell.setEnabled(isEnabled);
+        cell.setEditable(!isEnabled);
+        cell.startEditing();
+        EXPECT_FALSE(cell.isEditing());
+        EXPECT_FALSE(cell.setAccessibilityNumber(7.0));
+        EXPECT_FALSE(cell.performAccessibilityAction(AccessibilityAction::Increment));
+        EXPECT_FALSE(cell.trackMouse(press, cell.cellFrame(), view(), true));
+        if (!isEnabled) cell.setNewValueAndSendAction(7);
+    }
+    EXPECT_EQ(cell.accessibilityRole(), AccessibilityRole::Ignored);
     EXPECT_EQ(cell.intValue(), 50);
     EXPECT_THAT(target.take(), ElementsAre());
-    cell.setAction(action<&Receiver::act>());  // nobody who responds: nothing happens
-    cell.setNewValueAndSendAction(8);
-    EXPECT_EQ(cell.intValue(), 8);
 }
 
-// In an ordinary control: the loop of its own, and the release that has nothing to add.
 TEST_F(Cells, FollowThePointerByThemselves) {
     struct Puller final : View {
         using View::View;
@@ -169,14 +147,13 @@ TEST_F(Cells, FollowThePointerByThemselves) {
         void mouseDown(const Event& event) override { pull(event); }
     };
     auto owned = std::make_unique<Puller>(Rect{{}, {100, 30}});
-    Puller& view = *owned;
+    Puller& puller = *owned;
     HostedView pulled(std::move(owned));
-    bool result = false;
-    bool untilMouseUp = true;
-    view.pull = [&](const Event& event) {
-        result = cell.trackMouse(event, {{10, 4}, {60, 16}}, view, untilMouseUp);
-    };
-    const auto run = [&](Point end) {
+    for (const bool untilMouseUp : {true, false}) {
+        bool result = !untilMouseUp;
+        puller.pull = [&](const Event& event) {
+            result = cell.trackMouse(event, {{10, 4}, {60, 16}}, puller, untilMouseUp);
+        };
         cell.setIntValue(0);
         port.script = {[&] {
                            pulled.drag({15, 13});
@@ -184,53 +161,41 @@ TEST_F(Cells, FollowThePointerByThemselves) {
                        [&] {
                            pulled.wheel({15, 13}, 5.0F);
                        },
-                       [&, end] { pulled.release(end); }};
+                       [&] {
+                           pulled.release({500, 500});
+                       }};
         pulled.press({15, 10});
-        pulled.release(end);
-        return result;
-    };
-    EXPECT_TRUE(cell.prefersTrackingUntilMouseUp());
-    EXPECT_TRUE(run({500, 500}));
-    EXPECT_EQ(cell.intValue(), 4);
-    untilMouseUp = false;
-    EXPECT_FALSE(run({15, 13}));  // the first drag ends it
-    EXPECT_EQ(cell.intValue(), 3);
-    EXPECT_EQ(QkNumberEditorCell::convertPoint({5, 6}, {1, 2}), (Point{4, 4}));
-    EXPECT_TRUE(cell.sendActionMask().isEmpty());
+        pulled.release({});
+        EXPECT_EQ(result, untilMouseUp);
+        EXPECT_EQ(cell.intValue(), untilMouseUp ? 4 : 3);  // else the first drag ends it
+    }
+    EXPECT_TRUE(cell.sendActionMask().isEmpty());  // the release has nothing to add
 }
 
 TEST_F(Cells, DrawTheirDigitsAsTheSettingsSay) {
     const Color red = Color::fromRgb(0xFF0000);
     const Color grey = Color::fromRgb(0x888888);
-    auto texts = drawn();
-    ASSERT_EQ(texts.size(), 1U);  // a line of 13 points is 16.25 high, and the frame 16
-    EXPECT_EQ(texts[0].rect.origin, (Point{11, 0}));
-    EXPECT_EQ(texts[0].color, kBlack);
+    EXPECT_EQ(drawn()[0].color, kBlack);
     cell.setStringValue("");
     EXPECT_TRUE(drawn().empty());
-
     cell.setIntValue(7);
     cell.setTextColor(red);
     cell.setLeadingZeros(3);
     EXPECT_EQ(drawn()[0].text, "007");
     cell.setLeadingZerosColor(grey);
     cell.setDisablesFontSmoothing(true);
-    texts = drawn();
+    auto texts = drawn();
     ASSERT_EQ(texts.size(), 2U);
     EXPECT_EQ(texts[0].text + '|' + texts[1].text, "7|00");
-    EXPECT_EQ(texts[0].color, red);
-    EXPECT_EQ(texts[1].color, grey);
-    EXPECT_FALSE(texts[1].isSmoothed);
+    EXPECT_TRUE(texts[0].color == red && texts[1].color == grey && !texts[1].isSmoothed);
+    EXPECT_EQ(texts[0].rect.origin, (Point{11, 0}));  // a line is higher than the frame
     EXPECT_EQ(texts[0].rect.size.width - texts[1].rect.size.width, 6.5F);  // of one digit
     cell.setAlignment(TextAlignment::Left);
     texts = drawn();
     EXPECT_EQ(texts[0].rect.minX() - texts[1].rect.minX(), 13.0F);  // of two zeros
     cell.setAlignment(TextAlignment::Right);
     cell.setIntValue(0);
-    texts = drawn();
-    ASSERT_EQ(texts.size(), 1U);
-    EXPECT_EQ(texts[0].text, "000");
-    EXPECT_EQ(texts[0].color, grey);
+    EXPECT_TRUE(drawn()[0].text == "000" && drawn()[0].color == grey);
 
     cell.setLeadingZeros(0);
     cell.setShadowEights(3);
@@ -239,9 +204,7 @@ TEST_F(Cells, DrawTheirDigitsAsTheSettingsSay) {
     ASSERT_EQ(texts.size(), 2U);
     EXPECT_EQ(texts[0].text + '|' + texts[1].text, "888|  5");
     EXPECT_EQ(texts[0].color, (Color{0.8F, 0.8F, 0.8F, 0.5F}));
-    EXPECT_TRUE(texts[0].isSmoothed);
     EXPECT_EQ(texts[0].rect, texts[1].rect);
-
     cell.setBackgroundColor(grey);
     EXPECT_TRUE(drawn(What::FillRect).empty());
     cell.setDrawsBackground(true);
@@ -258,9 +221,7 @@ TEST_F(Cells, DrawTheirDigitsAsTheSettingsSay) {
 TEST_F(Cells, ALookShowsThePointerAndWhatIsTyped) {
     cell.setLeadingZeros(4);
     cell.setShadowEights(4);
-    host.port.invalid.clear();
     cell.setHovered(true);
-    EXPECT_TRUE(host.port.invalid.empty());
     EXPECT_TRUE(drawn(What::FillPath).empty());
     cell.setLook(NumberEditorLook::Glass);
     EXPECT_EQ(drawn(What::FillPath).size(), 1U);
@@ -268,15 +229,11 @@ TEST_F(Cells, ALookShowsThePointerAndWhatIsTyped) {
     cell.startEditing();
     EXPECT_EQ(drawn().size(), 2U);
     EXPECT_TRUE(drawn(What::FillRect).empty());
-    key(u'1');
-    const auto texts = drawn();
-    ASSERT_EQ(texts.size(), 1U);
-    EXPECT_EQ(texts[0].text, "1");
+    keys(u"1");
+    EXPECT_EQ(drawn().size(), 1U);
+    EXPECT_EQ(drawn()[0].text, "1");
+    keys(u"\x7F");
     EXPECT_EQ(drawn(What::FillRect).size(), 1U);  // the caret
-    key(kDeleteCharacter);
-    EXPECT_EQ(drawn(What::FillRect).size(), 1U);
-    key(kReturnCharacter);
-    EXPECT_EQ(drawn().size(), 2U);  // 0: eights and zeros
 }
 
 TEST_F(Cells, AreAsWideAsTheirPlaceHolderAndTellReadersTheirValue) {
@@ -285,46 +242,18 @@ TEST_F(Cells, AreAsWideAsTheirPlaceHolderAndTellReadersTheirValue) {
     EXPECT_EQ(cell.cellSize(), (Size{13 + 5, 19}));  // "50" at 13 points
     cell.setPlaceHolderString("000");
     EXPECT_EQ(cell.cellSize(), (Size{20 + 5, 19}));
-    EXPECT_EQ(cell.cellSizeForBounds({{}, {10, 10}}), (Size{10, 10}));
-
     EXPECT_EQ(cell.accessibilityRole(), AccessibilityRole::Slider);
-    EXPECT_EQ(cell.accessibilityOrientation(), AccessibilityOrientation::Horizontal);
     EXPECT_EQ(cell.accessibilityNumber()->value, 50.0);
-    host.window.contentView()->setAccessibilityName("tempo");
+    view().setAccessibilityName("tempo");
     EXPECT_EQ(cell.accessibilityName(), "tempo");
     port.notifications.clear();
     cell.startEditing();
-    key(u'3');
+    keys(u"3");
     EXPECT_EQ(port.notifications[AccessibilityNotification::FocusGained].size(), 1U);
     EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].size(), 1U);
-    cell.setEditable(false);
-    EXPECT_EQ(cell.accessibilityRole(), AccessibilityRole::Ignored);
 }
 
-TEST_F(Cells, SurviveTheirDeletionInEachCallbackAndADelegateThatDiesFirst) {
-    struct Killer final : Anchored, QkNumberEditorCellDelegate {
-        std::unique_ptr<QkNumberEditorCell> cell = std::make_unique<QkNumberEditorCell>();
-        void act() { cell.reset(); }
-        void stoppedEditingWithReason(QkNumberEditorCell&, std::int32_t) override { cell.reset(); }
-    };
-    for (const bool inAction : {true, false}) {
-        for (const char16_t end : {kReturnCharacter, kEscapeCharacter}) {
-            Killer killer;
-            QkNumberEditorCell& victim = *killer.cell;
-            victim.setEditable(true);
-            victim.setControlView(host.window.contentView());
-            victim.setTarget(&killer);
-            if (inAction) victim.setAction(action<&Killer::act>());
-            if (!inAction) victim.setDelegate(&killer);
-            victim.startEditing();
-            Event event;
-            event.charactersIgnoringModifiers = u"5";
-            victim.keyDown(event);
-            event.charactersIgnoringModifiers = std::u16string(1, end);
-            victim.keyDown(event);
-            EXPECT_EQ(killer.cell == nullptr, !inAction || end == kReturnCharacter);
-        }
-    }
+TEST_F(Cells, OutliveNeitherTheirDelegateNorTheirOwnCallbacks) {
     {
         Host brief;
         cell.setDelegate(&brief);
@@ -332,6 +261,25 @@ TEST_F(Cells, SurviveTheirDeletionInEachCallbackAndADelegateThatDiesFirst) {
     cell.startEditing();
     cell.stopEditing();
     EXPECT_EQ(cell.delegate(), nullptr);
+    struct Killer final : Anchored, QkNumberEditorCellDelegate {
+        std::unique_ptr<QkNumberEditorCell> cell = std::make_unique<QkNumberEditorCell>();
+        void act() { cell.reset(); }
+        void stoppedEditingWithReason(QkNumberEditorCell&, std::int32_t) override { cell.reset(); }
+    };
+    for (const bool inAction : {true, false}) {
+        Killer killer;
+        QkNumberEditorCell& victim = *killer.cell;
+        victim.setEditable(true);
+        victim.setControlView(&view());
+        victim.setTarget(&killer);
+        if (inAction) victim.setAction(action<&Killer::act>());
+        if (!inAction) victim.setDelegate(&killer);
+        victim.startEditing();
+        Event event;
+        event.charactersIgnoringModifiers = u"\r";
+        victim.keyDown(event);
+        EXPECT_EQ(killer.cell, nullptr);
+    }
 }
 
 }  // namespace
