@@ -100,6 +100,10 @@ TEST_F(Cells, TypeDigitsAndCommitOrRestoreThem) {
     target.stops = &cell;  // the action ends editing: the delegate hears of it once
     keys(u"\r");
     EXPECT_THAT(target.take(), ElementsAre("2147483647", "stopped 1"));
+    cell.startEditing();
+    keys(u"5");
+    cell.stopEditing();
+    EXPECT_THAT(target.take(), ElementsAre("5", "stopped 1"));
 }
 
 TEST_F(Cells, StepByOneByKeysAndByTheMinimumByWheelDragAndReader) {
