@@ -97,7 +97,7 @@ std::unique_ptr<NumberDisplay> makeVelocity(NumberEditorLook look) {
 
 template <typename Make>
 Specimen specimen(std::string caption, Size size, Make make,
-                  std::function<void(NumberDisplay&)> set = {},
+                  const std::function<void(NumberDisplay&)>& set = {},
                   std::function<void(Window&)> drive = {}) {
     return {std::move(caption), size,
             [=] {
@@ -134,7 +134,7 @@ Sheet numberEditorSheet() {
     const Size small{56.0F, 20.0F};
     const auto editFirst = [=](Window& window) { startEditing(window, firstGroup); };
     const auto editSmall = [](Window& window) { startEditing(window, {36.0F, 18.0F}); };
-    const auto typeDigits = [](std::u16string digits, Point point) {
+    const auto typeDigits = [](const std::u16string& digits, Point point) {
         return [=](Window& window) {
             startEditing(window, point);
             type(window, digits);
