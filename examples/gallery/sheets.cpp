@@ -8,6 +8,7 @@ std::vector<Sheet> sheets() {
         buttonSheet(),
         stepSheet(),
         keyboardSheet(),
+        numberEditorSheet(),
     };
 }
 

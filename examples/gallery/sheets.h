@@ -35,5 +35,6 @@ std::vector<Sheet> sheets();
 Sheet buttonSheet();
 Sheet stepSheet();
 Sheet keyboardSheet();
+Sheet numberEditorSheet();
 
 }  // namespace veltra::gallery

@@ -10,6 +10,7 @@
 #include "veltra/ui/application.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QEventLoop>
 #include <QPainter>
 #include <QPalette>
@@ -186,13 +187,21 @@ std::shared_ptr<const Image> QtUiPort::drawImage(std::int32_t pixelWidth, std::i
     return std::make_shared<QtImage>(image, scale);
 }
 
-// Tool tips and accessibility.
+// Tool tips, the clipboard and accessibility.
 
 void QtUiPort::showToolTip(Window& window, const std::string& text, Point inWindow) {
     if (const QtSurface* const surface = surfaceOf(&window)) {
         const float y = window.contentSize().height - inWindow.y;
         m_toolTip.follow(*surface->widget(), window.appearance(), text, toQt(Point{inWindow.x, y}));
     }
+}
+
+std::string QtUiPort::clipboardText() const {
+    return QGuiApplication::clipboard()->text().toStdString();
+}
+
+void QtUiPort::setClipboardText(const std::string& text) {
+    QGuiApplication::clipboard()->setText(toQt(text));
 }
 
 void QtUiPort::accessibilityChanged(AccessibilityElement& element,

@@ -56,6 +56,8 @@ public:
                                            const std::function<void(CanvasPort&)>& draw) override;
     void showToolTip(Window& window, const std::string& text, Point inWindow) override;
     void closeToolTip() override { m_toolTip.close(); }
+    std::string clipboardText() const override;
+    void setClipboardText(const std::string& text) override;
     void accessibilityChanged(AccessibilityElement& element,
                               AccessibilityNotification notification) override;
     void accessibilityElementDied(AccessibilityElement& element) noexcept override;

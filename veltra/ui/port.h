@@ -103,6 +103,10 @@ public:
     virtual void showToolTip(Window& window, const std::string& text, Point inWindow) = 0;
     virtual void closeToolTip() = 0;
 
+    // The text that users carry from one application to another (UTF-8); empty when there is none.
+    virtual std::string clipboardText() const { return {}; }
+    virtual void setClipboardText(const std::string& /*text*/) {}
+
     virtual void accessibilityChanged(AccessibilityElement& element,
                                       AccessibilityNotification notification) = 0;
     // The element must not be used any more, only its address.

@@ -200,7 +200,8 @@ public:
     bool showsFocus() const;
 
     // What the focus ring runs around, in the view's coordinates. The window draws the ring while
-    // the view showsFocus(), above all views. Nothing: no ring.
+    // the view showsFocus(), above all views; views around it cut it off, other than those that lie
+    // inside of the shape. Nothing: no ring.
     struct FocusShape {
         Rect rect;
         float radius = 0.0F;  // of its corners

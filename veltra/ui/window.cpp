@@ -184,17 +184,22 @@ void Window::display(Canvas& canvas, std::span<const Rect> dirty) {
     renewFocusRing();
 }
 
-// What surrounds the view cuts the ring off, its own bounds do not.
+// What surrounds the shape cuts the ring off; the view, and those above it that lie inside of the
+// shape, do not.
 Window::FocusRing Window::focusRing() const {
     const auto* const view = dynamic_cast<const View*>(m_firstResponder.get());
     if (view == nullptr || !view->showsFocus() || view->isHiddenOrHasHiddenAncestor()) return {};
     const auto shape = view->focusShape();
     if (!shape) return {};
-    const View* const above = view->superview();
     FocusRing ring;
+    ring.shape = {view->convertRectToView(shape->rect, nullptr), shape->radius};
+    const Rect& inside = ring.shape.rect;
+    const View* above = view->superview();
+    while (above != nullptr &&
+           inside.united(above->convertRectToView(above->bounds(), nullptr)) == inside)
+        above = above->superview();
     ring.clip =
         above != nullptr ? above->visiblePartInWindow(above->bounds()) : Rect{{}, m_frame.size};
-    ring.shape = {view->convertRectToView(shape->rect, nullptr), shape->radius};
     ring.around = ring.shape.rect.inset(-kFocusRingReach, -kFocusRingReach).intersection(ring.clip);
     return ring;
 }

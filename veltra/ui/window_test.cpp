@@ -90,6 +90,14 @@ TEST(FocusRing, FollowsItsViewWhileKeysLeadBeyondItsBounds) {
     host.window.keyStateDidChange(false);
     host.window.invalidate({{}, {100, 100}});
     EXPECT_EQ(rings().size(), lines);
+    // A view that its shape covers is a part of it.
+    host.window.keyStateDidChange(true);
+    View& ground =
+        host.window.contentView()->addSubview(std::make_unique<View>(Rect{{20, 60}, {30, 20}}));
+    host.window.makeFirstResponder(addButtons(ground, {0.0F})[0]);
+    ground.subviews()[0]->setFrame(ground.bounds());
+    host.window.invalidate({{}, {100, 100}});
+    EXPECT_EQ(rings().back().clip, (Rect{{}, {100, 100}}));
 }
 
 TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {

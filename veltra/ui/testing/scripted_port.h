@@ -59,6 +59,10 @@ public:
     bool isTerminated = false;
     std::optional<std::set<std::string>> files;  // those that exist; nothing: every one does
 
+    std::string clipboard;
+
+    std::string clipboardText() const override { return clipboard; }
+    void setClipboardText(const std::string& text) override { clipboard = text; }
     std::unique_ptr<WindowPort> makeWindow(Window& /*window*/, const Rect& /*contentRect*/,
                                            const WindowStyle& /*style*/) override {
         auto port = std::make_unique<RecordingWindow>();

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "sheets.h"
+#include "user.h"
+#include "veltra/controls/number_editor/number_display.h"
+#include "veltra/controls/number_editor/number_groups.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace veltra::gallery {
+
+namespace {
+
+// Bars, beats and ticks, counted from the beginning of the first bar.
+class Position final : public DfNumberEditorControlDelegate {
+public:
+    std::optional<std::vector<std::int32_t>> calculateCellValuesFromValue(
+        DfNumberEditorControl& /*control*/, std::int64_t value) override {
+        return m_groups.split(value);
+    }
+    std::optional<std::int64_t> calculateValueFromCellValues(
+        DfNumberEditorControl& /*control*/, std::span<const std::int32_t> values) override {
+        return std::max<std::int64_t>(m_groups.join(values), 0);
+    }
+
+private:
+    const NumberGroups m_groups{{{0, 1}, {4, 1}, {960, 0}}};
+};
+
+// Hundredths of beats a minute, from 20 to 999.
+class Tempo final : public DfNumberEditorControlDelegate {
+public:
+    std::optional<std::vector<std::int32_t>> calculateCellValuesFromValue(
+        DfNumberEditorControl& /*control*/, std::int64_t value) override {
+        return m_groups.split(value);
+    }
+    std::optional<std::int64_t> calculateValueFromCellValues(
+        DfNumberEditorControl& /*control*/, std::span<const std::int32_t> values) override {
+        return std::clamp<std::int64_t>(m_groups.join(values), 2000, 99900);
+    }
+
+private:
+    const NumberGroups m_groups{{{0, 0}, {100, 0}}};
+};
+
+void addGroups(NumberDisplay& display, const std::vector<std::uint32_t>& places,
+               DfNumberEditorControlDelegate& delegate) {
+    DfNumberEditorControl& editor = display.editor();
+    editor.setEditorCellCount(static_cast<std::int32_t>(places.size()));
+    for (std::int32_t i = 0; i < editor.editorCellCount(); ++i) {
+        const std::uint32_t count = places[static_cast<std::size_t>(i)];
+        editor.setPlaceHolderStringOfEditorCellAtIndex(std::string(count, '0'), i);
+        editor.setMaxEditStringLenOfEditorCellAtIndex(count, i);
+        editor.setShadowEightsOfEditorCellAtIndex(count, i);
+    }
+    for (std::int32_t i = 0; i < editor.separatorCellCount(); ++i)
+        editor.setStringOfSeparatorCellAtIndex(".", i);
+    editor.setDelegate(&delegate);
+    display.layOut();
+}
+
+std::unique_ptr<NumberDisplay> makePosition() {
+    static Position delegate;
+    auto made = std::make_unique<NumberDisplay>(Rect{{}, {164.0F, 40.0F}});
+    addGroups(*made, {4, 1, 4}, delegate);
+    DfNumberEditorControl& editor = made->editor();
+    editor.setLeadingZerosOfEditorCellAtIndex(4, 0);
+    editor.setLeadingZerosOfEditorCellAtIndex(4, 2);
+    editor.editorCellAtIndex(0)->setAccessibilityName("bar");
+    editor.editorCellAtIndex(1)->setAccessibilityName("beat");
+    editor.editorCellAtIndex(2)->setAccessibilityName("tick");
+    editor.setAccessibilityName("position");
+    editor.setSeparatorsLead(true);
+    editor.setUsesClipboard(true);
+    editor.setValue(3 * 3840 + 2 * 960 + 456);
+    return made;
+}
+
+std::unique_ptr<NumberDisplay> makeTempo() {
+    static Tempo delegate;
+    auto made = std::make_unique<NumberDisplay>(Rect{{}, {100.0F, 40.0F}});
+    addGroups(*made, {3, 2}, delegate);
+    made->editor().setLeadingZerosOfEditorCellAtIndex(2, 1);
+    made->editor().setAccessibilityName("tempo");
+    made->editor().setValue(12000);
+    return made;
+}
+
+std::unique_ptr<NumberDisplay> makeVelocity(NumberEditorLook look) {
+    auto made = std::make_unique<NumberDisplay>(Rect{{}, {56.0F, 20.0F}}, look, 11.0F);
+    made->editor().setAlignment(TextAlignment::Center);
+    made->editor().setAccessibilityName("velocity");
+    made->editor().setValue(100);
+    made->layOut();
+    return made;
+}
+
+template <typename Make>
+Specimen specimen(std::string caption, Size size, Make make,
+                  const std::function<void(NumberDisplay&)>& set = {},
+                  std::function<void(Window&)> drive = {}) {
+    return {std::move(caption), size,
+            [=] {
+                auto made = make();
+                if (set) set(*made);
+                return made;
+            },
+            std::move(drive)};
+}
+
+void startEditing(Window& window, Point point) {
+    press(window, point);
+    release(window, point);
+    press(window, point, 2);
+    release(window, point);
+}
+
+}  // namespace
+
+Sheet numberEditorSheet() {
+    const Size size{164.0F, 40.0F};
+    const Point firstGroup{36.0F, 28.0F};
+    const Point lastGroup{148.0F, 28.0F};
+    const auto position = [&](std::string caption, std::function<void(Window&)> drive,
+                              std::function<void(NumberDisplay&)> set = {}) {
+        return specimen(std::move(caption), size, makePosition, std::move(set), std::move(drive));
+    };
+    const auto disabled = [](NumberDisplay& made) { made.editor().setEnabled(false); };
+    const auto withCaptions = [](NumberDisplay& made) {
+        made.setCaptions({"BAR", "BEAT", "TICK"});
+    };
+    const auto glass = [] { return makeVelocity(NumberEditorLook::Glass); };
+    const auto field = [] { return makeVelocity(NumberEditorLook::Field); };
+    const Size small{56.0F, 20.0F};
+    const auto editFirst = [=](Window& window) { startEditing(window, firstGroup); };
+    const auto editSmall = [](Window& window) { startEditing(window, {36.0F, 18.0F}); };
+    const auto typeDigits = [](const std::u16string& digits, Point point) {
+        return [=](Window& window) {
+            startEditing(window, point);
+            type(window, digits);
+        };
+    };
+    return {"number-editor",
+            "Number editor",
+            {{position("at rest", {}),
+              position("hover", [=](Window& window) { hover(window, lastGroup); }),
+              position("dragging",
+                       [=](Window& window) {
+                           press(window, lastGroup);
+                           drag(window, {lastGroup.x, lastGroup.y + 44.0F});
+                       })},
+             {position("editing", editFirst), position("typed", typeDigits(u"12", firstGroup)),
+              position("focused", focus)},
+             {position("disabled: nothing but the glass", {}, disabled),
+              specimen("with captions", {164.0F, 52.0F}, makePosition, withCaptions),
+              specimen("tempo", {100.0F, 40.0F}, makeTempo)},
+             {specimen("field", small, field),
+              specimen("hover", small, field, {},
+                       [](Window& window) {
+                           hover(window, {36.0F, 18.0F});
+                       }),
+              specimen("editing", small, field, {}, editSmall),
+              specimen("typed", small, field, {}, typeDigits(u"64", {36.0F, 18.0F})),
+              specimen("focused", small, field, {}, focus),
+              specimen("disabled", small, field, disabled), specimen("glass", small, glass)}}};
+}
+
+}  // namespace veltra::gallery

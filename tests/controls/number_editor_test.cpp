@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "on_pictures.h"
+#include "veltra/controls/number_editor/number_display.h"
+#include "veltra/ui/port.h"
+#include "veltra/ui/theme.h"
+
+namespace veltra::testing {
+namespace {
+
+constexpr float kMargin = 8.0F;
+
+// Three groups on glass, in a window with a margin of 8 points around it.
+struct Shown {
+    explicit Shown(const Setting& setting)
+        : picture({164.0F + 2 * kMargin, 40.0F + 2 * kMargin}, setting.scale, setting.appearance) {
+        Window& window = picture.window();
+        window.setContentView(std::make_unique<View>(Rect{{}, window.contentSize()}));
+        display = &window.contentView()->addSubview(
+            std::make_unique<NumberDisplay>(Rect{{kMargin, kMargin}, {164, 40}}));
+        DfNumberEditorControl& editor = display->editor();
+        editor.setEditorCellCount(3);
+        for (std::int32_t i = 0; i < 3; ++i) {
+            editor.setPlaceHolderStringOfEditorCellAtIndex(i == 1 ? "0" : "0000", i);
+            editor.setLeadingZerosOfEditorCellAtIndex(i == 1 ? 0 : 4, i);
+            editor.setShadowEightsOfEditorCellAtIndex(i == 1 ? 1 : 4, i);
+        }
+        display->layOut();
+        window.visibilityDidChange(true);
+        window.keyStateDidChange(true);
+    }
+    DfNumberEditorControl& editor() { return display->editor(); }
+    Pixels draw() { return Pixels(picture.draw()); }
+
+    PictureWindow picture;
+    NumberDisplay* display = nullptr;
+};
+
+TEST(NumberEditorPictures, DigitsThatChangeMoveNothingElse) {
+    for (const Setting& setting : settings()) {
+        Shown shown(setting);
+        QkNumberEditorCell& ticks = *shown.editor().editorCellAtIndex(2);
+        const Rect frame = shown.editor().convertRectToView(ticks.cellFrame(), nullptr);
+        const auto left = static_cast<std::int32_t>(std::floor(frame.minX() * setting.scale));
+        ticks.setIntValue(456);
+        const Pixels before = shown.draw();
+        ticks.setIntValue(1111);
+        const Pixels after = shown.draw();
+        int changed = 0;
+        for (std::int32_t y = 0; y < before.height(); ++y) {
+            for (std::int32_t x = 0; x < before.width(); ++x) {
+                if (before.rgbAt(x, y) == after.rgbAt(x, y)) continue;
+                ++changed;
+                ASSERT_GE(x, left) << setting.scale;
+            }
+        }
+        EXPECT_GT(changed, 20);
+    }
+}
+
+// The ground of editing has sharp sides, and the ring runs around the glass in whole pixels.
+TEST(NumberEditorPictures, GroundAndRingAreSharpAtEveryScale) {
+    for (const Setting& setting : settings()) {
+        Shown shown(setting);
+        Window& window = shown.picture.window();
+        window.keyboardArrives(true);
+        ASSERT_TRUE(shown.editor().showsFocus());
+        const Theme& colors = theme(setting.appearance);
+        const auto columnsOf = [&](Color color) {
+            const Pixels pixels = shown.draw();
+            std::vector<std::int32_t> columns;
+            for (std::int32_t x = 0; x < pixels.width(); ++x) {
+                if (pixels.rgbAt(x, pixels.height() / 2) == rgbOf(color)) columns.push_back(x);
+            }
+            return columns;
+        };
+        const auto ring = columnsOf(colors.accent);
+        const auto width = static_cast<std::size_t>(std::round(2 * setting.scale - 0.01F));
+        ASSERT_EQ(ring.size(), 2 * width) << setting.scale;
+        EXPECT_EQ(ring.front(), std::lround(4 * setting.scale)) << setting.scale;
+        EXPECT_EQ(ring.back() + 1, std::lround((164 + 12) * setting.scale)) << setting.scale;
+
+        shown.editor().startEditingForCell(shown.editor().editorCellAtIndex(1));
+        const auto line = columnsOf(systemColor(SystemColor::Grid, setting.appearance));
+        const Rect frame = shown.editor().convertRectToView(
+            shown.editor().editorCellAtIndex(1)->cellFrame(), nullptr);
+        ASSERT_FALSE(line.empty()) << setting.scale;
+        EXPECT_EQ(line.front(), std::lround((frame.minX() + 1.5F) * setting.scale));
+        EXPECT_EQ(line.back() + 1, std::lround((frame.maxX() - 1.5F) * setting.scale));
+    }
+}
+
+TEST(NumberEditorPictures, AllIsInPlaceAgainAfterAnyNumberOfLayouts) {
+    for (const Setting& setting : settings()) {
+        Shown shown(setting);
+        const auto frames = [&] {
+            std::vector<Rect> all{shown.editor().frame()};
+            for (std::int32_t i = 0; i < shown.editor().cellCount(); ++i)
+                all.push_back(shown.editor().frameOfCellAtIndex(i));
+            return all;
+        };
+        const auto first = frames();
+        for (int i = 0; i < 40; ++i)
+            shown.display->setFrameSize({i % 2 != 0 ? 164.0F : 90.7F, 40});
+        EXPECT_EQ(frames(), first);
+        EXPECT_LE(first.back().maxX(), first.front().size.width);  // nothing is cut off
+    }
+}
+
+TEST(NumberEditorPictures, TheClipboardCarriesTheValue) {
+    Shown shown(settings().front());
+    shown.editor().editorCellAtIndex(2)->setIntValue(456);
+    shown.editor().copy();
+    EXPECT_EQ(UiPort::current().clipboardText(), "0000/0/0456");
+    UiPort::current().setClipboardText("7");
+    shown.editor().paste();
+    EXPECT_EQ(shown.editor().value(), 7);
+}
+
+}  // namespace
+}  // namespace veltra::testing
