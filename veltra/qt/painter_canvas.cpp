@@ -160,8 +160,8 @@ void PainterCanvas::drawImage(const Image& image, const Rect& source, const Rect
     m_painter.setOpacity(1.0);
 }
 
-void PainterCanvas::drawText(const StyledText& text, const Rect& rect) {
-    drawQtText(m_painter, text, rect, m_smoothsFonts);
+void PainterCanvas::drawText(const StyledText& text, const Rect& rect, TextPlacement placement) {
+    drawQtText(m_painter, text, rect, placement, m_smoothsFonts);
 }
 
 }  // namespace veltra

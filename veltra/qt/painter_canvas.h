@@ -28,7 +28,7 @@ public:
     void strokePath(const Path& path, Color color, float lineWidth) override;
     void drawImage(const Image& image, const Rect& source, const Rect& destination,
                    float alpha) override;
-    void drawText(const StyledText& text, const Rect& rect) override;
+    void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) override;
 
 private:
     bool isAligned(const Rect& rect) const;

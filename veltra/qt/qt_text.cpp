@@ -8,6 +8,7 @@
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QPainter>
+#include <cmath>
 
 namespace veltra {
 
@@ -26,6 +27,9 @@ QFont layoutFont(const Font& font, bool isSmooth) {
             break;
         case FontWeight::Medium:
             result.setWeight(QFont::Medium);
+            break;
+        case FontWeight::SemiBold:
+            result.setWeight(QFont::DemiBold);
             break;
         case FontWeight::Bold:
             result.setWeight(QFont::Bold);
@@ -85,10 +89,35 @@ double totalWidth(const std::vector<Piece>& all) {
     return width;
 }
 
+double baseline(const QPainter& painter, const QFontMetricsF& metrics, double scale,
+                const Rect& rect, TextPlacement placement) {
+    const double middle = rect.center().y;
+    switch (placement) {
+        case TextPlacement::Center:
+            break;
+        case TextPlacement::Top:
+            return rect.minY() + metrics.ascent() * scale;
+        case TextPlacement::Capitals: {
+            const QTransform toDevice = painter.deviceTransform();
+            QPointF foot = toDevice.map(QPointF(0.0, middle + metrics.capHeight() / 2 * scale));
+            foot.setY(std::round(foot.y()));
+            return toDevice.inverted().map(foot).y();
+        }
+    }
+    return middle + (metrics.ascent() - metrics.descent()) / 2 * scale;
+}
+
 }  // namespace
 
-bool hasQtFontFamily(const std::string& name) {
-    return QFontDatabase::hasFamily(toQt(name));
+bool QtTextSizes::hasFamily(const std::string& name) {
+    const auto found = m_families.find(name);
+    if (found != m_families.end()) return found->second;
+    return m_families.emplace(name, QFontDatabase::hasFamily(toQt(name))).first->second;
+}
+
+void QtTextSizes::forget() {
+    m_families.clear();
+    m_measured.clear();
 }
 
 Size QtTextSizes::sizeOf(const StyledText& text) {
@@ -109,7 +138,8 @@ Size QtTextSizes::sizeOf(const StyledText& text) {
     return {found->second.width * scale, found->second.height * scale};
 }
 
-void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, bool isSmooth) {
+void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect,
+                TextPlacement placement, bool isSmooth) {
     const double scale = static_cast<double>(text.font.size) / kLayoutSize;
     if (!(scale > 0.0)) return;
     const QFont font = layoutFont(text.font, isSmooth);
@@ -120,16 +150,15 @@ void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, boo
     double left = rect.minX();
     if (text.alignment == TextAlignment::Center) left += room / 2;
     if (text.alignment == TextAlignment::Right) left += room;
-    const double baseline = rect.center().y + (metrics.ascent() - metrics.descent()) / 2 * scale;
+    const double line = baseline(painter, metrics, scale, rect, placement);
 
     painter.save();
     if (room < 0.0) {
         const double height = metrics.height() * scale;
-        painter.setClipRect(
-            QRectF(rect.minX(), rect.center().y - height, rect.size.width, 2 * height),
-            Qt::IntersectClip);
+        painter.setClipRect(QRectF(rect.minX(), line - height, rect.size.width, 2 * height),
+                            Qt::IntersectClip);
     }
-    painter.translate(left, baseline);
+    painter.translate(left, line);
     painter.scale(scale, scale);
     painter.setFont(font);
     painter.setPen(toQt(text.color));

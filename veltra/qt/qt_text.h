@@ -15,20 +15,23 @@ class QPainter;
 
 namespace veltra {
 
-bool hasQtFontFamily(const std::string& name);
-
-// The sizes of lines. What was measured is kept, one entry for all sizes of a font, so that a
-// search for the size that fits lays a text out once.
+// The families there are, and the sizes of lines. What was asked is kept, one entry for all sizes
+// of a font, so that a search for the size that fits lays a text out once.
 class QtTextSizes {
 public:
+    bool hasFamily(const std::string& name);
     Size sizeOf(const StyledText& text);
+    // The toolkit's fonts have changed.
+    void forget();
     std::size_t count() const noexcept { return m_measured.size(); }
 
 private:
     std::map<std::string, Size> m_measured;  // at the size of the layout
+    std::map<std::string, bool> m_families;
 };
 
-// In the middle of the rectangle's height; what is wider than it is cut off at its sides.
-void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect, bool isSmooth);
+// What is wider than the rectangle is cut off at its sides.
+void drawQtText(QPainter& painter, const StyledText& text, const Rect& rect,
+                TextPlacement placement, bool isSmooth);
 
 }  // namespace veltra

@@ -45,6 +45,9 @@ bool QtUiPort::install() {
     if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) return false;
     s_installed = new QtUiPort;
     UiPort::install(s_installed);
+    QObject::connect(qApp, &QGuiApplication::fontDatabaseChanged, [] {
+        if (s_installed != nullptr) s_installed->m_textSizes.forget();
+    });
     if (const Terminator hosts = installTerminator(endEventLoop)) installTerminator(hosts);
     s_loopBefore = new WeakPointer<RunLoop>(RunLoop::setCurrent(&s_installed->m_runLoop));
     qAddPostRoutine(&QtUiPort::uninstall);  // called first thing when the application ends
@@ -155,7 +158,7 @@ void QtUiPort::terminate() {
 // Text and pictures.
 
 bool QtUiPort::hasFontFamily(const std::string& name) const {
-    return hasQtFontFamily(name);
+    return m_textSizes.hasFamily(name);
 }
 
 Size QtUiPort::textSize(const StyledText& text) const {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/button.h"
 
-#include "veltra/ui/canvas.h"
+#include "veltra/ui/drawing.h"
 #include "veltra/ui/keyed_coder.h"
 
 #include <cmath>
@@ -10,21 +10,24 @@ namespace veltra {
 
 namespace {
 
-constexpr float kRadius = 5.0F;
+constexpr float kRadius = 6.0F;
+constexpr float kToggleRadius = 5.0F;
 constexpr float kMargin = 12.0F;
 constexpr float kHeight = 24.0F;
 
+constexpr float kPressed = 0.18F;  // how much darker what is on becomes
+
 constexpr char kOn[] = "CELL_ON";
+
+// Whichever of the two is easier to read on it.
+Color inkOn(Color face, const Theme& colors) {
+    const float luminance = 0.2126F * face.red + 0.7152F * face.green + 0.0722F * face.blue;
+    return luminance > 0.45F ? colors.onSwitch : kWhite;
+}
 
 bool isPressKey(const Event& event) noexcept {
     const char16_t key = event.plainKey();
     return key == u' ' || key == kReturnCharacter || key == kEnterCharacter;
-}
-
-// Whichever of black and white is easier to read on it.
-Color inkOn(Color face) {
-    const float luminance = 0.2126F * face.red + 0.7152F * face.green + 0.0722F * face.blue;
-    return luminance > 0.55F ? kBlack : kWhite;
 }
 
 }  // namespace
@@ -54,26 +57,19 @@ void ButtonCell::performClick() {
 }
 
 void ButtonCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
-    const Rect face = canvas.alignedToDevice(frame);
-    const float line = 1.0F / canvas.scale();
-    Color ground = view.systemColor(SystemColor::ControlBackground);
-    Color edge = view.systemColor(SystemColor::Separator);
+    const Theme& colors = theme(view.effectiveAppearance());
+    const float radius = m_kind == Kind::Toggle ? kToggleRadius : kRadius;
     StyledText text = attributedStringValue();
     if (m_isOn && isEnabled()) {
-        ground = edge = m_onColor.value_or(view.systemColor(SystemColor::Accent));
-        text.color = inkOn(ground);
+        const Color ground = m_onColor.value_or(colors.accent);
+        text.color = m_onColor ? inkOn(ground, colors) : colors.onAccent;
+        fillRounded(canvas, frame, radius,
+                    isHighlighted() ? ground.mixedWith(kBlack, kPressed) : ground);
+    } else {
+        drawPlate(canvas, frame, radius, isHighlighted() ? colors.controlPressed : colors.control,
+                  isEnabled() ? colors.edge : colors.line);
     }
-    if (isHighlighted()) {
-        const Color towards = view.effectiveAppearance() == Appearance::Dark ? kWhite : kBlack;
-        ground = ground.mixedWith(towards, 0.14F);
-    }
-    canvas.fillPath(Path::roundedRect(face, kRadius), edge);
-    canvas.fillPath(Path::roundedRect(face.inset(line, line), kRadius - line), ground);
-    if (view.hasKeyboard()) {
-        canvas.strokePath(Path::roundedRect(face.inset(1.0F, 1.0F), kRadius - 1.0F),
-                          view.systemColor(SystemColor::Accent), 2.0F);
-    }
-    canvas.drawText(text, face);
+    canvas.drawText(text, frame, TextPlacement::Capitals);
 }
 
 Size ButtonCell::cellSizeForBounds(const Rect& bounds) const {

@@ -117,9 +117,7 @@ void Canvas::drawImage(const Image& image, const Rect& source, const Rect& desti
 
 void Canvas::drawText(const StyledText& text, const Rect& rect, TextPlacement placement) {
     if (text.isEmpty() || rect.isEmpty()) return;
-    Rect place = toPort(rect);
-    if (placement == TextPlacement::Top) place.size.height = text.size().height;
-    m_port.drawText(text, place);
+    m_port.drawText(text, toPort(rect), placement);
 }
 
 }  // namespace veltra

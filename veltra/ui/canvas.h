@@ -55,8 +55,8 @@ public:
     // `source` is in points of the image, from its upper left corner, and lies inside it.
     virtual void drawImage(const Image& image, const Rect& source, const Rect& destination,
                            float alpha) = 0;
-    // In the middle of the rectangle's height, aligned in its width as the text says.
-    virtual void drawText(const StyledText& text, const Rect& rect) = 0;
+    // Placed in the rectangle's height as `placement` says, in its width as the text says.
+    virtual void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) = 0;
 };
 
 class VELTRA_EXPORT Canvas {
@@ -125,8 +125,8 @@ public:
     void drawImage(const Image& image, const Rect& source, const Rect& destination,
                    float alpha = 1.0F);
 
-    // Aligned in the rectangle's width as the text says; in its height in the middle, or with the
-    // top of the line at its upper side. Text that is wider is cut off at the rectangle's sides.
+    // Placed in the rectangle's height as `placement` says, in its width as the text says. Text
+    // that is wider is cut off at the rectangle's sides.
     void drawText(const StyledText& text, const Rect& rect,
                   TextPlacement placement = TextPlacement::Center);
 

@@ -11,7 +11,7 @@
 
 namespace veltra {
 
-enum class FontWeight : std::uint8_t { Regular, Medium, Bold };
+enum class FontWeight : std::uint8_t { Regular, Medium, SemiBold, Bold };
 
 struct VELTRA_EXPORT Font {
     std::string name;    // of the family; empty: the system's

@@ -17,11 +17,8 @@ PictureWindow::~PictureWindow() = default;
 std::shared_ptr<const Image> PictureWindow::draw() {
     const Size size = m_window->contentSize();
     return Image::drawn(size, m_surface->scale(), [this, size](Canvas& canvas) {
-        View* const view = m_window->contentView();
-        if (view == nullptr) return;
-        canvas.enter({{}, size}, false);
         const Rect whole{{}, size};
-        view->displayRects(canvas, {&whole, 1});
+        m_window->display(canvas, {&whole, 1});
     });
 }
 

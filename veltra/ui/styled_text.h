@@ -13,7 +13,9 @@
 namespace veltra {
 
 enum class TextAlignment : std::uint8_t { Left, Center, Right };
-enum class TextPlacement : std::uint8_t { Center, Top };  // in the height of a rectangle
+// In the height of a rectangle: the line in the middle; the top of the line at the upper side; the
+// capitals in the middle and their foot on a border between device pixels.
+enum class TextPlacement : std::uint8_t { Center, Top, Capitals };
 enum class TextTruncation : std::uint8_t { End, Middle };
 
 struct VELTRA_EXPORT StyledText {

@@ -309,6 +309,10 @@ bool View::isFirstResponder() const {
     return m_window != nullptr && m_window->firstResponder() == this;
 }
 
+bool View::showsFocus() const {
+    return hasKeyboard() && m_window->keysLead();
+}
+
 bool View::hasKeyboard() const {
     return m_window != nullptr && m_window->isKeyWindow() && isFirstResponder();
 }

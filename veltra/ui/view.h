@@ -24,6 +24,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -193,8 +194,20 @@ public:
 
     // Whether this view is the first to receive the keys of its window.
     virtual bool isFirstResponder() const;
-    // The same, and the window has the keyboard: what a focus ring shows.
+    // The same, and the window has the keyboard.
     bool hasKeyboard() const;
+    // The same, and the user works with keys: the last press came before the last key.
+    bool showsFocus() const;
+
+    // What the focus ring runs around, in the view's coordinates. The window draws the ring while
+    // the view showsFocus(), above all views. Nothing: no ring.
+    struct FocusShape {
+        Rect rect;
+        float radius = 0.0F;  // of its corners
+
+        friend bool operator==(const FocusShape&, const FocusShape&) = default;
+    };
+    virtual std::optional<FocusShape> focusShape() const { return FocusShape{bounds(), 4.0F}; }
 
     // The key-view loop: where Tab leads. Without a next view set, in the order of the tree. A view
     // that is out of sight can be a key view: it is brought into sight when its turn comes.

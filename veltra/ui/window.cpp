@@ -3,7 +3,7 @@
 
 #include "veltra/base/out_of_memory.h"
 #include "veltra/ui/application.h"
-#include "veltra/ui/canvas.h"
+#include "veltra/ui/drawing.h"
 
 #include <algorithm>
 #include <limits>
@@ -169,10 +169,53 @@ void Window::invalidate(const Rect& rect) {
 }
 
 void Window::display(CanvasPort& port, std::span<const Rect> dirty) {
-    if (!m_contentView) return;
     Canvas canvas(port);
+    display(canvas, dirty);
+}
+
+void Window::display(Canvas& canvas, std::span<const Rect> dirty) {
+    if (!m_contentView) return;
+    const Canvas::StateScope scope(canvas);
     canvas.enter({{}, m_frame.size}, false);
     m_contentView->displayRects(canvas, dirty);
+    drawFocusRing(canvas, dirty);
+    renewFocusRing();
+}
+
+// What surrounds the view cuts the ring off, its own bounds do not.
+Window::FocusRing Window::focusRing() const {
+    const auto* const view = dynamic_cast<const View*>(m_firstResponder.get());
+    if (view == nullptr || !view->showsFocus() || view->isHiddenOrHasHiddenAncestor()) return {};
+    const auto shape = view->focusShape();
+    if (!shape) return {};
+    const View* const above = view->superview();
+    FocusRing ring;
+    ring.clip =
+        above != nullptr ? above->visiblePartInWindow(above->bounds()) : Rect{{}, m_frame.size};
+    ring.shape = {view->convertRectToView(shape->rect, nullptr), shape->radius};
+    ring.around = ring.shape.rect.inset(-kFocusRingReach, -kFocusRingReach).intersection(ring.clip);
+    return ring;
+}
+
+// The ring follows its view wherever that goes: it is looked for after each event and each drawing.
+void Window::renewFocusRing() {
+    const Rect now = focusRing().around;
+    if (now == m_ring) return;
+    if (!m_ring.isEmpty()) invalidate(m_ring);
+    if (!now.isEmpty()) invalidate(now);
+    m_ring = now;
+}
+
+void Window::drawFocusRing(Canvas& canvas, std::span<const Rect> dirty) const {
+    const FocusRing ring = focusRing();
+    const Rect onSurface{{ring.around.minX(), m_frame.size.height - ring.around.maxY()},
+                         ring.around.size};
+    if (std::none_of(dirty.begin(), dirty.end(),
+                     [&](const Rect& rect) { return rect.intersects(onSurface); }))
+        return;
+    const Canvas::StateScope scope(canvas);
+    canvas.clipTo(ring.clip);
+    veltra::drawFocusRing(canvas, ring.shape.rect, ring.shape.radius, theme(appearance()).accent);
 }
 
 // Keys.
@@ -197,6 +240,7 @@ bool Window::makeFirstResponder(Responder* responder) {
         return false;
     }
     if (auto* const shown = dynamic_cast<View*>(next.get())) shown->setNeedsDisplay();
+    renewFocusRing();
     if (m_isKey) next->postAccessibilityNotification(AccessibilityNotification::FocusGained);
     return true;
 }
@@ -281,6 +325,7 @@ bool Window::selectKeyViewAfter(View* start, bool forward) {
 }
 
 void Window::keyboardArrives(bool forward) {
+    m_keysLead = true;
     selectKeyViewAfter(nullptr, forward);
 }
 
@@ -313,6 +358,7 @@ void Window::keyStateDidChange(bool isKey) {
         view->setNeedsDisplay();  // shows whether it has the keyboard
         if (isKey) view->postAccessibilityNotification(AccessibilityNotification::FocusGained);
     }
+    renewFocusRing();
     tellStateDidChange();
 }
 
@@ -387,6 +433,15 @@ Responder& Window::responderAt(Point inWindow) {
 }
 
 void Window::sendEvent(const Event& event) {
+    const WeakPointer<Window> self(this);
+    const EventMask presses = EventMask(EventType::LeftMouseDown) | EventType::RightMouseDown;
+    if (event.type == EventType::KeyDown || presses.contains(event.type))
+        m_keysLead = event.type == EventType::KeyDown;
+    deliver(event);
+    if (self) renewFocusRing();
+}
+
+void Window::deliver(const Event& event) {
     switch (event.type) {
         case EventType::LeftMouseDown:
             return press(event, m_pressed);

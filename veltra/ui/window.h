@@ -95,6 +95,8 @@ public:
     // The same for a view, which is brought into sight first. Returns false, and changes nothing,
     // where nothing of the view can be seen even then.
     bool giveKeyboardTo(View& view);
+    // Whether the user works with keys: the last press of a button came before the last key.
+    bool keysLead() const noexcept { return m_keysLead; }
     // Whether the key belongs to the first responder before the shortcuts of the host see it.
     bool wantsKey(const Event& event) const override;
     void selectNextKeyView() { selectKeyView(true); }
@@ -121,8 +123,9 @@ public:
 
     // For ports.
 
-    // Draws the parts `dirty` of the surface.
-    void display(CanvasPort& canvas, std::span<const Rect> dirty);
+    // Draws the parts `dirty` of the surface, on it or on an image of it.
+    void display(CanvasPort& port, std::span<const Rect> dirty);
+    void display(Canvas& canvas, std::span<const Rect> dirty);
     // The system has moved or resized the content.
     void frameDidChange(const Rect& onScreen);
     void visibilityDidChange(bool isVisible);
@@ -145,7 +148,17 @@ private:
     friend class Application;
     friend class View;
 
+    struct FocusRing {
+        Rect around;               // in the window
+        Rect clip;                 // what the views around leave of it
+        View::FocusShape shape{};  // in the window
+    };
+
     bool admits(const Event& event);
+    FocusRing focusRing() const;
+    void renewFocusRing();
+    void drawFocusRing(Canvas& canvas, std::span<const Rect> dirty) const;
+    void deliver(const Event& event);
     void viewLeaves(View& view);
     void viewIsHidden(View& view);
     void tellStateDidChange();
@@ -179,6 +192,8 @@ private:
     WeakPointer<View> m_rightPressed;
     WeakPointer<View> m_hovered;
     bool m_isButtonDown = false;  // a press was sent, its release was not
+    bool m_keysLead = false;
+    Rect m_ring;  // where the focus ring was asked for last
     Event m_lastPress;
 };
 

@@ -56,6 +56,42 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     EXPECT_EQ(host.window.firstResponder(), nullptr);
 }
 
+TEST(FocusRing, FollowsItsViewWhileKeysLeadBeyondItsBounds) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    View& frame =
+        host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {100, 50}}));
+    const auto buttons = addButtons(frame, {10.0F, 50.0F});
+    const auto rings = [&] {
+        return RecordingCanvas::only(RecordingCanvas::What::StrokePath, host.display());
+    };
+    host.click({15, 15});
+    EXPECT_FALSE(buttons[0]->showsFocus());
+    host.window.makeFirstResponder(buttons[0]);
+    host.window.invalidate({{}, {100, 100}});
+    const std::size_t lines = rings().size();  // of the two buttons
+    host.key(kTabCharacter);
+    EXPECT_TRUE(buttons[1]->showsFocus());
+    host.window.invalidate({{}, {100, 100}});
+    auto drawn = rings();
+    ASSERT_EQ(drawn.size(), lines + 1);
+    EXPECT_EQ(drawn.back().rect, (Rect{{47, 67}, {36, 36}}));  // the middle of its line
+    EXPECT_EQ(drawn.back().clip, (Rect{{0, 50}, {100, 50}}));  // of the view around
+    buttons[1]->setFrameOrigin({60, 10});
+    host.display();
+    drawn = rings();  // asked for by the drawing before
+    ASSERT_FALSE(drawn.empty());
+    EXPECT_EQ(drawn.back().rect.origin, (Point{57, 57}));
+    host.press({5, 90});
+    EXPECT_THAT(host.port.invalid, ::testing::Contains(Rect{{56, 56}, {38, 38}}));
+    host.window.invalidate({{}, {100, 100}});
+    EXPECT_EQ(rings().size(), lines);
+    host.key(kTabCharacter);
+    host.window.keyStateDidChange(false);
+    host.window.invalidate({{}, {100, 100}});
+    EXPECT_EQ(rings().size(), lines);
+}
+
 TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));

@@ -72,8 +72,11 @@ public:
         call.image = &image;
         call.source = source;
     }
-    void drawText(const StyledText& text, const Rect& rect) override {
-        Call& call = note(What::Text, rect);
+    void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) override {
+        const bool isAtTop = placement == TextPlacement::Top;
+        Call& call =
+            note(What::Text,
+                 {rect.origin, {rect.size.width, isAtTop ? text.size().height : rect.size.height}});
         call.text = text.string;
         call.color = text.color;
     }

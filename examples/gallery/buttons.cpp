@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "sheets.h"
+#include "user.h"
+#include "veltra/ui/button.h"
+#include "veltra/ui/theme.h"
+
+namespace veltra::gallery {
+
+namespace {
+
+Specimen button(std::string caption, const char* title, ButtonCell::Kind kind,
+                std::function<void(Button&)> set, std::function<void(Window&)> drive = {}) {
+    const bool isToggle = kind == ButtonCell::Kind::Toggle;
+    const Size size = isToggle ? Size{32.0F, 24.0F} : Size{88.0F, 28.0F};
+    return {std::move(caption), size,
+            [=] {
+                auto made = std::make_unique<Button>(Rect{{}, size}, title, kind);
+                made->setFont(isToggle ? themeFont(11.0F, FontWeight::SemiBold)
+                                       : themeFont(12.0F, FontWeight::Medium));
+                if (set) set(*made);
+                return made;
+            },
+            std::move(drive)};
+}
+
+}  // namespace
+
+Sheet buttonSheet() {
+    using enum ButtonCell::Kind;
+    const auto on = [](std::optional<Color> color) {
+        return [color](Button& made) {
+            made.buttonCell().setOnColor(color);
+            made.setOn(true);
+        };
+    };
+    const auto disabled = [](Button& made) { made.setEnabled(false); };
+    const auto pressed = [](Window& window) { press(window, {10.0F, 10.0F}); };
+    const Theme& colors = theme(Appearance::Dark);
+    return {"buttons",
+            "Buttons and switches",
+            {{button("at rest", "Add files…", Momentary, {}),
+              button("pressed", "Add files…", Momentary, {}, pressed),
+              button("focused", "Add files…", Momentary, {}, focus),
+              button("disabled", "Add files…", Momentary, disabled)},
+             {button("off", "M", Toggle, {}), button("mute", "M", Toggle, on(colors.mute)),
+              button("pressed", "M", Toggle, on(colors.mute), pressed),
+              button("focused", "M", Toggle, on(colors.mute), focus),
+              button("solo", "S", Toggle, on(colors.solo)), button("on", "Dim", Toggle, on({})),
+              button("disabled", "M", Toggle, disabled)}}};
+}
+
+}  // namespace veltra::gallery

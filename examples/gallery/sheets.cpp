@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#include "sheets.h"
+
+namespace veltra::gallery {
+
+std::vector<Sheet> sheets() {
+    return {
+        buttonSheet(),
+    };
+}
+
+}  // namespace veltra::gallery

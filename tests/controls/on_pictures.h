@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Pictures of controls as the toolkit draws them, at every scale and in both appearances.
+#pragma once
+
+#include "veltra/qt/qt_port.h"
+#include "veltra/ui/picture.h"
+
+#include <QApplication>
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace veltra::testing {
+
+struct Setting {
+    float scale;
+    Appearance appearance;
+};
+
+inline QApplication& toolkit() {
+    static int count = 1;
+    static char name[] = "controls_look_test";
+    static char* arguments[] = {name, nullptr};
+    static QApplication application(count, arguments);
+    static const bool isInstalled = (installQtPort(), true);
+    (void)isInstalled;
+    return application;
+}
+
+inline std::vector<Setting> settings() {
+    toolkit();
+    std::vector<Setting> all;
+    for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F}) {
+        for (const Appearance appearance : {Appearance::Light, Appearance::Dark})
+            all.push_back({scale, appearance});
+    }
+    return all;
+}
+
+inline std::uint32_t rgbOf(Color color) {
+    const auto part = [](float value) {
+        return static_cast<std::uint32_t>(std::lround(value * 255));
+    };
+    return part(color.red) << 16U | part(color.green) << 8U | part(color.blue);
+}
+
+class Pixels {
+public:
+    explicit Pixels(std::shared_ptr<const Image> image) : m_image(std::move(image)) {}
+
+    std::int32_t width() const { return pixels(m_image->size().width); }
+    std::int32_t height() const { return pixels(m_image->size().height); }
+    // From the upper left corner; 0xRRGGBB.
+    std::uint32_t rgbAt(std::int32_t x, std::int32_t y) const {
+        return m_image->pixelAt(x, y) & 0xFFFFFFU;
+    }
+
+private:
+    std::int32_t pixels(float points) const {
+        return static_cast<std::int32_t>(std::lround(points * m_image->scale()));
+    }
+
+    const std::shared_ptr<const Image> m_image;
+};
+
+}  // namespace veltra::testing

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/qt/painter_canvas.h"
+
+#include "veltra/qt/testing/on_qt.h"
+
+namespace veltra {
+namespace {
+
+using testing::OnQt;
+
+constexpr std::uint32_t kRed = 0xFFFF0000;
+
+std::shared_ptr<const Image> drawn(float scale, const std::function<void(Canvas&)>& draw) {
+    return Image::drawn({20.0F, 20.0F}, scale, draw);
+}
+
+class CanvasOfQt : public OnQt {
+protected:
+    CanvasOfQt() { host(std::make_unique<testing::Probe>(Rect{{}, {10, 10}})); }
+};
+
+TEST_F(CanvasOfQt, AlignedRectanglesHaveNoSoftEdgeAtAnyScale) {
+    for (const float scale : {1.0F, 1.25F, 1.5F, 1.75F, 2.0F}) {
+        const Rect rect{{3.3F, 4.6F}, {9.1F, 0.2F}};
+        Rect aligned;
+        const auto image = drawn(scale, [&](Canvas& canvas) {
+            aligned = canvas.alignedToDevice(rect);
+            canvas.fillRect(aligned, Color::fromRgb(0xFF0000));
+        });
+        std::int32_t red = 0;
+        std::int32_t soft = 0;
+        for (std::int32_t y = 0; y < 40; ++y) {
+            for (std::int32_t x = 0; x < 40; ++x) {
+                const std::uint32_t pixel = image->pixelAt(x, y);
+                red += pixel == kRed;
+                soft += pixel != kRed && pixel != 0;
+            }
+        }
+        EXPECT_EQ(soft, 0) << scale;
+        const auto width = std::lround(12.4F * scale) - std::lround(3.3F * scale);
+        EXPECT_EQ(red, width) << scale;  // one row: never thinner than a pixel
+        EXPECT_NEAR(aligned.size.height * scale, 1.0F, 1e-4F);
+    }
+}
+
+TEST_F(CanvasOfQt, StatesKeepClipAndSmoothing) {
+    const auto image = drawn(1.0F, [](Canvas& canvas) {
+        {
+            const Canvas::StateScope scope(canvas);
+            canvas.enter({{5, 5}, {10, 10}}, false);
+            canvas.fillRect({{-5, 0}, {10, 2}}, Color::fromRgb(0xFF0000));  // at the foot
+        }
+        canvas.fillRect({{0, 0}, {1, 1}}, Color::fromRgb(0xFF0000));
+    });
+    EXPECT_EQ(image->pixelAt(0, 0), kRed);
+    EXPECT_EQ(image->pixelAt(5, 14), kRed);
+    EXPECT_EQ(image->pixelAt(9, 13), kRed);
+    for (const auto& [x, y] : {std::pair{4, 14}, {10, 14}, {5, 12}, {5, 15}})
+        EXPECT_EQ(image->pixelAt(x, y), 0U) << x << ' ' << y;
+}
+
+TEST_F(CanvasOfQt, PartsOfImagesAreCopiedPixelByPixel) {
+    const auto stripes = drawn(2.0F, [](Canvas& canvas) {
+        for (int i = 0; i < 40; i += 2)
+            canvas.fillRect({{0.5F * static_cast<float>(i), 0}, {0.5F, 20}},
+                            Color::fromRgb(0xFF0000));
+    });
+    const auto image = drawn(2.0F, [&](Canvas& canvas) {
+        canvas.drawImage(*stripes, {{3, 0}, {4, 4}}, {{6, 2}, {4, 4}});
+        canvas.drawImage(*stripes, {{18, 0}, {4, 1}}, {{6, 10}, {4, 1}});  // half of it is outside
+    });
+    for (std::int32_t x = 0; x < 40; ++x) {
+        const bool isIn = x >= 12 && x < 20;
+        EXPECT_EQ(image->pixelAt(x, 6), isIn && x % 2 == 0 ? kRed : 0U) << x;
+        EXPECT_EQ(image->pixelAt(x, 20), x >= 12 && x < 16 && x % 2 == 0 ? kRed : 0U) << x;
+    }
+}
+
+// Capitals stand in the middle, with their foot on a border between pixels.
+TEST_F(CanvasOfQt, CapitalsAreCenteredAndStandOnAPixel) {
+    for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F}) {
+        const auto image = drawn(scale, [](Canvas& canvas) {
+            canvas.drawText({"H", Font::systemFont(12.0F, FontWeight::SemiBold), kBlack},
+                            {{}, {20, 20}}, TextPlacement::Capitals);
+        });
+        const auto side = static_cast<std::int32_t>(20 * scale);
+        std::int32_t top = side;
+        std::int32_t foot = 0;
+        std::uint32_t darkest = 0;  // of the lowest row
+        for (std::int32_t y = 0; y < side; ++y) {
+            std::uint32_t row = 0;
+            for (std::int32_t x = 0; x < side; ++x)
+                row = std::max(row, image->pixelAt(x, y) >> 24U);
+            if (row < 32) continue;
+            top = std::min(top, y);
+            foot = y + 1;
+            darkest = row;
+        }
+        EXPECT_NEAR((top + foot) / 2.0, side / 2.0, 1.01) << scale;
+        EXPECT_GT(darkest, 200U) << scale;
+    }
+}
+
+}  // namespace
+}  // namespace veltra
