@@ -6,6 +6,7 @@
 #include "veltra/controls/level_meters/level_meter_look.h"
 
 #include <memory>
+#include <optional>
 
 namespace veltra {
 class Canvas;
@@ -25,7 +26,8 @@ struct MeterState {
     float level;
     float maximum;  // 0: none
     bool isClipped;
-    float inset;  // of the lit part, points
+    float inset;               // of the lit part, points
+    std::optional<float> rms;  // up to where the level shown is lit in full
 };
 
 class MeterDrawing {
@@ -39,6 +41,8 @@ public:
 
     // Where levels from 0 to 1 are shown by a meter in `frame`.
     Rect rectOfLevels(const Rect& frame, bool isFlipped) const;
+    // All that such a meter draws on.
+    Rect rectOfMeter(const Rect& frame, bool isFlipped) const;
 
     // `place` begins and ends on borders between device pixels.
     void draw(Canvas& canvas, const Rect& place, const MeterState& state) const;
@@ -48,8 +52,10 @@ private:
     std::int32_t endOf(float part) const;
     std::int32_t endOfLeds(std::int32_t count) const;
     std::int32_t litEnd(float level) const;
+    std::shared_ptr<const Image> columnPicture() const;
     void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
-                  const MeterArea& part) const;
+                  const MeterArea& part, float alpha = 1.0F) const;
+    void drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const;
 
     const UiPort* m_port = nullptr;  // whose images they are
     MeterLooks m_looks;
@@ -58,6 +64,7 @@ private:
     MeterLayout m_layout;
     LevelMeterPicture m_bar;
     LevelMeterPicture m_light;
+    std::shared_ptr<const Image> m_column;  // the whole meter unlit; null: it is put together
 };
 
 }  // namespace veltra::detail
