@@ -259,7 +259,9 @@ void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
     const Canvas::StateScope scope(canvas);
     canvas.enter(m_frame, isFlipped());
     m_dirty = inside;
-    {
+    if (m_subviews.empty()) {  // nobody comes after it in this scope
+        drawRect(canvas, around);
+    } else {
         const Canvas::StateScope own(canvas);
         drawRect(canvas, around);
     }
