@@ -56,6 +56,12 @@ struct LevelMeterPictureRequest {
                            const LevelMeterPictureRequest&) = default;
 };
 
+// A part of a bar, in device pixels from the low end.
+struct LevelMeterSpan {
+    std::int32_t low = 0;
+    std::int32_t high = 0;
+};
+
 // Both images have the same size; null where they cannot be drawn, and then nothing is.
 struct LevelMeterPicture {
     std::shared_ptr<const Image> off;
@@ -67,6 +73,8 @@ struct LevelMeterPicture {
     std::uint32_t ledCount = 0;
     std::int32_t rows = 0;  // by which zones are placed, those of the LEDs; 0: there are none
     Color ground = kClear;  // what lies between the bar and the clip light
+    std::vector<LevelMeterSpan> gaps = {};  // without LEDs: dark parts, beside which a held maximum
+                                            // is shown; in rising order
 };
 
 class VELTRA_EXPORT LevelMeterLook {

@@ -23,7 +23,7 @@ LevelMeterStyle slimStyle() {
     style.thickness = 6.0F;
     style.glass = 2.0F;
     style.lightLength = 4.0F;
-    style.lightGap = 6.0F;  // room for the unit beside the clip light
+    style.lightGap = 8.0F;  // room for the unit beside the clip light
     return style;
 }
 

@@ -25,7 +25,8 @@ TEST(LevelMeterScaleTest, KeepsTheLabelsThatMatterMost) {
     const std::pair<int, std::string> kRows[] = {{62, "0 −3 −6 −12 −18 −24 −30 −40 −60 "},
                                                  {24, "0 −12 −24 −40 "},
                                                  {12, "0 −12 −40 "},
-                                                 {6, "0 −30 "}, {5, "0 "},
+                                                 {6, "0 −30 "},
+                                                 {5, "0 "},
                                                  {0, "0 "}};
     for (const auto& [leds, expected] : kRows) {
         const auto length = static_cast<float>(4 * leds);
@@ -147,9 +148,34 @@ TEST_F(MeterLookTest, AContinuousBarHasItsZonesAtTheSamePlaces) {
     const std::pair<float, float> kZones[] = {{1, 172}, {174, 228}, {230, 248}};
     for (std::size_t i = 0; i < 3; ++i)
         EXPECT_EQ(std::pair(off[i].low, off[i].high), kZones[i]);
+    ASSERT_EQ(picture.gaps.size(), 2U);
+    EXPECT_EQ(std::pair(picture.gaps[1].low, picture.gaps[1].high), std::pair(228, 230));
     const auto on = fills(picture.on, 1.0F);
     EXPECT_EQ(on.size(), 171U + 54U + 18U);
     EXPECT_EQ(on.back().color, theme(Appearance::Light).red.high);
+}
+
+// The held maximum is never lost in the gap under a zone.
+TEST_F(MeterLookTest, TheHeldMaximumOfAContinuousBarStandsBesideTheGaps) {
+    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {28, 272}});
+    DfStereoLevelMeterView& view = *made;
+    testing::HostedView host(std::move(made));
+    view.setImageIDs(kLevelMeterImageBar, kLevelMeterImageBar);
+    view.setLevelScale(LevelMeterLevels::Decibels);
+    view.setFallBackStepTime(0.0);
+    for (int pixel = 60; pixel <= 248; ++pixel) {
+        view.cellL().maxtimerAction(nullptr);
+        view.setLevelL(static_cast<float>(pixel) / 248.0F, 0.0F);
+        view.setLevelL(0.1F, 0.0F);
+        view.setNeedsDisplay();
+        const auto calls = RecordingCanvas::only(RecordingCanvas::What::Image, host.display());
+        ASSERT_EQ(calls.size(), 4U) << pixel;  // unlit, lit, maximum; the other channel
+        const float low = 268.0F - calls[2].rect.maxY();
+        const auto place = static_cast<float>(pixel);
+        EXPECT_EQ(calls[2].rect.size.height, 2.0F) << pixel;
+        EXPECT_TRUE(low >= place - 2.0F && low <= place + 3.0F) << pixel;
+        EXPECT_FALSE((low > 170.0F && low < 174.0F) || (low > 226.0F && low < 230.0F)) << pixel;
+    }
 }
 
 TEST_F(MeterLookTest, TheScaleStandsWhereTheMeterIsAndFollowsIt) {

@@ -129,6 +129,12 @@ LevelMeterPicture DrawnLook::bar(const LevelMeterPictureRequest& request) const 
     picture.rows = rows.count;
     picture.ground = theme(request.appearance).glass;
 
+    for (std::size_t i = 1; !rows.hasLeds && i < m_style.zones.size(); ++i) {
+        const std::int32_t low =
+            rows.pitch * levelMeterRowsBelow(m_style.zones[i].decibels, rows.count, request.levels);
+        picture.gaps.push_back({low, low + rows.doubleGap()});
+    }
+
     const SignalColors& muted = theme(request.appearance).muted;
     const MeterArea bar = whole(request).part(0, picture.end);
     // A fill of the bar, or of its lit part. In steps of pixels, as the colours run.

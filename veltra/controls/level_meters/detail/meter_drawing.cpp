@@ -120,6 +120,19 @@ void MeterDrawing::drawUnlit(Canvas& canvas, const Rect& place, std::int32_t fro
     drawPart(canvas, place, m_light.off.get(), light, light);
 }
 
+// Where the held maximum is shown; empty without one.
+LevelMeterSpan MeterDrawing::maximumLine(float maximum) const {
+    const std::int32_t top = litEnd(maximum);
+    if (top <= m_bar.start) return {};
+    if (m_bar.ledCount > 0) return {endOfLeds(litLeds(maximum) - 1), top};
+    const std::int32_t thickness = devicePixels(kMaximumLine, m_layout.scale);
+    LevelMeterSpan line{std::max(top - thickness, m_bar.start), top};
+    for (const LevelMeterSpan& gap : m_bar.gaps) {
+        if (line.low < gap.high && line.high > gap.low) line = {gap.high, gap.high + thickness};
+    }
+    return {line.low, std::min(line.high, m_bar.end)};
+}
+
 void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& state) const {
     constexpr float kSoft = 0.45F;  // of what is lit above the RMS level
     const MeterArea& bar = m_layout.bar;
@@ -135,12 +148,8 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
     drawUnlit(canvas, place, covers && full > m_bar.start ? full : 0);
     drawLit(m_bar.start, full);
     drawLit(full, end, kSoft);
-    const std::int32_t top = litEnd(state.maximum);
-    if (top > m_bar.start) {
-        const std::int32_t line = m_bar.ledCount > 0 ? top - endOfLeds(litLeds(state.maximum) - 1)
-                                                     : devicePixels(kMaximumLine, m_layout.scale);
-        drawLit(std::max(top - line, m_bar.start), top);
-    }
+    const LevelMeterSpan line = maximumLine(state.maximum);
+    drawLit(line.low, line.high);
     if (state.isClipped) drawPart(canvas, place, m_light.on.get(), m_layout.light, m_layout.light);
 }
 
