@@ -45,12 +45,10 @@ TEST(LevelTapTest, EverySampleIsInExactlyOneReadingHoweverTheThreadsRun) {
     std::thread audio([&] {
         for (std::uint64_t i = 1; i <= kBlocks; ++i) {
             const std::uint64_t frames = 1 + i % 31;
-            if (i % 64 == 0) {  // or the reader comes too seldom to see much
-                const std::uint64_t seen = readings;
-                while (readings == seen)
-                    std::this_thread::yield();
-            }
+            const std::uint64_t seen = readings;
             tap.add({static_cast<float>(frames), static_cast<float>(frames), frames});
+            while (i % 64 == 0 && readings == seen)  // or the reader comes too seldom to see much
+                std::this_thread::yield();
             written += frames;
         }
         isDone = true;

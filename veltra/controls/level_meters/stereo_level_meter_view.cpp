@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace veltra {
 
@@ -203,31 +204,30 @@ void DfStereoLevelMeterView::clearPeaksAndSendAction() {
     sendAction();
 }
 
-// The cells cover their own part of the glass.
-bool DfStereoLevelMeterView::needsGlass(const Rect& glass) const {
-    const Rect left = m_cellL->rectOfMeter();
-    const Rect right = m_cellR->rectOfMeter();
+// The cells draw what lies in their frames: whether anything beside them has to be drawn.
+bool DfStereoLevelMeterView::needsGlass() const {
+    const Rect left = m_cellL->cellFrame();
+    const Rect right = m_cellR->cellFrame();
     const Rect cells = left.united(right);
-    const bool isUpright = orientation() == LevelMeterOrientation::Vertical;
+    const Size size = bounds().size;
     const Rect between =
-        isUpright
-            ? Rect{{left.maxX(), cells.minY()}, {right.minX() - left.maxX(), cells.size.height}}
-            : Rect{{cells.minX(), std::min(left.maxY(), right.maxY())},
-                   {cells.size.width, cells.size.height - left.size.height - right.size.height}};
-    const float edge = cells.minX() - glass.minX();
-    for (const Rect& strip : {between, Rect{glass.origin, {edge, glass.size.height}},
-                              Rect{{cells.maxX(), glass.minY()}, {edge, glass.size.height}},
-                              Rect{glass.origin, {glass.size.width, edge}},
-                              Rect{{glass.minX(), cells.maxY()}, {glass.size.width, edge}}}) {
-        if (needsToDrawRect(strip)) return true;
-    }
-    return false;
+        orientation() == LevelMeterOrientation::Vertical
+            ? Rect{{left.maxX(), 0.0F}, {right.minX() - left.maxX(), size.height}}
+            : Rect{{0.0F, std::min(left.maxY(), right.maxY())},
+                   {size.width, cells.size.height - left.size.height - right.size.height}};
+    const Rect strips[] = {between,
+                           {{}, {cells.minX(), size.height}},
+                           {{cells.maxX(), 0.0F}, {size.width - cells.maxX(), size.height}},
+                           {{}, {size.width, cells.minY()}},
+                           {{0.0F, cells.maxY()}, {size.width, size.height - cells.maxY()}}};
+    return std::any_of(std::begin(strips), std::end(strips),
+                       [this](const Rect& strip) { return needsToDrawRect(strip); });
 }
 
 void DfStereoLevelMeterView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
-    if (const float edge = glassEdge(); edge > 0.0F) {
+    if (needsGlass()) {
         const Rect meters = m_cellL->rectOfMeter().united(m_cellR->rectOfMeter());
-        if (!meters.isEmpty() && needsGlass(meters.inset(-edge, -edge)))
+        if (const float edge = glassEdge(); edge > 0.0F && !meters.isEmpty())
             drawLevelMeterGlass(canvas, meters, effectiveAppearance(), edge);
     }
     for (QkLevelMeterCell* cell : {m_cellL.get(), m_cellR.get()}) {

@@ -85,7 +85,7 @@ private:
     void layOut();
     void placeCells();
     float glassEdge() const;
-    bool needsGlass(const Rect& glass) const;
+    bool needsGlass() const;
     void clearPeaksAndSendAction();
 
     const std::unique_ptr<QkLevelMeterCell> m_cellL;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace veltra::detail {
 
@@ -27,13 +28,17 @@ LevelMeterPicture pictureOf(const std::shared_ptr<const LevelMeterLook>& look, M
 void MeterDrawing::fit(const MeterLooks& looks, Size frame,
                        const LevelMeterPictureRequest& request) {
     const UiPort* const port = &UiPort::current();
-    const bool fits =
-        m_bar.off && port == m_port && looks == m_looks && frame == m_frame && request == m_request;
+    // In points the same frame differs by roundings, from one place of a view to the next.
+    const std::pair pixels(devicePixels(frame.width, request.scale),
+                           devicePixels(frame.height, request.scale));
+    const bool fits = m_bar.off && port == m_port && looks == m_looks && pixels == m_pixels &&
+                      request == m_request;
     if (fits) return;
     m_port = port;
     m_looks = looks;
-    m_frame = frame;
+    m_pixels = pixels;
     m_request = request;
+    m_glass = devicePixels(looks.bar->measures(request.orientation).glass, request.scale);
     m_layout = MeterLayout::make(frame, *looks.bar, *looks.light, request);
     m_bar = pictureOf(looks.bar, MeterPart::Bar, m_layout.bar, request);
     LevelMeterPictureRequest ofLight = request;
@@ -104,6 +109,14 @@ void MeterDrawing::drawPart(Canvas& canvas, const Rect& place, const Image* imag
         m_layout.inView(part, place, canvas.isFlipped()), alpha);
 }
 
+// The glass in the room that the bar leaves empty.
+void MeterDrawing::drawRest(Canvas& canvas, const Rect& place) const {
+    const MeterArea& bar = m_layout.bar;
+    const MeterArea rest = bar.part(std::max(bar.low - m_glass, 0), bar.low);
+    if (m_bar.ground != kClear && !rest.isEmpty())
+        canvas.fillRect(m_layout.inView(rest, place, canvas.isFlipped()), m_bar.ground);
+}
+
 // All that lies beyond `from`, device pixels of the bar.
 void MeterDrawing::drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const {
     const MeterArea& bar = m_layout.bar;
@@ -141,6 +154,7 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
         drawPart(canvas, place, m_bar.on.get(), bar,
                  bar.part(bar.low + low, bar.low + high).inset(inset), alpha);
     };
+    drawRest(canvas, place);
     const std::int32_t end = litEnd(state.level);
     const std::int32_t full = state.rms ? std::min(litEnd(*state.rms), end) : end;
     // What a lit part covers need not be drawn unlit, unless that shows around or through it.

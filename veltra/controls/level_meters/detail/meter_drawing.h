@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace veltra {
 class Canvas;
@@ -56,13 +57,15 @@ private:
     std::shared_ptr<const Image> columnPicture() const;
     void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
                   const MeterArea& part, float alpha = 1.0F) const;
+    void drawRest(Canvas& canvas, const Rect& place) const;
     void drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const;
 
     const UiPort* m_port = nullptr;  // whose images they are
     MeterLooks m_looks;
-    Size m_frame;
+    std::pair<std::int32_t, std::int32_t> m_pixels;  // of the frame
     LevelMeterPictureRequest m_request;
     MeterLayout m_layout;
+    std::int32_t m_glass = 0;  // its edge, device pixels
     LevelMeterPicture m_bar;
     LevelMeterPicture m_light;
     std::shared_ptr<const Image> m_column;  // the whole meter unlit; null: it is put together
