@@ -47,6 +47,7 @@ veltra_find_library(ZLIB zlib "data cannot be compressed")
 veltra_find_library(XML libxml-2.0 "no text looks like a URI")
 veltra_find_library(UDEV libudev "optical drives are read from the system's folders")
 veltra_find_library(LCMS lcms2 "only the built-in colour spaces exist")
+veltra_find_library(EBUR128 libebur128 "there is no loudness and no true peak")
 
 # Where the processor has no 64-bit atomic words, the compiler's own library makes them.
 include(CheckCXXSourceCompiles)

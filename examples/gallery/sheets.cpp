@@ -9,6 +9,7 @@ std::vector<Sheet> sheets() {
         stepSheet(),
         keyboardSheet(),
         numberEditorSheet(),
+        meterSheet(),
     };
 }
 

@@ -36,5 +36,6 @@ Sheet buttonSheet();
 Sheet stepSheet();
 Sheet keyboardSheet();
 Sheet numberEditorSheet();
+Sheet meterSheet();
 
 }  // namespace veltra::gallery

@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: MIT
-// A stereo meter in a window of the host's own. Shown for two seconds, so that it can run
-// unattended.
+// A stereo meter with its scale and a peak read-out in a window of the host's own, from an audio
+// callback to the screen. Shown for two seconds, so that it can run unattended.
+#include "veltra/audio/level_tap.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/controls/level_meters/level_meter_scale_view.h"
+#include "veltra/controls/level_meters/peak_readout.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/qt/view_widget.h"
 
 #include <QApplication>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <atomic>
+#include <chrono>
 #include <cmath>
+#include <thread>
+#include <vector>
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
@@ -17,16 +24,41 @@ int main(int argc, char** argv) {
     auto* layout = new QVBoxLayout(&window);
     layout->addWidget(meters);
 
-    auto view = std::make_unique<veltra::DfStereoLevelMeterView>(veltra::Rect{{}, {32, 200}});
-    veltra::DfStereoLevelMeterView& meter = *view;
-    meters->setContentView(std::move(view));
+    auto strip = std::make_unique<veltra::View>(veltra::Rect{{}, {60, 236}});
+    auto& readout =
+        strip->addSubview(std::make_unique<veltra::PeakReadout>(veltra::Rect{{2, 212}, {54, 20}}));
+    auto& meter = strip->addSubview(
+        std::make_unique<veltra::DfStereoLevelMeterView>(veltra::Rect{{28, 8}, {28, 200}}));
+    auto& scale = strip->addSubview(
+        std::make_unique<veltra::LevelMeterScaleView>(veltra::Rect{{0, 0}, {28, 212}}));
+    meter.setLevelScale(veltra::LevelMeterLevels::Decibels);
+    scale.setMeter(&meter.cellL());
+    meters->setContentView(std::move(strip));
 
-    float phase = 0.0F;  // stands for what the audio thread measured since the last time
+    veltra::LevelTap left;
+    veltra::LevelTap right;
+    std::atomic<bool> isPlaying{true};
+    std::thread audio([&] {  // stands for the callback of an audio device
+        std::vector<float> block(2 * std::size_t{480});
+        for (float phase = 0.0F; isPlaying; phase += 0.05F) {
+            for (std::size_t i = 0; i < block.size(); ++i)
+                block[i] = std::sin(phase) * (i % 2 == 0 ? 0.9F : 0.4F);
+            left.add(block.data(), 480, 2);
+            right.add(block.data() + 1, 480, 2);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    });
+
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
-        const float peak = std::abs(std::sin(phase += 0.05F));
-        meter.setLevelL(veltra::meterPositionForAmplitude(peak),
-                        veltra::meterPositionForAmplitude(0.5F * peak));
+        const auto show = [&](veltra::LevelTap& tap, veltra::QkLevelMeterCell& cell) {
+            const veltra::LevelReading level = tap.take();
+            if (level.frames == 0) return;  // nothing new: the meter falls by itself
+            cell.setLevel(veltra::meterPositionForAmplitude(level.peak));
+            readout.raise(level.peak);
+        };
+        show(left, meter.cellL());
+        show(right, meter.cellR());
     });
     poll.start(16);
     window.show();
@@ -35,5 +67,7 @@ int main(int argc, char** argv) {
     QObject::connect(&end, &QTimer::timeout, &application, &QApplication::quit);
     end.start(2000);
     QApplication::exec();
-    return meter.levelL() > 0.0F ? 0 : 1;
+    isPlaying = false;
+    audio.join();
+    return meter.levelL() > 0.0F && readout.decibels() > -3.0 && !readout.isClipped() ? 0 : 1;
 }

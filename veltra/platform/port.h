@@ -17,6 +17,7 @@
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
 #include "veltra/platform/local_time.h"       // platformLocalTime()
+#include "veltra/platform/loudness_analysis.h"  // makeLoudnessAnalysis(), in ebur128/ or none/
 #include "veltra/platform/machine_lines.h"
 #include "veltra/platform/memory_system.h"  // platformMemorySystem(), MemoryFactsReader
 #include "veltra/platform/no_cancellation.h"

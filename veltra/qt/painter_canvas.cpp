@@ -146,7 +146,9 @@ void PainterCanvas::drawImage(const Image& image, const Rect& source, const Rect
                         isWhole(from.height() - to.height() * m_scale) &&
                         std::abs(from.width() - to.width() * m_scale) < 0.5 &&
                         std::abs(from.height() - to.height() * m_scale) < 0.5;
-    if (isCopy && isAligned(destination)) {
+    if (isCopy && isAligned(destination) && m_scale == 1.0) {
+        m_painter.drawImage(QRectF(to.topLeft(), from.size()), pixels, from);
+    } else if (isCopy && isAligned(destination)) {
         // In device pixels the painter sees a plain copy.
         const QTransform before = m_painter.worldTransform();
         m_painter.scale(1.0 / m_scale, 1.0 / m_scale);

@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QWidget>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -61,14 +62,21 @@ void QtSurface::abandonWidget() {
 
 void QtSurface::invalidate(const Rect& surfaceRect) {
     if (m_widget == nullptr || !m_widget->isVisible()) return;  // showing draws it all
-    const QRect rect = around(surfaceRect);
-    m_invalid += rect;
+    const QRect rect = around(surfaceRect) & m_widget->rect();
+    const auto holds = [&rect](const QRect& other) { return other.contains(rect); };
+    // A list: hundreds of rectangles in a region cost more than to draw them.
+    if (rect.isEmpty() || std::any_of(m_invalid.begin(), m_invalid.end(), holds)) return;
+    m_invalid.push_back(rect);
     m_widget->update(rect);
 }
 
 void QtSurface::displayIfNeeded() {
-    if (m_widget == nullptr || m_isPainting || m_invalid.isEmpty()) return;
-    if (m_widget->isVisible()) m_widget->repaint(m_invalid);
+    if (m_widget == nullptr || m_isPainting || m_invalid.empty()) return;
+    if (!m_widget->isVisible()) return;
+    QRegion region;
+    for (const QRect& rect : m_invalid)
+        region += rect;
+    m_widget->repaint(region);
 }
 
 void QtSurface::takeKeyboard() {
@@ -130,7 +138,7 @@ bool QtSurface::handle(QEvent& event) {
             m_window->visibilityDidChange(true);
             break;
         case QEvent::Hide:
-            m_invalid = {};
+            m_invalid.clear();
             m_port->toolTip().close(*widget);
             m_isLeftDown = false;
             unlockPointer();
@@ -251,7 +259,8 @@ void QtSurface::cancelTracking() {
 
 void QtSurface::paint(const QPaintEvent& event) {
     noteScale();
-    m_invalid -= event.region();
+    std::erase_if(m_invalid,
+                  [&event](const QRect& rect) { return event.region().intersects(rect); });
     std::vector<Rect> dirty;
     for (const QRect& rect : event.region())
         dirty.push_back(fromQt(QRectF(rect)));

@@ -9,9 +9,10 @@
 #include "veltra/ui/port.h"
 #include "veltra/ui/window.h"
 
-#include <QRegion>
+#include <QRect>
 #include <functional>
 #include <optional>
+#include <vector>
 
 class QEvent;
 class QFocusEvent;
@@ -82,7 +83,7 @@ private:
     QWidget* m_widget;
     const MoveFocus m_moveFocus;
     QtEvents m_events;
-    QRegion m_invalid;  // asked to be drawn again, not drawn yet
+    std::vector<QRect> m_invalid;  // the widget was told of it, and has drawn nothing of it yet
     float m_scale = 0.0F;
     bool m_fillsGround = false;
     bool m_isPainting = false;

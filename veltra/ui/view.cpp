@@ -248,11 +248,15 @@ void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
     if (m_isHidden || m_window == nullptr) return;
     const float height = m_window->contentSize().height;
     const Place here = place();
+    const auto turned = [height](const Rect& rect) {  // between window and surface
+        return Rect{{rect.minX(), height - rect.maxY()}, rect.size};
+    };
+    const Rect onSurface = turned(here.toWindow(bounds()));
     std::vector<Rect> inside;
     Rect around;
     for (const Rect& rect : dirty) {
-        const Rect upwards{{rect.minX(), height - rect.maxY()}, rect.size};
-        const Rect part = here.fromWindow(upwards).intersection(bounds());
+        if (!rect.intersects(onSurface)) continue;  // most, where many views change at once
+        const Rect part = here.fromWindow(turned(rect)).intersection(bounds());
         if (part.isEmpty()) continue;
         inside.push_back(part);
         around = around.united(part);
@@ -261,7 +265,9 @@ void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
     const Canvas::StateScope scope(canvas);
     canvas.enter(m_frame, isFlipped());
     m_dirty = inside;
-    {
+    if (m_subviews.empty()) {  // nobody comes after it in this scope
+        drawRect(canvas, around);
+    } else {
         const Canvas::StateScope own(canvas);
         drawRect(canvas, around);
     }

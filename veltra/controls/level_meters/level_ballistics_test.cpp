@@ -12,57 +12,81 @@ Moment at(double time) {
     return kStart + seconds(time);
 }
 
-// The rules of a meter one after the other, without regard for anything else.
-struct SlowMeter {
-    float display = 0.0F, maximum = 0.0F, step = 0.07F;
-    double stepTime = 0.05, hold = 0.4, held = 0.0;
-    bool peak = false;
-    bool setLevel(float level, bool force, double elapsed) {
-        const double d = display;
-        const double l = level;
-        const bool insignificant = (d <= l && d >= l - 0.01) || (d > l && d <= l + 0.01);
-        held += elapsed;
-        const auto decayed = static_cast<float>(d - elapsed * static_cast<double>(step) / stepTime);
-        float next = level > decayed ? level : decayed;
-        bool latches = false;
-        if (next > 1.0F) latches = !std::exchange(peak, true);
-        if (next > 1.0F + step) next = 1.0F + step;
-        if (next < 0.0F) next = 0.0F;
-        display = next;
-        bool draws = !insignificant || force || latches;
-        if (next > maximum) {
-            maximum = next;
-            held = 0.0;
-            draws = true;
-        } else if (held > hold) {
-            held = 0.0;
-            if (std::exchange(maximum, 0.0F) > 0.0F) draws = true;
-        }
-        return draws;
-    }
-};
-
-TEST(LevelBallisticsTest, FollowsTheRulesStepByStep) {
+// A meter whose display stands at `display` and whose held maximum is 1.
+LevelBallistics standing(double display) {
     LevelBallistics meter;
-    SlowMeter slow;
-    meter.setFallBackStep(slow.step);
-    meter.setFallBackStepTime(slow.stepTime);
-    meter.setMaxLevelHoldTime(slow.hold);
+    meter.setFallBackStepTime(0.0);  // falls at once
+    meter.setMaxLevelHoldTime(2.0);
+    meter.setLevel(1.0F, false, kStart);
+    meter.setLevel(static_cast<float>(display), false, kStart);
+    return meter;
+}
+
+TEST(LevelBallisticsTest, DrawsAgainOnlyWhatCanBeSeenToChange) {
+    const struct {
+        double display, level;
+        bool isForced;
+        double seconds;  // since the maximum was raised
+        bool isDrawn;
+        double maximum;
+    } kRows[] = {
+        {0.5, 0.5, false, 0.0, false, 1.0},    {0.5, 0.509, false, 0.0, false, 1.0},
+        {0.5, 0.491, false, 0.0, false, 1.0},  {0.5, 0.511, false, 0.0, true, 1.0},
+        {0.5, 0.489, false, 0.0, true, 1.0},   {0.5, 0.5, true, 0.0, true, 1.0},
+        {0.5, 0.5, false, 2.0, false, 1.0},  // not longer than it is held
+        {0.5, 0.5, false, 2.001, true, 0.0},   {0.5, 1.0, false, 9.0, true, 0.0},
+        {1.0, 1.001, false, 0.0, true, 1.001},  // a new maximum, and the clip light
+    };
+    for (const auto& row : kRows) {
+        LevelBallistics meter = standing(row.display);
+        const auto level = static_cast<float>(row.level);
+        EXPECT_EQ(meter.setLevel(level, row.isForced, at(row.seconds)), row.isDrawn) << row.level;
+        EXPECT_FLOAT_EQ(meter.maxDisplayLevel(), static_cast<float>(row.maximum)) << row.level;
+        EXPECT_EQ(meter.displayLevel(), level);
+        EXPECT_EQ(meter.peak(), row.level > 1.0);
+    }
+    LevelBallistics meter = standing(1.2);  // put out while the level stays, it goes on again
+    EXPECT_TRUE(meter.peak());
+    meter.setPeak(false);
+    EXPECT_TRUE(meter.setLevel(1.2F, false, kStart) || meter.peak());
+    meter.setLevel(0.5F, false, kStart);
+    EXPECT_TRUE(meter.peak());
+}
+
+// Whatever levels come: what must never happen.
+TEST(LevelBallisticsTest, KeepsItsLawsWithAnyLevels) {
     std::mt19937 random(7);
+    LevelBallistics meter;
+    meter.setFallBackStep(0.07F);
+    meter.setFallBackStepTime(0.05);
+    meter.setMaxLevelHoldTime(0.4);
     Moment now = kStart;
+    Moment raised = now;
     for (int i = 0; i < 5000; ++i) {
-        const Nanoseconds passed(i == 0 ? 0 : random() % 60'000'000U);
+        const Nanoseconds passed(random() % 60'000'000U);
         now += passed;
-        const float level = random() % 4 != 0
-                                ? slow.display + 0.011F * static_cast<float>(random() % 3)
-                                : static_cast<float>(random() % 140U) / 100.0F - 0.1F;
-        if (random() % 200 == 0) meter.setPeak(slow.peak = false);
-        const bool force = random() % 50 == 0;
-        const bool expected = slow.setLevel(level, force, passed.seconds());
-        ASSERT_EQ(meter.setLevel(level, force, now), expected) << i;
-        ASSERT_EQ(meter.displayLevel(), slow.display) << i;
-        ASSERT_EQ(meter.maxDisplayLevel(), slow.maximum) << i;
-        ASSERT_EQ(meter.peak(), slow.peak) << i;
+        const float before = meter.displayLevel();
+        const float held = meter.maxDisplayLevel();
+        const bool wasPeak = meter.peak();
+        const float level = random() % 2 != 0 ? before + 0.011F * static_cast<float>(random() % 3)
+                                              : static_cast<float>(random() % 140U) / 100.0F - 0.1F;
+        const bool isDrawn = meter.setLevel(level, false, now);
+        const float shown = meter.displayLevel();
+        ASSERT_TRUE(shown >= 0.0F && shown <= 1.07F);
+        ASSERT_GE(shown, std::min(level, 1.07F)) << "rises at once";
+        const double fallen = static_cast<double>(before) - passed.seconds() * 0.07 / 0.05;
+        ASSERT_NEAR(shown, std::clamp(std::max(fallen, static_cast<double>(level)), 0.0, 1.07),
+                    1e-6);
+        if (meter.maxDisplayLevel() > held) raised = now;
+        ASSERT_TRUE(meter.maxDisplayLevel() >= shown || meter.maxDisplayLevel() == 0.0F);
+        ASSERT_TRUE(meter.maxDisplayLevel() == 0.0F || now - raised <= seconds(0.4 + 1e-6));
+        ASSERT_EQ(meter.peak(), wasPeak || shown > 1.0F) << "stays until it is put out";
+        if (!isDrawn) {
+            ASSERT_NEAR(level, before, 0.01 + 1e-6);
+            ASSERT_EQ(meter.maxDisplayLevel(), held);
+            ASSERT_EQ(meter.peak(), wasPeak);
+        }
+        if (random() % 200 == 0) meter.setPeak(false);
     }
 }
 

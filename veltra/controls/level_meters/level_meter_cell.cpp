@@ -7,6 +7,7 @@
 #include "veltra/platform/clock.h"
 #include "veltra/platform/localization.h"
 #include "veltra/ui/canvas.h"
+#include "veltra/ui/drawing.h"
 #include "veltra/ui/view.h"
 #include "veltra/ui/window.h"
 
@@ -129,6 +130,28 @@ void QkLevelMeterCell::change(T& member, T value) {
     if (member == value) return;
     member = value;
     setNeedsDisplay();
+    redrawScale();
+}
+
+void QkLevelMeterCell::redrawScale() {
+    if (m_scaleView) m_scaleView->setNeedsDisplay();
+}
+
+void QkLevelMeterCell::calculateInternalsFromCellFrame(const Rect& frame, View& controlView) {
+    const bool moves = frame != cellFrame() || &controlView != this->controlView();
+    ActionCell::calculateInternalsFromCellFrame(frame, controlView);
+    if (moves) redrawScale();
+}
+
+void QkLevelMeterCell::setRms(std::optional<float> level) {
+    if (level && !(*level > 0.0F)) level = 0.0F;
+    if (level == m_rms) return;
+    m_rms = level;
+    setNeedsDisplay();
+}
+
+void QkLevelMeterCell::setMuted(bool isMuted) {
+    change(m_isMuted, isMuted);
 }
 
 std::uint32_t QkLevelMeterCell::LEDCount() const {
@@ -175,7 +198,8 @@ float QkLevelMeterCell::cellHeight() const {
         const LevelMeterMeasures light = levelMeterLook(m_peakLEDImageID)->measures(orientation());
         return bar.length + light.lightGap + light.lightLength;
     }
-    return controlView() != nullptr ? controlView()->bounds().size.height : kNaturalLength;
+    return controlView() != nullptr ? controlView()->bounds().size.height - 2.0F * bar.glass
+                                    : kNaturalLength;
 }
 
 Size QkLevelMeterCell::cellSizeForBounds(const Rect& bounds) const {
@@ -199,7 +223,8 @@ LevelMeterPictureRequest QkLevelMeterCell::request(float scale, Appearance appea
             .appearance = appearance,
             .ledCount = m_LED_count,
             .ledPitch = detail::devicePixels(m_LED_pitch, scale),
-            .levels = m_levelScale};
+            .levels = m_levelScale,
+            .isMuted = m_isMuted};
 }
 
 const QkLevelMeterCell::Drawing* QkLevelMeterCell::drawingOfFrame() const {
@@ -235,6 +260,23 @@ Rect QkLevelMeterCell::rectOfLevels() const {
                             : Rect{};
 }
 
+Rect QkLevelMeterCell::rectOfMeter() const {
+    const Drawing* const drawn = drawingOfFrame();
+    const View* const view = controlView();
+    return drawn != nullptr ? drawn->rectOfMeter(cellFrame(), view != nullptr && view->isFlipped())
+                            : Rect{};
+}
+
+LevelMeterScale QkLevelMeterCell::scale() const {
+    const Drawing* const drawn = drawingOfFrame();
+    const bool isUpright = orientation() == LevelMeterOrientation::Vertical;
+    const Size size = rectOfLevels().size;
+    return LevelMeterScale(
+        isUpright ? size.height : size.width, drawn != nullptr ? drawn->bar().rows : 0,
+        drawn != nullptr ? drawn->layout().scale : 1.0F, m_levelScale,
+        isUpright ? LevelMeterScale::kUprightDistance : LevelMeterScale::kLyingDistance);
+}
+
 std::shared_ptr<const Image> QkLevelMeterCell::levelMeterOffImage() const {
     const Drawing* const drawn = drawingOfFrame();
     return drawn != nullptr ? drawn->bar().off : nullptr;
@@ -258,7 +300,7 @@ std::shared_ptr<const Image> QkLevelMeterCell::peakLedOnImage() const {
 void QkLevelMeterCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
     const Rect place = canvas.alignedToDevice(frame);
     drawing(place.size, canvas.scale(), view.effectiveAppearance())
-        .draw(canvas, place, {displayLevel(), maxDisplayLevel(), peak(), m_onStateLEDInset});
+        .draw(canvas, place, {displayLevel(), maxDisplayLevel(), peak(), m_onStateLEDInset, m_rms});
 }
 
 void QkLevelMeterCell::tellLevel(Moment now, bool isUrgent) {
@@ -301,8 +343,14 @@ double QkLevelMeterCell::decibels() const {
 std::string QkLevelMeterCell::accessibilityValueText() const {
     std::string text = decibels() > kQuietest ? oneDecimal(decibels()) + ' ' + localizedString("dB")
                                               : localizedString("silence");
+    if (m_isMuted) text += ", " + localizedString("muted");
     if (peak()) text += ", " + localizedString("clipped");
     return text;
+}
+
+void drawLevelMeterGlass(Canvas& canvas, const Rect& meters, Appearance appearance, float edge) {
+    constexpr float kRadius = 4.0F;
+    fillRounded(canvas, meters.inset(-edge, -edge), kRadius, theme(appearance).glass);
 }
 
 }  // namespace veltra

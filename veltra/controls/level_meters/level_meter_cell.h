@@ -16,6 +16,7 @@
 #include "veltra/controls/level_meters/level_ballistics.h"
 #include "veltra/controls/level_meters/level_meter_look.h"
 #include "veltra/controls/level_meters/level_meter_looks.h"
+#include "veltra/controls/level_meters/level_meter_scale.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/ui/action_cell.h"
 
@@ -57,14 +58,23 @@ public:
     // Ends the held maximum, likewise.
     void maxtimerAction(QkTimer* timer);
 
-    // The number of LEDs; 0 shows a continuous bar. At first 32: LEDs of 4 points and gaps of
-    // 1 in a meter 173 points long. More than there are pixels count as 0.
-    // With a pitch it is what the frame has room for.
+    // A second value beside the level, such as an RMS level under peaks: the bar is lit in full up
+    // to it, and dimly from there to the level. Shown as it is, without a fall; at most the level.
+    // Nothing, as at first: one value.
+    std::optional<float> rms() const noexcept { return m_rms; }
+    void setRms(std::optional<float> level);
+
+    // A signal that is not heard is shown grey and thin.
+    bool isMuted() const noexcept { return m_isMuted; }
+    void setMuted(bool isMuted);
+
+    // The number of LEDs; 0 shows a continuous bar. More than there are pixels count as 0. With a
+    // pitch it is what the frame has room for, and before there is a frame 32.
     std::uint32_t LEDCount() const;
     void setLEDCount(std::uint32_t count);
     // From LED to LED, in points, rounded to whole device pixels: as many LEDs as the frame has
-    // room for, the same however often it is laid out. The last one set of count and pitch counts;
-    // not above 0 goes back to the count.
+    // room for, the same however often it is laid out. At first 4. The last one set of count and
+    // pitch counts; not above 0 goes back to the count.
     float LEDPitch() const noexcept { return m_LED_pitch; }
     void setLEDPitch(float points);
 
@@ -89,7 +99,8 @@ public:
     LevelMeterOrientation orientation() const noexcept;
 
     // The height that the meter wants, in points. Lying: the thickness of the bar. Upright: the
-    // images' height; looks drawn by code take that of the control view, 173 without one.
+    // images' height; looks drawn by code take that of the control view less the edge of glass,
+    // 173 without one.
     float cellHeight() const;
     Size cellSizeForBounds(const Rect& bounds) const override;
 
@@ -97,8 +108,16 @@ public:
     Rect levelMeterRect() const;
     Rect peakLEDRect() const;
     // The part of levelMeterRect() along which levels from 0 to 1 are shown: what a scale beside
-    // the meter goes by. A gap above an LED belongs to the LED.
+    // the meter goes by. A gap below an LED belongs to the LED.
     Rect rectOfLevels() const;
+    // Bar, clip light and what lies between: all that the cell draws on. Looks drawn by code keep
+    // to the far end of the frame. drawLevelMeterGlass() draws what belongs around it.
+    Rect rectOfMeter() const;
+    // The ticks and labels that belong to rectOfLevels(). Empty of length before there is a frame.
+    LevelMeterScale scale() const;
+    // Is drawn again whenever scale() or rectOfLevels() may have changed. Not retained; null: none.
+    void setScaleView(View* view) { m_scaleView = view; }
+    void calculateInternalsFromCellFrame(const Rect& frame, View& controlView) override;
 
     // The images for the present frame and window; null before the first frame and where images
     // cannot be drawn.
@@ -123,7 +142,8 @@ public:
     AccessibilityOrientation accessibilityOrientation() const override;
     // In decibels, from -70 to 0.
     std::optional<AccessibilityNumber> accessibilityNumber() const override;
-    // Such as "-12.3 dB", "silence", "-0.2 dB, clipped"; the words are keys of localizedString().
+    // Such as "-12.3 dB", "silence", "-0.2 dB, clipped", "-20.0 dB, muted"; the words are keys of
+    // localizedString().
     std::string accessibilityValueText() const override;
 
 private:
@@ -139,6 +159,7 @@ private:
     Rect rectOfPart(bool isLight) const;
     template <typename T>
     void change(T& member, T value);
+    void redrawScale();
 
     LevelBallistics m_ballistics;
     QkTimer m_timer;
@@ -146,16 +167,24 @@ private:
     std::int32_t m_levelMeterImageID = kLevelMeterImageLED;
     std::int32_t m_peakLEDImageID = kLevelMeterImageLED;
     std::uint32_t m_LED_count = 32;
-    float m_LED_pitch = 0.0F;
+    float m_LED_pitch = 4.0F;
+    std::optional<float> m_rms;
+    bool m_isMuted = false;
     float m_onStateLEDInset = 0.0F;
     std::optional<LevelMeterOrientation> m_orientation;
     const std::unique_ptr<Drawing> m_drawing;  // kept as long as it fits
 
+    WeakPointer<View> m_scaleView;
     WeakPointer<AccessibilityElement> m_accessibilityParent;
     std::string m_accessibilityDescription = "level";
     LevelScale m_levelScale = LevelScale::Amplitude;
     float m_toldLevel = 0.0F;
     std::optional<Moment> m_toldDate;
 };
+
+// The glass that meters lie on, with rounded corners. `meters` is the rectangle around what they
+// draw on, to which `edge` points are added on each side. Draw it before the meters.
+VELTRA_EXPORT void drawLevelMeterGlass(Canvas& canvas, const Rect& meters, Appearance appearance,
+                                       float edge = 4.0F);
 
 }  // namespace veltra

@@ -34,6 +34,8 @@ public:
         if (request.ledPitch > 0) {
             picture.ledCount = static_cast<std::uint32_t>(picture.end / request.ledPitch);
         }
+        constexpr std::uint32_t kMost = 32767;  // what an image can have
+        picture.rows = static_cast<std::int32_t>(std::min(picture.ledCount, kMost));
         return picture;
     }
 
@@ -56,9 +58,10 @@ private:
 LevelMeterLook::~LevelMeterLook() = default;
 
 std::vector<LevelMeterZone> defaultLevelMeterZones() {
-    return {{-std::numeric_limits<double>::infinity(), Color::fromRgb(0x25B98B)},
-            {-9.0, Color::fromRgb(0xFFDB60)},
-            {-3.0, Color::fromRgb(0xFF5848)}};
+    const Theme& colors = theme(Appearance::Dark);  // signals are the same in both
+    return {{-std::numeric_limits<double>::infinity(), colors.green},
+            {-12.0, colors.amber},
+            {-3.0, colors.red}};
 }
 
 float meterPositionOfDecibels(double decibels, LevelMeterLevels levels) noexcept {

@@ -10,6 +10,7 @@
 #include "veltra/ui/appearance.h"
 #include "veltra/ui/color.h"
 #include "veltra/ui/image.h"
+#include "veltra/ui/theme.h"
 
 #include <cstdint>
 #include <memory>
@@ -36,6 +37,7 @@ struct LevelMeterMeasures {
     float thickness = 0.0F;
     float lightLength = 0.0F;  // of the clip light; 0: it has none
     float lightGap = 0.0F;     // between the bar and the clip light
+    float glass = 0.0F;        // the edge of glass that a view leaves around its meters
 };
 
 // The bar, or the clip light, of one meter.
@@ -48,9 +50,16 @@ struct LevelMeterPictureRequest {
     std::uint32_t ledCount = 0;  // 0: a continuous bar, unless there is a pitch
     std::int32_t ledPitch = 0;   // device pixels from LED to LED; 0: the count decides
     LevelMeterLevels levels = LevelMeterLevels::Amplitude;
+    bool isMuted = false;  // the signal is not heard
 
     friend bool operator==(const LevelMeterPictureRequest&,
                            const LevelMeterPictureRequest&) = default;
+};
+
+// A part of a bar, in device pixels from the low end.
+struct LevelMeterSpan {
+    std::int32_t low = 0;
+    std::int32_t high = 0;
 };
 
 // Both images have the same size; null where they cannot be drawn, and then nothing is.
@@ -58,10 +67,14 @@ struct LevelMeterPicture {
     std::shared_ptr<const Image> off;
     std::shared_ptr<const Image> on;
     // Of a bar: the part that levels from 0 to 1 light, in device pixels from the low end. With
-    // LEDs it holds ledCount of them, all of one length; a gap belongs to the LED below it.
+    // LEDs it holds ledCount of them, all of one length; a gap belongs to the LED above it.
     std::int32_t start = 0;
     std::int32_t end = 0;
     std::uint32_t ledCount = 0;
+    std::int32_t rows = 0;  // by which zones are placed, those of the LEDs; 0: there are none
+    Color ground = kClear;  // what lies between the bar and the clip light
+    std::vector<LevelMeterSpan> gaps = {};  // without LEDs: dark parts, beside which a held maximum
+                                            // is shown; in rising order
 };
 
 class VELTRA_EXPORT LevelMeterLook {
@@ -74,7 +87,7 @@ public:
     virtual LevelMeterMeasures measures(LevelMeterOrientation orientation) const = 0;
 
     // How much of the room for a bar, request.length, the bar fills without a rest. What is left
-    // over stays empty, half of it at either end of the meter.
+    // over stays empty at the low end: bars of one row have their clip lights side by side.
     virtual std::int32_t fittingLength(const LevelMeterPictureRequest& request) const {
         return request.length;
     }
@@ -85,31 +98,30 @@ public:
     virtual LevelMeterPicture light(const LevelMeterPictureRequest& request) const = 0;
 };
 
-// A colour from a level on. Where that lies on the bar depends on what the levels are.
+// Colours from a level on. Where that lies on the bar depends on what the levels are.
 struct LevelMeterZone {
     double decibels;  // minus infinity for the lowest zone
-    Color color;      // of what is lit; what is not is a shade of it
+    SignalColors colors;
 };
 
-// Green, amber from -9 dB, red from -3 dB. The three differ in lightness as well as in hue: amber
-// is the lightest, red the darkest, and the green has some blue in it, so that they can be told
-// apart with any kind of colour vision.
+// Green, amber from -12 dB, red from -3 dB. They differ in lightness as well as in hue: amber is
+// the lightest, red the darkest, and the green has some blue in it, so that they can be told apart
+// with any kind of colour vision.
 VELTRA_EXPORT std::vector<LevelMeterZone> defaultLevelMeterZones();
 
 // What the looks drawn by code leave open. Sizes in points.
 struct LevelMeterStyle {
     std::vector<LevelMeterZone> zones = defaultLevelMeterZones();  // in rising order, not empty
-    std::vector<double> marks;  // decibels of thin lines across a continuous bar
-    bool isContinuous = false;  // also where a number of LEDs is set
-    float thickness = 12.0F;
-    float edge = 1.0F;     // the frame of the well
-    float padding = 1.0F;  // between the frame and the LEDs
+    bool isContinuous = false;                                     // also where LEDs are asked for
+    float thickness = 9.0F;
+    float glass = 4.0F;
     float lightLength = 8.0F;
-    float lightGap = 2.0F;
-    Color lightColor = Color::fromRgb(0xFF5848);
+    float lightGap = 8.0F;
 };
 
-// A dark well with LEDs or a continuous bar. The images are opaque.
+// LEDs or a continuous bar on glass, in the colours of the theme. A double gap parts the zones;
+// what is muted is grey and thin; the clip light has a white core: nothing is told by colour alone.
+// The images are opaque.
 VELTRA_EXPORT std::shared_ptr<const LevelMeterLook> drawnLevelMeterLook(LevelMeterStyle style);
 
 // Ready images, drawn in their own size. The lit part of the bar runs over the whole image. Null

@@ -15,18 +15,15 @@ using Looks = std::map<std::int32_t, std::shared_ptr<const LevelMeterLook>>;
 LevelMeterStyle barStyle() {
     LevelMeterStyle style;
     style.isContinuous = true;
-    style.marks = {-40.0, -30.0, -20.0, -9.0, -3.0};
     return style;
 }
 
 LevelMeterStyle slimStyle() {
     LevelMeterStyle style = barStyle();
-    style.marks.clear();
     style.thickness = 6.0F;
-    style.edge = 0.0F;
-    style.padding = 0.0F;
+    style.glass = 2.0F;
     style.lightLength = 4.0F;
-    style.lightGap = 1.0F;
+    style.lightGap = 8.0F;  // room for the unit beside the clip light
     return style;
 }
 

@@ -12,9 +12,9 @@
 namespace veltra {
 
 // The built-in ones, drawn by code.
-inline constexpr std::int32_t kLevelMeterImageLED = 0;   // LEDs in a well, in the number set
-inline constexpr std::int32_t kLevelMeterImageBar = 1;   // one continuous bar with marks
-inline constexpr std::int32_t kLevelMeterImageSlim = 2;  // the same without a frame, 6 points thick
+inline constexpr std::int32_t kLevelMeterImageLED = 0;   // LEDs
+inline constexpr std::int32_t kLevelMeterImageBar = 1;   // one continuous bar
+inline constexpr std::int32_t kLevelMeterImageSlim = 2;  // the same, 6 points thick
 
 // Gives the look to an identifier, a built-in one included; null gives it back what it had. Meters
 // take the look over the next time they are drawn.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace veltra {
 
@@ -52,6 +53,16 @@ void DfStereoLevelMeterView::setPeakL(bool isOn) {
 
 void DfStereoLevelMeterView::setPeakR(bool isOn) {
     m_cellR->setPeak(isOn);
+}
+
+void DfStereoLevelMeterView::setRmsL(std::optional<float> rmsL, std::optional<float> rmsR) {
+    m_cellL->setRms(rmsL);
+    m_cellR->setRms(rmsR);
+}
+
+void DfStereoLevelMeterView::setMuted(bool isMuted) {
+    m_cellL->setMuted(isMuted);
+    m_cellR->setMuted(isMuted);
 }
 
 void DfStereoLevelMeterView::setLEDCount(std::uint32_t count) {
@@ -114,25 +125,32 @@ void DfStereoLevelMeterView::setPadding(std::int32_t padding) {
     layOut();
 }
 
+float DfStereoLevelMeterView::glassEdge() const {
+    return levelMeterLook(m_cellL->levelMeterImageID())->measures(orientation()).glass;
+}
+
 void DfStereoLevelMeterView::getCellFrames(Rect& left, Rect& right) const {
     const float scale = window() != nullptr ? window()->scale() : 1.0F;
     const auto whole = [scale](float points) { return std::floor(points * scale) / scale; };
-    const Size size = bounds().size;
-    const auto gap = std::round(static_cast<float>(m_padding) * scale) / scale;
-    const float wanted = m_cellL->cellHeight();
+    const auto nearest = [scale](float points) { return std::round(points * scale) / scale; };
+    const float edge = nearest(glassEdge());
+    const Size size{bounds().size.width - 2.0F * edge, bounds().size.height - 2.0F * edge};
+    const float gap = nearest(static_cast<float>(m_padding));
+    const float wanted = std::max(m_cellL->cellHeight(), 0.0F);
     if (orientation() == LevelMeterOrientation::Vertical) {
         const float width = std::max(whole((size.width - gap) * 0.5F), 0.0F);
-        const float height = std::min(wanted, size.height);
-        const float low = isFlipped() ? size.height - height : 0.0F;  // they stand on the bottom
-        left = {{0.0F, low}, {width, height}};
-        right = {{width + gap, low}, {width, height}};
+        const float height = std::min(wanted, std::max(size.height, 0.0F));
+        const float low = isFlipped() ? edge + size.height - height : edge;  // they stand on it
+        left = {{edge, low}, {width, height}};
+        right = {{edge + width + gap, low}, {width, height}};
         return;
     }
     const float height = std::min(wanted, std::max(whole((size.height - gap) * 0.5F), 0.0F));
-    const float near = whole((size.height - 2.0F * height - gap) * 0.5F);
+    const float near = edge + whole((size.height - 2.0F * height - gap) * 0.5F);
     const float far = near + height + gap;
-    left = {{0.0F, isFlipped() ? near : far}, {size.width, height}};
-    right = {{0.0F, isFlipped() ? far : near}, {size.width, height}};
+    const float width = std::max(size.width, 0.0F);
+    left = {{edge, isFlipped() ? near : far}, {width, height}};
+    right = {{edge, isFlipped() ? far : near}, {width, height}};
 }
 
 // Asks for no redraw by itself and leaves the tool tips alone.
@@ -186,7 +204,32 @@ void DfStereoLevelMeterView::clearPeaksAndSendAction() {
     sendAction();
 }
 
+// The cells draw what lies in their frames: whether anything beside them has to be drawn.
+bool DfStereoLevelMeterView::needsGlass() const {
+    const Rect left = m_cellL->cellFrame();
+    const Rect right = m_cellR->cellFrame();
+    const Rect cells = left.united(right);
+    const Size size = bounds().size;
+    const Rect between =
+        orientation() == LevelMeterOrientation::Vertical
+            ? Rect{{left.maxX(), 0.0F}, {right.minX() - left.maxX(), size.height}}
+            : Rect{{0.0F, std::min(left.maxY(), right.maxY())},
+                   {size.width, cells.size.height - left.size.height - right.size.height}};
+    const Rect strips[] = {between,
+                           {{}, {cells.minX(), size.height}},
+                           {{cells.maxX(), 0.0F}, {size.width - cells.maxX(), size.height}},
+                           {{}, {size.width, cells.minY()}},
+                           {{0.0F, cells.maxY()}, {size.width, size.height - cells.maxY()}}};
+    return std::any_of(std::begin(strips), std::end(strips),
+                       [this](const Rect& strip) { return needsToDrawRect(strip); });
+}
+
 void DfStereoLevelMeterView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
+    if (needsGlass()) {
+        const Rect meters = m_cellL->rectOfMeter().united(m_cellR->rectOfMeter());
+        if (const float edge = glassEdge(); edge > 0.0F && !meters.isEmpty())
+            drawLevelMeterGlass(canvas, meters, effectiveAppearance(), edge);
+    }
     for (QkLevelMeterCell* cell : {m_cellL.get(), m_cellR.get()}) {
         if (needsToDrawRect(cell->cellFrame()))
             cell->drawWithFrame(canvas, cell->cellFrame(), *this);

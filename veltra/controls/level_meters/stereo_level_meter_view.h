@@ -3,6 +3,8 @@
 // action.
 //
 // Upright meters stand beside each other, lying ones above each other with the left channel on top.
+// Looks drawn by code lie on glass, which keeps to the far end of the view; a LevelMeterScaleView
+// beside it shows the scale.
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
@@ -35,6 +37,8 @@ public:
     float levelR() const noexcept { return m_cellR->level(); }
     void setPeakL(bool isOn);
     void setPeakR(bool isOn);
+    void setRmsL(std::optional<float> rmsL, std::optional<float> rmsR);
+    void setMuted(bool isMuted);
     void setLEDCount(std::uint32_t count);
     void setLEDPitch(float points);
     void setLevelScale(LevelMeterLevels scale);
@@ -75,11 +79,13 @@ protected:
     void frameDidChange() override { layOut(); }
 
 private:
-    // The cells' frames, of equal sizes in device pixels. Each cell has its cellHeight(), less
-    // where the bounds are too low; lying ones keep to the middle.
+    // The cells' frames, of equal sizes in device pixels, inside of the edge of glass. Each cell
+    // has its cellHeight(), less where the bounds are too low; lying ones keep to the middle.
     void getCellFrames(Rect& left, Rect& right) const;
     void layOut();
     void placeCells();
+    float glassEdge() const;
+    bool needsGlass() const;
     void clearPeaksAndSendAction();
 
     const std::unique_ptr<QkLevelMeterCell> m_cellL;

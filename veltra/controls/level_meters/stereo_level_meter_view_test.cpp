@@ -69,13 +69,13 @@ TEST_F(LevelMeterTest, OnlyMetersThatChangeAreDrawnAndOnlyTheirRectangles) {
     HostedView host(std::move(all));
     for (auto* view : views)
         view->setLevelL(0.5F, 0.5F);
-    EXPECT_EQ(images(host).size(), 200U * 4U);  // unlit, lit, maximum, clip light
+    EXPECT_EQ(images(host).size(), 200U * 3U);  // unlit, lit, maximum
     for (std::size_t i = 0; i < 100; ++i)
         views[i]->setLevelL(0.5F, i % 10 == 0 ? 0.8F : 0.495F);
     ASSERT_EQ(host.port.invalid.size(), 10U);
-    EXPECT_EQ(host.port.invalid[1], (Rect{{314, 10}, {12, 180}}));
+    EXPECT_EQ(host.port.invalid[1], (Rect{{314, 14}, {8, 172}}));
     const auto drawn = images(host);
-    EXPECT_EQ(drawn.size(), 10U * 4U);
+    EXPECT_EQ(drawn.size(), 10U * 3U);
     for (const auto& call : drawn)
         EXPECT_GE(std::fmod(call.rect.minX(), 300.0F), 14.0F);
     views[0]->setLevelL(0.5F, 0.8F, true);
@@ -99,15 +99,18 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
         view->setPeakL(true);
         view->setNeedsDisplay();
         const auto calls = images(host, scale);
-        ASSERT_EQ(calls.size(), 6U);
+        ASSERT_EQ(calls.size(), 5U);
         const auto low = [&](const Rect& rect) { return lies ? rect.minX() : -rect.maxY(); };
         const auto high = [&](const Rect& rect) { return lies ? rect.maxX() : -rect.minY(); };
-        const Rect bar = calls[0].rect, lit = calls[1].rect, maximum = calls[2].rect;
+        const Rect unlit = calls[0].rect, lit = calls[1].rect, maximum = calls[2].rect;
+        const Rect light = calls[3].rect, right = calls[4].rect;
         EXPECT_LT(high(lit), low(maximum));
-        EXPECT_LE(high(bar), low(calls[3].rect));
-        EXPECT_EQ(lies ? calls[4].rect.minX() : calls[4].rect.minY(),
-                  lies ? bar.minX() : bar.minY());
-        EXPECT_TRUE(lies ? calls[4].rect.minY() > bar.maxY() : calls[4].rect.minX() > bar.maxX());
+        EXPECT_NEAR(high(lit), low(unlit), 1e-3);
+        EXPECT_LT(high(maximum), low(light));
+        EXPECT_NEAR(high(light), high(unlit), 1e-3);
+        EXPECT_NEAR(low(right), low(lit), 1e-3);
+        EXPECT_NEAR(high(right), high(light), 1e-3);
+        EXPECT_TRUE(lies ? right.minY() > lit.maxY() : right.minX() > lit.maxX());
         for (const auto& call : calls) {
             for (const float side : {call.rect.minX(), call.rect.maxX(), call.rect.minY(),
                                      call.rect.maxY(), call.source.minX(), call.source.maxY()})
@@ -144,7 +147,8 @@ TEST_F(LevelMeterTest, ThePitchOfLedsIsTheSameAfterEveryLayout) {
                   4.0F * static_cast<float>(view.cellL().LEDCount()));
     }
     EXPECT_EQ(view.cellL().rectOfLevels(), first);
-    EXPECT_GT(view.cellL().LEDCount(), 38U);
+    EXPECT_EQ(first.maxY(), 180.0F - 20.0F);
+    EXPECT_EQ(view.cellL().LEDCount(), 39U);  // of 180 points, less 24
     view.setLEDCount(7);
     EXPECT_EQ(view.cellL().LEDCount(), 7U);
 }
@@ -173,6 +177,33 @@ TEST_F(LevelMeterTest, AnLedIsLitFromItsBeginningOnAndItsColourFollowsTheScale) 
     EXPECT_GT(colorOf(LevelMeterLevels::Amplitude).red, colorOf(LevelMeterLevels::Decibels).red);
 }
 
+TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
+    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {28, 184}});
+    DfStereoLevelMeterView& view = *made;
+    HostedView host(std::move(made));
+    view.setFallBackStepTime(0.0);
+    view.setLevelL(0.6F, 0.0F);
+    const std::pair<float, std::vector<float>> kRows[] = {
+        {0.25F, {40.0F, 56.0F, 4.0F}},
+        {0.0F, {96.0F, 4.0F}},
+        {NAN, {96.0F, 4.0F}},
+        {0.9F, {96.0F, 4.0F}}};  // lit, dim, maximum; 40 LEDs
+    for (const auto& [rms, heights] : kRows) {
+        view.setRmsL(rms, std::nullopt);
+        view.setNeedsDisplay();
+        const auto calls = images(host);
+        ASSERT_EQ(calls.size(), heights.size() + 2) << rms;
+        for (std::size_t i = 0; i < heights.size(); ++i)
+            EXPECT_EQ(calls[i + 1].rect.size.height, heights[i]) << rms;
+    }
+    host.port.invalid.clear();
+    view.setRmsL(0.9F, std::nullopt);
+    EXPECT_TRUE(host.port.invalid.empty());
+    view.setMuted(true);
+    EXPECT_EQ(host.port.invalid.size(), 2U);
+    EXPECT_EQ(view.cellL().accessibilityValueText(), "-4.4 dB, muted");
+}
+
 TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
     struct Cell : QkLevelMeterCell {};
     DfStereoLevelMeterView view({{}, {26, 180}}, cellFactory<Cell>());
@@ -199,10 +230,10 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     EXPECT_EQ(view.cellL().levelMeterOffImage(), off);
     const auto calls = images(host);
     ASSERT_EQ(calls.size(), 6U);
-    EXPECT_EQ(calls[1].image, on.get());
-    EXPECT_EQ(calls[1].source, (Rect{{1, 71}, {8, 28}}));
-    EXPECT_EQ(calls[1].rect, (Rect{{3, 171}, {8, 28}}));
-    EXPECT_EQ(calls[2].source, (Rect{{1, 71}, {8, 8}}));
+    EXPECT_EQ(calls[2].image, on.get());
+    EXPECT_EQ(calls[2].source, (Rect{{1, 71}, {8, 28}}));
+    EXPECT_EQ(calls[2].rect, (Rect{{3, 171}, {8, 28}}));
+    EXPECT_EQ(calls[3].source, (Rect{{1, 71}, {8, 8}}));
 
     registerLevelMeterLook(77, nullptr);
     EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));

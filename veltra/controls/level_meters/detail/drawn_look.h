@@ -16,8 +16,9 @@ public:
     LevelMeterPicture light(const LevelMeterPictureRequest& request) const override;
 
 private:
-    Color colorAt(float position, LevelMeterLevels levels) const;
-    Color blendedColorAt(float position, LevelMeterLevels levels) const;
+    struct Rows;
+
+    Rows rowsFor(const LevelMeterPictureRequest& request) const;
 
     const LevelMeterStyle m_style;
 };

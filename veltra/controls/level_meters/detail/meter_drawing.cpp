@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace veltra::detail {
 
@@ -27,19 +28,24 @@ LevelMeterPicture pictureOf(const std::shared_ptr<const LevelMeterLook>& look, M
 void MeterDrawing::fit(const MeterLooks& looks, Size frame,
                        const LevelMeterPictureRequest& request) {
     const UiPort* const port = &UiPort::current();
-    const bool fits =
-        m_bar.off && port == m_port && looks == m_looks && frame == m_frame && request == m_request;
+    // In points the same frame differs by roundings, from one place of a view to the next.
+    const std::pair pixels(devicePixels(frame.width, request.scale),
+                           devicePixels(frame.height, request.scale));
+    const bool fits = m_bar.off && port == m_port && looks == m_looks && pixels == m_pixels &&
+                      request == m_request;
     if (fits) return;
     m_port = port;
     m_looks = looks;
-    m_frame = frame;
+    m_pixels = pixels;
     m_request = request;
+    m_glass = devicePixels(looks.bar->measures(request.orientation).glass, request.scale);
     m_layout = MeterLayout::make(frame, *looks.bar, *looks.light, request);
     m_bar = pictureOf(looks.bar, MeterPart::Bar, m_layout.bar, request);
     LevelMeterPictureRequest ofLight = request;
     ofLight.ledCount = 0;
     ofLight.ledPitch = 0;
     m_light = pictureOf(looks.light, MeterPart::Light, m_layout.light, ofLight);
+    m_column = columnPicture();
 }
 
 // An LED is lit when the level is above the place where the LED begins.
@@ -70,34 +76,95 @@ Rect MeterDrawing::rectOfLevels(const Rect& frame, bool isFlipped) const {
     return m_layout.inView(bar.part(bar.low + m_bar.start, bar.low + m_bar.end), frame, isFlipped);
 }
 
+Rect MeterDrawing::rectOfMeter(const Rect& frame, bool isFlipped) const {
+    return m_layout.inView(m_layout.whole(), frame, isFlipped);
+}
+
+// One image is drawn faster than three.
+std::shared_ptr<const Image> MeterDrawing::columnPicture() const {
+    const MeterArea whole = m_layout.whole();
+    if (!m_bar.off || !m_light.off || m_bar.ground == kClear) return nullptr;
+    const MeterArea moved{0, whole.high - whole.low, 0, whole.far - whole.near};
+    const Rect place = meterRect(moved, m_layout.orientation, moved.high, m_layout.scale);
+    return Image::drawn(place.size, m_layout.scale, [&](Canvas& canvas) {
+        canvas.fillRect(place, m_bar.ground);
+        const auto draw = [&](const Image& image, const MeterArea& area) {
+            const MeterArea at{area.low - whole.low, area.high - whole.low, area.near - whole.near,
+                               area.far - whole.near};
+            canvas.drawImage(
+                image, meterRect(at, m_layout.orientation, moved.high, m_layout.scale).origin);
+        };
+        draw(*m_bar.off, m_layout.bar);
+        draw(*m_light.off, m_layout.light);
+    });
+}
+
 void MeterDrawing::drawPart(Canvas& canvas, const Rect& place, const Image* image,
-                            const MeterArea& whole, const MeterArea& part) const {
+                            const MeterArea& whole, const MeterArea& part, float alpha) const {
     if (image == nullptr || part.isEmpty()) return;
     const MeterArea inImage{part.low - whole.low, part.high - whole.low, part.near - whole.near,
                             part.far - whole.near};
     canvas.drawImage(
         *image, meterRect(inImage, m_layout.orientation, whole.high - whole.low, m_layout.scale),
-        m_layout.inView(part, place, canvas.isFlipped()));
+        m_layout.inView(part, place, canvas.isFlipped()), alpha);
+}
+
+// The glass in the room that the bar leaves empty.
+void MeterDrawing::drawRest(Canvas& canvas, const Rect& place) const {
+    const MeterArea& bar = m_layout.bar;
+    const MeterArea rest = bar.part(std::max(bar.low - m_glass, 0), bar.low);
+    if (m_bar.ground != kClear && !rest.isEmpty())
+        canvas.fillRect(m_layout.inView(rest, place, canvas.isFlipped()), m_bar.ground);
+}
+
+// All that lies beyond `from`, device pixels of the bar.
+void MeterDrawing::drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const {
+    const MeterArea& bar = m_layout.bar;
+    const MeterArea& light = m_layout.light;
+    const MeterArea whole = m_layout.whole();
+    if (m_column) {
+        const MeterArea rest = whole.part(bar.low + from, whole.high);
+        return drawPart(canvas, place, m_column.get(), whole, rest);
+    }
+    drawPart(canvas, place, m_bar.off.get(), bar, bar.part(bar.low + from, bar.high));
+    const MeterArea between = bar.part(bar.high, light.low);
+    if (m_bar.ground != kClear && !light.isEmpty() && !between.isEmpty())
+        canvas.fillRect(m_layout.inView(between, place, canvas.isFlipped()), m_bar.ground);
+    drawPart(canvas, place, m_light.off.get(), light, light);
+}
+
+// Where the held maximum is shown; empty without one.
+LevelMeterSpan MeterDrawing::maximumLine(float maximum) const {
+    const std::int32_t top = litEnd(maximum);
+    if (top <= m_bar.start) return {};
+    if (m_bar.ledCount > 0) return {endOfLeds(litLeds(maximum) - 1), top};
+    const std::int32_t thickness = devicePixels(kMaximumLine, m_layout.scale);
+    LevelMeterSpan line{std::max(top - thickness, m_bar.start), top};
+    for (const LevelMeterSpan& gap : m_bar.gaps) {
+        if (line.low < gap.high && line.high > gap.low) line = {gap.high, gap.high + thickness};
+    }
+    return {line.low, std::min(line.high, m_bar.end)};
 }
 
 void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& state) const {
+    constexpr float kSoft = 0.45F;  // of what is lit above the RMS level
     const MeterArea& bar = m_layout.bar;
-    drawPart(canvas, place, m_bar.off.get(), bar, bar);
-
     const std::int32_t inset = devicePixels(state.inset, m_layout.scale);
-    const auto drawLit = [&](std::int32_t low, std::int32_t high) {
+    const auto drawLit = [&](std::int32_t low, std::int32_t high, float alpha = 1.0F) {
         drawPart(canvas, place, m_bar.on.get(), bar,
-                 bar.part(bar.low + low, bar.low + high).inset(inset));
+                 bar.part(bar.low + low, bar.low + high).inset(inset), alpha);
     };
-    drawLit(m_bar.start, litEnd(state.level));
-    const std::int32_t top = litEnd(state.maximum);
-    if (top > m_bar.start) {
-        const std::int32_t line = m_bar.ledCount > 0 ? top - endOfLeds(litLeds(state.maximum) - 1)
-                                                     : devicePixels(kMaximumLine, m_layout.scale);
-        drawLit(std::max(top - line, m_bar.start), top);
-    }
-    const Image* const light = (state.isClipped ? m_light.on : m_light.off).get();
-    drawPart(canvas, place, light, m_layout.light, m_layout.light);
+    drawRest(canvas, place);
+    const std::int32_t end = litEnd(state.level);
+    const std::int32_t full = state.rms ? std::min(litEnd(*state.rms), end) : end;
+    // What a lit part covers need not be drawn unlit, unless that shows around or through it.
+    const bool covers = inset == 0 && m_bar.on != nullptr && m_bar.ground != kClear;
+    drawUnlit(canvas, place, covers && full > m_bar.start ? full : 0);
+    drawLit(m_bar.start, full);
+    drawLit(full, end, kSoft);
+    const LevelMeterSpan line = maximumLine(state.maximum);
+    drawLit(line.low, line.high);
+    if (state.isClipped) drawPart(canvas, place, m_light.on.get(), m_layout.light, m_layout.light);
 }
 
 }  // namespace veltra::detail

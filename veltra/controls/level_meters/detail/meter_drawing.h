@@ -6,6 +6,8 @@
 #include "veltra/controls/level_meters/level_meter_look.h"
 
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace veltra {
 class Canvas;
@@ -25,7 +27,8 @@ struct MeterState {
     float level;
     float maximum;  // 0: none
     bool isClipped;
-    float inset;  // of the lit part, points
+    float inset;               // of the lit part, points
+    std::optional<float> rms;  // up to where the level shown is lit in full
 };
 
 class MeterDrawing {
@@ -39,6 +42,8 @@ public:
 
     // Where levels from 0 to 1 are shown by a meter in `frame`.
     Rect rectOfLevels(const Rect& frame, bool isFlipped) const;
+    // All that such a meter draws on.
+    Rect rectOfMeter(const Rect& frame, bool isFlipped) const;
 
     // `place` begins and ends on borders between device pixels.
     void draw(Canvas& canvas, const Rect& place, const MeterState& state) const;
@@ -48,16 +53,22 @@ private:
     std::int32_t endOf(float part) const;
     std::int32_t endOfLeds(std::int32_t count) const;
     std::int32_t litEnd(float level) const;
+    LevelMeterSpan maximumLine(float maximum) const;
+    std::shared_ptr<const Image> columnPicture() const;
     void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
-                  const MeterArea& part) const;
+                  const MeterArea& part, float alpha = 1.0F) const;
+    void drawRest(Canvas& canvas, const Rect& place) const;
+    void drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const;
 
     const UiPort* m_port = nullptr;  // whose images they are
     MeterLooks m_looks;
-    Size m_frame;
+    std::pair<std::int32_t, std::int32_t> m_pixels;  // of the frame
     LevelMeterPictureRequest m_request;
     MeterLayout m_layout;
+    std::int32_t m_glass = 0;  // its edge, device pixels
     LevelMeterPicture m_bar;
     LevelMeterPicture m_light;
+    std::shared_ptr<const Image> m_column;  // the whole meter unlit; null: it is put together
 };
 
 }  // namespace veltra::detail

@@ -48,7 +48,7 @@ MeterLayout MeterLayout::make(Size frame, const LevelMeterLook& bar, const Level
         const std::int32_t room = layout.length - lightLength - gap;
         request.length = room;
         request.length = std::clamp(bar.fittingLength(request), 0, room);
-        start = (room - request.length) / 2;
+        start = room - request.length;
     }
     const auto area = [&](std::int32_t low, std::int32_t high, const LevelMeterMeasures& own) {
         const std::int32_t across = own.length > 0.0F ? toPixels(own.thickness) : thickness;

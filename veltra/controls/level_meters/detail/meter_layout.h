@@ -28,10 +28,16 @@ struct MeterLayout {
     MeterArea bar{};
     MeterArea light{};  // empty when there is no room for it
 
-    // A frame too short for bar and clip light has the bar alone. Looks of a fixed size lie at the
-    // low end and in the middle across. `request` leaves the sizes open.
+    // A frame too short for bar and clip light has the bar alone. A bar that does not fill its room
+    // leaves it empty at the low end; looks of a fixed size lie at the low end and in the middle
+    // across. `request` leaves the sizes open.
     static MeterLayout make(Size frame, const LevelMeterLook& bar, const LevelMeterLook& light,
                             LevelMeterPictureRequest request);
+
+    // All that is drawn on.
+    MeterArea whole() const {
+        return {bar.low, light.isEmpty() ? bar.high : light.high, bar.near, bar.far};
+    }
 
     // In points from the upper left corner of the frame.
     Rect fromUpperLeft(const MeterArea& area) const;

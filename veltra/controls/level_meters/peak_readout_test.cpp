@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/controls/level_meters/peak_readout.h"
+
+#include "veltra/ui/testing/scripted_port.h"
+#include "veltra/ui/theme.h"
+
+namespace veltra {
+namespace {
+
+using testing::HostedView;
+using testing::RecordingCanvas;
+
+TEST(PeakReadoutTest, WritesSignsAndOneDecimal) {
+    const std::pair<double, const char*> kRows[] = {
+        {1.84, "+1.8"}, {-2.06, "−2.1"},   {0.04, "0.0"}, {-0.04, "0.0"},  {-69.9, "−69.9"},
+        {-70.0, "−∞"},  {-INFINITY, "−∞"}, {NAN, "−∞"},   {12.0, "+12.0"}, {INFINITY, "+∞"}};
+    for (const auto& [decibels, text] : kRows)
+        EXPECT_EQ(PeakReadout::text(decibels), text);
+}
+
+class PeakReadoutViewTest : public ::testing::Test {
+protected:
+    testing::ScriptedPort port;
+    PeakReadout* readout = nullptr;
+    std::unique_ptr<HostedView> host = [this] {
+        auto made = std::make_unique<PeakReadout>(Rect{{}, {54, 20}});
+        readout = made.get();
+        return std::make_unique<HostedView>(std::move(made));
+    }();
+
+    // The colours of ground and text.
+    std::pair<Color, Color> colors() {
+        readout->setNeedsDisplay();
+        const auto calls = host->display();
+        return {calls.at(0).color, calls.at(1).color};
+    }
+};
+
+TEST_F(PeakReadoutViewTest, HoldsTheHighestLevelAndTurnsRedWhenItClips) {
+    const Theme& theme = veltra::theme(Appearance::Light);
+    EXPECT_EQ(colors(), std::pair(theme.glass, theme.glassCaption));
+    host->port.invalid.clear();
+    const struct {
+        float amplitude;
+        bool isDrawn;
+        double decibels;
+        bool isClipped;
+    } kRows[] = {{0.5F, true, -6.02, false},  {0.1F, false, -6.02, false},
+                 {-1.0F, true, 0.0, false},   {NAN, false, 0.0, false},
+                 {1.0001F, true, 0.0, true},  // the number is the same
+                 {1.0002F, false, 0.0, true}, {2.0F, true, 6.02, true}};
+    for (const auto& row : kRows) {
+        readout->raise(row.amplitude);
+        EXPECT_EQ(!host->port.invalid.empty(), row.isDrawn) << row.amplitude;
+        EXPECT_NEAR(readout->decibels(), row.decibels, 0.01);
+        EXPECT_EQ(readout->isClipped(), row.isClipped) << row.amplitude;
+        host->port.invalid.clear();
+    }
+    EXPECT_EQ(colors(), std::pair(theme.clip, theme.clipText));
+    readout->setDecibels(-12.0);  // shown as it is; the light stays
+    EXPECT_TRUE(readout->isClipped());
+    readout->reset();
+    readout->setClipDecibels(-15.0);
+    readout->setDecibels(-15.0);
+    EXPECT_FALSE(readout->isClipped());
+    EXPECT_EQ(colors(), std::pair(theme.glass, theme.glassText));
+    readout->setMuted(true);
+    EXPECT_EQ(colors().second, theme.glassCaption);
+    host->move({5, 5});
+    EXPECT_EQ(colors().second, theme.strong) << "a line around it";
+}
+
+struct Target : Anchored {
+    void cleared(PeakReadout& sender) {
+        ++count;
+        EXPECT_EQ(sender.decibels(), -INFINITY);
+        if (victim != nullptr) victim->reset();
+    }
+    int count = 0;
+    std::unique_ptr<HostedView>* victim = nullptr;
+};
+
+TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
+    Target target;
+    readout->setTarget(&target);
+    readout->setAction(action<&Target::cleared>());
+    host->window.makeFirstResponder(readout);
+    const auto& told = port.notifications[AccessibilityNotification::ValueChanged];
+    int expected = 0;
+    const std::function<void()> kWays[] = {
+        [&] {
+            host->click({5, 5});
+        },
+        [&] { host->key(u'\r'); }, [&] { host->key(u' '); },
+        [&] { readout->performAccessibilityAction(AccessibilityAction::Press); }};
+    for (const auto& way : kWays) {
+        readout->setDecibels(1.25);
+        EXPECT_EQ(readout->accessibilityValueText(), "1.2 dB, clipped");
+        EXPECT_EQ(told.size(), static_cast<std::size_t>(2 * expected + 1));
+        way();
+        EXPECT_EQ(target.count, ++expected);
+        EXPECT_FALSE(readout->isClipped());
+        EXPECT_EQ(readout->accessibilityValueText(), "silence");
+    }
+    host->key(u'x');
+    readout->setEnabled(false);
+    readout->setDecibels(-3.0);
+    readout->setAccessibilityUnit("LUFS");
+    host->click({5, 5});
+    host->key(u' ');
+    EXPECT_FALSE(readout->performAccessibilityAction(AccessibilityAction::Press));
+    EXPECT_TRUE(readout->accessibilityActions().empty());
+    EXPECT_EQ(target.count, expected);
+    EXPECT_EQ(readout->accessibilityValueText(), "-3.0 LUFS");
+    EXPECT_EQ(readout->accessibilityName(), "peak");
+    readout->setEnabled(true);
+    target.victim = &host;  // the action deletes the read-out
+    host->click({5, 5});
+    EXPECT_EQ(target.count, expected + 1);
+}
+
+}  // namespace
+}  // namespace veltra
