@@ -44,7 +44,8 @@ void ToolTipWindow::showToolTipWindowForView(View& view, Anchored* object, std::
     m_object = object;
     m_tag = tag;
     m_shown.side = side;
-    m_isOpen = place(view, around);
+    m_isOpen = true;
+    place(view, around);
 }
 
 void ToolTipWindow::updateToolTipPosition(Point position, View& view) {
@@ -53,7 +54,7 @@ void ToolTipWindow::updateToolTipPosition(Point position, View& view) {
 
 void ToolTipWindow::updateToolTipPosition(const Rect& around, View& view) {
     if (!m_isOpen || m_view.get() != &view) return;
-    if (!place(view, around)) closeToolTipWindow();
+    place(view, around);
 }
 
 void ToolTipWindow::closeToolTipWindow() {
@@ -78,14 +79,15 @@ std::optional<ToolTipWindow::Shown> ToolTipWindow::shownIn(const Window& window)
     return m_shown;
 }
 
-bool ToolTipWindow::place(View& view, const Rect& around) {
+void ToolTipWindow::place(View& view, const Rect& around) {
     const WeakPointer<View> shown(&view);
-    std::string text = toolTipText(m_object.get(), m_tag);  // may do away with the view
-    if (text.empty() || !shown || !m_view || view.window() == nullptr) return false;
+    std::string text = toolTipText(m_object.get(), m_tag);
+    // Meanwhile it may have been closed, or opened for another view; the view may be gone.
+    if (!m_isOpen || m_view.get() != shown.get()) return;
+    if (text.empty() || !shown || view.window() == nullptr) return closeToolTipWindow();
     m_shown.text = std::move(text);
     m_shown.around = view.convertRectToView(around, nullptr);
     UiPort::current().showToolTip(*view.window(), m_shown.text, m_shown.around, m_shown.side);
-    return true;
 }
 
 }  // namespace veltra

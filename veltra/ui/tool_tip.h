@@ -72,7 +72,7 @@ public:
     std::optional<Shown> shownIn(const Window& window) const;
 
 private:
-    bool place(View& view, const Rect& around);
+    void place(View& view, const Rect& around);
 
     WeakPointer<View> m_view;
     WeakPointer<Anchored> m_object;
