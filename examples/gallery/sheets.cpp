@@ -6,6 +6,7 @@ namespace veltra::gallery {
 std::vector<Sheet> sheets() {
     return {
         buttonSheet(),
+        sliderSheet(),
     };
 }
 

@@ -33,5 +33,6 @@ struct Sheet {
 std::vector<Sheet> sheets();
 
 Sheet buttonSheet();
+Sheet sliderSheet();
 
 }  // namespace veltra::gallery

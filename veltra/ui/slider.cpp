@@ -28,8 +28,8 @@ void Slider::keyDown(const Event& event) {
 void Slider::scrollWheel(const Event& event) {
     if (event.scrollPhase == ScrollPhase::Began) m_isGestureMine = isEnabled();
     const bool isMine = event.scrollPhase == ScrollPhase::None || m_isGestureMine;
-    if (!isMine || !isEnabled()) return View::scrollWheel(event);
-    sliderCell().scrollWheel(event);
+    if (isMine && isEnabled()) return sliderCell().scrollWheel(event);
+    if (Responder* const next = nextResponder()) next->scrollWheel(event);
 }
 
 void Slider::mouseMoved(const Event& event) {
