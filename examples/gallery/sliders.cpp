@@ -18,11 +18,10 @@ public:
     }
 };
 
+// The content of a specimen's window holds its Roomy view, which holds the slider.
 Slider& sliderIn(Window& window) {
-    View* view = window.contentView();
-    while (dynamic_cast<Slider*>(view) == nullptr)
-        view = view->subviews().front().get();
-    return static_cast<Slider&>(*view);
+    const View& roomy = *window.contentView()->subviews().front();
+    return static_cast<Slider&>(*roomy.subviews().front());
 }
 
 QkSliderCell& cellIn(Window& window) {
@@ -52,7 +51,7 @@ std::function<void(Window&)> dragKnob(Point by) {
     };
 }
 
-Specimen slider(std::string caption, Size size, SetUp setUp,
+Specimen slider(std::string caption, Size size, const SetUp& setUp,
                 std::function<void(Window&)> drive = {}, Size room = {}) {
     const Size whole{size.width + room.width, size.height + room.height};
     return {std::move(caption), whole,

@@ -431,6 +431,9 @@ TEST_F(SliderCellTest, SurvivesWhateverHappensInItsCalls) {
                 EXPECT_EQ(static_cast<bool>(slider), way > 1);
                 EXPECT_EQ(std::count(on.log.begin(), on.log.end(), "start"),
                           std::count(on.log.begin(), on.log.end(), "stop"));
+                if (on.log.front() == "start") {
+                    EXPECT_EQ(on.log.back(), "stop");
+                }
                 EXPECT_EQ(port.toolTip, "");
                 on.hook = [](const std::string&) {};
                 on.host.display();
@@ -453,6 +456,7 @@ TEST_F(SliderCellTest, TakesItsPropertiesAlongAndGoesBackToTheFirstOnes) {
     on.cell.encodeWithCoder(archive);
     QkSliderCell read;
     read.decodeWithCoder(KeyedCoder(archive.archive()));
+    read.decodeWithCoder(KeyedCoder(archive.archive()));  // now that it has marks
     Slider copy;
     copy.setTarget(&on);
     QkSliderCell& replaced = QkSliderCell::replacedCellInSlider(copy);
