@@ -236,6 +236,7 @@ private:
     void post(const VLString* name) const;
     void showToolTip(View& view);
     void closeToolTip();
+    bool isInMainWindow() const;
     bool looksEnabled() const;
     void redrawKnob();
     void relayOut();

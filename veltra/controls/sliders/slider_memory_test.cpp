@@ -35,53 +35,30 @@ namespace {
 
 // From the event that arrives at the control to the request to draw it again.
 TEST(SliderMemory, AStepOfADragAllocatesNothing) {
-    struct Silent final : UiPort {
-        std::unique_ptr<WindowPort> makeWindow(Window&, const Rect&, const WindowStyle&) override {
-            return nullptr;
-        }
-        bool waitForEvent() override { return false; }
-        void terminate() override {}
-        Appearance appearance() const override { return Appearance::Light; }
-        bool hasFontFamily(const std::string&) const override { return false; }
-        Size textSize(const StyledText&) const override { return {}; }
-        std::shared_ptr<const Image> loadImage(const std::string&, float) override { return {}; }
-        std::shared_ptr<const Image> drawImage(std::int32_t, std::int32_t, float,
-                                               const std::function<void(CanvasPort&)>&) override {
-            return {};
-        }
-        void showToolTip(Window&, const std::string&, const Rect&, ToolTipSide) override {}
-        void closeToolTip() override {}
-        void accessibilityChanged(AccessibilityElement&, AccessibilityNotification) override {}
-        void accessibilityElementDied(AccessibilityElement&) noexcept override {}
-    } port;
-    UiPort* const before = UiPort::install(&port);
-    {
-        HostedView host(std::make_unique<Slider>(Rect{{}, {64, 240}}));
-        auto& slider = static_cast<Slider&>(*host.window.contentView());
-        QkSliderCell& cell = QkSliderCell::replacedCellInSlider(slider);
-        setUpFader(cell);
-        cell.setMovableToolTip(nullptr, 0);  // whose text is a string
-        Receiver target;
-        slider.setTarget(&target);
-        slider.setAction(action<&Receiver::act>());
-        host.port.invalid.reserve(1000);
-        host.press({40, 200});
-        Event event = host.eventAt(EventType::LeftMouseDragged, {});
-        event.eventNumber = 1;
-        const std::size_t asked = host.port.invalid.size();
-        allocated = 0;
-        for (int i = 0; i < 100; ++i) {
-            event.locationInWindow = {40.0F, 20.0F + static_cast<float>(i)};
-            slider.mouseDragged(event);
-        }
-        EXPECT_EQ(allocated, 0);
-        EXPECT_EQ(target.count, 101);
-        EXPECT_GE(host.port.invalid.size(), asked + 90);
-        std::string counted(100, 'x');
-        EXPECT_EQ(allocated, 1) << "counting works";
-        host.release({40, 100});
+    HostedView host(std::make_unique<Slider>(Rect{{}, {64, 240}}));
+    auto& slider = static_cast<Slider&>(*host.window.contentView());
+    QkSliderCell& cell = QkSliderCell::replacedCellInSlider(slider);
+    setUpFader(cell);
+    cell.setMovableToolTip(nullptr, 0);  // whose text is a string
+    Receiver target;
+    slider.setTarget(&target);
+    slider.setAction(action<&Receiver::act>());
+    host.port.invalid.reserve(1000);
+    host.press({40, 200});
+    Event event = host.eventAt(EventType::LeftMouseDragged, {});
+    event.eventNumber = 1;
+    const std::size_t asked = host.port.invalid.size();
+    allocated = 0;
+    for (int i = 0; i < 100; ++i) {
+        event.locationInWindow = {40.0F, 20.0F + static_cast<float>(i)};
+        slider.mouseDragged(event);
     }
-    UiPort::install(before);
+    EXPECT_EQ(allocated, 0);
+    EXPECT_EQ(target.count, 101);
+    EXPECT_GE(host.port.invalid.size(), asked + 90);
+    std::string counted(100, 'x');
+    EXPECT_EQ(allocated, 1) << "counting works";
+    host.release({40, 100});
 }
 
 }  // namespace

@@ -29,10 +29,13 @@ Appearance QkSliderCell::appearance() const {
     return controlView() != nullptr ? controlView()->effectiveAppearance() : Appearance::Light;
 }
 
-bool QkSliderCell::looksEnabled() const {
+bool QkSliderCell::isInMainWindow() const {
     const Window* const window = controlView() != nullptr ? controlView()->window() : nullptr;
-    const bool isMain = window != nullptr && window->isMainWindow();
-    return isEnabled() && (isMain || !m_showsDisabledWhenNotMainWindow);
+    return window != nullptr && window->isMainWindow();
+}
+
+bool QkSliderCell::looksEnabled() const {
+    return isEnabled() && (isInMainWindow() || !m_showsDisabledWhenNotMainWindow);
 }
 
 void QkSliderCell::drawBar(Canvas& canvas, const Rect& track, View& view) {
@@ -130,8 +133,8 @@ void QkSliderCell::drawKnob(Canvas& canvas, const Rect& knob, View& /*view*/) {
     using State = detail::CapState;
     const State state = !isLive        ? State::Disabled
                         : m_state != 0 ? (m_hasMoved ? State::Dragged : State::Pressed)
-                        : m_isHovered  ? State::Hovered
-                                       : State::Rest;
+                        : m_isHovered && isInMainWindow() ? State::Hovered
+                                                          : State::Rest;
     const bool vertical = isVertical();
     const Point middle = trackRect().center();
     detail::SliderPen(canvas, vertical, vertical ? middle.x : middle.y, appearance())
