@@ -10,6 +10,7 @@ std::vector<Sheet> sheets() {
         keyboardSheet(),
         numberEditorSheet(),
         meterSheet(),
+        sliderSheet(),
     };
 }
 

@@ -37,5 +37,6 @@ Sheet stepSheet();
 Sheet keyboardSheet();
 Sheet numberEditorSheet();
 Sheet meterSheet();
+Sheet sliderSheet();
 
 }  // namespace veltra::gallery

@@ -7,8 +7,8 @@
 #pragma once
 
 #include "veltra/ui/appearance.h"
+#include "veltra/ui/tool_tip.h"
 
-#include <QPointF>
 #include <QPointer>
 #include <QRect>
 #include <string>
@@ -25,8 +25,9 @@ public:
     QtToolTip& operator=(const QtToolTip&) = delete;
     ~QtToolTip();
 
-    // Above a point of the widget, in its coordinates, or below where there is no room.
-    void follow(QWidget& widget, Appearance appearance, const std::string& text, QPointF position);
+    // Beside a rectangle of the widget, in its coordinates.
+    void follow(QWidget& widget, Appearance appearance, const std::string& text, const Rect& around,
+                ToolTipSide side);
     // At the resting pointer, until it leaves `area` of the widget.
     void rest(QWidget& widget, Appearance appearance, const std::string& text, QPoint onScreen,
               QRect area);
@@ -41,10 +42,8 @@ public:
 
 private:
     class Label;
-    enum class Side { Above, Below };
-
     Label& prepare(QWidget& widget, Appearance appearance, const std::string& text);
-    static void place(Label& label, QPoint point, Side side, int gap);
+    static QRect roomAt(QPoint point);
 
     QPointer<Label> m_label;
     QPointer<QWidget> m_owner;

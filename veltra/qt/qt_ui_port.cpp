@@ -189,10 +189,12 @@ std::shared_ptr<const Image> QtUiPort::drawImage(std::int32_t pixelWidth, std::i
 
 // Tool tips, the clipboard and accessibility.
 
-void QtUiPort::showToolTip(Window& window, const std::string& text, Point inWindow) {
+void QtUiPort::showToolTip(Window& window, const std::string& text, const Rect& around,
+                           ToolTipSide side) {
     if (const QtSurface* const surface = surfaceOf(&window)) {
-        const float y = window.contentSize().height - inWindow.y;
-        m_toolTip.follow(*surface->widget(), window.appearance(), text, toQt(Point{inWindow.x, y}));
+        const float y = window.contentSize().height - around.maxY();
+        m_toolTip.follow(*surface->widget(), window.appearance(), text,
+                         {{around.minX(), y}, around.size}, side);
     }
 }
 

@@ -54,7 +54,8 @@ public:
     std::shared_ptr<const Image> drawImage(std::int32_t pixelWidth, std::int32_t pixelHeight,
                                            float scale,
                                            const std::function<void(CanvasPort&)>& draw) override;
-    void showToolTip(Window& window, const std::string& text, Point inWindow) override;
+    void showToolTip(Window& window, const std::string& text, const Rect& around,
+                     ToolTipSide side) override;
     void closeToolTip() override { m_toolTip.close(); }
     std::string clipboardText() const override;
     void setClipboardText(const std::string& text) override;

@@ -60,6 +60,9 @@ public:
     // Gives the control the size of its cell.
     void sizeToFit();
 
+    // Ends the tracking of the cell, as if the pointer had been lost. Nothing without one.
+    void cancelTracking() { m_tracking.cancel(); }
+
     // Asks the cell.
     bool wantsKey(const Event& event) const override;
 

@@ -3,6 +3,8 @@
 
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/detail/offscreen_window.h"
+#include "veltra/ui/tool_tip.h"
+#include "veltra/ui/value_tip.h"
 
 namespace veltra {
 
@@ -19,6 +21,12 @@ std::shared_ptr<const Image> PictureWindow::draw() {
     return Image::drawn(size, m_surface->scale(), [this, size](Canvas& canvas) {
         const Rect whole{{}, size};
         m_window->display(canvas, {&whole, 1});
+        const auto shown = ToolTipWindow::shared().shownIn(*m_window);
+        if (!shown) return;
+        const Rect around{{shown->around.minX(), size.height - shown->around.maxY()},
+                          shown->around.size};
+        ValueTip::placed(shown->text, around, whole, shown->side)
+            .draw(canvas, shown->text, m_window->appearance());
     });
 }
 

@@ -35,8 +35,8 @@ public:
         const std::function<void(CanvasPort&)>& /*draw*/) override {
         return nullptr;
     }
-    void showToolTip(Window& /*window*/, const std::string& /*text*/, Point /*inWindow*/) override {
-    }
+    void showToolTip(Window& /*window*/, const std::string& /*text*/, const Rect& /*around*/,
+                     ToolTipSide /*side*/) override {}
     void closeToolTip() override {}
     void accessibilityChanged(AccessibilityElement& /*element*/,
                               AccessibilityNotification /*notification*/) override {}

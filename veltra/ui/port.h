@@ -15,6 +15,7 @@
 #include "veltra/ui/accessibility.h"
 #include "veltra/ui/appearance.h"
 #include "veltra/ui/canvas.h"
+#include "veltra/ui/tool_tip.h"
 #include "veltra/ui/view.h"
 
 #include <cstdint>
@@ -98,9 +99,10 @@ public:
         std::int32_t pixelWidth, std::int32_t pixelHeight, float scale,
         const std::function<void(CanvasPort&)>& draw) = 0;
 
-    // Shows the one tool tip of its kind, or moves it, close to a point of the window but not over
-    // it.
-    virtual void showToolTip(Window& window, const std::string& text, Point inWindow) = 0;
+    // Shows the one tool tip of its kind, or moves it, close to a rectangle of the window but not
+    // over it. ValueTip in value_tip.h draws it.
+    virtual void showToolTip(Window& window, const std::string& text, const Rect& around,
+                             ToolTipSide side) = 0;
     virtual void closeToolTip() = 0;
 
     // The text that users carry from one application to another (UTF-8); empty when there is none.

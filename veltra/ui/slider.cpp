@@ -15,7 +15,7 @@ void Slider::replaceCell(std::unique_ptr<SliderCell> cell) {
     KeyedCoder properties;
     sliderCell().encodeWithCoder(properties);
     cell->decodeWithCoder(properties);
-    cell->sendActionOn(sliderCell().sendActionMask());
+    cell->sendActionOn(sliderCell().sendActionOn({}));  // asked the way that subclasses override
     cell->targetAction() = sliderCell().targetAction();
     setCell(std::move(cell));
 }
@@ -23,6 +23,26 @@ void Slider::replaceCell(std::unique_ptr<SliderCell> cell) {
 void Slider::keyDown(const Event& event) {
     const WeakPointer<Slider> self(this);
     if (!sliderCell().performKey(event) && self) Control::keyDown(event);
+}
+
+void Slider::scrollWheel(const Event& event) {
+    if (event.scrollPhase == ScrollPhase::Began) m_isGestureMine = isEnabled();
+    const bool isMine = event.scrollPhase == ScrollPhase::None || m_isGestureMine;
+    if (isMine && isEnabled()) return sliderCell().scrollWheel(event);
+    if (Responder* const next = nextResponder()) next->scrollWheel(event);
+}
+
+void Slider::mouseMoved(const Event& event) {
+    sliderCell().pointerMoved(locationOf(event));
+    Control::mouseMoved(event);
+}
+
+void Slider::mouseExited(const Event& /*event*/) {
+    sliderCell().pointerMoved(std::nullopt);
+}
+
+std::optional<View::FocusShape> Slider::focusShape() const {
+    return FocusShape{sliderCell().knobRectFlipped(isFlipped()), sliderCell().knobRadius()};
 }
 
 }  // namespace veltra

@@ -29,6 +29,18 @@ public:
     bool acceptsFirstResponder() const override { return isEnabled(); }
     // Arrows, Page keys, Home and End move the knob: see SliderCell::performKey().
     void keyDown(const Event& event) override;
+    // The wheel goes to the cell. A gesture of a pad that began elsewhere goes on there, up the
+    // chain of responders: a list that is scrolled does not move the sliders that come under the
+    // pointer. So does the wheel of a slider that is disabled.
+    void scrollWheel(const Event& event) override;
+    void mouseMoved(const Event& event) override;
+    void mouseExited(const Event& event) override;
+    void windowStateDidChange() override { setNeedsDisplay(); }
+    // The knob's.
+    std::optional<FocusShape> focusShape() const override;
+
+private:
+    bool m_isGestureMine = false;
 };
 
 }  // namespace veltra

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace veltra {
 
@@ -87,6 +88,7 @@ double SliderCell::tickMarkValueAtIndex(std::int32_t index) const {
     if (m_numberOfTickMarks < 2) return m_minValue;
     const double last = m_numberOfTickMarks - 1;
     const double part = std::clamp(static_cast<double>(index), 0.0, last) / last;
+    if (part == 1.0) return m_maxValue;  // which the sum may miss
     return m_minValue + part * (m_maxValue - m_minValue);
 }
 
@@ -157,9 +159,6 @@ void SliderCell::drawKnob(Canvas& canvas, const Rect& knob, View& view) {
     const bool isLive = isEnabled();
     canvas.fillPath(path, view.systemColor(isLive ? SystemColor::Accent : SystemColor::Grid));
     canvas.strokePath(path, view.systemColor(SystemColor::ControlBackground), 1.0F);
-    if (!accessibilityIsFocused()) return;
-    canvas.strokePath(Path::ellipse(knob.inset(-1.5F, -1.5F)),
-                      view.systemColor(SystemColor::Accent), 1.5F);
 }
 
 void SliderCell::drawInteriorWithFrame(Canvas& canvas, const Rect& /*frame*/, View& view) {
@@ -204,6 +203,19 @@ double SliderCell::step() const {
     return (m_maxValue - m_minValue) / parts;
 }
 
+double SliderCell::valueAfter(double way) const {
+    if (way == 0.0 || !m_allowsTickMarkValuesOnly || m_numberOfTickMarks < 2)
+        return doubleValue() + way;
+    const double last = m_numberOfTickMarks - 1;
+    const double range = m_maxValue - m_minValue;
+    const double marks = range > 0.0 ? std::round(std::abs(way) / range * last) : 0.0;
+    std::int32_t index = 0;
+    while (index < m_numberOfTickMarks - 1 && tickMarkValueAtIndex(index) < doubleValue())
+        ++index;
+    const double wanted = index + std::copysign(std::max(marks, 1.0), way);
+    return tickMarkValueAtIndex(static_cast<std::int32_t>(std::clamp(wanted, 0.0, last)));
+}
+
 void SliderCell::changeAndSend(double value) {
     const double before = doubleValue();
     const WeakPointer<SliderCell> self(this);
@@ -221,44 +233,40 @@ void SliderCell::scrollWheel(const Event& event) {
     m_wheeled += notches;  // fine wheels turn less than a notch at a time
     const double marks = std::trunc(m_wheeled);
     m_wheeled -= marks;
-    changeAndSend(doubleValue() + marks * range / (m_numberOfTickMarks - 1));
+    if (marks != 0.0) changeAndSend(valueAfter(marks * range / (m_numberOfTickMarks - 1)));
+}
+
+std::optional<double> SliderCell::stepsOfKey(char16_t key) {
+    constexpr double kAll = std::numeric_limits<double>::infinity();
+    switch (key) {
+        case kHomeCharacter:
+            return -kAll;
+        case kEndCharacter:
+            return kAll;
+        case kPageUpCharacter:
+            return kStepsOfAPage;
+        case kPageDownCharacter:
+            return -kStepsOfAPage;
+        case kUpArrowCharacter:
+        case kRightArrowCharacter:
+            return 1.0;
+        case kDownArrowCharacter:
+        case kLeftArrowCharacter:
+            return -1.0;
+        default:
+            return std::nullopt;
+    }
 }
 
 bool SliderCell::performKey(const Event& event) {
     if (!wantsKey(event)) return false;
-    const double page = kStepsOfAPage * step();
-    double value = doubleValue();
-    switch (event.plainKey()) {
-        case kHomeCharacter:
-            value = m_minValue;
-            break;
-        case kEndCharacter:
-            value = m_maxValue;
-            break;
-        case kPageUpCharacter:
-            value += page;
-            break;
-        case kPageDownCharacter:
-            value -= page;
-            break;
-        case kUpArrowCharacter:
-        case kRightArrowCharacter:
-            value += step();
-            break;
-        default:
-            value -= step();
-            break;
-    }
-    changeAndSend(value);
-    return true;
+    const auto steps = stepsOfKey(event.plainKey());
+    if (steps) changeAndSend(valueAfter(*steps * step()));
+    return steps.has_value();
 }
 
 bool SliderCell::wantsKey(const Event& event) const {
-    constexpr char16_t kKeys[] = {kUpArrowCharacter,    kDownArrowCharacter, kLeftArrowCharacter,
-                                  kRightArrowCharacter, kPageUpCharacter,    kPageDownCharacter,
-                                  kHomeCharacter,       kEndCharacter};
-    return isEnabled() &&
-           std::find(std::begin(kKeys), std::end(kKeys), event.plainKey()) != std::end(kKeys);
+    return isEnabled() && stepsOfKey(event.plainKey());
 }
 
 void SliderCell::encodeWithCoder(KeyedCoder& coder) const {
@@ -307,8 +315,8 @@ std::vector<AccessibilityAction> SliderCell::accessibilityActions() const {
 
 bool SliderCell::performAccessibilityAction(AccessibilityAction action) {
     if (action == AccessibilityAction::Press) return false;
-    const double way = action == AccessibilityAction::Increment ? step() : -step();
-    return setAccessibilityNumber(doubleValue() + way);
+    return setAccessibilityNumber(
+        valueAfter(action == AccessibilityAction::Increment ? step() : -step()));
 }
 
 }  // namespace veltra

@@ -52,6 +52,8 @@ public:
     virtual Rect trackRect() const;
     virtual Rect knobRectFlipped(bool isFlipped) const;
     virtual float knobThickness() const;
+    // Of the knob's corners: what a focus ring follows.
+    virtual float knobRadius() const { return knobThickness() * 0.5F; }
     // Empty for an index outside of the marks.
     virtual Rect rectOfTickMarkAtIndex(std::int32_t index, bool isFlipped) const;
 
@@ -64,12 +66,14 @@ public:
     bool continueTracking(Point last, Point current, View& view) override;
     bool prefersTrackingUntilMouseUp() const override { return true; }
 
-    // The wheel moves the value by a hundredth of the range for each notch, or by one tick mark
-    // where there are no values between them; then the action is sent.
+    // The wheel moves the value by a hundredth of the range for each notch, or by one step
+    // where there are no values between tick marks; then the action is sent.
     void scrollWheel(const Event& event) override;
+    // The pointer has moved over the view with no button held; nothing: it has left the view.
+    virtual void pointerMoved(std::optional<Point> /*point*/) {}
     // Arrows move by one step, Page keys by ten, Home and End to the ends; then the action is sent
     // if that has changed the value. Returns false for any other key.
-    bool performKey(const Event& event);
+    virtual bool performKey(const Event& event);
     bool wantsKey(const Event& event) const override;
 
     // The limits, the tick marks, the orientation and the step, too.
@@ -83,8 +87,17 @@ public:
     std::vector<AccessibilityAction> accessibilityActions() const override;
     bool performAccessibilityAction(AccessibilityAction action) override;
 
+protected:
+    // By how much a key or a screen reader changes the value.
+    virtual double step() const;
+    // The value that lies so far above the present one. Where there are no values between the tick
+    // marks it is the value of a mark, and any way leads at least to the next one.
+    double valueAfter(double way) const;
+    // How many steps a key leads; Home and End lead to the ends, with any number of steps. Nothing
+    // for a key that is none of the slider's.
+    static std::optional<double> stepsOfKey(char16_t key);
+
 private:
-    double step() const;
     double limited(double value) const;
     void keepInLimits();
     void changeAndSend(double value);

@@ -91,9 +91,48 @@ TEST(Sliders, FollowTheWheelAndTheKeyboard) {
     EXPECT_EQ(slider.doubleValue(), 0.0);
     host.wheel({5, 5}, 0.6F);
     EXPECT_EQ(slider.doubleValue(), 10.0);
+    slider.sliderCell().setAltIncrementValue(30.0);  // three marks
+    host.key(kUpArrowCharacter);
+    EXPECT_EQ(slider.doubleValue(), 40.0);
+    slider.sliderCell().setAltIncrementValue(1.0);  // at least one
+    host.key(kUpArrowCharacter);
+    EXPECT_EQ(slider.doubleValue(), 50.0);
     slider.setEnabled(false);
     host.wheel({5, 5}, 3.0F);
-    EXPECT_EQ(slider.doubleValue(), 10.0);
+    EXPECT_EQ(slider.doubleValue(), 50.0);
+}
+
+TEST(Sliders, LeaveAGestureThatBeganElsewhereToWhatIsAround) {
+    struct List final : View {
+        using View::View;
+        void scrollWheel(const Event& event) override { scrolled += event.deltaY; }
+        float scrolled = 0.0F;
+    };
+    const ScriptedPort port;
+    HostedView host(std::make_unique<List>(Rect{{}, {114, 60}}));
+    auto& list = static_cast<List&>(*host.window.contentView());
+    auto& slider = list.addSubview(std::make_unique<Slider>(Rect{{}, {114, 20}}));
+    slider.sliderCell().setMaxValue(100.0);
+    const auto turn = [&](float y, ScrollPhase phase) {
+        Event event = host.eventAt(EventType::ScrollWheel, {5, y});
+        event.deltaY = 1.0F;
+        event.scrollPhase = phase;
+        Application::current().postEvent(event);
+    };
+    turn(50, ScrollPhase::Began);
+    turn(5, ScrollPhase::Changed);  // the slider has come under the pointer
+    turn(5, ScrollPhase::Momentum);
+    EXPECT_EQ(list.scrolled, 3.0F);
+    EXPECT_EQ(slider.doubleValue(), 0.0);
+    turn(5, ScrollPhase::Began);
+    turn(5, ScrollPhase::Changed);
+    turn(5, ScrollPhase::None);
+    EXPECT_EQ(list.scrolled, 3.0F);
+    EXPECT_EQ(slider.doubleValue(), 3.0);
+    slider.setEnabled(false);
+    turn(5, ScrollPhase::Changed);
+    turn(5, ScrollPhase::None);
+    EXPECT_EQ(list.scrolled, 5.0F);
 }
 
 TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {

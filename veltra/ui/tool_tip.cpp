@@ -6,7 +6,19 @@
 #include "veltra/ui/view.h"
 #include "veltra/ui/window.h"
 
+#include <utility>
+
 namespace veltra {
+
+namespace {
+
+// A knob of a usual size.
+Rect aroundPoint(Point point) {
+    constexpr float kRadius = 6.0F;
+    return Rect{point, {}}.inset(-kRadius, -kRadius);
+}
+
+}  // namespace
 
 ToolTipSource::~ToolTipSource() = default;
 
@@ -22,16 +34,27 @@ ToolTipWindow& ToolTipWindow::shared() {
 
 void ToolTipWindow::showToolTipWindowForView(View& view, Anchored* object, std::int32_t tag,
                                              Point position) {
+    showToolTipWindowForView(view, object, tag, aroundPoint(position), ToolTipSide::Above);
+}
+
+void ToolTipWindow::showToolTipWindowForView(View& view, Anchored* object, std::int32_t tag,
+                                             const Rect& around, ToolTipSide side) {
     closeToolTipWindow();
     m_view = &view;
     m_object = object;
     m_tag = tag;
-    m_isOpen = place(view, position);
+    m_shown.side = side;
+    m_isOpen = true;
+    place(view, around);
 }
 
 void ToolTipWindow::updateToolTipPosition(Point position, View& view) {
+    updateToolTipPosition(aroundPoint(position), view);
+}
+
+void ToolTipWindow::updateToolTipPosition(const Rect& around, View& view) {
     if (!m_isOpen || m_view.get() != &view) return;
-    if (!place(view, position)) closeToolTipWindow();
+    place(view, around);
 }
 
 void ToolTipWindow::closeToolTipWindow() {
@@ -47,11 +70,24 @@ void ToolTipWindow::viewLeaves(const View& view) {
     if (shown != nullptr || !m_view) closeToolTipWindow();
 }
 
-bool ToolTipWindow::place(View& view, Point position) {
-    const std::string text = toolTipText(m_object.get(), m_tag);
-    if (text.empty() || !m_view || view.window() == nullptr) return false;
-    UiPort::current().showToolTip(*view.window(), text, view.convertPointToView(position, nullptr));
-    return true;
+bool ToolTipWindow::isOpenFor(const View& view, const Anchored* object) const noexcept {
+    return isOpen() && m_view.get() == &view && m_object.get() == object;
+}
+
+std::optional<ToolTipWindow::Shown> ToolTipWindow::shownIn(const Window& window) const {
+    if (!isOpen() || m_view->window() != &window) return std::nullopt;
+    return m_shown;
+}
+
+void ToolTipWindow::place(View& view, const Rect& around) {
+    const WeakPointer<View> shown(&view);
+    std::string text = toolTipText(m_object.get(), m_tag);
+    // Meanwhile it may have been closed, or opened for another view; the view may be gone.
+    if (!m_isOpen || m_view.get() != shown.get()) return;
+    if (text.empty() || !shown || view.window() == nullptr) return closeToolTipWindow();
+    m_shown.text = std::move(text);
+    m_shown.around = view.convertRectToView(around, nullptr);
+    UiPort::current().showToolTip(*view.window(), m_shown.text, m_shown.around, m_shown.side);
 }
 
 }  // namespace veltra

@@ -10,11 +10,13 @@
 #include "veltra/ui/geometry.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace veltra {
 
 class View;
+class Window;
 
 // An object that supplies the text of a tool tip. It derives from Anchored, too.
 class VELTRA_EXPORT ToolTipSource {
@@ -27,6 +29,10 @@ public:
 // The text of `object` if it is a ToolTipSource, else none.
 VELTRA_EXPORT std::string toolTipText(Anchored* object, std::int32_t tag);
 
+// Where a tool tip stands: above what it describes, for things that move sideways, or at its right.
+// On the other side where there is no room.
+enum class ToolTipSide : std::uint8_t { Above, Beside };
+
 // The one tool tip of the process that is moved by hand.
 class VELTRA_EXPORT ToolTipWindow {
 public:
@@ -37,9 +43,14 @@ public:
     // Does nothing when the view is in no window or there is no text.
     void showToolTipWindowForView(View& view, Anchored* object, std::int32_t tag, Point position);
 
+    // The same, beside a rectangle of the view, which it does not cover.
+    void showToolTipWindowForView(View& view, Anchored* object, std::int32_t tag,
+                                  const Rect& around, ToolTipSide side);
+
     // Moves the open tool tip and asks for its text again. Does nothing when none is open for
     // `view`; closes it when there is no text any more.
     void updateToolTipPosition(Point position, View& view);
+    void updateToolTipPosition(const Rect& around, View& view);
 
     void closeToolTipWindow();
 
@@ -48,12 +59,25 @@ public:
 
     bool isOpen() const noexcept { return m_isOpen && m_view; }
 
+    // Whether it is this object's, for this view: others share the tool tip.
+    bool isOpenFor(const View& view, const Anchored* object) const noexcept;
+
+    // What is shown at present, for pictures of a window.
+    struct Shown {
+        std::string text;
+        Rect around;  // in the coordinates of the window
+        ToolTipSide side = ToolTipSide::Above;
+    };
+    // Nothing when no tool tip is open in this window.
+    std::optional<Shown> shownIn(const Window& window) const;
+
 private:
-    bool place(View& view, Point position);
+    void place(View& view, const Rect& around);
 
     WeakPointer<View> m_view;
     WeakPointer<Anchored> m_object;
     std::int32_t m_tag = 0;
+    Shown m_shown;
     bool m_isOpen = false;
 };
 

@@ -31,8 +31,9 @@ TEST(ToolTips, GoWithTheirViewAndTheirText) {
         EXPECT_EQ(port.toolTip, "71");
         EXPECT_EQ(port.toolTipPlace, (Point{17, 18}));
         source.text = "8";
-        tip.updateToolTipPosition({4, 3}, inner);
+        tip.updateToolTipPosition(Point{4, 3}, inner);
         EXPECT_EQ(port.toolTip, "81");
+        EXPECT_EQ(tip.shownIn(host.window)->around.center(), (Point{19, 18}));
         source.text = "7";
         end(outer, inner);
         EXPECT_FALSE(tip.isOpen());

@@ -55,6 +55,7 @@ public:
     Appearance theme = Appearance::Light;
     std::string toolTip;  // shown at present
     Point toolTipPlace;
+    ToolTipSide toolTipSide = ToolTipSide::Above;
     std::map<AccessibilityNotification, std::vector<AccessibilityElement*>> notifications;
     bool isTerminated = false;
     std::optional<std::set<std::string>> files;  // those that exist; nothing: every one does
@@ -97,9 +98,11 @@ public:
         draw(image->canvas);
         return image;
     }
-    void showToolTip(Window& /*window*/, const std::string& text, Point inWindow) override {
+    void showToolTip(Window& /*window*/, const std::string& text, const Rect& around,
+                     ToolTipSide side) override {
         toolTip = text;
-        toolTipPlace = inWindow;
+        toolTipPlace = around.center();
+        toolTipSide = side;
     }
     void closeToolTip() override { toolTip.clear(); }
     void accessibilityChanged(AccessibilityElement& element,

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "sheets.h"
+#include "user.h"
+#include "veltra/controls/sliders/fader_scale.h"
+#include "veltra/controls/sliders/slider_presets.h"
+
+namespace veltra::gallery {
+
+namespace {
+
+using SetUp = std::function<void(QkSliderCell&)>;
+
+// A slider in a view that leaves room for its tip.
+class Roomy final : public View {
+public:
+    Roomy(const Rect& frame, std::unique_ptr<Slider> slider) : View(frame) {
+        addSubview(std::move(slider));
+    }
+};
+
+// The content of a specimen's window holds its Roomy view, which holds the slider.
+Slider& sliderIn(Window& window) {
+    const View& roomy = *window.contentView()->subviews().front();
+    return static_cast<Slider&>(*roomy.subviews().front());
+}
+
+QkSliderCell& cellIn(Window& window) {
+    return static_cast<QkSliderCell&>(sliderIn(window).sliderCell());
+}
+
+Point knobIn(Window& window) {
+    return sliderIn(window).convertPointToView(cellIn(window).knobRectFlipped(false).center(),
+                                               nullptr);
+}
+
+void hoverKnob(Window& window) {
+    hover(window, knobIn(window));
+}
+
+void pressKnob(Window& window) {
+    cellIn(window).setMovableToolTip(nullptr, 0);  // the state without its tip
+    press(window, knobIn(window));
+}
+
+// By so many points from where the knob is.
+std::function<void(Window&)> dragKnob(Point by) {
+    return [by](Window& window) {
+        const Point knob = knobIn(window);
+        press(window, knob);
+        drag(window, knob + by);
+    };
+}
+
+Specimen slider(std::string caption, Size size, const SetUp& setUp,
+                std::function<void(Window&)> drive = {}, Size room = {}) {
+    const Size whole{size.width + room.width, size.height + room.height};
+    return {std::move(caption), whole,
+            [=] {
+                auto made = std::make_unique<Slider>(Rect{{0.0F, room.height / 2}, size});
+                setUp(QkSliderCell::replacedCellInSlider(*made));
+                return std::make_unique<Roomy>(Rect{{}, whole}, std::move(made));
+            },
+            std::move(drive)};
+}
+
+SetUp fader(double decibels, bool isEnabled = true) {
+    return [=](QkSliderCell& cell) {
+        setUpFader(cell);
+        cell.setDoubleValue(FaderScale::travelForDecibels(decibels));
+        cell.setEnabled(isEnabled);
+    };
+}
+
+SetUp pan(double position, bool isEnabled = true) {
+    return [=](QkSliderCell& cell) {
+        setUpPan(cell);
+        cell.setDoubleValue(position);
+        cell.setEnabled(isEnabled);
+    };
+}
+
+// Marks on a curve, at which the knob stops.
+SetUp stops(std::int32_t curve, double value) {
+    return [=](QkSliderCell& cell) {
+        cell.setMaxValue(100.0);
+        cell.setNumberOfTickMarks(9);
+        cell.setAllowsTickMarkValuesOnly(true);
+        cell.setLogTickMarks(curve);
+        cell.setMinSideInset(24.0F);
+        cell.setMaxSideInset(24.0F);
+        cell.setEndLabels("0", "100");
+        cell.setLabelClickSetsMinMaxValue(true);
+        cell.setLogSliderValue(value);
+    };
+}
+
+}  // namespace
+
+Sheet sliderSheet() {
+    const Size tall{64.0F, 186.0F};
+    const Size flat{84.0F, 28.0F};
+    const Size wide{200.0F, 32.0F};
+    return {
+        "sliders",
+        "Faders, pan controls, sliders",
+        {{slider("at rest", tall, fader(0.0)), slider("hover", tall, fader(-6.0), hoverKnob),
+          slider("pressed", tall, fader(-6.0), pressKnob),
+          slider("dragging", tall, fader(0.0), dragKnob({0.0F, -36.0F}), {64.0F, 0.0F}),
+          slider("focused", tall, fader(3.0), focus),
+          slider("disabled", tall, fader(-20.0, false))},
+         {slider("at rest", flat, pan(0.0)), slider("hover", flat, pan(-0.4), hoverKnob),
+          slider("pressed", flat, pan(-0.4), pressKnob),
+          slider("dragging", flat, pan(0.0), dragKnob({11.0F, 0.0F}), {0.0F, 64.0F}),
+          slider("focused", flat, pan(0.7), focus), slider("disabled", flat, pan(0.3, false))},
+         {slider("even stops", wide, stops(0, 50.0)), slider("dense below", wide, stops(1, 50.0)),
+          slider("dense above", wide, stops(2, 50.0), focus)}}};
+}
+
+}  // namespace veltra::gallery

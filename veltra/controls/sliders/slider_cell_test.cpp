@@ -1,0 +1,563 @@
+// SPDX-License-Identifier: MIT
+#include "veltra/controls/sliders/slider_cell.h"
+
+#include "veltra/controls/sliders/slider_presets.h"
+#include "veltra/platform/notification_center.h"
+#include "veltra/platform/testing/manual_run_loop.h"
+#include "veltra/ui/image_registry.h"
+#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/testing/scripted_port.h"
+#include "veltra/ui/theme.h"
+
+namespace veltra::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Log = std::vector<std::string>;
+
+struct FlippedSlider final : Slider {
+    using Slider::Slider;
+    bool isFlipped() const override { return true; }
+};
+
+// A slider of a value a point, and a note of everything that it tells.
+class SliderHost final : public Anchored, public ToolTipSource {
+public:
+    explicit SliderHost(bool isVertical = false, bool isFlipped = false, float knob = 16.0F)
+        : view(isVertical ? Rect{{}, {40, 104 + knob}} : Rect{{}, {104 + knob, 40}}, isFlipped),
+          cell(view.cell()) {
+        cell.setMaxValue(104.0);
+        slider().setTarget(this);
+        slider().setAction(action<&SliderHost::changed>());
+        auto& center = NotificationCenter::local();
+        center.addObserver(this, &SliderHost::noted, kSliderStartTracking, &cell);
+        center.addObserver(this, &SliderHost::noted, kSliderStopTracking, &cell);
+    }
+    ~SliderHost() override { NotificationCenter::local().removeObserver(this); }
+
+    // What was told since the last time.
+    Log taken() { return std::exchange(log, {}); }
+    Slider& slider() { return static_cast<Slider&>(*view.host.window.contentView()); }
+
+    void changed(Slider& sender) {
+        log.push_back("send " + number(sender.doubleValue()));
+        hook("send");
+    }
+    std::string stringForTag(std::int32_t tag) override {
+        hook("tip");
+        return "tip " + std::to_string(tag);
+    }
+    static std::string number(double value) {
+        return std::to_string(static_cast<int>(std::lround(value * 10))) + "/10";
+    }
+
+    struct Shown {
+        Shown(const Rect& frame, bool isFlipped)
+            : host(isFlipped ? std::unique_ptr<View>(std::make_unique<FlippedSlider>(frame))
+                             : std::make_unique<Slider>(frame)) {}
+        QkSliderCell& cell() {
+            auto& slider = static_cast<Slider&>(*host.window.contentView());
+            return QkSliderCell::replacedCellInSlider(slider);
+        }
+        HostedView host;
+    };
+    std::function<void(const std::string&)> hook = [](const std::string&) {};
+    Log log;
+    Shown view;
+    HostedView& host = view.host;
+    QkSliderCell& cell;
+
+private:
+    static void noted(void* self, const VLString* name, const void*) {
+        auto& host = *static_cast<SliderHost*>(self);
+        const bool isStart = VLStringLength(name) == VLStringLength(kSliderStartTracking);
+        host.log.emplace_back(isStart ? "start" : "stop");
+        host.hook(host.log.back());
+    }
+};
+
+class SliderCellTest : public ::testing::Test {
+protected:
+    ManualRunLoop loop;
+    ScriptedPort port;
+};
+
+TEST_F(SliderCellTest, TellsTheStepsOfADragInOrderAsFarAsTheMaskAllows) {
+    const EventMask down = EventType::LeftMouseDown;
+    const EventMask drag = EventType::LeftMouseDragged;
+    const EventMask up = EventType::LeftMouseUp;
+    const std::pair<EventMask, Log> cases[] = {
+        {down | drag | up, {"start", "send 520/10", "send 620/10", "send 620/10", "stop"}},
+        {down, {"start", "send 520/10", "stop"}},
+        {drag, {"start", "send 620/10", "stop"}},
+        {up, {"start", "send 620/10", "stop"}},
+        {{}, {"start", "stop"}},
+    };
+    for (const auto& [mask, told] : cases) {
+        SliderHost on;
+        EXPECT_EQ(on.cell.sendActionOn(mask), down | drag | up);
+        on.cell.setMovableToolTip(&on, 7);
+        on.host.press({60, 20});  // beside the knob: it jumps
+        EXPECT_EQ(port.toolTip, "tip 7");
+        EXPECT_EQ(port.toolTipPlace, (Point{60, 20}));
+        EXPECT_EQ(port.toolTipSide, ToolTipSide::Above);
+        on.host.drag({70, 20});
+        EXPECT_EQ(port.toolTipPlace, (Point{70, 20}));
+        on.host.release({70, 20});
+        EXPECT_EQ(port.toolTip, "");
+        EXPECT_EQ(on.taken(), told);
+        EXPECT_EQ(on.cell.sendActionMask(), mask);
+        on.cell.sendActionWithCurrentEvent(false);
+        EXPECT_THAT(on.taken(), ElementsAre("send 620/10"));
+        on.host.move({5, 5});
+        on.cell.sendActionWithCurrentEvent(true);
+        EXPECT_THAT(on.log, IsEmpty()) << "that was no event of the button";
+        port.script = {[&] { on.host.release({60, 20}); }};  // pulled
+        Event event = on.host.eventAt(EventType::LeftMouseDown, {60, 20});
+        on.cell.trackMouse(event, on.slider().bounds(), on.slider(), true);
+        EXPECT_EQ(on.log.front(), "start");
+        EXPECT_EQ(on.log.back(), "stop");
+    }
+}
+
+TEST_F(SliderCellTest, HoldsTheKnobWhereItIsGrabbedInEveryDirection) {
+    for (const bool isVertical : {false, true}) {
+        for (const bool isFlipped : {false, true}) {
+            SliderHost on(isVertical, isFlipped);
+            // Points of the window, whose y axis points up: flipped or not, up is more.
+            const auto at = [&](float along) {
+                return isVertical ? Point{20, along} : Point{along, 20};
+            };
+            on.cell.setDoubleValue(30.0);
+            on.host.press(at(42));  // four off the middle
+            EXPECT_EQ(on.cell.doubleValue(), 30.0);
+            on.host.drag(at(62));
+            EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 50.0);
+            on.host.drag(at(-900));
+            EXPECT_EQ(on.cell.doubleValue(), 0.0);
+            on.host.drag(at(900));
+            EXPECT_EQ(on.cell.doubleValue(), 104.0);
+            on.host.release(at(900));
+            on.host.click(at(28));
+            EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 20.0);
+            EXPECT_EQ(port.toolTip, "") << "none was set";
+        }
+    }
+    SliderHost on(true);  // left and right also on an upright slider
+    on.cell.setThumbClickAreaLeftInset(6.0F);
+    on.cell.setThumbClickAreaRightInset(4.0F);
+    const std::pair<float, bool> presses[] = {{17, false}, {18, true}, {23, true}, {24, false}};
+    for (const auto& [x, isGrabbed] : presses) {
+        on.cell.setDoubleValue(50.0);
+        on.host.click({x, 63});  // five above the middle
+        EXPECT_DOUBLE_EQ(on.cell.doubleValue(), isGrabbed ? 50.0 : 55.0) << x;
+    }
+}
+
+TEST_F(SliderCellTest, TakesPressesOnTheTrackAndOnLabelsAndRefusesOthers) {
+    struct Case {
+        bool isVertical, isFlipped;
+        Point point;
+        double value;
+    };
+    const Case cases[] = {
+        {false, false, {10, 20}, 0},   {false, true, {110, 20}, 104}, {false, false, {60, 38}, 52},
+        {true, false, {20, 10}, 0},    {true, true, {20, 10}, 0},     {true, true, {20, 110}, 104},
+        {true, false, {20, 110}, 104},
+    };
+    for (const bool accepts : {true, false}) {
+        for (const Case& row : cases) {
+            SliderHost on(row.isVertical, row.isFlipped);
+            on.cell.setMinSideInset(20.0F);
+            on.cell.setMaxSideInset(20.0F);
+            on.cell.setTrackYInset(8.0F);
+            on.cell.setLabelClickSetsMinMaxValue(accepts);
+            on.cell.setDoubleValue(0.5);
+            on.host.click(row.point);
+            EXPECT_EQ(on.cell.doubleValue(), accepts ? row.value : 0.5);
+            EXPECT_EQ(on.taken().size(), accepts ? 4U : 0U);
+            on.slider().setEnabled(false);
+            on.host.click({60, 60});
+            on.host.wheel({60, 20}, 1.0F);
+            EXPECT_THAT(on.log, IsEmpty()) << "disabled";
+        }
+    }
+    SliderHost none;  // labels that take no room are none
+    none.cell.setMinSideSliderInset(20.0F);
+    none.cell.setLabelClickSetsMinMaxValue(true);
+    none.host.click({10, 20});
+    EXPECT_THAT(none.log, IsEmpty());
+}
+
+TEST_F(SliderCellTest, SetsTheDefaultOnAnAltClickAndDoesNotDragThen) {
+    SliderHost on;
+    on.cell.setDefaultValue(12.0);
+    on.cell.sendActionOn({});
+    on.cell.setMovableToolTip(&on, 1);
+    on.host.press({60, 20}, 1, kAlternateKeyMask);  // not switched on yet
+    on.host.release({60, 20});
+    EXPECT_EQ(on.cell.doubleValue(), 52.0);
+    on.taken();
+    on.cell.setAltClickSetsDefaultValue(true);
+    on.host.press({60, 20}, 1, kAlternateKeyMask);
+    EXPECT_EQ(port.toolTipPlace.x, 20.0F);
+    on.host.drag({90, 20});
+    on.host.wheel({90, 20}, 1.0F);
+    on.host.release({90, 20});
+    EXPECT_EQ(on.cell.doubleValue(), 12.0);
+    EXPECT_THAT(on.taken(), ElementsAre("send 120/10", "start", "stop"));
+    on.host.press({60, 20});
+    EXPECT_EQ(on.cell.doubleValue(), 52.0) << "the next click is a plain one";
+}
+
+TEST_F(SliderCellTest, MovesFinelyWithShiftAndNeverJumps) {
+    for (const bool isFlipped : {false, true}) {
+        SliderHost on(true, isFlipped);
+        on.cell.setFineValueControlStep(0.1);
+        on.cell.setDoubleValue(30.0);
+        on.host.press({20, 40});
+        on.taken();
+        on.host.drag({20, 70}, kShiftKeyMask);  // 30 points, one event
+        EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 30.1);
+        on.host.drag({35, 70}, kShiftKeyMask);  // across
+        EXPECT_THAT(on.taken(), ElementsAre("send 301/10"));
+        on.host.drag({35, 60}, kShiftKeyMask);
+        EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 30.0);
+        on.host.drag({35, 70}, kShiftKeyMask);
+        on.host.drag({20, 70});  // Shift is up, and nothing moves along the track
+        EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 30.1);
+        on.host.drag({20, 73});
+        EXPECT_NEAR(on.cell.doubleValue(), 33.1, 1.0);
+        on.host.drag({20, 74}, kShiftKeyMask);
+        EXPECT_NEAR(on.cell.doubleValue(), 33.2, 1.0);
+        on.host.release({20, 74});
+    }
+    SliderHost on;
+    on.host.press({60, 20}, 1, kShiftKeyMask);  // without a fine step Shift does nothing
+    on.host.drag({70, 20}, kShiftKeyMask);
+    EXPECT_EQ(on.cell.doubleValue(), 62.0);
+    on.cell.setFineValueControlStep(-0.5);
+    on.host.drag({80, 20}, kShiftKeyMask);
+    EXPECT_EQ(on.cell.doubleValue(), 61.5) << "a negative step leads the other way";
+}
+
+TEST_F(SliderCellTest, IsCapturedByMarksAndGetsAwayFromThem) {
+    SliderHost on;
+    for (const double mark : {50.0, 50.0, -1.0, 105.0, static_cast<double>(NAN), 80.0})
+        on.cell.setMagneticMarkAt(mark);
+    EXPECT_THAT(on.cell.magneticMarks(), ElementsAre(50.0, 80.0));
+    on.cell.setMagneticMarkDelta(2.0);
+    on.host.press({60, 20});
+    EXPECT_EQ(on.cell.doubleValue(), 52.0);
+    on.host.drag({59, 20});
+    EXPECT_EQ(on.cell.doubleValue(), 50.0);
+    on.cell.setFineValueControlStep(0.75);
+    float x = 60.0F;
+    for (const double value : {50.0, 50.0, 52.25, 53.0}) {  // a mark holds fine steps for a while
+        on.host.drag({x++, 20}, kShiftKeyMask);
+        EXPECT_DOUBLE_EQ(on.cell.doubleValue(), value);
+    }
+    on.host.release({59, 20});
+    on.cell.setDoubleValue(50.0);
+    on.host.wheel({5, 5}, 1.0F);
+    EXPECT_EQ(on.cell.doubleValue(), 50.75) << "the wheel gets away at once";
+    on.cell.setDoubleValue(47.5);
+    on.host.wheel({5, 5}, 1.0F);
+    EXPECT_EQ(on.cell.doubleValue(), 50.0) << "and comes to rest at a mark";
+    on.cell.setMaxValue(49.0);
+    EXPECT_EQ(on.cell.doubleValue(), 49.0) << "a change of range is no new value";
+    on.cell.resetMagneticMarks();
+    EXPECT_THAT(on.cell.magneticMarks(), IsEmpty());
+}
+
+TEST_F(SliderCellTest, CountsARunOfNotchesAsOneGesture) {
+    SliderHost on;
+    on.cell.setMovableToolTip(&on, 3);
+    on.host.wheel({5, 5}, 2.0F);
+    EXPECT_EQ(port.toolTip, "tip 3");
+    loop.advance(0.99);
+    on.host.wheel({5, 5}, 0.5F);  // a part of a notch, which prolongs nothing
+    on.host.wheel({5, 5}, 0.5F);
+    EXPECT_THAT(on.taken(), ElementsAre("start", "send 21/10", "send 31/10"));
+    loop.advance(0.99);
+    EXPECT_EQ(port.toolTip, "tip 3");
+    loop.advance(0.01);
+    EXPECT_EQ(port.toolTip, "");
+    EXPECT_THAT(on.taken(), ElementsAre("stop"));
+
+    on.host.wheel({5, 5}, -9.0F);  // beyond the end: nothing more to send
+    on.host.wheel({5, 5}, -1.0F);
+    EXPECT_THAT(on.taken(), ElementsAre("start", "send 0/10"));
+    on.host.press({60, 20});  // ends the run, and the tip stays
+    on.host.wheel({60, 20}, 10.0F);
+    EXPECT_THAT(on.taken(), ElementsAre("stop", "start", "send 520/10", "send 624/10"));
+    on.host.drag({61, 20});
+    EXPECT_NEAR(on.cell.doubleValue(), 63.4, 1.0) << "the drag goes on from where the wheel led";
+    on.host.release({61, 20});
+    loop.advance(2.0);
+    EXPECT_EQ(on.taken().back(), "stop");
+    const struct {
+        double fine;
+        std::int32_t marks;
+        double value;
+    } steps[] = {{0.0, 0, 51.04}, {0.25, 0, 50.25}, {0.25, 5, 78.0}, {0.0, 5, 78.0}};
+    for (const auto& step : steps) {
+        on.cell.setNumberOfTickMarks(step.marks);
+        on.cell.setAllowsTickMarkValuesOnly(step.marks > 0);
+        on.cell.setFineValueControlStep(step.fine);
+        on.cell.setDoubleValue(50.0);
+        on.host.wheel({5, 5}, 1.0F);
+        EXPECT_DOUBLE_EQ(on.cell.doubleValue(), step.value);
+    }
+    on.taken();
+    on.slider().setEnabled(false);
+    EXPECT_THAT(on.taken(), ElementsAre("stop")) << "a run ends when the slider is disabled";
+}
+
+TEST_F(SliderCellTest, ObeysTheKeyboardAndScreenReaders) {
+    SliderHost on;
+    on.host.window.makeFirstResponder(&on.slider());
+    const auto key = [&](char16_t character, ModifierFlags flags = {}) {
+        Event event = on.host.eventAt(EventType::KeyDown, {});
+        event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
+        event.modifierFlags = flags;
+        EXPECT_TRUE(on.slider().wantsKey(event));
+        Application::current().postEvent(event);
+    };
+    on.cell.setFineValueControlStep(0.5);
+    on.cell.setAltIncrementValue(2.0);
+    on.cell.setDefaultValue(40.0);
+    on.cell.setAltClickSetsDefaultValue(true);
+    const struct {
+        char16_t key;
+        ModifierFlags flags;
+        double value;
+    } rows[] = {{kUpArrowCharacter, {}, 2},        {kRightArrowCharacter, kShiftKeyMask, 2.5},
+                {kPageUpCharacter, {}, 22.5},      {kLeftArrowCharacter, {}, 20.5},
+                {kDownArrowCharacter, {}, 18.5},   {kPageDownCharacter, kShiftKeyMask, 13.5},
+                {kDeleteCharacter, {}, 40},        {kEndCharacter, {}, 104},
+                {kForwardDeleteCharacter, {}, 40}, {kHomeCharacter, {}, 0}};
+    Log told{"start"};
+    for (const auto& row : rows) {
+        key(row.key, row.flags);
+        EXPECT_EQ(on.cell.doubleValue(), row.value);
+        told.push_back("send " + SliderHost::number(row.value));
+    }
+    EXPECT_EQ(on.taken(), told);
+    loop.advance(1.0);
+    EXPECT_THAT(on.taken(), ElementsAre("stop"));
+
+    on.host.press({60, 20});
+    on.host.drag({80, 20});
+    key(kEscapeCharacter);  // the value before the press
+    on.host.drag({90, 20});
+    on.host.release({90, 20});
+    EXPECT_THAT(on.taken(),
+                ElementsAre("start", "send 520/10", "send 720/10", "send 0/10", "stop"));
+    Event escape = on.host.eventAt(EventType::KeyDown, {});
+    escape.charactersIgnoringModifiers = std::u16string(1, kEscapeCharacter);
+    EXPECT_FALSE(on.slider().wantsKey(escape)) << "without a drag it is the host's";
+
+    on.cell.setInvertValues(true);
+    EXPECT_TRUE(on.cell.setAccessibilityNumber(90.0));
+    EXPECT_EQ(on.cell.doubleValue(), 14.0);
+    EXPECT_TRUE(on.cell.performAccessibilityAction(AccessibilityAction::Increment));
+    EXPECT_EQ(on.cell.accessibilityNumber()->value, 92.0);
+    EXPECT_EQ(on.cell.accessibilityNumber()->step, 2.0);
+    EXPECT_THAT(on.taken(), ElementsAre("start", "send 140/10", "send 120/10"));
+    EXPECT_EQ(on.cell.accessibilityValueText(), "92");
+    on.cell.setFormatter([](double value) { return std::to_string(std::lround(value)) + " %"; });
+    EXPECT_EQ(on.cell.stringForTag(0), "92 %");
+    AccessibilityElement& view = on.slider();
+    EXPECT_EQ(on.cell.accessibilityParent(), &view);
+    EXPECT_EQ(on.cell.accessibilityRole(), AccessibilityRole::Slider);
+}
+
+TEST_F(SliderCellTest, SaysNumbersAsFinelyAsTheyChange) {
+    const std::tuple<double, double, double, const char*> rows[] = {{100, 0, 33.4, "33"},
+                                                                    {2, 0, -0.25, "\u22120.25"},
+                                                                    {1, 0.001, 0.5, "0.500"},
+                                                                    {6, 0.1, -0.01, "0.0"}};
+    for (const auto& [maximum, fine, value, text] : rows) {
+        QkSliderCell cell;
+        cell.setMaxValue(maximum);
+        cell.setMinValue(-1.0);
+        cell.setFineValueControlStep(fine);
+        cell.setDoubleValue(value);
+        EXPECT_EQ(cell.stringForTag(0), text);
+    }
+}
+
+// In each call out the slider is deleted at once, or discarded as a host does it; or the pointer is
+// lost because the slider is disabled, hidden or its window closed. Each start has its stop.
+TEST_F(SliderCellTest, SurvivesWhateverHappensInItsCalls) {
+    for (const char* place : {"start", "send", "stop", "tip"}) {
+        for (const int way : {0, 1, 2, 3, 4}) {
+            for (const int gesture : {0, 1, 2, 3, 4}) {
+                SCOPED_TRACE(place + std::string(" ") + std::to_string(way) +
+                             std::to_string(gesture));
+                SliderHost on;
+                on.cell.setMovableToolTip(&on, 0);
+                on.cell.setAltClickSetsDefaultValue(true);
+                on.cell.setDefaultValue(9.0);
+                on.host.window.makeFirstResponder(&on.slider());
+                const WeakPointer<View> slider(&on.slider());
+                bool isDone = false;
+                on.hook = [&](const std::string& where) {
+                    if (where != place || std::exchange(isDone, true)) return;
+                    if (way == 0) slider->takeFromSuperview().reset();
+                    if (way == 1) slider->removeFromSuperview();
+                    if (way == 2) on.slider().setEnabled(false);
+                    if (way == 3) slider->setHidden(true);
+                    if (way == 4) on.host.window.visibilityDidChange(false);
+                };
+                if (gesture == 3) {
+                    on.host.wheel({5, 5}, 1.0F);
+                } else if (gesture == 4) {
+                    on.host.key(kUpArrowCharacter);
+                } else {
+                    on.host.press({60, 20}, 1, gesture == 1 ? kAlternateKeyMask : ModifierFlags{});
+                    on.host.drag({70, 20});
+                    if (gesture == 2) on.host.key(kEscapeCharacter);
+                    on.host.release({70, 20});
+                }
+                loop.advance(2.0);
+                EXPECT_TRUE(isDone);
+                EXPECT_EQ(static_cast<bool>(slider), way > 1);
+                EXPECT_EQ(std::count(on.log.begin(), on.log.end(), "start"),
+                          std::count(on.log.begin(), on.log.end(), "stop"));
+                if (on.log.front() == "start") {
+                    EXPECT_EQ(on.log.back(), "stop");
+                }
+                EXPECT_EQ(port.toolTip, "");
+                on.hook = [](const std::string&) {};
+                on.host.display();
+            }
+        }
+    }
+}
+
+TEST_F(SliderCellTest, TakesItsPropertiesAlongAndGoesBackToTheFirstOnes) {
+    SliderHost on;
+    setUpFader(on.cell);
+    on.cell.setTickMarkColor(Color{1, 0, 0, 1});
+    on.cell.setThumbClickAreaLeftInset(3.0F);
+    on.cell.setLogTickMarks(2);
+    on.cell.setDoubleValue(0.25);
+    on.cell.setMagneticMarkAt(0.2501);  // does not capture what was set before
+    on.cell.setEnabled(false);
+    on.cell.sendActionOn(EventType::LeftMouseUp);
+    KeyedCoder archive;
+    on.cell.encodeWithCoder(archive);
+    QkSliderCell read;
+    read.decodeWithCoder(KeyedCoder(archive.archive()));
+    read.decodeWithCoder(KeyedCoder(archive.archive()));  // now that it has marks
+    Slider copy;
+    copy.setTarget(&on);
+    QkSliderCell& replaced = QkSliderCell::replacedCellInSlider(copy);
+    EXPECT_EQ(copy.target(), &on);
+    replaced.initWithPropertiesOfSliderCell(on.cell);
+    EXPECT_EQ(replaced.sendActionMask(), EventMask(EventType::LeftMouseUp));
+    EXPECT_EQ(replaced.action(), on.cell.action());
+    EXPECT_EQ(replaced.stringForTag(0), "\u221230.0 dB");
+    EXPECT_TRUE(replaced.hasMovableToolTip());
+    for (const QkSliderCell* kept : {&read, &replaced}) {
+        KeyedCoder again;
+        kept->encodeWithCoder(again);
+        EXPECT_EQ(again.archive(), archive.archive());
+        EXPECT_EQ(kept->doubleValue(), 0.25);
+        EXPECT_EQ(kept->marks(), on.cell.marks());
+        EXPECT_FALSE(kept->isEnabled());
+    }
+    KeyedCoder first;
+    KeyedCoder back;
+    SliderCell plain;
+    QkSliderCell fresh;
+    fresh.initWithPropertiesOfSliderCell(plain);
+    fresh.encodeWithCoder(first);
+    setUpPan(fresh);
+    fresh.myInit();
+    fresh.initWithPropertiesOfSliderCell(plain);
+    fresh.encodeWithCoder(back);
+    EXPECT_EQ(back.decodeValue("SLIDER_INSETS"), first.decodeValue("SLIDER_INSETS"));
+    EXPECT_THAT(fresh.magneticMarks(), IsEmpty());
+    EXPECT_FALSE(fresh.hasMovableToolTip());
+}
+
+// Where the middle of the cap is, in each state; what a host registers comes first.
+TEST_F(SliderCellTest, DrawsACapOnItsSlotAndTheWayFromTheDefault) {
+    using enum RecordingCanvas::What;
+    SliderHost on(true, false, 36.0F);
+    setUpFader(on.cell);
+    const auto& colors = theme(Appearance::Light);
+    const auto has = [&](Color color) {
+        const auto calls = on.host.display();
+        return std::any_of(calls.begin(), calls.end(),
+                           [&](const auto& call) { return call.color == color; });
+    };
+    const auto redraw = [&] { on.slider().setNeedsDisplay(); };
+    redraw();
+    EXPECT_FALSE(has(colors.accent)) << "at its default";
+    on.cell.setDoubleValue(0.3);
+    EXPECT_TRUE(has(colors.accent));
+    const Rect knob = on.cell.knobRectFlipped(false);
+    EXPECT_EQ(knob.size, (Size{24, 36}));
+    EXPECT_EQ(on.slider().focusShape()->rect, knob);
+    EXPECT_EQ(on.slider().focusShape()->radius, 5.0F);
+    on.host.move(knob.center());
+    EXPECT_TRUE(has(colors.capHover));
+    on.host.move({1, 1});
+    EXPECT_FALSE(has(colors.capHover));
+    on.host.press(knob.center());
+    EXPECT_TRUE(has(colors.cap.mixedWith(colors.card, 0.25F)));
+    on.host.drag(knob.center() + Point{0, 4});
+    EXPECT_TRUE(has(colors.accent.withAlpha(0.3F))) << "the halo";
+    on.host.release(knob.center());
+    on.host.move(on.cell.knobRectFlipped(false).center());
+    on.cell.setShowsDisabledWhenNotMainWindow(true);
+    redraw();
+    EXPECT_TRUE(has(colors.accent));
+    Window other{on.host.port, Size{10, 10}};
+    other.visibilityDidChange(true);
+    on.host.window.keyStateDidChange(false);
+    other.keyStateDidChange(true);
+    EXPECT_FALSE(has(colors.accent));
+    registerImage(kSliderKnobFader,
+                  [](float scale) { return std::make_shared<RecordedImage>(20, 30, scale); });
+    redraw();
+    const auto images = RecordingCanvas::only(Image, on.host.display());
+    registerImage(kSliderKnobFader, nullptr);
+    ASSERT_EQ(images.size(), 1U);
+    EXPECT_EQ(on.cell.knobThickness(), 30.0F);
+}
+
+TEST_F(SliderCellTest, LaysItsPartsOut) {
+    for (const bool isFlipped : {false, true}) {
+        SliderHost on(true, isFlipped);  // 40 x 120
+        on.cell.setMinSideInset(10.0F);
+        on.cell.setMaxSideInset(20.0F);
+        on.cell.setMinSideSliderInset(1.0F);
+        on.cell.setMaxSideSliderInset(2.0F);
+        on.cell.setTrackYInset(6.0F);
+        on.cell.setTickMarkYPosition(9.0F, 3.0F);
+        on.cell.setNumberOfTickMarks(3);
+        const Rect track{{6, isFlipped ? 22.0F : 11.0F}, {34, 87}};
+        EXPECT_EQ(on.cell.trackRect(), track);
+        for (int i = 0; i < 40; ++i)
+            on.cell.calculateInternalsFromCellFrame(on.slider().bounds(), on.slider());
+        EXPECT_EQ(on.cell.trackRect(), track);
+        EXPECT_EQ(on.cell.rectOfTickMarkAtIndex(0, isFlipped).origin,
+                  (Point{11, (isFlipped ? track.maxY() - 8 : track.minY() + 8) - 0.5F}));
+        EXPECT_EQ(on.cell.rectOfTickMarkAtIndex(1, isFlipped).size, (Size{3, 1}));
+        EXPECT_TRUE(on.cell.rectOfTickMarkAtIndex(3, isFlipped).isEmpty());
+        on.cell.setMinSideInset(NAN);
+        EXPECT_EQ(on.cell.trackRect().size.height, 97.0F);
+        on.cell.setMinSideInset(1e9F);
+        on.host.display();
+        EXPECT_EQ(on.cell.trackRect().size.height, 0.0F);
+    }
+}
+
+}  // namespace
+}  // namespace veltra::testing

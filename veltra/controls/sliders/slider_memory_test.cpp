@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// Replaces operator new; the thread sanitizer brings its own, so this is not part of its build.
+#include "veltra/controls/sliders/slider_presets.h"
+#include "veltra/ui/testing/scripted_port.h"
+
+#include <new>
+
+namespace {
+
+int allocated = 0;
+
+[[gnu::noinline]] void release(void* block) noexcept {
+    std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++allocated;
+    return std::malloc(size);
+}
+void* operator new(std::size_t size) {
+    void* block = operator new(size, std::nothrow);
+    return block != nullptr ? block : throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+    release(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    release(block);
+}
+
+namespace veltra::testing {
+namespace {
+
+// From the event that arrives at the control to the request to draw it again.
+TEST(SliderMemory, AStepOfADragAllocatesNothing) {
+    HostedView host(std::make_unique<Slider>(Rect{{}, {64, 240}}));
+    auto& slider = static_cast<Slider&>(*host.window.contentView());
+    QkSliderCell& cell = QkSliderCell::replacedCellInSlider(slider);
+    setUpFader(cell);
+    cell.setMovableToolTip(nullptr, 0);  // whose text is a string
+    Receiver target;
+    slider.setTarget(&target);
+    slider.setAction(action<&Receiver::act>());
+    host.port.invalid.reserve(1000);
+    host.press({40, 200});
+    Event event = host.eventAt(EventType::LeftMouseDragged, {});
+    event.eventNumber = 1;
+    const std::size_t asked = host.port.invalid.size();
+    allocated = 0;
+    for (int i = 0; i < 100; ++i) {
+        event.locationInWindow = {40.0F, 20.0F + static_cast<float>(i)};
+        slider.mouseDragged(event);
+    }
+    EXPECT_EQ(allocated, 0);
+    EXPECT_EQ(target.count, 101);
+    EXPECT_GE(host.port.invalid.size(), asked + 90);
+    std::string counted(100, 'x');
+    EXPECT_EQ(allocated, 1) << "counting works";
+    host.release({40, 100});
+}
+
+}  // namespace
+}  // namespace veltra::testing
