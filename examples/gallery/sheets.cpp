@@ -5,12 +5,12 @@ namespace veltra::gallery {
 
 std::vector<Sheet> sheets() {
     return {
-        buttonSheet(),
-        stepSheet(),
-        keyboardSheet(),
-        numberEditorSheet(),
         meterSheet(),
         sliderSheet(),
+        numberEditorSheet(),
+        keyboardSheet(),
+        buttonSheet(),
+        stepSheet(),
     };
 }
 

@@ -32,11 +32,11 @@ struct Sheet {
 
 std::vector<Sheet> sheets();
 
-Sheet buttonSheet();
-Sheet stepSheet();
-Sheet keyboardSheet();
-Sheet numberEditorSheet();
 Sheet meterSheet();
 Sheet sliderSheet();
+Sheet numberEditorSheet();
+Sheet keyboardSheet();
+Sheet buttonSheet();
+Sheet stepSheet();
 
 }  // namespace veltra::gallery
