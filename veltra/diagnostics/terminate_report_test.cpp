@@ -2,12 +2,11 @@
 #include "veltra/diagnostics/terminate_report.h"
 
 #include "veltra/base/exception.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/ended_child.h"
 #include "veltra/platform/symboliser.h"
 
-#include <exception>
 #include <stdexcept>
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -61,18 +60,16 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
 }
 
 TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
-    const auto ended = [](bool isBlunt) {
-        return testing::endedChild([isBlunt]() noexcept {
+    for (const bool isBlunt : {false, true}) {
+        const testing::EndedChild ended = testing::endedChild([isBlunt]() noexcept {
             Blunt blunt;
             if (isBlunt) Symboliser::install(&blunt);
             std::set_terminate([] { ::_exit(5); });
             VLInstallTerminateHandler();
             throwsForTheReport();
         });
-    };
-    for (const bool isBlunt : {false, true}) {
-        EXPECT_TRUE(ended(isBlunt).hasExited(5));
-        EXPECT_THAT(ended(isBlunt).log, HasSubstr("half"));
+        EXPECT_TRUE(ended.hasExited(5));
+        EXPECT_THAT(ended.log, HasSubstr("half"));
     }
 }
 
