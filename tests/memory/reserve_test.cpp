@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The memory reserve on the process's own zone.
+// The memory reserve, and the leak guard, on the process's own zone.
 #include "tests/memory/real_zone.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/memory/testing/leak_guard_host.h"
 #include "veltra/memory/testing/zone_stress.h"
 
 #include <fstream>
@@ -76,11 +77,18 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
     }
 }
 
+constexpr ZoneEntries kCalls{::malloc,  ::calloc, ::memalign,
+                             ::realloc, ::free,   ::malloc_usable_size};
+
 TEST(RealMemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     SKIP_WITHOUT_REAL_ZONE();
-    const ZoneEntries calls{::malloc, ::calloc, ::memalign, ::realloc, ::free, nullptr};
-    EXPECT_EQ(testing::stressReserve(AllocationZone::process(), calls), 0);
+    EXPECT_EQ(testing::stressReserve(AllocationZone::process(), kCalls), 0);
     EXPECT_GT(QKMemoryReserveDidLowMemoryLevelChange(1), 0);
+}
+
+TEST(LeakGuardOnTheProcess, StaysWholeAmongThreadsAndForks) {
+    SKIP_WITHOUT_REAL_ZONE();
+    testing::guarded(nullptr, [](auto&) { testing::allocateAmongThreadsAndForks(kCalls); });
 }
 
 }  // namespace
