@@ -3,63 +3,39 @@
 
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
-#include "veltra/platform/alert.h"
-#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/fake_user.h"
 
 namespace veltra {
 namespace {
 
-class Presenter final : public AlertPresenter {
-public:
-    explicit Presenter(const LogWorld& world) : m_world(world) { install(this); }
-    ~Presenter() override { install(nullptr); }
-
-    AlertAnswer present(const Alert& alert) noexcept override {
-        ++count;
-        header = alert.header;
-        message = alert.message;
-        buttons = (std::string(alert.defaultButton) += "|") += alert.alternateButton;
-        (buttons += "|") += alert.otherButton;
-        timeout = alert.timeout;
-        recordsBefore = m_world.records.size();
-        return answer;
-    }
-
-    AlertAnswer answer = AlertAnswer::Default;
-    int count = 0;
-    std::string header, message, buttons;
-    Nanoseconds timeout;
-    std::size_t recordsBefore = 0;
-
-private:
-    const LogWorld& m_world;
-};
+std::string shown(const std::string& message) {
+    return "Assertion failed|" + message + "|Resume|Debugger|Stop";
+}
 
 TEST(Assertion, IsLoggedThenShown) {
     setEnvironment("VELTRA_TRACE_WITHOUT_BANNER", nullptr);
     LogWorld world;
-    Presenter presenter(world);
+    testing::FakeUser user;
+    user.answer = AlertAnswer::Default;
+    user.whileAsked = [&world] { EXPECT_FALSE(world.records.empty()); };
     EXPECT_EQ(dbgASSERT(0, "a %% b < 1", "f()", nullptr), 0);
     EXPECT_EQ(world.line(),
               "2024-01-31 09:05:07.042 prog[123:a0b] dbgASSERT: "
               "ASSERT(a % b < 1) in f() failed.\n");
     EXPECT_EQ(world.records[0].fields[LogRecord::Level].second, "3");
-    EXPECT_EQ(presenter.recordsBefore, 1U);
-    EXPECT_EQ(presenter.header, "Assertion failed");
-    EXPECT_EQ(presenter.message, "ASSERT(a %% b < 1) in f() failed.\n");
-    EXPECT_EQ(presenter.buttons, "Resume|Debugger|Stop");
-    EXPECT_EQ(presenter.timeout, seconds(60.0));
+    EXPECT_EQ(user.text, shown("ASSERT(a %% b < 1) in f() failed.\n"));
+    EXPECT_EQ(user.timeout, seconds(60.0));
 
     const std::string expression(5000, 'x');
     dbgASSERT(0, expression.c_str(), "f()", nullptr);
-    EXPECT_EQ(presenter.message, "ASSERT(" + std::string(4095 - 7, 'x'));
+    EXPECT_EQ(user.text, shown("ASSERT(" + std::string(4095 - 7, 'x')));
     EXPECT_EQ(world.lines.back().back(), '\n');
     const std::string notes = expression.substr(0, 4095 - 7 - 2) + "\xE2\x99\xAA";
     dbgASSERT(0, notes.c_str(), "f()", nullptr);
-    EXPECT_EQ(presenter.message, "ASSERT(" + std::string(4095 - 7 - 2, 'x')) << "half a character";
+    EXPECT_EQ(user.text, shown("ASSERT(" + std::string(4095 - 7 - 2, 'x'))) << "half a character";
     dbgASSERT(0, nullptr, "caf\x8E", nullptr);
-    EXPECT_EQ(presenter.message, "ASSERT((null)) in caf\x8E failed.\n");
+    EXPECT_EQ(user.text, shown("ASSERT((null)) in caf\x8E failed.\n"));
 }
 
 TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
@@ -70,8 +46,8 @@ TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
          {Answer::Default, Answer::Alternate, Answer::Other, Answer::TimedOut}) {
         for (const std::int32_t before : {kNone, 3, 1, -1, 0, -2, kLeast}) {
             LogWorld world;
-            Presenter presenter(world);
-            presenter.answer = answer;
+            testing::FakeUser user;
+            user.answer = answer;
             std::int32_t counter = before;
             std::int32_t* const given = before == kNone ? nullptr : &counter;
             if (given == nullptr && answer == Answer::Other) {
@@ -86,10 +62,10 @@ TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
             EXPECT_EQ(counter, given == nullptr                     ? before
                                : isShown && answer == Answer::Other ? 0
                                                                     : left);
-            EXPECT_EQ(presenter.count, isShown ? 1 : 0);
+            EXPECT_EQ(user.asked, isShown ? 1 : 0);
             EXPECT_EQ(world.records.size(), isShown ? 1U : 0U);
-            const char* const third = given != nullptr ? "Don't show again" : "Stop";
-            EXPECT_EQ(presenter.buttons, isShown ? "Resume|Debugger|" + std::string(third) : "");
+            const char* const third = given != nullptr ? "|Don't show again" : "|Stop";
+            EXPECT_EQ(user.text.ends_with(third), isShown);
             EXPECT_EQ(dbgAssertionFailed(), 1);
             EXPECT_EQ(dbgAssertionFailed(), 0);
             dbgASSERT(0, "x", "f()", given);
@@ -99,21 +75,6 @@ TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
             EXPECT_EQ(dbgAssertionFailed(), 0) << "an assertion that holds clears the flag";
         }
     }
-}
-
-// The presenter of the platform is made by the first assertion, so an exit handler that was there
-// before runs after everything made later has been destroyed.
-TEST(Assertion, MayFailInAnExitHandler) {
-    EXPECT_TRUE(testing::holdsInChild([] {
-        LogWorld world;
-        ::setsid();  // no terminal to ask on
-        setEnvironment("DISPLAY", nullptr);
-        setEnvironment("WAYLAND_DISPLAY", nullptr);
-        std::atexit([] { ::_exit(dbgASSERT(0, "late", "exit", nullptr)); });
-        dbgASSERT(0, "early", "main", nullptr);
-        std::exit(2);  // NOLINT(concurrency-mt-unsafe): one thread
-        return false;
-    }));
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/crash_reporter_info.h"
 
-#include <string>
-#include <thread>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

@@ -1,64 +1,40 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/exception_report.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/backtracing_exception.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/diagnostics/report_sections.h"
 #include "veltra/diagnostics/testing/ended_child.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
-#include "veltra/platform/alert.h"
 #include "veltra/platform/application_facts.h"
 #include "veltra/platform/symbol_names.h"
 #include "veltra/platform/symboliser.h"
 #include "veltra/platform/termination.h"
-
-#include <array>
-#include <functional>
-#include <thread>
+#include "veltra/platform/testing/fake_user.h"
 
 #include <gmock/gmock.h>
 
 namespace veltra {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::ElementsAre;
-using ::testing::EndsWith;
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
+using namespace ::testing;
+using testing::EndedChild;
 
-// Answers by program.
-struct Answering final : AlertPresenter, Symboliser {
-    Answering() {
-        AlertPresenter::install(this);
-        Symboliser::install(this);
-    }
+// A user, and names of functions by program.
+struct Answering final : Symboliser {
+    Answering() { install(this); }
     ~Answering() override {
-        AlertPresenter::install(nullptr);
-        Symboliser::install(nullptr);
+        install(nullptr);
         installTerminator(nullptr);
-    }
-    AlertAnswer present(const Alert& alert) noexcept override {
-        ++asked;
-        text = std::string(alert.header) + "|" + std::string(alert.message) + "|" +
-               std::string(alert.defaultButton) + "|" + std::string(alert.alternateButton) + "|" +
-               std::string(alert.otherButton);
-        isCritical = alert.style == AlertStyle::Critical;
-        if (whileAsked) whileAsked();
-        return answer;
     }
     std::string symbolise(std::span<const std::uintptr_t> addresses) noexcept override {
         symbolised.assign(addresses.begin(), addresses.end());
         return names;
     }
-
-    AlertAnswer answer = AlertAnswer::TimedOut;
-    std::function<void()> whileAsked;
+    testing::FakeUser user;
     std::string names;
-    std::string text;
-    bool isCritical = false;
     std::vector<std::uintptr_t> symbolised;
-    static inline int asked = 0;
 };
 
 Exception failure(const char* stack = nullptr) {
@@ -92,20 +68,17 @@ TEST(ExceptionReport, LogsWhatIsKnownThenAsks) {
                 AllOf(StartsWith(banner + "Logged before:\n\t"), EndsWith("\tthe line before\n")));
     for (const LogWorld::Record& record : world.records)
         EXPECT_EQ(record.fields[LogRecord::Level].second, "3");
-    EXPECT_EQ(answering.text,
+    EXPECT_EQ(answering.user.text,
               "prog has encountered an unexpected error.|Name: re%@ason\n\nA stack "
               "trace has been written to the log.|Stop|Resume|"
               "Crash with crash report");
-    EXPECT_TRUE(answering.isCritical);
+    EXPECT_TRUE(answering.user.isCritical);
 
-    world.forget();
-    QKDisplayExceptionReport(Exception("N", "r"));
-    ASSERT_EQ(world.lines.size(), 3u);
-    EXPECT_EQ(world.lines[1], banner + "No stack trace available.\n");
-    QKDisplayExceptionReport(failure("nonsense"));
-    ASSERT_EQ(world.lines.size(), 6u);
-    EXPECT_EQ(world.lines[4], banner + "No stack trace available.\n");
-
+    for (const Exception& blank : {Exception("N", "r"), failure("nonsense")}) {
+        world.forget();
+        QKDisplayExceptionReport(blank);
+        EXPECT_THAT(world.lines, ElementsAre(_, banner + "No stack trace available.\n", _));
+    }
     // Without the program, this process's own names.
     answering.names = "";
     world.forget();
@@ -123,42 +96,38 @@ TEST(ExceptionReport, LogsWhatIsKnownThenAsks) {
 TEST(ExceptionReport, StandsOnceAndIsGoneBeforeTheButtonActs) {
     LogWorld world;
     Answering answering;
-    Answering::asked = 0;
-    answering.whileAsked = [] {
+    testing::FakeUser& user = answering.user;
+    user.whileAsked = [] {
         QKDisplayExceptionReport(failure());
         std::thread([] { QKDisplayExceptionReport(failure()); }).join();
     };
-    QKDisplayExceptionReport(failure());
-    EXPECT_EQ(Answering::asked, 1);
     for (const AlertAnswer answer : {AlertAnswer::Alternate, AlertAnswer::TimedOut}) {
-        answering.answer = answer;
+        user.answer = answer;
         QKDisplayExceptionReport(failure());
     }
-    EXPECT_EQ(Answering::asked, 3);
-
+    EXPECT_EQ(user.asked, 2);
     static int ended;
     ended = 0;
-    answering.whileAsked = nullptr;
-    answering.answer = AlertAnswer::Default;
+    user.whileAsked = nullptr;
+    user.answer = AlertAnswer::Default;
     installTerminator([]() noexcept {
         if (++ended < 3) QKDisplayExceptionReport(failure());
     });
     QKDisplayExceptionReport(failure());
-    EXPECT_EQ(ended, 3);
-    EXPECT_EQ(Answering::asked, 6);
+    EXPECT_TRUE(ended == 3 && user.asked == 5);
 }
 
 TEST(ExceptionReport, EndsTheProcessAsTheUserWants) {
     const auto ended = [](AlertAnswer answer) {
         return testing::endedChild([answer] {
             Answering answering;
-            answering.answer = answer;
+            answering.user.answer = answer;
             QKDisplayExceptionReport(failure());
         });
     };
     EXPECT_TRUE(ended(AlertAnswer::Default).wasKilledBy(SIGTERM));
     EXPECT_TRUE(ended(AlertAnswer::Alternate).hasExited(0));
-    const testing::EndedChild crashed = ended(AlertAnswer::Other);
+    const EndedChild crashed = ended(AlertAnswer::Other);
 #if defined(VELTRA_SANITIZED)
     EXPECT_FALSE(crashed.hasExited(0));
 #else
@@ -168,26 +137,14 @@ TEST(ExceptionReport, EndsTheProcessAsTheUserWants) {
 }
 
 TEST(ExceptionReport, IsInTheLogWhenTheHostIsKilledMeanwhile) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(::pipe(ends.data()), 0);
-    const testing::EndedChild killed = testing::endedChild(
-        [&ends] {
-            Answering answering;
-            answering.names = "names of the stack";
-            answering.whileAsked = [&ends] {
-                if (::write(ends[1], "x", 1) == 1) ::pause();
-            };
-            QKDisplayExceptionReport(failure("0x10"));
-        },
-        [&ends](pid_t child) {
-            char stands = 0;
-            EXPECT_EQ(::read(ends[0], &stands, 1), 1);
-            ::kill(child, SIGKILL);
-        });
+    const EndedChild killed = testing::endedChild([] {
+        Answering answering;
+        answering.names = "names of the stack";
+        answering.user.whileAsked = [] { ::raise(SIGKILL); };
+        QKDisplayExceptionReport(failure("0x10"));
+    });
     EXPECT_TRUE(killed.wasKilledBy(SIGKILL));
     EXPECT_THAT(killed.log, AllOf(HasSubstr("unexpected error."), HasSubstr("names of the stack")));
-    ::close(ends[0]);
-    ::close(ends[1]);
 }
 
 [[gnu::noinline]] void raisesForTheReport() {
@@ -198,11 +155,8 @@ TEST(ExceptionReport, NamesFunctionsAndLinesOfARealStack) {
     if (std::system("eu-addr2line --version >/dev/null 2>&1") != 0)  // NOLINT: one thread
         GTEST_SKIP() << "needs eu-addr2line";
     prepareSymbolNames();  // here: a child reads none of its own
-    const testing::EndedChild reported = testing::endedChild([] {
-        struct Nobody final : AlertPresenter {
-            AlertAnswer present(const Alert&) noexcept override { return AlertAnswer::TimedOut; }
-        } nobody;
-        AlertPresenter::install(&nobody);
+    const EndedChild reported = testing::endedChild([] {
+        const testing::FakeUser nobody;
         VLBacktracingException::install();
         try {
             raisesForTheReport();

@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/report_sections.h"
 
-#include <cstdio>
-#include <cstring>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {
 
 constexpr ReportSection kSections[] = {
-    {"test b",
-     [](char* text, std::size_t capacity) noexcept { std::snprintf(text, capacity, "2"); }},
-    {"test a",
-     [](char* text, std::size_t capacity) noexcept { std::snprintf(text, capacity, "1"); }},
+    {"test b", [](char* text, std::size_t) noexcept { *text = '2'; }},
+    {"test a", [](char* text, std::size_t) noexcept { *text = '1'; }},
     {"test c", [](char* /*text*/, std::size_t /*capacity*/) noexcept {}},
     {"test d", [](char* text, std::size_t capacity) noexcept { std::memset(text, 'x', capacity); }},
 };
@@ -55,14 +48,11 @@ TEST(ReportSections, AreWrittenByNameAndCutWhereTheTextEnds) {
 
 TEST(ReportSections, EndAtTheirLimitAndComeAndGoOnEveryThread) {
     std::vector<ReportSection> many(kMostReportSections + 1, kSections[0]);
-    std::size_t added = 0;
-    for (const ReportSection& section : many)
-        added += addReportSection(section) ? 1 : 0;
-    EXPECT_TRUE(added > 0 && added <= kMostReportSections && !addReportSection(many.back()));
-    for (const ReportSection& section : many)
-        removeReportSection(section);
+    EXPECT_GT(std::count_if(many.begin(), many.end(), addReportSection), 0);
+    EXPECT_FALSE(addReportSection(many.back()));
+    std::for_each(many.begin(), many.end(), removeReportSection);
 
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (const ReportSection& section : kSections)
         threads.emplace_back([&section] {
             for (int round = 0; round < 200; ++round) {
@@ -72,8 +62,7 @@ TEST(ReportSections, EndAtTheirLimitAndComeAndGoOnEveryThread) {
                 removeReportSection(section);
             }
         });
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     EXPECT_EQ(reportSections().find("test"), std::string::npos);
 }
 

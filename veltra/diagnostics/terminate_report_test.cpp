@@ -2,12 +2,11 @@
 #include "veltra/diagnostics/terminate_report.h"
 
 #include "veltra/base/exception.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/ended_child.h"
 #include "veltra/platform/symboliser.h"
 
-#include <exception>
 #include <stdexcept>
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -28,25 +27,21 @@ struct Blunt final : Symboliser {  // fails while it reports
 }
 
 TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
-    const struct {
-        void (*fail)();
-        const char* text;
-        const char* inStack = "";
-    } cases[] = {
-        {[] { raiseException("Name", "reason"); }, "Not caught: Name: reason\n"},
-        {throwsForTheReport, "Not caught: std::runtime_error: half\n"},
+    const std::tuple<void (*)(), const char*, const char*> cases[] = {
+        {[] { raiseException("Name", "reason"); }, "Not caught: Name: reason\n", ""},
+        {throwsForTheReport, "Not caught: std::runtime_error: half\n", ""},
         {[] { std::thread(throwsForTheReport).join(); }, "std::runtime_error: half\n",
          "throwsForTheReport"},  // clang unwinds up to a noexcept first, but not to a thread's
                                  // start
-        {[] { throw 7; }, "Not caught: int\n"},
-        {[] { std::terminate(); }, "Terminated without an exception of C++.\n"},
+        {[] { throw 7; }, "Not caught: int\n", ""},
+        {[] { std::terminate(); }, "Terminated without an exception of C++.\n", ""},
         {[] { veltraCallFromCWithoutTables([](void*) { throwsForTheReport(); }, nullptr); },
-         "std::runtime_error: half\n"},
+         "std::runtime_error: half\n", ""},
         {[] {
              new std::thread(throwsForTheReport);  // as no destructor is to end it
              throwsForTheReport();
          },
-         "std::runtime_error: half\n"},
+         "std::runtime_error: half\n", ""},
     };
     for (const auto& [fail, text, inStack] : cases) {
         const testing::EndedChild ended = testing::endedChild([fail = fail]() noexcept {
@@ -61,18 +56,16 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
 }
 
 TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
-    const auto ended = [](bool isBlunt) {
-        return testing::endedChild([isBlunt]() noexcept {
+    for (const bool isBlunt : {false, true}) {
+        const testing::EndedChild ended = testing::endedChild([isBlunt]() noexcept {
             Blunt blunt;
             if (isBlunt) Symboliser::install(&blunt);
             std::set_terminate([] { ::_exit(5); });
             VLInstallTerminateHandler();
             throwsForTheReport();
         });
-    };
-    for (const bool isBlunt : {false, true}) {
-        EXPECT_TRUE(ended(isBlunt).hasExited(5));
-        EXPECT_THAT(ended(isBlunt).log, HasSubstr("half"));
+        EXPECT_TRUE(ended.hasExited(5));
+        EXPECT_THAT(ended.log, HasSubstr("half"));
     }
 }
 

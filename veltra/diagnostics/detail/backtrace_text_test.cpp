@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/detail/backtrace_text.h"
 
-#include <string>
-#include <vector>
+#include "veltra/base/testing/prelude.h"
 
 #include <gmock/gmock.h>
 
@@ -21,10 +20,7 @@ std::string linesOf(const std::vector<std::string>& names) {
 }
 
 std::string repeated(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i)
-        all += text;
-    return all;
+    return count == 0 ? "" : text + repeated(count - 1, text);
 }
 
 TEST(BacktraceLines, BeginAfterWhatOnlyRaisesAndEndWithMain) {
@@ -52,10 +48,10 @@ TEST(BacktraceLines, AreAHundredAndFiftyWithoutWhatWasLeftOut) {
     std::vector<std::string> names(7, "veltra::Exception::raise()");
     names.insert(names.end(), 150, "f");
     EXPECT_EQ(linesOf(names), repeated(150, "\tf\n"));
-    names.emplace_back("main");
-    EXPECT_EQ(linesOf(names), repeated(150, "\tf\n") + "\t...more...\n");
-    names.emplace_back("g");
-    EXPECT_EQ(linesOf(names), repeated(150, "\tf\n") + "\t...more...\n");
+    for (const char* more : {"main", "g"}) {
+        names.emplace_back(more);
+        EXPECT_EQ(linesOf(names), repeated(150, "\tf\n") + "\t...more...\n");
+    }
 }
 
 TEST(Calls, AreReadBackFromTheirText) {

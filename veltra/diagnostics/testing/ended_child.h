@@ -21,10 +21,9 @@ struct EndedChild {
     bool hasExited(int code) const { return WIFEXITED(status) && WEXITSTATUS(status) == code; }
 };
 
-// `body` runs in a forked child without core file, which exits with 0 when it returns. `meanwhile`
-// runs here, with the child's process id.
-template <typename Body, typename Meanwhile>
-EndedChild endedChild(Body body, Meanwhile meanwhile) {
+// `body` runs in a forked child without core file, which exits with 0 when it returns.
+template <typename Body>
+EndedChild endedChild(Body body) {
     const int file = ::memfd_create("log", 0);
     const pid_t child = ::fork();
     if (child == 0) {
@@ -35,18 +34,12 @@ EndedChild endedChild(Body body, Meanwhile meanwhile) {
         body();
         ::_exit(0);
     }
-    meanwhile(child);
     EndedChild ended;
     ::waitpid(child, &ended.status, 0);
     ended.log.resize(static_cast<std::size_t>(::lseek(file, 0, SEEK_END)));
     if (::pread(file, ended.log.data(), ended.log.size(), 0) < 0) ended.log = "unreadable";
     ::close(file);
     return ended;
-}
-
-template <typename Body>
-EndedChild endedChild(Body body) {
-    return endedChild(body, [](pid_t) {});
 }
 
 }  // namespace veltra::testing
