@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/string_compare.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/text_services.h"
-
-#include <ostream>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 
@@ -18,25 +14,21 @@ static std::ostream& operator<<(std::ostream& stream, const std::optional<TextRa
 
 namespace {
 
-constexpr CompareOption kCase = CompareOption::CaseInsensitive;
-constexpr CompareOption kLiteral = CompareOption::Literal;
-constexpr CompareOption kBackwards = CompareOption::Backwards;
-constexpr CompareOption kAnchored = CompareOption::Anchored;
-constexpr CompareOption kNumeric = CompareOption::Numeric;
+constexpr CompareOption kCase = CompareOption::CaseInsensitive, kLiteral = CompareOption::Literal,
+                        kBackwards = CompareOption::Backwards, kAnchored = CompareOption::Anchored,
+                        kNumeric = CompareOption::Numeric;
 
 bool hasForms() {
     return TextServices::current().decomposed(u"a").has_value();
 }
 
 TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
-    struct Case {
-        const char* text;
-        const char* sought;
+    const struct {
+        const char *text, *sought;
         CompareOptions options;
         std::optional<TextRange> range;
         bool needsForms = false;
-    };
-    const Case kCases[] = {
+    } kCases[] = {
         {"tape tape", "tape", {}, {{0, 4}}},
         {"tape tape", "tape", kBackwards, {{5, 4}}},
         {"tape tape", "ape", kAnchored, {}},
@@ -59,17 +51,12 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
         {"Cafe\xCC\x81 e", "e", kLiteral, {{3, 1}}},
         {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
         {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
-        {"STRASSE",
-         "stra\xC3\x9F"
-         "e",
-         kCase,
-         {{0, 7}},
-         true},
+        {"STRASSE", "stra\u00DFe", kCase, {{0, 7}}, true},
         {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
         {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
         {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true},
     };
-    for (const Case& one : kCases) {
+    for (const auto& one : kCases) {
         if (one.needsForms && !hasForms()) continue;
         EXPECT_EQ(find(one.text, one.sought, one.options), one.range)
             << one.text << " / " << one.sought;
@@ -77,14 +64,12 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
 }
 
 TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {
-    struct Case {
-        const char* one;
-        const char* other;
+    const struct {
+        const char *one, *other;
         CompareOptions options;
         bool isEqual;
         bool needsForms = false;
-    };
-    const Case kCases[] = {
+    } kCases[] = {
         {"", "", {}, true},
         {"a", "A", {}, false},
         {"a", "A", kCase, true},
@@ -103,7 +88,7 @@ TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {
         {"\xFF", "\xFE", {}, false},
         {"\xC3", "\xEF\xBF\xBD", {}, false},
     };
-    for (const Case& one : kCases) {
+    for (const auto& one : kCases) {
         if (one.needsForms && !hasForms()) continue;
         EXPECT_EQ(equals(one.one, one.other, one.options), one.isEqual) << one.one << one.other;
         EXPECT_EQ(equals(one.other, one.one, one.options), one.isEqual) << one.one << one.other;
