@@ -40,16 +40,13 @@ namespace {
 
 using List = CAddRemoveIterateList;
 
-struct Blocks {
-    int allocated, freed;
-    bool operator==(const Blocks&) const = default;
-};
+using Blocks = std::pair<int, int>;  // taken, and freed
 
 template <typename Call>
 Blocks blocksUsedBy(Call call) {
-    const Blocks before{allocated, freed};
+    const Blocks before(allocated, freed);
     call();
-    return {allocated - before.allocated, freed - before.freed};
+    return {allocated - before.first, freed - before.second};
 }
 
 char contexts[] = "abcd";  // a context is the letter that it points to
@@ -126,9 +123,8 @@ TEST(AddRemoveIterateList, ACallbackMayQueueAndMayThrow) {
 
 TEST(AddRemoveIterateList, InvalidRequestsAndWantOfMemoryAreAnsweredWithFalse) {
     List list;
-    EXPECT_FALSE(list.Add(nullptr, neverCalled));
-    EXPECT_FALSE(list.Add(contexts, nullptr));
-    EXPECT_FALSE(list.Remove(nullptr));
+    EXPECT_FALSE(list.Add(nullptr, neverCalled) || list.Add(contexts, nullptr) ||
+                 list.Remove(nullptr));
     memoryIsOut = true;
     const bool added = list.Add(contexts, neverCalled), removed = list.Remove(contexts);
     memoryIsOut = false;
