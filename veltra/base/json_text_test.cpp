@@ -59,8 +59,7 @@ TEST(JsonText, ReadsWhatOthersWriteAndRefusesWhatIsDamaged) {
         {R"({"$data":"Q==="})", Dictionary{{"$data", "Q==="}}},
         {R"({"$data":1})", Dictionary{{"$data", 1}}},
         {R"({"$real":"1"})", Dictionary{{"$real", "1"}}},
-        {R"({"b":1,"$real":"inf"})", Dictionary{{"$real", "inf"}, {"b", 1}}},
-    };
+        {R"({"b":1,"$real":"inf"})", Dictionary{{"$real", "inf"}, {"b", 1}}}};
     for (const auto& [text, value] : sound)
         EXPECT_EQ(dictionaryFromJson("{\"a\":" + text + '}'), (Dictionary{{"a", value}})) << text;
 

@@ -36,10 +36,9 @@ TEST(Environment, KernelReleasesCountAsWrittenAndAreReadOnce) {
     const struct {
         const char* release;
         int newer;  // how many of the four are true
-    } kCases[] = {
-        {"9.8.0", 3}, {"6.99", 0},    {"7", 1},  {"8.0", 2},     {"10.0", 4},        {"", 0},
-        {"v10", 0},   {"6.1-amd", 0}, {"-9", 0}, {"00010.2", 4}, {"99999999999", 4}, {"9x", 3},
-    };
+    } kCases[] = {{"9.8.0", 3}, {"6.99", 0},    {"7", 1},           {"8.0", 2},
+                  {"10.0", 4},  {"", 0},        {"v10", 0},         {"6.1-amd", 0},
+                  {"-9", 0},    {"00010.2", 4}, {"99999999999", 4}, {"9x", 3}};
     for (const auto& one : kCases) {
         testing::FakeSystemQueries queries;
         queries.setText(SystemKey::KernelRelease, one.release);

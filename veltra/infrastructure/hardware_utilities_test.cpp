@@ -34,15 +34,13 @@ TEST_F(HardwareUtilities, AnswersAreNumbersOfFourOrEightBytesThatSaturate) {
         std::uint64_t answer;
         std::uint32_t narrow, megahertz;
         std::int32_t code;
-    } kCases[] = {
-        {0, 0, 0, 0},
-        {1'999'999'999, 1'999'999'999, 1999, 1'999'999'999},
-        {0xCEE41549, 0xCEE41549, 3471, static_cast<std::int32_t>(0xCEE41549)},
-        {k32, UINT32_MAX, 4294, -1},
-        {k32 + 1, UINT32_MAX, 4294, 0},
-        {25'276'502'016, UINT32_MAX, 25'276, 0},
-        {UINT64_MAX, UINT32_MAX, UINT32_MAX, 0},
-    };
+    } kCases[] = {{0, 0, 0, 0},
+                  {1'999'999'999, 1'999'999'999, 1999, 1'999'999'999},
+                  {0xCEE41549, 0xCEE41549, 3471, static_cast<std::int32_t>(0xCEE41549)},
+                  {k32, UINT32_MAX, 4294, -1},
+                  {k32 + 1, UINT32_MAX, 4294, 0},
+                  {25'276'502'016, UINT32_MAX, 25'276, 0},
+                  {UINT64_MAX, UINT32_MAX, UINT32_MAX, 0}};
     constexpr SystemKey kKeys[] = {SystemKey::ProcessorCount,   SystemKey::ProcessorFrequency,
                                    SystemKey::MemorySize,       SystemKey::HasVectorUnit,
                                    SystemKey::HasFloatingPoint, SystemKey::ProcessorType,
@@ -78,21 +76,19 @@ TEST_F(HardwareUtilities, ProcessorsFallIntoSixClasses) {
     const struct {
         Number type, family, native, features;
         std::int32_t expected;
-    } kCases[] = {
-        {7, 0x426F69EF, {}, {}, 5},
-        {16777223, 0x426F69EF, {}, {}, 5},
-        {16777223, 0x73D67300, 400, 0x10, 4},
-        {7, 0x12345678, {}, {}, 6},
-        {7, {}, {}, {}, 6},
-        {18, 0x426F69EF, 313, 0x10, 3},
-        {18, {}, 312, 0x10, 2},
-        {18, {}, 312, 0xFFFFFFEF, 1},
-        {18, {}, {}, 0x30, 2},
-        {18, {}, {}, {}, 1},
-        {{}, 0x426F69EF, {}, {}, 1},
-        {16777234, {}, 0xFFFFFFFF, 0x10, 2},  // a number with its sign
-        {0x02000007, 0x426F69EF, {}, {}, 1},
-    };
+    } kCases[] = {{7, 0x426F69EF, {}, {}, 5},
+                  {16777223, 0x426F69EF, {}, {}, 5},
+                  {16777223, 0x73D67300, 400, 0x10, 4},
+                  {7, 0x12345678, {}, {}, 6},
+                  {7, {}, {}, {}, 6},
+                  {18, 0x426F69EF, 313, 0x10, 3},
+                  {18, {}, 312, 0x10, 2},
+                  {18, {}, 312, 0xFFFFFFEF, 1},
+                  {18, {}, {}, 0x30, 2},
+                  {18, {}, {}, {}, 1},
+                  {{}, 0x426F69EF, {}, {}, 1},
+                  {16777234, {}, 0xFFFFFFFF, 0x10, 2},  // a number with its sign
+                  {0x02000007, 0x426F69EF, {}, {}, 1}};
     for (const auto& one : kCases) {
         for (const auto& [key, number] : {std::pair(SystemKey::ProcessorType, one.type),
                                           {SystemKey::ProcessorFamily, one.family},
@@ -149,9 +145,8 @@ constinit SlotClass<> Listener::s_class("Listener", &QKHardwareUtilities::s_clas
 TEST_F(HardwareUtilities, DrivesCountByTheirNameAndAnewAndADerivedClassHasItsOwnInstance) {
     FakeDrives drives;
     const std::pair<const char*, bool> kCases[] = {
-        {"IODVDServices", true},  {"IOBDServices", true},   {"IOCDServices", false},   {"", false},
-        {"xIOBDServicesx", true}, {"iodvdservices", false}, {"IODVDService s", false},
-    };
+        {"IODVDServices", true},  {"IOBDServices", true},   {"IOCDServices", false},  {"", false},
+        {"xIOBDServicesx", true}, {"iodvdservices", false}, {"IODVDService s", false}};
     for (const auto& [name, counts] : kCases) {
         drives.drives = {{"sr0", "IOCDServices"}, {"sr1", name}};
         EXPECT_EQ(VLHardwareSystemHasDVDDrive(), counts) << name;
@@ -181,13 +176,11 @@ TEST_F(HardwareUtilities, TheReportTellsLimitsApartAndLeavesOutWhatIsUnknown) {
               bare.npos)
         << bare;
 
-    system.files = {
-        {"/proc/meminfo", "MemTotal: 4096 kB\nMemAvailable: 2048 kB\n"},
-        {"/proc/self/cgroup", "0::/a\n"},
-        {"/proc/self/mountinfo", "1 1 0:1 / /cg rw - cgroup2 x rw\n"},
-        {"/cg/a/memory.max", "1048576\n"},
-        {"/cg/a/memory.current", "524288\n"},
-    };
+    system.files = {{"/proc/meminfo", "MemTotal: 4096 kB\nMemAvailable: 2048 kB\n"},
+                    {"/proc/self/cgroup", "0::/a\n"},
+                    {"/proc/self/mountinfo", "1 1 0:1 / /cg rw - cgroup2 x rw\n"},
+                    {"/cg/a/memory.max", "1048576\n"},
+                    {"/cg/a/memory.current", "524288\n"}};
     system.limits.current = 3 << 20U;
     queries.set(SystemKey::ProcessorCount, 2U);
     queries.set(SystemKey::ProcessorFrequency, 1'999'999'999U);
@@ -202,14 +195,12 @@ TEST_F(HardwareUtilities, TheReportTellsLimitsApartAndLeavesOutWhatIsUnknown) {
     const std::string text = textOf(report).value_or("");
     VLStringRelease(report);
     removeReportSection(kSession);
-    for (const char* line : {
-             "processors: 2 in use, 1999 MHz, class 6, vector unit\n",
-             "memory of the machine: 4.0 MiB, available 2.0 MiB\n",
-             "memory of the control groups: limit 1.0 MiB, room 0.5 MiB\n",
-             "memory of the process: resident 1.0 MiB, virtual 2.0 MiB, address space 3.0 MiB\n",
-             "optical drives: IODVDServices\n",
-             "session: 48 tracks\n",
-         })
+    for (const char* line :
+         {"processors: 2 in use, 1999 MHz, class 6, vector unit\n",
+          "memory of the machine: 4.0 MiB, available 2.0 MiB\n",
+          "memory of the control groups: limit 1.0 MiB, room 0.5 MiB\n",
+          "memory of the process: resident 1.0 MiB, virtual 2.0 MiB, address space 3.0 MiB\n",
+          "optical drives: IODVDServices\n", "session: 48 tracks\n"})
         EXPECT_NE(text.find(line), text.npos) << line << text;
 }
 

@@ -76,20 +76,18 @@ TEST_F(DotAPI, EachMachineIsDetectedAndOfferedItsMenu) {
         ProcessorFeatures machine;
         int id;
         const char *release, *debug;
-    } rows[] = {
-        {powerPc(false, 0x0008), 5, "5", "456"},  // G3
-        {powerPc(false, std::nullopt), 5, "5", "456"},
-        {powerPc(true, 0x000C), 3, "35", "3456"},  // 7400
-        {powerPc(true, 0x0038), 3, "35", "3456"},
-        {powerPc(true, 0x8001), 3, "35", "3456"},  // 7450
-        {powerPc(true, 0x0039), 4, "45", "3456"},  // 970
-        {powerPc(true, 0x004B), 4, "45", "3456"},  // POWER8
-        {powerPc(true, std::nullopt), 4, "45", "3456"},
-        {x86(true, true), 1, "15", "0156"},
-        {x86(true, false), 0, "05", "056"},
-        {x86(false, false), 5, "5", "456"},
-        {ProcessorFeatures{}, 5, "5", "456"},
-    };
+    } rows[] = {{powerPc(false, 0x0008), 5, "5", "456"},  // G3
+                {powerPc(false, std::nullopt), 5, "5", "456"},
+                {powerPc(true, 0x000C), 3, "35", "3456"},  // 7400
+                {powerPc(true, 0x0038), 3, "35", "3456"},
+                {powerPc(true, 0x8001), 3, "35", "3456"},  // 7450
+                {powerPc(true, 0x0039), 4, "45", "3456"},  // 970
+                {powerPc(true, 0x004B), 4, "45", "3456"},  // POWER8
+                {powerPc(true, std::nullopt), 4, "45", "3456"},
+                {x86(true, true), 1, "15", "0156"},
+                {x86(true, false), 0, "05", "056"},
+                {x86(false, false), 5, "5", "456"},
+                {ProcessorFeatures{}, 5, "5", "456"}};
     for (const auto& row : rows) {
         for (const bool debug : {false, true}) {
             play(row.machine, debug);

@@ -16,8 +16,7 @@ constexpr detail::KernelVariant<Kernel> kVariants[] = {
      []() noexcept { return 512; }},
     {"vector", [](const ProcessorFeatures& features) noexcept { return features.altivec; },
      []() noexcept { return 128; }},
-    {"plain", detail::runsEverywhere, []() noexcept { return 1; }},
-};
+    {"plain", detail::runsEverywhere, []() noexcept { return 1; }}};
 
 TEST(Kernels, AFamilyIsPlainUntilTheBestThatRunsIsChosenAndUseReplacesItUntilUseBest) {
     detail::KernelChoice<Kernel> family("invented", kVariants);

@@ -126,13 +126,11 @@ TEST(Utf8Text, TheLegacyEncodingSubstitutesCutsAndTellsWhatWasLost) {
         std::size_t capacity;
         const char* expected;
         const char* lost;
-    } rows[] = {
-        {"caf\xC3\xA9 \xE2\x82\xAC", 9, "caf\x8E \xDB", ""},
-        {"\xCE\xA9\xE4\xB8\x80\xF0\x9F\x8E\xB5!", 9, "\xBD__!", "\xCE\xA9__!"},
-        {"caf\xC3\xA9", 4, "caf", "caf"},
-        {"\xC3", 9, "", ""},
-        {"a", 0, "", ""},
-    };
+    } rows[] = {{"caf\xC3\xA9 \xE2\x82\xAC", 9, "caf\x8E \xDB", ""},
+                {"\xCE\xA9\xE4\xB8\x80\xF0\x9F\x8E\xB5!", 9, "\xBD__!", "\xCE\xA9__!"},
+                {"caf\xC3\xA9", 4, "caf", "caf"},
+                {"\xC3", 9, "", ""},
+                {"a", 0, "", ""}};
     for (const auto& row : rows) {
         std::vector<char> text(row.capacity + 1, '#'), pascal = text, lostText(8);
         const VLString* const before = utf8_to_cfstring("before");

@@ -63,11 +63,9 @@ TEST(QtPort, LimitsHoldFromTheNextSizeOn) {
         Size minimum, maximum;
         QSize kept;       // by the limits alone
         QSize wish, got;  // by the next change
-    } rows[] = {
-        {{230, 50}, {900, 900}, {200, 100}, {210, 100}, {230, 100}},
-        {{0, 0}, {170, 900}, {230, 100}, {200, 100}, {170, 100}},
-        {{0, 0}, {900, 900}, {170, 100}, {300, 300}, {300, 300}},
-    };
+    } rows[] = {{{230, 50}, {900, 900}, {200, 100}, {210, 100}, {230, 100}},
+                {{0, 0}, {170, 900}, {230, 100}, {200, 100}, {170, 100}},
+                {{0, 0}, {900, 900}, {170, 100}, {300, 300}, {300, 300}}};
     for (const auto& row : rows) {
         window.setMinSize(row.minimum);
         window.setMaxSize(row.maximum);

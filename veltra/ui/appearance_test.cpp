@@ -21,8 +21,7 @@ TEST(SystemColors, TextCanBeReadOnEveryGround) {
     const std::pair<SystemColor, SystemColor> pairs[] = {
         {Label, WindowBackground},          {Label, ControlBackground},
         {SecondaryLabel, WindowBackground}, {SecondaryLabel, ControlBackground},
-        {Alert, WindowBackground},          {SelectedText, SelectedTextBackground},
-    };
+        {Alert, WindowBackground},          {SelectedText, SelectedTextBackground}};
     for (const Appearance appearance : {Appearance::Light, Appearance::Dark}) {
         for (const auto& [text, ground] : pairs) {
             const float one = luminance(systemColor(text, appearance)) + 0.05F;

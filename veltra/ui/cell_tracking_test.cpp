@@ -32,8 +32,7 @@ TEST(Tracking, EndsAsItsPolicySays) {
         {true, false, "d0 d1 w u1", "sddwu", true}, {true, true, "d0 d0 u0", "sddu", true},
         {false, false, "d0 d0 u0", "sddu", true},   {false, false, "d0 d1 u0", "sddx", false},
         {false, true, "d0 d0 u0", "sdx", false},    {false, true, "w u0", "swu", true},
-        {true, false, "o d0 o u0", "sdu", true},    {true, false, "d0 c u0", "sdx", false},
-    };
+        {true, false, "o d0 o u0", "sdu", true},    {true, false, "d0 c u0", "sdx", false}};
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 50}}));
     for (const auto& row : rows) {

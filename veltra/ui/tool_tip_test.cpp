@@ -22,8 +22,7 @@ TEST(ToolTips, GoWithTheirViewAndTheirText) {
         [](View& outer, View&) { outer.removeFromSuperview(); },
         [](View&, View& inner) { inner.takeFromSuperview().reset(); },
         [](View& outer, View&) { outer.setHidden(true); },
-        [&](View&, View&) { tip.closeToolTipWindow(); },
-    };
+        [&](View&, View&) { tip.closeToolTipWindow(); }};
     for (const auto& end : ends) {
         View& outer = root.addSubview(std::make_unique<View>(Rect{{10, 10}, {50, 50}}));
         View& inner = outer.addSubview(std::make_unique<View>(Rect{{5, 5}, {20, 20}}));

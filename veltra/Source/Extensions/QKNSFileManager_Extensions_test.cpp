@@ -62,13 +62,11 @@ TEST(FileManager, KnowsKindsOfItems) {
     const struct {
         const char* name;
         bool isLink, isFolder, isPackage;
-    } kCases[] = {
-        {"file.app", false, false, false},   {"Synth.VST3", false, true, true},
-        {"thing", false, true, true},        {"fake", false, true, false},
-        {".vst3", false, true, false},       {"link", true, true, false},
-        {"loop", true, false, false},        {"none", false, false, false},
-        {"file.app/x", false, false, false}, {"Synth.VST3/", false, true, true},
-    };
+    } kCases[] = {{"file.app", false, false, false},   {"Synth.VST3", false, true, true},
+                  {"thing", false, true, true},        {"fake", false, true, false},
+                  {".vst3", false, true, false},       {"link", true, true, false},
+                  {"loop", true, false, false},        {"none", false, false, false},
+                  {"file.app/x", false, false, false}, {"Synth.VST3/", false, true, true}};
     for (const auto& one : kCases) {
         EXPECT_EQ(isSymbolicLinkAtPath(folder / one.name), one.isLink) << one.name;
         EXPECT_EQ(isDirectoryAtPath(folder / one.name), one.isFolder) << one.name;

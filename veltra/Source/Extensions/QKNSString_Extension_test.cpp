@@ -29,13 +29,11 @@ TEST(String, ReadsTruthLeniently) {
 }
 
 TEST(String, IsEscapedForXmlOnce) {
-    constexpr const char* kPairs[][2] = {
-        {"<a & 'b'>", "&lt;a &amp; &apos;b&apos;&gt;"},
-        {"&amp;\"", "&amp;amp;&quot;"},
-        {"a\tb\nc\x7F\u0085\u00AD\u200B\uFEFF\U000E0041d", "abcd"},
-        {"\u00E9\uFF06\U0001F600", "\u00E9\uFF06\U0001F600"},
-        {"a\xFF\xE2\x82<", "a\uFFFD\uFFFD&lt;"},
-    };
+    constexpr const char* kPairs[][2] = {{"<a & 'b'>", "&lt;a &amp; &apos;b&apos;&gt;"},
+                                         {"&amp;\"", "&amp;amp;&quot;"},
+                                         {"a\tb\nc\x7F\u0085\u00AD\u200B\uFEFF\U000E0041d", "abcd"},
+                                         {"\u00E9\uFF06\U0001F600", "\u00E9\uFF06\U0001F600"},
+                                         {"a\xFF\xE2\x82<", "a\uFFFD\uFFFD&lt;"}};
     for (const auto& [text, xml] : kPairs)
         EXPECT_EQ(stringByConvertingToXML(text), xml);
 }

@@ -17,17 +17,15 @@ namespace fs = std::filesystem;
 TEST(Paths, HaveComponents) {
     const struct {
         const char *path, *first, *withoutOne, *withoutTwo;
-    } kCases[] = {
-        {"/a/b/c", "/", "/a/b", "/a"},
-        {"a/b", "a", "a", ""},
-        {"/a", "/", "/", "/"},
-        {"/", "/", "/", "/"},
-        {"", "", "", ""},
-        {"a", "a", "", ""},
-        {"//a//b//", "/", "//a", "/"},
-        {"a/b/c/", "a", "a/b", "a"},
-        {"///", "/", "/", "/"},
-    };
+    } kCases[] = {{"/a/b/c", "/", "/a/b", "/a"},
+                  {"a/b", "a", "a", ""},
+                  {"/a", "/", "/", "/"},
+                  {"/", "/", "/", "/"},
+                  {"", "", "", ""},
+                  {"a", "a", "", ""},
+                  {"//a//b//", "/", "//a", "/"},
+                  {"a/b/c/", "a", "a/b", "a"},
+                  {"///", "/", "/", "/"}};
     for (const auto& one : kCases) {
         EXPECT_EQ(firstPathComponent(one.path), one.first) << one.path;
         const auto without = stringByDeletingNumberOfLastPathComponents;
@@ -93,8 +91,7 @@ TEST(Paths, LeadThroughLinksAndAliases) {
         {"folder.desktop/take.wav", "real/in side/take.wav"},
         {"take.desktop/none/more", "real/in side/none/more"},
         {"link/none", "real/none"},
-        {"chain15.desktop", "real"},
-    };
+        {"chain15.desktop", "real"}};
     const auto resolve = [](const std::string& path) {
         return pathByResolvingSymlinksAndAliasesInPath(path).value_or("nothing");
     };

@@ -85,8 +85,7 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
         {"x://\uFB01x.de:", "x://fix.de:"},
         {"x://\u03C2.gr/", "x://xn--4xa.gr/"},
         {"x://\u65E5\u672C\u8A9E\u3002jp", "x://xn--wgv71a119e.jp"},
-        {"x://\uFF21\uFF22\uFF23.com", "x://abc.com"},
-    };
+        {"x://\uFF21\uFF22\uFF23.com", "x://abc.com"}};
     for (const auto& [url, converted] : kPairs)
         EXPECT_EQ(stringByConvertingToPunycode(url), converted);
     for (const char* const same :
@@ -113,8 +112,7 @@ TEST(UrlScheme, IsPrependedOnceAndEscapingKeepsWhatIsEscaped) {
         {"a:%%41%4%zz%4", "a:%%41%4%zz%4", "a:%25%41%254%25zz%254"},
         {"a:%4\u00E9#[\xFF]", "a:%4\u00E9#[\xFF]", "a:%254%C3%A9#%5B%FF%5D"},
         {"a:-_.!~*'();/?:@&=+$,#\"<>\\^`{|}", "a:-_.!~*'();/?:@&=+$,#\"<>\\^`{|}",
-         "a:-_.!~*'();/?:@&=+$,#%22%3C%3E%5C%5E%60%7B%7C%7D"},
-    };
+         "a:-_.!~*'();/?:@&=+$,#%22%3C%3E%5C%5E%60%7B%7C%7D"}};
     for (const auto& [text, completed, escaped] : kCases) {
         EXPECT_EQ(stringByPrependingURLScheme(text), completed);
         EXPECT_EQ(stringByConvertingToRFC2396(text), escaped);

@@ -28,34 +28,32 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
         CompareOptions options;
         std::optional<TextRange> range;
         bool needsForms = false;
-    } kCases[] = {
-        {"tape tape", "tape", {}, {{0, 4}}},
-        {"tape tape", "tape", kBackwards, {{5, 4}}},
-        {"tape tape", "ape", kAnchored, {}},
-        {"tape tape", "ape", kAnchored | kBackwards, {{6, 3}}},
-        {"tape", "tapes", kAnchored | kBackwards, {}},
-        {"tape", "TAPE", {}, {}},
-        {"tape", "", {}, {}},
-        {"", "a", kCase, {}},
-        {"aaa", "aa", kBackwards, {{1, 2}}},
-        {"Take 007", "TAKE 7", kCase | kNumeric, {}},
-        {"a tapE", "TaPe", kCase | kLiteral, {{2, 4}}},
-        {"a\xC3\xA9", "\xC3\xA9", kLiteral, {{1, 2}}},
-        {"a\xC3\xA9", "\xA9", kLiteral, {}},  // a byte is no part of a character
-        {"a\xC3\xA9\xFF", "\xFF", {}, {{3, 1}}},
-        {"a\xE2\x82z", "\x82", {}, {}},
-        {"Cafe\xCC\x81.wav", "CAF\xC3\x89", kCase, {{0, 6}}, true},
-        {"Caf\xC3\xA9.wav", "fe\xCC\x81.", {}, {{2, 4}}, true},
-        {"Cafe\xCC\x81", "e", {}, {}, true},
-        {"Cafe\xCC\x81 e", "e", {}, {{7, 1}}, true},
-        {"Cafe\xCC\x81 e", "e", kLiteral, {{3, 1}}},
-        {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
-        {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
-        {"STRASSE", "stra\u00DFe", kCase, {{0, 7}}, true},
-        {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
-        {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
-        {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true},
-    };
+    } kCases[] = {{"tape tape", "tape", {}, {{0, 4}}},
+                  {"tape tape", "tape", kBackwards, {{5, 4}}},
+                  {"tape tape", "ape", kAnchored, {}},
+                  {"tape tape", "ape", kAnchored | kBackwards, {{6, 3}}},
+                  {"tape", "tapes", kAnchored | kBackwards, {}},
+                  {"tape", "TAPE", {}, {}},
+                  {"tape", "", {}, {}},
+                  {"", "a", kCase, {}},
+                  {"aaa", "aa", kBackwards, {{1, 2}}},
+                  {"Take 007", "TAKE 7", kCase | kNumeric, {}},
+                  {"a tapE", "TaPe", kCase | kLiteral, {{2, 4}}},
+                  {"a\xC3\xA9", "\xC3\xA9", kLiteral, {{1, 2}}},
+                  {"a\xC3\xA9", "\xA9", kLiteral, {}},  // a byte is no part of a character
+                  {"a\xC3\xA9\xFF", "\xFF", {}, {{3, 1}}},
+                  {"a\xE2\x82z", "\x82", {}, {}},
+                  {"Cafe\xCC\x81.wav", "CAF\xC3\x89", kCase, {{0, 6}}, true},
+                  {"Caf\xC3\xA9.wav", "fe\xCC\x81.", {}, {{2, 4}}, true},
+                  {"Cafe\xCC\x81", "e", {}, {}, true},
+                  {"Cafe\xCC\x81 e", "e", {}, {{7, 1}}, true},
+                  {"Cafe\xCC\x81 e", "e", kLiteral, {{3, 1}}},
+                  {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
+                  {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
+                  {"STRASSE", "stra\u00DFe", kCase, {{0, 7}}, true},
+                  {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
+                  {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
+                  {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true}};
     for (const auto& one : kCases) {
         if (one.needsForms && !hasForms()) continue;
         EXPECT_EQ(find(one.text, one.sought, one.options), one.range)
@@ -86,8 +84,7 @@ TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {
         {"a\xCC\xA3\xCC\x81", "a\xCC\x81\xCC\xA3", {}, true, true},  // order of two accents
         {"\xFF", "\xFF", kCase, true},
         {"\xFF", "\xFE", {}, false},
-        {"\xC3", "\xEF\xBF\xBD", {}, false},
-    };
+        {"\xC3", "\xEF\xBF\xBD", {}, false}};
     for (const auto& one : kCases) {
         if (one.needsForms && !hasForms()) continue;
         EXPECT_EQ(equals(one.one, one.other, one.options), one.isEqual) << one.one << one.other;
