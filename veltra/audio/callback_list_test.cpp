@@ -30,8 +30,7 @@ TEST(CallbackList, ATicketIsSafeOncePassOneThatBeganAfterTheRemovalHasAppliedIt)
     const auto ticket = list.remove(&context);
     EXPECT_FALSE(ticket->isSafe());
     EXPECT_EQ(list.collect(), 0U);
-    EXPECT_TRUE(called(list).empty());
-    EXPECT_TRUE(ticket->isSafe());
+    EXPECT_TRUE(called(list).empty() && ticket->isSafe());
     EXPECT_EQ(list.collect() * 10 + list.collect(), 20U);
 
     struct Inner {

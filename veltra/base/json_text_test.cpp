@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/json_text.h"
 
-#include <limits>
-#include <random>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {

@@ -5,11 +5,8 @@
 
 #include <QShortcut>
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
-
-using testing::OnQt;
-using testing::Probe;
 
 // A view that edits numbers.
 class Editor final : public Probe {
@@ -68,4 +65,4 @@ TEST_F(OnQt, TheWheelTellsWhetherItIsFine) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

@@ -49,8 +49,8 @@ TEST(ToolTips, RestingOnesAreThoseAddedLast) {
     const auto high = tips.addToolTipRect({{10, 0}, {20, 20}}, &source, 3);
     EXPECT_EQ(tips.at({15, 5})->text, "73");
     EXPECT_EQ(tips.at({5, 5})->text, "low");
-    tips.removeToolTip(high);
-    tips.removeToolTip(99);
+    for (const auto tag : {high, high + 99})
+        tips.removeToolTip(tag);
     EXPECT_EQ(tips.at({15, 5})->text, "low");
     EXPECT_FALSE(tips.at({25, 5}));
     tips.removeToolTip(low);
