@@ -31,7 +31,8 @@ TEST(CallbackList, ATicketIsSafeOncePassOneThatBeganAfterTheRemovalHasAppliedIt)
     EXPECT_FALSE(ticket->isSafe());
     EXPECT_EQ(list.collect(), 0U);
     EXPECT_TRUE(called(list).empty() && ticket->isSafe());
-    EXPECT_EQ(list.collect() * 10 + list.collect(), 20U);
+    EXPECT_EQ(list.collect(), 2U);
+    EXPECT_EQ(list.collect(), 0U);
 
     struct Inner {
         List& list;

@@ -103,8 +103,7 @@ TEST(ColorManagement, SharesItsSpacesAndKeepsWhatColorsWereMadeOf) {
     EXPECT_EQ(VLGetUIRenderingIntent(), 3);
 
     const VLColor color = VLCreateRGBColor(0.25F, -1.0F, 7.0F, 0.5F);
-    EXPECT_EQ(color.space, rgb);
-    EXPECT_EQ(color.components[2], 7.0F);
+    EXPECT_TRUE(color.space == rgb && color.components[2] == 7.0F);
     const VLColor other = createCGColorWithAlpha(color, 0.75F);
     EXPECT_FALSE(VLColorIsEqual(color, other));
     EXPECT_TRUE(VLColorIsEqual(color, createCGColorWithAlpha(other, 0.5F)));

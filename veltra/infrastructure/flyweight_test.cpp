@@ -15,8 +15,7 @@ using B = testing::Value<1>;
 
 const std::atomic<int>& living = testing::LifeMark::s_living;
 
-class Flyweights : public ::testing::Test {
-protected:
+struct Flyweights : ::testing::Test {
     void SetUp() override { A::s_setUps = B::s_setUps = 0; }
     void TearDown() override {
         A::s_setUp = nullptr;
@@ -95,8 +94,7 @@ TEST_F(Flyweights, AreNotFoundHalfMade) {
         bare->init();
         ADD_FAILURE();
     } catch (const Exception& exception) {
-        EXPECT_EQ(exception.name(), "QKFlyweight");
-        EXPECT_EQ(exception.reason(), "-init: not the designated initializer");
+        EXPECT_STREQ(exception.what(), "QKFlyweight: -init: not the designated initializer");
     }
     bare->release();
 

@@ -11,8 +11,7 @@ namespace {
 using Family = ProcessorFeatures::Family;
 
 // A machine that the test invents, asked through the C functions, which hand on to the class.
-class DotAPI : public ::testing::Test {
-protected:
+struct DotAPI : ::testing::Test {
     static constexpr const char* kTexts[] = {"SSE optimizations",
                                              "SSE3 optimizations",
                                              "SSE optimizations",

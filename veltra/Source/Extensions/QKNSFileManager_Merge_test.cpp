@@ -222,25 +222,20 @@ TEST(MergePath, TellsWhatItLeavesOut) {
     const TemporaryFolder folder;
     const fs::path from = folder.path / "from";
     const fs::path to = folder.path / "to";
-    put(from / "file", "f");
-    put(from / "folder/inside", "i");
-    put(from / "linked/secret", "changed");
-    put(from / "plain/Contents/c", "package");
-    put(from / "z", "last");
+    for (const char* name : {"file", "folder/inside", "linked/secret", "plain/Contents/c", "z"})
+        put(from / name, "new");
     ::mkfifo((from / "pipe").c_str(), 0600);
     fs::create_symlink("loop", from / "loop");
-    put(to / "folder", "a file");
-    put(to / "file/kept", "in a folder");
-    put(to / "plain/mine", "not a package");
-    put(folder.path / "elsewhere/secret", "not to be touched");
+    for (const char* name : {"to/folder", "to/file/kept", "to/plain/mine", "elsewhere/secret"})
+        put(folder.path / name, "old");
     fs::create_directory_symlink(folder.path / "elsewhere", to / "linked");
     Log log;
     EXPECT_FALSE(mergePath(from.string(), to.string(), true, &log));
     EXPECT_EQ(log.counts,
               (std::map<Reason, int>{{Reason::KindsDiffer, 4}, {Reason::NotCopied, 1}}));
-    EXPECT_EQ(textOf(folder / "elsewhere/secret"), "not to be touched");
-    EXPECT_TRUE(fs::is_symlink(to / "loop") && textOf(to / "z") == "last");
-    EXPECT_TRUE(textOf(to / "folder") == "a file" && fs::exists(to / "plain/mine"));
+    EXPECT_EQ(textOf(folder / "elsewhere/secret"), "old");
+    EXPECT_TRUE(fs::is_symlink(to / "loop") && textOf(to / "z") == "new");
+    EXPECT_TRUE(textOf(to / "folder") == "old" && fs::exists(to / "plain/mine"));
 
     // Stopped, and paths that lead nowhere.
     const TemporaryFolder empty;

@@ -37,13 +37,12 @@ TEST(Paths, HaveComponents) {
         EXPECT_EQ(containsLastPathComponents(one.path, one.path), *one.path != '\0');
     }
     EXPECT_TRUE(containsLastPathComponents("/a/b/c", "b/c/"));
-    EXPECT_TRUE(containsLastPathComponents("/a", "/a"));
     for (const char* components : {"/c", "bb/c", "b", "x/a/b/c", "/a/b"})
         EXPECT_FALSE(containsLastPathComponents("/a/bb/b/c", components)) << components;
 
-    EXPECT_TRUE(containsPathComponent("/Users/Ann/x", "Ann"));
-    EXPECT_TRUE(containsPathComponent("/Users/ann/x", "ANN", CompareOption::CaseInsensitive));
-    EXPECT_TRUE(containsPathComponent("/Users", "/"));
+    EXPECT_TRUE(containsPathComponent("/Users/Ann/x", "Ann") &&
+                containsPathComponent("/Users/ann/x", "ANN", CompareOption::CaseInsensitive) &&
+                containsPathComponent("/Users", "/"));
     for (const char* component : {"", "An", "Ann/x", "ann", "Users/"})
         EXPECT_FALSE(containsPathComponent("/Users/Ann/x", component)) << component;
 
@@ -104,9 +103,7 @@ TEST(Paths, LeadThroughLinksAndAliases) {
                              "web.desktop", "bad.desktop", "nul.desktop", "program.desktop",
                              "large.desktop", "link.txt", "chain16.desktop", tooLong.c_str()})
         EXPECT_EQ(resolve(at + same), at + same);
-    EXPECT_EQ(resolve(""), "nothing");
-    EXPECT_EQ(resolve(std::string("/\0x", 3)), "nothing");
-    EXPECT_EQ(resolve("no such item"), (fs::current_path() / "no such item").string());
+    EXPECT_EQ(resolve("") + resolve(std::string("/\0x", 3)), "nothingnothing");
     std::string deep;
     while (deep.size() < 100'000)
         deep += "x/";
@@ -117,7 +114,8 @@ TEST(Paths, LeadThroughLinksAndAliases) {
     EXPECT_EQ(resolve("~"), at + "real");
     EXPECT_EQ(resolve("~/in side"), at + "real/in side");
     EXPECT_EQ(resolve("~root"), "/root");
-    EXPECT_EQ(resolve("~no such user/x"), (fs::current_path() / "~no such user/x").string());
+    for (const char* relative : {"no such item", "~no such user/x"})
+        EXPECT_EQ(resolve(relative), (fs::current_path() / relative).string());
     setEnvironment("HOME", home.empty() ? nullptr : home.c_str());
 }
 
