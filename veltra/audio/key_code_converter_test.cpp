@@ -103,10 +103,7 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
     const bool hasCapitals = TextServices::current().toUpper(u"\u00E4").has_value();
     using Keys = std::vector<std::pair<std::uint16_t, const char*>>;
-    const struct {
-        const char* layout;
-        Keys plain, dead;
-    } cases[] = {
+    const std::tuple<const char*, Keys, Keys> cases[] = {
         {"us", {{0x00, "a"}, {0x32, "`"}, {0x41, "."}, {0x7B, "\x1C"}, {0x4C, "\x03"}}, {}},
         {"us", {{0x38, ""}, {0x34, ""}, {0x80, ""}, {0xFFFF, ""}}, {}},
         {"de",
@@ -124,14 +121,14 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
         {"vn(us)", {}, {{0x2C, "\u25CC\u0309"}, {0x2F, "\u25CC\u0323"}}},
         {"vn(fr)", {}, {{0x2B, "\u25CC\u0323"}}},
         {"gr(polytonic)", {}, {{0x1E, "\u037A"}}}};
-    for (const auto& one : cases) {
-        use(one.layout);
+    for (const auto& [layout, plain, dead] : cases) {
+        use(layout);
         for (const bool isDead : {false, true})
-            for (const auto& [code, text] : isDead ? one.dead : one.plain) {
+            for (const auto& [code, text] : isDead ? dead : plain) {
                 bool isDeadKey = !isDead;
                 EXPECT_EQ(Converter::translateKeyCode(code, isDeadKey, false), text)
-                    << one.layout << code;
-                EXPECT_EQ(isDeadKey, isDead) << one.layout << code;
+                    << layout << code;
+                EXPECT_EQ(isDeadKey, isDead) << layout << code;
             }
     }
     use("de");

@@ -73,32 +73,30 @@ TEST_F(HardwareUtilities, AnswersAreNumbersOfFourOrEightBytesThatSaturate) {
 
 TEST_F(HardwareUtilities, ProcessorsFallIntoSixClasses) {
     using Number = std::optional<std::uint32_t>;
-    const struct {
-        Number type, family, native, features;
-        std::int32_t expected;
-    } kCases[] = {{7, 0x426F69EF, {}, {}, 5},
-                  {16777223, 0x426F69EF, {}, {}, 5},
-                  {16777223, 0x73D67300, 400, 0x10, 4},
-                  {7, 0x12345678, {}, {}, 6},
-                  {7, {}, {}, {}, 6},
-                  {18, 0x426F69EF, 313, 0x10, 3},
-                  {18, {}, 312, 0x10, 2},
-                  {18, {}, 312, 0xFFFFFFEF, 1},
-                  {18, {}, {}, 0x30, 2},
-                  {18, {}, {}, {}, 1},
-                  {{}, 0x426F69EF, {}, {}, 1},
-                  {16777234, {}, 0xFFFFFFFF, 0x10, 2},  // a number with its sign
-                  {0x02000007, 0x426F69EF, {}, {}, 1}};
-    for (const auto& one : kCases) {
-        for (const auto& [key, number] : {std::pair(SystemKey::ProcessorType, one.type),
-                                          {SystemKey::ProcessorFamily, one.family},
-                                          {SystemKey::NativeProcessorType, one.native},
-                                          {SystemKey::PowerPcFeatures, one.features}})
+    const std::tuple<Number, Number, Number, Number, std::int32_t> kCases[] = {
+        {7, 0x426F69EF, {}, {}, 5},
+        {16777223, 0x426F69EF, {}, {}, 5},
+        {16777223, 0x73D67300, 400, 0x10, 4},
+        {7, 0x12345678, {}, {}, 6},
+        {7, {}, {}, {}, 6},
+        {18, 0x426F69EF, 313, 0x10, 3},
+        {18, {}, 312, 0x10, 2},
+        {18, {}, 312, 0xFFFFFFEF, 1},
+        {18, {}, {}, 0x30, 2},
+        {18, {}, {}, {}, 1},
+        {{}, 0x426F69EF, {}, {}, 1},
+        {16777234, {}, 0xFFFFFFFF, 0x10, 2},  // a number with its sign
+        {0x02000007, 0x426F69EF, {}, {}, 1}};
+    for (const auto& [type, family, native, features, expected] : kCases) {
+        for (const auto& [key, number] : {std::pair(SystemKey::ProcessorType, type),
+                                          {SystemKey::ProcessorFamily, family},
+                                          {SystemKey::NativeProcessorType, native},
+                                          {SystemKey::PowerPcFeatures, features}})
             if (number) queries.set(key, *number);
         forget();
-        EXPECT_EQ(VLHardwareCpuType(), one.expected);
+        EXPECT_EQ(VLHardwareCpuType(), expected);
         queries.answers.clear();
-        EXPECT_EQ(VLHardwareCpuType(), one.expected);  // kept
+        EXPECT_EQ(VLHardwareCpuType(), expected);  // kept
     }
     EXPECT_EQ(VLHardwareCpuCount(), 0U);  // a failure is not kept
     for (const std::uint32_t count : {4U, 8U}) {

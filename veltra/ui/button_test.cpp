@@ -31,19 +31,16 @@ TEST(ButtonPress, ClaimsItsKeysAndKeepsItsState) {
     HostedView host(std::make_unique<Button>(Rect{{}, {60, 24}}, "Mute", ButtonCell::Kind::Toggle));
     auto& button = static_cast<Button&>(*host.window.contentView());
     host.window.makeFirstResponder(&button);
-    const struct {
-        char16_t key;
-        ModifierFlags flags;
-        bool isWanted;
-    } rows[] = {{u' ', {}, true},
-                {kReturnCharacter, kShiftKeyMask, true},
-                {u' ', kControlKeyMask, false},
-                {u'm', {}, false}};
-    for (const auto& row : rows) {
+    const std::tuple<char16_t, ModifierFlags, bool> rows[] = {
+        {u' ', {}, true},
+        {kReturnCharacter, kShiftKeyMask, true},
+        {u' ', kControlKeyMask, false},
+        {u'm', {}, false}};
+    for (const auto& [key, flags, isWanted] : rows) {
         Event event;
-        event.charactersIgnoringModifiers = row.key;
-        event.modifierFlags = row.flags;
-        EXPECT_EQ(host.window.wantsKey(event), row.isWanted) << row.flags.bits();
+        event.charactersIgnoringModifiers = key;
+        event.modifierFlags = flags;
+        EXPECT_EQ(host.window.wantsKey(event), isWanted) << flags.bits();
     }
     host.key(u' ');
     EXPECT_TRUE(button.isOn() && button.cell()->accessibilityIsFocused());

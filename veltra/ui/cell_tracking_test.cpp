@@ -25,8 +25,7 @@ struct Traced final : Cell {
 TEST(Tracking, EndsAsItsPolicySays) {
     const struct {
         bool untilMouseUp, stopsEarly;
-        const char* events;
-        const char* log;
+        const char *events, *log;
         bool succeeds;
     } rows[] = {
         {true, false, "d0 d1 w u1", "sddwu", true}, {true, true, "d0 d0 u0", "sddu", true},

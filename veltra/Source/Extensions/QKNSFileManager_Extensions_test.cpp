@@ -59,18 +59,16 @@ TEST(FileManager, KnowsKindsOfItems) {
     put(folder.path / ".vst3/x");
     fs::create_directory_symlink("thing", folder.path / "link");
     fs::create_symlink("loop", folder.path / "loop");
-    const struct {
-        const char* name;
-        bool isLink, isFolder, isPackage;
-    } kCases[] = {{"file.app", false, false, false},   {"Synth.VST3", false, true, true},
-                  {"thing", false, true, true},        {"fake", false, true, false},
-                  {".vst3", false, true, false},       {"link", true, true, false},
-                  {"loop", true, false, false},        {"none", false, false, false},
-                  {"file.app/x", false, false, false}, {"Synth.VST3/", false, true, true}};
-    for (const auto& one : kCases) {
-        EXPECT_EQ(isSymbolicLinkAtPath(folder / one.name), one.isLink) << one.name;
-        EXPECT_EQ(isDirectoryAtPath(folder / one.name), one.isFolder) << one.name;
-        EXPECT_EQ(isFilePackageAtPath(folder / one.name), one.isPackage) << one.name;
+    const std::tuple<const char*, bool, bool, bool> kCases[] = {
+        {"file.app", false, false, false},   {"Synth.VST3", false, true, true},
+        {"thing", false, true, true},        {"fake", false, true, false},
+        {".vst3", false, true, false},       {"link", true, true, false},
+        {"loop", true, false, false},        {"none", false, false, false},
+        {"file.app/x", false, false, false}, {"Synth.VST3/", false, true, true}};
+    for (const auto& [name, isLink, isFolder, isPackage] : kCases) {
+        EXPECT_EQ(isSymbolicLinkAtPath(folder / name), isLink) << name;
+        EXPECT_EQ(isDirectoryAtPath(folder / name), isFolder) << name;
+        EXPECT_EQ(isFilePackageAtPath(folder / name), isPackage) << name;
     }
     EXPECT_FALSE(isDirectoryAtPath("") || isDirectoryAtPath(std::string_view("/\0x", 3)));
     EXPECT_EQ(

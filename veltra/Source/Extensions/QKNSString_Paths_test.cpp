@@ -15,26 +15,25 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(Paths, HaveComponents) {
-    const struct {
-        const char *path, *first, *withoutOne, *withoutTwo;
-    } kCases[] = {{"/a/b/c", "/", "/a/b", "/a"},
-                  {"a/b", "a", "a", ""},
-                  {"/a", "/", "/", "/"},
-                  {"/", "/", "/", "/"},
-                  {"", "", "", ""},
-                  {"a", "a", "", ""},
-                  {"//a//b//", "/", "//a", "/"},
-                  {"a/b/c/", "a", "a/b", "a"},
-                  {"///", "/", "/", "/"}};
-    for (const auto& one : kCases) {
-        EXPECT_EQ(firstPathComponent(one.path), one.first) << one.path;
+    const std::tuple<const char*, const char*, const char*, const char*> kCases[] = {
+        {"/a/b/c", "/", "/a/b", "/a"},
+        {"a/b", "a", "a", ""},
+        {"/a", "/", "/", "/"},
+        {"/", "/", "/", "/"},
+        {"", "", "", ""},
+        {"a", "a", "", ""},
+        {"//a//b//", "/", "//a", "/"},
+        {"a/b/c/", "a", "a/b", "a"},
+        {"///", "/", "/", "/"}};
+    for (const auto& [path, first, withoutOne, withoutTwo] : kCases) {
+        EXPECT_EQ(firstPathComponent(path), first) << path;
         const auto without = stringByDeletingNumberOfLastPathComponents;
-        EXPECT_EQ(without(one.path, 1), one.withoutOne) << one.path;
-        EXPECT_EQ(without(one.path, 2), one.withoutTwo) << one.path;
-        EXPECT_EQ(without(one.path, INT32_MAX), *one.path == '/' ? "/" : "") << one.path;
+        EXPECT_EQ(without(path, 1), withoutOne) << path;
+        EXPECT_EQ(without(path, 2), withoutTwo) << path;
+        EXPECT_EQ(without(path, INT32_MAX), *path == '/' ? "/" : "") << path;
         for (const std::int32_t none : {0, -1, INT32_MIN})
-            EXPECT_EQ(without(one.path, none), one.path);
-        EXPECT_EQ(containsLastPathComponents(one.path, one.path), *one.path != '\0');
+            EXPECT_EQ(without(path, none), path);
+        EXPECT_EQ(containsLastPathComponents(path, path), *path != '\0');
     }
     EXPECT_TRUE(containsLastPathComponents("/a/b/c", "b/c/"));
     for (const char* components : {"/c", "bb/c", "b", "x/a/b/c", "/a/b"})
