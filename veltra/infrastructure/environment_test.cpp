@@ -124,13 +124,11 @@ TEST(Environment, BundlesAreFoldersAndNothingOutsideOfThemIsFound) {
     setResourceFolder({});
 }
 
-class Studio : public Object {
-public:
+struct Studio : Object {
     static PlainClass s_class;
     Class& classObject() const noexcept override { return s_class; }
 };
-class GreatStudio : public Studio {
-public:
+struct GreatStudio : Studio {
     static PlainClass s_class;
     Class& classObject() const noexcept override { return s_class; }
 };

@@ -130,8 +130,7 @@ TEST_F(HardwareUtilities, BootTimeNeedsEightBytesAndSizesSixteen) {
 }
 
 // Counts the names that it is told, and none of them.
-class Listener final : public QKHardwareUtilities {
-public:
+struct Listener final : QKHardwareUtilities {
     static SlotClass<> s_class;
     Class& classObject() const noexcept override { return s_class; }
     void _deviceAddedWithName(std::string_view name) override { told += name; }

@@ -12,8 +12,7 @@ namespace veltra {
 
 namespace {
 
-class Plain : public Object, public testing::LifeMark {
-public:
+struct Plain : Object, testing::LifeMark {
     static PlainClass s_class;
     Class& classObject() const noexcept override { return s_class; }
     void dealloc() override {

@@ -9,10 +9,10 @@
 
 namespace veltra {
 
-template class testing::Single<0>;  // whole, with their entries
-template class testing::Single<1>;
-template class testing::Single<2>;
-template class testing::Single<3>;
+template struct testing::Single<0>;  // whole, with their entries
+template struct testing::Single<1>;
+template struct testing::Single<2>;
+template struct testing::Single<3>;
 
 namespace {
 
