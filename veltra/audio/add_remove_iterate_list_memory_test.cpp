@@ -40,16 +40,13 @@ namespace {
 
 using List = CAddRemoveIterateList;
 
-struct Blocks {
-    int allocated, freed;
-    bool operator==(const Blocks&) const = default;
-};
+using Blocks = std::pair<int, int>;  // taken, and freed
 
 template <typename Call>
 Blocks blocksUsedBy(Call call) {
-    const Blocks before{allocated, freed};
+    const Blocks before(allocated, freed);
     call();
-    return {allocated - before.allocated, freed - before.freed};
+    return {allocated - before.first, freed - before.second};
 }
 
 char contexts[] = "abcd";  // a context is the letter that it points to
@@ -98,8 +95,7 @@ TEST(AddRemoveIterateList, ModifyTakesTheNewestFirstAndTellsWhetherTheListChange
     const auto node = [](int context, List::Callback callback, List::SEntry* next) {
         return new List::SEntry{next, &contexts[context], callback};
     };
-    EXPECT_FALSE(list.Modify(nullptr));
-    EXPECT_FALSE(list.Modify(node(0, List::RemoveMark, nullptr)));
+    EXPECT_FALSE(list.Modify(nullptr) || list.Modify(node(0, List::RemoveMark, nullptr)));
     EXPECT_TRUE(list.Modify(node(1, write<0>, node(0, write<0>, nullptr))));
     EXPECT_TRUE(list.Modify(node(2, List::RemoveMark, node(2, write<0>, nullptr))));
     std::string calls;
@@ -126,9 +122,8 @@ TEST(AddRemoveIterateList, ACallbackMayQueueAndMayThrow) {
 
 TEST(AddRemoveIterateList, InvalidRequestsAndWantOfMemoryAreAnsweredWithFalse) {
     List list;
-    EXPECT_FALSE(list.Add(nullptr, neverCalled));
-    EXPECT_FALSE(list.Add(contexts, nullptr));
-    EXPECT_FALSE(list.Remove(nullptr));
+    EXPECT_FALSE(list.Add(nullptr, neverCalled) || list.Add(contexts, nullptr) ||
+                 list.Remove(nullptr));
     memoryIsOut = true;
     const bool added = list.Add(contexts, neverCalled), removed = list.Remove(contexts);
     memoryIsOut = false;

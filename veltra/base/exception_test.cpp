@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/exception.h"
 
-#include <typeindex>
+#include "veltra/base/testing/prelude.h"
 
-#include <gtest/gtest.h>
+#include <typeindex>
 
 namespace veltra {
 namespace {

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/json_text.h"
 
-#include <limits>
-#include <random>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
 namespace {
@@ -59,8 +56,7 @@ TEST(JsonText, ReadsWhatOthersWriteAndRefusesWhatIsDamaged) {
         {R"({"$data":"Q==="})", Dictionary{{"$data", "Q==="}}},
         {R"({"$data":1})", Dictionary{{"$data", 1}}},
         {R"({"$real":"1"})", Dictionary{{"$real", "1"}}},
-        {R"({"b":1,"$real":"inf"})", Dictionary{{"$real", "inf"}, {"b", 1}}},
-    };
+        {R"({"b":1,"$real":"inf"})", Dictionary{{"$real", "inf"}, {"b", 1}}}};
     for (const auto& [text, value] : sound)
         EXPECT_EQ(dictionaryFromJson("{\"a\":" + text + '}'), (Dictionary{{"a", value}})) << text;
 

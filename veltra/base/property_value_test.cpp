@@ -57,8 +57,7 @@ TEST(PropertyValue, HoldsOnlyWellFormedText) {
         {"\x80z\xC0\xAF", "\uFFFDz\uFFFD\uFFFD"},
         {"\xE0\x9F\xBF\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
         {"\xE2\x82z\xF0\x9D\x84", "\uFFFDz\uFFFD"},
-        {"\xF4\x90\x80\x80\xF5\xFF", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
-    };
+        {"\xF4\x90\x80\x80\xF5\xFF", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"}};
     for (const auto& [text, repaired] : rows)
         EXPECT_EQ(PropertyValue(text), PropertyValue(repaired));
     const PropertyValue clash = Dictionary{{"\x80", 1}, {"\xFF", 2}, {"k", 3}};

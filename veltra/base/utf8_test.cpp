@@ -18,17 +18,15 @@ TEST(Utf8, DecodesExactlyWhatItEncodes) {
         const DecodedCharacter from8 = firstCharacter(std::string_view(bytes, utf8Length(code)));
         const DecodedCharacter from16 =
             firstCharacter(std::u16string_view(units, utf16Length(code)));
-        ASSERT_EQ(from8.isWellFormed, !isSurrogate) << static_cast<std::uint32_t>(code);
-        ASSERT_EQ(from16.isWellFormed, !isSurrogate) << static_cast<std::uint32_t>(code);
+        const auto number = static_cast<std::uint32_t>(code);
+        ASSERT_TRUE(from8.isWellFormed != isSurrogate && from16.isWellFormed != isSurrogate)
+            << number;
         if (isSurrogate) continue;
-        ASSERT_TRUE(from8.code == code && from8.length == utf8Length(code))
-            << static_cast<std::uint32_t>(code);
-        ASSERT_TRUE(from16.code == code && from16.length == utf16Length(code))
-            << static_cast<std::uint32_t>(code);
+        ASSERT_TRUE(from8.code == code && from8.length == utf8Length(code)) << number;
+        ASSERT_TRUE(from16.code == code && from16.length == utf16Length(code)) << number;
         for (std::size_t cut = 1; cut < utf8Length(code); ++cut) {
             const DecodedCharacter part = firstCharacter(std::string_view(bytes, cut));
-            ASSERT_TRUE(!part.isWellFormed && part.length == cut)
-                << static_cast<std::uint32_t>(code);
+            ASSERT_TRUE(!part.isWellFormed && part.length == cut) << number;
         }
     }
 }

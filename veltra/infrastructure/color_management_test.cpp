@@ -2,27 +2,15 @@
 #include "veltra/infrastructure/color_management.h"
 
 #include "veltra/base/string_object.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/infrastructure/calibrated_rgb_color.h"
 #include "veltra/infrastructure/detail/color_space.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
 #include "veltra/platform/resources.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdint>
-#include <filesystem>
 #include <fstream>
 #include <latch>
-#include <limits>
-#include <random>
-#include <span>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
@@ -41,8 +29,6 @@ const std::string kProfile(kGenericRgbProfile.begin(), kGenericRgbProfile.end())
 // A folder of resources, empty at first.
 struct Resources {
     Resources() { setResourceFolder(folder.path.string()); }
-    Resources(const Resources&) = delete;
-    Resources& operator=(const Resources&) = delete;
     ~Resources() { setResourceFolder({}); }
 
     void put(const std::string& name, const std::string& bytes) const {
@@ -75,13 +61,13 @@ TEST(ColorManagement, TheProfileTheFormulaAndTheLawOfTheSpaceAgree) {
         ASSERT_EQ(VLColorSpaceComponentCount(space), 3U);
         const double tolerance = space->transform != nullptr ? kTolerance : 1e-6;
         for (int step = 0; step < 11 * 11 * 11; ++step) {
-            const std::array<float, 3> parts{static_cast<float>(step % 11) / 10.0F,
-                                             static_cast<float>(step / 11 % 11) / 10.0F,
-                                             static_cast<float>(step / 121) / 10.0F};
-            const VLSrgbColor srgb = VLColorToSrgb({space, {parts[0], parts[1], parts[2]}, 0.5F});
-            ASSERT_NEAR(srgb.red, gammaToSrgb(parts[0]), tolerance);
-            ASSERT_NEAR(srgb.green, gammaToSrgb(parts[1]), tolerance);
-            ASSERT_NEAR(srgb.blue, gammaToSrgb(parts[2]), tolerance);
+            const auto part = [](int tenths) { return static_cast<float>(tenths) / 10.0F; };
+            const float red = part(step % 11), green = part(step / 11 % 11),
+                        blue = part(step / 121);
+            const VLSrgbColor srgb = VLColorToSrgb({space, {red, green, blue}, 0.5F});
+            ASSERT_NEAR(srgb.red, gammaToSrgb(red), tolerance);
+            ASSERT_NEAR(srgb.green, gammaToSrgb(green), tolerance);
+            ASSERT_NEAR(srgb.blue, gammaToSrgb(blue), tolerance);
             ASSERT_EQ(srgb.alpha, 0.5F);
         }
     }
@@ -98,10 +84,8 @@ TEST(ColorManagement, GreysAreNeutralAndOddNumbersBounded) {
         for (const VLSrgbColor& grey : {device, calibrated})
             EXPECT_TRUE(grey.red == grey.green && grey.red == grey.blue && grey.alpha == 1.0F);
     }
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-    const VLSrgbColor odd = VLColorToSrgb({&kCalibratedRgbByFormula, {kNaN, 7, -7}, kNaN});
-    EXPECT_EQ(odd.red + odd.blue + odd.alpha, 0.0F);
-    EXPECT_EQ(odd.green, 1.0F);
+    const VLSrgbColor odd = VLColorToSrgb({&kCalibratedRgbByFormula, {NAN, 7, -7}, NAN});
+    EXPECT_TRUE(odd.red == 0.0F && odd.green == 1.0F && odd.blue == 0.0F && odd.alpha == 0.0F);
     const VLSrgbColor none = VLColorToSrgb({nullptr, {1, 1, 1}, 1});
     EXPECT_EQ(none.red + none.green + none.blue + none.alpha, 0.0F);
 }
@@ -109,18 +93,17 @@ TEST(ColorManagement, GreysAreNeutralAndOddNumbersBounded) {
 TEST(ColorManagement, SharesItsSpacesAndKeepsWhatColorsWereMadeOf) {
     const VLColorSpace* const rgb = VLGetCalibratedRGB_CGColorSpace();
     const VLColorSpace* const white = VLGetCalibratedWhiteColorSpace();
-    EXPECT_EQ(spaceOf("VLGenericRGBProfile.icc"), rgb);
-    EXPECT_EQ(VLGetCalibratedRGB_NSColorSpace(), rgb);
-    EXPECT_EQ(musicAppsCalibratedRGBColorSpace(), rgb);
+    for (const VLColorSpace* same :
+         {spaceOf("VLGenericRGBProfile.icc"), VLGetCalibratedRGB_NSColorSpace(),
+          musicAppsCalibratedRGBColorSpace()})
+        EXPECT_EQ(same, rgb);
     EXPECT_EQ(musicAppsCalibratedWhiteColorSpace(), white);
-    EXPECT_TRUE(white == &kDeviceGray || white == &kCalibratedGray);
     EXPECT_EQ(VLColorSpaceComponentCount(white), 1U);
     EXPECT_EQ(VLColorSpaceComponentCount(nullptr), 0U);
     EXPECT_EQ(VLGetUIRenderingIntent(), 3);
 
     const VLColor color = VLCreateRGBColor(0.25F, -1.0F, 7.0F, 0.5F);
-    EXPECT_EQ(color.space, rgb);
-    EXPECT_EQ(color.components[2], 7.0F);
+    EXPECT_TRUE(color.space == rgb && color.components[2] == 7.0F);
     const VLColor other = createCGColorWithAlpha(color, 0.75F);
     EXPECT_FALSE(VLColorIsEqual(color, other));
     EXPECT_TRUE(VLColorIsEqual(color, createCGColorWithAlpha(other, 0.5F)));
@@ -149,10 +132,9 @@ TEST(ColorManagement, DamagedAndMisplacedProfilesMakeNoSpace) {
     resources.put("longer.icc", kProfile + '\0');
     std::filesystem::create_directory(resources.folder.path / "folder");
     resources.put("folder/inside.icc", kProfile);
-    for (const std::string& name :
-         {std::string("large.icc"), std::string("ink.icc"), std::string("longer.icc"),
-          std::string("missing.icc"), std::string(), std::string("."), std::string(".."),
-          std::string("folder"), std::string("folder/inside.icc"), std::string("ink.icc\0", 8)})
+    using namespace std::string_literals;
+    for (const std::string& name : {"large.icc"s, "ink.icc"s, "longer.icc"s, "missing.icc"s, ""s,
+                                    "."s, ".."s, "folder"s, "folder/inside.icc"s, "ink.icc\0"s})
         EXPECT_EQ(spaceOf(name), nullptr) << name;
     EXPECT_EQ(VLCreateCGColorSpaceFromResource(nullptr), nullptr);
     resources.put("ink.icc", kProfile);  // only what could be read is kept
@@ -179,19 +161,14 @@ TEST(ColorManagement, ThreadsThatMeetShareOneSpaceAndItsTransform) {
     const Resources resources;
     resources.put("shared.icc", kProfile);
     std::array<const VLColorSpace*, 4> spaces{};
-    std::vector<std::thread> threads;
     std::latch start(spaces.size());
-    for (const VLColorSpace*& space : spaces) {
-        threads.emplace_back([&space, &start] {
-            start.arrive_and_wait();
-            space = spaceOf("shared.icc");
-            for (float part = 0.0F; part <= 1.0F; part += 1.0F / 1024.0F)
-                ASSERT_NEAR(VLColorToSrgb({space, {part, part, part}, 1}).green, gammaToSrgb(part),
-                            kTolerance);
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    testing::onThreads(4, [&](std::size_t thread) {
+        start.arrive_and_wait();
+        const VLColorSpace* const space = spaces[thread] = spaceOf("shared.icc");
+        for (float part = 0.0F; part <= 1.0F; part += 1.0F / 1024.0F)
+            ASSERT_NEAR(VLColorToSrgb({space, {part, part, part}, 1}).green, gammaToSrgb(part),
+                        kTolerance);
+    });
     EXPECT_EQ(std::count(spaces.begin(), spaces.end(), spaces[0]), 4);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/environment.h"
 
+#include "veltra/base/string_object_text.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/infrastructure/application_object.h"
 #include "veltra/infrastructure/class_object.h"
 #include "veltra/infrastructure/detail/kernel_release.h"
@@ -13,24 +15,19 @@
 
 #include <fstream>
 
-#include <gtest/gtest.h>
-
 namespace veltra {
 namespace {
 
 // The text of a string object, which is released.
 std::string taken(const VLString* string) {
-    if (string == nullptr) return "null";
-    std::string text(VLStringCopyUtf8(string, nullptr, 0), '\0');
-    VLStringCopyUtf8(string, text.data(), text.size() + 1);
+    const std::string text = textOf(string).value_or("null");
     VLStringRelease(string);
     return text;
 }
 
 // A string object for as long as an expression lasts.
 struct Text {
-    explicit Text(std::string_view text)
-        : string(VLStringCreateWithUtf8(text.data(), text.size())) {}
+    explicit Text(std::string_view text) : string(createString(text)) {}
     ~Text() { VLStringRelease(string); }
     const VLString* string;
 };
@@ -39,19 +36,18 @@ TEST(Environment, KernelReleasesCountAsWrittenAndAreReadOnce) {
     const struct {
         const char* release;
         int newer;  // how many of the four are true
-    } kCases[] = {
-        {"9.8.0", 3}, {"6.99", 0},    {"7", 1},  {"8.0", 2},     {"10.0", 4},        {"", 0},
-        {"v10", 0},   {"6.1-amd", 0}, {"-9", 0}, {"00010.2", 4}, {"99999999999", 4}, {"9x", 3},
-    };
+    } kCases[] = {{"9.8.0", 3}, {"6.99", 0},    {"7", 1},           {"8.0", 2},
+                  {"10.0", 4},  {"", 0},        {"v10", 0},         {"6.1-amd", 0},
+                  {"-9", 0},    {"00010.2", 4}, {"99999999999", 4}, {"9x", 3}};
     for (const auto& one : kCases) {
         testing::FakeSystemQueries queries;
         queries.setText(SystemKey::KernelRelease, one.release);
         detail::forgetKernelMajorRelease();
         for (int round = 0; round < 2; ++round) {
-            const bool answers[] = {isPantherOrNewer(), isTigerOrNewer(), isLeopardOrNewer(),
-                                    isSnowLeopardOrNewer()};
-            for (int i = 0; i < 4; ++i)
-                EXPECT_EQ(answers[i], i < one.newer) << one.release;
+            int newer = 0;
+            for (const auto isOrNewer :
+                 {isPantherOrNewer, isTigerOrNewer, isLeopardOrNewer, isSnowLeopardOrNewer})
+                EXPECT_EQ(isOrNewer(), newer++ < one.newer) << one.release;
             EXPECT_EQ(queries.asked, 1);
             queries.setText(SystemKey::KernelRelease, "99");
         }
@@ -64,8 +60,8 @@ TEST(Environment, KernelReleasesCountAsWrittenAndAreReadOnce) {
 }
 
 TEST(Environment, StringObjectsSayWhatTheTextsSay) {
-    EXPECT_EQ(taken(QKOSVersion()), systemVersion());
-    EXPECT_EQ(taken(QKApplicationName()), applicationName());
+    EXPECT_EQ(taken(QKOSVersion()) + taken(QKApplicationName()),
+              systemVersion() + applicationName());
     EXPECT_FALSE(QKSetApplicationInformation(nullptr, "x") ||
                  QKSetApplicationInformation("x", nullptr));
     EXPECT_TRUE(QKSetApplicationInformation("CFBundleVersion", "12"));
@@ -84,20 +80,21 @@ TEST(Environment, BundlesAreFoldersAndNothingOutsideOfThemIsFound) {
     ASSERT_NE(bundle, nullptr);
     EXPECT_EQ(taken(QKBundlePath(bundle)), folder / "in");
     std::ofstream(folder / "in/a.txt") << 1;
-    const auto resource = [bundle](std::string_view name, std::optional<std::string> type) {
-        const Text text(type.value_or(""));
-        return taken(
-            QKBundlePathOfResource(bundle, Text(name).string, type ? text.string : nullptr));
+    using namespace std::string_view_literals;
+    const auto resource = [bundle](std::string_view name, std::string_view type) {
+        return taken(QKBundlePathOfResource(bundle, Text(name).string, Text(type).string));
     };
     EXPECT_EQ(resource("a", "txt"), folder / "in/a.txt");
-    EXPECT_EQ(resource("a.txt", std::nullopt), folder / "in/a.txt");
     EXPECT_EQ(resource("a.txt", ""), folder / "in/a.txt");
-    EXPECT_EQ(resource("../plain", std::nullopt), "null");
-    EXPECT_EQ(resource("conf", "d/../../plain"), "null");
-    EXPECT_EQ(resource("a", std::string("txt\0.png", 8)), "null");
-    EXPECT_EQ(taken(QKBundlePathOfResource(nullptr, Text("a").string, nullptr)), "null");
-    EXPECT_EQ(taken(QKBundlePathOfResource(bundle, nullptr, nullptr)), "null");
-    EXPECT_EQ(taken(QKBundlePath(nullptr)), "null");
+    EXPECT_EQ(taken(QKBundlePathOfResource(bundle, Text("a.txt").string, nullptr)),
+              folder / "in/a.txt");
+    EXPECT_EQ(
+        resource("../plain", "") + resource("conf", "d/../../plain") + resource("a", "txt\0.png"sv),
+        "nullnullnull");
+    EXPECT_EQ(taken(QKBundlePathOfResource(nullptr, Text("a").string, nullptr)) +
+                  taken(QKBundlePathOfResource(bundle, nullptr, nullptr)) +
+                  taken(QKBundlePath(nullptr)),
+              "nullnullnull");
     QKReleaseBundle(bundle);
     QKReleaseBundle(nullptr);
     for (const std::string& path :
@@ -122,19 +119,16 @@ TEST(Environment, BundlesAreFoldersAndNothingOutsideOfThemIsFound) {
     EXPECT_EQ(image("knob"), folder / "knob_pro.png");  // before knob.tiff
     std::filesystem::remove(folder / "knob_pro.png");
     EXPECT_EQ(image("knob"), folder / "knob.tiff");
-    EXPECT_EQ(image("plain"), "null");
-    EXPECT_EQ(image(""), "null");
-    EXPECT_EQ(taken(qk_pathOfQkoreBundleImage(nullptr)), "null");
+    EXPECT_EQ(image("plain") + image("") + taken(qk_pathOfQkoreBundleImage(nullptr)),
+              "nullnullnull");
     setResourceFolder({});
 }
 
-class Studio : public Object {
-public:
+struct Studio : Object {
     static PlainClass s_class;
     Class& classObject() const noexcept override { return s_class; }
 };
-class GreatStudio : public Studio {
-public:
+struct GreatStudio : Studio {
     static PlainClass s_class;
     Class& classObject() const noexcept override { return s_class; }
 };
@@ -146,15 +140,10 @@ TEST(Environment, TheProApplicationIsFoundByTheNameOfItsClass) {
     Object* const studio = GreatStudio::s_class.alloc();
     setApplicationObject(studio);
     EXPECT_FALSE(isRunningAsProApp());  // nobody knows the class yet
-    {
-        const ClassEntry entry(Studio::s_class);
-        EXPECT_TRUE(isRunningAsProApp());
-        setApplicationObject(nullptr);
-        EXPECT_FALSE(isRunningAsProApp());
-        setApplicationObject(studio);
-    }
-    EXPECT_FALSE(isRunningAsProApp());
+    const ClassEntry entry(Studio::s_class);
+    EXPECT_TRUE(isRunningAsProApp());
     setApplicationObject(nullptr);
+    EXPECT_FALSE(isRunningAsProApp());
     studio->release();
 }
 

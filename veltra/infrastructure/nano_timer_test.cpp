@@ -10,8 +10,7 @@
 namespace veltra {
 namespace {
 
-class QKNanoTimerTest : public ::testing::Test {
-protected:
+struct QKNanoTimerTest : ::testing::Test {
     void measure(QKNanoTimer& timer, std::int64_t nanoseconds) {
         timer.start();
         clocks.now += Nanoseconds(nanoseconds);

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/object.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/infrastructure/class_object.h"
 #include "veltra/infrastructure/monitor.h"
 #include "veltra/infrastructure/testing/counted_classes.h"
 #include "veltra/platform/run_loop.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <thread>
-
-#include <gtest/gtest.h>
-
 namespace veltra {
 
 namespace {
 
-class Plain : public Object, public testing::LifeMark {
-public:
+struct Plain : Object, testing::LifeMark {
     static PlainClass s_class;
     Class& classObject() const noexcept override { return s_class; }
     void dealloc() override {
@@ -33,12 +29,10 @@ const std::atomic<int>& living = testing::LifeMark::s_living;
 
 TEST(Objects, LiveAsLongAsTheyAreReferredTo) {
     Object* const object = Plain::s_class.alloc()->init();
-    EXPECT_EQ(object->retainCount(), 1u);
     EXPECT_EQ(object->retain(), object);
     EXPECT_EQ(object->retainCount(), 2u);
     EXPECT_EQ(object->copyWithZone(nullptr), nullptr);
-    EXPECT_TRUE(object->isEqual(object));
-    EXPECT_FALSE(object->isEqual(nullptr));
+    EXPECT_TRUE(object->isEqual(object) && !object->isEqual(nullptr));
     object->release();
     EXPECT_EQ(living, 1);
     object->release();
@@ -80,9 +74,7 @@ TEST(Classes, AreFoundByNameWhileTheyHaveAnEntry) {
     }
     EXPECT_EQ(Class::named("Late"), nullptr);
     EXPECT_EQ(Class::named(""), nullptr);
-
-    EXPECT_TRUE(late.isSubclassOf(late));
-    EXPECT_TRUE(late.isSubclassOf(Object::s_class));
+    EXPECT_TRUE(late.isSubclassOf(late) && late.isSubclassOf(Object::s_class));
     EXPECT_FALSE(Object::s_class.isSubclassOf(late));
 }
 
@@ -90,21 +82,17 @@ TEST(Monitors, LetOneThreadInAgainAndAgainAndOthersAfterIt) {
     constexpr int kThreads = 4;
     constexpr int kRounds = 20'000;
     int places[2] = {};
-    std::thread threads[kThreads];
-    for (int t = 0; t < kThreads; ++t)
-        threads[t] = std::thread([&places] {
-            for (int i = 0; i < kRounds; ++i) {
-                int& place = places[i % 2];
-                const InMonitor outer(&place);
-                {
-                    const InMonitor inner(&place);
-                    ++place;
-                }
-                ++place;  // still inside
+    testing::onThreads(kThreads, [&places](int) {
+        for (int i = 0; i < kRounds; ++i) {
+            int& place = places[i % 2];
+            const InMonitor outer(&place);
+            {
+                const InMonitor inner(&place);
+                ++place;
             }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+            ++place;  // still inside
+        }
+    });
     EXPECT_EQ(places[0] + places[1], 2 * kThreads * kRounds);
 
     // An exception leaves it; else the thread below would wait for ever.
@@ -126,27 +114,21 @@ TEST(Monitors, OfOtherThreadsAreFreeInAForkedChild) {
         while (!isOver)
             std::this_thread::yield();
     };
-    std::thread waiting;
-    {
-        const InMonitor ours(&places[0]);
-        std::thread first(hold, 1);
-        std::thread second(hold, 2);
-        waiting = std::thread([&places] { const InMonitor guard(&places[0]); });
-        while (held < 2)
-            std::this_thread::yield();
-        EXPECT_TRUE(testing::holdsInChild([&places] {
-            for (int round = 0; round < 2; ++round)
-                for (int& place : places) {
-                    const InMonitor guard(&place);
-                    const InMonitor again(&place);
-                }
-            return true;
-        }));
-        isOver = true;
-        first.join();
-        second.join();
-    }
-    waiting.join();
+    std::jthread waiting;
+    const InMonitor ours(&places[0]);
+    const std::jthread first(hold, 1), second(hold, 2);
+    waiting = std::jthread([&places] { const InMonitor guard(&places[0]); });
+    while (held < 2)
+        std::this_thread::yield();
+    EXPECT_TRUE(testing::holdsInChild([&places] {
+        for (int round = 0; round < 2; ++round)
+            for (int& place : places) {
+                const InMonitor guard(&place);
+                const InMonitor again(&place);
+            }
+        return true;
+    }));
+    isOver = true;
 }
 
 }  // namespace

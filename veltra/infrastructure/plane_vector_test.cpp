@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/plane_vector.h"
 
-#include <cmath>
-#include <limits>
-#include <random>
-
-#include <gtest/gtest.h>
+#include "veltra/base/testing/prelude.h"
 
 namespace veltra {
-
 namespace {
 
 bool areNear(QkVector left, QkVector right) {
@@ -38,9 +33,7 @@ TEST(PlaneVectors, KeepTheLawsOfThePlane) {
 
 TEST(PlaneVectors, HoldAtTheEdgesOfTheNumbers) {
     for (const QkVector null : {unitVector({0.0F, 0.0F}), vectorWithAdjustedLength({}, 5.0F)}) {
-        EXPECT_EQ(null.x, 0.0F);
-        EXPECT_EQ(null.y, 0.0F);
-        EXPECT_EQ(vectorAngle(null), 0.0F);
+        EXPECT_TRUE(null.x == 0.0F && null.y == 0.0F && vectorAngle(null) == 0.0F);
         EXPECT_EQ(vectorAngle(inverseVector(null)), 0.0F);
     }
     const float least = std::numeric_limits<float>::denorm_min();
@@ -52,5 +45,4 @@ TEST(PlaneVectors, HoldAtTheEdgesOfTheNumbers) {
 }
 
 }  // namespace
-
 }  // namespace veltra

@@ -2,19 +2,8 @@
 #include "veltra/infrastructure/progress_indicator.h"
 
 #include "veltra/base/string_object_text.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
@@ -27,37 +16,24 @@ void note(const std::string& call) {
     calls += call + ' ';
     if (const auto reaction = std::exchange(react, nullptr)) reaction();
 }
-void* handleOf(char name) {
-    static std::array<char, 128> handles;
-    return &handles[static_cast<unsigned char>(name)];
-}
-void* acquireA(const VLString* title, const void* identifier) {
-    note("+a:" + textOf(title).value_or("-") +
-         (identifier == kVLProgressIndicatorEmptyID ? ":empty" : ""));
-    return handleOf('a');
-}
-void* acquireB(const VLString* /*title*/, const void* /*identifier*/) {
-    note("+b");
-    return handleOf('b');
-}
-void releaseHandle(void* handle) {
-    note(handle == handleOf('a') ? "-a" : "-b");
-}
-std::int32_t setValue(void* /*handle*/, double value) {
-    note(std::isnan(value) ? "nan" : std::to_string(static_cast<int>(value)));
-    return static_cast<std::int32_t>(-value);
-}
-void setText(void* /*handle*/, const VLString* text) {
-    note(textOf(text).value_or("null"));
-}
 
-constexpr VLProgressIndicatorService kA{acquireA, releaseHandle, setValue, setText};
-constexpr VLProgressIndicatorService kB{acquireB, releaseHandle, nullptr, nullptr};
+using Service = VLProgressIndicatorService;
+char handleA, handleB;
+constexpr Service kA{[](const VLString* title, const void* identifier) -> void* {
+                         note("+a:" + textOf(title).value_or("-") +
+                              (identifier == kVLProgressIndicatorEmptyID ? ":empty" : ""));
+                         return &handleA;
+                     },
+                     [](void* handle) { note(handle == &handleA ? "-a" : "-b"); },
+                     [](void*, double value) {
+                         note(std::isnan(value) ? "nan" : std::to_string(static_cast<int>(value)));
+                         return static_cast<std::int32_t>(-value);
+                     },
+                     [](void*, const VLString* text) { note(textOf(text).value_or("null")); }};
+constexpr Service kB{[](const VLString*, const void*) -> void* { return note("+b"), &handleB; },
+                     kA.release, nullptr, nullptr};
 
-using Service = const VLProgressIndicatorService*;
-
-class ProgressIndicatorTest : public ::testing::Test {
-protected:
+struct ProgressIndicatorTest : ::testing::Test {
     ProgressIndicatorTest() { calls.clear(); }
     ~ProgressIndicatorTest() override {
         VLProvideProgressIndicatorService(nullptr);
@@ -65,6 +41,16 @@ protected:
         VLStringRelease(two);
     }
     static std::uint32_t references(const VLString* text) { return text->references.load(); }
+    // One of each service.
+    std::vector<VLProgressIndicator*> acquire(
+        std::initializer_list<const Service*> services) const {
+        std::vector<VLProgressIndicator*> indicators;
+        for (const Service* each : services) {
+            VLProvideProgressIndicatorService(each);
+            indicators.push_back(VLAcquireProgressIndicator(one, kVLProgressIndicatorEmptyID));
+        }
+        return indicators;
+    }
 
     testing::ManualRunLoop loop;
     const VLString* one = VLStringCreateWithCString("one");
@@ -85,21 +71,15 @@ TEST_F(ProgressIndicatorTest, LivesQuietlyWithoutAServiceAndKeepsItsTexts) {
     EXPECT_EQ(references(two), 1U);
     VLPostProgressIndicatorInfoText(record, two);
     VLReleaseProgressIndicator(record);
-    EXPECT_EQ(references(one), 1U);
-    EXPECT_EQ(references(two), 1U);
+    EXPECT_EQ(references(one) + references(two), 2U);
     EXPECT_EQ(calls, "");
 }
 
 TEST_F(ProgressIndicatorTest, KeepsTheCallbacksItWasAcquiredWithAndTakesNoHalfService) {
-    VLProgressIndicatorService noAcquire = kA;
+    Service noAcquire = kA, noRelease = kA;
     noAcquire.acquire = nullptr;
-    VLProgressIndicatorService noRelease = kA;
     noRelease.release = nullptr;
-    std::vector<VLProgressIndicator*> indicators;
-    for (const auto* each : std::array<Service, 6>{&kA, &noAcquire, &kB, &noRelease, &kA}) {
-        VLProvideProgressIndicatorService(each);
-        indicators.push_back(VLAcquireProgressIndicator(one, kVLProgressIndicatorEmptyID));
-    }
+    const auto indicators = acquire({&kA, &noAcquire, &kB, &noRelease, &kA, nullptr});
     EXPECT_EQ(std::exchange(calls, ""), "+a:one:empty +b +a:one:empty ");
     for (auto* const each : indicators) {
         const std::int32_t result = VLSetProgressIndicatorValue(each, 7.0);
@@ -142,8 +122,7 @@ TEST_F(ProgressIndicatorTest, CallbacksMayReplaceTheServiceAndReleaseIndicators)
     loop.advance(1.0);
     EXPECT_EQ(calls, "+a:- +a:- 1 -a +b -b 2 one -a ");
 
-    VLProvideProgressIndicatorService(&kA);
-    auto* const last = VLAcquireProgressIndicator(nullptr, nullptr);
+    auto* const last = acquire({&kA})[0];
     react = [last] { VLReleaseProgressIndicator(last); };
     VLSetProgressIndicatorInfoText(last, two);
     EXPECT_EQ(references(two), 1U);
@@ -154,36 +133,31 @@ TEST_F(ProgressIndicatorTest, PostsAreDeliveredOnceNewestFirstAndNotAfterTheRele
     auto* const record = VLAcquirePostedProgressIndicator(nullptr, nullptr);
     calls.clear();
     const RunLoop::ModeScope tracking(loop, RunLoopMode::EventTracking);
-    VLPostProgressIndicatorInfoText(record, one);
-    VLPostProgressIndicatorInfoText(record, two);
-    VLPostProgressIndicatorValue(record, 1.0);
-    VLPostProgressIndicatorValue(record, 2.0);
+    const auto delivered = [this] {
+        loop.advance(0.5);
+        return std::exchange(calls, "");
+    };
+    const auto post = [record](double value, const VLString* text) {
+        VLPostProgressIndicatorValue(record, value);
+        VLPostProgressIndicatorInfoText(record, text);
+    };
+    post(1.0, one);
+    post(2.0, two);
     EXPECT_EQ(references(one), 1U);
-    loop.advance(0.5);
-    EXPECT_EQ(std::exchange(calls, ""), "2 two ");
-
-    VLPostProgressIndicatorInfoText(record, nullptr);  // a text like any other
-    VLPostProgressIndicatorValue(record, std::numeric_limits<double>::quiet_NaN());
-    loop.advance(0.5);
-    EXPECT_EQ(std::exchange(calls, ""), "nan null ");
-
-    VLPostProgressIndicatorValue(record, 3.0);
-    VLPostProgressIndicatorInfoText(record, one);
+    EXPECT_EQ(delivered(), "2 two ");
+    post(NAN, nullptr);  // a text like any other
+    EXPECT_EQ(delivered(), "nan null ");
+    post(3.0, one);
     VLSetProgressIndicatorValue(record, 4.0);  // came later, so these stay
     VLSetProgressIndicatorInfoText(record, two);
-    loop.advance(0.5);
-    EXPECT_EQ(std::exchange(calls, ""), "4 two ");
-
+    EXPECT_EQ(delivered(), "4 two ");
     // A post that comes while the one before is handed over waits for the next turn.
     VLPostProgressIndicatorInfoText(record, one);
     react = [this, record] { VLPostProgressIndicatorInfoText(record, two); };
-    loop.advance(0.5);
-    EXPECT_EQ(std::exchange(calls, ""), "one two ");
-
+    EXPECT_EQ(delivered(), "one two ");
     VLPostProgressIndicatorValue(record, 5.0);
     VLReleaseProgressIndicator(record);
-    loop.advance(1.0);
-    EXPECT_EQ(calls, "5 -a ");
+    EXPECT_EQ(delivered(), "5 -a ");
     EXPECT_EQ(references(one) + references(two), 2U);
 }
 
@@ -202,11 +176,7 @@ TEST_F(ProgressIndicatorTest, DeliversByHandAtMostOnceInASixtieth) {
 }
 
 TEST_F(ProgressIndicatorTest, CancelsTheLivingIndicatorsOfAHandle) {
-    std::vector<VLProgressIndicator*> indicators;
-    for (const auto* each : std::array<Service, 4>{&kA, &kA, &kB}) {
-        VLProvideProgressIndicatorService(each);
-        indicators.push_back(VLAcquireProgressIndicator(nullptr, nullptr));
-    }
+    auto indicators = acquire({&kA, &kA, &kB, nullptr});
     const auto cancelledBy = [&](const void* handle) {
         VLCancelProgressIndicator(handle);
         std::string marks;
@@ -215,29 +185,26 @@ TEST_F(ProgressIndicatorTest, CancelsTheLivingIndicatorsOfAHandle) {
         return marks;
     };
     EXPECT_EQ(cancelledBy(nullptr), "----");
-    EXPECT_EQ(cancelledBy(handleOf('a')), "xx--");
+    EXPECT_EQ(cancelledBy(&handleA), "xx--");
     for (const std::size_t index : {1U, 3U, 0U}) {  // from the middle and from both ends
         VLReleaseProgressIndicator(indicators[index]);
         indicators[index] = nullptr;
     }
-    EXPECT_EQ(cancelledBy(handleOf('a')), "----");
-    EXPECT_EQ(cancelledBy(handleOf('b')), "--x-");
+    EXPECT_EQ(cancelledBy(&handleA), "----");
+    EXPECT_EQ(cancelledBy(&handleB), "--x-");
     VLReleaseProgressIndicator(indicators[2]);
 }
 
-struct Host {
+struct {
     std::vector<double> values;
     std::vector<std::string> texts;
     std::atomic<std::int64_t> direct{0};  // values below 0
-};
-Host host;
+} host;
 
 TEST_F(ProgressIndicatorTest, ManyThreadsAtOnceLoseNothingThatWasLast) {
-    constexpr int kThreads = 4;
-    constexpr int kRounds = 10'000;
-    constexpr int kNext = 100'000;  // from thread to thread
-    const VLProgressIndicatorService service{
-        [](const VLString*, const void*) { return handleOf('x'); }, [](void*) {},
+    constexpr int kThreads = 4, kRounds = 10'000, kNext = 100'000;  // from thread to thread
+    const Service service{
+        [](const VLString*, const void*) -> void* { return &handleA; }, [](void*) {},
         [](void*, double value) {
             if (value < 0.0) return static_cast<std::int32_t>(++host.direct > 0);
             host.values.push_back(value);
@@ -258,21 +225,20 @@ TEST_F(ProgressIndicatorTest, ManyThreadsAtOnceLoseNothingThatWasLast) {
             if (number % 64 != 0) continue;
             if (thread == 0) VLProvideProgressIndicatorService(&service);
             auto* const own = VLAcquireProgressIndicator(one, nullptr);
-            VLCancelProgressIndicator(handleOf('x'));
+            VLCancelProgressIndicator(&handleA);
             EXPECT_TRUE(VLProgressIndicatorIsCancelled(own));
             VLReleaseProgressIndicator(own);
         }
         --running;
     };
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int thread = 0; thread < kThreads; ++thread)
         threads.emplace_back(work, thread);
     for (std::size_t seconds = 1; running != 0; ++seconds) {
         loop.advance(1.0);
         ASSERT_LE(std::max(host.values.size(), host.texts.size()), 60 * seconds);
     }
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     loop.advance(1.0);
     // Of each thread they come in its order, none twice; the last one of all ends a thread.
     std::array<int, kThreads> before{};

@@ -2,30 +2,20 @@
 #include "veltra/infrastructure/singleton.h"
 
 #include "veltra/base/exception.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/infrastructure/testing/counted_classes.h"
 
-#include <set>
-#include <thread>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace veltra {
 
-namespace testing {
-
-template class Single<0>;  // whole, with their entries
-template class Single<1>;
-template class Single<2>;
-template class Single<3>;
-
-}  // namespace testing
+template struct testing::Single<0>;  // whole, with their entries
+template struct testing::Single<1>;
+template struct testing::Single<2>;
+template struct testing::Single<3>;
 
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
 using A = testing::Single<0>;
 using B = testing::Single<1>;
 using C = testing::Single<2>;
@@ -33,51 +23,46 @@ using D = testing::Single<3>;
 
 const std::atomic<int>& living = testing::LifeMark::s_living;
 
-std::vector<std::string> registeredNames() {
-    std::vector<std::string> names;
+std::string registered() {
+    std::string names;
     for (const QKSingleton::Living& one : QKSingleton::livingSingletons())
-        names.push_back(one.className);
+        names += one.className + ' ';
     return names;
 }
 
-class Singletons : public ::testing::Test {
-protected:
+struct Singletons : ::testing::Test {
     void SetUp() override { QKSingleton::releaseAllSingletons(); }
     void TearDown() override {
         A::s_init = nullptr;
         A::s_dealloc = B::s_dealloc = nullptr;
         QKSingleton::releaseAllSingletons();
         EXPECT_EQ(living, 0);
-        EXPECT_THAT(registeredNames(), IsEmpty());
+        EXPECT_EQ(registered(), "");
     }
 };
 
 TEST_F(Singletons, AreOneOfAClassAndNotCounted) {
     EXPECT_EQ(A::s_class.madeBy(), 0u);
     A* const one = A::sharedInstance();
-    ASSERT_NE(one, nullptr);
     EXPECT_EQ(A::sharedInstance(), one);
     EXPECT_EQ(A::s_class.alloc(), nullptr);
     EXPECT_NE(A::s_class.madeBy(), 0u);
     EXPECT_NE(static_cast<void*>(B::sharedInstance()), one);
 
     EXPECT_EQ(one->retainCount(), 4294967295u);
-    EXPECT_EQ(one->retain(), one);
-    EXPECT_EQ(one->autorelease(), one);
-    EXPECT_EQ(one->copyWithZone(nullptr), one);
-    for (int i = 0; i < 3; ++i)
-        one->release();
+    EXPECT_TRUE(one->retain() == one && one->autorelease() == one &&
+                one->copyWithZone(nullptr) == one);
+    one->release();
     EXPECT_TRUE(one->isAlive());
-    EXPECT_THAT(registeredNames(), ElementsAre("SingleA", "SingleB"));
+    EXPECT_EQ(registered(), "SingleA SingleB ");
 
     A::s_class.releaseSharedInstance();
     EXPECT_EQ(A::s_class.singleton(), nullptr);
     EXPECT_EQ(A::s_class.madeBy(), 0u);
-    EXPECT_EQ(living, 1);
-    EXPECT_THAT(registeredNames(), ElementsAre("SingleB"));
+    EXPECT_EQ(registered(), "SingleB ");
     A::s_class.releaseSharedInstance();  // of nothing
     EXPECT_NE(A::sharedInstance(), nullptr);
-    EXPECT_THAT(registeredNames(), ElementsAre("SingleA", "SingleB"));
+    EXPECT_EQ(living, 2);
 }
 
 [[gnu::noinline]] void asksFirst() {
@@ -93,8 +78,9 @@ TEST_F(Singletons, TellWhoAskedFirst) {
     EXPECT_EQ(QKSingleton::livingReport(),
               "SingleA: first asked for by " + A::s_class.makerName() + "\n");
 #if defined(VELTRA_BACKTRACE)
-    EXPECT_THAT(A::s_class.makerName(),
-                StartsWith("veltra::(anonymous namespace)::asksFirst() (singleton_test.cpp:"));
+    EXPECT_THAT(
+        A::s_class.makerName(),
+        ::testing::StartsWith("veltra::(anonymous namespace)::asksFirst() (singleton_test.cpp:"));
 #endif
     A::s_class.releaseSharedInstance();
     EXPECT_EQ(A::s_class.makerName(), "");
@@ -122,10 +108,9 @@ TEST_F(Singletons, ThatRefuseToBePreparedAreNotRegistered) {
         EXPECT_EQ(A::sharedInstance(), &self);  // the half-made object
         return nullptr;
     };
-    A* const unprepared = A::sharedInstance();
-    EXPECT_NE(unprepared, nullptr);
-    EXPECT_EQ(A::sharedInstance(), unprepared);
-    EXPECT_THAT(registeredNames(), IsEmpty());
+    EXPECT_NE(A::sharedInstance(), nullptr);
+    EXPECT_EQ(living, 1);
+    EXPECT_EQ(registered(), "");
     A::s_class.releaseSharedInstance();
 
     A::s_init = [](A&) -> Object* { throw 7; };
@@ -135,62 +120,48 @@ TEST_F(Singletons, ThatRefuseToBePreparedAreNotRegistered) {
 }
 
 TEST_F(Singletons, WithoutASlotSaySo) {
-    class Slotless final : public SingletonClass {
-    public:
+    struct Slotless final : SingletonClass {
         using SingletonClass::SingletonClass;
     };
     static constinit Slotless slotless("Slotless", &QKSingleton::s_class, nullptr);
-    const auto raised = [](auto&& call) {
+    const std::pair<void (*)(), const char*> calls[] = {
+        {[] { slotless.sharedInstance(); }, "ESSingleton: +singleton not implemented"},
+        {[] { slotless.setSingleton(nullptr); }, "ESSingleton: +setSingleton: not implemented"},
+        {[] { slotless.alloc(); }, "ESSingleton: +singleton not implemented"}};
+    for (const auto& [call, what] : calls) {
         try {
             call();
+            ADD_FAILURE() << what;
         } catch (const Exception& exception) {
-            return exception.name() + "|" + exception.reason();
+            EXPECT_STREQ(exception.what(), what);
         }
-        return std::string("nothing");
-    };
-    EXPECT_EQ(raised([] { slotless.sharedInstance(); }), "ESSingleton|+singleton not implemented");
-    EXPECT_EQ(raised([] { slotless.setSingleton(nullptr); }),
-              "ESSingleton|+setSingleton: not implemented");
-    EXPECT_EQ(raised([] { slotless.alloc(); }), "ESSingleton|+singleton not implemented");
+    }
 }
 
 // Eight threads make, use their own and release, and one tears all down again and again. Only its
 // own class's instance is used by a thread, and it alone releases that.
 TEST_F(Singletons, AreMadeOnceByManyThreads) {
     for (int round = 0; round < 200; ++round) {
-        std::set<A*> seen;
-        std::mutex lock;
-        std::vector<std::thread> threads;
-        for (int t = 0; t < 8; ++t)
-            threads.emplace_back([&] {
-                A* const one = A::sharedInstance();
-                EXPECT_TRUE(one->isAlive());
-                const std::scoped_lock guard(lock);
-                seen.insert(one);
-            });
-        for (std::thread& thread : threads)
-            thread.join();
-        EXPECT_EQ(seen.size(), 1u);
+        std::array<A*, 8> seen;
+        testing::onThreads(8, [&seen](std::size_t thread) {
+            seen[thread] = A::sharedInstance();
+            EXPECT_TRUE(seen[thread]->isAlive());
+        });
+        EXPECT_EQ(std::count(seen.begin(), seen.end(), A::sharedInstance()), 8);
         A::s_class.releaseSharedInstance();
     }
-    std::atomic<bool> isOver{false};
-    std::thread teardown([&isOver] {
-        while (!isOver)
-            QKSingleton::releaseAllSingletons();
-    });
-    const auto makeAndRelease = [](auto& classObject) {
-        for (int i = 0; i < 3000; ++i) {
-            classObject.sharedInstance();
-            classObject.releaseSharedInstance();
+    std::atomic<int> running{3};
+    SlotClass<>* const classes[] = {&B::s_class, &C::s_class, &D::s_class};
+    testing::onThreads(4, [&](int thread) {
+        if (thread == 3)
+            while (running > 0)
+                QKSingleton::releaseAllSingletons();
+        for (int i = 0; i < 3000 && thread < 3; ++i) {
+            classes[thread]->sharedInstance();
+            classes[thread]->releaseSharedInstance();
         }
-    };
-    std::thread b([&] { makeAndRelease(B::s_class); });
-    std::thread c([&] { makeAndRelease(C::s_class); });
-    makeAndRelease(D::s_class);
-    b.join();
-    c.join();
-    isOver = true;
-    teardown.join();
+        --running;
+    });
 }
 
 }  // namespace

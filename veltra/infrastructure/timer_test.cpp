@@ -21,8 +21,7 @@ struct Meter : Anchored {
     std::unique_ptr<QkTimer> timer;
 };
 
-class QkTimerTest : public ::testing::Test {
-protected:
+struct QkTimerTest : ::testing::Test {
     testing::ManualRunLoop loop;
 };
 
@@ -42,11 +41,10 @@ TEST_F(QkTimerTest, RunsInEveryModeFromStartToStopAndKeepsItsStoredInterval) {
     EXPECT_EQ(meter.ticks, "v");
     meter.timer->invalidate();
     meter.timer->start();
-    const RunLoop::ModeScope tracking(loop, RunLoopMode::EventTracking);
-    loop.advance(0.1);
-    EXPECT_EQ(meter.ticks, "vv");
-    const RunLoop::ModeScope panel(loop, RunLoopMode::ModalPanel);
-    loop.advance(0.1);
+    for (const RunLoopMode mode : {RunLoopMode::EventTracking, RunLoopMode::ModalPanel}) {
+        const RunLoop::ModeScope scope(loop, mode);
+        loop.advance(0.1);
+    }
     EXPECT_EQ(meter.ticks, "vvv");
     meter.timer->stop();
     EXPECT_FALSE(meter.timer->isActive() || loop.nextDeadline());

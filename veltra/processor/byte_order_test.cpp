@@ -26,8 +26,7 @@ TEST(ByteOrder, EachFormReversesItsGroupsAndNothingElse) {
         {"abcdefghijklmnopqrs", [](char* at) { PSwapWord(at, 0xFFFFFFFFU); }},
         {"abcdefghijklmnopqrs", [](char* at) { PSwapCopyLong(at, "1234", 0x80000001U); }},
         {"abcdefghijklmnopqrs", [](char* at) { PSwapCopyLong(at, nullptr, 1); }},
-        {"abcdefghijklmnopqrs", [](char*) { ProcessSwapIntel(nullptr, 1, 1, 8); }},
-    };
+        {"abcdefghijklmnopqrs", [](char*) { ProcessSwapIntel(nullptr, 1, 1, 8); }}};
     for (const auto& row : rows) {
         std::string text = "-abcdefghijklmnopqrs";
         row.swap(text.data() + 1);

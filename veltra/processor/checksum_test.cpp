@@ -40,10 +40,9 @@ TEST(Checksum, EveryVariantEqualsTheDefinitionAtEveryLengthAlignmentAndSplit) {
     std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<unsigned char>(random()); });
     for (const Family& family : kFamilies) {
         std::vector<std::pair<std::size_t, std::size_t>> ranges;  // offset, length
-        for (std::size_t length = 0; length <= 300; ++length) {
+        for (std::size_t length = 0; length <= 300; ++length)
             for (std::size_t step = 0; step < 8; ++step)
                 ranges.emplace_back((length * 5 + step * 9) % 64, length);
-        }
         for (std::size_t length = 301; length <= 2'300; length += 1 + random() % 7)
             ranges.emplace_back(random() % 64, length);
         ranges.insert(ranges.end(), {{3, 65'535}, {0, 65'536}, {64, 69'936}});
@@ -70,14 +69,12 @@ TEST(Checksum, EveryVariantEqualsTheDefinitionAtEveryLengthAlignmentAndSplit) {
 
 TEST(Checksum, PublishedValuesAndTheAnswersToNothing) {
     EXPECT_EQ(QKCRC16("123456789"), 0xE5CCU);
-    EXPECT_EQ(QKCRC16(""), 0x1D0FU);
-    EXPECT_EQ(QKCRC16(nullptr), 0x1D0FU);
+    EXPECT_TRUE(QKCRC16("") == 0x1D0FU && QKCRC16(nullptr) == 0x1D0FU);
     const std::string longest(65'535, 'v');
     EXPECT_EQ(QKCRC16(longest.c_str()), QKCRC16((longest + '\0' + "more").c_str()));
     EXPECT_EQ(QKCRC16((longest + "v").c_str()), QKCRC16((longest + "v, and more").c_str()));
     EXPECT_NE(QKCRC16(longest.c_str()), QKCRC16((longest + "v").c_str()));
 
-    EXPECT_EQ(QKCRC32(0, "123456789", 9), 0xCBF43926U);
     EXPECT_EQ(QKCRC32(QKCRC32(0, "1234", 4), "56789", 5), 0xCBF43926U);
     EXPECT_EQ(QKCRC32(0x12345678, "", 0), 0x12345678U);
     EXPECT_EQ(QKCRC32(0x12345678, nullptr, 9), 0U);

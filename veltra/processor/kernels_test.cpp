@@ -16,8 +16,7 @@ constexpr detail::KernelVariant<Kernel> kVariants[] = {
      []() noexcept { return 512; }},
     {"vector", [](const ProcessorFeatures& features) noexcept { return features.altivec; },
      []() noexcept { return 128; }},
-    {"plain", detail::runsEverywhere, []() noexcept { return 1; }},
-};
+    {"plain", detail::runsEverywhere, []() noexcept { return 1; }}};
 
 TEST(Kernels, AFamilyIsPlainUntilTheBestThatRunsIsChosenAndUseReplacesItUntilUseBest) {
     detail::KernelChoice<Kernel> family("invented", kVariants);
@@ -30,13 +29,10 @@ TEST(Kernels, AFamilyIsPlainUntilTheBestThatRunsIsChosenAndUseReplacesItUntilUse
     EXPECT_EQ(family.current()(), 1);
     family.useBest();
     EXPECT_EQ(family.current()(), 128);
-    EXPECT_FALSE(family.use("wide"));
-    EXPECT_FALSE(family.use("none"));
+    EXPECT_FALSE(family.use("wide") || family.use("none"));
     EXPECT_STREQ(family.inForce(), "vector");
-    EXPECT_TRUE(family.use("plain"));
-    EXPECT_EQ(family.current()(), 1);
+    EXPECT_TRUE(family.use("plain") && family.current()() == 1);
     EXPECT_STREQ(family.inForce(), "plain");
-
     EXPECT_NE(ProcessorFeatures::install([]() noexcept { return ProcessorFeatures{}; }), nullptr);
     family.useBest();
     EXPECT_EQ(family.current()(), 1);

@@ -60,10 +60,9 @@ Bytes integersOf(Form form, const Floats& floats) {
 // With every sign, and among others every infinity, NaN and denormal.
 Floats everyExponent() {
     Floats floats;
-    for (std::uint32_t top = 0; top < 0x200; ++top) {
+    for (std::uint32_t top = 0; top < 0x200; ++top)
         for (std::uint32_t low : {0U, 1U, 0x100U, 0x2AAAAAU, 0x400000U, 0x7FFF00U, 0x7FFFFFU})
             floats.push_back(std::bit_cast<float>(top << 23 | low));
-    }
     return floats;
 }
 
@@ -81,10 +80,9 @@ void withEveryVariant(KernelFamily& family, Run run) {
 TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClippedInteger) {
     const Floats floatsOfAllKinds = everyExponent();
     const auto expectExact = [&](const Form form) {
-        for (const std::size_t run : {64U, 8192U}) {
+        for (const std::size_t run : {64U, 8192U})
             EXPECT_EQ(fromFloats(form, floatsOfAllKinds, run), integersOf(form, floatsOfAllKinds))
                 << form.format;
-        }
         const int bits = 8 * form.format;
         const std::int64_t half = std::int64_t{1} << (bits - 1);
         const std::int64_t step = bits == 32 ? 4099 : 1;
@@ -105,15 +103,37 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
                      [&] { std::for_each(kIntegers.begin(), kIntegers.end(), expectExact); });
 }
 
+// All 2^32 floats and 32-bit samples, in runs that take either way. Takes minutes:
+//     veltra_processor_test --gtest_also_run_disabled_tests --gtest_filter=*EveryPattern*
+TEST(SampleConversion, DISABLED_EveryPatternIsConvertedAlikeByEveryVariant) {
+    Bytes stream(4 * 4096);
+    for (std::uint64_t first = 0; first < 1ULL << 32; first += 4096) {
+        for (std::uint32_t i = 0; i < 4096; ++i) {
+            const std::uint32_t pattern = static_cast<std::uint32_t>(first) + i;
+            std::memcpy(&stream[i * sizeof pattern], &pattern, sizeof pattern);
+        }
+        const Floats floats = toFloats(kFloat, stream);
+        for (const Form form : kIntegers) {
+            ASSERT_TRUE(detail::sampleKernels.use("plain"));
+            const Bytes expected = fromFloats(form, floats);
+            const Bytes samples = fromFloats(kFloat, toFloats(form, stream));
+            withEveryVariant(detail::sampleKernels, [&] {
+                for (const std::size_t run : {128U, 4096U})
+                    ASSERT_EQ(fromFloats(form, floats, run), expected) << form.format << first;
+                ASSERT_EQ(fromFloats(kFloat, toFloats(form, stream)), samples) << form.format;
+            });
+        }
+    }
+}
+
 // Bits of floats, halves of their distance and the neighbours of both, below and above the floats.
 std::vector<double> doublesOfAllKinds() {
     std::vector<double> doubles;
-    for (std::uint64_t top = 0; top < 0x1000; ++top) {
+    for (std::uint64_t top = 0; top < 0x1000; ++top)
         for (const std::uint64_t low :
              {0x0ULL, 0x1ULL, 0xFFFFFFFULL, 0x10000000ULL, 0x10000001ULL, 0x30000000ULL,
               0x8000000000000ULL, 0xFFFFFEFFFFFFFULL, 0xFFFFFF0000000ULL, 0xFFFFFFFFFFFFFULL})
             doubles.push_back(std::bit_cast<double>(top << 52 | low));
-    }
     return doubles;
 }
 
@@ -162,16 +182,14 @@ TEST(SampleConversion, NoSettingOfTheThreadsArithmeticChangesABitOrIsChanged) {
             const auto from = GetConvertFloatToN(form.format, form.swapped);
             for (const FloatMode& mode : kFloatModes) {
                 Bytes bytes(expectedBytes.size()), ofFloats(expectedFloats.size());
-                bool isUntouched = false;
-                {
+                const bool isUntouched = [&] {
                     const InFloatMode inMode(mode);
                     from(bytes.data(), floats.data(), floats.size(), nullptr);
                     to(reinterpret_cast<float*>(ofFloats.data()), stream.data(),
                        stream.size() / form.size(), nullptr);
-                    isUntouched = inMode.isUntouched();
-                }
-                EXPECT_TRUE(isUntouched) << form.format << " mode " << &mode - kFloatModes;
-                EXPECT_TRUE(bytes == expectedBytes && ofFloats == expectedFloats)
+                    return inMode.isUntouched();
+                }();
+                EXPECT_TRUE(isUntouched && bytes == expectedBytes && ofFloats == expectedFloats)
                     << form.format << " mode " << &mode - kFloatModes;
             }
         });
@@ -228,14 +246,12 @@ void expectAgreement(Form form, std::size_t count, bool stereo, bool inPlace) {
 }
 
 TEST(SampleConversion, TwoChannelsAndInPlaceAgreeWithOneChannelAndNothingElseIsWritten) {
-    for (const Form form : kForms) {
-        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U, 255U, 256U, 257U, 1000U}) {
+    for (const Form form : kForms)
+        for (const std::size_t count : {0U, 1U, 2U, 5U, 64U, 255U, 256U, 257U, 1000U})
             for (const int shape : {0, 1, 2, 3}) {
                 SCOPED_TRACE(::testing::Message() << form.format << form.swapped << count << shape);
                 expectAgreement(form, count, shape / 2 != 0, shape % 2 != 0);
             }
-        }
-    }
 }
 
 TEST(SampleConversion, UnknownFormatsAndNullBuffersDoNothing) {

@@ -62,21 +62,17 @@ TEST(Utf8Text, TextsLongerThanThePiecesOfACopyAreCopiedWhole) {
 }
 
 TEST(Utf8Text, AFileNameIsWrittenWholeOrNotAtAll) {
-    const struct {
-        const char* source;
-        std::size_t capacity;
-        int result;
-        const char* expected;
-    } rows[] = {{"caf\xC3\xA9", 6, 1, "caf\xC3\xA9"},
-                {"caf\xC3\xA9", 5, 0, ""},
-                {"", 1, 1, ""},
-                {"a\xC3", 6, 0, ""},
-                {"\xED\xA0\x80", 6, 0, ""},
-                {"a", 0, 0, "######"}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, std::size_t, int, const char*> rows[] = {
+        {"caf\xC3\xA9", 6, 1, "caf\xC3\xA9"},
+        {"caf\xC3\xA9", 5, 0, ""},
+        {"", 1, 1, ""},
+        {"a\xC3", 6, 0, ""},
+        {"\xED\xA0\x80", 6, 0, ""},
+        {"a", 0, 0, "######"}};
+    for (const auto& [source, capacity, result, expected] : rows) {
         char name[] = "######";
-        EXPECT_EQ(utf8_to_fileSystemRepresentation(name, row.source, row.capacity), row.result);
-        EXPECT_STREQ(name, row.expected) << row.source;
+        EXPECT_EQ(utf8_to_fileSystemRepresentation(name, source, capacity), result);
+        EXPECT_STREQ(name, expected) << source;
     }
 }
 
@@ -93,9 +89,8 @@ TEST(Utf8Text, NullAndNoRoomHaveNeutralAnswers) {
 }
 
 TEST(Utf8Text, AStringObjectIsCutByUnitsAndThenByWholeCharacters) {
-    const std::string e = "\xC3\xA9", note = "\xF0\x9F\x8E\xB5";
-    for (const std::string& text :
-         {"ab" + note, e + note, e + e + note, note + note, "a" + note + e})
+    const std::string e = "\u00E9", note = "\U0001F3B5";
+    for (const std::string& text : {e + note, e + e + note, note + note, "a" + note + e})
         ASSERT_EQ(brokenLaw(text), "") << PrintToString(text);
     char buffer[4];
     const VLString* string = utf8_to_nsstring(("ab" + note).c_str());
@@ -121,34 +116,27 @@ TEST(Utf8Text, TheLogGetsTheTextAsItStandsOrTheComplaint) {
 TEST(Utf8Text, TheLegacyEncodingSubstitutesCutsAndTellsWhatWasLost) {
     const TextServices& services = TextServices::current();
     if (!services.fromLegacy("a")) GTEST_SKIP() << "no legacy converter";
-    const struct {
-        const char* source;
-        std::size_t capacity;
-        const char* expected;
-        const char* lost;
-    } rows[] = {
+    const std::tuple<const char*, std::size_t, std::string_view, std::string_view> rows[] = {
         {"caf\xC3\xA9 \xE2\x82\xAC", 9, "caf\x8E \xDB", ""},
         {"\xCE\xA9\xE4\xB8\x80\xF0\x9F\x8E\xB5!", 9, "\xBD__!", "\xCE\xA9__!"},
         {"caf\xC3\xA9", 4, "caf", "caf"},
         {"\xC3", 9, "", ""},
-        {"a", 0, "", ""},
-    };
-    for (const auto& row : rows) {
-        std::vector<char> text(row.capacity + 1, '#'), pascal = text, lostText(8);
+        {"a", 0, "", ""}};
+    for (const auto& [source, capacity, expected, expectedLost] : rows) {
+        std::vector<char> text(capacity + 1, '#'), pascal = text, lostText(8);
         const VLString* const before = utf8_to_cfstring("before");
         const VLString* lost = before;
-        utf8_to_fsspecFileSystemCString(text.data(), row.source, row.capacity, &lost);
-        EXPECT_EQ(lost == before, row.capacity == 0);
+        utf8_to_fsspecFileSystemCString(text.data(), source, capacity, &lost);
+        EXPECT_EQ(lost == before, capacity == 0);
         if (lost == before) lost = nullptr;
         VLStringRelease(before);
         utf8_from_cfstring(lostText.data(), lost, lostText.size());
-        EXPECT_STREQ(text.data(), row.expected);
-        EXPECT_STREQ(lostText.data(), row.lost) << row.source;
+        EXPECT_EQ(text.data(), expected);
+        EXPECT_EQ(lostText.data(), expectedLost) << source;
         VLStringRelease(lost);
-        utf8_to_fsspecFileSystemPascalString(pascal.data(), row.source, row.capacity, nullptr);
-        const std::string expected = row.expected;
-        EXPECT_EQ(static_cast<std::size_t>(pascal[0]), expected.size());
-        EXPECT_EQ(std::string(pascal.data() + 1, expected.size()), expected);
+        utf8_to_fsspecFileSystemPascalString(pascal.data(), source, capacity, nullptr);
+        const auto length = static_cast<std::size_t>(pascal[0]);
+        EXPECT_EQ(std::string_view(pascal.data() + 1, length), expected);
     }
     std::string longName(300, '#');
     utf8_to_fsspecFileSystemPascalString(longName.data(), std::string(300, 'x').c_str(), 300,

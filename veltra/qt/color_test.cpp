@@ -7,13 +7,9 @@
 #include <QColorSpace>
 #include <QColorTransform>
 #include <QFile>
-#include <cstdlib>
-#include <string>
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
-
-using testing::OnQt;
 
 // Whether no channel of the two pixels differs by more than one step.
 bool isSameColor(QRgb one, QRgb other) {
@@ -50,4 +46,4 @@ TEST_F(OnQt, ManagedColorsAreDrawnAsTheirProfileSays) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

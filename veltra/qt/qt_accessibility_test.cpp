@@ -7,21 +7,18 @@
 
 #include <QAccessible>
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
 
-using testing::comesTrue;
-using testing::OnQt;
-
-using ::testing::ElementsAre;
+Control& addSlider(View& all, const Rect& frame) {
+    return all.addSubview(std::make_unique<Control>(frame, std::make_unique<SliderCell>()));
+}
 
 TEST_F(OnQt, ReadersSeeAndMoveTheCells) {
-    auto slider =
-        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>());
-    auto& cell = static_cast<SliderCell&>(*slider->cell());
+    auto& control =
+        addSlider(host(std::make_unique<View>(Rect{{}, {300, 50}})), {{10, 10}, {200, 20}});
+    auto& cell = static_cast<SliderCell&>(*control.cell());
     cell.setAltIncrementValue(0.25);
-    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
-    auto& control = all.addSubview(std::move(slider));
     auto* const root = QAccessible::queryAccessibleInterface(widget.data());
     ASSERT_EQ(root->childCount(), 1);
     QAccessibleInterface* const shown = root->child(0);
@@ -52,9 +49,8 @@ TEST_F(OnQt, ReadersHearOfChanges) {
         GTEST_SKIP() << "no accessibility bus";
     }
     ASSERT_TRUE(comesTrue([] { return QAccessible::isActive(); }));
-    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
-    auto& slider = all.addSubview(
-        std::make_unique<Control>(Rect{{10, 10}, {200, 20}}, std::make_unique<SliderCell>()));
+    auto& slider =
+        addSlider(host(std::make_unique<View>(Rect{{}, {300, 50}})), {{10, 10}, {200, 20}});
     QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
         heard.emplace_back(event->type(), event->accessibleInterface()->role());
     });
@@ -63,20 +59,17 @@ TEST_F(OnQt, ReadersHearOfChanges) {
                                 Notice::FocusGained, Notice::ChildrenChanged})
         slider.postAccessibilityNotification(notice);
     QAccessible::installUpdateHandler(nullptr);
-    EXPECT_THAT(heard, ElementsAre(std::pair(QAccessible::ValueChanged, QAccessible::Slider),
-                                   std::pair(QAccessible::StateChanged, QAccessible::Slider),
-                                   std::pair(QAccessible::NameChanged, QAccessible::Slider),
-                                   std::pair(QAccessible::Focus, QAccessible::Slider),
-                                   std::pair(QAccessible::ObjectReorder, QAccessible::Grouping)));
+    EXPECT_EQ(heard, (decltype(heard){{QAccessible::ValueChanged, QAccessible::Slider},
+                                      {QAccessible::StateChanged, QAccessible::Slider},
+                                      {QAccessible::NameChanged, QAccessible::Slider},
+                                      {QAccessible::Focus, QAccessible::Slider},
+                                      {QAccessible::ObjectReorder, QAccessible::Grouping}}));
 }
 
 TEST_F(OnQt, ReadersAreNotShownWhatIsOutOfSight) {
     auto& all = host(std::make_unique<View>(Rect{{}, {100, 50}}));
-    auto& seen = all.addSubview(
-        std::make_unique<Control>(Rect{{0, 0}, {60, 20}}, std::make_unique<SliderCell>()));
-    seen.cell()->setAccessibilityHelp("how loud it is");
-    all.addSubview(
-        std::make_unique<Control>(Rect{{140, 0}, {60, 20}}, std::make_unique<SliderCell>()));
+    addSlider(all, {{0, 0}, {60, 20}}).cell()->setAccessibilityHelp("how loud it is");
+    addSlider(all, {{140, 0}, {60, 20}});
     auto* const root = QAccessible::queryAccessibleInterface(widget.data());
     ASSERT_EQ(root->childCount(), 2);
     EXPECT_FALSE(root->child(0)->state().offscreen || root->child(0)->state().invisible);
@@ -85,4 +78,4 @@ TEST_F(OnQt, ReadersAreNotShownWhatIsOutOfSight) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

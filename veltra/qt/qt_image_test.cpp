@@ -4,10 +4,8 @@
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/testing/on_qt.h"
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
-
-using testing::OnQt;
 
 TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
     installQtPort();
@@ -25,4 +23,4 @@ TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

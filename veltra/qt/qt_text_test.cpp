@@ -3,11 +3,8 @@
 
 #include "veltra/qt/testing/on_qt.h"
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
-
-using testing::OnQt;
-using testing::Probe;
 
 TEST_F(OnQt, TextGrowsEvenlyAndFiguresStayInPlace) {
     host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
@@ -45,4 +42,4 @@ TEST_F(OnQt, TextIsLaidOutOnceForAllSizesOfAFont) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

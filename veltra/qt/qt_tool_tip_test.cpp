@@ -7,11 +7,8 @@
 #include <QHelpEvent>
 #include <QLabel>
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
-
-using testing::OnQt;
-using testing::Probe;
 
 TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
     struct Source final : Anchored, ToolTipSource {
@@ -35,4 +32,4 @@ TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

@@ -7,11 +7,25 @@
 
 #include <QWindow>
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
 
-using testing::kPatience;
-using testing::Probe;
+struct Running {
+    int count = 1;
+    char name[5] = "test";
+    char* arguments[2] = {name, nullptr};
+    QApplication application{count, arguments};
+    const bool isInstalled = installQtPort();
+};
+
+// Puts a window with a probe in front.
+QWidget* show(Window& window) {
+    window.setContentView(std::make_unique<Probe>(Rect{}));
+    window.makeKeyAndOrderFront();
+    QWidget* const top = QApplication::topLevelWidgets().constFirst();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(top, kPatience));
+    return top;
+}
 
 TEST(QtPort, WindowsOutliveTheApplication) {
     struct Closing final : Panel {
@@ -22,17 +36,11 @@ TEST(QtPort, WindowsOutliveTheApplication) {
     std::unique_ptr<Closing> window;
     EXPECT_FALSE(installQtPort());
     for (int round = 0; round < 2; ++round) {
-        int count = 1;
-        char name[] = "test";
-        char* arguments[] = {name, nullptr};
-        QApplication application(count, arguments);
-        ASSERT_TRUE(installQtPort());
+        const Running running;
+        ASSERT_TRUE(running.isInstalled);
         window = std::make_unique<Closing>(Rect{{100, 100}, {200, 80}});
-        window->setContentView(std::make_unique<Probe>(Rect{}));
         window->setMinSize({150, 60});
-        window->makeKeyAndOrderFront();
-        QWidget* const top = QApplication::topLevelWidgets().constFirst();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(top, kPatience));
+        QWidget* const top = show(*window);
         EXPECT_TRUE(window->isVisible());
         window->setFrame({{120, 90}, {10, 300}});
         EXPECT_EQ(top->size(), QSize(150, 300));
@@ -49,25 +57,16 @@ TEST(QtPort, WindowsOutliveTheApplication) {
 }
 
 TEST(QtPort, LimitsHoldFromTheNextSizeOn) {
-    int count = 1;
-    char name[] = "test";
-    char* arguments[] = {name, nullptr};
-    const QApplication application(count, arguments);
-    ASSERT_TRUE(installQtPort());
+    const Running running;
     Window window(Rect{{100, 100}, {200, 100}});
-    window.setContentView(std::make_unique<Probe>(Rect{}));
-    window.makeKeyAndOrderFront();
-    QWidget* const top = QApplication::topLevelWidgets().constFirst();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(top, kPatience));
+    QWidget* const top = show(window);
     const struct {
         Size minimum, maximum;
         QSize kept;       // by the limits alone
         QSize wish, got;  // by the next change
-    } rows[] = {
-        {{230, 50}, {900, 900}, {200, 100}, {210, 100}, {230, 100}},
-        {{0, 0}, {170, 900}, {230, 100}, {200, 100}, {170, 100}},
-        {{0, 0}, {900, 900}, {170, 100}, {300, 300}, {300, 300}},
-    };
+    } rows[] = {{{230, 50}, {900, 900}, {200, 100}, {210, 100}, {230, 100}},
+                {{0, 0}, {170, 900}, {230, 100}, {200, 100}, {170, 100}},
+                {{0, 0}, {900, 900}, {170, 100}, {300, 300}, {300, 300}}};
     for (const auto& row : rows) {
         window.setMinSize(row.minimum);
         window.setMaxSize(row.maximum);
@@ -82,29 +81,20 @@ TEST(QtPort, LimitsHoldFromTheNextSizeOn) {
 }
 
 TEST(QtPort, OnlyWindowsThatWorkWhenModalHearOfClicksBesideAModalOne) {
-    int count = 1;
-    char name[] = "test";
-    char* arguments[] = {name, nullptr};
-    const QApplication application(count, arguments);
-    ASSERT_TRUE(installQtPort());
+    const Running running;
     for (const bool works : {false, true}) {
         Window window(Rect{{100, 100}, {200, 100}});
         window.setWorksWhenModal(works);
-        auto made = std::make_unique<Probe>(Rect{});
-        Probe& probe = *made;
-        window.setContentView(std::move(made));
-        window.makeKeyAndOrderFront();
-        QWidget* const top = QApplication::topLevelWidgets().constFirst();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(top, kPatience));
+        QWidget* const top = show(window);
         QWidget modal;
         modal.setWindowModality(Qt::ApplicationModal);
         modal.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&modal, kPatience));
         QTest::mouseClick(top->windowHandle(), Qt::LeftButton, {}, {5, 5});
         QCoreApplication::processEvents();
-        EXPECT_EQ(probe.events.empty(), !works);
+        EXPECT_EQ(static_cast<Probe&>(*window.contentView()).events.empty(), !works);
     }
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing

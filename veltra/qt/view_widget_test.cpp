@@ -17,14 +17,11 @@ __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
     return "leak:libfontconfig\nleak:libQt6XcbQpa\nleak:libdbus-1\n";
 }
 
-namespace veltra {
+namespace veltra::testing {
 namespace {
 
-using testing::comesTrue;
 using ::testing::ElementsAre;
 using ::testing::Field;
-using testing::OnQt;
-using testing::Probe;
 
 TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
     auto& all = host(std::make_unique<View>(Rect{{}, {400, 200}}));
@@ -58,8 +55,7 @@ TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
     EXPECT_EQ(probe.events[0].locationInWindow, (Point{10, 30}));
     EXPECT_EQ(probe.events[0].modifierFlags, kShiftKeyMask | kAlternateKeyMask);
     EXPECT_EQ(probe.events[1].type, EventType::LeftMouseDragged);
-    EXPECT_EQ(probe.events[1].deltaX, 3);
-    EXPECT_EQ(probe.events[1].deltaY, 4);
+    EXPECT_TRUE(probe.events[1].deltaX == 3 && probe.events[1].deltaY == 4);
     const int last = probe.events[2].eventNumber;
     EXPECT_EQ(last, probe.events[0].eventNumber);
     EXPECT_TRUE(widget->hasFocus());
@@ -158,11 +154,9 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
     };
     const auto show = [this] {
         widget = new ViewWidget;
-        auto probe = std::make_unique<Probe>(Rect{{}, {50, 50}});
-        Probe& shown = *probe;
-        widget->setContentView(std::move(probe));
+        widget->setContentView(std::make_unique<Probe>(Rect{{}, {50, 50}}));
         widget->show();
-        return &shown;
+        return static_cast<Probe*>(widget->contentView());
     };
     for (const EventType when : {EventType::LeftMouseDown, EventType::LeftMouseDragged,
                                  EventType::LeftMouseUp, EventType::KeyDown}) {
@@ -199,22 +193,18 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
 }
 
 TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
-    const std::function<void()> ends[] = {
-        [this] { widget->hide(); },
-        [this] { delete widget.data(); },
-        [this] {
-            QEvent lost(QEvent::WindowDeactivate);
-            QApplication::sendEvent(widget, &lost);
-        },
-        [this] {
-            QEvent lost(QEvent::UngrabMouse);
-            QApplication::sendEvent(widget, &lost);
-        },
-        [this] {
-            drag({30, 30}, Qt::NoButton);
-        },  // with no button held
-        [] { QCoreApplication::quit(); },
+    const auto lose = [this](QEvent::Type type) {
+        QEvent lost(type);
+        QApplication::sendEvent(widget, &lost);
     };
+    const std::function<void()> ends[] = {[this] { widget->hide(); },
+                                          [this] { delete widget.data(); },
+                                          [&] { lose(QEvent::WindowDeactivate); },
+                                          [&] { lose(QEvent::UngrabMouse); },
+                                          [this] {
+                                              drag({30, 30}, Qt::NoButton);
+                                          },
+                                          [] { QCoreApplication::quit(); }};
     host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
     for (const auto& end : ends) {
         if (!widget) {
@@ -227,22 +217,14 @@ TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
         last.clickCount = -1;
         pulling.react = [&](const Event& event) {
             if (event.type != EventType::LeftMouseDown) return;
-            QTimer ending;
-            ending.setSingleShot(true);
-            QObject::connect(&ending, &QTimer::timeout, &application, end);
-            ending.start(0);
+            QTimer::singleShot(0, &application, end);
             last = Application::current().nextEvent(EventType::LeftMouseUp,
                                                     RunLoopMode::EventTracking);
         };
-        QTimer start;
-        start.setSingleShot(true);
-        QObject::connect(&start, &QTimer::timeout, &application, [this] {
-            QMouseEvent press(QEvent::MouseButtonPress, {5, 5}, widget->mapToGlobal(QPointF(5, 5)),
-                              Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(widget, &press);
+        QTimer::singleShot(0, &application, [this] {
+            QTest::mousePress(widget, Qt::LeftButton, {}, {5, 5});
             QCoreApplication::exit();
         });
-        start.start(0);
         QCoreApplication::exec();
         EXPECT_EQ(last.type, EventType::LeftMouseUp);
         EXPECT_EQ(last.clickCount, 0) << &end - ends;
@@ -284,7 +266,7 @@ TEST_F(OnQt, AppearanceFollowsThePaletteAroundUnlessSet) {
 }
 
 }  // namespace
-}  // namespace veltra
+}  // namespace veltra::testing
 
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

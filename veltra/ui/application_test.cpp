@@ -30,15 +30,14 @@ TEST(Events, TellWhetherSomebodyTookThemAndStayCurrentUntilTheNext) {
         event.clickCount = 1;
         return application.postEvent(event);
     };
-    EXPECT_FALSE(post(EventType::LeftMouseDown));
-    EXPECT_FALSE(post(EventType::KeyDown));
-    EXPECT_FALSE(post(EventType::ScrollWheel));
+    for (const EventType type :
+         {EventType::LeftMouseDown, EventType::KeyDown, EventType::ScrollWheel})
+        EXPECT_FALSE(post(type));
     view.takes = true;
     bool inner = true;
     view.hook = [&] { inner = post(EventType::KeyDown); };  // an untaken one inside a taken one
     EXPECT_TRUE(post(EventType::LeftMouseDown));
-    EXPECT_FALSE(inner);
-    EXPECT_FALSE(application.isHandlingEvent());
+    EXPECT_FALSE(inner || application.isHandlingEvent());
     EXPECT_EQ(application.currentEvent()->type, EventType::LeftMouseDown);
     view.setHidden(true);
     EXPECT_FALSE(post(EventType::ScrollWheel)) << "no view is there";
@@ -60,15 +59,14 @@ TEST(Actions, GoUpTheChainsOfTheKeyAndTheMainWindowAndEndAtTheDelegate) {
     auto& able = static_cast<Able&>(*host.window.contentView());
     auto& inner = able.addSubview(std::make_unique<Able>(Rect{{}, {10, 10}}));
     Application& application = Application::current();
-    EXPECT_FALSE(application.sendAction(action<&Able::act>(), nullptr, nullptr));
+    const auto isSent = [&](Anchored* target) {
+        return application.sendAction(action<&Able::act>(), target, nullptr);
+    };
+    EXPECT_FALSE(isSent(nullptr));
     host.window.makeFirstResponder(&inner);
-    EXPECT_TRUE(application.sendAction(action<&Able::act>(), nullptr, nullptr));
-    EXPECT_EQ(inner.count, 1);
+    EXPECT_TRUE(isSent(nullptr) && inner.count == 1);
     host.window.makeFirstResponder(&able);
-    EXPECT_TRUE(application.sendAction(action<&Able::act>(), nullptr, nullptr));
-    EXPECT_TRUE(application.sendAction(action<&Able::act>(), &inner, nullptr));
-    EXPECT_EQ(able.count, 1);
-    EXPECT_EQ(inner.count, 2);
+    EXPECT_TRUE(isSent(nullptr) && isSent(&inner) && able.count == 1 && inner.count == 2);
 }
 
 }  // namespace

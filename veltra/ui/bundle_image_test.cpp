@@ -8,8 +8,6 @@
 
 #include <fstream>
 
-#include <gtest/gtest.h>
-
 namespace veltra::testing {
 namespace {
 
@@ -22,10 +20,11 @@ TEST(BundleImages, PreferTheirOwnFormAndWhatTheToolkitReads) {
     const auto own = std::make_shared<RecordedImage>(5, 5, 1.0F);
     EXPECT_EQ(load(), nullptr);
     EXPECT_EQ(qk_loadQkoreBundleImage(""), nullptr);
-    for (const char* name : {"knob.tiff", "knob.png", "knob_pro.tiff", "knob_pro.png"})
+    const char* const names[] = {"knob.tiff", "knob.png", "knob_pro.tiff", "knob_pro.png"};
+    for (const char* name : names)
         std::ofstream(folder / name) << name;
     EXPECT_EQ(load(), nullptr);  // the toolkit reads none of them
-    for (const char* name : {"knob.tiff", "knob.png", "knob_pro.tiff", "knob_pro.png"}) {
+    for (const char* name : names) {
         port.files = {folder / name};
         EXPECT_NE(load(), nullptr) << name;
         registerImage("knob", [&own](float) { return own; });

@@ -25,15 +25,13 @@ struct Traced final : Cell {
 TEST(Tracking, EndsAsItsPolicySays) {
     const struct {
         bool untilMouseUp, stopsEarly;
-        const char* events;
-        const char* log;
+        const char *events, *log;
         bool succeeds;
     } rows[] = {
         {true, false, "d0 d1 w u1", "sddwu", true}, {true, true, "d0 d0 u0", "sddu", true},
         {false, false, "d0 d0 u0", "sddu", true},   {false, false, "d0 d1 u0", "sddx", false},
         {false, true, "d0 d0 u0", "sdx", false},    {false, true, "w u0", "swu", true},
-        {true, false, "o d0 o u0", "sdu", true},    {true, false, "d0 c u0", "sdx", false},
-    };
+        {true, false, "o d0 o u0", "sdu", true},    {true, false, "d0 c u0", "sdx", false}};
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 50}}));
     for (const auto& row : rows) {

@@ -4,8 +4,6 @@
 #include "veltra/base/testing/prelude.h"
 #include "veltra/ui/cell.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 
@@ -43,8 +41,8 @@ TEST(KeyedArchive, KeepsObjectsAndFontsApartFromTheirSurroundings) {
 
     const Font fallback = Font::systemFont(9.0F, FontWeight::Medium);
     coder.encodeValue(PropertyValue::Dictionary{{"SIZE", -3.0}, {"WEIGHT", 99}}, "odd");
-    EXPECT_EQ(coder.decodeFont("odd", fallback), fallback);
-    EXPECT_EQ(coder.decodeFont("missing", fallback), fallback);
+    for (const char* key : {"odd", "missing"})
+        EXPECT_EQ(coder.decodeFont(key, fallback), fallback);
     coder.encodeInt64(2, "right end");
     EXPECT_EQ(coder.decodeEnum("right end", TextAlignment::Left, TextAlignment::Right),
               TextAlignment::Right);

@@ -3,8 +3,6 @@
 
 #include "veltra/base/testing/prelude.h"
 
-#include <gmock/gmock.h>
-
 namespace veltra::testing {
 namespace {
 

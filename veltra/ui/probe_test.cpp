@@ -8,15 +8,12 @@
 namespace veltra::testing {
 namespace {
 
-using ::testing::ElementsAre;
-
 // A value that follows the pointer upwards, the wheel and the arrow keys.
-class ProbeCell final : public ActionCell, public ToolTipSource {
-public:
+struct ProbeCell final : ActionCell, ToolTipSource {
     ProbeCell() { setIntValue(0); }
 
     std::vector<std::string> log;
-    std::function<void(const char* where)> hook = [](const char*) {};
+    std::function<void(std::string_view where)> hook = [](std::string_view) {};
 
     bool startTracking(Point point, View& view) override {
         ToolTipWindow::shared().showToolTipWindowForView(view, this, 0, point);
@@ -24,8 +21,7 @@ public:
     }
     bool continueTracking(Point last, Point current, View& view) override {
         const WeakPointer<ProbeCell> self(this);
-        const float up = view.isFlipped() ? last.y - current.y : current.y - last.y;
-        change(static_cast<std::int32_t>(up));
+        change(static_cast<std::int32_t>(current.y - last.y), "value");
         if (!self) return true;
         ToolTipWindow::shared().updateToolTipPosition(current, view);
         return note("drag", current);
@@ -34,108 +30,82 @@ public:
         ToolTipWindow::shared().closeToolTipWindow();
         note(mouseIsUp ? "up" : "stop", stop);
     }
-    void scrollWheel(const Event& event) override {
-        const WeakPointer<ProbeCell> self(this);
-        change(event.deltaY > 0.0F ? 1 : -1);
-        if (self) hook("wheel");
-    }
-    void key(char16_t character) {
-        const WeakPointer<ProbeCell> self(this);
-        change(character == kUpArrowCharacter ? 1 : -1);
-        if (self) hook("key");
-    }
+    void scrollWheel(const Event& event) override { change(event.deltaY > 0.0F ? 1 : -1, "wheel"); }
     std::string stringForTag(std::int32_t) override { return stringValue(); }
-
-private:
-    bool note(const char* what, Point point) {
-        log.push_back(std::string(what) + " " + std::to_string(static_cast<int>(point.x)) + "," +
-                      std::to_string(static_cast<int>(point.y)));
-        hook(what);  // may delete the cell
-        return true;
-    }
-    void change(std::int32_t by) {
+    // The hook may delete the cell.
+    void change(std::int32_t by, const char* where) {
         const WeakPointer<ProbeCell> self(this);
         setIntValue(intValue() + by);
         sendAction();
-        if (self) hook("value");
+        if (self) hook(where);
+    }
+    bool note(const char* what, Point point) {
+        log.push_back(std::string(what) + " " + std::to_string(static_cast<int>(point.x)) + "," +
+                      std::to_string(static_cast<int>(point.y)));
+        hook(what);
+        return true;
     }
 };
 
-template <bool flipped>
-class Probe final : public Control {
-public:
-    explicit Probe(const Rect& frame) : Control(frame, std::make_unique<ProbeCell>()) {}
-    bool pulls = false;
+struct Probe final : Control {
+    explicit Probe(bool isPulling)
+        : Control({{50, 20}, {40, 60}}, std::make_unique<ProbeCell>()), pulls(isPulling) {}
+    const bool pulls;
 
     ProbeCell& probe() { return static_cast<ProbeCell&>(*cell()); }
-    bool isFlipped() const override { return flipped; }
     bool acceptsFirstResponder() const override { return true; }
     void mouseDown(const Event& event) override {
         if (!pulls) return Control::mouseDown(event);
         probe().trackMouse(event, bounds(), *this, true);
     }
-    void keyDown(const Event& event) override {
-        const char16_t key = event.charactersIgnoringModifiers.front();
-        if (key == kUpArrowCharacter || key == kDownArrowCharacter) return probe().key(key);
-        Control::keyDown(event);
+    void keyDown(const Event&) override { probe().change(1, "key"); }
+};
+
+struct ProbeTest : ::testing::Test {
+    ManualRunLoop loop;
+    ScriptedPort port;
+    Probe* probe = nullptr;
+    std::unique_ptr<View> rootWithProbe(bool pulls) {
+        auto root = std::make_unique<View>(Rect{{}, {200, 100}});
+        probe = &root->addSubview(std::make_unique<Probe>(pulls));
+        return root;
     }
 };
 
-// A flipped view with a probe of each kind: up is up in both.
-template <bool flipped>
-std::unique_ptr<View> rootWith(Probe<flipped>*& probe) {
-    auto root = std::make_unique<View>(Rect{{}, {200, 100}});
-    probe = &root->addSubview(std::make_unique<Probe<flipped>>(Rect{{50, 20}, {40, 60}}));
-    return root;
-}
-
-class ProbeTest : public ::testing::Test {
-protected:
-    ManualRunLoop loop;
-    ScriptedPort port;
-};
-
-TEST_F(ProbeTest, TracksAlikeWhetherItIsPushedOrPullsAndInBothDirections) {
-    const auto run = [this](auto* kind, bool pulls) {
-        std::remove_pointer_t<decltype(kind)>* probe = nullptr;
-        HostedView host(rootWith(probe));
+TEST_F(ProbeTest, TracksAlikeWhetherItIsPushedOrPulls) {
+    for (const bool pulls : {false, true}) {
+        HostedView host(rootWithProbe(pulls));
         Receiver target;
-        probe->probe().setTarget(&target);
-        probe->probe().setAction(action<&Receiver::act>());
-        probe->pulls = pulls;
-        probe->probe().sendActionOn({});  // it sends on its own
-        probe->probe().hook = [&](const char* where) {
-            if (where == std::string("drag")) {
-                EXPECT_EQ(port.toolTip, probe->stringValue());
-            }
+        ProbeCell& cell = probe->probe();
+        cell.setTarget(&target);
+        cell.setAction(action<&Receiver::act>());
+        cell.sendActionOn({});  // it sends on its own
+        cell.hook = [&](std::string_view where) {
+            EXPECT_TRUE(where != "drag" || port.toolTip == cell.stringValue());
         };
-        const auto drag = [&] { host.drag({60, 45}); };
-        const auto rest = [&] { host.wheel({60, 45}, 0.2F); };
-        const auto last = [&] { host.release({150, 50}); };
-        if (pulls) port.script = {drag, rest, last};
+        port.script = {[&] {
+                           host.drag({60, 45});
+                       },
+                       [&] {
+                           host.wheel({60, 45}, 0.2F);
+                       },
+                       [&] {
+                           host.release({150, 50});
+                       }};
         host.press({60, 40});
-        if (!pulls) drag(), rest(), last();
+        while (!pulls && port.waitForEvent()) {
+        }
         EXPECT_EQ(probe->intValue(), 6);  // five points up and a notch
-        EXPECT_EQ(target.count, 2);
-        EXPECT_EQ(target.last, probe);
-        EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].back(),
-                  &probe->probe());
+        EXPECT_TRUE(target.count == 2 && target.last == probe);
+        EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].back(), &cell);
         EXPECT_EQ(port.toolTip, "");
         EXPECT_EQ(Application::current().currentEvent()->type, EventType::LeftMouseUp);
-        return probe->probe().log;
-    };
-    for (const bool pulls : {false, true}) {
-        EXPECT_THAT(run(static_cast<Probe<false>*>(nullptr), pulls),
-                    ElementsAre("start 10,20", "drag 10,25", "up 100,30"));
-        EXPECT_THAT(run(static_cast<Probe<true>*>(nullptr), pulls),
-                    ElementsAre("start 10,40", "drag 10,35", "up 100,30"));
+        EXPECT_THAT(cell.log, ::testing::ElementsAre("start 10,20", "drag 10,25", "up 100,30"));
     }
 }
 
 TEST_F(ProbeTest, KeepsOtherEventsInOrderWhileItPullsAndEndsWhenThePointerIsLost) {
-    Probe<false>* probe = nullptr;
-    HostedView host(rootWith(probe));
-    probe->pulls = true;
+    HostedView host(rootWithProbe(true));
     port.script = {[&] {
                        host.key(kUpArrowCharacter);
                        host.drag({60, 50});
@@ -146,63 +116,60 @@ TEST_F(ProbeTest, KeepsOtherEventsInOrderWhileItPullsAndEndsWhenThePointerIsLost
                    }};
     host.press({60, 40});
     EXPECT_EQ(probe->intValue(), 11);
-    EXPECT_THAT(probe->probe().log.back(), ::testing::StartsWith("stop 10,30"));
+    EXPECT_EQ(probe->probe().log.back(), "stop 10,30");
     host.release({60, 50});  // the real one comes late and goes nowhere
     EXPECT_EQ(probe->probe().log.size(), 3U);
 
     port.script.clear();  // nothing can come any more
     host.press({60, 40});
-    EXPECT_THAT(probe->probe().log.back(), ::testing::StartsWith("stop 10,20"));
+    EXPECT_EQ(probe->probe().log.back(), "stop 10,20");
 }
 
 // Deleted at once, and discarded as a host does it, in every callback there is.
 TEST_F(ProbeTest, SurvivesTheDeletionOfItsControlInEachCallback) {
-    const std::string places[] = {"start", "drag",  "up",     "wheel",
-                                  "key",   "value", "action", "timer"};
-    for (const bool atOnce : {true, false}) {
-        for (const bool pulls : {false, true}) {
-            for (const std::string& place : places) {
-                SCOPED_TRACE(place);
-                struct Remover final : Anchored {
-                    Probe<false>* probe = nullptr;
-                    bool atOnce = false;
-                    void remove() {
-                        Control* const victim = std::exchange(probe, nullptr);
-                        if (victim == nullptr) return;
-                        if (!atOnce) return victim->removeFromSuperview();
-                        victim->takeFromSuperview().reset();
-                    }
-                } remover;
-                remover.atOnce = atOnce;
-                HostedView host(rootWith(remover.probe));
-                const WeakPointer<View> view(remover.probe);
-                Probe<false>& probe = *remover.probe;
-                probe.pulls = pulls;
-                probe.probe().hook = [&](const char* where) {
-                    if (place == where) remover.remove();
-                };
-                if (place == "action") {
-                    probe.probe().setTarget(&remover);
-                    probe.probe().setAction(action<&Remover::remove>());
-                }
-                if (place == "timer") {
-                    loop.schedule({.target = &remover, .action = action<&Remover::remove>()});
-                    loop.advance(0.01);
-                }
-                const auto rest = [&] {
-                    host.drag({60, 50});
-                    host.wheel({60, 50}, 1.0F);
-                    host.release({60, 50});
-                };
-                if (pulls) port.script = {rest, rest};
-                host.press({60, 40});
-                rest();
-                host.key(kUpArrowCharacter);
-                loop.advance(0.1);
-                port.script.clear();
-                EXPECT_FALSE(view);
-                host.display();
+    struct Remover final : Anchored {
+        Control* victim = nullptr;
+        bool atOnce = false;
+        void remove() {
+            if (victim == nullptr) return;
+            if (!atOnce) return std::exchange(victim, nullptr)->removeFromSuperview();
+            std::exchange(victim, nullptr)->takeFromSuperview().reset();
+        }
+    };
+    for (const std::string_view place :
+         {"start", "drag", "up", "wheel", "key", "value", "action", "timer"}) {
+        for (const int way : {0, 1, 2, 3}) {
+            SCOPED_TRACE(std::string(place) + std::to_string(way));
+            const bool pulls = way / 2 != 0;
+            HostedView host(rootWithProbe(pulls));
+            const WeakPointer<View> view(probe);
+            Remover remover;
+            remover.victim = probe;
+            remover.atOnce = way % 2 == 0;
+            probe->probe().hook = [&](std::string_view where) {
+                if (place == where) remover.remove();
+            };
+            if (place == "action") {
+                probe->probe().setTarget(&remover);
+                probe->probe().setAction(action<&Remover::remove>());
             }
+            if (place == "timer") {
+                loop.schedule({.target = &remover, .action = action<&Remover::remove>()});
+                loop.advance(0.01);
+            }
+            const auto rest = [&] {
+                host.drag({60, 50});
+                host.wheel({60, 50}, 1.0F);
+                host.release({60, 50});
+            };
+            if (pulls) port.script = {rest, rest};
+            host.press({60, 40});
+            rest();
+            host.key(kUpArrowCharacter);
+            loop.advance(0.1);
+            port.script.clear();
+            EXPECT_FALSE(view);
+            host.display();
         }
     }
 }

@@ -22,8 +22,7 @@ TEST(ToolTips, GoWithTheirViewAndTheirText) {
         [](View& outer, View&) { outer.removeFromSuperview(); },
         [](View&, View& inner) { inner.takeFromSuperview().reset(); },
         [](View& outer, View&) { outer.setHidden(true); },
-        [&](View&, View&) { tip.closeToolTipWindow(); },
-    };
+        [&](View&, View&) { tip.closeToolTipWindow(); }};
     for (const auto& end : ends) {
         View& outer = root.addSubview(std::make_unique<View>(Rect{{10, 10}, {50, 50}}));
         View& inner = outer.addSubview(std::make_unique<View>(Rect{{5, 5}, {20, 20}}));
@@ -51,8 +50,8 @@ TEST(ToolTips, RestingOnesAreThoseAddedLast) {
     const auto high = tips.addToolTipRect({{10, 0}, {20, 20}}, &source, 3);
     EXPECT_EQ(tips.at({15, 5})->text, "73");
     EXPECT_EQ(tips.at({5, 5})->text, "low");
-    tips.removeToolTip(high);
-    tips.removeToolTip(99);
+    for (const auto tag : {high, high + 99})
+        tips.removeToolTip(tag);
     EXPECT_EQ(tips.at({15, 5})->text, "low");
     EXPECT_FALSE(tips.at({25, 5}));
     tips.removeToolTip(low);

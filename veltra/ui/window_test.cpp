@@ -33,25 +33,21 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
     const auto buttons = addButtons(*host.window.contentView(), {0.0F, 30.0F, 60.0F});
+    const auto reached = [&host](char16_t key) {
+        host.key(key);
+        return host.window.firstResponder();
+    };
     host.window.keyboardArrives(true);
     EXPECT_EQ(host.window.firstResponder(), buttons[0]);
     buttons[1]->setEnabled(false);
-    host.key(kTabCharacter);
-    EXPECT_EQ(host.window.firstResponder(), buttons[2]);
-    host.key(kBackTabCharacter);
-    EXPECT_EQ(host.window.firstResponder(), buttons[0]);
+    EXPECT_EQ(reached(kTabCharacter), buttons[2]);
+    EXPECT_EQ(reached(kBackTabCharacter), buttons[0]);
     host.port.hasNeighbours = true;
     host.key(kBackTabCharacter);
     EXPECT_TRUE(host.port.isKeyboardPassed);
     buttons[2]->setNextKeyView(buttons[0]);
     host.window.makeFirstResponder(buttons[2]);
-    host.key(kTabCharacter);
-    EXPECT_EQ(host.window.firstResponder(), buttons[0]);
-    Receiver target;
-    buttons[0]->setTarget(&target);
-    buttons[0]->setAction(action<&Receiver::act>());
-    host.key(u' ');
-    EXPECT_EQ(target.last, buttons[0]);
+    EXPECT_EQ(reached(kTabCharacter), buttons[0]);
     buttons[0]->setHidden(true);
     EXPECT_EQ(host.window.firstResponder(), nullptr);
 }
@@ -155,26 +151,26 @@ TEST(Windows, AskTheirViewsAboutPressesThatActivateOrMove) {
     const ScriptedPort port;
     HostedView host(std::make_unique<Listener>(Rect{{}, {100, 100}}));
     auto& view = static_cast<Listener&>(*host.window.contentView());
-    const auto press = [&host](bool isFirst) {
+    const struct {
+        bool isFirst, takesFirst, movesWindow, canMove;
+        int presses;
+    } rows[] = {{true, true, false, false, 1},
+                {true, false, false, false, 0},
+                {false, false, false, false, 1},
+                {false, false, true, false, 1},
+                {false, false, true, true, 0}};
+    for (const auto& row : rows) {
+        view.presses = 0;
+        view.takesFirstMouse = row.takesFirst;
+        view.movesWindow = row.movesWindow;
+        host.port.canMove = row.canMove;
         Event event = host.eventAt(EventType::LeftMouseDown, {5, 5});
         event.clickCount = 1;
-        event.isFirstMouse = isFirst;
+        event.isFirstMouse = row.isFirst;
         Application::current().postEvent(event);
         host.release({5, 5});
-    };
-    press(true);
-    EXPECT_EQ(view.presses, 1);
-    view.takesFirstMouse = false;
-    press(true);
-    EXPECT_EQ(view.presses, 1);
-    press(false);
-    EXPECT_EQ(view.presses, 2);
-    view.movesWindow = true;
-    press(false);
-    EXPECT_EQ(view.presses, 3) << "this window cannot be moved";
-    host.port.canMove = true;
-    press(false);
-    EXPECT_EQ(view.presses, 3);
+        EXPECT_EQ(view.presses, row.presses) << &row - rows;
+    }
 }
 
 TEST(Windows, TellTheirViewsWhetherTheUserWorksInThem) {
@@ -190,10 +186,10 @@ TEST(Windows, TellTheirViewsWhetherTheUserWorksInThem) {
         EXPECT_FALSE(first.window.isMainWindow());
         EXPECT_EQ(view.mainStates.back(), false);
     }
-    first.window.activeStateDidChange(true);  // as a part of a toolkit's active window
-    EXPECT_EQ(view.mainStates.back(), true);
-    first.window.activeStateDidChange(false);
-    EXPECT_EQ(view.mainStates.back(), false);
+    for (const bool isActive : {true, false}) {  // as a part of a toolkit's active window
+        first.window.activeStateDidChange(isActive);
+        EXPECT_EQ(view.mainStates.back(), isActive);
+    }
 }
 
 }  // namespace

@@ -4,15 +4,13 @@
 #include "veltra/Source/Extensions/QKNSFileManager_Plugins.h"
 #include "veltra/Source/Extensions/QKNSURL_Extensions.h"
 #include "veltra/Source/Extensions/testing/failing_file_system.h"
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/volumes.h"
 
 #include <fstream>
-#include <set>
-#include <thread>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -35,6 +33,23 @@ unsigned modeOf(const fs::path& item) {
     return status.st_mode & 07777U;
 }
 
+// Calls `body` in a new folder again and again, with each error in each of its steps.
+void failEachStep(std::initializer_list<int> errors,
+                  const std::function<void(const fs::path& folder)>& body) {
+    for (const int number : errors) {
+        bool isReached = true;
+        for (int step = 0; isReached; ++step) {
+            SCOPED_TRACE(::testing::Message() << "error " << number << " in step " << step);
+            const TemporaryFolder folder;
+            FailingFileSystem files;
+            files.failing = step;
+            files.error = {number, std::generic_category()};
+            body(folder.path);
+            isReached = files.steps > step;
+        }
+    }
+}
+
 TEST(FileManager, KnowsKindsOfItems) {
     const TemporaryFolder folder;
     put(folder.path / "file.app");
@@ -44,20 +59,16 @@ TEST(FileManager, KnowsKindsOfItems) {
     put(folder.path / ".vst3/x");
     fs::create_directory_symlink("thing", folder.path / "link");
     fs::create_symlink("loop", folder.path / "loop");
-    const struct {
-        const char* name;
-        bool isLink, isFolder, isPackage;
-    } kCases[] = {
+    const std::tuple<const char*, bool, bool, bool> kCases[] = {
         {"file.app", false, false, false},   {"Synth.VST3", false, true, true},
         {"thing", false, true, true},        {"fake", false, true, false},
         {".vst3", false, true, false},       {"link", true, true, false},
         {"loop", true, false, false},        {"none", false, false, false},
-        {"file.app/x", false, false, false}, {"Synth.VST3/", false, true, true},
-    };
-    for (const auto& one : kCases) {
-        EXPECT_EQ(isSymbolicLinkAtPath(folder / one.name), one.isLink) << one.name;
-        EXPECT_EQ(isDirectoryAtPath(folder / one.name), one.isFolder) << one.name;
-        EXPECT_EQ(isFilePackageAtPath(folder / one.name), one.isPackage) << one.name;
+        {"file.app/x", false, false, false}, {"Synth.VST3/", false, true, true}};
+    for (const auto& [name, isLink, isFolder, isPackage] : kCases) {
+        EXPECT_EQ(isSymbolicLinkAtPath(folder / name), isLink) << name;
+        EXPECT_EQ(isDirectoryAtPath(folder / name), isFolder) << name;
+        EXPECT_EQ(isFilePackageAtPath(folder / name), isPackage) << name;
     }
     EXPECT_FALSE(isDirectoryAtPath("") || isDirectoryAtPath(std::string_view("/\0x", 3)));
     EXPECT_EQ(
@@ -86,18 +97,11 @@ TEST(FileManager, MakesFoldersAndTheFoldersOnTheWay) {
     EXPECT_FALSE(makeSureDirectoryExistsAtPath("") ||
                  makeSureDirectoryExistsAtPath(folder / std::string(256, 'x').c_str()));
 
-    // Each step fails once: true only when the folder is there as wanted.
-    for (const int number : {EIO, ENOSPC, EEXIST, ENOENT, EACCES, ENOMEM}) {
-        for (int step = 0, steps = 1; step < steps; ++step) {
-            const TemporaryFolder place;
-            FailingFileSystem files;
-            files.failing = step;
-            files.error = {number, std::generic_category()};
-            const bool isMade = createDirectoriesRecursivelyAtPath(place / "a/b/c", {0711});
-            steps = files.steps;
-            EXPECT_TRUE(!isMade || modeOf(place.path / "a/b/c") == 0711) << step;
-        }
-    }
+    // True only when the folder is there as wanted.
+    failEachStep({EIO, ENOSPC, EEXIST, ENOENT, EACCES, ENOMEM}, [](const fs::path& place) {
+        const bool isMade = createDirectoriesRecursivelyAtPath((place / "a/b/c").string(), {0711});
+        EXPECT_TRUE(!isMade || modeOf(place / "a/b/c") == 0711);
+    });
 }
 
 TEST(FileManager, ListsWithoutFollowingLinks) {
@@ -162,35 +166,20 @@ TEST(FileManager, FindsNamesThatNobodyElseGets) {
     EXPECT_FALSE(uniqueFileNameAtPath("", "a", "") ||
                  uniqueFileNameAtPath(at, std::string(1, '\0'), ""));
 
-    std::array<Names, 4> names;
-    std::vector<std::thread> makers;
-    makers.reserve(names.size());
-    for (Names& own : names) {
-        makers.emplace_back([&own, &at] {
-            for (int round = 0; round < 25; ++round) {
-                EXPECT_TRUE(makeSureDirectoryExistsAtPath(at + "/new/" + std::to_string(round)));
-                own.push_back(createUniqueFile(at, "Racing", "wav").value_or("none"));
-            }
-        });
-    }
-    for (std::thread& maker : makers)
-        maker.join();
-    std::set<std::string> all;
-    for (const Names& own : names)
-        all.insert(own.begin(), own.end());
-    EXPECT_TRUE(all.size() == 100 && !all.contains("none"));
-
-    for (const int number : {EIO, ENOSPC, EACCES, EMFILE}) {
-        for (int step = 0, steps = 1; step < steps; ++step) {
-            const TemporaryFolder place;
-            FailingFileSystem files;
-            files.failing = step;
-            files.error = {number, std::generic_category()};
-            const std::optional<std::string> name = createUniqueFile(place.path.string(), "x", "y");
-            steps = files.steps;
-            EXPECT_EQ(name.has_value(), fs::exists(place.path / "x.y")) << step;
+    std::array<std::string, 100> names;
+    testing::onThreads(4, [&](std::size_t thread) {
+        for (std::size_t round = 0; round < 25; ++round) {
+            EXPECT_TRUE(makeSureDirectoryExistsAtPath(at + "/new/" + std::to_string(round)));
+            names[thread * 25 + round] = createUniqueFile(at, "Racing", "wav").value_or("");
         }
-    }
+    });
+    const std::set<std::string> all(names.begin(), names.end());
+    EXPECT_TRUE(all.size() == 100 && !all.contains(""));
+
+    failEachStep({EIO, ENOSPC, EACCES, EMFILE}, [](const fs::path& place) {
+        const std::optional<std::string> name = createUniqueFile(place.string(), "x", "y");
+        EXPECT_EQ(name.has_value(), fs::exists(place / "x.y"));
+    });
 }
 
 // The environment and the volumes of the desktop, as long as it lives.
@@ -233,15 +222,15 @@ TEST(Url, IsInTheTrash) {
     fs::create_symlink("/proc", desktop.folder.path / "real/Trash/files/link");
     const std::string url = "file://" + desktop.folder.path.string() + "/";
     const std::string item = desktop.folder / "data/Trash/files/x";
+    using namespace std::string_literals;
     for (const std::string& path :
-         {std::string("real/Trash/files/Old%20kit/a%20b.wav"), std::string("data/Trash/files/x"),
-          std::string("data/Trash/files/link"), "disk/.Trash/" + user + "/files/x",
-          "disk/.Trash-" + user + "/files/x/y", std::string("data/Trash/files/Old%20kit/")})
+         {"real/Trash/files/Old%20kit/a%20b.wav"s, "data/Trash/files/x"s, "data/Trash/files/link"s,
+          "data/Trash/files/Old%20kit/"s, "disk/.Trash/" + user + "/files/x",
+          "disk/.Trash-" + user + "/files/x/y"})
         EXPECT_TRUE(isInTrash(url + path)) << path;
     for (const std::string& path :
-         {std::string("real/Trash/files"), std::string("data/Trash/files/"),
-          std::string("data/Trash/files/../x"), std::string("data/Trash/files/Old%20kit/.."),
-          std::string("data/Trash/info/x"), std::string("data/Trash/files2/x"),
+         {"real/Trash/files"s, "data/Trash/files/"s, "data/Trash/files/../x"s,
+          "data/Trash/files/Old%20kit/.."s, "data/Trash/info/x"s, "data/Trash/files2/x"s,
           "disk/.Trash/" + user + "1/files/x", "disk/x/.Trash-" + user + "/files/x"})
         EXPECT_FALSE(isInTrash(url + path)) << path;
     for (const char* prefix : {"", "http://", "file://host", "file"})

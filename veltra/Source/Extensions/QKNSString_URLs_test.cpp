@@ -2,10 +2,9 @@
 #include "veltra/Source/Extensions/QKNSString_URLs.h"
 
 #include "veltra/Source/Extensions/testing/made_up_texts.h"
+#include "veltra/base/testing/prelude.h"
 
-#include <algorithm>
-
-#include <gtest/gtest.h>
+#include <regex>
 
 namespace veltra {
 namespace {
@@ -21,38 +20,25 @@ constexpr bool kHasXml = true;
 constexpr bool kHasXml = false;
 #endif
 
-constexpr std::string_view kLetters =
-    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
-
-bool isAllOf(std::string_view text, std::string_view others) {
-    return std::all_of(text.begin(), text.end(), [others](char c) {
-        return kLetters.find(c) != kLetters.npos || others.find(c) != others.npos;
-    });
-}
-
-// The pattern without its going back: a dot stands before the last two to four characters.
-bool isEmailAddress(std::string_view text) {
-    const std::size_t at = text.find('@');
-    if (at == 0 || at == text.npos || !isAllOf(text.substr(0, at), "._-")) return false;
-    const std::string_view domain = text.substr(at + 1);
-    if (!isAllOf(domain, ".-")) return false;
-    for (const std::size_t fromEnd : {3U, 4U, 5U})
-        if (domain.size() > fromEnd && domain[domain.size() - fromEnd] == '.') return true;
-    return false;
-}
-
-TEST(EmailAddress, IsWhatALinearJudgeTakesForOne) {
-    constexpr std::string_view kPieces[] = {"a",   "Z9",   ".",      "-_", "@",  "@x",      "@x",
-                                            ".de", ".com", "museum", ".a", "\n", "\xC3\xA9"};
-    testing::MadeUpTexts texts(kPieces);
+// Made-up texts are taken for one when a slow judge says so, which takes more than `most` for one.
+void expectJudged(std::span<const std::string_view> pieces, const std::regex& judge, int most,
+                  bool (*looksValid)(std::string_view) noexcept, bool isBuilt) {
+    testing::MadeUpTexts texts(pieces);
     int accepted = 0;
     for (int count = 0; count < 100'000; ++count) {
         const std::string text = texts.next(8);
-        const bool isOne = isEmailAddress(text);
-        ASSERT_EQ(stringLooksLikeValidEmailAddress(text), isOne && kHasIcu) << text;
+        const bool isOne = !text.empty() && std::regex_match(text, judge);
+        ASSERT_EQ(looksValid(text), isOne && isBuilt) << text;
         accepted += isOne ? 1 : 0;
     }
-    EXPECT_GT(accepted, 1000);
+    EXPECT_GT(accepted, most);
+}
+
+TEST(EmailAddress, IsWhatASlowJudgeTakesForOne) {
+    constexpr std::string_view kPieces[] = {"a",   "Z9",   ".",      "-_", "@",  "@x",      "@x",
+                                            ".de", ".com", "museum", ".a", "\n", "\xC3\xA9"};
+    const std::regex judge("[A-Za-z0-9._-]+@[A-Za-z0-9.-]+[.][A-Za-z0-9.-]{2,4}");
+    expectJudged(kPieces, judge, 1000, stringLooksLikeValidEmailAddress, kHasIcu);
 }
 
 // Without a limit on its steps this takes longer than any test may.
@@ -68,67 +54,24 @@ TEST(EmailAddress, OfAHostileTextIsRefusedAndALongOneAccepted) {
               kHasIcu);
 }
 
-bool isEachAllowed(std::string_view text, std::string_view others) {
-    for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%', at + 1)) {
-        const std::string_view digits = text.substr(at + 1, 2);
-        if (digits.size() < 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != text.npos)
-            return false;
-    }
-    return isAllOf(text, std::string("%-._~!$&'()*+,;=").append(others));
-}
-
-bool isAuthority(std::string_view text) {
-    const std::size_t at = text.find('@');
-    if (at != text.npos) {
-        if (!isEachAllowed(text.substr(0, at), ":")) return false;
-        text.remove_prefix(at + 1);
-    }
-    const std::size_t bracket = text.starts_with('[') ? text.find(']') : 0;
-    if (bracket == text.npos) return false;
-    const std::size_t colon = text.find(':', bracket);
-    if (bracket > 0 && bracket + 1 != std::min(colon, text.size())) return false;
-    if (bracket == 0 && !isEachAllowed(text.substr(0, colon), "")) return false;
-    return colon == text.npos || (colon + 1 < text.size() &&
-                                  text.find_first_not_of("0123456789", colon + 1) == text.npos);
-}
-
 // RFC 3986, with two habits of the library: no empty port, brackets in fragments.
-bool isUri(std::string_view text) {
-    const std::size_t hash = text.find('#');
-    if (hash != text.npos && !isEachAllowed(text.substr(hash + 1), ":@/?[]")) return false;
-    text = text.substr(0, hash);
-    const std::size_t query = text.find('?');
-    if (query != text.npos && !isEachAllowed(text.substr(query + 1), ":@/?")) return false;
-    text = text.substr(0, query);
-    const std::size_t colon = text.find_first_of(":/");
-    if (colon != text.npos && text[colon] == ':') {
-        const std::string_view scheme = text.substr(0, colon);
-        if (scheme.empty() || !isAllOf(scheme, "+-.") || kLetters.find(scheme[0]) >= 52)
-            return false;
-        text.remove_prefix(colon + 1);
-    }
-    if (text.starts_with("//")) {
-        const std::size_t path = text.find('/', 2);
-        if (!isAuthority(text.substr(2, path == text.npos ? path : path - 2))) return false;
-        text = path == text.npos ? "" : text.substr(path);
-    }
-    return isEachAllowed(text, ":@/");
+std::regex uriPattern() {
+    const std::string plain = "[A-Za-z0-9._~!$&'()*+,;=-]|%[0-9A-Fa-f]{2}";
+    const std::string any = "(?:[:@]|" + plain + ")", segments = "(?:/" + any + "*)*";
+    const std::string authority =
+        "//(?:(?:" + plain + "|:)*@)?(?:\\[::1\\]|(?:" + plain + ")*)(?::[0-9]+)?";
+    const std::string rooted = authority + segments + "|/(?:" + any + "+" + segments + ")?";
+    return std::regex("(?:[A-Za-z][A-Za-z0-9+.-]*:(?:" + rooted + "|" + any + "+" + segments +
+                      "|)|" + rooted + "|(?:@|" + plain + ")+" + segments + "|)(?:\\?(?:[/?]|" +
+                      any + ")*)?(?:#(?:[\\]\\[/?]|" + any + ")*)?");
 }
 
-TEST(Uri, IsWhatARecursiveJudgeTakesForOne) {
+TEST(Uri, IsWhatASlowJudgeTakesForOne) {
     constexpr std::string_view kPieces[] = {
         "a",     "Z",     "1",       ".",   "-", "~",   "+",        ":",    ":",
         "/",     "/",     "//",      "?",   "#", "%41", "%",        "@",    "]",
         "[::1]", "http:", "http://", ":80", " ", "\"",  "\xC3\xA9", "\x7F", "$"};
-    testing::MadeUpTexts texts(kPieces);
-    int accepted = 0;
-    for (int count = 0; count < 100'000; ++count) {
-        const std::string text = texts.next(8);
-        const bool isOne = !text.empty() && isUri(text);
-        ASSERT_EQ(stringLooksLikeValidURI(text), isOne && kHasXml) << text;
-        accepted += isOne ? 1 : 0;
-    }
-    EXPECT_GT(accepted, 10'000);
+    expectJudged(kPieces, uriPattern(), 10000, stringLooksLikeValidURI, kHasXml);
     EXPECT_FALSE(stringLooksLikeValidURI(std::string_view("a\0b", 3)));
 }
 
@@ -142,8 +85,7 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
         {"x://\uFB01x.de:", "x://fix.de:"},
         {"x://\u03C2.gr/", "x://xn--4xa.gr/"},
         {"x://\u65E5\u672C\u8A9E\u3002jp", "x://xn--wgv71a119e.jp"},
-        {"x://\uFF21\uFF22\uFF23.com", "x://abc.com"},
-    };
+        {"x://\uFF21\uFF22\uFF23.com", "x://abc.com"}};
     for (const auto& [url, converted] : kPairs)
         EXPECT_EQ(stringByConvertingToPunycode(url), converted);
     for (const char* const same :
@@ -158,16 +100,9 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
 }
 
 TEST(UrlScheme, IsPrependedOnceAndEscapingKeepsWhatIsEscaped) {
-    struct Case {
-        const char* text;
-        const char* completed;
-        const char* escaped;
-        bool needsIcu = false;
-    };
-    constexpr Case kCases[] = {
+    constexpr const char* kCases[][3] = {
         {"", "", ""},
         {"example.com", "http://example.com", "http://example.com"},
-        {"me@example.com", "mailto:me@example.com", "mailto:me@example.com", true},
         {"mailto:", "mailto:", "mailto:"},
         {"mailto:x y", "mailto:x y", "mailto:x%20y"},
         {"mailto:://a://b", "mailto:://a://b", "mailto:://a://b"},
@@ -177,13 +112,12 @@ TEST(UrlScheme, IsPrependedOnceAndEscapingKeepsWhatIsEscaped) {
         {"a:%%41%4%zz%4", "a:%%41%4%zz%4", "a:%25%41%254%25zz%254"},
         {"a:%4\u00E9#[\xFF]", "a:%4\u00E9#[\xFF]", "a:%254%C3%A9#%5B%FF%5D"},
         {"a:-_.!~*'();/?:@&=+$,#\"<>\\^`{|}", "a:-_.!~*'();/?:@&=+$,#\"<>\\^`{|}",
-         "a:-_.!~*'();/?:@&=+$,#%22%3C%3E%5C%5E%60%7B%7C%7D"},
-    };
-    for (const Case& one : kCases) {
-        if (one.needsIcu && !kHasIcu) continue;
-        EXPECT_EQ(stringByPrependingURLScheme(one.text), one.completed);
-        EXPECT_EQ(stringByConvertingToRFC2396(one.text), one.escaped);
+         "a:-_.!~*'();/?:@&=+$,#%22%3C%3E%5C%5E%60%7B%7C%7D"}};
+    for (const auto& [text, completed, escaped] : kCases) {
+        EXPECT_EQ(stringByPrependingURLScheme(text), completed);
+        EXPECT_EQ(stringByConvertingToRFC2396(text), escaped);
     }
+    EXPECT_TRUE(stringByPrependingURLScheme("me@x.com") == "mailto:me@x.com" || !kHasIcu);
     constexpr std::string_view kPieces[] = {"a", "/", "%",        "%4",   "41",     "#",
                                             "?", " ", "\xC3\xA9", "\xFF", "x@y.de", "["};
     testing::MadeUpTexts texts(kPieces);

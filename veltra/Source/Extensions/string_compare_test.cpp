@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/string_compare.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/text_services.h"
-
-#include <ostream>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 
@@ -18,58 +14,47 @@ static std::ostream& operator<<(std::ostream& stream, const std::optional<TextRa
 
 namespace {
 
-constexpr CompareOption kCase = CompareOption::CaseInsensitive;
-constexpr CompareOption kLiteral = CompareOption::Literal;
-constexpr CompareOption kBackwards = CompareOption::Backwards;
-constexpr CompareOption kAnchored = CompareOption::Anchored;
-constexpr CompareOption kNumeric = CompareOption::Numeric;
+constexpr CompareOption kCase = CompareOption::CaseInsensitive, kLiteral = CompareOption::Literal,
+                        kBackwards = CompareOption::Backwards, kAnchored = CompareOption::Anchored,
+                        kNumeric = CompareOption::Numeric;
 
 bool hasForms() {
     return TextServices::current().decomposed(u"a").has_value();
 }
 
 TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
-    struct Case {
-        const char* text;
-        const char* sought;
+    const struct {
+        const char *text, *sought;
         CompareOptions options;
         std::optional<TextRange> range;
         bool needsForms = false;
-    };
-    const Case kCases[] = {
-        {"tape tape", "tape", {}, {{0, 4}}},
-        {"tape tape", "tape", kBackwards, {{5, 4}}},
-        {"tape tape", "ape", kAnchored, {}},
-        {"tape tape", "ape", kAnchored | kBackwards, {{6, 3}}},
-        {"tape", "tapes", kAnchored | kBackwards, {}},
-        {"tape", "TAPE", {}, {}},
-        {"tape", "", {}, {}},
-        {"", "a", kCase, {}},
-        {"aaa", "aa", kBackwards, {{1, 2}}},
-        {"Take 007", "TAKE 7", kCase | kNumeric, {}},
-        {"a tapE", "TaPe", kCase | kLiteral, {{2, 4}}},
-        {"a\xC3\xA9", "\xC3\xA9", kLiteral, {{1, 2}}},
-        {"a\xC3\xA9", "\xA9", kLiteral, {}},  // a byte is no part of a character
-        {"a\xC3\xA9\xFF", "\xFF", {}, {{3, 1}}},
-        {"a\xE2\x82z", "\x82", {}, {}},
-        {"Cafe\xCC\x81.wav", "CAF\xC3\x89", kCase, {{0, 6}}, true},
-        {"Caf\xC3\xA9.wav", "fe\xCC\x81.", {}, {{2, 4}}, true},
-        {"Cafe\xCC\x81", "e", {}, {}, true},
-        {"Cafe\xCC\x81 e", "e", {}, {{7, 1}}, true},
-        {"Cafe\xCC\x81 e", "e", kLiteral, {{3, 1}}},
-        {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
-        {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
-        {"STRASSE",
-         "stra\xC3\x9F"
-         "e",
-         kCase,
-         {{0, 7}},
-         true},
-        {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
-        {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
-        {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true},
-    };
-    for (const Case& one : kCases) {
+    } kCases[] = {{"tape tape", "tape", {}, {{0, 4}}},
+                  {"tape tape", "tape", kBackwards, {{5, 4}}},
+                  {"tape tape", "ape", kAnchored, {}},
+                  {"tape tape", "ape", kAnchored | kBackwards, {{6, 3}}},
+                  {"tape", "tapes", kAnchored | kBackwards, {}},
+                  {"tape", "TAPE", {}, {}},
+                  {"tape", "", {}, {}},
+                  {"", "a", kCase, {}},
+                  {"aaa", "aa", kBackwards, {{1, 2}}},
+                  {"Take 007", "TAKE 7", kCase | kNumeric, {}},
+                  {"a tapE", "TaPe", kCase | kLiteral, {{2, 4}}},
+                  {"a\xC3\xA9", "\xC3\xA9", kLiteral, {{1, 2}}},
+                  {"a\xC3\xA9", "\xA9", kLiteral, {}},  // a byte is no part of a character
+                  {"a\xC3\xA9\xFF", "\xFF", {}, {{3, 1}}},
+                  {"a\xE2\x82z", "\x82", {}, {}},
+                  {"Cafe\xCC\x81.wav", "CAF\xC3\x89", kCase, {{0, 6}}, true},
+                  {"Caf\xC3\xA9.wav", "fe\xCC\x81.", {}, {{2, 4}}, true},
+                  {"Cafe\xCC\x81", "e", {}, {}, true},
+                  {"Cafe\xCC\x81 e", "e", {}, {{7, 1}}, true},
+                  {"Cafe\xCC\x81 e", "e", kLiteral, {{3, 1}}},
+                  {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
+                  {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
+                  {"STRASSE", "stra\u00DFe", kCase, {{0, 7}}, true},
+                  {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
+                  {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
+                  {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true}};
+    for (const auto& one : kCases) {
         if (one.needsForms && !hasForms()) continue;
         EXPECT_EQ(find(one.text, one.sought, one.options), one.range)
             << one.text << " / " << one.sought;
@@ -77,14 +62,12 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
 }
 
 TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {
-    struct Case {
-        const char* one;
-        const char* other;
+    const struct {
+        const char *one, *other;
         CompareOptions options;
         bool isEqual;
         bool needsForms = false;
-    };
-    const Case kCases[] = {
+    } kCases[] = {
         {"", "", {}, true},
         {"a", "A", {}, false},
         {"a", "A", kCase, true},
@@ -101,9 +84,8 @@ TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {
         {"a\xCC\xA3\xCC\x81", "a\xCC\x81\xCC\xA3", {}, true, true},  // order of two accents
         {"\xFF", "\xFF", kCase, true},
         {"\xFF", "\xFE", {}, false},
-        {"\xC3", "\xEF\xBF\xBD", {}, false},
-    };
-    for (const Case& one : kCases) {
+        {"\xC3", "\xEF\xBF\xBD", {}, false}};
+    for (const auto& one : kCases) {
         if (one.needsForms && !hasForms()) continue;
         EXPECT_EQ(equals(one.one, one.other, one.options), one.isEqual) << one.one << one.other;
         EXPECT_EQ(equals(one.other, one.one, one.options), one.isEqual) << one.one << one.other;

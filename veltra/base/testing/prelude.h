@@ -42,4 +42,12 @@ std::string printed(Body body) {
     return ::testing::internal::GetCapturedStdout();
 }
 
+// Runs `work` on so many threads at once, each with its number, until all have returned.
+template <typename Work>
+void onThreads(int count, const Work& work) {
+    std::vector<std::jthread> threads;
+    for (int number = 0; number < count; ++number)
+        threads.emplace_back(std::cref(work), number);
+}
+
 }  // namespace veltra::testing

@@ -30,8 +30,7 @@ private:
 
 // `Tag` makes classes apart. Hooks: what init() returns, and what dealloc() does first.
 template <int Tag>
-class Single : public QKSingleton, public LifeMark {
-public:
+struct Single : QKSingleton, LifeMark {
     static SlotClass<> s_class;
     static inline std::function<Object*(Single&)> s_init;
     static inline std::function<void()> s_dealloc;
@@ -55,8 +54,7 @@ template <int Tag>
 const ClassEntry Single<Tag>::s_entry(s_class);
 
 template <int Tag>
-class Value : public QKFlyweight, public LifeMark {
-public:
+struct Value : QKFlyweight, LifeMark {
     static PlainClass s_class;
     static inline std::function<void(Value&)> s_setUp;
     static inline std::atomic<int> s_setUps{0};

@@ -15,8 +15,7 @@ struct FloatMode {
 inline constexpr FloatMode kFloatModes[] = {
     {FE_TONEAREST, false, false}, {FE_TONEAREST, true, false},   {FE_UPWARD, false, false},
     {FE_UPWARD, true, false},     {FE_TOWARDZERO, false, false}, {FE_TOWARDZERO, true, true},
-    {FE_TONEAREST, false, true},  {FE_DOWNWARD, false, false},   {FE_DOWNWARD, true, false},
-};
+    {FE_TONEAREST, false, true},  {FE_DOWNWARD, false, false},   {FE_DOWNWARD, true, false}};
 
 // The calling thread in a mode, where the host has it; flushing and traps are x86's alone.
 class InFloatMode {

@@ -10,8 +10,7 @@
 
 namespace veltra::testing {
 
-class MadeUpTexts {
-public:
+struct MadeUpTexts {
     explicit MadeUpTexts(std::span<const std::string_view> pieces) : m_pieces(pieces) {}
 
     // Up to `most` pieces.
