@@ -19,6 +19,8 @@
 namespace veltra {
 namespace {
 
+using namespace std::string_literals;
+
 using namespace std::string_view_literals;
 constexpr auto kUnset = std::nullopt;
 const char* const kNoFormat = nullptr;
@@ -54,10 +56,12 @@ TEST(Log, TheLineAndTheRecordHoldTheDocumentedTexts) {
         recordOf(world),
         "QKLogCString|CFLog Local Time unset|CFLog Thread unset|ReadUID=-2|Level=7|Message=plain");
     world.forget();
-    world.localTime->year = 7;
-    QKLogCString(7, true, nullptr, "old");
-    EXPECT_EQ(world.line(), "0007-01-31 09:05:07.042 prog[123:a0b] old\n");
-    world.forget();
+    for (const auto& [year, text] : {std::pair(7, "0007"), {-7, "-007"}, {10000, "10000"}}) {
+        world.localTime->year = year;
+        QKLogCString(7, true, nullptr, "year");
+        EXPECT_EQ(world.line(), text + "-01-31 09:05:07.042 prog[123:a0b] year\n"s);
+        world.forget();
+    }
     world.userId = 0;
     world.localTime.reset();
     QKLogCString(3, true, "X", "hello");
