@@ -246,15 +246,25 @@ TEST_F(Installed, GivesExceptionsNamesInAForkedChild) {
     }));
 }
 
-TEST(StrippedProgram, HasAddressesInItsBacktraces) {
-    FILE* const output = ::popen(VELTRA_STRIPPED_PROGRAM, "r");
-    ASSERT_NE(output, nullptr);
+std::string outputOf(const char* program) {
+    FILE* const output = ::popen(program, "r");
+    if (output == nullptr) return {};
     std::string text;
     std::array<char, 256> part{};
     while (std::fgets(part.data(), part.size(), output) != nullptr)
         text += part.data();
     EXPECT_EQ(::pclose(output), 0);
-    EXPECT_THAT(text, AllOf(StartsWith("\t0x"), EndsWith("\n"), Not(HasSubstr("veltra"))));
+    return text;
+}
+
+TEST(StrippedProgram, HasAddressesInItsBacktraces) {
+    EXPECT_THAT(outputOf(VELTRA_STRIPPED_PROGRAM),
+                AllOf(StartsWith("\t0x"), EndsWith("\n"), Not(HasSubstr("veltra"))));
+}
+
+TEST(StrippedProgram, HasNamesWhereItsDebugInformationLiesBesideIt) {
+    NEEDS_NAMES();
+    EXPECT_THAT(outputOf(VELTRA_SEPARATED_PROGRAM), StartsWith("\tmain\n"));
 }
 
 }  // namespace tracing
