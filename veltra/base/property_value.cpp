@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/property_value.h"
 
+#include "veltra/base/ascii_case.h"
+#include "veltra/base/text_parts.h"
 #include "veltra/base/well_formed_utf8.h"
 
 #include <algorithm>
@@ -25,15 +27,6 @@ namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
 
-std::string_view trimmed(std::string_view text) noexcept {
-    const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 template <class Number>
 std::optional<Number> numberFrom(std::string_view text) noexcept {
     text = trimmed(text);
@@ -43,12 +36,6 @@ std::optional<Number> numberFrom(std::string_view text) noexcept {
     const auto [stop, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc{} || stop != end || text.empty()) return std::nullopt;
     return number;
-}
-
-bool equalIgnoringCase(std::string_view text, std::string_view lowerCase) noexcept {
-    return std::ranges::equal(text, lowerCase, [](char left, char right) {
-        return (left >= 'A' && left <= 'Z' ? static_cast<char>(left + ('a' - 'A')) : left) == right;
-    });
 }
 
 std::optional<bool> truthFrom(std::string_view text) noexcept {
@@ -61,7 +48,7 @@ std::optional<bool> truthFrom(std::string_view text) noexcept {
         Word{"false", false}, Word{"no", false}, Word{"0", false},
     };
     for (const Word& word : kWords) {
-        if (equalIgnoringCase(trimmed(text), word.text)) return word.meaning;
+        if (equalButForAsciiCase(trimmed(text), word.text)) return word.meaning;
     }
     return std::nullopt;
 }

@@ -25,8 +25,8 @@ VELTRA_C_BEGIN
 VELTRA_EXPORT int dbgASSERT(int condition, const char* expression, const char* location,
                             int32_t* showCounter) VELTRA_NOEXCEPT;
 
-// Returns 1 when the last assertion that was judged has failed, also silently, and nobody has
-// asked since; else 0. Asking clears the flag.
+// Returns 1 when the last assertion has failed, even one that showed nothing, and nobody has asked
+// since; else 0. Asking clears the flag.
 // Thread: main. Realtime-safe: yes.
 VELTRA_EXPORT int dbgAssertionFailed(void) VELTRA_NOEXCEPT;
 

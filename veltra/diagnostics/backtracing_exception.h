@@ -43,11 +43,11 @@ public:
     // its own, and names only what is exported.
     static void install() noexcept;
 
-    // An exception that will report its first raise: it has its own copy of `userInfo`, which may
-    // be null, with an empty text under kBacktraceKey. But names that begin with "Ws", and
-    // "NSPortTimeoutException", "NSInvalidSendPortException", "NSPortSendException" and
-    // "NSAccessibilityException", are frequent and harmless: these exceptions share `userInfo`
-    // unchanged and never report.
+    // An exception that will report its first raise. It has its own copy of `userInfo`, which may
+    // be null, with an empty text under kBacktraceKey. Some exceptions are frequent and harmless:
+    // those whose name begins with "Ws", and "NSPortTimeoutException",
+    // "NSInvalidSendPortException", "NSPortSendException" and "NSAccessibilityException". They
+    // share `userInfo` unchanged and never report.
     // Throws std::bad_alloc.
     VLBacktracingException(std::string_view name, std::string_view reason,
                            std::shared_ptr<UserInfo> userInfo = nullptr);
@@ -66,8 +66,9 @@ public:
     // Raises the exception without a report.
     [[noreturn]] void raiseWithoutReporting();
 
-    // Lets `handler` be called on the raising thread for each exception that is reported, before it
-    // is thrown; null for none. What the handler throws is thrown instead.
+    // Sets the function that is called for each exception that is reported, on the raising thread,
+    // before the exception is thrown; null for none. If the handler throws, its exception is thrown
+    // instead.
     static void setSignificantRaiseHandler(SignificantRaiseHandler handler) noexcept;
 
     // The backtrace of this moment. With 0 frames to skip it begins with the function that calls

@@ -221,5 +221,10 @@ TEST(StrippedProgram, HasAddressesInItsBacktraces) {
                 AllOf(StartsWith("\t0x"), EndsWith("\n"), Not(HasSubstr("veltra"))));
 }
 
+TEST(StrippedProgram, HasNamesWhereItsDebugInformationLiesBesideIt) {
+    NEEDS_NAMES();
+    EXPECT_THAT(veltra::testing::outputOf(VELTRA_SEPARATED_PROGRAM), StartsWith("\tmain\n"));
+}
+
 }  // namespace tracing
 }  // namespace veltra

@@ -27,8 +27,8 @@ extern VELTRA_EXPORT char* _Atomic ___crashreporter_info__;
 #endif
 // NOLINTEND(bugprone-reserved-identifier)
 
-// Puts a copy of `text` in place of the text before, which is freed; null leaves no text. Readers
-// see the text up to its first NUL. When memory is out, the text before stays.
+// Replaces the text with a copy of `text` and frees the old one; null removes it. Readers see the
+// text up to its first NUL. When memory is out, the old text stays.
 // Thread: any; the last of several calls wins. Realtime-safe: no.
 VELTRA_EXPORT void VLSetCrashReporterInfo(const VLString* text) VELTRA_NOEXCEPT;
 

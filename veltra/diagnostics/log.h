@@ -14,9 +14,12 @@
 // A banner is the date, time, program, process and thread in front of the line:
 //     2024-01-31 09:05:07.042 prog[123:a0b] tag: message
 //
-// Standard error gets the line when it is a regular file; when it is anything else that is open and
-// no service manager started the process or reads the stream; and always when the environment
-// variable CFLOG_FORCE_STDERR is set (to anything) in a process without raised rights.
+// Standard error gets the line in three cases:
+//   - It is a regular file.
+//   - It is anything else that is open, and no service manager started the process or reads the
+//     stream.
+//   - The environment variable CFLOG_FORCE_STDERR is set (to anything), and the process has no
+//     raised rights.
 //
 // Messages are formatted as printf does it, with these differences:
 //   - Numbers have a decimal point and no grouping, and "%m" is English, in every locale.

@@ -18,6 +18,8 @@
 namespace veltra {
 namespace {
 
+using namespace std::string_literals;
+
 using namespace std::string_view_literals;
 constexpr auto kUnset = std::nullopt;
 const char* const kNoFormat = nullptr;
@@ -50,14 +52,17 @@ TEST(Log, TheRecordHoldsTheDocumentedTexts) {
     QKLogCString(7, false, nullptr, "plain");
     EXPECT_EQ(recordOf(world), "QKLogCString" + noBanner + "-2|Level=7|Message=plain");
     world.forget();
-    world.localTime->year = 7;
-    QKLogCString(7, true, nullptr, "old");
-    EXPECT_EQ(world.line(), "0007-01-31 09:05:07.042 prog[123:a0b] old\n");
-    world.forget();
+    for (const auto& [year, text] : {std::pair(7, "0007"), {-7, "-007"}, {10000, "10000"}}) {
+        world.localTime->year = year;
+        QKLogCString(7, true, nullptr, "year");
+        EXPECT_EQ(world.line(), std::string(text) + "-01-31 09:05:07.042 prog[123:a0b] year\n");
+        world.forget();
+    }
+    world.userId = 0;
     world.localTime.reset();
     QKLogCString(3, true, "X", "hello");
     EXPECT_EQ(world.line(), "hello\n") << "no local time, no banner";
-    EXPECT_EQ(recordOf(world), "X" + noBanner + "-2|Level=3|Message=hello");
+    EXPECT_EQ(recordOf(world), "X" + noBanner + "0|Level=3|Message=hello");
 }
 
 TEST(Log, EveryFormOfBannerTagAndMessage) {

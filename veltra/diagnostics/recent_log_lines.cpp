@@ -19,6 +19,10 @@ constexpr std::size_t isThere(std::size_t number) noexcept {
     return 2 * number + 2;
 }
 
+char* findLineFeed(char* begin, const char* end) noexcept {
+    return static_cast<char*>(std::memchr(begin, '\n', static_cast<std::size_t>(end - begin)));
+}
+
 constinit LogRing ring;
 
 }  // namespace
@@ -29,14 +33,19 @@ LogRing& recentLogLines() noexcept {
 
 void LogRing::add(std::string_view banner, std::string_view message) noexcept {
     if (message.ends_with('\n')) message.remove_suffix(1);
-    // A line as long as a place: its length, then its text.
-    std::array<Word, kWords> words{};
+    // A line as long as a place: its length, then its text. The words behind it are not touched.
+    std::array<Word, kWords> words;
     static_assert(sizeof words == sizeof(Length) + kLongestLine);
+    const std::size_t copied = std::min(banner.size() + message.size(), kLongestLine);
+    const std::size_t used = (sizeof(Length) + copied + sizeof(Word) - 1) / sizeof(Word);
+    words[used - 1] = 0;
     auto* const text = reinterpret_cast<char*>(words.data()) + sizeof(Length);
-    const std::size_t start = banner.copy(text, kLongestLine);
-    std::size_t size = start + message.copy(text + start, kLongestLine - start);
+    const std::size_t start = banner.copy(text, copied);
+    message.copy(text + start, copied - start);
+    std::size_t size = copied;
     if (size < banner.size() + message.size()) size = wholeCharacters({text, size}).size();
-    std::replace(text, text + size, '\n', ' ');
+    for (char* at = text; (at = findLineFeed(at, text + size)) != nullptr;)
+        *at = ' ';
     const auto length = static_cast<Length>(size);
     std::memcpy(words.data(), &length, sizeof length);
 
@@ -54,7 +63,7 @@ void LogRing::add(std::string_view banner, std::string_view message) noexcept {
         return;
     // With the fence of read(): whoever sees a word of this line sees that it is being written.
     std::atomic_thread_fence(std::memory_order_release);
-    for (std::size_t i = 0; i < kWords; ++i)
+    for (std::size_t i = 0; i < used; ++i)
         place.words[i].store(words[i], std::memory_order_relaxed);
     place.state.store(isThere(number), std::memory_order_release);  // with read()
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What was logged last, kept in memory for reports of failures: also where nobody keeps the log,
-// and when the process has no time left to look for it.
+// The last log lines, kept in memory for reports of failures. They are there even where nobody
+// keeps the log, or when the process has no time left to look for it.
 #pragma once
 
 #include "veltra/c_linkage.h"
@@ -9,10 +9,10 @@
 
 VELTRA_C_BEGIN
 
-// `line` is UTF-8 (as far as the logged text was), as it stood on standard error or would have:
-// banner and message, without the line feed at the end and with blanks for others. It has `length`
-// bytes, 246 at most, and no terminator; what was longer is cut, never inside a character. Good
-// during the call only.
+// `line` is the line as it stands on standard error, or would: banner and message, without the line
+// feed at the end and with blanks for other line feeds. It is UTF-8 if the logged text was. It has
+// `length` bytes, 246 at most, and no terminator; longer lines are cut, never inside a character.
+// It is valid during the call only.
 typedef void (*VLLogLineVisitor)(void* context, const char* line, size_t length);
 
 // Calls `visit` for each of the last 64 log lines, oldest first. A line that another thread is

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/report_sections.h"
 
+#include "veltra/base/whole_characters.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -46,8 +48,8 @@ void takeLines(Take take) {
         section->write(text.data(), text.size());
         text.back() = '\0';
         std::ranges::replace(text, '\n', ' ');
-        if (text.front() != '\0')
-            take(std::string_view(section->name), std::string_view(text.data()));
+        const std::string_view line = wholeCharacters(text.data());  // the writer may have cut it
+        if (!line.empty()) take(std::string_view(section->name), line);
     }
 }
 
@@ -81,7 +83,7 @@ std::size_t writeReportSections(char* text, std::size_t capacity) noexcept {
              {name, std::string_view(": "), line, std::string_view("\n")})
             room = put(piece, room);
     });
-    const std::size_t size = all.size() - room.size();
+    const std::size_t size = wholeCharacters({text, all.size() - room.size()}).size();
     text[size] = '\0';
     return size;
 }

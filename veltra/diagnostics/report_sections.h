@@ -43,8 +43,8 @@ VELTRA_EXPORT bool addReportSection(const ReportSection& section) noexcept;
 VELTRA_EXPORT void removeReportSection(const ReportSection& section) noexcept;
 
 // Writes a line "NAME: TEXT" and a line end for each section, sorted by name, and a NUL. Returns
-// how many bytes that were without the NUL: at most `capacity` - 1, what does not fit is cut. With
-// `capacity` 0 nothing is written.
+// how many bytes that were without the NUL: at most `capacity` - 1, what does not fit is cut,
+// never inside a UTF-8 character. With `capacity` 0 nothing is written.
 // Thread: any. Realtime-safe: no, the writers read what they like.
 VELTRA_EXPORT std::size_t writeReportSections(char* text, std::size_t capacity) noexcept;
 

@@ -75,10 +75,6 @@ void TextBuffer::appendDecimal(std::int64_t value, int digits) noexcept {
     append(text);
 }
 
-void TextBuffer::appendHexadecimal(std::uint32_t value) noexcept {
-    append(NumberText::hexadecimal(value).view());
-}
-
 bool TextBuffer::appendFormat(const char* format, va_list arguments) noexcept {
     if (m_isCut) return true;
     va_list again;

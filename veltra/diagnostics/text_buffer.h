@@ -45,8 +45,6 @@ public:
     // At least `digits` digits, zeros in front; the sign counts as one of them.
     void appendDecimal(std::int64_t value, int digits = 1) noexcept;
 
-    void appendHexadecimal(std::uint32_t value) noexcept;
-
     // What printf makes of it; false, and nothing appended, when printf fails.
     [[gnu::format(printf, 2, 0)]] bool appendFormat(const char* format, va_list arguments) noexcept;
 

@@ -9,8 +9,8 @@
 
 VELTRA_C_BEGIN
 
-// Made to dump `count` bytes at `address`, but deliberately reads nothing and writes nothing: any
-// address and any count are allowed, also a negative one.
+// Meant to dump `count` bytes at `address`, but deliberately reads and writes nothing. Any address
+// and any count are allowed, even a negative one.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT void QKOutputMemory(const void* address, ptrdiff_t count) VELTRA_NOEXCEPT;
 

@@ -11,7 +11,7 @@
 
 namespace veltra {
 
-// What kind of assertion a caller means; no kinds are told apart, and any value is fine.
+// The kind of an assertion. All kinds are treated alike, and any value is allowed.
 enum class TAssertType : int { Default = 0 };
 
 // Empty: assertions that ask the user are dbgASSERT's.

@@ -11,7 +11,8 @@ namespace veltra {
 
 class Object;
 
-// Not retained: set null before the object dies. Null, as at first, for none.
+// The application object; null, as at first, when there is none. It is not retained: set null
+// before it dies.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT void setApplicationObject(const Object* application) noexcept;
 VELTRA_EXPORT const Object* applicationObject() noexcept;

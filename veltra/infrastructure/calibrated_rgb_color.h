@@ -5,8 +5,9 @@
 //   setFill(needle, canvas);
 //   canvas.fillPath(shape);
 //
-// A drawing is whatever takes colours of sRGB by setStrokeColor({red, green, blue, alpha}) and
-// setFillColor() alike. veltra/ui/canvas.h has the framework's.
+// A drawing is an object of any class that has setStrokeColor({red, green, blue, alpha}) and
+// setFillColor(), which take colours of sRGB. The framework's own is the canvas of
+// veltra/ui/canvas.h.
 #pragma once
 
 #include "veltra/export.h"
@@ -14,7 +15,7 @@
 
 namespace veltra {
 
-// The shared spaces, by the names that they have as members of a class elsewhere. Never null.
+// The shared spaces of color_management.h under their other names. Never null.
 // Thread: any. Realtime-safe: no (the first call makes the space).
 inline const VLColorSpace* musicAppsCalibratedRGBColorSpace() noexcept {
     return VLGetCalibratedRGB_NSColorSpace();

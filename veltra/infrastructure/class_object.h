@@ -14,8 +14,8 @@
 //   constinit PlainClass TempoMap::s_class("TempoMap", &Object::s_class, makeObject<TempoMap>);
 //   const ClassEntry tempoMapEntry(TempoMap::s_class);
 //
-// A class of a module that is loaded later is known from then on, and forgotten when the module is
-// unloaded. Its objects must be gone by then: their code is.
+// When a module is loaded later, its classes become known; when it is unloaded, they are forgotten.
+// Their objects must be gone by then, because their code goes with the module.
 #pragma once
 
 #include "veltra/export.h"
@@ -31,8 +31,9 @@ class VELTRA_EXPORT Class {
 public:
     using Factory = Object* (*)();
 
-    // `name` is a literal, or lives as long. `superclass` may be null. `factory` makes a bare
-    // object, or returns null when memory is out; without a factory nothing can be made.
+    // `name` is a string literal, or lives as long as one. `superclass` may be null. `factory`
+    // makes a bare object, or returns null when memory is out. With a null factory no object can be
+    // made.
     constexpr Class(const char* name, Class* superclass, Factory factory) noexcept
         : m_name(name), m_superclass(superclass), m_factory(factory) {}
     Class(const Class&) = delete;
@@ -47,14 +48,14 @@ public:
     bool isSubclassOf(const Class& ancestor) const noexcept;
 
     // The first phase: a new object with a count of 1, to be prepared by one of its init functions.
-    // Null when there is no memory, or nothing can be made. What the object's constructor throws
-    // leaves unchanged.
+    // Null when memory is out, or when the class has no factory. Exceptions of the object's
+    // constructor pass through.
     // Thread: any. Realtime-safe: no.
     Object* alloc() { return allocWithZone(nullptr); }
     virtual Object* allocWithZone(void* zone);
 
-    // The class of that name which has an entry; null when there is none. Of several with one name,
-    // the latest.
+    // The class of that name that has a ClassEntry; null when there is none. When several have the
+    // name, the latest one.
     // Thread: any. Realtime-safe: no, it may wait for another look-up.
     static Class* named(std::string_view name) noexcept;
 
@@ -67,7 +68,7 @@ private:
     Factory m_factory;
 };
 
-// A class of objects without more to say about themselves.
+// The class object of an ordinary class.
 class VELTRA_EXPORT PlainClass final : public Class {
 public:
     using Class::Class;
@@ -79,7 +80,8 @@ Object* makeObject() {
     return new (std::nothrow) T;
 }
 
-// Makes a class known by name while it lives. A namespace-scope object beside the class object.
+// Makes a class known by its name, as long as the entry lives. Define it at namespace scope, beside
+// the class object.
 // Thread: any. Realtime-safe: no.
 class VELTRA_EXPORT ClassEntry {
 public:

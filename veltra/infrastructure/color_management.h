@@ -20,7 +20,8 @@ VELTRA_C_BEGIN
 
 typedef struct VLColorSpace VLColorSpace;
 
-// A colour. Without a space it is no colour at all: every function takes it and answers with none.
+// A colour. Without a space it is no colour; every function accepts it and returns no colour, or
+// what it says for this case.
 typedef struct VLColor {
     const VLColorSpace* space;  // null: none
     float components[3];        // red, green, blue; or the white and two zeros
@@ -41,9 +42,10 @@ typedef struct VLSrgbColor {
 VELTRA_EXPORT const VLColorSpace* VLGetCalibratedRGB_CGColorSpace(void) VELTRA_NOEXCEPT;
 VELTRA_EXPORT const VLColorSpace* VLGetCalibratedRGB_NSColorSpace(void) VELTRA_NOEXCEPT;
 
-// The shared grey space, decided once. Never null. Where isSnowLeopardOrNewer() holds, it is that
-// of the device: the white is each of the three numbers of sRGB. Elsewhere, so on Linux before
-// release 10, it has a gamma of 1.8 and the white of sRGB.
+// The shared grey space. Never null. The first call chooses it. Where isSnowLeopardOrNewer()
+// returns true, it is the grey of the device: the white is used for each of the three numbers of
+// sRGB. Elsewhere, as on Linux before release 10, it has a gamma of 1.8 and the white point of
+// sRGB.
 // Thread: any. Realtime-safe: no (the first call asks the system).
 VELTRA_EXPORT const VLColorSpace* VLGetCalibratedWhiteColorSpace(void) VELTRA_NOEXCEPT;
 
@@ -52,11 +54,11 @@ VELTRA_EXPORT const VLColorSpace* VLGetCalibratedWhiteColorSpace(void) VELTRA_NO
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT int32_t VLGetUIRenderingIntent(void) VELTRA_NOEXCEPT;
 
-// The space of the profile in the resource file `name`, with its extension: the framework's own
-// one, else a file in the resource folders. Null for a null name or one with "/" in it, when there
-// is no such file, when it has more than 1 MiB or is no intact profile of RGB or grey, in a library
-// without Little CMS (VELTRA_LCMS), and when memory is out. A file is read once; later changes of
-// it change nothing. The two names stand for the same.
+// The space of the profile in the resource file `name`, which includes the extension: the
+// framework's own profile, or a file in the resource folders. A file is read once; later changes of
+// it have no effect. Returns null for a null name and one with "/" in it; when there is no such
+// file; when the file has more than 1 MiB or is no intact profile of RGB or grey; in a library
+// without Little CMS (VELTRA_LCMS); and when memory is out. The two functions do the same.
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT const VLColorSpace* VLCreateCGColorSpaceFromResource(const VLString* name)
     VELTRA_NOEXCEPT;
@@ -78,8 +80,9 @@ VELTRA_EXPORT VLColor VLCreateWhiteColor(float white, float alpha) VELTRA_NOEXCE
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT bool VLColorIsEqual(VLColor left, VLColor right) VELTRA_NOEXCEPT;
 
-// The colour in sRGB, which is where colours that sRGB does not have are cut off. Components and
-// alpha outside of 0 to 1 count as the nearer end, NaN as 0. Without a space: transparent black.
+// The colour in sRGB. What lies outside of sRGB is clipped, here and nowhere before. Components and
+// alpha below 0 count as 0, those above 1 as 1, and NaN as 0. A colour without a space becomes
+// transparent black.
 // Thread: any. Realtime-safe: yes in the shared spaces; no promise in those of resources.
 VELTRA_EXPORT VLSrgbColor VLColorToSrgb(VLColor color) VELTRA_NOEXCEPT;
 

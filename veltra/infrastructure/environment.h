@@ -15,32 +15,33 @@
 
 VELTRA_C_BEGIN
 
-// "PRODUCT VERSION (Build BUILD)" of the operating system, as "Debian GNU/Linux 12 (Build
+// "PRODUCT VERSION (Build BUILD)" of the operating system, for example "Debian GNU/Linux 12 (Build
 // 6.1.0-18-amd64)"; "Unknown" when the system does not say. Null when memory is out.
 VELTRA_EXPORT const VLString* QKOSVersion(void) VELTRA_NOEXCEPT;
 
-// Version, build number and mark of the build of the application, as "2.1(14) C24", as far as they
-// are known (application_facts.h has the rule); "?.??" without a version. Null when memory is out.
+// Version, build number and build mark of the application, for example "2.1(14) C24". What is not
+// known is left out (application_facts.h has the rule); without a version the text is "?.??". Null
+// when memory is out.
 VELTRA_EXPORT const VLString* QKApplicationVersion(void) VELTRA_NOEXCEPT;
 
-// The application's name, else that of the program's file, else the empty text. Null when memory is
-// out, or when the name of the file is not UTF-8.
+// The application's name; without one, the name of the program's file; without that, the empty
+// text. Null when memory is out, or when the name of the file is not UTF-8.
 VELTRA_EXPORT const VLString* QKApplicationName(void) VELTRA_NOEXCEPT;
 
-// Tells the framework one fact about the application, by the keys of bundle_information.h. Call it
-// at start; from then on the file Info.json does not count. Texts are UTF-8. Returns false for null
-// and when memory is out; then nothing changed.
+// Tells the framework one fact about the application, under one of the keys of
+// bundle_information.h. Call it at start; from then on the file Info.json is ignored. Texts are
+// UTF-8. Returns false for null and when memory is out; then nothing has changed.
 VELTRA_EXPORT bool QKSetApplicationInformation(const char* key, const char* text) VELTRA_NOEXCEPT;
 
 // A bundle: a folder with files that belong together.
 typedef struct QKBundle QKBundle;
 
-// The folder `name` in the first of the system's library folders that has one: /usr/local/lib,
-// /usr/lib and their like. Null when there is none, when the name is empty, has a slash or leads
-// out of the folder, and when memory is out.
+// The bundle in the folder `name` of the system's library folders, such as /usr/local/lib and
+// /usr/lib; the first library folder that has it counts. Null when there is none; when the name is
+// empty, has a slash or leads out of the folder; and when memory is out.
 VELTRA_EXPORT QKBundle* QKCreateFrameworkBundleFromName(const VLString* name) VELTRA_NOEXCEPT;
 
-// Any other folder. Null when there is no such folder, and when memory is out.
+// The bundle in any other folder. Null when there is no such folder, and when memory is out.
 VELTRA_EXPORT QKBundle* QKCreateBundleAtPath(const VLString* path) VELTRA_NOEXCEPT;
 
 // Does nothing for null.
@@ -64,11 +65,11 @@ VELTRA_EXPORT const VLString* qk_pathOfQkoreBundleImage(const VLString* name) VE
 // or of one derived from it. False without such an object or such a class.
 VELTRA_EXPORT bool isRunningAsProApp(void) VELTRA_NOEXCEPT;
 
-// Whether the major number of the kernel's release is greater than 6, 7, 8 and 9. The number counts
-// as another system counted its kernels: on Linux 6 all four are false, on Linux 7 the first alone
-// is true. Do not take them for "modern". A host that relies on them installs SystemQueries with
-// another KernelRelease before the first call: the number is read once and kept. A release without
-// a number counts as 0.
+// Whether the major number of the kernel's release is greater than 6, 7, 8 and 9. The names come
+// from the kernels of another system: on Linux 6 all four are false, on Linux 7 only the first is
+// true. They do not mean "modern". The number is read at the first call and kept; a release without
+// a number counts as 0. A host that needs other answers installs SystemQueries with its own
+// KernelRelease before that.
 VELTRA_EXPORT bool isPantherOrNewer(void) VELTRA_NOEXCEPT;
 VELTRA_EXPORT bool isTigerOrNewer(void) VELTRA_NOEXCEPT;
 VELTRA_EXPORT bool isLeopardOrNewer(void) VELTRA_NOEXCEPT;

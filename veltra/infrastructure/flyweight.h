@@ -9,10 +9,10 @@
 //       void setupIntrinsicStateData() override { m_text = ...; }      // once for each note
 //   };
 //
-// What a caller gets carries a reference for it. The pool keeps one of its own, so that a value
-// stays for the next who asks for it, until the pool of its class is dropped. A value with
-// auto-removal leaves with its last user instead. A module that is unloaded drops the pools of its
-// classes before.
+// Whoever asks for a value owns a reference to it. The pool has one of its own, so that the value
+// stays for the next caller, until the pool of its class is dropped. A value with auto-removal
+// leaves the pool with its last user instead. Before a module is unloaded, it must drop the pools
+// of its classes.
 #pragma once
 
 #include "veltra/export.h"
@@ -47,7 +47,8 @@ public:
     // caller; null when there is none, or its set-up fails. Makes nothing.
     static QKFlyweight* pooled(const Class& flyweightClass, std::uint32_t hash);
 
-    // The identity given to initWithHash(). No subclass may have another: the pool goes by it.
+    // The hash that was given to initWithHash(). No subclass may change it, because the pool finds
+    // objects by it.
     std::uint32_t hash() const noexcept final { return m_hash; }
 
     // Whether `other` has the same hash, of whatever class it is. False for null.

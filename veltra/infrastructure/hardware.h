@@ -3,7 +3,7 @@
 // the member of QKHardwareUtilities of that name (hardware_utilities.h), which says what the answer
 // is. The neutral answers (0, false, -1) also stand for "memory is out".
 //
-// Thread: any; of VLHardwareSystemHasDVDDrive one at a time. Realtime-safe: no.
+// Thread: any; for VLHardwareSystemHasDVDDrive one at a time. Realtime-safe: no.
 #pragma once
 
 #include "veltra/base/string_object.h"

@@ -25,8 +25,8 @@ public:
     static SlotClass<> s_class;  // "QKHardwareUtilities"
     Class& classObject() const noexcept override { return s_class; }
 
-    // The instance, of a derived class with a slot of its own: sharedHardwareUtilities<Mine>().
-    // Null when memory is out.
+    // The shared instance; null when memory is out. For a derived class with a slot of its own:
+    // sharedHardwareUtilities<Mine>().
     template <class T = QKHardwareUtilities>
     static T* sharedHardwareUtilities() {
         return static_cast<T*>(T::s_class.sharedInstance());
@@ -66,7 +66,7 @@ public:
     //   6  any other x86
     std::int32_t cpuType();
 
-    // Whether there is a drive that reads DVD or Blu-ray discs. Counts the drives anew.
+    // Whether there is a drive that reads DVD or Blu-ray discs. Each call counts the drives again.
     // Thread: one at a time.
     bool systemHasDVDDrive();
 
@@ -74,12 +74,13 @@ public:
     // "IOBDServices" occurs.
     virtual void _deviceAddedWithName(std::string_view name);
 
-    // The resident and the virtual size of this process in bytes. When they are not to be had,
-    // stores 0 in both and returns false. Null is passed over.
+    // Stores the resident and the virtual size of this process, in bytes. When the system does not
+    // say, stores 0 in both and returns false. Either pointer may be null; then that size is not
+    // stored.
     bool getRSIZE(std::uint64_t* resident, std::uint64_t* virtualSize) const;
 
-    // When the machine started, in seconds since 1970 (UTC); -1 when unknown. It moves when the
-    // clock is set. The first holds dates up to 2038.
+    // When the machine started, in seconds since 1970 (UTC); -1 when unknown. The answer changes
+    // when the clock is set. The 32-bit one ends in 2038.
     std::int32_t boottime() const;
     std::int64_t boottime64() const;
 

@@ -8,10 +8,10 @@
 // of the threads that hold them. So entering never allocates and never fails, and a block that is
 // left by an exception or by the cancellation of its thread leaves the monitor, too.
 //
-// A forked child keeps the monitors that the forking thread holds; those of other threads are free
-// there, for nobody is left to leave them. What another thread was changing under one may be half
-// done in the child: a child that does not exec should not use singletons or shared values that
-// other threads may have been making.
+// A forked child keeps the monitors that the forking thread holds. Those of other threads are free
+// in the child, because these threads do not exist there. What they were changing may be half done:
+// a child that does not exec should not use singletons or shared values that other threads may have
+// been making.
 #pragma once
 
 #include "veltra/export.h"

@@ -27,7 +27,7 @@ namespace veltra {
 class VELTRA_EXPORT QKNanoTimer {
 public:
     // A calibrated timer, idle and with empty sums, owned by the caller. Null when memory is out,
-    // or when there is no clock, which it prints: "host_get_clock_service : <error number>:
+    // or when there is no clock; then it also prints "host_get_clock_service : <error number>:
     // <text>". Realtime-safe: no.
     static std::unique_ptr<QKNanoTimer> timer() noexcept;
 
@@ -50,9 +50,9 @@ public:
     // measured as one interval; ignored while an interval runs. Realtime-safe: yes.
     void setLoopcounter(std::int32_t count) noexcept;
 
-    // While an interval runs, what has passed of it, deliberately without the correction: nothing
-    // has been stopped yet. Otherwise the average interval; 0 when the count is 0, and a negative
-    // count divides as the large unsigned number it is. Realtime-safe: yes.
+    // While an interval runs: how long it has run, deliberately without the correction, as nothing
+    // has been stopped yet. Otherwise: the average interval, 0 when the count is 0. A negative
+    // count is taken as the large unsigned number with the same bits. Realtime-safe: yes.
     std::uint64_t nanoseconds() const noexcept;
 
     // nanoseconds() as text: "499ns", "0.5us", "0.5ms", "0.6s (600.0ms)", with a decimal point in

@@ -18,7 +18,7 @@ namespace veltra {
 class Class;
 class PlainClass;
 
-// Thread: any for counting; what else a class does is its own affair. Realtime-safe: no, a release
+// Thread: any for counting; each class says it of its other functions. Realtime-safe: no, a release
 // may end in dealloc().
 class VELTRA_EXPORT Object {
 public:
@@ -40,16 +40,16 @@ public:
     // Gives a reference back. The last one destroys the object.
     virtual void release();
 
-    // Has the innermost AutoreleasePool of this thread give a reference back when it ends. Without
-    // a pool the reference is kept until the thread ends, on the main thread for ever. The same
-    // when memory is out. Returns this object.
+    // Hands a reference to the innermost AutoreleasePool of this thread, which gives it back when
+    // it ends. Without a pool, and when memory is out, the reference is kept until the thread ends;
+    // on the main thread it is kept for ever. Returns this object.
     virtual Object* autorelease();
 
     // References at this moment. Only a caller that knows of all of them can use the number.
     virtual std::uint32_t retainCount() const noexcept;
 
-    // A new object of equal value, owned by the caller; null for a class that has no copies, as
-    // this one. `zone` has no meaning any more.
+    // A new object of equal value, owned by the caller. Null for a class without copies, such as
+    // this one. `zone` is not used.
     virtual Object* copyWithZone(void* zone);
 
     // Equal objects have equal hashes. Here: one that follows from the address.
@@ -58,8 +58,8 @@ public:
     // Here: whether `other` is this object. False for null.
     virtual bool isEqual(const Object* other) const noexcept;
 
-    // Ends the object's life, called by the last release(). A class that owns something overrides
-    // this, gives it up and calls its base's as the last thing, which frees the memory.
+    // Ends the object's life; the last release() calls it. A class that owns something overrides
+    // it, gives up what it owns, and then calls the dealloc() of its base, which frees the memory.
     virtual void dealloc();
 
 protected:

@@ -33,30 +33,31 @@
 
 namespace veltra {
 
-// The class of a singleton class. It says nothing of where the instance is kept: a concrete class
-// has a SlotClass, or derives from this and overrides singleton() and setSingleton().
+// The class object of a singleton class. It does not say where the instance is kept: a concrete
+// class uses SlotClass, or derives from this one and overrides singleton() and setSingleton().
 // Thread: any. Realtime-safe: no, but for SlotClass::sharedInstance() once the instance is there.
 class VELTRA_EXPORT SingletonClass : public Class {
 public:
     using Class::Class;
 
-    // Returns the instance, after making it if there is none: alloc(), init(), and registration for
+    // Returns the instance. If there is none, makes it: alloc(), init(), and registration for
     // releaseAllSingletons(). While init() runs, a call from it gets the object that is being
-    // prepared; calls of other threads wait. What init() returns is not looked at but for null,
-    // which is not registered; the object that alloc() made stays in the slot all the same.
-    // Null when memory is out; then nothing was made.
-    // Raises what singleton(), setSingleton() and init() raise.
+    // prepared; calls of other threads wait. The slot keeps the object that alloc() made, whatever
+    // init() returns; when init() returns null, the instance is not registered. Null when memory is
+    // out; then nothing was made. Exceptions of singleton(), setSingleton() and init() pass
+    // through.
     Object* sharedInstance();
 
-    // Takes the instance off the register, sends it dealloc() and empties the slot, in this order.
+    // Takes the instance off the register, calls its dealloc() and empties the slot, in this order.
     // Without an instance nothing happens. The next sharedInstance() makes a new one.
     virtual void releaseSharedInstance();
 
     // Makes the instance and stores it, only if there is none; else returns null.
     Object* allocWithZone(void* zone) override;
 
-    // The slot. Here they raise "ESSingleton", with "+singleton not implemented" and
-    // "+setSingleton: not implemented": each concrete class has a slot of its own.
+    // Read and write the slot. In this class they raise "ESSingleton", with "+singleton not
+    // implemented" and "+setSingleton: not implemented", because each concrete class has a slot of
+    // its own.
     virtual Object* singleton() const;
     virtual void setSingleton(Object* instance);
 
@@ -64,9 +65,10 @@ public:
     // sharedInstance(). 0 without a registered instance.
     std::uintptr_t madeBy() const noexcept { return m_makers[0].load(std::memory_order_relaxed); }
 
-    // The same for people, "openSession() (session.cpp:42)": the nearest of four callers that is
-    // not called sharedInstance itself. An address where the name is not known; empty without a
-    // registered instance. The first name that a process asks for may take a tenth of a second.
+    // The same as text, for example "openSession() (session.cpp:42)": the nearest of four callers
+    // that is not itself called sharedInstance. An address where the name is not known; empty
+    // without a registered instance. The first name that a process asks for may take a tenth of a
+    // second.
     // Throws std::bad_alloc.
     std::string makerName() const;
 
@@ -121,9 +123,9 @@ class VELTRA_EXPORT QKSingleton : public Object {
 public:
     static PlainClass s_class;  // "QKSingleton", without a slot
 
-    // Tears down every registered singleton, in no order, and the register with them. One that is
-    // made anew meanwhile (by the dealloc() of another) is torn down as well; the register gives up
-    // after eight rounds, when some keep coming back.
+    // Tears down every registered singleton, in no particular order, and then the register. One
+    // that is made again meanwhile, by the dealloc() of another, is torn down as well. After eight
+    // rounds it gives up on those that keep coming back.
     // Thread: any; no other thread may use a singleton meanwhile. Realtime-safe: no.
     static void releaseAllSingletons();
 
@@ -139,8 +141,8 @@ public:
     // Thread: any. Realtime-safe: no.
     static std::vector<Living> livingSingletons();
 
-    // The same for people, a line for each: "Session: first asked for by openSession()
-    // (session.cpp:42)". To be logged before releaseAllSingletons(). Throws std::bad_alloc.
+    // The same as text, one line each: "Session: first asked for by openSession()
+    // (session.cpp:42)". Log it before releaseAllSingletons(). Throws std::bad_alloc.
     // Thread: any. Realtime-safe: no.
     static std::string livingReport();
 

@@ -80,8 +80,8 @@ public:
     void stop() noexcept;
     void invalidate() noexcept;
 
-    // Sends the action now, if the timer runs. A repeating timer keeps its schedule, any other is
-    // idle before the action is sent.
+    // Sends the action now, if the timer runs. A repeating timer keeps its schedule; any other
+    // becomes idle before the action is sent.
     void fire();
 
     // Both tell whether the timer runs. False before the first start, and inside the action of a

@@ -3,10 +3,13 @@
 
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/bundle_information.h"
+#include "veltra/platform/port.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/resources.h"
+#include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
+#include <cstdlib>
 #include <fstream>
 
 namespace veltra {
@@ -58,6 +61,25 @@ TEST(ApplicationVersion, ComesFromAFileWithItsOwnDigits) {
     std::filesystem::remove(path);
     EXPECT_EQ(applicationVersion(), "?.??");  // read once
     setBundleInformation(std::nullopt);
+}
+
+TEST(Program, ThatWasRemovedWhileItRunsKeepsItsPath) {
+    namespace fs = std::filesystem;
+    constexpr const char* kToldPath = "VELTRA_TEST_OWN_PATH";
+    if (const char* const path = environmentVariable(kToldPath)) {
+        EXPECT_EQ(platformExecutablePath(), path);
+        fs::remove(path);
+        EXPECT_EQ(platformExecutablePath(), path);
+        EXPECT_EQ(executableFolder(), fs::path(path).parent_path());
+        return;
+    }
+    const testing::TemporaryFolder folder;
+    const fs::path copy = fs::canonical(folder.path) / "copy";
+    fs::copy_file("/proc/self/exe", copy);
+    setEnvironment(kToldPath, copy.c_str());
+    // NOLINTNEXTLINE(concurrency-mt-unsafe,cert-env33-c): one thread, a command of our own
+    EXPECT_EQ(std::system((copy.string() + " --gtest_filter=Program.* >&2").c_str()), 0);
+    setEnvironment(kToldPath, nullptr);
 }
 
 TEST(Resources, AreFoundInTheHostsFolderAndNeverOutsideOfIt) {

@@ -73,6 +73,9 @@ public:
     virtual std::error_code readLink(Handle folder, const char* name,
                                      std::string& target) noexcept = 0;
 
+    // The path of what exists there, from "/", without links and without "." and "..".
+    virtual std::error_code resolve(const char* path, std::string& resolved) noexcept = 0;
+
     // Each handle is closed by close(), which closes it also where it returns an error.
     virtual std::error_code open(Handle folder, const char* name, Access access, LastLink lastLink,
                                  Handle& opened) noexcept = 0;
@@ -118,8 +121,6 @@ public:
     // The home folder of a user of the machine, of the process's own for the empty name. Empty when
     // there is none.
     virtual std::string homeFolder(const std::string& user) noexcept = 0;
-    // The folder of the program that runs; empty when it is not known.
-    virtual std::string programFolder() noexcept = 0;
 };
 
 }  // namespace veltra

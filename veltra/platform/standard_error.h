@@ -26,8 +26,8 @@ public:
 
     struct Status {
         Kind kind = Kind::Unusable;
-        std::uint64_t device = 0;  // with `inode`: which file it is
-        std::uint64_t inode = 0;
+        std::uint64_t device = 0;  // with `inode`: which file it is; both 0 when not asked for,
+        std::uint64_t inode = 0;   // which a regular file allows
     };
 
     // One line in up to three pieces; empty ones are left out.

@@ -5,6 +5,7 @@
 #include "veltra/Source/Extensions/QKNSURL_Extensions.h"
 #include "veltra/Source/Extensions/testing/failing_file_system.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/resources.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/volumes.h"
@@ -203,7 +204,7 @@ struct Desktop final : Volumes {
 
 TEST(FileManager, KnowsWherePluginsMayBe) {
     const Desktop desktop;
-    const std::string program = FileSystem::current().programFolder();
+    const std::string program = executableFolder();
     EXPECT_EQ(fs::path(program), fs::read_symlink("/proc/self/exe").parent_path());
     EXPECT_EQ(pluginSearchPaths("Kit/Plug-ins"),
               (Names{desktop.folder / "data/Kit/Plug-ins", "/one/Kit/Plug-ins", "/two/Kit/Plug-ins",

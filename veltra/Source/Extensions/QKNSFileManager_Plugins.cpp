@@ -7,7 +7,7 @@
 #include "veltra/Source/Extensions/detail/file_answer.h"
 #include "veltra/Source/Extensions/detail/folder_walk.h"
 #include "veltra/Source/Extensions/detail/path_extension.h"
-#include "veltra/platform/file_system.h"
+#include "veltra/platform/resources.h"
 
 #include <algorithm>
 
@@ -21,7 +21,7 @@ std::vector<std::string> pluginSearchPaths(std::string_view folderName) noexcept
                                 !containsPathComponent(folderName, "..", CompareOption::Literal);
         if (!isRelative) return paths;
         std::vector<std::string> folders = dataFolders();
-        folders.push_back(FileSystem::current().programFolder());
+        folders.push_back(executableFolder());
         for (const std::string& folder : folders) {
             std::string path = folderName.empty() ? folder : pathIn(folder, folderName);
             if (!folder.empty() && std::find(paths.begin(), paths.end(), path) == paths.end())

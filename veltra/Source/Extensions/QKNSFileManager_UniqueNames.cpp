@@ -42,6 +42,11 @@ std::optional<std::string> firstFree(std::string_view name, std::string_view ext
     return std::nullopt;
 }
 
+bool canPass(OpenItem& folder, std::string_view path) {
+    return canBePath(path) && !folder.open(FileSystem::kWorkingFolder, std::string(path).c_str(),
+                                           OpenItem::Access::Pass, OpenItem::LastLink::Follow);
+}
+
 }  // namespace
 
 std::optional<std::string> uniqueFileNameAtPath(std::string_view path,
@@ -51,9 +56,7 @@ std::optional<std::string> uniqueFileNameAtPath(std::string_view path,
     return answerAboutFiles(Answer(), [&]() -> Answer {
         FileSystem& files = FileSystem::current();
         OpenItem folder(files);
-        if (!canBePath(path) || folder.open(FileSystem::kWorkingFolder, std::string(path).c_str(),
-                                            OpenItem::Access::Pass, OpenItem::LastLink::Follow))
-            return std::nullopt;
+        if (!canPass(folder, path)) return std::nullopt;
         return firstFree(withFileName, andExtension, [&](const char* name) {
             FileFacts facts;
             const std::error_code error =
@@ -70,9 +73,7 @@ std::optional<std::string> createUniqueFile(std::string_view path, std::string_v
     return answerAboutFiles(Answer(), [&]() -> Answer {
         FileSystem& files = FileSystem::current();
         OpenItem folder(files);
-        if (!canBePath(path) || folder.open(FileSystem::kWorkingFolder, std::string(path).c_str(),
-                                            OpenItem::Access::Pass, OpenItem::LastLink::Follow))
-            return std::nullopt;
+        if (!canPass(folder, path)) return std::nullopt;
         OpenItem file(files);
         return firstFree(withFileName, andExtension, [&](const char* name) {
             return file.create(folder.handle(), name, kFilePermissions);

@@ -3,6 +3,7 @@
 
 #include "veltra/Source/Extensions/detail/control_characters.h"
 #include "veltra/Source/Extensions/detail/utf16_text.h"
+#include "veltra/base/ascii_case.h"
 #include "veltra/base/utf8.h"
 #include "veltra/platform/c_locale.h"
 #include "veltra/platform/text_services.h"
@@ -16,17 +17,6 @@ namespace veltra {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
-
-bool equalsCapitals(std::string_view text, std::string_view capitals) noexcept {
-    if (text.size() != capitals.size()) return false;
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        const char letter = text[index];
-        const char capital =
-            letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-        if (capital != capitals[index]) return false;
-    }
-    return true;
-}
 
 // Blanks, a sign, digits: whether one of the digits is not 0. So no number is too large.
 bool beginsWithNonZero(std::string_view text) noexcept {
@@ -77,7 +67,7 @@ bool containsSubstring(std::string_view text, std::string_view substring,
 
 bool boolValue(std::string_view text) noexcept {
     for (const std::string_view yes : {"YES", "TRUE", "Y"})
-        if (equalsCapitals(text, yes)) return true;
+        if (equalButForAsciiCase(text, yes)) return true;
     return beginsWithNonZero(text);
 }
 

@@ -3,10 +3,9 @@
 #include "veltra/Source/Extensions/detail/file_answer.h"
 #include "veltra/Source/Extensions/detail/path_extension.h"
 #include "veltra/Source/Extensions/detail/small_file.h"
+#include "veltra/base/text_parts.h"
 #include "veltra/platform/file_system.h"
 #include "veltra/platform/volumes.h"
-
-#include <filesystem>
 
 namespace veltra {
 
@@ -15,13 +14,11 @@ namespace {
 using Path = std::optional<std::string>;
 
 constexpr int kMostAliases = 16;
-constexpr std::size_t kLongestPath = 4096;  // bytes; the system takes none that is longer
 
 Path withoutLinks(const std::string& path) {
-    std::error_code error;
-    std::filesystem::path resolved = std::filesystem::canonical(path, error);
-    if (error) return std::nullopt;
-    return std::move(resolved).string();
+    std::string resolved;
+    if (canonicalPath(path, resolved)) return std::nullopt;
+    return resolved;
 }
 
 std::string withHome(std::string_view path) {
@@ -63,7 +60,7 @@ bool isListedAsHidden(const std::string& folder, std::string_view name) {
     const Path text = startOfFile(pathIn(folder, ".hidden"));
     if (!text) return false;
     for (std::string_view rest = std::string_view(*text).substr(0, kSmallFile); !rest.empty();) {
-        if (takeLine(rest) == name) return true;
+        if (takeUpTo('\n', rest) == name) return true;
     }
     return false;
 }

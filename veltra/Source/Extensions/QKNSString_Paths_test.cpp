@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/QKNSString_Paths.h"
 
+#include "veltra/Source/Extensions/QKNSURL_Extensions.h"
+#include "veltra/Source/Extensions/testing/failing_file_system.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/testing/environment.h"
@@ -48,6 +50,42 @@ TEST(Paths, HaveComponents) {
     EXPECT_EQ(lastPathComponentCompare("/z/a", "/a/b/"), -1);
     EXPECT_EQ(lastPathComponentCompare("b", "/a/b"), 0);
     EXPECT_EQ(lastPathComponentCompare("\xE9", "z"), 1);
+}
+
+std::string desktopLink(const std::string& url) {
+    return "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = Link\nURL=" + url +
+           "\nName=x\n[More]\nType=Application\n";
+}
+
+TEST(Paths, AreNotHalfResolvedWhenMemoryIsOut) {
+    const testing::TemporaryFolder temporary;
+    const std::string at = fs::canonical(temporary.path).string() + "/";
+    fs::create_directories(at + "Trash/files/kit");
+    fs::create_symlink("Trash/files", at + "link");
+    std::ofstream(at + "alias.desktop") << desktopLink("file://" + at + "link/kit");
+    setEnvironment("XDG_DATA_HOME", at.c_str());
+    const std::string path = at + "alias.desktop/none";
+    const std::string expected = at + "Trash/files/kit/none";
+    ASSERT_EQ(pathByResolvingSymlinksAndAliasesInPath(path), expected);
+    ASSERT_TRUE(isInTrash("file://" + at + "link/none/kit"));
+    int resolved = 0;
+    for (int failing = 0;; ++failing) {
+        testing::FailingFileSystem files;
+        files.failing = failing;
+        files.error = std::make_error_code(std::errc::not_enough_memory);
+        bool isResolving = false;
+        files.beforeStep = [&](std::string_view step, std::string_view) {
+            if (files.steps == failing) isResolving = step == "resolve";
+        };
+        const auto answer = pathByResolvingSymlinksAndAliasesInPath(path);
+        const bool isThere = files.steps <= failing && isInTrash("file://" + at + "link/none/kit");
+        if (files.steps <= failing) break;
+        if (!isResolving) continue;
+        ++resolved;
+        EXPECT_FALSE(answer.value_or(expected) != expected || isThere) << failing;
+    }
+    EXPECT_GT(resolved, 6);
+    setEnvironment("XDG_DATA_HOME", nullptr);
 }
 
 TEST(Paths, LeadThroughLinksAndAliases) {

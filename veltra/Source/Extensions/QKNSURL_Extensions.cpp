@@ -22,10 +22,19 @@ bool isBelow(const path& item, const path& folder) {
     return !relative.empty() && relative != "." && *relative.begin() != "..";
 }
 
+// The links and steps back of as much of it as exists are followed.
 path withoutLinks(const path& item) {
-    std::error_code error;
-    path resolved = std::filesystem::weakly_canonical(item, error);
-    return error ? item.lexically_normal() : resolved;
+    path rest;
+    for (path start = item;; start = start.parent_path()) {
+        std::string resolved;
+        const std::error_code error = canonicalPath(start.string(), resolved);
+        if (!error) return (rest.empty() ? path(resolved) : resolved / rest).lexically_normal();
+        const bool isMissing =
+            error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+        if (!isMissing || !start.has_parent_path() || !start.has_relative_path())
+            return item.lexically_normal();
+        rest = rest.empty() ? start.filename() : start.filename() / rest;
+    }
 }
 
 // The volume of the first folder above the item that exists.
@@ -43,7 +52,6 @@ std::optional<Volume> volumeAbove(path item) {
 bool isInTrash(std::string_view url) noexcept {
     return answerAboutFiles(false, [&] {
         const std::optional<std::string> text = pathOfFileUrl(url);
-        constexpr std::size_t kLongestPath = 4096;  // bytes; the system takes none that is longer
         if (!text || text->size() > kLongestPath) return false;
         // A link in the trash is there itself, wherever it leads.
         path named(*text);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/string_compare.h"
 
+#include "veltra/Source/Extensions/detail/utf16_text.h"
+#include "veltra/base/ascii_case.h"
 #include "veltra/base/out_of_memory.h"
 #include "veltra/base/utf8.h"
 #include "veltra/base/well_formed_utf8.h"
@@ -19,10 +21,6 @@ constexpr char32_t kIllFormedBytes = 0x110000;  // the first value that is no co
 
 constexpr bool isAscii(char byte) noexcept {
     return static_cast<unsigned char>(byte) < 0x80;
-}
-
-constexpr char32_t smallAscii(char32_t code) noexcept {
-    return code >= U'A' && code <= U'Z' ? code + (U'a' - U'A') : code;
 }
 
 // A text in the form in which it is compared unit by unit, and the way back.
@@ -92,15 +90,10 @@ private:
         return length;
     }
 
+    // REQUIRES: it is well-formed.
     void appendForm(std::string_view character) {
-        std::u16string form;
-        while (!character.empty()) {
-            const DecodedCharacter next = firstCharacter(character);
-            char16_t units[2];
-            putUtf16(units, m_isFolded ? smallAscii(next.code) : next.code);
-            form.append(units, utf16Length(next.code));
-            character.remove_prefix(next.length);
-        }
+        std::u16string form = detail::utf16From(character).value_or(std::u16string());
+        if (m_isFolded) std::ranges::transform(form, form.begin(), smallAscii<char16_t>);
         const auto become = [&form](std::optional<std::u16string> other) {
             if (other) form = *std::move(other);
         };

@@ -323,47 +323,54 @@ union Value {
 
 class Arguments {
 public:
-    // The first conversion that names an argument decides its type.
-    void note(int argument, Type type) noexcept {
-        if (argument == kNoArgument) return;
-        Type& known = m_types[static_cast<std::size_t>(argument)];
-        if (known == Type::None) known = type;
+    explicit Arguments(va_list arguments) noexcept { va_copy(m_rest, arguments); }
+    Arguments(const Arguments&) = delete;
+    Arguments& operator=(const Arguments&) = delete;
+    ~Arguments() { va_end(m_rest); }
+
+    void note(const Conversion& conversion) noexcept {
+        note(conversion.width.argument, Type::Int);
+        note(conversion.precision.argument, Type::Int);
+        note(conversion.argument, conversion.kind->type);
     }
 
-    // Up to the first that nobody has named: what stands behind it cannot be found.
-    void collect(va_list arguments) noexcept {
+    // Up to the first that nobody has noted: what stands behind it cannot be found.
+    void collect() noexcept {
         for (; m_count < kMostArguments; ++m_count) {
             Value& value = m_values[static_cast<std::size_t>(m_count)];
             switch (m_types[static_cast<std::size_t>(m_count)]) {
                 case Type::None:
                     return;
                 case Type::Int:
-                    value.integer = va_arg(arguments, int);
+                    value.integer = va_arg(m_rest, int);
                     break;
                 case Type::Long:
-                    value.integer = va_arg(arguments, long);
+                    value.integer = va_arg(m_rest, long);
                     break;
                 case Type::LongLong:
-                    value.integer = va_arg(arguments, long long);
+                    value.integer = va_arg(m_rest, long long);
                     break;
                 case Type::Double:
-                    value.real = va_arg(arguments, double);
+                    value.real = va_arg(m_rest, double);
                     break;
                 case Type::LongDouble:
-                    value.longReal = va_arg(arguments, long double);
+                    value.longReal = va_arg(m_rest, long double);
                     break;
                 case Type::Text:
                 case Type::WideText:
                 case Type::Object:
                 case Type::Address:
-                    value.address = va_arg(arguments, const void*);
+                    value.address = va_arg(m_rest, const void*);
                     break;
             }
         }
     }
 
-    // Whether it was found, or none is needed.
-    bool reaches(int argument) const noexcept { return argument < m_count; }
+    // Whether all that it needs are collected.
+    bool reach(const Conversion& conversion) const noexcept {
+        return conversion.argument < m_count && conversion.width.argument < m_count &&
+               conversion.precision.argument < m_count;
+    }
 
     bool has(int argument, Type type) const noexcept {
         return m_types[static_cast<std::size_t>(argument)] == type;
@@ -374,12 +381,21 @@ public:
     }
 
 private:
+    // The first conversion that names an argument decides its type.
+    void note(int argument, Type type) noexcept {
+        if (argument == kNoArgument) return;
+        Type& known = m_types[static_cast<std::size_t>(argument)];
+        if (known == Type::None) known = type;
+    }
+
+    va_list m_rest;
     std::array<Type, kMostArguments> m_types{};
     std::array<Value, kMostArguments> m_values;
     int m_count = 0;
 };
 
 bool appendPrinted(TextBuffer& text, const char* format, ...) noexcept {
+    const CLocale plain;
     va_list arguments;
     va_start(arguments, format);
     const bool isMade = text.appendFormat(format, arguments);
@@ -561,25 +577,22 @@ void appendMessage(TextBuffer& text, std::string_view format, Objects objects,
         text.append(format);
         return;
     }
-    Arguments collected;
-    walk(
-        format, objects, [](std::string_view) {},
-        [&collected](const Conversion& conversion) {
-            collected.note(conversion.width.argument, Type::Int);
-            collected.note(conversion.precision.argument, Type::Int);
-            collected.note(conversion.argument, conversion.kind->type);
-            return true;
-        });
-    collected.collect(arguments);
+    Arguments collected(arguments);
+    // Where positions may stand, a later conversion may name an earlier argument.
+    if (format.find('$') != std::string_view::npos)
+        walk(
+            format, objects, [](std::string_view) {},
+            [&collected](const Conversion& conversion) {
+                collected.note(conversion);
+                return true;
+            });
     Formatter formatter(text, collected);
-    const CLocale plain;
     const std::string_view rest = walk(
         format, objects, [&text](std::string_view between) { text.append(between); },
         [&](const Conversion& conversion) {
-            if (!collected.reaches(conversion.argument) ||
-                !collected.reaches(conversion.width.argument) ||
-                !collected.reaches(conversion.precision.argument))
-                return false;
+            collected.note(conversion);
+            collected.collect();
+            if (!collected.reach(conversion)) return false;
             if (!formatter.append(conversion)) text.append(conversion.text);
             return !text.isCut();
         });

@@ -6,6 +6,7 @@
 #include "veltra/platform/standard_error.h"
 
 #include <atomic>
+#include <optional>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -20,9 +21,14 @@ class UnwrittenLine;
 
 // The kernel's part, replaceable so that a test can answer any error anywhere.
 struct StandardErrorCalls {
+    off_t (*lseek)(int, off_t, int) = ::lseek;
     int (*fstat)(int, struct stat*) = ::fstat;
     long (*fpathconf)(int, int) = ::fpathconf;
-    ssize_t (*writev)(int, const iovec*, int) = ::writev;
+    // The kernel takes one piece faster by itself than as a list.
+    ssize_t (*writev)(int, const iovec*, int) = [](int descriptor, const iovec* pieces, int count) {
+        return count == 1 ? ::write(descriptor, pieces->iov_base, pieces->iov_len)
+                          : ::writev(descriptor, pieces, count);
+    };
     // writev that gives up with EAGAIN where it would have to wait, whatever the descriptor's mode.
     ssize_t (*writevNoWait)(int, const iovec*, int) = [](int descriptor, const iovec* pieces,
                                                          int count) {
@@ -54,6 +60,8 @@ public:
     void write(const Status& status, const Pieces& pieces) noexcept override;
 
 private:
+    Status identify() const noexcept;
+    Status identified(const Status& status) const noexcept;
     void writeLine(const Status& status, UnwrittenLine& line, SignalHold& signals) noexcept;
     int writeAll(UnwrittenLine& line, int descriptor) const noexcept;
     int writeWithoutWaiting(Kind kind, UnwrittenLine& line) noexcept;
@@ -62,9 +70,7 @@ private:
     StandardErrorCalls m_calls;
     // Under the lock that keeps lines apart.
     LossCount m_lost;
-    bool m_isOpen = false;           // the last line was cut before its end,
-    std::uint64_t m_openDevice = 0;  // in this file
-    std::uint64_t m_openInode = 0;
+    std::optional<Status> m_cutFile;                // in which the last line was cut before its end
     std::atomic<bool> m_pipesRefuseNoWait{false};   // any thread
     std::atomic<bool> m_othersRefuseNoWait{false};  // any thread
 };

@@ -11,7 +11,8 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstdio>  // renameat2
+#include <cstdio>   // renameat2
+#include <cstdlib>  // realpath
 #include <memory>
 
 #include <dirent.h>
@@ -107,6 +108,12 @@ public:
         return {};
     }
 
+    std::error_code resolve(const char* path, std::string& resolved) noexcept override {
+        const std::unique_ptr<char, decltype(&std::free)> text(::realpath(path, nullptr),
+                                                               &std::free);
+        if (!text) return errorOf(errno);
+        return answerWithMemory([&] { resolved = text.get(); });
+    }
     std::error_code readLink(Handle folder, const char* name,
                              std::string& target) noexcept override {
         std::array<char, PATH_MAX> text{};  // the longest that there can be
@@ -237,15 +244,6 @@ public:
                 ::getpwnam_r(user.c_str(), &entry, room.data(), room.size(), &found);
             return std::string(found != nullptr ? found->pw_dir : "");
         });
-    }
-
-    std::string programFolder() noexcept override {
-        std::string program;
-        const std::error_code error = readLink(kWorkingFolder, "/proc/self/exe", program);
-        const std::size_t slash = program.rfind('/');
-        if (error || slash == std::string::npos) return {};
-        program.resize(std::max<std::size_t>(slash, 1));
-        return program;
     }
 
 private:

@@ -42,10 +42,11 @@ private:
     std::atomic<std::uint32_t> m_generation{forkGeneration()};
 };
 
-// "<words><count>", on the stack.
+// "<words><count>", on the stack; nothing for 0.
 class LossText {
 public:
     LossText(std::string_view words, std::size_t count) noexcept {
+        if (count == 0) return;
         m_size = words.copy(m_text, sizeof m_text - kMostDigits);
         m_size = static_cast<std::size_t>(
             std::to_chars(m_text + m_size, m_text + sizeof m_text, count).ptr - m_text);

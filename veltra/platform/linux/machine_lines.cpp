@@ -2,6 +2,7 @@
 #include "veltra/platform/machine_lines.h"
 
 #include "veltra/base/number_text.h"
+#include "veltra/base/text_parts.h"
 #include "veltra/base/well_formed_utf8.h"
 #include "veltra/platform/linux/system_files.h"
 #include "veltra/platform/memory_system.h"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/mount_table.h"
 
+#include "veltra/base/text_parts.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -9,14 +11,6 @@
 namespace veltra {
 
 namespace {
-
-// Takes what stands before the next `separator` off the front of `text`.
-std::string_view takeUpTo(char separator, std::string_view& text) noexcept {
-    const std::size_t end = std::min(text.find(separator), text.size());
-    const std::string_view front = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    return front;
-}
 
 bool hasOption(std::string_view options, std::string_view wanted) noexcept {
     while (!options.empty()) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/os_release.h"
 
+#include "veltra/base/text_parts.h"
 #include "veltra/base/well_formed_utf8.h"
 #include "veltra/platform/linux/system_files.h"
 #include "veltra/platform/no_cancellation.h"
@@ -51,9 +52,7 @@ Fields fieldsOf(std::string_view osRelease) {
     };
     Fields fields;
     while (!osRelease.empty()) {
-        const std::size_t end = std::min(osRelease.find('\n'), osRelease.size());
-        const std::string_view line = trimmed(osRelease.substr(0, end));
-        osRelease.remove_prefix(std::min(end + 1, osRelease.size()));
+        const std::string_view line = trimmed(takeUpTo('\n', osRelease));
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos) continue;
         const std::string_view key = line.substr(0, equals);

@@ -2,9 +2,11 @@
 // Where the files of this process lie.
 #include "veltra/platform/port.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <string_view>
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -24,7 +26,14 @@ std::string resolved(const char* path) {
 }  // namespace
 
 std::string platformExecutablePath() {
-    return resolved("/proc/self/exe");  // nothing for a program that was replaced while it runs
+    std::array<char, PATH_MAX> path{};
+    const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
+    std::string_view program(path.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    // Such a program was removed or replaced while it runs; its folder is still its folder.
+    constexpr std::string_view kRemoved = " (deleted)";
+    if (program.ends_with(kRemoved) && ::access(path.data(), F_OK) != 0)
+        program.remove_suffix(kRemoved.size());
+    return std::string(program);
 }
 
 std::string platformLibraryPath() {

@@ -34,6 +34,10 @@ bool isRefusal(int error) noexcept {
     return error == EOPNOTSUPP || error == ENOSYS || error == EINVAL || error == ESPIPE;
 }
 
+bool isSameFile(const StandardError::Status& one, const StandardError::Status& other) noexcept {
+    return one.device == other.device && one.inode == other.inode;
+}
+
 template <typename Number>
 bool takeNumber(std::string_view& text, Number& number) noexcept {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -130,14 +134,25 @@ DescriptorStandardError::DescriptorStandardError(const StandardErrorCalls& calls
 }
 
 StandardError::Status DescriptorStandardError::inspect() const noexcept {
-    struct stat status {};
     if (m_calls.fpathconf(STDERR_FILENO, _PC_PIPE_BUF) < 0) return {};
+    // What stands beyond a start is a regular file, or a disk, which takes lines like one. To ask
+    // for the place is cheap, above all where a server would have to be asked for the rest.
+    if (m_calls.lseek(STDERR_FILENO, 0, SEEK_CUR) > 0) return {Kind::RegularFile};
+    return identify();
+}
+
+StandardError::Status DescriptorStandardError::identify() const noexcept {
+    struct stat status {};
     if (m_calls.fstat(STDERR_FILENO, &status) != 0) return {};
     const Kind kind = S_ISREG(status.st_mode)    ? Kind::RegularFile
                       : S_ISFIFO(status.st_mode) ? Kind::Pipe
                       : S_ISSOCK(status.st_mode) ? Kind::Socket
                                                  : Kind::Other;
     return {kind, status.st_dev, status.st_ino};
+}
+
+StandardError::Status DescriptorStandardError::identified(const Status& status) const noexcept {
+    return status.inode != 0 ? status : identify();
 }
 
 bool DescriptorStandardError::isManaged(const Status& status) const noexcept {
@@ -199,16 +214,14 @@ void DescriptorStandardError::write(const Status& status, const Pieces& pieces) 
     const std::lock_guard guard(lineLock);
     const std::size_t lost = m_lost.take();
     const LossText loss("veltra: lines cut or lost here: ", lost);
-    const bool isOpen = m_isOpen && status.device == m_openDevice && status.inode == m_openInode;
-    UnwrittenLine line({isOpen ? "\n" : "", lost > 0 ? loss.view() : "", lost > 0 ? "\n" : ""},
-                       pieces);
+    const bool isOpen = m_cutFile && isSameFile(*m_cutFile, identified(status));
+    UnwrittenLine line({isOpen ? "\n" : "", loss.view(), lost > 0 ? "\n" : ""}, pieces);
     writeLine(status, line, signals);
     if (!line.hasWrittenNotes()) m_lost.add(lost);
     if (!line.isDone()) m_lost.add(1);
     if (!line.lastWritten()) return;
-    m_isOpen = !line.isDone() && line.lastWritten() != '\n';
-    m_openDevice = status.device;
-    m_openInode = status.inode;
+    m_cutFile.reset();
+    if (!line.isDone() && line.lastWritten() != '\n') m_cutFile = identified(status);
 }
 
 void DescriptorStandardError::writeLine(const Status& status, UnwrittenLine& line,

@@ -234,6 +234,34 @@ TEST(StandardError, ClosedFullAndLimitedDescriptorsEndTheLineNotTheProcess) {
     ::close(full);
 }
 
+TEST(StandardError, TheEndOfACutLineIsMissingInItsOwnFileAlone) {
+    const int file = ::memfd_create("file", MFD_CLOEXEC);
+    const int other = ::memfd_create("other", MFD_CLOEXEC);
+    for (const int each : {file, other})
+        ASSERT_EQ(::write(each, ">", 1), 1) << "beyond the start nobody is asked which file it is";
+    EXPECT_TRUE(testing::holdsInChild([&] {
+        DescriptorStandardError stream;
+        const auto write = [&](int descriptor, rlim_t limit) {
+            const rlimit limits{limit, RLIM_INFINITY};
+            ::setrlimit(RLIMIT_FSIZE, &limits);
+            ::dup2(descriptor, 2);
+            stream.write(stream.inspect(), kPieces);
+        };
+        write(file, 5);
+        write(file, RLIM_INFINITY);
+        write(file, 60);
+        write(other, RLIM_INFINITY);
+        return true;
+    }));
+    const std::string told = kTold + "1\n" + kLine;
+    for (const int each : {file, other})
+        ::lseek(each, 0, SEEK_SET);
+    EXPECT_EQ(drain(file), (">bann\n" + told + kLine).substr(0, 60));
+    EXPECT_EQ(drain(other), ">" + told);
+    ::close(file);
+    ::close(other);
+}
+
 TEST(StandardError, AChildForkedInTheMiddleOfAnotherThreadsLineCanWrite) {
     static std::atomic<bool> hasArrived, mayGoOn;
     hasArrived = mayGoOn = false;

@@ -18,6 +18,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace veltra {
@@ -57,14 +58,33 @@ std::vector<char*> environmentWithoutServers() {
     return variables;
 }
 
-// What comes until the other end is closed, or the deadline.
-void readAll(int descriptor, const Deadline& deadline, std::string& text) {
+// Also where the host leaves no status to be read.
+bool hasEnded(pid_t child) noexcept {
+    siginfo_t information{};
+    const int flags = WEXITED | WNOHANG | WNOWAIT;
+    return ::waitid(P_PID, static_cast<id_t>(child), &information, flags) != 0 ||
+           information.si_pid != 0;
+}
+
+// What comes until the other end is closed, the child has ended, or the deadline. The end of the
+// child matters, too: what the host forks in this moment holds the other end open.
+void readAll(int descriptor, pid_t child, const Deadline& deadline, std::string& text) {
+    constexpr Nanoseconds kGlance = milliseconds(50);
     std::array<char, 4096> part{};
-    while (text.size() < kLongestAnswer &&
-           waitFor(descriptor, POLLIN, deadline) == WaitResult::Ready) {
+    Nanoseconds patience = deadline.timeLeft();  // ends also where the clock stands still
+    while (text.size() < kLongestAnswer && patience > Nanoseconds() && !deadline.hasPassed()) {
+        const bool isAllThere = hasEnded(child);
+        const Nanoseconds time =
+            isAllThere ? Nanoseconds() : std::min(kGlance, deadline.timeLeft());
+        const WaitResult result = waitFor(descriptor, POLLIN, Deadline(time));
+        if (result == WaitResult::TimedOut && !isAllThere) {
+            patience = patience - time;
+            continue;
+        }
+        if (result != WaitResult::Ready) return;
         const ssize_t count = ::read(descriptor, part.data(), part.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count <= 0 || deadline.hasPassed()) return;
+        if (count <= 0) return;
         text.append(part.data(), static_cast<std::size_t>(count));
     }
 }
@@ -96,7 +116,7 @@ std::string answerOf(const char* program, std::span<const std::uintptr_t> addres
     if (child < 0) return {};
     const Program running(child);
     std::string answer;
-    readAll(ours.number(), deadline, answer);
+    readAll(ours.number(), child, deadline, answer);
     return answer;
 }
 

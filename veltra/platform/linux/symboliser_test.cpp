@@ -47,6 +47,11 @@ TEST_F(SymboliserTest, AnswersWithWhatTheProgramWritesWhateverBecomesOfIt) {
     EXPECT_EQ(answer("exec >&-; exec sleep 600"), "");
     EXPECT_EQ(answer("echo half; exec sleep 600", seconds(1.0)), "half\n");
     EXPECT_EQ(answer("yes").size() >> 20, 1u);
+    // Somebody else holds its output open and writes nothing.
+    EXPECT_EQ(answer("sleep 600 & echo $! >" + (m_folder / "other") + "; echo all"), "all\n");
+    pid_t other = 0;
+    std::ifstream(m_folder / "other") >> other;
+    EXPECT_EQ(::kill(other, SIGKILL), 0);
     EXPECT_EQ(answerOf(program("echo x", fs::perms(0644))) + answerOf(m_folder / "missing"), "");
     EXPECT_EQ(symbolisedBy(program("echo x").c_str(), {}, seconds(60.0)), "");
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/system_files.h"
 
+#include "veltra/base/text_parts.h"
 #include "veltra/platform/memory_system.h"
 
 #include <algorithm>
@@ -44,12 +45,6 @@ std::string_view takeWord(std::string_view& text, std::string_view separators) n
     const std::string_view word = text.substr(0, text.find_first_of(separators));
     text.remove_prefix(word.size());
     return word;
-}
-
-std::string_view trimmed(std::string_view text) noexcept {
-    constexpr std::string_view kBlanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
 std::optional<std::uint64_t> numberAtStartOf(std::string_view text, std::uint64_t unit) noexcept {

@@ -38,9 +38,6 @@ private:
 // Takes the first word off `text`, with the separators before it. Empty when there is none.
 std::string_view takeWord(std::string_view& text, std::string_view separators) noexcept;
 
-// `text` without blanks, tabs and line ends around it.
-std::string_view trimmed(std::string_view text) noexcept;
-
 // The number that `text` begins with after blanks, times `unit`; the largest one when it is too
 // large; nothing for anything else.
 std::optional<std::uint64_t> numberAtStartOf(std::string_view text,

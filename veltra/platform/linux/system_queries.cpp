@@ -3,6 +3,7 @@
 
 #include "veltra/base/errno_keeper.h"
 #include "veltra/base/immortal.h"
+#include "veltra/base/text_parts.h"
 #include "veltra/platform/linux/processor_identity.h"
 #include "veltra/platform/linux/system_files.h"
 #include "veltra/platform/no_cancellation.h"

@@ -5,76 +5,73 @@
 #include "veltra/platform/compression.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace veltra::detail {
 
 namespace {
 
-// Memory that grows where it stands or by moving its pages, and by half of itself at least: the
-// steps of its size may be many and small.
-class GrowingBuffer {
-public:
-    GrowingBuffer() noexcept = default;
-    GrowingBuffer(const GrowingBuffer&) = delete;
-    GrowingBuffer& operator=(const GrowingBuffer&) = delete;
-    ~GrowingBuffer() { std::free(m_bytes); }
+using Data = PropertyValue::Data;
 
-    // False when memory is out.
-    bool grow(std::size_t size) noexcept {
-        if (size > m_capacity) {
-            const std::size_t wanted = std::max(size, m_capacity + m_capacity / 2);
-            void* const bytes = std::realloc(m_bytes, wanted);
-            if (bytes == nullptr) return false;
-            m_bytes = static_cast<std::uint8_t*>(bytes);
-            m_capacity = wanted;
-        }
-        m_size = size;
-        return true;
-    }
-
-    std::span<std::uint8_t> bytes() const noexcept { return {m_bytes, m_size}; }
-
-private:
-    std::uint8_t* m_bytes = nullptr;
-    std::size_t m_size = 0;
-    std::size_t m_capacity = 0;
-};
+constexpr std::size_t kFirstSize = std::size_t{64} << 10;
 
 template <typename Bytes>
 Bytes startOf(Bytes bytes, std::size_t largestSize) noexcept {
     return bytes.first(std::min(bytes.size(), largestSize));
 }
 
+// How large the whole is likely to be, going by what `taken` bytes of the stream have made, and a
+// little more, so that it need not grow again; but eight times as much as there is, at most: the
+// rest of the stream may be made otherwise.
+std::size_t nextSize(std::size_t made, std::size_t taken, std::size_t left) noexcept {
+    const auto bytes = static_cast<double>(made);
+    const double perByte = bytes / static_cast<double>(std::max(taken, std::size_t{1}));
+    const double rest = static_cast<double>(left) * perByte * (17.0 / 16.0);
+    return made + static_cast<std::size_t>(std::clamp(rest, bytes / 4 + 1, bytes * 7 + 1));
+}
+
+// To that size and no further: resize() alone would double it.
+void grow(Data& data, std::size_t size) {
+    data.reserve(size);
+    data.resize(size);
+}
+
+// Memory that was asked for in vain goes back, unless it is little.
+void trim(Data& data) {
+    if (data.capacity() - data.size() > data.size() / 8) data.shrink_to_fit();
+}
+
+std::optional<Data> unpacked(Inflater& inflater, std::span<const std::uint8_t> stream,
+                             std::size_t maximumSize, std::size_t largestPiece) {
+    // One byte beyond the maximum shows that there are more.
+    const std::size_t most = std::min(maximumSize, Data().max_size() - 1) + 1;
+    Data data(std::min({std::min(stream.size(), kFirstSize) * 16, kFirstSize, most}));
+    std::size_t made = 0;
+    std::size_t taken = 0;
+    for (auto state = Inflater::State::More; state != Inflater::State::End;) {
+        if (made == data.size())
+            grow(data, std::min(nextSize(made, taken, stream.size() - taken), most));
+        const Inflater::Step step =
+            inflater.inflate(startOf(stream.subspan(taken), largestPiece),
+                             startOf(std::span(data).subspan(made), largestPiece));
+        state = step.state;
+        made += step.made;
+        taken += step.taken;
+        if (state == Inflater::State::Failed || made == most) return std::nullopt;
+    }
+    data.resize(made);
+    trim(data);
+    return data;
+}
+
 }  // namespace
 
-std::optional<PropertyValue::Data> inflatedData(std::span<const std::uint8_t> stream,
-                                                std::size_t maximumSize,
-                                                std::size_t largestPiece) noexcept {
+std::optional<Data> inflatedData(std::span<const std::uint8_t> stream, std::size_t maximumSize,
+                                 std::size_t largestPiece) noexcept {
     if (stream.empty()) return std::nullopt;
-    // One byte beyond the maximum shows that there are more.
-    const std::size_t most = maximumSize < SIZE_MAX ? maximumSize + 1 : SIZE_MAX;
-    const std::size_t half = stream.size() / 2;
     const std::unique_ptr<Inflater> inflater = Compression::current().makeInflater();
-    GrowingBuffer buffer;
-    if (inflater == nullptr || !buffer.grow(std::min(stream.size() + half, most)))
-        return std::nullopt;
-
-    std::size_t made = 0;
-    for (auto state = Inflater::State::More; state != Inflater::State::End;) {
-        if (made == buffer.bytes().size() && !buffer.grow(std::min(made + half, most)))
-            return std::nullopt;
-        const Inflater::Step step = inflater->inflate(
-            startOf(stream, largestPiece), startOf(buffer.bytes().subspan(made), largestPiece));
-        state = step.state;
-        if (state == Inflater::State::Failed) return std::nullopt;
-        made += step.made;
-        if (made > maximumSize) return std::nullopt;
-        stream = stream.subspan(step.taken);
-    }
-    return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<PropertyValue::Data> {
-        const auto unpacked = buffer.bytes().first(made);
-        return PropertyValue::Data(unpacked.begin(), unpacked.end());
+    if (inflater == nullptr) return std::nullopt;
+    return unlessOutOfMemory(std::optional<Data>(), [&] {
+        return unpacked(*inflater, stream, maximumSize, largestPiece);
     });
 }
 

@@ -3,7 +3,8 @@
 // Thread: any. Realtime-safe: yes, all of it.
 #pragma once
 
-#include <algorithm>
+#include "veltra/base/ascii_case.h"
+
 #include <string_view>
 
 namespace veltra {
@@ -25,11 +26,7 @@ inline std::string_view extensionOf(std::string_view path) noexcept {
 
 // A to Z are a to z. Extensions of other systems' files are often in capitals.
 inline bool isSameExtension(std::string_view one, std::string_view other) noexcept {
-    const auto small = [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    };
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [&](char left, char right) { return small(left) == small(right); });
+    return equalButForAsciiCase(one, other);
 }
 
 }  // namespace veltra

@@ -3,21 +3,9 @@
 
 #include "veltra/Source/Extensions/detail/file_url.h"
 #include "veltra/Source/Extensions/detail/open_item.h"
-
-#include <algorithm>
+#include "veltra/base/text_parts.h"
 
 namespace veltra {
-
-namespace {
-
-constexpr std::string_view kBlanks = " \t\r";
-
-std::string_view trimmed(std::string_view text) noexcept {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
-
-}  // namespace
 
 std::optional<std::string> startOfFile(const std::string& path) {
     FileSystem& files = FileSystem::current();
@@ -41,13 +29,6 @@ std::optional<std::string> startOfFile(const std::string& path) {
     return text;
 }
 
-std::string_view takeLine(std::string_view& text) noexcept {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    return line;
-}
-
 std::optional<std::string> targetOfAlias(const std::string& path) {
     if (!path.ends_with(".desktop")) return std::nullopt;
     const std::optional<std::string> text = startOfFile(path);
@@ -56,7 +37,7 @@ std::optional<std::string> targetOfAlias(const std::string& path) {
     bool isLink = false;
     std::string_view url;
     for (std::string_view rest = *text; !rest.empty();) {
-        const std::string_view line = trimmed(takeLine(rest));
+        const std::string_view line = trimmed(takeUpTo('\n', rest));
         const std::size_t equal = line.find('=');
         if (line.starts_with('[')) isInEntry = line == "[Desktop Entry]";
         if (!isInEntry || line.starts_with('#') || equal == std::string_view::npos) continue;

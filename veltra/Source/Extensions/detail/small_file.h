@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace veltra {
 
@@ -14,9 +13,6 @@ inline constexpr std::size_t kSmallFile = 65536;  // bytes
 // The start of a file, up to one byte more than kSmallFile. Nothing when it is no file or cannot be
 // read. Raises std::bad_alloc.
 std::optional<std::string> startOfFile(const std::string& path);
-
-// Takes the next line off the front of `text`, without its end.
-std::string_view takeLine(std::string_view& text) noexcept;
 
 // Where an alias leads: the path in a file *.desktop that links to another file. Nothing when it is
 // none. Raises std::bad_alloc.

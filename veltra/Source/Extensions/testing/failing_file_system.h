@@ -31,6 +31,9 @@ public:
                              std::string& target) noexcept override {
         return failed("readLink", name) ? error : m_real.readLink(folder, name, target);
     }
+    std::error_code resolve(const char* path, std::string& resolved) noexcept override {
+        return failed("resolve", path) ? error : m_real.resolve(path, resolved);
+    }
     std::error_code open(Handle folder, const char* name, Access access, LastLink lastLink,
                          Handle& opened) noexcept override {
         return failed("open", name) ? error : m_real.open(folder, name, access, lastLink, opened);
@@ -96,7 +99,6 @@ public:
     std::string homeFolder(const std::string& user) noexcept override {
         return m_real.homeFolder(user);
     }
-    std::string programFolder() noexcept override { return m_real.programFolder(); }
 
 private:
     bool failed(std::string_view step, std::string_view name) {
