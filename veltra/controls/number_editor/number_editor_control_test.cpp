@@ -302,7 +302,9 @@ TEST_F(NumberEditors, AreEditedByDoubleClicksAndKeys) {
         control->removeCellAtIndex(0);
         EXPECT_EQ(control->editingCell(), nullptr);
     };
+    EXPECT_EQ(edited(), 0);
     host.key(u'1');
+    EXPECT_EQ(control->cellCount(), 4);
     told.hook = [](const std::string&) {};
     control->setEnabled(false);
     EXPECT_FALSE(control->canBecomeKeyView() || press(kReturnCharacter));
