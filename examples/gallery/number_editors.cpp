@@ -3,6 +3,7 @@
 #include "user.h"
 #include "veltra/controls/number_editor/number_display.h"
 #include "veltra/controls/number_editor/number_groups.h"
+#include "veltra/ui/theme.h"
 
 #include <algorithm>
 #include <memory>
@@ -81,6 +82,8 @@ std::unique_ptr<NumberDisplay> makeTempo() {
     auto made = std::make_unique<NumberDisplay>(Rect{{}, {100.0F, 40.0F}});
     addGroups(*made, {3, 2}, delegate);
     made->editor().setLeadingZerosOfEditorCellAtIndex(2, 1);
+    // Behind the point zeros count like any digit.
+    made->editor().editorCellAtIndex(1)->setLeadingZerosColor(theme(Appearance::Dark).glassText);
     made->editor().setAccessibilityName("tempo");
     made->editor().setValue(12000);
     return made;

@@ -170,11 +170,10 @@ public:
         const QtSurface* const place = surface();
         state.invalid = place == nullptr;
         if (place == nullptr) return state;
-        const View* const view = m_element->accessibilityView();
         state.offscreen = accessibilityVisibleFrameInWindow(*m_element.get()).isEmpty();
         state.invisible = state.offscreen || !place->widget()->isVisible();
         state.disabled = !m_element->accessibilityIsEnabled();
-        state.focusable = view->acceptsFirstResponder();
+        state.focusable = m_element->accessibilityIsFocusable();
         state.focused = m_element->accessibilityIsFocused();
         state.checkable = m_element->accessibilityRole() == AccessibilityRole::ToggleButton;
         state.checked = m_element->accessibilityIsChecked();

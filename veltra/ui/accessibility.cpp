@@ -17,6 +17,11 @@ void AccessibilityElement::setAccessibilityName(std::string name) {
     postAccessibilityNotification(AccessibilityNotification::NameChanged);
 }
 
+bool AccessibilityElement::accessibilityIsFocusable() const {
+    const View* const view = accessibilityView();
+    return view != nullptr && view->acceptsFirstResponder();
+}
+
 void AccessibilityElement::postAccessibilityNotification(AccessibilityNotification notification) {
     UiPort::current().accessibilityChanged(*this, notification);
 }

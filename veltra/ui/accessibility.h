@@ -72,6 +72,8 @@ public:
     virtual std::string accessibilityValueText() const { return {}; }
     virtual bool accessibilityIsEnabled() const { return true; }
     virtual bool accessibilityIsFocused() const { return false; }
+    // Whether the keyboard can come to it; at first, whether it can come to its view.
+    virtual bool accessibilityIsFocusable() const;
     virtual bool accessibilityIsChecked() const { return false; }
 
     // Returns false when the number cannot be set from outside.

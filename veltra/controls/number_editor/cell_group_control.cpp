@@ -254,8 +254,9 @@ bool QkCellGroupControl::makeFirstResponderWithoutStartingEditing() {
 }
 
 bool QkCellGroupControl::becomeFirstResponder() {
-    const Event* const event = Application::current().currentEvent();
-    const bool isByPress = event != nullptr && event->type == EventType::LeftMouseDown;
+    const Application& application = Application::current();
+    const bool isByPress = application.isHandlingEvent() &&
+                           application.currentEvent()->type == EventType::LeftMouseDown;
     if (m_becomeFirstResponderStartsEditing && !isByPress) startEditingForCell(cellAtIndex(0));
     return true;
 }

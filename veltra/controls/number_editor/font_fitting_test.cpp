@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/number_editor/font_fitting.h"
 
-#include "veltra/controls/number_editor/cell_row.h"
 #include "veltra/ui/testing/scripted_port.h"
 
 namespace veltra::testing {
@@ -42,19 +41,6 @@ TEST(FontFitting, KeepsAllButTheSizeAndAsksFewTimes) {
     EXPECT_LE(asked, 8);
     font.name = "Unknown";
     EXPECT_EQ(fit(), (Font{"", 32.5F, FontWeight::Bold, true}));
-}
-
-TEST(CellRow, PacksFromTheLeftAndWalksAround) {
-    Rect frames[] = {{{5, 1}, {10, 20}}, {{5, 2}, {0, 20}}, {{5, 3}, {7, 9}}};
-    packFromLeft(frames);
-    EXPECT_THAT(frames, ::testing::ElementsAre(Rect{{0, 1}, {10, 20}}, Rect{{10, 2}, {0, 20}},
-                                               Rect{{10, 3}, {7, 9}}));
-    const auto even = [](std::size_t index) { return index % 2 == 0; };
-    EXPECT_EQ(nextInRow(0, true, 5, even), 2U);
-    EXPECT_EQ(nextInRow(4, true, 5, even), 0U);
-    EXPECT_EQ(nextInRow(0, false, 5, even), 4U);
-    EXPECT_EQ(nextInRow(0, true, 1, even), std::nullopt);
-    EXPECT_EQ(nextInRow(1, true, 2, [](std::size_t) { return false; }), std::nullopt);
 }
 
 }  // namespace

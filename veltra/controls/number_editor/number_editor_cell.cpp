@@ -291,7 +291,7 @@ AccessibilityRole QkNumberEditorCell::accessibilityRole() const {
 }
 
 std::string QkNumberEditorCell::accessibilityName() const {
-    const std::string name = ActionCell::accessibilityName();
+    std::string name = ActionCell::accessibilityName();
     if (!name.empty() || controlView() == nullptr) return name;
     return controlView()->accessibilityName();
 }

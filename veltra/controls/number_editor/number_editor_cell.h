@@ -179,6 +179,8 @@ public:
     std::vector<AccessibilityAction> accessibilityActions() const override;
     bool performAccessibilityAction(AccessibilityAction action) override;
     bool accessibilityIsFocused() const override;
+    // The keyboard comes to its control; to the cell itself while that edits it.
+    bool accessibilityIsFocusable() const override { return m_editing; }
 
 private:
     template <typename T>

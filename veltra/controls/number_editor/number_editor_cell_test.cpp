@@ -257,7 +257,7 @@ TEST_F(Cells, AreAsWideAsTheirPlaceHolderAndTellReadersTheirValue) {
     EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].size(), 1U);
 }
 
-TEST_F(Cells, OutliveNeitherTheirDelegateNorTheirOwnCallbacks) {
+TEST_F(Cells, SurviveADelegateThatDiesFirst) {
     {
         Host brief;
         cell.setDelegate(&brief);
@@ -265,25 +265,6 @@ TEST_F(Cells, OutliveNeitherTheirDelegateNorTheirOwnCallbacks) {
     cell.startEditing();
     cell.stopEditing();
     EXPECT_EQ(cell.delegate(), nullptr);
-    struct Killer final : Anchored, QkNumberEditorCellDelegate {
-        std::unique_ptr<QkNumberEditorCell> cell = std::make_unique<QkNumberEditorCell>();
-        void act() { cell.reset(); }
-        void stoppedEditingWithReason(QkNumberEditorCell&, std::int32_t) override { cell.reset(); }
-    };
-    for (const bool inAction : {true, false}) {
-        Killer killer;
-        QkNumberEditorCell& victim = *killer.cell;
-        victim.setEditable(true);
-        victim.setControlView(&view());
-        victim.setTarget(&killer);
-        if (inAction) victim.setAction(action<&Killer::act>());
-        if (!inAction) victim.setDelegate(&killer);
-        victim.startEditing();
-        Event event;
-        event.charactersIgnoringModifiers = u"\r";
-        victim.keyDown(event);
-        EXPECT_EQ(killer.cell, nullptr);
-    }
 }
 
 }  // namespace

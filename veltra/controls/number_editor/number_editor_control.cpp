@@ -204,6 +204,7 @@ QkNumberEditorCell* DfNumberEditorControl::separatorCellAtIndex(std::int32_t ind
 
 std::vector<std::int32_t> DfNumberEditorControl::editorCellValues() const {
     std::vector<std::int32_t> values;
+    values.reserve(static_cast<std::size_t>(editorCellCount()));
     for (std::int32_t i = 0; i < editorCellCount(); ++i)
         values.push_back(cellAtIndex(2 * i)->intValue());
     return values;
