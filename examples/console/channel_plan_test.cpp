@@ -14,12 +14,7 @@ TEST(ChannelPlan, NamesTheChannelsInTheFilesOwnOrder) {
     constexpr int kLs = SF_CHANNEL_MAP_REAR_LEFT, kRs = SF_CHANNEL_MAP_REAR_RIGHT;
     constexpr int kSl = SF_CHANNEL_MAP_SIDE_LEFT, kSr = SF_CHANNEL_MAP_SIDE_RIGHT;
     constexpr int kCs = SF_CHANNEL_MAP_REAR_CENTER, kTop = SF_CHANNEL_MAP_TOP_CENTER;
-    const struct {
-        std::vector<int> positions;
-        const char* name;
-        const char* order;
-        const char* channels;
-    } kRows[] = {
+    const std::tuple<std::vector<int>, const char*, const char*, const char*> rows[] = {
         {{kC}, "mono", "mono", "M"},
         {{kL, kR}, "stereo", "stereo", "L R"},
         {{kL, kR, kLs, kRs, kC, kLfe}, "5.1", "MPEG 5.1 B", "L R Ls Rs C LFE"},
@@ -32,15 +27,14 @@ TEST(ChannelPlan, NamesTheChannelsInTheFilesOwnOrder) {
         {{kL, kL, kC, kLfe, kLs, kRs}, "6 channels", "", "1 2 3 4 5 6"},
         {{0, 0, 0}, "3 channels", "", "1 2 3"},
     };
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.channels);
-        const ChannelPlan plan = channelPlan(row.positions);
-        EXPECT_EQ(plan.name(static_cast<int>(row.positions.size())), row.name);
-        EXPECT_EQ(plan.orderName(), row.order);
-        std::string channels;
-        for (std::size_t i = 0; i < row.positions.size(); ++i)
-            channels += (i == 0 ? "" : " ") + plan.channelName(i);
-        EXPECT_EQ(channels, row.channels);
+    for (const auto& [positions, name, order, channels] : rows) {
+        const ChannelPlan plan = channelPlan(positions);
+        EXPECT_EQ(plan.name(static_cast<int>(positions.size())), name);
+        EXPECT_EQ(plan.orderName(), order);
+        std::string found;
+        for (std::size_t i = 0; i < positions.size(); ++i)
+            found += (i == 0 ? "" : " ") + plan.channelName(i);
+        EXPECT_EQ(found, channels);
     }
 }
 

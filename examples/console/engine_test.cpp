@@ -28,15 +28,11 @@ TEST(Engine, OfflineTheMixIsTheSumOfItsFilesAndEachIsMeasuredWhole) {
     engine.add(mustOpen(stereo));
     engine.add(mustOpen(mono));
     std::vector<StripResult> results;
-    Planar mix(2);
-    std::vector<float> left(1000);
-    std::vector<float> right(1000);
-    const std::array<float*, 2> outputs{left.data(), right.data()};
-    while (engine.stripCount() > 0) {
+    Planar mix(2, std::vector<float>(frames + 5000));
+    for (std::size_t at = 0; engine.stripCount() > 0; at += 1000) {
+        const std::array<float*, 2> outputs{&mix[0].at(at), &mix[1].at(at)};
         engine.feed(1000);
         engine.processBlock(outputs.data(), 2, 1000);
-        mix[0].insert(mix[0].end(), left.begin(), left.end());
-        mix[1].insert(mix[1].end(), right.begin(), right.end());
         for (StripResult& result : engine.collect())
             results.push_back(std::move(result));
     }
@@ -81,8 +77,7 @@ TEST(Engine, MutingFadesOverFiveMillisecondsAndPeaksAreThoseOfTheMix) {
     Engine engine(Engine::Feeding::ByCaller, 44100);
     const StripId id = engine.add(mustOpen(path));
     engine.setMuted(engine.add(mustOpen(path)), true);  // never makes a sound
-    std::array<float, 500> left{};
-    std::array<float, 500> right{};
+    std::array<float, 500> left{}, right{};
     const std::array<float*, 2> outputs{left.data(), right.data()};
     int open = kRamp;
     // The third turns round on the way, the fifth is silent throughout.

@@ -34,12 +34,13 @@ TEST(OnsetDetector, FindsWhereTonesBeginAndTheirPitch) {
     const std::vector<double> hertz{110.0, 261.63, 440.0, 987.77, 61.74};
     for (const int rate : {8000, 44100, 96000}) {
         const std::vector<float> samples = tones(rate, hertz, 0.6);
-        OnsetDetector whole(rate);
+        OnsetDetector whole(rate), inPieces(rate);
         whole.push(samples);
-        OnsetDetector inPieces(rate);
-        for (std::size_t i = 0; i < samples.size(); i += 777)
-            inPieces.push(
-                std::span(samples).subspan(i, std::min<std::size_t>(777, samples.size() - i)));
+        for (std::span<const float> rest(samples); !rest.empty();) {
+            const std::size_t size = std::min<std::size_t>(777, rest.size());
+            inPieces.push(rest.first(size));
+            rest = rest.subspan(size);
+        }
         ASSERT_EQ(whole.onsets().size(), hertz.size()) << rate;
         EXPECT_TRUE(whole.onsets().AreUniqueAndSortedByPos());
         for (std::size_t i = 0; i < hertz.size(); ++i) {
@@ -66,14 +67,10 @@ TEST(Overview, HoldsTheExtremesOfEveryStretchOfTheFile) {
         for (std::size_t i = 0; i < overview->columns.size(); ++i) {
             const std::size_t begin = i * overview->columnFrames;
             const std::size_t end = std::min(begin + overview->columnFrames, samples[0].size());
-            float low = 0.0F;
-            float high = 0.0F;
-            for (std::size_t frame = begin; frame < end; ++frame) {
-                low = std::min(low, samples[0][frame]);
-                high = std::max(high, samples[0][frame]);
-            }
-            EXPECT_EQ(overview->columns[i].low, low);
-            EXPECT_EQ(overview->columns[i].high, high);
+            const auto stretch = std::span(samples[0]).subspan(begin, end - begin);
+            const auto [low, high] = std::minmax_element(stretch.begin(), stretch.end());
+            EXPECT_EQ(overview->columns[i].low, std::min(*low, 0.0F));
+            EXPECT_EQ(overview->columns[i].high, std::max(*high, 0.0F));
         }
         EXPECT_GE(overview->columns.size() * overview->columnFrames, overview->frames);
     }

@@ -11,12 +11,20 @@
 namespace veltra::survivor {
 namespace {
 
+using namespace ::testing;
 using console::testing::contents;
 using console::testing::folder;
 using console::testing::shell;
-using ::testing::ContainsRegex;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
+
+// Where a limit of the address space means what it says: a sanitizer needs more than it leaves.
+class Survivor : public Test {
+protected:
+    void SetUp() override {
+#ifdef VELTRA_SANITIZED
+        GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
+#endif
+    }
+};
 
 int survivor(const std::string& arguments, const std::string& before = {}) {
     return shell(before + "XDG_CONFIG_HOME=" + folder() + " " SURVIVOR " --document " + folder() +
@@ -91,10 +99,7 @@ int intactTakes() {
     return -1;
 }
 
-TEST(Survivor, GoesThroughTheLevelsInOrderAndLosesNoTake) {
-#ifdef VELTRA_SANITIZED
-    GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
-#endif
+TEST_F(Survivor, GoesThroughTheLevelsInOrderAndLosesNoTake) {
     EXPECT_EQ(survivor("--room 160 " + recordings()), 0) << contents(folder() + "log");
     const std::string report = contents(folder() + "out");
 
@@ -110,16 +115,13 @@ TEST(Survivor, GoesThroughTheLevelsInOrderAndLosesNoTake) {
         EXPECT_THAT(plugIn, ContainsRegex("level 2\n +document saved.*\n +reserve level 0"));
         EXPECT_THAT(plugIn, HasSubstr("stopped in time"));
     }
-    EXPECT_THAT(report, ::testing::Not(HasSubstr("NOT")));
+    EXPECT_THAT(report, Not(HasSubstr("NOT")));
     EXPECT_GT(intactTakes(), 10);
     EXPECT_THAT(act(report, "finish"), HasSubstr(std::to_string(intactTakes()) + " takes, intact"));
 }
 
 // Where nothing is refused, and a process that takes more than there is, is killed.
-TEST(Survivor, LivesInAControlGroupWithAndWithoutALimitOfItsAddressSpace) {
-#ifdef VELTRA_SANITIZED
-    GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
-#endif
+TEST_F(Survivor, LivesInAControlGroupWithAndWithoutALimitOfItsAddressSpace) {
     for (const char* mode : {"--room 4096 ", "--room 4096 --pressure "}) {
         const ControlGroup group("251658240");  // 240 MiB
         if (group.path.empty()) GTEST_SKIP() << "no control group can be made here";
@@ -127,23 +129,20 @@ TEST(Survivor, LivesInAControlGroupWithAndWithoutALimitOfItsAddressSpace) {
         EXPECT_EQ(survivor(mode + recordings(), enter), 0) << mode << contents(folder() + "log");
         const std::string report = contents(folder() + "out");
         EXPECT_THAT(levels(act(report, "record"), "center"), ElementsAre(0, 1, 2)) << report;
-        EXPECT_THAT(report, ::testing::Not(HasSubstr("NOT"))) << report;
+        EXPECT_THAT(report, Not(HasSubstr("NOT"))) << report;
         EXPECT_GT(intactTakes(), 10);
     }
 }
 
-TEST(Survivor, TakesALimitThatIsThereAlready) {
-#ifdef VELTRA_SANITIZED
-    GTEST_SKIP() << "a sanitizer needs more address space than a limit leaves";
-#endif
+TEST_F(Survivor, TakesALimitThatIsThereAlready) {
     EXPECT_EQ(survivor("--room 1024 " + recordings(), "ulimit -v 400000; "), 0)
         << contents(folder() + "log");
     EXPECT_GT(intactTakes(), 10);
 }
 
-TEST(Survivor, SaysWhatItCannotDo) {
-    EXPECT_EQ(survivor("--room much"), 2);
-    EXPECT_EQ(survivor("--room 1"), 2);
+TEST(SurvivorOptions, SayWhatCannotBeDone) {
+    for (const char* room : {"--room much", "--room 1"})
+        EXPECT_EQ(survivor(room), 2);
     EXPECT_EQ(survivor(folder() + "nothing.wav"), 1);
     EXPECT_THAT(contents(folder() + "log"), HasSubstr("there is no such file"));
 }

@@ -5,7 +5,6 @@
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/assertion.h"
 #include "veltra/diagnostics/log.h"
-#include "veltra/platform/alert.h"
 #include "veltra/platform/allocation_zone.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/keyboard_layout.h"
@@ -18,6 +17,7 @@
 #include "veltra/platform/run_loop.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/system_log.h"
+#include "veltra/platform/testing/fake_user.h"
 #include "veltra/platform/text_services.h"
 #include "veltra/ui/application.h"
 #include "veltra/ui/port.h"
@@ -28,15 +28,6 @@
 namespace veltra {
 namespace {
 
-class Presser final : public AlertPresenter {
-public:
-    AlertAnswer present(const Alert& /*alert*/) noexcept override {
-        ++count;
-        return AlertAnswer::Default;  // go on
-    }
-    int count = 0;
-};
-
 bool hasRaised() {
     try {
         raiseException("late", "on purpose");
@@ -46,7 +37,7 @@ bool hasRaised() {
 }
 
 // Every service once, through whoever is in force.
-bool isServed(Presser& presser) {
+bool isServed() {
     const WallTime now = Clocks::current().wall();
     StandardError& stream = StandardError::current();
     stream.write(stream.inspect(), {"late: ", "a line", "\n"});
@@ -61,13 +52,13 @@ bool isServed(Presser& presser) {
     ProcessorFeatures::current();
     void* block = AllocationZone::current().entries().allocate(1);
     AllocationZone::current().entries().free(block);
-    AlertPresenter::install(&presser);
-    const int before = presser.count;
-    const int answer = dbgASSERT(0, "late", "here", nullptr);
-    AlertPresenter::install(nullptr);
-    const bool isAsked = answer == 0 && presser.count == before + 1;
+    const auto isAsked = [] {
+        testing::FakeUser user;
+        user.answer = AlertAnswer::Default;  // go on
+        return dbgASSERT(0, "late", "here", nullptr) == 0 && user.asked == 1;
+    };
     const std::array facts{
-        isAsked,
+        isAsked(),
         hasRaised(),
         block != nullptr,
         !Clocks::current().monotonic().hasFailed(),
@@ -91,9 +82,8 @@ constexpr int kServed = 7;
 // Made before main(), so destroyed after whatever the tests have made.
 struct Host {
     ~Host() {
-        if (isLeaving) ::_exit(isServed(presser) ? kServed : 1);
+        if (isLeaving) ::_exit(isServed() ? kServed : 1);
     }
-    Presser presser;
     bool isLeaving = false;
 } host;
 
@@ -102,7 +92,7 @@ TEST(LateCallsDeathTest, AllServicesServeWhileTheProcessEndsAlsoForTheFirstTime)
         "threadsafe";  // a new process each, with nothing made yet
     for (const bool isFirstTime : {false, true}) {
         const auto leave = [&] {
-            host.isLeaving = isFirstTime || isServed(host.presser);
+            host.isLeaving = isFirstTime || isServed();
             std::exit(0);
         };
         EXPECT_EXIT(leave(), ::testing::ExitedWithCode(kServed), "late: a line") << isFirstTime;

@@ -21,6 +21,7 @@
 #include "veltra/diagnostics/crash_reporter_info.h"
 #include "veltra/diagnostics/exception_report.h"
 #include "veltra/diagnostics/log.h"
+#include "veltra/diagnostics/text_buffer.h"
 #include "veltra/diagnostics/trace_stream.h"
 #include "veltra/infrastructure/color_management.h"
 #include "veltra/infrastructure/flyweight.h"
@@ -77,8 +78,6 @@ using testing::oneOf;
 using testing::Scenario;
 using enum testing::Promise;
 using testing::Unfailing;
-
-constexpr std::string_view kZone = "EST5";  // set for this program by its build
 
 const testing::TemporaryFolder& folder() {
     static const testing::TemporaryFolder folder;
@@ -169,8 +168,8 @@ const Scenario guardedAllocator("guarded allocator", NeverThrows, [] {
 
 const Scenario lowMemoryCenter("low-memory center", NeverThrows, [] {
     using Center = LowMemoryNotificationCenter;
-    static int calls, posts;
-    calls = posts = 0;
+    static int calls;
+    calls = 0;
     testing::FakePreferences preferences;
     preferences.stored = unfailing([]() -> PropertyValue {
         return PropertyValue::Dictionary{{"LowMemoryReserve", 1000},
@@ -181,20 +180,14 @@ const Scenario lowMemoryCenter("low-memory center", NeverThrows, [] {
     };
     const bool isInitialised = Center::InitializeLMNotificationCenter() == 1;
     const bool isObserved = Center::AddLMObserver(count, &calls) == 1;
-    const bool isPosted = NotificationCenter::local().addObserver(
-        &posts, [](void*, const VLString*, const void*) { ++posts; }, kLowMemoryNotification,
-        nullptr);
     const bool hasRoom = Center::CheckMemory(10) == 1;
     const bool isSound = Center::EnterCriticalOperation() && Center::CheckPoint(10) == 1 &&
                          Center::PostLMNotification(0, 2, 0, true) == (isInitialised ? 0 : 1) &&
                          Center::LeaveCriticalOperation() &&
-                         Center::RemoveLMObserver(count, &calls) == (isObserved ? 1 : 0);
+                         Center::RemoveLMObserver(count, &calls) == (isObserved ? 1 : 0) &&
+                         (isObserved ? calls >= 3 : calls == 0);
     Center::ShutdownLMNotificationCenter();
-    NotificationCenter::local().removeObserver(&posts);
-    const bool isConsistent = isSound && (isObserved ? calls >= 3 : calls == 0) &&
-                              (isPosted && isInitialised ? posts >= 3 : posts == 0);
-    return oneOf(isConsistent && isInitialised && isObserved && isPosted && hasRoom && calls == 3,
-                 isConsistent);
+    return oneOf(isSound && isInitialised && isObserved && hasRoom && calls == 3, isSound);
 });
 
 // What fails below the reserve is had all the same, as long as the reserve lasts.
@@ -525,9 +518,18 @@ const Scenario logLines("log", AllocatesNothing, [] {
 const Scenario longLogLine("log, long line", NeverThrows, [] {
     const std::string text = unfailing([] { return std::string(100'000, 'x'); });
     const std::string line = written([&] { QKLogCString(3, false, "tag", "%s", text.c_str()); });
+    // The C library needs memory for so many digits, and leaves its own error behind.
+    const std::string digits = written([] {
+        errno = ENOSPC;
+        QKLogCString(3, false, "tag", std::string("%.100000f %m").c_str(), 1.5);
+    });
     const Unfailing now;
-    return oneOf(line == text + "\n",
-                 line.starts_with("xxx") && line.ends_with("\n") && line.size() < text.size());
+    const std::string mark(kCutMark);
+    const bool isCut = line == text.substr(0, 1024 - mark.size()) + mark + "\n";
+    const bool areDigits = digits.starts_with("1.50000");
+    return oneOf(line == text + "\n" && areDigits && digits.size() > 100'000,
+                 (isCut || line == text + "\n") &&
+                     (areDigits || digits == "%.100000f No space left on device\n"));
 });
 
 const Scenario assertion("assertion", AllocatesNothing, [] {
@@ -710,8 +712,6 @@ const Scenario processing("sample data, kernels, times", AllocatesNothing, [] {
     QkTimeMarker marker;
     marker.setMarker();
     IndentToCout();
-    const auto evening = LocalTime::current().civilTime({1'700'000'000, 0});  // 22:13:20 UTC
-    const char* zone = environmentVariable("TZ");
     for (KernelFamily* family : KernelFamily::all())
         family->useBest();
     const bool isRight = QKCRC32(0, "123456789", 9) == 0xCBF43926U &&
@@ -719,8 +719,8 @@ const Scenario processing("sample data, kernels, times", AllocatesNothing, [] {
                          context.m_tempo == 120000 &&
                          Clocks::current().monotonic().errorNumber() == 0 &&
                          Process::current().processId() == ::getpid() &&
-                         environmentVariable("no such variable") == nullptr && evening &&
-                         (zone == nullptr || zone != kZone || evening->hour == 17);
+                         environmentVariable("no such variable") == nullptr &&
+                         LocalTime::current().civilTime({1'700'000'000, 0});
     return oneOf(isRight, false);
 });
 

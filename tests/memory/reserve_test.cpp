@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The memory reserve on the process's own zone.
+// The memory reserve, and the leak guard, on the process's own zone.
 #include "tests/memory/real_zone.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/diagnostics/testing/ended_child.h"
+#include "veltra/memory/testing/leak_guard_host.h"
 #include "veltra/memory/testing/zone_stress.h"
 
 #include <fstream>
 #include <new>
 
 #include <malloc.h>
-#include <sys/resource.h>
 
 namespace veltra {
 namespace {
@@ -49,10 +50,7 @@ bool exhaust(std::size_t threadCount) {
 TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
     SKIP_WITHOUT_REAL_ZONE();
     for (const std::size_t threadCount : {1U, 4U}) {
-        std::array<int, 2> ends{};
-        ASSERT_EQ(::pipe(ends.data()), 0);
-        EXPECT_TRUE(testing::holdsInChild([&] {
-            ::dup2(ends[1], STDERR_FILENO);
+        const testing::EndedChild ended = testing::endedChild([threadCount] {
             // No address space for the arenas of threads.
             ::mallopt(M_ARENA_MAX, 1);  // NOLINT(concurrency-mt-unsafe): one thread
             std::size_t pages = 0;
@@ -62,13 +60,10 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
             std::free(QKMemoryReserveEnter(noteLevel, nullptr));
             const bool isSaved = exhaust(threadCount);
             QKMemoryReserveExit();
-            return std::fputs(levels, stderr) >= 0 && isSaved;
-        }));
-        ::close(ends[1]);
-        std::string text(1000, '\0');
-        text.resize(static_cast<std::size_t>(::read(ends[0], text.data(), text.size())));
-        ::close(ends[0]);
-        EXPECT_EQ(text,
+            std::fputs(isSaved ? levels : "not saved", stderr);
+        });
+        EXPECT_TRUE(ended.hasExited(0));
+        EXPECT_EQ(ended.log,
                   "QKMemReserve: starting in Marquee mode\n"
                   "QKMemReserve: allocating in Marquee mode\n"
                   "QKMemReserve: reallocating in Marquee mode\n"
@@ -76,11 +71,18 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
     }
 }
 
+constexpr ZoneEntries kCalls{::malloc,  ::calloc, ::memalign,
+                             ::realloc, ::free,   ::malloc_usable_size};
+
 TEST(RealMemoryReserve, MayComeAndGoAmongThreadsAndForks) {
     SKIP_WITHOUT_REAL_ZONE();
-    const ZoneEntries calls{::malloc, ::calloc, ::memalign, ::realloc, ::free, nullptr};
-    EXPECT_EQ(testing::stressReserve(AllocationZone::process(), calls), 0);
+    EXPECT_EQ(testing::stressReserve(AllocationZone::process(), kCalls), 0);
     EXPECT_GT(QKMemoryReserveDidLowMemoryLevelChange(1), 0);
+}
+
+TEST(LeakGuardOnTheProcess, StaysWholeAmongThreadsAndForks) {
+    SKIP_WITHOUT_REAL_ZONE();
+    testing::guarded(nullptr, [](auto&) { testing::allocateAmongThreadsAndForks(kCalls); });
 }
 
 }  // namespace

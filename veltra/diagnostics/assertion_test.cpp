@@ -3,7 +3,6 @@
 
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
-#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/fake_user.h"
 
@@ -76,21 +75,6 @@ TEST(Assertion, TheCounterDecidesWhetherItIsShownAndTheAnswerWhatFollows) {
             EXPECT_EQ(dbgAssertionFailed(), 0) << "an assertion that holds clears the flag";
         }
     }
-}
-
-// The presenter of the platform is made by the first assertion, so an exit handler that was there
-// before runs after everything made later has been destroyed.
-TEST(Assertion, MayFailInAnExitHandler) {
-    EXPECT_TRUE(testing::holdsInChild([] {
-        LogWorld world;
-        ::setsid();  // no terminal to ask on
-        setEnvironment("DISPLAY", nullptr);
-        setEnvironment("WAYLAND_DISPLAY", nullptr);
-        std::atexit([] { ::_exit(dbgASSERT(0, "late", "exit", nullptr)); });
-        dbgASSERT(0, "early", "main", nullptr);
-        std::exit(2);  // NOLINT(concurrency-mt-unsafe): one thread
-        return false;
-    }));
 }
 
 }  // namespace

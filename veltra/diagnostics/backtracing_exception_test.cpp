@@ -217,14 +217,8 @@ TEST_F(Installed, GivesExceptionsNamesInAForkedChild) {
 }
 
 TEST(StrippedProgram, HasAddressesInItsBacktraces) {
-    FILE* const output = ::popen(VELTRA_STRIPPED_PROGRAM, "r");
-    ASSERT_NE(output, nullptr);
-    std::string text;
-    std::array<char, 256> part{};
-    while (std::fgets(part.data(), part.size(), output) != nullptr)
-        text += part.data();
-    EXPECT_EQ(::pclose(output), 0);
-    EXPECT_THAT(text, AllOf(StartsWith("\t0x"), EndsWith("\n"), Not(HasSubstr("veltra"))));
+    EXPECT_THAT(veltra::testing::outputOf(VELTRA_STRIPPED_PROGRAM),
+                AllOf(StartsWith("\t0x"), EndsWith("\n"), Not(HasSubstr("veltra"))));
 }
 
 }  // namespace tracing

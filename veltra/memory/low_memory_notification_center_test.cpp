@@ -100,15 +100,6 @@ int resultOfPost(unsigned long size) {
     return result;
 }
 
-TEST_F(LowMemoryCenter, NeverGivesUpTheReserveWhereSomebodyElseCanBeAsked) {
-    Center::InitializeLMNotificationCenter();
-    Center::EnterCriticalOperation();
-    LimitedHeap::available = 10;
-    EXPECT_EQ(Center::CheckPoint(kReserve), 1);
-    EXPECT_EQ(LimitedHeap::available, 10);
-    EXPECT_TRUE(Center::LeaveCriticalOperation());
-}
-
 TEST_F(LowMemoryCenter, SaysInTheLogWhenASizeDoesNotFit) {
     LogWorld world;
     prefer(std::int64_t{1} << 32);
@@ -116,11 +107,6 @@ TEST_F(LowMemoryCenter, SaysInTheLogWhenASizeDoesNotFit) {
     EXPECT_EQ(world.message(),
               "the preference LowMemoryReserve, 4294967296 bytes, does not fit 32 bits and counts "
               "as 0");
-    world.forget();
-    prefer(-1);
-    LimitedHeap::available = 0;
-    EXPECT_EQ(Center::InitializeLMNotificationCenter(), 0);
-    EXPECT_NE(world.message().find("-1 bytes"), std::string::npos);
 }
 
 TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationAndNeverLosesIt) {
@@ -138,14 +124,14 @@ TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationAndNeverLosesIt
         EXPECT_EQ(Center::LeaveCriticalOperation(), room == 50);
     }
     const auto work = [] {
-        for (int round = 0; round < 50; ++round) {
+        for (int round = 0; round < 50; ++round, Center::LeaveCriticalOperation()) {
             Center::EnterCriticalOperation();
             Center::PostLMNotification(0, 0, 0, true);
-            Center::LeaveCriticalOperation();
         }
     };
-    std::thread one(work), two(work);
-    one.join(), two.join();
+    std::thread other(work);
+    work();
+    other.join();
     Center::LeaveCriticalOperation();
     EXPECT_EQ(LimitedHeap::available, 0);
     Center::RemoveLMObserver(checkAgain, nullptr);

@@ -95,26 +95,19 @@ TEST(MessageFormat, FromWhatIsNotUnderstoodOnTheRestIsCopied) {
 TEST(MessageFormat, NothingIsMadeThatIsCutOffInTheEnd) {
     const std::string mark(kCutMark);
     for (const char* format : {"%900000000d", "%0900000000d", "%.900000000d", "%900000000s",
-                               "%900000000@|", "%.900000000f", "%900000000ls"}) {
-        const double number = 1.5;
-        const std::string text = format[std::string_view(format).size() - 1] == 'f'
-                                     ? formatted(format, number)
-                                     : formatted(format, nullptr);
-        if (text == "(null)|") continue;  // objects have no width
-        EXPECT_EQ(text.size(), kLongestText) << format;
-        EXPECT_TRUE(text.ends_with(mark)) << format;
+                               "%.900000000f", "%900000000ls"}) {
+        const bool isFloating = std::string_view(format).ends_with('f');
+        const std::string text = isFloating ? formatted(format, 1.5) : formatted(format, nullptr);
+        EXPECT_TRUE(text.size() == kLongestText && text.ends_with(mark)) << format;
     }
     EXPECT_EQ(formatted("%*d", std::numeric_limits<int>::max(), 1).size(), kLongestText);
     EXPECT_EQ(formatted("%*d|", std::numeric_limits<int>::min(), 1).size(), kLongestText);
-    const std::string notes = "x" + std::string(400'000, '\xBF');  // no UTF-8: cut anywhere
     std::string music = "x";
     for (int count = 0; count < 400'000; ++count)
         music += "\xE2\x99\xAA";
     const std::string cut = formatted("%s%d", music.c_str(), 5);
     EXPECT_EQ(cut, music.substr(0, cut.size() - mark.size()) + mark);
     EXPECT_EQ((cut.size() - mark.size()) % 3, 1U) << "a character was split";
-    EXPECT_EQ(formatted("%s%s%s", notes.c_str(), notes.c_str(), notes.c_str()).size(),
-              kLongestText);
     EXPECT_EQ(formatted("%1048575s", "x"), std::string(1048574, ' ') + "x");
 }
 

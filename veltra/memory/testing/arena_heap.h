@@ -26,12 +26,10 @@ public:
         if (units >= kLargest) return nullptr;
         const auto kind = static_cast<std::size_t>(std::bit_width(units / kSmallest));
         const std::size_t blockSize = kSmallest << kind, count = kRegion / blockSize;
-        std::size_t index = s_hint[kind].load(std::memory_order_relaxed);
-        for (std::size_t tries = 0; tries < count; ++tries, ++index)
-            if (!s_isTaken[kind][index % count].exchange(true, std::memory_order_acquire)) {
-                s_hint[kind].store(index + 1, std::memory_order_relaxed);
+        for (std::size_t index = 0; index < count; ++index)
+            if (!s_isTaken[kind][index].exchange(true, std::memory_order_acquire)) {
                 ++live;
-                return s_start + kind * kRegion + index % count * blockSize;
+                return s_start + kind * kRegion + index * blockSize;
             }
         return nullptr;
     }
@@ -58,7 +56,6 @@ public:
         const std::size_t kind = kindOf(block);
         const std::size_t index = offsetOf(block) % kRegion / (kSmallest << kind);
         s_isTaken[kind][index].store(false, std::memory_order_release);  // with allocate()
-        s_hint[kind].store(index, std::memory_order_relaxed);
     }
     static std::size_t sizeOf(void* block) noexcept {
         return block == nullptr ? 0 : kSmallest << kindOf(block);
@@ -84,7 +81,6 @@ private:
     static inline char* const s_start = reserve();
     static inline std::array<std::array<std::atomic<bool>, kRegion / kSmallest>, kKinds>
         s_isTaken{};
-    static inline std::array<std::atomic<std::size_t>, kKinds> s_hint{};  // where one may be free
 };
 
 inline constexpr ZoneEntries kArenaHeap{

@@ -1,32 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_helper.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/linux/alert_helper_search.h"
 #include "veltra/platform/linux/alert_ways.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <fstream>
-#include <iterator>
-#include <vector>
 
 #include <gmock/gmock.h>
 
 namespace veltra {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::HasSubstr;
-using ::testing::Not;
+using namespace ::testing;
 namespace fs = std::filesystem;
 
 const Alert kAlert{
     "-h", "--message=-x\nline\xC3\xA9", "Resume", "Debugger", "-Stop", milliseconds(300)};
 
-class AlertHelperTest : public ::testing::Test {
+class AlertHelperTest : public Test {
 protected:
     ~AlertHelperTest() override {
         EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
@@ -43,9 +38,13 @@ protected:
     }
 
     // A helper that answers or ends has all the time that a busy machine takes.
-    std::optional<AlertAnswer> ask(const std::string& script,
-                                   Nanoseconds grace = seconds(60.0)) const {
-        return askHelper(kAlert, program("helper", script).c_str(), grace);
+    std::optional<AlertAnswer> ask(const std::string& script, Nanoseconds grace = seconds(60.0),
+                                   const Alert& alert = kAlert) const {
+        return askHelper(alert, program("helper", script).c_str(), grace);
+    }
+    std::string written() const {
+        std::ifstream file(m_folder / "written");
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     testing::TemporaryFolder m_folder;
@@ -85,8 +84,7 @@ TEST_F(AlertHelperTest, TextsArriveAsTheyAreAndNothingElseOfTheHostDoes) {
     std::signal(SIGUSR2, handler);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 
-    std::ifstream written(m_folder / "written");
-    EXPECT_THAT(std::string(std::istreambuf_iterator<char>(written), {}),
+    EXPECT_THAT(written(),
                 AllOf(HasSubstr("[--header=-h][--message=--message=-x\nline\xC3\xA9]"
                                 "[--default=Resume][--alternate=Debugger][--other=-Stop]"
                                 "[--timeout=300][--plain]"),
@@ -98,24 +96,18 @@ TEST_F(AlertHelperTest, ALongTextIsCutBetweenTwoCharacters) {
     std::string notes;
     while (notes.size() < 20'000)
         notes += "\xE2\x99\xAA";
-    Alert alert = kAlert;
-    alert.message = notes;
-    const std::string script = "printf %s \"$3\" > " + (m_folder / "written") + "; echo default";
-    askHelper(alert, program("helper", script).c_str(), seconds(60));
-    std::ifstream written(m_folder / "written");
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}),
-              "--message=" + notes.substr(0, 16'383));
+    ask("printf %s \"$3\" > " + (m_folder / "written") + "; echo default", seconds(60),
+        {"", notes, "", "", "", milliseconds(300)});
+    EXPECT_EQ(written(), "--message=" + notes.substr(0, 16'383));
 }
 
 TEST_F(AlertHelperTest, HostsThatIgnoreTheirChildrenOrCloseStandardDescriptorsGetTheAnswerToo) {
     const std::string helper = program("helper", "echo other");
     EXPECT_TRUE(testing::holdsInChild([&] {
         std::signal(SIGCHLD, SIG_IGN);
-        const auto first = askHelper(kAlert, helper.c_str(), seconds(30.0));
         for (const int number : {0, 1, 2})
             ::close(number);
-        const auto second = askHelper(kAlert, helper.c_str(), seconds(30.0));
-        return first == AlertAnswer::Other && second == AlertAnswer::Other;
+        return askHelper(kAlert, helper.c_str(), seconds(30.0)) == AlertAnswer::Other;
     }));
 }
 
@@ -144,10 +136,10 @@ std::optional<AlertAnswer> answerInWindow(const std::string& keys) {
     int display = -1;
     EXPECT_EQ(std::fscanf(server, "%d %d", &serverId, &display), 2);
     ::setenv("DISPLAY", (":" + std::to_string(display)).c_str(), 1);
-    const std::string find = "exec timeout 60 xdotool search --sync --onlyvisible --name '^" +
-                             std::string(program_invocation_short_name) + "$' ";
-    const std::string press = "windowfocus sleep 0.2 key " + keys + " >/dev/null 2>&1";
-    std::FILE* user = ::popen(keys.empty() ? "true" : (find + press).c_str(), "w");
+    const std::string press = "exec timeout 60 xdotool search --sync --onlyvisible --name '^" +
+                              std::string(program_invocation_short_name) +
+                              "$' windowfocus sleep 0.2 key " + keys + " >/dev/null 2>&1";
+    std::FILE* user = ::popen(keys.empty() ? "true" : press.c_str(), "w");
     Alert alert = kAlert;
     if (!keys.empty()) alert.timeout = seconds(60.0);
     const auto answer = askInWindow(alert);
@@ -164,14 +156,14 @@ TEST_F(AlertHelperTest, RealWindowIsAnsweredByKeysAndByTime) {
         GTEST_SKIP() << "needs Xvfb, xdotool and the helper";
     ::unsetenv("WAYLAND_DISPLAY");
     ::unsetenv("DISPLAY");
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
-    EXPECT_EQ(askInWindow(kAlert), std::nullopt) << "without a display";
-    ::setenv("DISPLAY", ":99999", 1);
-    EXPECT_EQ(askInWindow(kAlert), std::nullopt) << "with a display that is not there";
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    EXPECT_EQ(askInWindow(kAlert), std::nullopt) << "where nobody sees the window";
+    // Without a display, with one that is not there, and where nobody sees the window.
+    for (const auto& [name, value] : {std::pair("DBUS_SESSION_BUS_ADDRESS", "disabled:"),
+                                      {"DISPLAY", ":99999"},
+                                      {"QT_QPA_PLATFORM", "offscreen"}}) {
+        ::setenv(name, value, 1);
+        EXPECT_EQ(askInWindow(kAlert), std::nullopt) << value;
+    }
     ::unsetenv("QT_QPA_PLATFORM");
-
     EXPECT_EQ(answerInWindow("Tab Return"), AlertAnswer::Alternate);
     EXPECT_EQ(answerInWindow("Tab Tab space"), AlertAnswer::Other);
     EXPECT_EQ(answerInWindow("Escape"), AlertAnswer::Default);

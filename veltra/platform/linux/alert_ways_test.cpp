@@ -12,10 +12,7 @@
 namespace veltra {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::Not;
+using namespace ::testing;
 
 constexpr Nanoseconds kMinute = seconds(60.0);
 testing::ManualClocks* s_clocks = nullptr;

@@ -35,8 +35,7 @@ TEST(ForkHandlers, ChildrenFindLocksFreeAndStateWholeAndCountTheirForks) {
     // Each round forks while the other thread is between the halves, and holds the other lock till
     // the child has ended.
     constexpr int kRounds = 20;
-    std::atomic<int> entered{0};
-    std::atomic<int> ended{0};
+    std::atomic<int> entered{0}, ended{0};
     std::thread busy([&] {
         for (int round = 1; round <= kRounds; ++round) {
             const std::lock_guard guard(resetLock);

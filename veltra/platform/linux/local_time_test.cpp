@@ -4,8 +4,6 @@
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/child_process.h"
 
-#include <ostream>
-
 #include <time.h>
 
 namespace veltra {

@@ -73,11 +73,8 @@ TEST(MemoryFacts, FollowTheControlGroupsUpTheTree) {
     const std::string parent =
         "/my m/g/limit_in_bytes=100;/my m/g/usage_in_bytes=99;/my m/g/use_hierarchy=";
     const std::string container = mount("/docker/1", "/cg", "cgroup", "memory");
-    const struct {
-        const char* name;
-        std::string groups, mounts, files;
-        Bytes limit, room;
-    } kCases[] = {
+    using Text = std::string;
+    const std::tuple<const char*, Text, Text, Text, Bytes, Bytes> cases[] = {
         {"no limit", "0::/a/b\n", unified, "/u/a/b/max=max|;/u/a/b/current=5|", kNone, kNone},
         {"the least room, above", "0::/a/b\n", unified,
          "/u/a/b/max=1000|;/u/a/b/current=100|;/u/a/max=2000|;/u/a/current=1950|", 1000, 50},
@@ -101,14 +98,14 @@ TEST(MemoryFacts, FollowTheControlGroupsUpTheTree) {
         {"both kinds", "4:memory:/g\n0::/a\n", legacy + unified,
          "/my m/g/limit_in_bytes=100;/my m/g/usage_in_bytes=1;/u/a/max=90;/u/a/current=80", 90, 10},
         {"too long a name", "0::/" + std::string(3000, 'a') + "\n", unified, "", kNone, kNone}};
-    for (const auto& one : kCases) {
+    for (const auto& [name, groups, mounts, files, limit, room] : cases) {
         FakeMemorySystem system;
-        system.files = filesOf(one.files);
-        system.files["/proc/self/cgroup"] = one.groups;
-        system.files["/proc/self/mountinfo"] = mount("/", "/", "ext4", "discard") + one.mounts;
+        system.files = filesOf(files);
+        system.files["/proc/self/cgroup"] = groups;
+        system.files["/proc/self/mountinfo"] = mount("/", "/", "ext4", "discard") + mounts;
         const MemoryFacts facts = MemoryFactsReader().read();
-        EXPECT_EQ(facts.groupLimit, one.limit) << one.name;
-        EXPECT_EQ(facts.groupRoom, one.room) << one.name;
+        EXPECT_EQ(facts.groupLimit, limit) << name;
+        EXPECT_EQ(facts.groupRoom, room) << name;
     }
 }
 

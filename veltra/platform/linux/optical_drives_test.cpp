@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/optical_drives.h"
 
+#include "veltra/base/testing/prelude.h"
 #include "veltra/platform/linux/optical_drive_lists.h"
+#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
-
-#include <gtest/gtest.h>
 
 namespace veltra {
 namespace {
@@ -67,13 +64,7 @@ TEST(OpticalDrives, AreThoseOfTheDeviceManager) {
     const std::string command = "umockdev-run --device " + (folder / "drives.umockdev") + " -- " +
                                 program + " --gtest_also_run_disabled_tests" +
                                 " --gtest_filter=*DISABLED_ListOfThisProcess 2>&1";
-    FILE* const output = ::popen(command.c_str(), "r");
-    ASSERT_NE(output, nullptr);
-    std::string text;
-    std::array<char, 512> part{};
-    while (std::fgets(part.data(), part.size(), output) != nullptr)
-        text += part.data();
-    EXPECT_EQ(::pclose(output), 0);
+    const std::string text = testing::outputOf(command);
     EXPECT_NE(text.find("[sr0 IOBDServices\nsr1 IOCDServices\nsr3 IODVDServices\n]"),
               std::string::npos)
         << text;

@@ -14,11 +14,7 @@ using testing::FakeMemorySystem;
 using testing::FakeSystemQueries;
 
 TEST(SystemVersion, ComesOutOfTheFileAsAShellWouldReadIt) {
-    const struct {
-        const char* osRelease;
-        const char* kernel;
-        const char* expected;
-    } kCases[] = {
+    const std::array<const char*, 3> cases[] = {
         {"NAME=\"Debian GNU/Linux\"\nVERSION_ID=\"12\"\nVERSION=\"12 (bookworm)\"\n",
          "6.1.0-18-amd64", "Debian GNU/Linux 12 (Build 6.1.0-18-amd64)"},
         {"ID=arch\nBUILD_ID=rolling", "6.9", "arch rolling (Build rolling)"},
@@ -34,12 +30,12 @@ TEST(SystemVersion, ComesOutOfTheFileAsAShellWouldReadIt) {
         {"NAME=\xFF\nVERSION_ID=1\\", "6", "\xEF\xBF\xBD 1\\ (Build 6)"},
         {"NAME=Nothing\nVERSION_ID=1", "", "Unknown"},
     };
-    for (const auto& one : kCases) {
+    for (const auto& [osRelease, kernel, expected] : cases) {
         FakeMemorySystem system;
         FakeSystemQueries queries;
-        queries.setText(SystemKey::KernelRelease, one.kernel);
-        system.files["/usr/lib/os-release"] = one.osRelease;
-        EXPECT_EQ(systemVersion(), one.expected) << one.osRelease;
+        queries.setText(SystemKey::KernelRelease, kernel);
+        system.files["/usr/lib/os-release"] = osRelease;
+        EXPECT_EQ(systemVersion(), expected) << osRelease;
         system.files["/etc/os-release"] = "NAME=First\nVERSION=2\nBUILD_ID=3";
         EXPECT_EQ(systemVersion(), "First 2 (Build 3)");
     }

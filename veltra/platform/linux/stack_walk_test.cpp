@@ -59,16 +59,13 @@ void inHandler() {
 }
 
 TEST(StackWalk, BothWaysVisitTheSameFrames) {
-    struct Case {
-        void (*walk)();
-        std::size_t atLeast;
-    };
-    for (const Case& one :
+    using Case = std::pair<void (*)(), std::size_t>;
+    for (const auto& [walk, atLeast] :
          {Case{[] { recursive(200); }, 202}, Case{[] { inAlignedFrame(300); }, 7}, Case{inSort, 9},
           Case{inHandler, 4}, Case{[] { std::thread([] { inAlignedFrame(8); }).join(); }, 6}})
         for (const char* cache : {"empty", "filled"}) {
-            one.walk();
-            ASSERT_GE(byUnwinder.size(), one.atLeast) << cache;
+            walk();
+            ASSERT_GE(byUnwinder.size(), atLeast) << cache;
             EXPECT_TRUE(rest == Frames(byUnwinder.begin() + 2, byUnwinder.end())) << cache;
 #if defined(__x86_64__)
             EXPECT_TRUE(tableWalk.isDone) << cache;

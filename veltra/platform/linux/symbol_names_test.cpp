@@ -36,12 +36,15 @@ TEST(SymbolNames, ReadsNothingInAForkedChildThatWasNotPrepared) {
 }
 
 #ifdef VELTRA_BACKTRACE
+bool isNamed(const SymbolName& name, std::string_view function, std::string_view file) {
+    return view(name.function) == function && view(name.file).ends_with(file) && name.line > 5 &&
+           !view(name.object).empty();
+}
+
 TEST(SymbolNames, TellFunctionFileAndLineAlsoInAPreparedChildAndOnOtherThreads) {
     const auto isKnown = [] {
-        const SymbolName name = symbolNameOf(addressOf(here));
-        return view(name.function) == "veltra::(anonymous namespace)::here()" &&
-               view(name.file).ends_with("symbol_names_test.cpp") && name.line > 10 &&
-               !view(name.object).empty();
+        return isNamed(symbolNameOf(addressOf(here)), "veltra::(anonymous namespace)::here()",
+                       "symbol_names_test.cpp");
     };
     EXPECT_TRUE(isKnown());
     EXPECT_TRUE(testing::holdsInChild(isKnown));
@@ -68,8 +71,7 @@ TEST(SymbolNames, KnowModulesThatAreLoadedLater) {
     ASSERT_NE(module, nullptr) << ::dlerror();
     auto* const address = reinterpret_cast<std::uintptr_t (*)()>(::dlsym(module, "hiddenAddress"));
     const SymbolName name = symbolNameOf(address());
-    EXPECT_EQ(view(name.function), "(anonymous namespace)::hidden()");
-    EXPECT_TRUE(view(name.file).ends_with("named_module.cpp")) << name.file.data();
+    EXPECT_TRUE(isNamed(name, "(anonymous namespace)::hidden()", "named_module.cpp"));
     EXPECT_TRUE(view(name.object).ends_with("named_module.so")) << name.object.data();
     ::dlclose(module);
 }

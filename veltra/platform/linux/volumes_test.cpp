@@ -27,10 +27,7 @@ TEST(Volumes, AreFoundInTheTableByTheirNumber) {
         "34 1 0:51 / /sub rw - btrfs /dev/sdb1 rw,rox,ro\n"
         "35 1 0:52 / /cut rw shared:1\n"
         "36 1 0:53 / /end rw - tmpfs none rw";
-    const struct {
-        std::uint64_t number;
-        const char* text;
-    } kCases[] = {
+    const std::pair<std::uint64_t, const char*> cases[] = {
         {1, "/|/dev/sda1|ext4|8:1|rw|stays"},
         {31, "/media/My disc|/dev/sr0|iso9660|11:0|ro|can go"},
         {33, "/a\\b\\04\\999|back ed|tmpfs|0:50|ro|can go"},
@@ -39,22 +36,21 @@ TEST(Volumes, AreFoundInTheTableByTheirNumber) {
         {36, "/end|none|tmpfs|0:53|rw|can go"},
         {3, "none"},
     };
-    for (const auto& one : kCases)
-        EXPECT_EQ(textOf(mountOfNumber(one.number, kTable)), one.text);
+    for (const auto& [number, text] : cases)
+        EXPECT_EQ(textOf(mountOfNumber(number, kTable)), text);
 }
 
 TEST(Volumes, AreRemovableAsTheirDiskIs) {
     const testing::TemporaryFolder folder;
-    std::filesystem::create_directories(folder.path / "disks/sdb/sdb1");
-    std::filesystem::create_directories(folder.path / "disks/sda");
-    std::ofstream(folder / "disks/sdb/removable") << "1\n";
-    std::ofstream(folder / "disks/sda/removable") << "0\n";
-    for (const auto& [number, target] :
-         {std::pair("8:0", "disks/sda"), {"8:16", "disks/sdb"}, {"8:17", "disks/sdb/sdb1"}})
-        std::filesystem::create_directory_symlink(target, folder.path / number);
-    EXPECT_FALSE(isRemovableDevice(folder.path, "8:0"));
-    EXPECT_TRUE(isRemovableDevice(folder.path, "8:16"));
-    EXPECT_TRUE(isRemovableDevice(folder.path, "8:17"));
+    using Case = std::tuple<const char*, const char*, bool>;
+    for (const auto& [number, disk, isRemovable] :
+         {Case{"8:0", "sda", false}, Case{"8:16", "sdb", true}, Case{"8:17", "sdb/sdb1", true}}) {
+        std::filesystem::create_directories(folder.path / "disks" / disk);
+        std::filesystem::create_directory_symlink(folder.path / "disks" / disk,
+                                                  folder.path / number);
+        std::ofstream(folder.path / "disks" / std::string(disk, 3) / "removable") << isRemovable;
+        EXPECT_EQ(isRemovableDevice(folder.path, number), isRemovable) << number;
+    }
     EXPECT_FALSE(isRemovableDevice(folder.path, "0:50"));
 }
 

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
+#include <string>
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -71,6 +73,15 @@ private:
 template <typename Body>
 bool holdsInChild(Body body) {
     return Child(body).holds();
+}
+
+// What a command of the shell writes, when it ends as it should.
+inline std::string outputOf(const std::string& command) {
+    std::FILE* const output = ::popen(command.c_str(), "r");
+    std::string text;
+    for (int read = 0; (read = std::getc(output)) != EOF;)
+        text += static_cast<char>(read);
+    return ::pclose(output) == 0 ? text : "failed";
 }
 
 }  // namespace veltra::testing
