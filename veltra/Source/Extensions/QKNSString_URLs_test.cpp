@@ -20,8 +20,8 @@ constexpr bool kHasXml = true;
 constexpr bool kHasXml = false;
 #endif
 
-// Made-up texts are taken for one when a slow judge says so, which takes more than `most` for one.
-void expectJudged(std::span<const std::string_view> pieces, const std::regex& judge, int most,
+// Of made-up texts those look valid that a slow judge accepts, more than `least` of them.
+void expectJudged(std::span<const std::string_view> pieces, const std::regex& judge, int least,
                   bool (*looksValid)(std::string_view) noexcept, bool isBuilt) {
     testing::MadeUpTexts texts(pieces);
     int accepted = 0;
@@ -31,7 +31,7 @@ void expectJudged(std::span<const std::string_view> pieces, const std::regex& ju
         ASSERT_EQ(looksValid(text), isOne && isBuilt) << text;
         accepted += isOne ? 1 : 0;
     }
-    EXPECT_GT(accepted, most);
+    EXPECT_GT(accepted, least);
 }
 
 TEST(EmailAddress, IsWhatASlowJudgeTakesForOne) {
