@@ -92,6 +92,7 @@ TEST_F(OnScreenKeyboard, NoNoteHangsAndItSurvivesItsDeletionInEachCallback) {
              keys->setKeyRange({34, 8});
          }},
         {press, [&] { keys->setFirstNote(2); }},
+        {press, [&] { host().window.setContentView(nullptr); }},
         {press, [&] { player.window = nullptr; }},
         {hold, [&] { space(EventType::KeyUp); }},
         {hold, [&] { host().window.keyStateDidChange(false); }},
