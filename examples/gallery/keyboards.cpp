@@ -41,7 +41,8 @@ public:
     DfOctavePickerView* picker = nullptr;
 };
 
-Specimen picker(std::string caption, bool isLarge, const std::function<void(DfOctavePickerView&)>& set,
+Specimen picker(std::string caption, bool isLarge,
+                const std::function<void(DfOctavePickerView&)>& set,
                 std::function<void(Window&)> drive = {}) {
     const Size size = DfOctavePickerView::naturalSize(isLarge);
     return {std::move(caption), size,
