@@ -125,8 +125,8 @@ Sheet numberEditorSheet() {
     const Point firstGroup{36.0F, 28.0F};
     const Point lastGroup{148.0F, 28.0F};
     const auto position = [&](std::string caption, std::function<void(Window&)> drive,
-                              std::function<void(NumberDisplay&)> set = {}) {
-        return specimen(std::move(caption), size, makePosition, std::move(set), std::move(drive));
+                              const std::function<void(NumberDisplay&)>& set = {}) {
+        return specimen(std::move(caption), size, makePosition, set, std::move(drive));
     };
     const auto disabled = [](NumberDisplay& made) { made.editor().setEnabled(false); };
     const auto withCaptions = [](NumberDisplay& made) {
