@@ -81,12 +81,15 @@ TEST(LoudnessMeterTest, FindsThePeakBetweenTheSamplesAndSkipsWhatIsNoNumber) {
         const double peak = meter.read().truePeak;
         EXPECT_TRUE(peak >= -6.02 - 0.4 && peak <= -6.02 + 0.2) << shift << ' ' << peak;
     }
-    LoudnessMeter meter(48000, 1);
-    const std::vector<float> odd(48000, NAN);
-    meter.add(odd.data(), odd.size());
+    LoudnessMeter meter(48000, 2);
+    const std::vector<float> odd(96'000, NAN);
+    meter.add(odd.data(), odd.size() / 2);
     meter.add(nullptr, 100);
     EXPECT_EQ(meter.read().truePeak, -INFINITY);
     EXPECT_EQ(meter.read().integrated, -INFINITY);
+    const Part kTone[] = {{1.0, -20.0}};
+    play(meter, kTone);
+    EXPECT_NEAR(meter.read().momentary, -20.0, 0.1);
 }
 
 TEST(LoudnessMeterTest, ChannelsCountAsTheirPlacesDo) {

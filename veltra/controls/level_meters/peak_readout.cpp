@@ -32,7 +32,7 @@ std::string PeakReadout::text(double decibels) {
     constexpr const char* kMinus = "\u2212";
     if (!(decibels > kQuietest)) return std::string(kMinus) + "\u221E";
     if (std::isinf(decibels)) return "+\u221E";
-    const std::string digits = magnitudeText(decibels);
+    std::string digits = magnitudeText(decibels);
     if (digits == "0.0") return digits;
     return (decibels < 0.0 ? kMinus : "+") + digits;
 }

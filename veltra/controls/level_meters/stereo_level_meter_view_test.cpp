@@ -67,14 +67,22 @@ TEST_F(LevelMeterTest, OnlyMetersThatChangeAreDrawnAndOnlyTheirRectangles) {
             Rect{{static_cast<float>(i) * 30.0F, 10}, {26, 180}})));
     }
     HostedView host(std::move(all));
-    for (auto* view : views)
+    for (auto* view : views) {
         view->setLevelL(0.5F, 0.5F);
-    EXPECT_EQ(images(host).size(), 200U * 3U);  // unlit, lit, maximum
+        view->setNeedsDisplay();
+    }
+    const auto first = host.display();
+    EXPECT_EQ(RecordingCanvas::only(RecordingCanvas::What::Image, first).size(), 200U * 3U)
+        << "unlit, lit, maximum";
+    EXPECT_EQ(RecordingCanvas::only(RecordingCanvas::What::FillPath, first).size(), 100U)
+        << "the glass";
     for (std::size_t i = 0; i < 100; ++i)
         views[i]->setLevelL(0.5F, i % 10 == 0 ? 0.8F : 0.495F);
     ASSERT_EQ(host.port.invalid.size(), 10U);
     EXPECT_EQ(host.port.invalid[1], (Rect{{314, 14}, {8, 172}}));
-    const auto drawn = images(host);
+    const auto calls = host.display();
+    EXPECT_TRUE(RecordingCanvas::only(RecordingCanvas::What::FillPath, calls).empty());
+    const auto drawn = RecordingCanvas::only(RecordingCanvas::What::Image, calls);
     EXPECT_EQ(drawn.size(), 10U * 3U);
     for (const auto& call : drawn)
         EXPECT_GE(std::fmod(call.rect.minX(), 300.0F), 14.0F);
