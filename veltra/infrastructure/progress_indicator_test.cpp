@@ -232,6 +232,7 @@ TEST_F(ProgressIndicatorTest, ManyThreadsAtOnceLoseNothingThatWasLast) {
         --running;
     };
     std::vector<std::jthread> threads;
+    threads.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread)
         threads.emplace_back(work, thread);
     for (std::size_t seconds = 1; running != 0; ++seconds) {

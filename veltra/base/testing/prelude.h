@@ -46,6 +46,7 @@ std::string printed(Body body) {
 template <typename Work>
 void onThreads(int count, const Work& work) {
     std::vector<std::jthread> threads;
+    threads.reserve(static_cast<std::size_t>(count));
     for (int number = 0; number < count; ++number)
         threads.emplace_back(std::cref(work), number);
 }
