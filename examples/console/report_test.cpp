@@ -54,7 +54,8 @@ TEST(Report, WhatANarrowFormatRoundsToItsLargestValueIsAtFullScaleAndNothingElse
         const Planar samples = readAll(best);
         for (const auto& [bits, step] : {std::pair{"-b 16", 1.0F / 32768}, {"-b 8", 1.0F / 128}}) {
             const std::string path = recording("guit_em9", bits, "narrow.wav", effects);
-            const Outcome run = console("--headless " + best + " " + path);
+            const Outcome run =
+                console(std::string("--headless ").append(best).append(" ").append(path));
             EXPECT_EQ(run.status, 0);
             EXPECT_THAT(run.log, IsEmpty());
             for (const char* line : {"peak", "rms"})

@@ -166,6 +166,12 @@ TEST_F(MemoryReserve, SplitsWhatIsNotToBeHadInOnePieceAndNests) {
         EXPECT_EQ(zone.reallocate.load(), nullptr);
         EXPECT_EQ(LimitedHeap::available, 100);
     }
+    LimitedHeap::largest = 1000;
+    LimitedHeap::available = 40;
+    reserveMode = ReserveMode::InPieces;
+    enter();
+    EXPECT_EQ(LimitedHeap::available, 40);  // pieces of a failed attempt go back
+    QKMemoryReserveExit();
 }
 
 TEST_F(MemoryReserve, TellsWhetherMemoryIsToBeHadInFragments) {
