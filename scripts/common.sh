@@ -11,6 +11,14 @@ fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 usage() { sed -n '3,${/^#/!q; s/^# \{0,1\}//; p}' "$0"; }
 case ${1-} in -h | --help) usage; exit 0 ;; esac
 
+# Where ccache is installed, a tree that was compiled before, here or in another folder, is not
+# compiled again. A launcher of your own stays.
+if command -v ccache >/dev/null; then
+    export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache}
+    export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+    export CCACHE_BASEDIR=${CCACHE_BASEDIR-$PWD} CCACHE_NOHASHDIR=1
+fi
+
 # Configures and builds one preset. On a terminal the progress shows; elsewhere only what went wrong
 # does.
 build() {
