@@ -5,12 +5,8 @@ namespace veltra::gallery {
 
 std::vector<Sheet> sheets() {
     return {
-        meterSheet(),
-        sliderSheet(),
-        numberEditorSheet(),
-        keyboardSheet(),
-        buttonSheet(),
-        stepSheet(),
+        meterSheet(),    sliderSheet(), numberEditorSheet(),
+        keyboardSheet(), buttonSheet(), stepSheet(),
     };
 }
 
