@@ -180,8 +180,13 @@ void QkCellGroupControl::setEditTextColor(const MaybeColor& color) {
     push(&QkNumberEditorCell::setEditTextColor, color);
 }
 
-void QkCellGroupControl::setDrawsBackground(bool draws) {
+void QkCellGroupControl::keepDrawsBackground(bool draws) {
     m_drawsBackground = draws;
+    setNeedsDisplay();
+}
+
+void QkCellGroupControl::setDrawsBackground(bool draws) {
+    keepDrawsBackground(draws);
     push(&QkNumberEditorCell::setDrawsBackground, draws);
 }
 
@@ -272,7 +277,7 @@ void QkCellGroupControl::viewDidMoveToWindow() {
     Control::viewDidMoveToWindow();
     if (window() != nullptr) return;
     m_mouseIsDown = false;
-    m_hoveredCell = nullptr;
+    setHoveredCell(nullptr);
     endTracking();
     stopEditingAndResignFirstResponder(false);
 }
