@@ -235,6 +235,8 @@ void QkCellGroupControl::startEditingForCell(Cell* cell) {
     const WeakPointer<QkNumberEditorCell> next(editor);
     stopEditingAndResignFirstResponder(false);
     if (!self || !next || indexOfCell(editor) < 0) return;
+    // What has been committed may have changed that, or have begun to edit another cell.
+    if (m_editingCell || !isEnabled() || !isEditableCell(*editor)) return;
     m_editingCell = editor;
     editor->startEditing();
     setNeedsDisplay();
