@@ -63,9 +63,12 @@ LevelReading LevelTap::measure(const float* samples, std::size_t frames,
 }
 
 void LevelTap::Sums::add(const LevelReading& measured) noexcept {
-    squares += static_cast<double>(measured.meanSquare) * static_cast<double>(measured.frames);
+    // A number whatever was measured elsewhere.
+    const float square = std::min(measured.meanSquare, kLargestLevel * kLargestLevel);
+    if (square > 0.0F)
+        squares += static_cast<double>(square) * static_cast<double>(measured.frames);
     frames += measured.frames;
-    peak = std::max(peak, measured.peak);
+    peak = std::max(peak, magnitudeOf(measured.peak));
 }
 
 void LevelTap::add(const float* samples, std::size_t frames, std::size_t stride) noexcept {

@@ -39,7 +39,7 @@ public:
     // the number of channels where these are interleaved. Null counts as no samples.
     // Thread: audio, one at a time. Realtime-safe: yes, wait-free.
     void add(const float* samples, std::size_t frames, std::size_t stride = 1) noexcept;
-    // What was measured elsewhere.
+    // What was measured elsewhere, taken within the same limits.
     void add(const LevelReading& measured) noexcept;
 
     // All that was added since the reading before. Without frames when nothing was, or when a block

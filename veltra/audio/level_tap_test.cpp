@@ -32,6 +32,12 @@ TEST(LevelTapTest, MeasuresEverySampleAtEveryLengthAndStride) {
     EXPECT_EQ(LevelTap::measure(odd, 1).meanSquare, 0.0F);
     EXPECT_FLOAT_EQ(LevelTap::measure(odd + 2, 2).rms(), std::sqrt(0.125F));
     EXPECT_EQ(LevelTap::measure(nullptr, 4).frames, 0U);
+    LevelTap tap;
+    tap.add({NAN, INFINITY, 1});
+    tap.add({INFINITY, NAN, 1});
+    const LevelReading limited = tap.take();
+    EXPECT_EQ(limited.peak, kLargestLevel);
+    EXPECT_EQ(limited.meanSquare, kLargestLevel * kLargestLevel / 2);
 }
 
 // Each block has one level, its own length and a mean square of the length: what the reader adds up

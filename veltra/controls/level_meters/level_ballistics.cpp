@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kInsignificant = 0.01;
 constexpr double kTimerSlack = 1e-6;  // of a step: what rounding to nanoseconds may take away
+constexpr double kMostSteps = 1e12;   // of one tick, and still a number however short a step is
 
 double sanitized(double seconds) noexcept {
     return seconds > 0.0 ? seconds : 0.0;
@@ -85,7 +86,7 @@ bool LevelBallistics::tick(Moment now) noexcept {
     double steps = 1.0;
     if (m_fallBackStepTime > 0.0 && m_lastCallDate && now > *m_lastCallDate) {
         const double elapsed = secondsSinceLastCall(now);
-        steps = std::max(std::floor(elapsed / m_fallBackStepTime + kTimerSlack), 1.0);
+        steps = std::clamp(std::floor(elapsed / m_fallBackStepTime + kTimerSlack), 1.0, kMostSteps);
         const double used = std::min(steps * m_fallBackStepTime, elapsed);
         m_holdAccumulateTime += used;
         *m_lastCallDate = std::min(now, *m_lastCallDate + seconds(used));

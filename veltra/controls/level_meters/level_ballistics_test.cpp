@@ -133,7 +133,7 @@ TEST(LevelBallisticsTest, AnswersOddLevelsSettingsAndTimes) {
         {0.1, kNan, 0.25, 0.1, 0.25},      {0.1, kInfinite, 0.25, 9.0, 1.0},
         {0.0, 0.05, 0.25, 9.0, 1.0},       {-0.1, 0.05, 0.25, 9.0, 1.0},
         {kNan, 0.0, 0.25, 9.0, 1.0},       {kInfinite, 0.05, 0.25, 9.0, 1.0},
-        {0.1, 0.05, 0.0, -0.5, 1.0},
+        {0.1, 0.05, 0.0, -0.5, 1.0},       {0.0, 5e-324, 0.25, 9.0, 1.0},
     };
     for (const auto& row : kRows) {
         LevelBallistics meter;

@@ -30,12 +30,13 @@ public:
         LevelMeterPicture picture = m_bar;
         picture.end = static_cast<std::int32_t>(
             std::lround(measures(request.orientation).length * request.scale));
-        picture.ledCount = request.ledCount;
+        const auto pixels = static_cast<std::uint32_t>(std::max(picture.end, 0));
         if (request.ledPitch > 0) {
-            picture.ledCount = static_cast<std::uint32_t>(picture.end / request.ledPitch);
+            picture.ledCount = pixels / static_cast<std::uint32_t>(request.ledPitch);
+        } else if (request.ledCount <= pixels) {
+            picture.ledCount = request.ledCount;
         }
-        constexpr std::uint32_t kMost = 32767;  // what an image can have
-        picture.rows = static_cast<std::int32_t>(std::min(picture.ledCount, kMost));
+        picture.rows = static_cast<std::int32_t>(picture.ledCount);
         return picture;
     }
 

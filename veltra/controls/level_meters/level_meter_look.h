@@ -72,7 +72,9 @@ struct LevelMeterPicture {
     std::int32_t end = 0;
     std::uint32_t ledCount = 0;
     std::int32_t rows = 0;  // by which zones are placed, those of the LEDs; 0: there are none
-    Color ground = kClear;  // what lies between the bar and the clip light
+    // What lies between the bar and the clip light. Where it is not clear, the images are opaque:
+    // what a lit part covers is not drawn unlit.
+    Color ground = kClear;
     std::vector<LevelMeterSpan> gaps = {};  // without LEDs: dark parts, beside which a held maximum
                                             // is shown; in rising order
 };

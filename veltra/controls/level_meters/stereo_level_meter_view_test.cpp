@@ -242,6 +242,9 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     EXPECT_EQ(calls[2].source, (Rect{{1, 71}, {8, 28}}));
     EXPECT_EQ(calls[2].rect, (Rect{{3, 171}, {8, 28}}));
     EXPECT_EQ(calls[3].source, (Rect{{1, 71}, {8, 8}}));
+    view.setLEDCount(0xFFFFFFFF);  // more than there are pixels: a continuous bar
+    view.setLevelL(0.6F, 0.0F);
+    EXPECT_EQ(images(host)[2].source, (Rect{{1, 41}, {8, 58}}));
 
     registerLevelMeterLook(77, nullptr);
     EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));

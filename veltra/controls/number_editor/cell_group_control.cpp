@@ -180,8 +180,13 @@ void QkCellGroupControl::setEditTextColor(const MaybeColor& color) {
     push(&QkNumberEditorCell::setEditTextColor, color);
 }
 
-void QkCellGroupControl::setDrawsBackground(bool draws) {
+void QkCellGroupControl::keepDrawsBackground(bool draws) {
     m_drawsBackground = draws;
+    setNeedsDisplay();
+}
+
+void QkCellGroupControl::setDrawsBackground(bool draws) {
+    keepDrawsBackground(draws);
     push(&QkNumberEditorCell::setDrawsBackground, draws);
 }
 
@@ -230,6 +235,8 @@ void QkCellGroupControl::startEditingForCell(Cell* cell) {
     const WeakPointer<QkNumberEditorCell> next(editor);
     stopEditingAndResignFirstResponder(false);
     if (!self || !next || indexOfCell(editor) < 0) return;
+    // What has been committed may have changed that, or have begun to edit another cell.
+    if (m_editingCell || !isEnabled() || !isEditableCell(*editor)) return;
     m_editingCell = editor;
     editor->startEditing();
     setNeedsDisplay();
@@ -272,7 +279,7 @@ void QkCellGroupControl::viewDidMoveToWindow() {
     Control::viewDidMoveToWindow();
     if (window() != nullptr) return;
     m_mouseIsDown = false;
-    m_hoveredCell = nullptr;
+    setHoveredCell(nullptr);
     endTracking();
     stopEditingAndResignFirstResponder(false);
 }

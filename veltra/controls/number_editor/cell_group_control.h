@@ -127,6 +127,8 @@ public:
     std::vector<AccessibilityElement*> accessibilityChildren() const override;
 
 protected:
+    // Sets the flag of the control alone.
+    void keepDrawsBackground(bool draws);
     // Gives an added cell the settings of the control.
     virtual void setUpAddedCellAttributes(Cell& cell);
 

@@ -16,6 +16,7 @@ namespace {
 
 constexpr float kCaretWidth = 1.5F;
 constexpr float kCaretHeight = 0.84F;  // of the font's size
+constexpr float kMostNotches = 1e9F;   // in one event: more than any number has room for
 
 bool isDigit(char16_t key) noexcept {
     return key >= u'0' && key <= u'9';
@@ -167,7 +168,7 @@ void QkNumberEditorCell::scrollWheel(const Event& event) {
     if (event.hasPreciseScrollingDeltas) {
         if (event.scrollPhase == ScrollPhase::Began) m_wheel.reset();
         notches = m_wheel.truncated(event.deltaY);
-        count = std::abs(std::lround(notches));
+        count = std::llround(std::clamp(std::fabs(notches), 0.0F, kMostNotches));
     }
     const std::int64_t change = steps().wheeled(notches, event.modifierFlags);
     if (notches != 0.0F && !std::isnan(notches)) changeBy(change * count);

@@ -125,6 +125,8 @@ TEST_F(Cells, StepByOneByKeysAndByTheMinimumByWheelDragAndReader) {
     keys(u"\xF700", kControlKeyMask);
     EXPECT_THAT(target.take(),
                 ElementsAre("51", "59", "69", "59", "69", "44", "54", "7", "17", "27", "127"));
+    wheel(1e20F, true);
+    EXPECT_EQ(cell.intValue(), std::numeric_limits<std::int32_t>::max());
 }
 
 TEST_F(Cells, IgnoreTheUserWhileDisabledOrNotEditable) {

@@ -295,8 +295,7 @@ void DfNumberEditorControl::setLook(NumberEditorLook look, float fontSize) {
 }
 
 void DfNumberEditorControl::setDrawsBackground(bool draws) {
-    QkCellGroupControl::setDrawsBackground(draws);
-    forEachEditorCell([](QkNumberEditorCell& cell) { cell.setDrawsBackground(false); });
+    keepDrawsBackground(draws);
 }
 
 // Layout.
@@ -321,19 +320,20 @@ void DfNumberEditorControl::frameDidChange() {
 void DfNumberEditorControl::recalculateFontSize() {
     FontFitting fitting{
         .width = bounds().size.width, .insets = 0.0F, .strings = {}, .font = font()};
-    const auto add = [&fitting](const QkNumberEditorCell& cell, const std::string& text) {
-        fitting.insets += cell.horizontalTextInsetSum();
+    const auto add = [&fitting](const QkNumberEditorCell* cell, const std::string& text) {
+        if (cell == nullptr) return;  // a cell of another class, which somebody has added
+        fitting.insets += cell->horizontalTextInsetSum();
         fitting.strings.push_back(text);
     };
     for (std::int32_t i = 0; i < separatorCellCount(); ++i) {
         if (m_useCustomSeparatorWidths) {
             fitting.width -= widthOfSeparatorCellAtIndex(i);
         } else {
-            add(*separatorCellAtIndex(i), stringOfSeparatorCellAtIndex(i));
+            add(separatorCellAtIndex(i), stringOfSeparatorCellAtIndex(i));
         }
     }
     for (std::int32_t i = 0; i < editorCellCount(); ++i)
-        add(*editorCellAtIndex(i), placeHolderStringOfEditorCellAtIndex(i));
+        add(editorCellAtIndex(i), placeHolderStringOfEditorCellAtIndex(i));
     setFont(fittedFont(fitting));
     recalculateCellSizes();
     setNeedsDisplay();
@@ -414,7 +414,9 @@ bool DfNumberEditorControl::isSeparatorKey(char16_t key) const {
     if (key == u'.' || key == u',') return true;
     for (std::int32_t i = 0; i < separatorCellCount(); ++i) {
         const std::string text = stringOfSeparatorCellAtIndex(i);
-        if (key > u' ' && key < 0x7F && text.find(static_cast<char>(key)) != std::string::npos)
+        const bool isDigit = key >= u'0' && key <= u'9';  // typed, whatever the separators are
+        if (key > u' ' && key < 0x7F && !isDigit &&
+            text.find(static_cast<char>(key)) != std::string::npos)
             return true;
     }
     return false;
@@ -459,9 +461,10 @@ void DfNumberEditorControl::paste() {
     const WeakPointer<View> self(this);
     const std::vector<std::int32_t> before = editorCellValues();
     for (std::size_t i = 0; i < numbers->size(); ++i) {
-        QkNumberEditorCell& cell = *editorCellAtIndex(static_cast<std::int32_t>(i));
-        cell.forgetTypedDigits();
-        cell.setIntValue((*numbers)[i]);
+        QkNumberEditorCell* const cell = editorCellAtIndex(static_cast<std::int32_t>(i));
+        if (cell == nullptr) continue;
+        cell->forgetTypedDigits();
+        cell->setIntValue((*numbers)[i]);
     }
     for (std::size_t i = 0; i < numbers->size(); ++i) {
         QkNumberEditorCell* const cell = editorCellAtIndex(static_cast<std::int32_t>(i));

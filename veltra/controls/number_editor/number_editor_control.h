@@ -22,6 +22,7 @@
 #include "veltra/infrastructure/timer.h"
 #include "veltra/ui/cell_factory.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -56,7 +57,7 @@ public:
     // that take an index of no group change nothing, and return null, 0 or an empty text.
     void setEditorCellCount(std::int32_t count);
     std::int32_t editorCellCount() const noexcept { return (cellCount() + 1) / 2; }
-    std::int32_t separatorCellCount() const noexcept { return cellCount() / 2; }
+    std::int32_t separatorCellCount() const noexcept { return std::max(editorCellCount() - 1, 0); }
     QkNumberEditorCell* editorCellAtIndex(std::int32_t index) const noexcept;
     QkNumberEditorCell* separatorCellAtIndex(std::int32_t index) const noexcept;
     std::vector<std::int32_t> editorCellValues() const;
@@ -84,7 +85,7 @@ public:
     // size of font above 0: in the letters of the theme, at that size from now on.
     NumberEditorLook look() const noexcept { return m_look; }
     void setLook(NumberEditorLook look, float fontSize = 0.0F);
-    // Keeps the flag, and leaves the cells without a background.
+    // Keeps the flag, and leaves the cells alone: none of them draws a background at first.
     void setDrawsBackground(bool draws) override;
 
     // At first a change sends the action at once; otherwise a drag sends it when the button goes

@@ -151,6 +151,17 @@ TEST_F(NumberEditors, BeginAsOneGroupAndStandInAsManyAsTheyAreGiven) {
     host.display();
     control->setEnabled(false);
     EXPECT_TRUE(host.display().empty());  // nothing at all
+    control->editorCellAtIndex(1)->setDrawsBackground(true);
+    control->setDrawsBackground(false);  // is not told to the cells
+    EXPECT_TRUE(control->editorCellAtIndex(1)->drawsBackground());
+    host.move(middleOf(2));
+    EXPECT_TRUE(control->editorCellAtIndex(1)->isHovered());
+    const std::unique_ptr<View> taken = control->takeFromSuperview();
+    EXPECT_FALSE(control->editorCellAtIndex(1)->isHovered());
+    control->addCell(std::make_unique<ActionCell>(), 4.0F);  // no number editor's, and no pair
+    control->setFrameSize({100, 20});
+    EXPECT_EQ(control->cellCount(), 6);
+    EXPECT_EQ(control->separatorCellCount(), 2);
 }
 
 TEST_F(NumberEditors, FitTheirFontToTheirWidthHoweverOftenTheyAreLaidOut) {
@@ -305,8 +316,14 @@ TEST_F(NumberEditors, AreEditedByDoubleClicksAndKeys) {
     EXPECT_EQ(edited(), 0);
     host.key(u'1');
     EXPECT_EQ(control->cellCount(), 4);
+    told.hook = [this](const std::string& what) {
+        if (what.starts_with("action")) control->setEnabled(false);
+    };
+    control->startEditingForCell(control->cellAtIndex(1));
+    press(u'5');
+    press(kRightArrowCharacter);  // commits first, and then there is nothing to be edited
     told.hook = [](const std::string&) {};
-    control->setEnabled(false);
+    EXPECT_EQ(edited(), -1);
     EXPECT_FALSE(control->canBecomeKeyView() || press(kReturnCharacter));
 }
 
@@ -329,7 +346,9 @@ TEST_F(NumberEditors, CopyPasteAndLeadOnByKeysWhereTheHostWantsIt) {
     press(u'.');
     EXPECT_EQ(edited(), 0);
     control->setSeparatorsLead(true);
-    const std::pair<char16_t, std::int32_t> keys[] = {{u'.', 2}, {u'/', 4}, {u',', 4}, {u'x', 4}};
+    control->setStringOfSeparatorCellAtIndex(" of 4", 1);  // its digit is a digit all the same
+    const std::pair<char16_t, std::int32_t> keys[] = {
+        {u'4', 0}, {u'.', 2}, {u'/', 4}, {u',', 4}, {u'x', 4}};
     for (const auto& [key, index] : keys) {
         press(key);
         EXPECT_EQ(edited(), index);

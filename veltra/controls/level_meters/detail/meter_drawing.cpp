@@ -158,7 +158,8 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
     const std::int32_t end = litEnd(state.level);
     const std::int32_t full = state.rms ? std::min(litEnd(*state.rms), end) : end;
     // What a lit part covers need not be drawn unlit, unless that shows around or through it.
-    const bool covers = inset == 0 && m_bar.on != nullptr && m_bar.ground != kClear;
+    const bool covers =
+        inset == 0 && m_bar.start == 0 && m_bar.on != nullptr && m_bar.ground != kClear;
     drawUnlit(canvas, place, covers && full > m_bar.start ? full : 0);
     drawLit(m_bar.start, full);
     drawLit(full, end, kSoft);
