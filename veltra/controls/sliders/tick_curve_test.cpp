@@ -47,6 +47,7 @@ TEST(TickCurves, FindTheMarkOfALinearValueAndBack) {
     }
     EXPECT_EQ(linearValueOfTick(1, 5, 0, 100, true), 75.0);
     EXPECT_EQ(tickOfLinearValue(3, 5, 3, 3), 0);
+    EXPECT_EQ(tickOfLinearValue(1e308, 5, -1e308, 1e308), 0);
     EXPECT_EQ(mirroredValue(2, 1, 10), 9.0);
 }
 
