@@ -480,7 +480,7 @@ TEST_F(SliderCellTest, TakesItsPropertiesAlongAndGoesBackToTheFirstOnes) {
     fresh.myInit();
     fresh.initWithPropertiesOfSliderCell(plain);
     fresh.encodeWithCoder(back);
-    EXPECT_EQ(back.decodeValue("SLIDER_INSETS"), first.decodeValue("SLIDER_INSETS"));
+    EXPECT_EQ(back.archive(), first.archive());
     EXPECT_THAT(fresh.magneticMarks(), IsEmpty());
     EXPECT_FALSE(fresh.hasMovableToolTip());
 }
