@@ -600,8 +600,8 @@ std::string QkSliderCell::stringForTag(std::int32_t /*tag*/) {
 std::string QkSliderCell::accessibilityValueText() const {
     const double value = logSliderValue();
     if (m_formatter) return m_formatter(value);
-    const double least = std::max(step(), 1e-6);
-    const int decimals = std::clamp(static_cast<int>(std::ceil(-std::log10(least) - 1e-9)), 0, 6);
+    const double least = std::min(std::max(1e-6, step()), 1.0);  // also of NaN
+    const int decimals = static_cast<int>(std::ceil(-std::log10(least) - 1e-9));
     const std::string digits(NumberText::fixed(std::abs(value), decimals).view());
     const bool isZero = digits.find_first_not_of("0.") == std::string::npos;
     return value < 0.0 && !isZero ? "\u2212" + digits : digits;
