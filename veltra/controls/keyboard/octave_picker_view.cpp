@@ -160,7 +160,7 @@ void DfOctavePickerView::mouseDown(const Event& event) {
         const WeakPointer<DfOctavePickerView> self(this);
         setKeyRangeForMouseEvent(event, m_clickRaster);
         if (!self) return;
-        const bool isGrabbed = m_isEnabled && isOnRange(point);
+        const bool isGrabbed = m_mouseDownOffset >= 0.0F && isOnRange(point);  // not ended
         m_mouseDownOffset = isGrabbed ? point.x - rangeRect().minX() : -1.0F;
     }
     m_isHovered = isOnRange(point);

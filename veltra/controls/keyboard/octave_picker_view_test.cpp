@@ -17,11 +17,13 @@ struct Host : Anchored {
         const KeyRange range = sender.keyRange();
         told += std::to_string(range.location) + "+" + std::to_string(range.length) + " ";
         requests = window->port.invalid.size();
+        if (hides) window->window.visibilityDidChange(false);
         if (--callsToLive == 0) window.reset();
     }
     std::string told;
     std::size_t requests = 0;  // for redrawing, before the last action
     int callsToLive = 0;
+    bool hides = false;
     std::unique_ptr<HostedView> window;
 };
 
@@ -146,6 +148,10 @@ TEST_F(OctavePicker, ADragEndsWithItsWindowAndWhenDisabled) {
     EXPECT_EQ(drive("d200 r p300 r > i"), "");
     EXPECT_FALSE(picker->setAccessibilityNumber(3.0));
     picker->setEnabled(true);
+    host.hides = true;
+    EXPECT_EQ(drive("p40 d200"), "0+10 ");
+    EXPECT_EQ(port.toolTip, "");
+    host.hides = false;
     drive("p70 d76");
     const auto taken = picker->takeFromSuperview();
     picker->mouseDragged(host.window->eventAt(EventType::LeftMouseDragged, {200, 20}));

@@ -36,7 +36,7 @@ KeyRange OctaveRow::moved(KeyRange range, float x, float offset,
         const auto step = static_cast<std::uint32_t>(raster);
         key = key / step * step;
     }
-    return {std::min(key, count - range.length), range.length};
+    return kept({key, range.length});
 }
 
 std::uint32_t OctaveRow::borderAt(float x, std::int32_t raster) const noexcept {

@@ -135,7 +135,7 @@ void ToolbarWindow<Base>::placeToolbarView() {
     m_shownToolbarView = m_toolbarView.get();
     const WeakPointer<ToolbarWindow> self(this);
     layOut();
-    if (!self || !m_toolbarView) return;
+    if (!self || !m_toolbarView || content != this->contentView()) return;
     const auto& views = content->subviews();
     const auto button = std::find_if(views.begin(), views.end(), [this](const auto& view) {
         return view.get() == m_toolbarButton.get();
@@ -151,10 +151,11 @@ void ToolbarWindow<Base>::layOut() {
     if (content == nullptr) return;
     const Size size = content->bounds().size;
     const float height = toolbarHeight();
+    const bool isFlipped = content->isFlipped();  // asked before a view can take it away
     // In the middle of the strip's height.
     const auto place = [&](float x, Size part) {
         const float margin = (height - part.height) / 2.0F;
-        const float y = content->isFlipped() ? margin : size.height - height + margin;
+        const float y = isFlipped ? margin : size.height - height + margin;
         return Rect{{x, y}, part};
     };
     const WeakPointer<ToolbarWindow> self(this);

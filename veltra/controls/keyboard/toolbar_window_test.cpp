@@ -149,7 +149,7 @@ TEST_F(KeyboardWindows, TheButtonStaysInTheCornerAboveTheStrip) {
     EXPECT_FALSE(button->isOn());
 }
 
-TEST_F(KeyboardWindows, SurviveTheirDeletionInEachCallback) {
+TEST_F(KeyboardWindows, SurviveDeletionAndNewContentInEachCallback) {
     const std::pair<bool, std::function<void()>> acts[] = {
         // whether the strip is shown before, and what is done
         {false, [&] { window->showToolbar(); }},
@@ -164,19 +164,29 @@ TEST_F(KeyboardWindows, SurviveTheirDeletionInEachCallback) {
     };
     // Each calls out a number of times, each of which may be the last.
     for (const auto& [isShown, act] : acts) {
-        for (int last = 0;; ++last) {
-            make();
-            if (isShown) window->showToolbar();
-            strip->setAutoresizingMask(kStretches);
-            int calls = 0;
-            strip->callback = keys->callback = [&] {
-                if (calls++ == last) Application::current().discard(std::move(window));
-            };
-            act();
-            const bool isOver = window != nullptr;
-            window.reset();
-            if (isOver) break;
-            ASSERT_LT(last, 30);
+        for (const bool dies : {true, false}) {
+            for (int last = 0;; ++last) {
+                make();
+                if (isShown) window->showToolbar();
+                strip->setAutoresizingMask(kStretches);
+                int calls = 0;
+                strip->callback = keys->callback = [&] {
+                    if (calls++ != last || !window) return;
+                    if (dies) return Application::current().discard(std::move(window));
+                    window->setContentView(content<Flipped>());
+                };
+                act();
+                const bool isOver = calls <= last;
+                EXPECT_EQ(window == nullptr, dies && !isOver);
+                if (window != nullptr) {
+                    const View& now = *window->contentView();
+                    const float room = window->toolbarVisible() && now.isFlipped() ? 30.0F : 0.0F;
+                    EXPECT_EQ(now.subviews().front()->frame().minY(), 20.0F + room);
+                }
+                window.reset();
+                if (isOver) break;
+                ASSERT_LT(last, 30);
+            }
         }
     }
 }

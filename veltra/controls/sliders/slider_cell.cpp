@@ -318,6 +318,7 @@ bool QkSliderCell::startTracking(Point point, View& view) {
     }
     const bool isGrabbed = isInGrabArea(point);
     QkLogSliderCell::sendActionOn({});  // from here on the cell sends by itself
+    m_pointer = point;
     m_hasMoved = false;
     m_isFine = false;
     m_finePending = 0.0;
@@ -375,6 +376,7 @@ bool QkSliderCell::continueTracking(Point last, Point current, View& view) {
         const bool isShift = event != nullptr && event->modifierFlags.contains(kShiftKeyMask);
         const int direction = travel(isFlipped()).directionOf(last, current);
         const bool isFine = m_fineValueControlStep != 0.0 && isShift;
+        m_pointer = current;
         m_hasMoved = true;
         // Where a fine step has led, the next plain one begins with the next movement.
         if (direction != 0 || (!isFine && !m_isFine)) {
@@ -382,6 +384,7 @@ bool QkSliderCell::continueTracking(Point last, Point current, View& view) {
                 fineStep(direction, current);
             } else {
                 m_isFine = false;
+                m_finePending = 0.0;
                 setValueWithPoint(current);
             }
             if (!self) return false;
@@ -468,10 +471,10 @@ void QkSliderCell::finishStep(double before) {
     if (isRun) {
         m_scrollWheelToolTipTimer.stop();
         m_scrollWheelToolTipTimer.start();
-    } else if (const Event* const event = currentEvent()) {  // the pointer goes on from here
+    } else {  // the pointer goes on from where it is; keys do not know the place
         const SliderTravel way = travel(isFlipped());
-        const Point at = controlView()->locationOf(*event);
-        m_mouseOffset = way.grabOffsetAt(way.along(at), doubleValue());
+        m_mouseOffset = way.grabOffsetAt(way.along(m_pointer), doubleValue());
+        m_finePending = 0.0;
     }
     if (View* const view = controlView()) showToolTip(*view);
     // No run loop: nothing would end it.
@@ -597,8 +600,8 @@ std::string QkSliderCell::stringForTag(std::int32_t /*tag*/) {
 std::string QkSliderCell::accessibilityValueText() const {
     const double value = logSliderValue();
     if (m_formatter) return m_formatter(value);
-    const double least = std::max(step(), 1e-6);
-    const int decimals = std::clamp(static_cast<int>(std::ceil(-std::log10(least) - 1e-9)), 0, 6);
+    const double least = std::min(std::max(1e-6, step()), 1.0);  // also of NaN
+    const int decimals = static_cast<int>(std::ceil(-std::log10(least) - 1e-9));
     const std::string digits(NumberText::fixed(std::abs(value), decimals).view());
     const bool isZero = digits.find_first_not_of("0.") == std::string::npos;
     return value < 0.0 && !isZero ? "\u2212" + digits : digits;

@@ -289,6 +289,7 @@ private:
     QkTimer m_scrollWheelToolTipTimer;  // runs during a run of notches or keys
 
     Gesture m_gesture = Gesture::None;
+    Point m_pointer;              // where it was last during a drag
     bool m_hasMoved = false;      // since the press
     bool m_isFine = false;        // the last step of the drag was a fine one
     double m_finePending = 0.0;   // fine steps that a magnetic mark has swallowed

@@ -253,7 +253,12 @@ TEST_F(SliderCellTest, IsCapturedByMarksAndGetsAwayFromThem) {
     on.host.drag({59, 20});
     EXPECT_EQ(on.cell.doubleValue(), 50.0);
     on.cell.setFineValueControlStep(0.75);
-    float x = 60.0F;
+    on.host.drag({60, 20}, kShiftKeyMask);
+    on.host.drag({70, 20});
+    on.host.drag({71, 20}, kShiftKeyMask);
+    EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 60.75) << "one step, whatever a mark has swallowed";
+    on.host.drag({60, 20});
+    float x = 61.0F;
     for (const double value : {50.0, 50.0, 52.25, 53.0}) {  // a mark holds fine steps for a while
         on.host.drag({x++, 20}, kShiftKeyMask);
         EXPECT_DOUBLE_EQ(on.cell.doubleValue(), value);
@@ -358,6 +363,12 @@ TEST_F(SliderCellTest, ObeysTheKeyboardAndScreenReaders) {
     Event escape = on.host.eventAt(EventType::KeyDown, {});
     escape.charactersIgnoringModifiers = std::u16string(1, kEscapeCharacter);
     EXPECT_FALSE(on.slider().wantsKey(escape)) << "without a drag it is the host's";
+    on.host.press({60, 20});
+    key(kUpArrowCharacter);
+    on.host.drag({61, 20});
+    EXPECT_EQ(on.cell.doubleValue(), 55.0) << "the drag goes on from where the key led";
+    on.host.release({61, 20});
+    on.taken();
 
     on.cell.setInvertValues(true);
     EXPECT_TRUE(on.cell.setAccessibilityNumber(90.0));
@@ -480,7 +491,7 @@ TEST_F(SliderCellTest, TakesItsPropertiesAlongAndGoesBackToTheFirstOnes) {
     fresh.myInit();
     fresh.initWithPropertiesOfSliderCell(plain);
     fresh.encodeWithCoder(back);
-    EXPECT_EQ(back.decodeValue("SLIDER_INSETS"), first.decodeValue("SLIDER_INSETS"));
+    EXPECT_EQ(back.archive(), first.archive());
     EXPECT_THAT(fresh.magneticMarks(), IsEmpty());
     EXPECT_FALSE(fresh.hasMovableToolTip());
 }

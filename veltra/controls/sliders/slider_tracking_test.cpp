@@ -61,11 +61,6 @@ TEST(SliderTravels, KeepTheGrabOffset) {
                                 1e-9);
                 }
             }
-            const Point from{40, 40};
-            const Point to{41, isFlipped ? 39.0F : 41.0F};
-            EXPECT_EQ(way.directionOf(from, to), 1);
-            EXPECT_EQ(way.directionOf(to, from), -1);
-            EXPECT_EQ(way.directionOf(from, isVertical ? Point{90, 40} : Point{40, 90}), 0);
         }
     }
 }

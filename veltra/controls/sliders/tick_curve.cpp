@@ -36,7 +36,7 @@ std::int32_t tickOfLinearValue(double value, std::int32_t count, double minimum,
     if (count < 2 || !(maximum > minimum) || std::isnan(value)) return 0;
     const double step = (maximum - minimum) / (count - 1);
     const double index = std::round((std::clamp(value, minimum, maximum) - minimum) / step);
-    return static_cast<std::int32_t>(std::clamp(index, 0.0, count - 1.0));
+    return index > 0.0 ? static_cast<std::int32_t>(std::min(index, count - 1.0)) : 0;
 }
 
 }  // namespace veltra

@@ -37,7 +37,7 @@ VELTRA_EXPORT double linearValueOfTick(std::int32_t index, std::int32_t count, d
                                        double maximum, bool isInverted = false) noexcept;
 // The mark that a linear value (not inverted) selects: the nearest one, the upper one of two.
 // Values beyond the limits count as the limit, NaN as the minimum. Mark 0 when there are fewer than
-// two marks or the range is empty.
+// two marks or the range is empty or beyond all numbers.
 VELTRA_EXPORT std::int32_t tickOfLinearValue(double value, std::int32_t count, double minimum,
                                              double maximum) noexcept;
 

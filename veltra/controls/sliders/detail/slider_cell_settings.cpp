@@ -154,6 +154,7 @@ void QkSliderCell::initWithPropertiesOfSliderCell(const SliderCell& other) {
     if (&other == this) return;
     KeyedCoder properties;
     other.encodeWithCoder(properties);
+    setVertical(std::nullopt);  // which no archive says
     decodeWithCoder(properties);
     setTarget(other.target());
     setAction(other.action());
