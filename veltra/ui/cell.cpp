@@ -209,6 +209,13 @@ AccessibilityElement* Cell::accessibilityParent() const {
     return controlView();
 }
 
+std::string Cell::accessibilityName() const {
+    const std::string own = AccessibilityElement::accessibilityName();
+    const auto* const control = dynamic_cast<const Control*>(controlView());
+    const bool isItsCell = control != nullptr && control->cell() == this;
+    return own.empty() && isItsCell ? control->accessibilityName() : own;
+}
+
 bool Cell::accessibilityIsFocused() const {
     const auto* const control = dynamic_cast<const Control*>(controlView());
     return control != nullptr && control->cell() == this && control->hasKeyboard();

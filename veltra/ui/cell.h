@@ -124,6 +124,8 @@ public:
     virtual void encodeWithCoder(KeyedCoder& coder) const;
     virtual void decodeWithCoder(const KeyedCoder& coder);
 
+    // Without a name of its own, the cell of a control has that of the control.
+    std::string accessibilityName() const override;
     AccessibilityElement* accessibilityParent() const override;
     View* accessibilityView() const override { return controlView(); }
     Rect accessibilityFrame() const override { return m_cellFrame; }

@@ -19,6 +19,7 @@
 #include "veltra/controls/level_meters/level_meter_scale.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/ui/action_cell.h"
+#include "veltra/ui/view.h"
 
 #include <cstdint>
 #include <memory>

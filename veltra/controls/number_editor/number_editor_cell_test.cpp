@@ -18,8 +18,8 @@ protected:
             log.push_back(sender.stringValue());
             if (stops != nullptr) stops->stopEditing();
         }
-        void stoppedEditingWithReason(QkNumberEditorCell& cell, std::int32_t reason) override {
-            EXPECT_FALSE(cell.isEditing());
+        void stoppedEditingWithReason(QkNumberEditorCell& stopped, std::int32_t reason) override {
+            EXPECT_FALSE(stopped.isEditing());
             log.push_back("stopped " + std::to_string(reason));
         }
         std::vector<std::string> take() { return std::exchange(log, {}); }
