@@ -45,6 +45,14 @@ std::shared_ptr<const Image> drawn(const Specimen& specimen, float scale, Appear
     return picture.draw();
 }
 
+// Whatever of it a screen reader sees has a name.
+void nameFor(View& view, const std::string& caption) {
+    if (view.accessibilityName().empty()) view.setAccessibilityName(caption);
+    for (AccessibilityElement* const part : shownAccessibilityChildren(view)) {
+        if (part->accessibilityName().empty()) part->setAccessibilityName(caption);
+    }
+}
+
 }  // namespace
 
 SheetView::SheetView(const Sheet& sheet) : m_title(sheet.title) {
@@ -54,7 +62,7 @@ SheetView::SheetView(const Sheet& sheet) : m_title(sheet.title) {
         for (const Specimen& specimen : row) {
             auto view = specimen.make();
             view->setFrame(place++->rect);
-            if (view->accessibilityName().empty()) view->setAccessibilityName(specimen.caption);
+            nameFor(*view, specimen.caption);
             addSubview(std::move(view));
         }
     }

@@ -24,6 +24,12 @@ public:
     }
     bool accessibilityIsChecked() const override { return m_row.pattern().isOn(m_number); }
     bool accessibilityIsEnabled() const override { return m_row.isEnabled(); }
+    bool accessibilityIsFocusable() const override {
+        return m_row.isEnabled() && m_number == m_row.cursor();
+    }
+    bool accessibilityIsFocused() const override {
+        return m_row.hasKeyboard() && m_number == m_row.cursor();
+    }
     std::vector<AccessibilityAction> accessibilityActions() const override {
         if (!m_row.isEnabled()) return {};
         return {AccessibilityAction::Press};
@@ -132,6 +138,9 @@ void StepRow::moveCursor(int step) {
     if (step == m_cursor) return;
     m_cursor = step;
     setNeedsDisplay();  // the focus ring moves along
+    if (!hasKeyboard()) return;
+    m_steps[static_cast<std::size_t>(step)]->postAccessibilityNotification(
+        AccessibilityNotification::FocusGained);
 }
 
 std::optional<View::FocusShape> StepRow::focusShape() const {
