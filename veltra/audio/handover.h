@@ -30,6 +30,8 @@
 // the other side did with the slot, the release store and the exchanges hand it over.
 #pragma once
 
+#include "veltra/export.h"
+
 #include <array>
 #include <atomic>
 #include <cstddef>
