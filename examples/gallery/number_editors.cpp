@@ -12,36 +12,35 @@ namespace veltra::gallery {
 
 namespace {
 
-// Bars, beats and ticks, counted from the beginning of the first bar.
-class Position final : public DfNumberEditorControlDelegate {
+// A value in groups, kept between two limits.
+class Groups : public DfNumberEditorControlDelegate {
 public:
+    Groups(const NumberGroups& groups, std::int64_t least, std::int64_t most)
+        : m_groups(groups), m_least(least), m_most(most) {}
+
     std::optional<std::vector<std::int32_t>> calculateCellValuesFromValue(
         DfNumberEditorControl& /*control*/, std::int64_t value) override {
         return m_groups.split(value);
     }
     std::optional<std::int64_t> calculateValueFromCellValues(
         DfNumberEditorControl& /*control*/, std::span<const std::int32_t> values) override {
-        return std::max<std::int64_t>(m_groups.join(values), 0);
+        return std::clamp(m_groups.join(values), m_least, m_most);
     }
 
 private:
-    const NumberGroups m_groups{{{0, 1}, {4, 1}, {960, 0}}};
+    const NumberGroups m_groups;
+    const std::int64_t m_least;
+    const std::int64_t m_most;
+};
+
+// Bars, beats and ticks, counted from the beginning of the first bar.
+struct Position final : Groups {
+    Position() : Groups(NumberGroups{{{0, 1}, {4, 1}, {960, 0}}}, 0, INT64_MAX) {}
 };
 
 // Hundredths of beats a minute, from 20 to 999.
-class Tempo final : public DfNumberEditorControlDelegate {
-public:
-    std::optional<std::vector<std::int32_t>> calculateCellValuesFromValue(
-        DfNumberEditorControl& /*control*/, std::int64_t value) override {
-        return m_groups.split(value);
-    }
-    std::optional<std::int64_t> calculateValueFromCellValues(
-        DfNumberEditorControl& /*control*/, std::span<const std::int32_t> values) override {
-        return std::clamp<std::int64_t>(m_groups.join(values), 2000, 99900);
-    }
-
-private:
-    const NumberGroups m_groups{{{0, 0}, {100, 0}}};
+struct Tempo final : Groups {
+    Tempo() : Groups(NumberGroups{{{0, 0}, {100, 0}}}, 2000, 99900) {}
 };
 
 void addGroups(NumberDisplay& display, const std::vector<std::uint32_t>& places,
