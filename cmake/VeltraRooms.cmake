@@ -60,6 +60,28 @@ function(veltra_room name)
     endif()
 endfunction()
 
+# Tests are compiled more often than run: not optimised, but where they are emulated.
+function(veltra_compile_as_test target)
+    set_target_properties(${target} PROPERTIES VELTRA_IS_TEST ON)
+    target_compile_options(${target} PRIVATE -fPIC)  # as Qt asks for: a precompiled header serves like flags
+    if(NOT CMAKE_CROSSCOMPILING)
+        target_compile_options(${target} PRIVATE -O0)
+    endif()
+    target_link_libraries(${target} PRIVATE veltra_flags GTest::gmock GTest::gtest_main)
+endfunction()
+
+# What every test includes first is compiled once for all of them.
+function(veltra_precompile_prelude target)
+    if(NOT TARGET veltra_test_prelude)
+        file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/test_prelude.cpp" CONTENT "int main() {}\n")
+        add_executable(veltra_test_prelude EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/test_prelude.cpp")
+        veltra_compile_as_test(veltra_test_prelude)
+        target_precompile_headers(veltra_test_prelude
+            PRIVATE "${PROJECT_SOURCE_DIR}/veltra/base/testing/prelude.h")
+    endif()
+    target_precompile_headers(${target} REUSE_FROM veltra_test_prelude)
+endfunction()
+
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
 # host and links only the LIBRARIES that it names. ENVIRONMENT: one variable for its runs by ctest.
 # FILTER: which of its cases ctest knows, as GoogleTest has it.
@@ -67,8 +89,9 @@ function(veltra_test target)
     cmake_parse_arguments(TEST "HOST" "ENVIRONMENT;FILTER" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
-    target_link_libraries(${target} PRIVATE
-        veltra_flags ${inside} ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
+    target_link_libraries(${target} PRIVATE ${inside} ${TEST_LIBRARIES})
+    veltra_compile_as_test(${target})
+    veltra_precompile_prelude(${target})
     include(GoogleTest)
     set(properties TIMEOUT 120)
     if(CMAKE_CROSSCOMPILING)
