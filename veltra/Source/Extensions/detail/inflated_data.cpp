@@ -12,9 +12,10 @@ namespace {
 
 using Data = PropertyValue::Data;
 
-constexpr std::size_t kFirstSize = std::size_t{64} << 10;
+constexpr std::size_t kFirstSize = std::size_t{128} << 10;
 constexpr std::size_t kFirstStep = kFirstSize / 2;
 constexpr std::size_t kLargestStep = std::size_t{256} << 10;  // stays in the processor's cache
+constexpr std::size_t kLargestGuess = std::size_t{64} << 20;
 
 template <typename Bytes>
 Bytes startOf(Bytes bytes, std::size_t largestSize) noexcept {
@@ -28,30 +29,30 @@ struct Progress {
 };
 
 std::size_t firstSize(std::size_t streamSize) noexcept {
-    return std::min(std::min(streamSize, kFirstSize) * 16, kFirstSize);
+    return std::min(std::min(streamSize, kFirstSize) * 64, kFirstSize);
 }
 
-// How large the whole is likely to be, going by what was made since `before`, and a little more, so
-// that it need not grow again; but sixteen times as much as there is, at most: the rest of the
-// stream may be made otherwise.
-std::size_t nextSize(Progress before, Progress now, std::size_t left,
-                     std::size_t largestSize) noexcept {
-    const std::size_t taken = std::max(now.taken - before.taken, std::size_t{1});
-    const double perByte = static_cast<double>(now.made - before.made) / static_cast<double>(taken);
-    const auto bytes = static_cast<double>(now.made);
-    const double rest = std::clamp(static_cast<double>(left) * perByte * (17.0 / 16.0),
-                                   bytes / 4 + 1, bytes * 15 + 1);
-    const auto room = static_cast<double>(largestSize - now.made);
-    return now.made + static_cast<std::size_t>(std::min(rest, room));
+// How large the whole is likely to be, going by what was made since `start`, and a little more, so
+// that it need not grow again. What is reserved and not used costs no time; but the rest of the
+// stream may be made otherwise, so a guess goes only so far.
+std::size_t nextSize(Progress start, Progress now, std::size_t left) noexcept {
+    if (start.made == now.made) start = {};
+    const std::size_t taken = std::max(now.taken - start.taken, std::size_t{1});
+    const double perByte = static_cast<double>(now.made - start.made) / static_cast<double>(taken);
+    const double rest = static_cast<double>(left) * perByte * (9.0 / 8.0);
+    const std::size_t least = now.made / 4 + 1;
+    const std::size_t most =
+        std::max(now.made, now.made < kLargestGuess / 63 ? now.made * 63 : kLargestGuess);
+    return now.made + static_cast<std::size_t>(
+                          std::clamp(rest, static_cast<double>(least), static_cast<double>(most)));
 }
 
-// Room for the next step. What is reserved beyond it is not touched: too much of it costs no time.
-void makeRoom(Data& data, Progress before, Progress now, std::size_t streamSize,
+// Room for the next step.
+void makeRoom(Data& data, Progress start, Progress now, std::size_t streamSize,
               std::size_t largestSize) {
     if (data.capacity() == now.made) {
-        const std::size_t size = now.made == 0
-                                     ? firstSize(streamSize)
-                                     : nextSize(before, now, streamSize - now.taken, largestSize);
+        const std::size_t size =
+            now.made == 0 ? firstSize(streamSize) : nextSize(start, now, streamSize - now.taken);
         data.reserve(std::min(size, largestSize));
     }
     const std::size_t step = std::clamp(now.made, kFirstStep, kLargestStep);
@@ -60,7 +61,7 @@ void makeRoom(Data& data, Progress before, Progress now, std::size_t streamSize,
 
 // Memory that was asked for in vain goes back, unless it is little.
 void trim(Data& data) {
-    if (data.capacity() - data.size() > data.size() / 8) data.shrink_to_fit();
+    if (data.capacity() - data.size() > data.size() / 4) data.shrink_to_fit();
 }
 
 std::optional<Data> unpacked(Inflater& inflater, std::span<const std::uint8_t> stream,
@@ -68,12 +69,12 @@ std::optional<Data> unpacked(Inflater& inflater, std::span<const std::uint8_t> s
     // One byte beyond the maximum shows that there are more.
     const std::size_t most = std::min(maximumSize, Data().max_size() - 1) + 1;
     Data data;
-    Progress before;
+    Progress start;  // behind the first step: the head of a stream makes nothing
     Progress now;
     for (auto state = Inflater::State::More; state != Inflater::State::End;) {
         if (now.made == data.size()) {
-            makeRoom(data, before, now, stream.size(), most);
-            before = now;
+            if (start.made == 0) start = now;
+            makeRoom(data, start, now, stream.size(), most);
         }
         const Inflater::Step step =
             inflater.inflate(startOf(stream.subspan(now.taken), largestPiece),
