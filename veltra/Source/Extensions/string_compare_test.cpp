@@ -51,7 +51,9 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
                   {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
                   {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
                   {"STRASSE", "stra\u00DFe", kCase, {{0, 7}}, true},
-                  {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
+                  {"\xC3\x9F", "s", kCase, {}, true},          // half of a letter's form
+                  {"s\xC3\x9F", "ss", kCase, {{1, 2}}, true},  // the first "ss" ends in a letter
+                  {"\xC3\x9Fs", "ss", kCase | kBackwards, {{0, 2}}, true},
                   {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
                   {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true}};
     for (const auto& one : kCases) {
