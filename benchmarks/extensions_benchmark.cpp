@@ -117,11 +117,30 @@ void checkUri(benchmark::State& state) {
         benchmark::DoNotOptimize(veltra::stringLooksLikeValidURI("http://example.com/a/b?c=d#e"));
 }
 
+// The pattern backtracks in it without end, unless it is stopped.
+void refuseHostileAddress(benchmark::State& state) {
+    std::string address = "a@";
+    for (int count = 0; count < 500; ++count)
+        address += "a.";
+    address += '!';
+    for (auto _ : state)
+        benchmark::DoNotOptimize(veltra::stringLooksLikeValidEmailAddress(address));
+}
+
+// What a user who types an address does not notice.
+void fiftyMilliseconds(benchmark::State& state) {
+    for (auto _ : state)
+        state.SetIterationTime(0.05);
+}
+
 constexpr Ratio kChecks[] = {
+    {"hostile e-mail address : 50 ms", "hostile email address", "fiftyMilliseconds", 1.0},
     {"e-mail address : URI, for the record", "email address", "URI", 0},
 };
 
 }  // namespace
+
+BENCHMARK(fiftyMilliseconds)->UseManualTime()->Iterations(10);
 
 int main(int argc, char** argv) {
     RatioList list;
@@ -147,6 +166,7 @@ int main(int argc, char** argv) {
     }
     list.add("email address", checkEmailAddress);
     list.add("URI", checkUri);
+    list.add("hostile email address", refuseHostileAddress);
     list.append(kChecks);
     return list.run(argc, argv);
 }

@@ -12,6 +12,7 @@
 #include "veltra/Source/Extensions/QKNSString_Extension.h"
 #include "veltra/Source/Extensions/QKNSString_Paths.h"
 #include "veltra/Source/Extensions/QKNSString_URLs.h"
+#include "veltra/Source/Extensions/QKNSURL_Extensions.h"
 #include "veltra/audio/add_remove_iterate_list.h"
 #include "veltra/audio/musical_context.h"
 #include "veltra/base/exception.h"
@@ -24,7 +25,9 @@
 #include "veltra/diagnostics/text_buffer.h"
 #include "veltra/diagnostics/trace_stream.h"
 #include "veltra/infrastructure/color_management.h"
+#include "veltra/infrastructure/environment.h"
 #include "veltra/infrastructure/flyweight.h"
+#include "veltra/infrastructure/hardware.h"
 #include "veltra/infrastructure/nano_timer.h"
 #include "veltra/infrastructure/profiles/generic_rgb_profile.h"
 #include "veltra/infrastructure/progress_indicator.h"
@@ -42,6 +45,7 @@
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/localization.h"
 #include "veltra/platform/notification_center.h"
+#include "veltra/platform/optical_drives.h"
 #include "veltra/platform/poll_run_loop.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/process.h"
@@ -52,6 +56,7 @@
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/text_services.h"
+#include "veltra/platform/volumes.h"
 #include "veltra/processor/byte_order.h"
 #include "veltra/processor/checksum.h"
 #include "veltra/processor/dot_api.h"
@@ -360,6 +365,48 @@ const Scenario mergedFolders("merged folders", NeverThrows, [] {
                          texts.contains("Kit.app/a") == texts.contains("Kit.app/b") &&
                          (!isMerged || texts.size() == 4) && textsIn(paths[0]).size() == 4;
     return oneOf(isRight && isSound, isSound);
+});
+
+// A machine without discs, in force while it lives: the device manager's library would allocate
+// hundreds of times.
+struct NoDiscs final : Volumes, OpticalDrives {
+    NoDiscs() noexcept { Volumes::install(this), OpticalDrives::install(this); }
+    ~NoDiscs() override { Volumes::install(nullptr), OpticalDrives::install(nullptr); }
+    std::optional<Volume> volumeOfPath(const std::string&) noexcept override { return {}; }
+    std::vector<OpticalDrive> list() noexcept override { return {}; }
+};
+
+// Each answer is the right one or nothing.
+const Scenario filesAndPaths("files and paths", NeverThrows, [] {
+    const NoDiscs noDiscs;
+    static std::string root, take, alias, url;
+    static std::vector<std::string> endings;
+    using Texts = std::array<std::optional<std::string>, 3>;
+    const Texts expected = unfailing([] {
+        root = std::filesystem::canonical(folder().path) / "a folder with a long name";
+        std::filesystem::remove_all(root);
+        putText(root + "/real/take number one.wav", "x");
+        std::filesystem::create_directory_symlink("real", root + "/link");
+        putText(root + "/kit.desktop", "[Desktop Entry]\nType=Link\nURL=file://" + root + "/link");
+        take = root + "/link/take number one";
+        alias = root + "/kit.desktop/none";
+        url = "file://" + root;
+        endings = {"aif", "wav"};
+        return Texts{take + ".wav", root + "/real/none", "One more take.wav"};
+    });
+    const Texts found{resolveFile(take, endings), pathByResolvingSymlinksAndAliasesInPath(alias),
+                      createUniqueFile(root, "One more take", "wav")};
+    const std::string parent = stringByDeletingNumberOfLastPathComponents(take, 2);
+    const bool isMade = makeSureDirectoryExistsAtPath(alias);
+    const auto names = directoryContentsAtPath(root, "wav");
+    const std::vector<std::string> places = pluginSearchPaths("Kits of a studio");
+    const bool isElsewhere = isInTrash(url) || isPathOnCDDVD(root) || isMade;
+    bool isSound = !isElsewhere && (parent == root || parent.empty());
+    for (std::size_t text = 0; text < found.size(); ++text)
+        isSound &= !found[text] || found[text] == expected[text];
+    return oneOf(isSound && found == expected && parent == root && names && names->size() == 1 &&
+                     places.size() > 1,
+                 isSound);
 });
 
 const Scenario valuesAndExceptions("values, exceptions, localized strings", MayThrow, [] {
@@ -681,6 +728,34 @@ const Scenario progress("progress", NeverThrows, [] {
     VLProvideProgressIndicatorService(nullptr);
     const bool isShown = isCancelled && shownProgress == 0.5;
     return oneOf(isShown && text != nullptr, indicator == nullptr || (isShown && text == nullptr));
+});
+
+const Scenario environmentAndMachine("environment, hardware", NeverThrows, [] {
+    const NoDiscs noDiscs;
+    static const VLString *place = nullptr, *image = nullptr, *type = nullptr;
+    if (place == nullptr) {
+        const Unfailing now;
+        putText(folder() / "Kit.bundle/knob of a kit.png", "x");
+        place = VLStringCreateWithCString((folder() / "Kit.bundle").c_str());
+        image = VLStringCreateWithCString("knob of a kit");
+        type = VLStringCreateWithCString("png");
+    }
+    QKBundle* const bundle = QKCreateBundleAtPath(place);
+    const std::array texts{QKOSVersion(), QKApplicationVersion(), QKApplicationName(),
+                           VLHardwareCreateReport(), QKBundlePathOfResource(bundle, image, type)};
+    QKReleaseBundle(bundle);
+    bool isSound = true, isWhole = true;
+    for (const VLString* text : texts) {
+        isSound &= text == nullptr || VLStringLength(text) > 0;
+        isWhole &= text != nullptr;
+        VLStringRelease(text);
+    }
+    isSound &= QKCreateFrameworkBundleFromName(image) == nullptr && !isRunningAsProApp();
+    isWhole &= VLHardwareCpuCount() > 0 && VLHardwarePhysicalRAM64() > 0;
+    VLHardwareSystemHasDVDDrive();
+    const Unfailing now;
+    QKSingleton::releaseAllSingletons();
+    return oneOf(isSound && isWhole, isSound);
 });
 
 const Scenario colors("colours", NeverThrows, [] {

@@ -2,7 +2,7 @@
 #include "veltra/audio/key_code_converter.h"
 
 #include "veltra/base/immortal.h"
-#include "veltra/base/string_object_text.h"
+#include "veltra/base/utf16_text.h"
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/text_services.h"
 
@@ -86,25 +86,18 @@ const NamedKey* find(std::uint16_t NamedKey::*column, std::uint16_t value) noexc
     return nullptr;
 }
 
-Text utf8Of(std::u16string_view text) {
-    const VLString* const string = createString(text);
-    Text utf8 = textOf(string);
-    releaseString(string);
-    return utf8;
+Text utf8FromAny(const Utf16& text) {
+    return text.has_value() ? utf8From(*text) : std::nullopt;
 }
 
-Text utf8OfAny(const Utf16& text) {
-    return text.has_value() ? utf8Of(*text) : std::nullopt;
-}
-
-Text utf8Of(std::uint16_t unit) {
+Text textOfUnit(std::uint16_t unit) {
     const auto character = static_cast<char16_t>(unit);
-    return utf8Of(std::u16string_view(&character, 1));
+    return utf8From(std::u16string_view(&character, 1));
 }
 
 Text displayText(const NamedKey* key) {
     if (key == nullptr) return std::nullopt;
-    return key->glyph != 0 ? utf8Of(key->glyph) : Text(key->name);
+    return key->glyph != 0 ? textOfUnit(key->glyph) : Text(key->name);
 }
 
 std::u16string capitals(std::u16string text) {
@@ -195,7 +188,7 @@ Text Converter::stringForCharCodeFromTable(std::uint16_t charCode) {
 }
 
 Text Converter::translateKeyCode(std::uint16_t keyCode, bool& deadKeyState, bool toUpperCase) {
-    return utf8OfAny(translate(keyCode, deadKeyState, toUpperCase));
+    return utf8FromAny(translate(keyCode, deadKeyState, toUpperCase));
 }
 
 Text Converter::translateKeyCode(std::uint16_t keyCode) {
@@ -233,9 +226,9 @@ std::int32_t Converter::glyphForKeycode(std::uint16_t keyCode) noexcept {
 
 Text Converter::appKitStringForKeycode(std::uint16_t keyCode, std::int32_t& modifierFlags) {
     const NamedKey* const key = find(&NamedKey::keyCode, keyCode);
-    if (key == nullptr) return utf8OfAny(translate(keyCode));
+    if (key == nullptr) return utf8FromAny(translate(keyCode));
     modifierFlags |= static_cast<std::int32_t>(key->flags);
-    return utf8Of(key->keyChar);
+    return textOfUnit(key->keyChar);
 }
 
 Text Converter::stringForKeycode(std::uint16_t keyCode, std::uint32_t modifierFlags) {
@@ -247,14 +240,14 @@ Text Converter::stringForKeycode(std::uint16_t keyCode, std::uint32_t modifierFl
 
 Text Converter::stringForMacRomanCharCode(std::uint8_t charCode, std::uint32_t modifierFlags) {
     Text name = stringForCharCodeFromTable(charCode);
-    if (!name.has_value()) name = utf8OfAny(fromMacRoman(charCode));
+    if (!name.has_value()) name = utf8FromAny(fromMacRoman(charCode));
     return withModifiers(std::move(name), modifierFlags);
 }
 
 Text Converter::humandReadableStringForKeyChar(std::uint16_t keyChar, std::uint32_t modifierFlags) {
     Text name = stringForKeyCharFromTable(keyChar);
     if (!name.has_value())
-        name = utf8Of(capitals(std::u16string(1, static_cast<char16_t>(keyChar))));
+        name = utf8From(capitals(std::u16string(1, static_cast<char16_t>(keyChar))));
     return withModifiers(std::move(name), modifierFlags);
 }
 

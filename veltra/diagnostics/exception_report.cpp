@@ -5,10 +5,12 @@
 #include "veltra/diagnostics/detail/backtrace_text.h"
 #include "veltra/diagnostics/detail/failure_report.h"
 #include "veltra/platform/alert.h"
+#include "veltra/platform/fork_generation.h"
 #include "veltra/platform/termination.h"
 
 #include <atomic>
 #include <csignal>
+#include <cstdint>
 
 namespace veltra {
 
@@ -16,7 +18,11 @@ namespace {
 
 constexpr Nanoseconds kPatience = seconds(86'400.0);
 
-constinit std::atomic<bool> isOnScreen{false};
+constexpr std::uint64_t kNone = UINT64_MAX;
+
+// The fork generation of the process whose report is on screen, or kNone. A forked child inherits
+// that of its parent, whose report is none of the child's.
+constinit std::atomic<std::uint64_t> onScreen{kNone};
 
 std::string_view stackOf(const Exception& exception) noexcept {
     const auto& userInfo = exception.userInfo();
@@ -54,9 +60,10 @@ __attribute__((noinline, no_sanitize("undefined"))) void crash() noexcept {
 }  // namespace
 
 extern "C" void QKDisplayExceptionReport(const Exception& exception) noexcept {
-    if (isOnScreen.exchange(true, std::memory_order_acquire)) return;  // with the store
+    const std::uint64_t ours = forkGeneration();
+    if (onScreen.exchange(ours, std::memory_order_acquire) == ours) return;  // with the store
     const AlertAnswer answer = reportAndAsk(exception);
-    isOnScreen.store(false, std::memory_order_release);  // before the button acts: it may return
+    onScreen.store(kNone, std::memory_order_release);  // before the button acts: it may return
     if (answer == AlertAnswer::Default) askToTerminate();
     if (answer == AlertAnswer::Other) crash();
 }

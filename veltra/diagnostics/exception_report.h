@@ -26,7 +26,8 @@ extern "C" {
 //                                 writes them. Deliberately kept: the state of the process is the
 //                                 best report there is.
 //
-// One report at a time: while one stands, calls return at once, on any thread.
+// One report at a time: while one stands, calls return at once, on any thread. A process that was
+// forked meanwhile reports on its own.
 // Thread: any but audio: it waits for a human being. Realtime-safe: no.
 VELTRA_EXPORT void QKDisplayExceptionReport(const Exception& exception) noexcept;
 }

@@ -117,6 +117,26 @@ TEST(ExceptionReport, StandsOnceAndIsGoneBeforeTheButtonActs) {
     EXPECT_TRUE(ended == 3 && user.asked == 5);
 }
 
+TEST(ExceptionReport, StandsInItsOwnProcessAlone) {
+    LogWorld world;
+    Answering answering;
+    EndedChild children[2];
+    answering.user.whileAsked = [&] {
+        if (answering.user.asked > 1) return QKDisplayExceptionReport(failure());  // not again
+        const auto reported = [&] {
+            QKDisplayExceptionReport(failure());
+            QKDisplayExceptionReport(failure());
+            ::_exit(answering.user.asked);
+        };
+        std::thread([&] { children[0] = testing::endedChild(reported); }).join();
+        children[1] = testing::endedChild(reported);
+    };
+    QKDisplayExceptionReport(failure());
+    EXPECT_EQ(answering.user.asked, 1);
+    for (const EndedChild& child : children)
+        EXPECT_TRUE(child.hasExited(3));
+}
+
 TEST(ExceptionReport, EndsTheProcessAsTheUserWants) {
     const auto ended = [](AlertAnswer answer) {
         return testing::endedChild([answer] {

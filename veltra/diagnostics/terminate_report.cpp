@@ -6,6 +6,7 @@
 #include "veltra/diagnostics/detail/backtrace_text.h"
 #include "veltra/diagnostics/detail/failure_report.h"
 #include "veltra/platform/exception_type.h"
+#include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/symbol_names.h"
 
 #include <atomic>
@@ -23,6 +24,13 @@ VELTRA_NEVER_ALLOCATED constinit thread_local bool goesOn = false;
 
 constinit std::atomic<const void*> reporter{nullptr};  // the thread that writes the report
 constinit std::atomic<bool> isWritten{false};
+
+// A forked child has not the thread that wrote its parent's report, and must not wait for it.
+void startAnew() noexcept {
+    if (reporter.load(std::memory_order_relaxed) == &goesOn) return;  // its report has failed
+    reporter.store(nullptr, std::memory_order_relaxed);
+    isWritten.store(false, std::memory_order_relaxed);
+}
 
 // A foreign exception (of another language, or the cancellation of a thread) counts as none: it
 // must not be looked at.
@@ -76,6 +84,7 @@ void appendCurrentException(TextBuffer& text) noexcept {
 
 extern "C" void VLInstallTerminateHandler() noexcept {
     prepareSymbolNames();
+    addChildHandler(startAnew);
     const std::terminate_handler before = std::set_terminate(reportAndGoOn);
     if (before != reportAndGoOn)
         handlerBefore.store(before, std::memory_order_release);  // with reportAndGoOn()

@@ -10,7 +10,7 @@ VELTRA_C_BEGIN
 // noexcept function) log a report first, as QKDisplayExceptionReport() does, but without asking
 // anybody. Then it goes on as before: the terminate handler that was installed until now runs,
 // usually abort(). The framework never installs this by itself; a host may, at start, after its own
-// handler. Calling it again does no harm.
+// handler. Calling it again does no harm. A forked child reports on its own.
 //
 // The stack in the report, and in a core file, is that of the throw, as far as no object on the way
 // had to be destroyed.

@@ -16,6 +16,7 @@ namespace veltra {
 namespace {
 
 using ::testing::AllOf;
+using testing::EndedChild;
 using ::testing::HasSubstr;
 
 struct Blunt final : Symboliser {  // fails while it reports
@@ -44,7 +45,7 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
          "std::runtime_error: half\n", ""},
     };
     for (const auto& [fail, text, inStack] : cases) {
-        const testing::EndedChild ended = testing::endedChild([fail = fail]() noexcept {
+        const EndedChild ended = testing::endedChild([fail = fail]() noexcept {
             VLInstallTerminateHandler();
             VLInstallTerminateHandler();
             fail();
@@ -57,7 +58,7 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
 
 TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
     for (const bool isBlunt : {false, true}) {
-        const testing::EndedChild ended = testing::endedChild([isBlunt]() noexcept {
+        const EndedChild ended = testing::endedChild([isBlunt]() noexcept {
             Blunt blunt;
             if (isBlunt) Symboliser::install(&blunt);
             std::set_terminate([] { ::_exit(5); });
@@ -69,8 +70,35 @@ TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
     }
 }
 
+// Forks while it reports.
+struct Forking final : Symboliser {
+    std::string symbolise(std::span<const std::uintptr_t>) noexcept override {
+        Symboliser::install(nullptr);
+        EndedChild other;
+        std::thread([&other] { other = testing::endedChild(throwsForTheReport); }).join();
+        const EndedChild own = testing::endedChild([] { std::terminate(); });
+        const auto says = [](const EndedChild& child, const char* text) {
+            return child.wasKilledBy(SIGABRT) && child.log.find(text) != child.log.npos;
+        };
+        const bool isAsItShould = says(other, "Not caught: std::runtime_error: half\n") &&
+                                  says(own, "") && !says(own, "****");
+        return isAsItShould ? "children reported" : "children did not report";
+    }
+};
+
+TEST(TerminateReport, IsWrittenByAChildOnItsOwn) {
+    const EndedChild ended = testing::endedChild([]() noexcept {
+        Forking forking;
+        Symboliser::install(&forking);
+        VLInstallTerminateHandler();
+        throwsForTheReport();
+    });
+    EXPECT_TRUE(ended.wasKilledBy(SIGABRT));
+    EXPECT_THAT(ended.log, HasSubstr("children reported"));
+}
+
 TEST(TerminateReport, EndsAlsoWhereHandlersCallEachOther) {
-    const testing::EndedChild ended = testing::endedChild([]() noexcept {
+    const EndedChild ended = testing::endedChild([]() noexcept {
         VLInstallTerminateHandler();
         static const std::terminate_handler ours = std::set_terminate([] { ours(); });
         VLInstallTerminateHandler();

@@ -114,7 +114,7 @@ const VLString* QKBundlePathOfResource(const QKBundle* bundle, const VLString* n
         [&] { return pathOfResourceIn(bundle->folder, *text, ending.value_or(std::string())); });
 }
 
-const VLString* qk_pathOfQkoreBundleImage(const VLString* name) noexcept {
+const VLString* qk_pathOfQKoreBundleImage(const VLString* name) noexcept {
     const auto text = textOf(name);
     if (!text) return nullptr;
     return createdPath([&text] {

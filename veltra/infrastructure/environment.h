@@ -57,9 +57,9 @@ VELTRA_EXPORT const VLString* QKBundlePathOfResource(const QKBundle* bundle, con
                                                      const VLString* type) VELTRA_NOEXCEPT;
 
 // The picture file of that name among the resources of host and framework: "NAME_pro" before
-// "NAME", tiff before png. Null when there is none. qk_loadQkoreBundleImage() of
+// "NAME", tiff before png. Null when there is none. qk_loadQKoreBundleImage() of
 // veltra/ui/bundle_image.h loads it.
-VELTRA_EXPORT const VLString* qk_pathOfQkoreBundleImage(const VLString* name) VELTRA_NOEXCEPT;
+VELTRA_EXPORT const VLString* qk_pathOfQKoreBundleImage(const VLString* name) VELTRA_NOEXCEPT;
 
 // Whether the application object (application_object.h) is of the class named "NSProApplication",
 // or of one derived from it. False without such an object or such a class.

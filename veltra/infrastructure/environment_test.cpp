@@ -114,12 +114,12 @@ TEST(Environment, BundlesAreFoldersAndNothingOutsideOfThemIsFound) {
 
     setResourceFolder(folder / "");
     const auto image = [](const char* name) {
-        return taken(qk_pathOfQkoreBundleImage(Text(name).string));
+        return taken(qk_pathOfQKoreBundleImage(Text(name).string));
     };
     EXPECT_EQ(image("knob"), folder / "knob_pro.png");  // before knob.tiff
     std::filesystem::remove(folder / "knob_pro.png");
     EXPECT_EQ(image("knob"), folder / "knob.tiff");
-    EXPECT_EQ(image("plain") + image("") + taken(qk_pathOfQkoreBundleImage(nullptr)),
+    EXPECT_EQ(image("plain") + image("") + taken(qk_pathOfQKoreBundleImage(nullptr)),
               "nullnullnull");
     setResourceFolder({});
 }

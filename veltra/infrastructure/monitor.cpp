@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/monitor.h"
 
+#include "veltra/base/object_file.h"
 #include "veltra/platform/fork_handlers.h"
 #include "veltra/platform/fork_safe_lock.h"
 
@@ -12,7 +13,7 @@ namespace veltra {
 namespace {
 
 // Its address names the thread, in a forked child too.
-constinit thread_local char threadMark = 0;
+VELTRA_NEVER_ALLOCATED constinit thread_local char threadMark = 0;
 
 }  // namespace
 

@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <fstream>
 
+#include <sys/stat.h>
+
 namespace veltra {
 namespace {
 
@@ -98,7 +100,9 @@ TEST(Resources, AreFoundInTheHostsFolderAndNeverOutsideOfIt) {
         EXPECT_EQ(pathOfResourceIn(folder / "in", name, "png"), "") << name;
     EXPECT_EQ(pathOfResource("in", ""), "");  // a folder
     EXPECT_EQ(textOfFile(folder / "plain", 5), "plain");
-    EXPECT_FALSE(textOfFile(folder / "plain", 4) || textOfFile(folder / "in", 9));
+    ::mkfifo((folder / "pipe").c_str(), 0600);
+    EXPECT_FALSE(textOfFile(folder / "plain", 4) || textOfFile(folder / "in", 9) ||
+                 textOfFile(folder / "pipe", 9));
     setResourceFolder({});
     EXPECT_EQ(pathOfResource("plain", ""), "");
 }

@@ -4,11 +4,11 @@
 #include "veltra/base/immortal.h"
 #include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/port.h"
+#include "veltra/platform/start_of_file.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <ios>
 #include <mutex>
 #include <utility>
 
@@ -102,14 +102,8 @@ std::vector<std::string> pathsOfImageResource(std::string_view name) {
 }
 
 std::optional<std::string> textOfFile(const std::string& path, std::size_t limit) {
-    std::error_code error;
-    if (!fs::is_regular_file(path, error)) return {};  // a pipe would wait for its writer
-    std::ifstream file(path, std::ios::binary);
-    std::string text(limit + 1, '\0');
-    if (!file.read(text.data(), static_cast<std::streamsize>(text.size())).eof() || file.bad())
-        return {};
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    return text;
+    std::optional<std::string> text = startOfFile(path, std::min(limit, SIZE_MAX - 1) + 1);
+    return text && text->size() <= limit ? std::move(text) : std::nullopt;
 }
 
 }  // namespace veltra

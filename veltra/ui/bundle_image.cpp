@@ -6,7 +6,7 @@
 
 namespace veltra {
 
-std::shared_ptr<const Image> qk_loadQkoreBundleImage(const std::string& name, float scale) {
+std::shared_ptr<const Image> qk_loadQKoreBundleImage(const std::string& name, float scale) {
     if (name.empty()) return nullptr;
     for (const std::string& wanted : {name + "_pro", name}) {
         if (auto image = findImage(wanted, scale)) return image;

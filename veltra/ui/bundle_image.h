@@ -16,7 +16,7 @@ namespace veltra {
 // among the resource files, as NAME.tiff, then NAME.png. A file that the toolkit cannot read counts
 // as none. `scale` is how many pixels a point is wanted; files have one.
 // Thread: main. Realtime-safe: no.
-VELTRA_EXPORT std::shared_ptr<const Image> qk_loadQkoreBundleImage(const std::string& name,
+VELTRA_EXPORT std::shared_ptr<const Image> qk_loadQKoreBundleImage(const std::string& name,
                                                                    float scale = 1.0F);
 
 }  // namespace veltra

@@ -16,10 +16,10 @@ TEST(BundleImages, PreferTheirOwnFormAndWhatTheToolkitReads) {
     port.files.emplace();
     const TemporaryFolder folder;
     setResourceFolder(folder / "");
-    const auto load = [] { return qk_loadQkoreBundleImage("knob"); };
+    const auto load = [] { return qk_loadQKoreBundleImage("knob"); };
     const auto own = std::make_shared<RecordedImage>(5, 5, 1.0F);
     EXPECT_EQ(load(), nullptr);
-    EXPECT_EQ(qk_loadQkoreBundleImage(""), nullptr);
+    EXPECT_EQ(qk_loadQKoreBundleImage(""), nullptr);
     const char* const names[] = {"knob.tiff", "knob.png", "knob_pro.tiff", "knob_pro.png"};
     for (const char* name : names)
         std::ofstream(folder / name) << name;

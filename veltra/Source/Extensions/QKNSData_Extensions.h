@@ -34,7 +34,8 @@ VELTRA_EXPORT std::optional<PropertyValue::Data> decompressedData(
     std::span<const std::uint8_t> stream) noexcept;
 
 // The same; nothing also when the unpacked data has more than `maximumSize` bytes. For a moment it
-// takes memory for twice the unpacked data.
+// takes memory for twice the unpacked data, and may reserve up to 64 MiB more that it never
+// touches.
 VELTRA_EXPORT std::optional<PropertyValue::Data> decompressedData(
     std::span<const std::uint8_t> stream, std::size_t maximumSize) noexcept;
 

@@ -67,7 +67,7 @@ TEST(CompressedData, IsOnePlainStreamThatUnpacksToWhatItWas) {
         EXPECT_EQ(stream.capacity(), stream.size());
         const std::optional<Data> unpacked = decompressedData(stream);
         ASSERT_TRUE(unpacked == data) << data.size();
-        EXPECT_LE(unpacked->capacity(), data.size() + data.size() / 8);
+        EXPECT_LE(unpacked->capacity(), data.size() + data.size() / 4);
     }
     EXPECT_EQ(compressedData({}), std::nullopt);
     EXPECT_EQ(decompressedData({}), std::nullopt);

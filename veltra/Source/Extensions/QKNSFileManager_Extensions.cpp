@@ -3,9 +3,9 @@
 
 #include "veltra/Source/Extensions/detail/file_answer.h"
 #include "veltra/Source/Extensions/detail/folder_walk.h"
-#include "veltra/Source/Extensions/detail/open_item.h"
 #include "veltra/Source/Extensions/detail/path_extension.h"
 #include "veltra/platform/file_system.h"
+#include "veltra/platform/open_item.h"
 
 #include <algorithm>
 

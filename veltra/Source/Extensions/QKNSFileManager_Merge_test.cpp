@@ -128,69 +128,100 @@ TEST(MergePath, ReplacesOrKeepsWhatBothHave) {
     }
 }
 
-// Each step fails once, with each of the errors. Whatever it was: the source is whole, each item of
-// the target is the old one or the new one, a package as a whole, nothing hidden is left unless
-// told, and true is answered only when all is there.
+// One step fails, once. Whichever it was: the source is whole, each item of the target is the old
+// one or the new one, a package as a whole, nothing hidden is left unless told, and true is
+// answered only when all is there.
+class OneFailure {
+public:
+    struct Case {
+        int step;  // -1 for none
+        int number;
+        bool isOld;
+    };
+    struct Outcome {
+        std::vector<std::string> kinds;  // of each step that was reached
+        bool isComplete;
+    };
+
+    Outcome check(const Case& one) const {
+        const Kits kits;
+        Log log;
+        Outcome outcome{};
+        {
+            FailingFileSystem files;
+            files.isOld = one.isOld;
+            files.failing = one.step;
+            files.error = {one.number, std::generic_category()};
+            files.beforeStep = [&](std::string_view kind, std::string_view) {
+                outcome.kinds.emplace_back(kind);
+            };
+            outcome.isComplete = kits.merge(true, &log);
+        }
+        SCOPED_TRACE(::testing::Message() << "step " << one.step << " error " << one.number);
+        EXPECT_EQ(treeOf(kits.from), m_from);
+        EXPECT_EQ(outcome.isComplete, log.counts.empty());
+        EXPECT_TRUE(!outcome.isComplete || treeOf(kits.to) == m_all);
+        const Tree now = treeOf(kits.to, false);
+        const bool isPlugNew = now.contains("Plug.vst3/y");
+        for (const auto& [path, text] : now) {
+            if (path.find(".veltra-") != path.npos) {
+                EXPECT_FALSE(log.leftBehind.empty());
+                EXPECT_TRUE((kits.to / path).string().starts_with(log.leftBehind)) << path;
+                continue;
+            }
+            const bool isNew = m_fromTexts.contains(path) && m_fromTexts.at(path) == text;
+            const bool isBefore = m_toTexts.contains(path) && m_toTexts.at(path) == text;
+            const bool isPlug = path.starts_with("Plug.vst3");
+            EXPECT_TRUE((isNew && (isPlugNew || !isPlug)) || (isBefore && !(isPlugNew && isPlug)))
+                << path;
+        }
+        for (const auto& [path, text] : m_toTexts)
+            EXPECT_TRUE(now.contains(path) || (isPlugNew && path.starts_with("Plug.vst3"))) << path;
+        return outcome;
+    }
+
+private:
+    const Kits m_untouched;
+    const Tree m_from = treeOf(m_untouched.from), m_fromTexts = treeOf(m_untouched.from, false),
+               m_toTexts = treeOf(m_untouched.to, false),
+               m_all = merged(m_from, treeOf(m_untouched.to), true);
+};
+
 TEST(MergePath, LosesNothingWhicheverStepFails) {
     // Thousands of trees: in memory, if there is a place for files there.
     const char* const before = environmentVariable("TMPDIR");
     const std::string folderBefore = before != nullptr ? before : "";
     if (fs::is_directory("/dev/shm")) setEnvironment("TMPDIR", "/dev/shm");
 
+    // Each step with the errors that are looked at.
     constexpr std::pair<int, bool> kErrors[] = {
         {EIO, false},    {ENOSPC, false},     {EACCES, false}, {EEXIST, false}, {ENOENT, false},
         {ENOMEM, false}, {EOPNOTSUPP, false}, {EIO, true},     {EEXIST, true}};
-    const Kits untouched;
-    const Tree from = treeOf(untouched.from), fromTexts = treeOf(untouched.from, false),
-               toTexts = treeOf(untouched.to, false),
-               all = merged(from, treeOf(untouched.to), true);
+    const OneFailure failure;
     std::set<std::string> told;  // the kinds of steps that a merge cannot do without
     for (const auto& [number, isOld] : kErrors) {
-        bool isReached = true;
-        for (int step = 0; isReached; ++step) {
-            const Kits kits;
-            Log log;
-            std::string kind;
-            auto files = std::make_unique<FailingFileSystem>();
-            files->isOld = isOld;
-            files->failing = step;
-            files->error = {number, std::generic_category()};
-            files->beforeStep = [&](std::string_view one, std::string_view) {
-                if (files->steps == step) kind = one;
-            };
-            const bool isComplete = kits.merge(true, &log);
-            isReached = files->steps > step;
-            files.reset();
-            if (!isComplete && number == EIO) told.insert(kind);
-            SCOPED_TRACE(::testing::Message() << kind << step << " error " << number << isOld);
-            EXPECT_EQ(treeOf(kits.from), from);
-            EXPECT_EQ(isComplete, log.counts.empty());
-            EXPECT_TRUE(!isComplete || treeOf(kits.to) == all);
-            const Tree now = treeOf(kits.to, false);
-            const bool isPlugNew = now.contains("Plug.vst3/y");
-            for (const auto& [path, text] : now) {
-                if (path.find(".veltra-") != path.npos) {
-                    EXPECT_FALSE(log.leftBehind.empty());
-                    EXPECT_TRUE((kits.to / path).string().starts_with(log.leftBehind)) << path;
-                    continue;
-                }
-                const bool isNew = fromTexts.contains(path) && fromTexts.at(path) == text;
-                const bool isBefore = toTexts.contains(path) && toTexts.at(path) == text;
-                const bool isPlug = path.starts_with("Plug.vst3");
-                EXPECT_TRUE((isNew && (isPlugNew || !isPlug)) ||
-                            (isBefore && !(isPlugNew && isPlug)))
-                    << path;
-            }
-            for (const auto& [path, text] : toTexts)
-                EXPECT_TRUE(now.contains(path) || (isPlugNew && path.starts_with("Plug.vst3")))
-                    << path;
-            ASSERT_LT(step, 1000);
+        for (int step = 0; step < 1000; ++step) {
+            const auto [kinds, isComplete] = failure.check({step, number, isOld});
+            if (kinds.size() <= static_cast<std::size_t>(step)) break;
+            if (!isComplete && number == EIO) told.insert(kinds[static_cast<std::size_t>(step)]);
         }
     }
     EXPECT_EQ(told,
               (std::set<std::string>{"addName", "close", "copyPart", "createFile", "facts", "flush",
                                      "list", "makeFolder", "makeLink", "open", "read", "readLink",
                                      "remove", "rename", "setPermissions", "setTimes", "write"}));
+
+    // Each kind of step with every error that the system has, now here and now there.
+    for (const bool isOld : {false, true}) {
+        std::map<std::string, std::vector<int>> places;
+        const std::vector<std::string> kinds = failure.check({-1, 0, isOld}).kinds;
+        for (std::size_t step = 0; step < kinds.size(); ++step)
+            places[kinds[step]].push_back(static_cast<int>(step));
+        for (int number = isOld ? 2 : 1; number <= EHWPOISON; number += 2)
+            for (const auto& [kind, steps] : places)
+                failure.check(
+                    {steps[static_cast<std::size_t>(number) % steps.size()], number, isOld});
+    }
     setEnvironment("TMPDIR", before != nullptr ? folderBefore.c_str() : nullptr);
 }
 

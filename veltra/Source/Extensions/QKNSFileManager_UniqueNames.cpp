@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/QKNSFileManager_Extensions.h"
 #include "veltra/Source/Extensions/detail/file_answer.h"
-#include "veltra/Source/Extensions/detail/open_item.h"
 #include "veltra/base/number_text.h"
 #include "veltra/base/whole_characters.h"
+#include "veltra/platform/open_item.h"
 
 #include <system_error>
 

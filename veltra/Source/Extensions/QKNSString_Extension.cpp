@@ -2,8 +2,8 @@
 #include "veltra/Source/Extensions/QKNSString_Extension.h"
 
 #include "veltra/Source/Extensions/detail/control_characters.h"
-#include "veltra/Source/Extensions/detail/utf16_text.h"
 #include "veltra/base/ascii_case.h"
+#include "veltra/base/utf16_text.h"
 #include "veltra/base/utf8.h"
 #include "veltra/platform/c_locale.h"
 #include "veltra/platform/text_services.h"
@@ -105,11 +105,11 @@ std::optional<std::string> stringWithCStringFormat(const char* format, ...) {
 std::optional<std::string> stringWithMacRomanString(const char* text) {
     if (text == nullptr) return std::nullopt;
     const std::optional<std::u16string> units = TextServices::current().fromLegacy(text);
-    return units ? detail::utf8From(*units) : std::nullopt;
+    return units ? utf8From(*units) : std::nullopt;
 }
 
 std::optional<std::string> macRomanString(std::string_view text) {
-    const std::optional<std::u16string> units = detail::utf16From(text);
+    const std::optional<std::u16string> units = utf16From(text);
     if (!units) return std::nullopt;
     std::string bytes(units->size(), '\0');
     const std::optional<std::size_t> written = TextServices::current().toLegacy(*units, '?', bytes);

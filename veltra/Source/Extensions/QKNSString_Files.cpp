@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/QKNSString_Paths.h"
+#include "veltra/Source/Extensions/detail/alias_file.h"
 #include "veltra/Source/Extensions/detail/file_answer.h"
 #include "veltra/Source/Extensions/detail/path_extension.h"
-#include "veltra/Source/Extensions/detail/small_file.h"
 #include "veltra/base/text_parts.h"
 #include "veltra/platform/file_system.h"
+#include "veltra/platform/start_of_file.h"
 #include "veltra/platform/volumes.h"
 
 namespace veltra {
@@ -57,9 +58,10 @@ std::string resolved(const std::string& path) {
 }
 
 bool isListedAsHidden(const std::string& folder, std::string_view name) {
-    const Path text = startOfFile(pathIn(folder, ".hidden"));
+    constexpr std::size_t kEnough = 65536;  // bytes
+    const Path text = startOfFile(pathIn(folder, ".hidden"), kEnough);
     if (!text) return false;
-    for (std::string_view rest = std::string_view(*text).substr(0, kSmallFile); !rest.empty();) {
+    for (std::string_view rest = *text; !rest.empty();) {
         if (takeUpTo('\n', rest) == name) return true;
     }
     return false;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/QKNSString_URLs.h"
 
-#include "veltra/Source/Extensions/detail/utf16_text.h"
 #include "veltra/base/out_of_memory.h"
+#include "veltra/base/utf16_text.h"
 #include "veltra/platform/text_services.h"
 #include "veltra/platform/uri_syntax.h"
 
@@ -46,7 +46,7 @@ std::string_view hostOf(std::string_view url) noexcept {
 
 bool stringLooksLikeValidEmailAddress(std::string_view text) noexcept {
     return unlessOutOfMemory(false, [text] {
-        const std::optional<std::u16string> units = detail::utf16From(text);
+        const std::optional<std::u16string> units = utf16From(text);
         return units && TextServices::current().matchesEmailPattern(*units).value_or(false);
     });
 }
@@ -59,10 +59,10 @@ bool stringLooksLikeValidURI(std::string_view text) noexcept {
 std::string stringByConvertingToPunycode(std::string_view text) {
     const std::string_view host = hostOf(text);
     if (host.empty()) return std::string(text);
-    const std::optional<std::u16string> units = detail::utf16From(host);
+    const std::optional<std::u16string> units = utf16From(host);
     const std::optional<std::u16string> ascii =
         units ? TextServices::current().asciiHostName(*units) : std::nullopt;
-    const std::optional<std::string> converted = ascii ? detail::utf8From(*ascii) : std::nullopt;
+    const std::optional<std::string> converted = ascii ? utf8From(*ascii) : std::nullopt;
     if (!converted) return std::string(text);
     const auto before = static_cast<std::size_t>(host.data() - text.data());
     std::string result(text.substr(0, before));

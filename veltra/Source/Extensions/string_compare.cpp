@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/string_compare.h"
 
-#include "veltra/Source/Extensions/detail/utf16_text.h"
+#include "veltra/Source/Extensions/detail/word_search.h"
 #include "veltra/base/ascii_case.h"
 #include "veltra/base/out_of_memory.h"
+#include "veltra/base/utf16_text.h"
 #include "veltra/base/utf8.h"
 #include "veltra/base/well_formed_utf8.h"
 #include "veltra/platform/text_services.h"
@@ -92,7 +93,7 @@ private:
 
     // REQUIRES: it is well-formed.
     void appendForm(std::string_view character) {
-        std::u16string form = detail::utf16From(character).value_or(std::u16string());
+        std::u16string form = utf16From(character).value_or(std::u16string());
         if (m_isFolded) std::ranges::transform(form, form.begin(), smallAscii<char16_t>);
         const auto become = [&form](std::optional<std::u16string> other) {
             if (other) form = *std::move(other);
@@ -116,19 +117,17 @@ private:
     std::vector<std::size_t> m_places;  // one for each unit, and the end
 };
 
-// The next place to try after `last`, or the first when there is none; npos at the end.
-template <typename View>
-std::size_t placeAfter(std::optional<std::size_t> last, View text, View sought,
-                       CompareOptions options) noexcept {
+// The place that is wanted first, by its options and by isWanted(place); npos when there is none.
+template <typename Unit, typename IsWanted>
+std::size_t placeOf(std::basic_string_view<Unit> sought, std::basic_string_view<Unit> text,
+                    CompareOptions options, IsWanted isWanted) {
     const bool isBackwards = options.contains(CompareOption::Backwards);
-    if (options.contains(CompareOption::Anchored)) {
-        if (last || !(isBackwards ? text.ends_with(sought) : text.starts_with(sought)))
-            return View::npos;
-        return isBackwards ? text.size() - sought.size() : 0;
-    }
-    if (!isBackwards) return text.find(sought, last ? *last + 1 : 0);
-    if (last == std::size_t{0}) return View::npos;
-    return text.rfind(sought, last ? *last - 1 : View::npos);
+    if (!options.contains(CompareOption::Anchored))
+        return isBackwards ? detail::lastPlace(text, sought, isWanted)
+                           : detail::firstPlace(text, sought, isWanted);
+    const bool isThere = isBackwards ? text.ends_with(sought) : text.starts_with(sought);
+    const std::size_t place = isThere && isBackwards ? text.size() - sought.size() : 0;
+    return isThere && isWanted(place) ? place : std::basic_string_view<Unit>::npos;
 }
 
 std::optional<TextRange> findCharacters(std::string_view text, std::string_view sought,
@@ -136,14 +135,22 @@ std::optional<TextRange> findCharacters(std::string_view text, std::string_view 
     const ComparedText in(text, options);
     const ComparedText what(sought, options);
     const std::u32string_view units = what.units();
-    std::optional<std::size_t> place;
-    for (;;) {
-        place = placeAfter<std::u32string_view>(place, in.units(), units, options);
-        if (place == std::u32string_view::npos) return std::nullopt;
-        const std::size_t begin = in.placeOf(*place);
-        const std::size_t end = in.placeOf(*place + units.size());
-        if (begin != kInside && end != kInside) return TextRange{begin, end - begin};
-    }
+    if (units.empty()) return std::nullopt;
+    const auto isWhole = [&](std::size_t place) {
+        return in.placeOf(place) != kInside && in.placeOf(place + units.size()) != kInside;
+    };
+    const std::size_t place = placeOf<char32_t>(units, in.units(), options, isWhole);
+    if (place == std::u32string_view::npos) return std::nullopt;
+    const std::size_t begin = in.placeOf(place);
+    return TextRange{begin, in.placeOf(place + units.size()) - begin};
+}
+
+std::optional<TextRange> findBytes(std::string_view text, std::string_view sought,
+                                   CompareOptions options) {
+    const auto always = [](std::size_t) { return true; };
+    const std::size_t place = placeOf(sought, text, options, always);
+    if (place == std::string_view::npos) return std::nullopt;
+    return TextRange{place, sought.size()};
 }
 
 }  // namespace
@@ -168,12 +175,11 @@ std::optional<TextRange> find(std::string_view text, std::string_view sought,
         (options.contains(CompareOption::Literal) && isWellFormedUtf8(sought)) ||
         (std::all_of(text.begin(), text.end(), isAscii) &&
          std::all_of(sought.begin(), sought.end(), isAscii));
-    if (!hasOneForm || options.contains(CompareOption::CaseInsensitive))
-        return unlessOutOfMemory(std::nullopt,
-                                 [&] { return findCharacters(text, sought, options); });
-    const std::size_t place = placeAfter(std::nullopt, text, sought, options);
-    if (place == std::string_view::npos) return std::nullopt;
-    return TextRange{place, sought.size()};
+    const bool areBytesEnough = hasOneForm && !options.contains(CompareOption::CaseInsensitive);
+    return unlessOutOfMemory(std::optional<TextRange>(), [&] {
+        return areBytesEnough ? findBytes(text, sought, options)
+                              : findCharacters(text, sought, options);
+    });
 }
 
 }  // namespace veltra

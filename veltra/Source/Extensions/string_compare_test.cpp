@@ -51,7 +51,9 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
                   {"Caf\xC3\xA9", "e\xCC\x81", kLiteral, {}},
                   {"Caf\xC3\xA9", "E\xCC\x81", kLiteral | kCase, {}},
                   {"STRASSE", "stra\u00DFe", kCase, {{0, 7}}, true},
-                  {"\xC3\x9F", "s", kCase, {}, true},  // half of a letter's form
+                  {"\xC3\x9F", "s", kCase, {}, true},          // half of a letter's form
+                  {"s\xC3\x9F", "ss", kCase, {{1, 2}}, true},  // the first "ss" ends in a letter
+                  {"\xC3\x9Fs", "ss", kCase | kBackwards, {{0, 2}}, true},
                   {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
                   {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true}};
     for (const auto& one : kCases) {
@@ -59,6 +61,46 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
         EXPECT_EQ(find(one.text, one.sought, one.options), one.range)
             << one.text << " / " << one.sought;
     }
+}
+
+TEST(StringCompare, FindsEachPlaceOfLittleWords) {
+    std::mt19937 random(1);
+    const auto letters = [&random](std::size_t size) {
+        std::string text(size, 'a');
+        for (char& letter : text)
+            letter = static_cast<char>('a' + random() % 2);
+        return text;
+    };
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string text = letters(random() % 24), sought = letters(1 + random() % 6);
+        for (const bool isFolded : {false, true}) {
+            const CompareOptions options = isFolded ? CompareOptions(kCase) : CompareOptions();
+            const auto placeOf = [&](CompareOptions more) {
+                const auto range = veltra::find(text, sought, options | more);
+                return range ? range->position : std::string::npos;
+            };
+            ASSERT_EQ(placeOf({}), text.find(sought)) << text << " / " << sought;
+            ASSERT_EQ(placeOf(kBackwards), text.rfind(sought)) << text << " / " << sought;
+        }
+    }
+}
+
+// Takes minutes where time grows with the product of the lengths.
+TEST(StringCompare, FindsInLongTextsWhoseEveryPlaceResemblesTheWord) {
+    constexpr std::size_t kSize = std::size_t{1} << 21;
+    const std::string text(kSize, 'a'), sought(kSize / 2, 'a');
+    for (const CompareOptions options : {CompareOptions(), CompareOptions(kCase)}) {
+        EXPECT_FALSE(veltra::find(text, sought + "b", options) ||
+                     veltra::find(text, "b" + sought, options) ||
+                     veltra::find(text, sought + "b", options | kBackwards) ||
+                     veltra::find(text, "b" + sought, options | kBackwards));
+        EXPECT_EQ(veltra::find("b" + text, sought, options), (TextRange{1, sought.size()}));
+    }
+    if (!hasForms()) return;
+    std::string sharp;  // each of these letters is two s: no place is at the edge of one
+    for (std::size_t size = 0; size < kSize / 8; ++size)
+        sharp += "\u00DF";
+    EXPECT_FALSE(veltra::find(sharp, "s" + sharp.substr(sharp.size() / 2), kCase));
 }
 
 TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {

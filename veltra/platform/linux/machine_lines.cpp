@@ -80,14 +80,24 @@ std::string caches() {
     return all;
 }
 
-// How the processors choose their frequency: each way once.
+// How many numbers the processors of the machine have, with those that are switched off: one more
+// than the last in "0-3,8-11".
+int processorNumbers() {
+    const std::string ranges = lineOf("/sys/devices/system/cpu/present");
+    const std::size_t beforeLast = ranges.find_last_of(",-");  // npos + 1 is the start
+    const auto last = numberAtStartOf(std::string_view(ranges).substr(beforeLast + 1));
+    return last ? static_cast<int>(std::min<std::uint64_t>(*last, kMostProcessors - 1)) + 1 : 0;
+}
+
+// How the processors choose their frequency: each way once. One that is switched off has none.
 std::string governors() {
     std::vector<std::string> found;
-    for (int cpu = 0; cpu < kMostProcessors; ++cpu) {
+    const int count = processorNumbers();
+    for (int cpu = 0; cpu < count; ++cpu) {
         std::string governor =
             lineOf(numbered("/sys/devices/system/cpu/cpu", cpu, "/cpufreq/scaling_governor"));
-        if (governor.empty()) break;
-        if (std::ranges::find(found, governor) == found.end()) found.push_back(std::move(governor));
+        const bool isKnown = std::ranges::find(found, governor) != found.end();
+        if (!governor.empty() && !isKnown) found.push_back(std::move(governor));
     }
     std::string all;
     for (const std::string& governor : found)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/detail/file_copy.h"
 
-#include "veltra/Source/Extensions/detail/open_item.h"
+#include "veltra/platform/open_item.h"
 
 namespace veltra {
 

@@ -3,8 +3,8 @@
 
 #include "veltra/Source/Extensions/detail/file_answer.h"
 #include "veltra/Source/Extensions/detail/file_package.h"
-#include "veltra/Source/Extensions/detail/open_item.h"
 #include "veltra/Source/Extensions/detail/temporary_item.h"
+#include "veltra/platform/open_item.h"
 
 #include <algorithm>
 

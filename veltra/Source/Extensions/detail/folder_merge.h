@@ -4,8 +4,8 @@
 
 #include "veltra/Source/Extensions/QKNSFileManager_Merge.h"
 #include "veltra/Source/Extensions/detail/file_copy.h"
-#include "veltra/Source/Extensions/detail/open_item.h"
 #include "veltra/platform/file_system.h"
+#include "veltra/platform/open_item.h"
 
 #include <string>
 #include <string_view>

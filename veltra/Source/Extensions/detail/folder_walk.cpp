@@ -2,7 +2,7 @@
 #include "veltra/Source/Extensions/detail/folder_walk.h"
 
 #include "veltra/Source/Extensions/detail/file_answer.h"
-#include "veltra/Source/Extensions/detail/open_item.h"
+#include "veltra/platform/open_item.h"
 
 #include <new>
 #include <vector>

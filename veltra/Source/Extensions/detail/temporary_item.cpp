@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/detail/temporary_item.h"
 
-#include "veltra/Source/Extensions/detail/open_item.h"
 #include "veltra/base/number_text.h"
 #include "veltra/base/out_of_memory.h"
+#include "veltra/platform/open_item.h"
 #include "veltra/platform/process.h"
 
 #include <atomic>

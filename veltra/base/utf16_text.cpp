@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "veltra/Source/Extensions/detail/utf16_text.h"
+#include "veltra/base/utf16_text.h"
 
 #include "veltra/base/utf8.h"
 
-namespace veltra::detail {
+namespace veltra {
 
 std::optional<std::u16string> utf16From(std::string_view text) {
     std::u16string result;
@@ -33,4 +33,4 @@ std::optional<std::string> utf8From(std::u16string_view text) {
     return result;
 }
 
-}  // namespace veltra::detail
+}  // namespace veltra

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-namespace veltra::detail {
+namespace veltra {
 
 // Nothing when `text` is ill-formed. These throw std::bad_alloc.
 std::optional<std::u16string> utf16From(std::string_view text);
 std::optional<std::string> utf8From(std::u16string_view text);
 
-}  // namespace veltra::detail
+}  // namespace veltra
