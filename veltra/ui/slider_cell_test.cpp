@@ -55,13 +55,12 @@ TEST(SliderCellValues, ChangesOfTheRangeDoNotCountAsNewValues) {
 
 TEST(Sliders, FollowTheWheelAndTheKeyboard) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<Slider>(Rect{{}, {114, 20}}, std::make_unique<Magnetic>()));
-    auto& slider = static_cast<Slider&>(*host.window.contentView());
+    Shown<Slider> host(Rect{{}, {114, 20}}, std::make_unique<Magnetic>());
     Receiver target;
-    slider.setTarget(&target);
-    slider.setAction(action<&Receiver::act>());
-    slider.sliderCell().setMaxValue(100.0);
-    host.window.makeFirstResponder(&slider);
+    host.view.setTarget(&target);
+    host.view.setAction(action<&Receiver::act>());
+    host.view.sliderCell().setMaxValue(100.0);
+    host.window.makeFirstResponder(&host.view);
     const std::pair<char16_t, double> keys[] = {
         {kUpArrowCharacter, 10.0}, {kRightArrowCharacter, 20.0}, {kDownArrowCharacter, 10.0},
         {kPageUpCharacter, 100.0}, {kLeftArrowCharacter, 90.0},  {kPageDownCharacter, 0.0},
@@ -69,27 +68,27 @@ TEST(Sliders, FollowTheWheelAndTheKeyboard) {
     int count = 0;
     for (const auto& [key, value] : keys) {
         host.key(key);
-        EXPECT_EQ(slider.doubleValue(), value) << static_cast<int>(key);
+        EXPECT_EQ(host.view.doubleValue(), value) << static_cast<int>(key);
         EXPECT_EQ(target.count, ++count);
     }
     host.key(kHomeCharacter);  // no change: nothing is sent
     host.wheel({5, 5}, 3.0F);
-    EXPECT_TRUE(slider.doubleValue() == 3.0 && target.count == count + 1);
-    slider.sliderCell().setNumberOfTickMarks(11);
-    slider.sliderCell().setAllowsTickMarkValuesOnly(true);
+    EXPECT_TRUE(host.view.doubleValue() == 3.0 && target.count == count + 1);
+    host.view.sliderCell().setNumberOfTickMarks(11);
+    host.view.sliderCell().setAllowsTickMarkValuesOnly(true);
     host.wheel({5, 5}, 0.6F);  // parts of a notch add up
-    EXPECT_EQ(slider.doubleValue(), 0.0);
+    EXPECT_EQ(host.view.doubleValue(), 0.0);
     host.wheel({5, 5}, 0.6F);
-    EXPECT_EQ(slider.doubleValue(), 10.0);
-    slider.sliderCell().setAltIncrementValue(30.0);  // three marks
+    EXPECT_EQ(host.view.doubleValue(), 10.0);
+    host.view.sliderCell().setAltIncrementValue(30.0);  // three marks
     host.key(kUpArrowCharacter);
-    EXPECT_EQ(slider.doubleValue(), 40.0);
-    slider.sliderCell().setAltIncrementValue(1.0);  // at least one
+    EXPECT_EQ(host.view.doubleValue(), 40.0);
+    host.view.sliderCell().setAltIncrementValue(1.0);  // at least one
     host.key(kUpArrowCharacter);
-    EXPECT_EQ(slider.doubleValue(), 50.0);
-    slider.setEnabled(false);
+    EXPECT_EQ(host.view.doubleValue(), 50.0);
+    host.view.setEnabled(false);
     host.wheel({5, 5}, 3.0F);
-    EXPECT_EQ(slider.doubleValue(), 50.0);
+    EXPECT_EQ(host.view.doubleValue(), 50.0);
 }
 
 }  // namespace

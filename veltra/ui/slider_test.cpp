@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/slider.h"
 
-#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/testing/archive_laws.h"
 #include "veltra/ui/testing/scripted_port.h"
 
 namespace veltra::testing {
@@ -14,9 +14,8 @@ TEST(Sliders, LeaveAGestureThatBeganElsewhereToWhatIsAround) {
         float scrolled = 0.0F;
     };
     const ScriptedPort port;
-    HostedView host(std::make_unique<List>(Rect{{}, {114, 60}}));
-    auto& list = static_cast<List&>(*host.window.contentView());
-    auto& slider = list.addSubview(std::make_unique<Slider>(Rect{{}, {114, 20}}));
+    Shown<List> host(Rect{{}, {114, 60}});
+    auto& slider = host.view.addSubview(std::make_unique<Slider>(Rect{{}, {114, 20}}));
     slider.sliderCell().setMaxValue(100.0);
     const auto turn = [&](float y, ScrollPhase phase) {
         Event event = host.eventAt(EventType::ScrollWheel, {5, y});
@@ -27,17 +26,17 @@ TEST(Sliders, LeaveAGestureThatBeganElsewhereToWhatIsAround) {
     turn(50, ScrollPhase::Began);
     turn(5, ScrollPhase::Changed);  // the slider has come under the pointer
     turn(5, ScrollPhase::Momentum);
-    EXPECT_EQ(list.scrolled, 3.0F);
+    EXPECT_EQ(host.view.scrolled, 3.0F);
     EXPECT_EQ(slider.doubleValue(), 0.0);
     turn(5, ScrollPhase::Began);
     turn(5, ScrollPhase::Changed);
     turn(5, ScrollPhase::None);
-    EXPECT_EQ(list.scrolled, 3.0F);
+    EXPECT_EQ(host.view.scrolled, 3.0F);
     EXPECT_EQ(slider.doubleValue(), 3.0);
     slider.setEnabled(false);
     turn(5, ScrollPhase::Changed);
     turn(5, ScrollPhase::None);
-    EXPECT_EQ(list.scrolled, 5.0F);
+    EXPECT_EQ(host.view.scrolled, 5.0F);
 }
 
 TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
@@ -48,9 +47,13 @@ TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
     cell.setMaxValue(120.0);
     cell.setNumberOfTickMarks(15);
     cell.setAllowsTickMarkValuesOnly(true);
+    cell.setAltIncrementValue(10.0);
     cell.setVertical(true);
     cell.setTag(7);
     cell.setDoubleValue(70.0);
+    cell.setEditable(true);
+    cell.setBordered(true);
+    cell.setBezeled(true);
     slider.setTag(3);
     slider.setFont(Font::systemFont(9.5F, FontWeight::Bold));
     slider.setAlignment(TextAlignment::Right);
@@ -58,23 +61,14 @@ TEST(Sliders, KeepTheirPropertiesInAnArchiveAndInAnotherCell) {
     slider.setEnabled(false);
     Receiver target;
     slider.setTarget(&target);
-    KeyedCoder coder;
-    slider.encodeWithCoder(coder);
-    Slider read({{}, {114, 20}});
-    read.decodeWithCoder(KeyedCoder(coder.archive()));
-    EXPECT_EQ(read.tag(), 3);
-    EXPECT_EQ(read.controlSize(), ControlSize::Mini);
+    SliderCell freshCell;
+    EXPECT_EQ(archiveFaults(cell, freshCell, "", 15), "");
+    Slider fresh({{}, {114, 20}});
+    EXPECT_EQ(archiveFaults(slider, fresh, "", 6), "");
+    const PropertyValue kept = archiveOf(slider);
     slider.replaceCell(std::make_unique<SliderCell>());
-    for (const Slider* kept : {&read, &slider}) {
-        EXPECT_EQ(kept->doubleValue(), 70.0);
-        EXPECT_EQ(kept->sliderCell().minValue(), -20.0);
-        EXPECT_EQ(kept->sliderCell().numberOfTickMarks(), 15);
-        EXPECT_EQ(kept->sliderCell().explicitlyVertical(), true);
-        EXPECT_EQ(kept->sliderCell().tag(), 7);
-        EXPECT_EQ(kept->font(), Font::systemFont(9.5F, FontWeight::Bold));
-        EXPECT_EQ(kept->alignment(), TextAlignment::Right);
-        EXPECT_FALSE(kept->isEnabled());
-    }
+    slider.replaceCell(nullptr);
+    EXPECT_EQ(archiveOf(slider), kept);
     EXPECT_EQ(slider.target(), &target);
     slider.sliderCell().setVertical(std::nullopt);
     // Where the middle of the knob stands.

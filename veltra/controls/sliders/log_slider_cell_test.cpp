@@ -89,13 +89,11 @@ TEST(LogSliders, CountFromTheOtherEndWithoutStops) {
 
 TEST(LogSliders, StepFromStopToStopAndStayWhatTheyAreInAnArchive) {
     const ScriptedPort port;
-    HostedView host(
-        std::make_unique<Slider>(Rect{{}, {114, 20}}, std::make_unique<QkLogSliderCell>()));
-    auto& slider = static_cast<Slider&>(*host.window.contentView());
-    auto& cell = static_cast<QkLogSliderCell&>(slider.sliderCell());
+    Shown<Slider> host(Rect{{}, {114, 20}}, std::make_unique<QkLogSliderCell>());
+    auto& cell = static_cast<QkLogSliderCell&>(host.view.sliderCell());
     setUp(cell, 1);
     cell.setInvertValues(true);
-    host.window.makeFirstResponder(&slider);
+    host.window.makeFirstResponder(&host.view);
     for (const double value : {75.0, 50.0, 25.0, 0.0, 0.0}) {  // the knob goes up
         host.key(kUpArrowCharacter);
         EXPECT_EQ(cell.logSliderValue(), value);
