@@ -56,6 +56,8 @@ TEST_F(OnQt, AppearanceFollowsThePaletteAroundUnlessSet) {
     EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
     setQtAppearance(Appearance::Light);
     EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
+    setQtAppearance(Appearance::Dark);
+    EXPECT_EQ(UiPort::current().appearance(), Appearance::Dark) << "also in no window";
     setQtAppearance(std::nullopt);
     EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
 }

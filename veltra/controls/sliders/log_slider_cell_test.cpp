@@ -61,7 +61,6 @@ TEST(LogSliders, CountFromTheOtherEndWithoutStops) {
         cell.setInvertValues(true);
         cell.setLogSliderValue(30.0);
         EXPECT_EQ(cell.logSliderValue(), count == 0 ? 30.0 : 0.0);
-        EXPECT_EQ(cell.logSliderValue(), cell.doubleValue());
         EXPECT_EQ(cell.closestIndexOfValue(30.0), 0);
     }
     QkLogSliderCell cell;
@@ -70,7 +69,6 @@ TEST(LogSliders, CountFromTheOtherEndWithoutStops) {
     cell.setInvertValues(true);
     cell.setSliderValue(80.5);
     EXPECT_EQ(cell.doubleValue(), -0.5);
-    EXPECT_EQ(cell.sliderValue(), 80.5);
     EXPECT_EQ(cell.logSliderValue(), 80.5);
     EXPECT_EQ(cell.sliderIntValue(), 80);
     cell.setSliderIntValue(80);  // is that already
