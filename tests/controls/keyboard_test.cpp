@@ -19,15 +19,11 @@ TEST(Pictures, TheRangeOfThePickerBeginsAndEndsBetweenKeys) {
             auto made = std::make_unique<DfOctavePickerView>(Rect{}, isLarge);
             DfOctavePickerView& picker = *made;
             picture.window().setContentView(std::move(made));
-            const auto accent = rgbOf(theme(setting.appearance).accent);
+            const Color accent = theme(setting.appearance).accent;
             for (const KeyRange range : {KeyRange{0, 10}, KeyRange{31, 11}, KeyRange{64, 10}}) {
                 picker.setKeyRange(range);
                 const Pixels pixels(picture.draw());
-                const std::int32_t row = pixels.height() / 2;
-                std::vector<std::int32_t> edges;
-                for (std::int32_t x = 0; x < pixels.width(); ++x) {
-                    if (pixels.rgbAt(x, row) == accent) edges.push_back(x);
-                }
+                const auto edges = pixels.inRow(pixels.height() / 2, accent);
                 const auto width = std::lround(3 * setting.scale - 0.01F);
                 ASSERT_EQ(edges.size(), 2U * static_cast<std::size_t>(width)) << setting.scale;
                 const Rect rect = picker.rangeRect();

@@ -6,7 +6,6 @@
 #include "veltra/ui/theme.h"
 
 #include <array>
-#include <limits>
 #include <set>
 
 namespace veltra::testing {
@@ -84,26 +83,21 @@ TEST(Pictures, TicksStandInTheGapsOfLedsAtEveryScale) {
             return static_cast<std::int32_t>(std::lround(points * setting.scale));
         };
         const std::int32_t top = at(36.0F), bottom = at(36.0F + 248.0F);
-        // Down the first bar: where each LED begins, and how high it is.
-        std::vector<std::int32_t> begins, heights;
+        // Down the first bar: where each LED begins.
+        std::vector<std::int32_t> begins;
         std::set<std::int32_t> gaps;
         for (std::int32_t y = top; y < bottom; ++y) {
             const bool isGap = pixels.rgbAt(at(46.0F), y) == rgbOf(colors.glass);
             if (isGap) {
                 gaps.insert(y);
             } else if (y == top || gaps.count(y - 1) != 0) {
-                begins.push_back(y), heights.push_back(1);
-            } else {
-                ++heights.back();
+                begins.push_back(y);
             }
         }
         ASSERT_EQ(begins.size(), 62U);
         const auto gap = static_cast<std::int32_t>(setting.scale);
-        for (std::size_t i = 0; i < begins.size(); ++i) {
-            const bool isLowest = i == 4 || i == 18;  // of the red and of the amber zone
+        for (std::size_t i = 0; i < begins.size(); ++i)
             EXPECT_EQ(begins[i], top + at(4.0F) * static_cast<std::int32_t>(i));
-            EXPECT_EQ(heights[i], at(4.0F) - (isLowest ? 2 * gap : gap)) << i;
-        }
         // Ticks end 2 points before the glass; the first just above the first LED.
         std::vector<std::int32_t> ticks;
         for (std::int32_t y = top - at(10.0F); y < bottom; ++y) {
@@ -128,15 +122,6 @@ TEST(Pictures, TicksStandInTheGapsOfLedsAtEveryScale) {
         // The light of the channel that has clipped has a white core.
         EXPECT_EQ(pixels.rgbAt(at(48.5F), at(24.0F)), rgbOf(colors.clipCore));
         EXPECT_EQ(pixels.rgbAt(at(59.5F), at(24.0F)), rgbOf(colors.clipOff));
-        // What is muted is thin.
-        drawn.strip->meter.setMuted(true);
-        const Pixels muted = drawn.pixels();
-        std::int32_t wide = 0, thin = 0;
-        for (std::int32_t x = at(44.0F); x < at(53.0F); ++x) {
-            ++wide;
-            if (muted.rgbAt(x, bottom - at(2.0F)) != rgbOf(colors.muted.off)) ++thin;
-        }
-        EXPECT_TRUE(thin > 0 && thin * 100 <= wide * 45) << thin << " of " << wide;
     }
 }
 
@@ -149,14 +134,7 @@ TEST(Pictures, MetersLookTheSameAfterManyLayouts) {
                 {28.0F + static_cast<float>(i % 3), 272.0F - 3.0F * static_cast<float>(i % 5)});
         moved.strip->meter.setFrameSize({28.0F, 272.0F});
         Drawn fresh(setting, -9.0);
-        const Pixels one = fresh.pixels();
-        const Pixels other = moved.pixels();
-        std::int32_t differing = 0;
-        for (std::int32_t y = 0; y < one.height(); ++y) {
-            for (std::int32_t x = 0; x < one.width(); ++x)
-                differing += one.rgbAt(x, y) != other.rgbAt(x, y);
-        }
-        EXPECT_EQ(differing, 0);
+        EXPECT_EQ(fresh.pixels().differences(moved.pixels()).first, 0);
     }
 }
 

@@ -56,8 +56,31 @@ public:
     std::uint32_t rgbAt(std::int32_t x, std::int32_t y) const {
         return m_image->pixelAt(x, y) & 0xFFFFFFU;
     }
+    // Where a row or a column of pixels has that colour.
+    std::vector<std::int32_t> inRow(std::int32_t y, Color color) const {
+        return found(width(), color, [&](std::int32_t x) { return rgbAt(x, y); });
+    }
+    std::vector<std::int32_t> inColumn(std::int32_t x, Color color) const {
+        return found(height(), color, [&](std::int32_t y) { return rgbAt(x, y); });
+    }
+    // How many pixels differ, and the column of the leftmost one.
+    std::pair<int, std::int32_t> differences(const Pixels& other) const {
+        std::pair<int, std::int32_t> result{0, width()};
+        for (std::int32_t x = width(); x-- > 0;) {
+            for (std::int32_t y = 0; y < height(); ++y)
+                if (rgbAt(x, y) != other.rgbAt(x, y)) result = {result.first + 1, x};
+        }
+        return result;
+    }
 
 private:
+    template <typename At>
+    static std::vector<std::int32_t> found(std::int32_t end, Color color, At at) {
+        std::vector<std::int32_t> places;
+        for (std::int32_t i = 0; i < end; ++i)
+            if (at(i) == rgbOf(color)) places.push_back(i);
+        return places;
+    }
     std::int32_t pixels(float points) const {
         return static_cast<std::int32_t>(std::lround(points * m_image->scale()));
     }

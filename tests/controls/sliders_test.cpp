@@ -3,8 +3,6 @@
 #include "veltra/controls/sliders/slider_presets.h"
 #include "veltra/ui/theme.h"
 
-#include <set>
-
 namespace veltra::testing {
 namespace {
 
@@ -24,12 +22,7 @@ public:
 
     // Rows of that colour in the column at `x` points.
     std::vector<std::int32_t> rows(const Pixels& pixels, float x, Color color) const {
-        std::vector<std::int32_t> found;
-        for (std::int32_t y = 0; y < pixels.height(); ++y) {
-            if (pixels.rgbAt(static_cast<std::int32_t>(x * m_scale), y) == rgbOf(color))
-                found.push_back(y);
-        }
-        return found;
+        return pixels.inColumn(static_cast<std::int32_t>(x * m_scale), color);
     }
 
     Slider* fader = nullptr;

@@ -665,10 +665,9 @@ const Scenario callbackList("callback list", NeverThrows, [] {
 const Scenario meters("level meters", MayThrow, [] {
     testing::ManualRunLoop loop;
     testing::ScriptedPort port;
-    testing::HostedView host(std::make_unique<DfStereoLevelMeterView>(Rect{{}, {32, 200}}));
-    auto& meter = static_cast<DfStereoLevelMeterView&>(*host.window.contentView());
-    meter.setToolTips("left", "right");
-    meter.setLevelL(0.5F, 1.1F);
+    testing::Shown<DfStereoLevelMeterView> host(Rect{{}, {32, 200}});
+    host.view.setToolTips("left", "right");
+    host.view.setLevelL(0.5F, 1.1F);
     loop.advance(0.1);
     const bool isDrawn = !host.display().empty();
     host.click({20, 190});

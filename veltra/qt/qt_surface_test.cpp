@@ -52,17 +52,5 @@ TEST_F(OnQt, ALockedPointerDragsWithoutEnd) {
     QCoreApplication::processEvents();  // where the pointer was put is not for the next application
 }
 
-TEST_F(OnQt, TheWheelTellsWhetherItIsFine) {
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
-    turn({0, 120});
-    EXPECT_FALSE(probe.events.back().hasPreciseScrollingDeltas);
-    EXPECT_EQ(probe.events.back().scrollPhase, ScrollPhase::None);
-    QWheelEvent fine(QPointF(5, 5), widget->mapToGlobal(QPointF(5, 5)), {0, 3}, {0, 18},
-                     Qt::NoButton, Qt::NoModifier, Qt::ScrollUpdate, false);
-    QApplication::sendEvent(widget, &fine);
-    EXPECT_TRUE(probe.events.back().hasPreciseScrollingDeltas);
-    EXPECT_EQ(probe.events.back().scrollPhase, ScrollPhase::Changed);
-}
-
 }  // namespace
 }  // namespace veltra::testing

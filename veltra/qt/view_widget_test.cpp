@@ -2,14 +2,10 @@
 #include "veltra/qt/view_widget.h"
 
 #include "veltra/platform/run_loop.h"
-#include "veltra/qt/qt_port.h"
 #include "veltra/qt/testing/on_qt.h"
 #include "veltra/ui/control.h"
 
 #include <QAccessible>
-#include <QEventLoop>
-#include <QMenu>
-#include <QTimer>
 
 // What Qt and the libraries below it keep until the process ends.
 extern "C" VELTRA_EXPORT const char*
@@ -19,9 +15,6 @@ __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
 
 namespace veltra::testing {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::Field;
 
 TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
     auto& all = host(std::make_unique<View>(Rect{{}, {400, 200}}));
@@ -44,73 +37,6 @@ TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
     const QImage picture = widget->grab().toImage();
     EXPECT_EQ(picture.pixelColor(9, 191), QColor(Qt::blue));  // the lowest row
     EXPECT_EQ(picture.pixelColor(29, 191), QColor(Qt::red));
-}
-
-TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
-    QTest::mousePress(widget, Qt::LeftButton, Qt::ShiftModifier | Qt::AltModifier, {10, 20});
-    drag({13, 16});
-    QTest::mouseRelease(widget, Qt::LeftButton, {}, {13, 16});
-    ASSERT_EQ(probe.events.size(), 3U);
-    EXPECT_EQ(probe.events[0].locationInWindow, (Point{10, 30}));
-    EXPECT_EQ(probe.events[0].modifierFlags, kShiftKeyMask | kAlternateKeyMask);
-    EXPECT_EQ(probe.events[1].type, EventType::LeftMouseDragged);
-    EXPECT_TRUE(probe.events[1].deltaX == 3 && probe.events[1].deltaY == 4);
-    const int last = probe.events[2].eventNumber;
-    EXPECT_EQ(last, probe.events[0].eventNumber);
-    EXPECT_TRUE(widget->hasFocus());
-    probe.events.clear();
-    std::uint64_t time = 100'000;
-    for (const auto type :
-         {QEvent::MouseButtonPress, QEvent::MouseButtonDblClick, QEvent::MouseButtonPress}) {
-        QMouseEvent press(type, {50, 20}, widget->mapToGlobal(QPointF(50, 20)), Qt::LeftButton,
-                          Qt::LeftButton, Qt::NoModifier);
-        press.setTimestamp(time += 100);
-        QApplication::sendEvent(widget, &press);
-    }
-    const auto clicks = [](int count) { return Field(&Event::clickCount, count); };
-    EXPECT_THAT(probe.events, ElementsAre(clicks(1), clicks(2), clicks(3)));
-    EXPECT_EQ(probe.events.back().eventNumber, last + 3);
-
-    EXPECT_TRUE(turn({0, 24}));
-    EXPECT_FLOAT_EQ(probe.events.back().deltaY, 0.2F);
-    EXPECT_TRUE(turn({-120, 0}, Qt::AltModifier));  // as systems that swap the axes send it
-    EXPECT_EQ(probe.events.back().deltaY, -1);
-    probe.takesKeys = false;
-    EXPECT_FALSE(turn({0, 120})) << "what no view takes is offered to the widgets around";
-}
-
-TEST_F(OnQt, TellsKeysAsCharactersThatControlsKnow) {
-    const struct {
-        int key;
-        Qt::KeyboardModifiers modifiers;
-        QString text;
-        std::u16string characters, ignoring;
-        ModifierFlags flags;
-    } rows[] = {
-        {Qt::Key_A, {}, "a", u"a", u"a", {}},
-        {Qt::Key_A, Qt::ShiftModifier, "A", u"A", u"A", kShiftKeyMask},
-        {Qt::Key_A, Qt::ControlModifier, "\x01", u"\x01", u"a", kControlKeyMask},
-        {Qt::Key_Up, {}, "", u"\uF700", u"\uF700", kFunctionKeyMask},
-        {Qt::Key_F3, Qt::MetaModifier, "", u"\uF706", u"\uF706",
-         kFunctionKeyMask | kCommandKeyMask},
-        {Qt::Key_Enter, Qt::KeypadModifier, "\r", u"\x03", u"\x03", kNumericPadKeyMask},
-        {Qt::Key_Backspace, {}, "\b", u"\x7F", u"\x7F", {}},
-        {Qt::Key_Dead_Acute, {}, "", u"", u"", {}},
-        {Qt::Key_Shift, {}, "", u"", u"", kShiftKeyMask},
-    };
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
-    widget->veltraWindow().makeFirstResponder(&probe);
-    for (const auto& row : rows) {
-        QKeyEvent press(QEvent::KeyPress, row.key, row.modifiers, 38, 0, 0, row.text);
-        QApplication::sendEvent(widget, &press);
-        const Event& event = probe.events.back();
-        EXPECT_EQ(event.characters, row.characters) << row.key;
-        EXPECT_EQ(event.charactersIgnoringModifiers, row.ignoring) << row.key;
-        EXPECT_EQ(event.modifierFlags, row.flags) << row.key;
-        EXPECT_EQ(event.keyCode, 38) << row.key;
-        EXPECT_EQ(event.type == EventType::FlagsChanged, row.key == Qt::Key_Shift);
-    }
 }
 
 TEST_F(OnQt, TabLeadsThroughTheKeyViewsAndOn) {
@@ -190,79 +116,6 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
     button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_TRUE(widget.isNull());
     EXPECT_FALSE(button->isValid()) << "it is there until the reader has returned";
-}
-
-TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
-    const auto lose = [this](QEvent::Type type) {
-        QEvent lost(type);
-        QApplication::sendEvent(widget, &lost);
-    };
-    const std::function<void()> ends[] = {[this] { widget->hide(); },
-                                          [this] { delete widget.data(); },
-                                          [&] { lose(QEvent::WindowDeactivate); },
-                                          [&] { lose(QEvent::UngrabMouse); },
-                                          [this] {
-                                              drag({30, 30}, Qt::NoButton);
-                                          },
-                                          [] { QCoreApplication::quit(); }};
-    host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
-    for (const auto& end : ends) {
-        if (!widget) {
-            widget = new ViewWidget;
-            widget->setContentView(std::make_unique<Probe>(Rect{{}, {50, 50}}));
-        }
-        widget->show();
-        auto& pulling = static_cast<Probe&>(*widget->contentView());
-        Event last;
-        last.clickCount = -1;
-        pulling.react = [&](const Event& event) {
-            if (event.type != EventType::LeftMouseDown) return;
-            QTimer::singleShot(0, &application, end);
-            last = Application::current().nextEvent(EventType::LeftMouseUp,
-                                                    RunLoopMode::EventTracking);
-        };
-        QTimer::singleShot(0, &application, [this] {
-            QTest::mousePress(widget, Qt::LeftButton, {}, {5, 5});
-            QCoreApplication::exit();
-        });
-        QCoreApplication::exec();
-        EXPECT_EQ(last.type, EventType::LeftMouseUp);
-        EXPECT_EQ(last.clickCount, 0) << &end - ends;
-    }
-}
-
-TEST_F(OnQt, TimersGoOnInMenusAndInLoopsThatATimerRuns) {
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
-    int ticks = 0;
-    probe.react = [&ticks](const Event& /*event*/) { ++ticks; };
-    const auto beat = RunLoop::current()->schedule({.interval = milliseconds(1),
-                                                    .target = &probe,
-                                                    .action = action<&Probe::tick>(),
-                                                    .repeats = true});
-    QMenu menu;
-    menu.addAction("item");
-    Probe opener;
-    opener.react = [&](const Event& /*event*/) {
-        ticks = 0;
-        menu.popup({0, 0});
-        EXPECT_TRUE(comesTrue([&ticks] { return ticks >= 3; }));
-        menu.close();
-        opener.react = nullptr;
-    };
-    RunLoop::current()->schedule({.target = &opener, .action = action<&Probe::tick>()});
-    EXPECT_TRUE(comesTrue([&opener] { return !opener.react; }));
-    beat->invalidate();
-}
-
-TEST_F(OnQt, AppearanceFollowsThePaletteAroundUnlessSet) {
-    auto& probe = host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
-    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
-    outside.setPalette(QPalette(QColor(0x30, 0x30, 0x30)));
-    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
-    setQtAppearance(Appearance::Light);
-    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Light);
-    setQtAppearance(std::nullopt);
-    EXPECT_EQ(probe.effectiveAppearance(), Appearance::Dark);
 }
 
 }  // namespace

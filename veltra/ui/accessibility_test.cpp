@@ -35,13 +35,13 @@ TEST(Accessibility, FindsOnlyWhatCanBeSeen) {
 
 TEST(Accessibility, TellsNamesAndHelp) {
     ScriptedPort port;
-    HostedView host(std::make_unique<Control>(Rect{{}, {100, 100}}, std::make_unique<Cell>("x")));
-    auto& control = static_cast<Control&>(*host.window.contentView());
-    control.setAccessibilityName("gain");
-    control.setAccessibilityName("gain");
-    EXPECT_THAT(port.notifications[AccessibilityNotification::NameChanged], ElementsAre(&control));
-    control.setAccessibilityHelp("how loud it is");
-    EXPECT_EQ(control.accessibilityName() + control.accessibilityHelp(), "gainhow loud it is");
+    Shown<Control> host(Rect{{}, {100, 100}}, std::make_unique<Cell>("x"));
+    host.view.setAccessibilityName("gain");
+    host.view.setAccessibilityName("gain");
+    EXPECT_THAT(port.notifications[AccessibilityNotification::NameChanged],
+                ElementsAre(&host.view));
+    host.view.setAccessibilityHelp("how loud it is");
+    EXPECT_EQ(host.view.accessibilityName() + host.view.accessibilityHelp(), "gainhow loud it is");
 }
 
 }  // namespace

@@ -23,8 +23,7 @@ struct Passive final : View {
 TEST(Events, TellWhetherSomebodyTookThemAndStayCurrentUntilTheNext) {
     const ScriptedPort port;
     Application& application = Application::current();
-    HostedView host(std::make_unique<Passive>(Rect{{}, {100, 100}}));
-    auto& view = static_cast<Passive&>(*host.window.contentView());
+    Shown<Passive> host(Rect{{}, {100, 100}});
     const auto post = [&](EventType type) {
         Event event = host.eventAt(type, {5, 5});
         event.clickCount = 1;
@@ -33,13 +32,13 @@ TEST(Events, TellWhetherSomebodyTookThemAndStayCurrentUntilTheNext) {
     for (const EventType type :
          {EventType::LeftMouseDown, EventType::KeyDown, EventType::ScrollWheel})
         EXPECT_FALSE(post(type));
-    view.takes = true;
+    host.view.takes = true;
     bool inner = true;
-    view.hook = [&] { inner = post(EventType::KeyDown); };  // an untaken one inside a taken one
+    host.view.hook = [&] { inner = post(EventType::KeyDown); };  // untaken, inside a taken one
     EXPECT_TRUE(post(EventType::LeftMouseDown));
     EXPECT_FALSE(inner || application.isHandlingEvent());
     EXPECT_EQ(application.currentEvent()->type, EventType::LeftMouseDown);
-    view.setHidden(true);
+    host.view.setHidden(true);
     EXPECT_FALSE(post(EventType::ScrollWheel)) << "no view is there";
     EXPECT_TRUE(application.postEvent(Event())) << "dropped: there is no window";
     EXPECT_EQ(application.currentEvent()->type, EventType::ScrollWheel);
@@ -55,9 +54,8 @@ TEST(Actions, GoUpTheChainsOfTheKeyAndTheMainWindowAndEndAtTheDelegate) {
         bool acceptsFirstResponder() const override { return true; }
         void act() { ++count; }
     };
-    HostedView host(std::make_unique<Able>(Rect{{}, {100, 100}}));
-    auto& able = static_cast<Able&>(*host.window.contentView());
-    auto& inner = able.addSubview(std::make_unique<Able>(Rect{{}, {10, 10}}));
+    Shown<Able> host(Rect{{}, {100, 100}});
+    auto& inner = host.view.addSubview(std::make_unique<Able>(Rect{{}, {10, 10}}));
     Application& application = Application::current();
     const auto isSent = [&](Anchored* target) {
         return application.sendAction(action<&Able::act>(), target, nullptr);
@@ -65,8 +63,8 @@ TEST(Actions, GoUpTheChainsOfTheKeyAndTheMainWindowAndEndAtTheDelegate) {
     EXPECT_FALSE(isSent(nullptr));
     host.window.makeFirstResponder(&inner);
     EXPECT_TRUE(isSent(nullptr) && inner.count == 1);
-    host.window.makeFirstResponder(&able);
-    EXPECT_TRUE(isSent(nullptr) && isSent(&inner) && able.count == 1 && inner.count == 2);
+    host.window.makeFirstResponder(&host.view);
+    EXPECT_TRUE(isSent(nullptr) && isSent(&inner) && host.view.count == 1 && inner.count == 2);
 }
 
 }  // namespace

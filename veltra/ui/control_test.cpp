@@ -40,23 +40,5 @@ TEST(ControlActions, OneClickSendsOneActionWhereverTargetAndActionWereSet) {
     }
 }
 
-TEST(ControlActions, NothingIsSentToATargetThatHasDied) {
-    const ScriptedPort port;
-    Receiver delegate;
-    Application::current().setDelegate(&delegate);
-    Control control({{}, {20, 20}});
-    control.setAction(action<&Receiver::act>());
-    {
-        Receiver target;
-        control.setTarget(&target);
-        EXPECT_TRUE(control.sendAction());
-    }
-    EXPECT_FALSE(control.sendAction()) << "not to somebody else instead";
-    EXPECT_EQ(delegate.count, 0);
-    control.setTarget(nullptr);
-    EXPECT_TRUE(control.sendAction());
-    EXPECT_EQ(delegate.count, 1);
-}
-
 }  // namespace
 }  // namespace veltra::testing

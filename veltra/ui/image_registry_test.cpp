@@ -42,14 +42,5 @@ TEST(NamedImages, ComeFromTheHostThenFromFilesThenFromTheFramework) {
     EXPECT_EQ(findImage("knob"), nullptr);
 }
 
-TEST(DrawnImages, HaveWholePixelsAndAreRefusedBeyondAnySense) {
-    const ScriptedPort port;
-    const auto draw = [](Canvas&) {};
-    EXPECT_EQ(Image::drawn({10.2F, 5}, 1.5F, draw)->size(), (Size{16 / 1.5F, 8 / 1.5F}));
-    for (const Size size : {Size{0, 5}, Size{5, -1}, Size{40000, 1}})
-        EXPECT_EQ(Image::drawn(size, 1.0F, draw), nullptr);
-    EXPECT_EQ(Image::load("x.png", 0.0F), nullptr);
-}
-
 }  // namespace
 }  // namespace veltra::testing

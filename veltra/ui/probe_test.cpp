@@ -83,15 +83,9 @@ TEST_F(ProbeTest, TracksAlikeWhetherItIsPushedOrPulls) {
         cell.hook = [&](std::string_view where) {
             EXPECT_TRUE(where != "drag" || port.toolTip == cell.stringValue());
         };
-        port.script = {[&] {
-                           host.drag({60, 45});
-                       },
-                       [&] {
-                           host.wheel({60, 45}, 0.2F);
-                       },
-                       [&] {
-                           host.release({150, 50});
-                       }};
+        port.script.emplace_back([&] { host.drag({60, 45}); });
+        port.script.emplace_back([&] { host.wheel({60, 45}, 0.2F); });
+        port.script.emplace_back([&] { host.release({150, 50}); });
         host.press({60, 40});
         while (!pulls && port.waitForEvent()) {
         }
@@ -106,14 +100,11 @@ TEST_F(ProbeTest, TracksAlikeWhetherItIsPushedOrPulls) {
 
 TEST_F(ProbeTest, KeepsOtherEventsInOrderWhileItPullsAndEndsWhenThePointerIsLost) {
     HostedView host(rootWithProbe(true));
-    port.script = {[&] {
-                       host.key(kUpArrowCharacter);
-                       host.drag({60, 50});
-                   },
-                   [&] {
-                       EXPECT_EQ(probe->intValue(), 10);  // the key waits
-                       host.window.visibilityDidChange(false);
-                   }};
+    port.script.emplace_back([&] { host.key(kUpArrowCharacter), host.drag({60, 50}); });
+    port.script.emplace_back([&] {
+        EXPECT_EQ(probe->intValue(), 10);  // the key waits
+        host.window.visibilityDidChange(false);
+    });
     host.press({60, 40});
     EXPECT_EQ(probe->intValue(), 11);
     EXPECT_EQ(probe->probe().log.back(), "stop 10,30");

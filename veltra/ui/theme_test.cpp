@@ -29,19 +29,13 @@ TEST(ThemeColors, WhatIsReadStandsOutFromItsGround) {
         std::vector<Color Theme::*> grounds;
         float ratio;
     };
+    const std::vector<Color Theme::*> all{&Theme::window, &Theme::card, &Theme::control,
+                                          &Theme::field};
     const Row rows[] = {
-        {"text",
-         &Theme::text,
-         {&Theme::window, &Theme::card, &Theme::control, &Theme::field, &Theme::alertSoft},
-         4.5F},
-        {"label",
-         &Theme::label,
-         {&Theme::window, &Theme::card, &Theme::control, &Theme::field},
-         4.5F},
-        {"caption",
-         &Theme::caption,
-         {&Theme::window, &Theme::card, &Theme::control, &Theme::field},
-         4.5F},
+        {"text", &Theme::text, all, 4.5F},
+        {"alert text", &Theme::text, {&Theme::alertSoft}, 4.5F},
+        {"label", &Theme::label, all, 4.5F},
+        {"caption", &Theme::caption, all, 4.5F},
         {"alert", &Theme::alert, {&Theme::window, &Theme::card, &Theme::alertSoft}, 4.5F},
         {"onAccent", &Theme::onAccent, {&Theme::accent}, 4.5F},
         {"tip", &Theme::tipText, {&Theme::tip}, 4.5F},

@@ -2,7 +2,6 @@
 #include "veltra/ui/tool_tip.h"
 
 #include "veltra/ui/testing/scripted_port.h"
-#include "veltra/ui/view_tool_tips.h"
 
 namespace veltra::testing {
 namespace {
@@ -41,21 +40,6 @@ TEST(ToolTips, GoWithTheirViewAndTheirText) {
     View other({{}, {10, 10}});
     tip.showToolTipWindowForView(other, &source, 1, {2, 3});
     EXPECT_FALSE(tip.isOpen()) << "in no window";
-}
-
-TEST(ToolTips, RestingOnesAreThoseAddedLast) {
-    ViewToolTips tips;
-    Source source;
-    const auto low = tips.addToolTipRect({{0, 0}, {20, 20}}, "low");
-    const auto high = tips.addToolTipRect({{10, 0}, {20, 20}}, &source, 3);
-    EXPECT_EQ(tips.at({15, 5})->text, "73");
-    EXPECT_EQ(tips.at({5, 5})->text, "low");
-    for (const auto tag : {high, high + 99})
-        tips.removeToolTip(tag);
-    EXPECT_EQ(tips.at({15, 5})->text, "low");
-    EXPECT_FALSE(tips.at({25, 5}));
-    tips.removeToolTip(low);
-    EXPECT_FALSE(tips.at({5, 5}));
 }
 
 }  // namespace

@@ -70,9 +70,8 @@ TEST(ViewTree, DrawsExactlyWhatIsInvalidAndSeen) {
 
 TEST(ViewTree, KnowsWhatCanBeSeenAndBringsItIntoSight) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<Spot>(Rect{{}, {100, 100}}));
-    auto& root = static_cast<Spot&>(*host.window.contentView());
-    Spot& row = root.addSubview(std::make_unique<Spot>(Rect{{10, 20}, {80, 40}}));
+    Shown<Spot> host(Rect{{}, {100, 100}});
+    Spot& row = host.view.addSubview(std::make_unique<Spot>(Rect{{10, 20}, {80, 40}}));
     Spot& cut = row.addSubview(std::make_unique<Spot>(Rect{{60, 10}, {40, 40}}));
     Spot& out = row.addSubview(std::make_unique<Spot>(Rect{{100, 0}, {40, 40}}));
     EXPECT_EQ(cut.visibleRect(), (Rect{{0, 0}, {20, 30}}));

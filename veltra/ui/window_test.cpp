@@ -58,9 +58,7 @@ TEST(FocusRing, FollowsItsViewWhileKeysLeadBeyondItsBounds) {
     View& frame =
         host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {100, 50}}));
     const auto buttons = addButtons(frame, {10.0F, 50.0F});
-    const auto rings = [&] {
-        return RecordingCanvas::only(RecordingCanvas::What::StrokePath, host.display());
-    };
+    const auto rings = [&] { return host.drawn(RecordingCanvas::What::StrokePath); };
     host.click({15, 15});
     EXPECT_FALSE(buttons[0]->showsFocus());
     host.window.makeFirstResponder(buttons[0]);
@@ -149,8 +147,7 @@ TEST(Windows, AreNotResizedByTheirLimitsButByTheNextSize) {
 
 TEST(Windows, AskTheirViewsAboutPressesThatActivateOrMove) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<Listener>(Rect{{}, {100, 100}}));
-    auto& view = static_cast<Listener&>(*host.window.contentView());
+    Shown<Listener> host(Rect{{}, {100, 100}});
     const struct {
         bool isFirst, takesFirst, movesWindow, canMove;
         int presses;
@@ -160,35 +157,34 @@ TEST(Windows, AskTheirViewsAboutPressesThatActivateOrMove) {
                 {false, false, true, false, 1},
                 {false, false, true, true, 0}};
     for (const auto& row : rows) {
-        view.presses = 0;
-        view.takesFirstMouse = row.takesFirst;
-        view.movesWindow = row.movesWindow;
+        host.view.presses = 0;
+        host.view.takesFirstMouse = row.takesFirst;
+        host.view.movesWindow = row.movesWindow;
         host.port.canMove = row.canMove;
         Event event = host.eventAt(EventType::LeftMouseDown, {5, 5});
         event.clickCount = 1;
         event.isFirstMouse = row.isFirst;
         Application::current().postEvent(event);
         host.release({5, 5});
-        EXPECT_EQ(view.presses, row.presses) << &row - rows;
+        EXPECT_EQ(host.view.presses, row.presses) << &row - rows;
     }
 }
 
 TEST(Windows, TellTheirViewsWhetherTheUserWorksInThem) {
     ScriptedPort port;
-    HostedView first(std::make_unique<Listener>(Rect{{}, {100, 100}}));
-    auto& view = static_cast<Listener&>(*first.window.contentView());
-    view.mainStates.clear();
+    Shown<Listener> first(Rect{{}, {100, 100}});
+    first.view.mainStates.clear();
     {
         Panel panel(Rect{{0, 0}, {100, 100}});
         panel.keyStateDidChange(true);
         EXPECT_TRUE(first.window.isMainWindow());
         HostedView second(std::make_unique<Listener>(Rect{{}, {100, 100}}));
         EXPECT_FALSE(first.window.isMainWindow());
-        EXPECT_EQ(view.mainStates.back(), false);
+        EXPECT_EQ(first.view.mainStates.back(), false);
     }
     for (const bool isActive : {true, false}) {  // as a part of a toolkit's active window
         first.window.activeStateDidChange(isActive);
-        EXPECT_EQ(view.mainStates.back(), isActive);
+        EXPECT_EQ(first.view.mainStates.back(), isActive);
     }
 }
 

@@ -58,7 +58,6 @@ protected:
             {'<', kLeftArrowCharacter}, {'>', kRightArrowCharacter}, {'-', kPageDownCharacter},
             {'+', kPageUpCharacter},    {'[', kHomeCharacter},       {']', kEndCharacter},
             {'e', kEscapeCharacter}};
-        Event key = host.window->eventAt(EventType::KeyDown, {});
         if (what == 'p') return host.window->press({x, 20});
         if (what == 'd') return host.window->drag({x, 20});
         if (what == 'r') return host.window->release({x, 20});
@@ -67,9 +66,7 @@ protected:
                                                            : AccessibilityAction::Decrement);
             return;
         }
-        if (what == 'S') key.modifierFlags = kShiftKeyMask;
-        key.charactersIgnoringModifiers = std::u16string(1, keys.at(last));
-        Application::current().postEvent(key);
+        host.window->key(keys.at(last), what == 'S' ? kShiftKeyMask : ModifierFlags{});
     }
 };
 
@@ -178,7 +175,7 @@ TEST_F(OctavePicker, SpeaksInNamesOfNotes) {
 TEST_F(OctavePicker, DrawsTheImagesOfTheHostAndTheRestItself) {
     const auto drawn = [&](RecordingCanvas::What what) {
         picker->setNeedsDisplay();
-        return RecordingCanvas::only(what, host.window->display());
+        return host.window->drawn(what);
     };
     EXPECT_EQ(drawn(RecordingCanvas::What::Text).size(), 11U);
     const auto keys = std::make_shared<testing::RecordedImage>(904, 60, 2.0F);

@@ -107,7 +107,6 @@ TEST_F(MeterLookTest, ZonesAndTicksStandBetweenLeds) {
             const bool isEdge = i == 43 || i == 57;  // 0.7 and 0.925 of 62
             EXPECT_NEAR(on[i].high, pitch * static_cast<float>(i + 1), 0.01F);
             EXPECT_NEAR(on[i].high - on[i].low, pitch - (isEdge ? 2 * gap : gap), 0.01F) << i;
-            EXPECT_NEAR(off[i].low, on[i].low, 0.01F);
             EXPECT_EQ(off[i].color, i < 43   ? colors.green.off
                                     : i < 57 ? colors.amber.off
                                              : colors.red.off);
@@ -157,18 +156,16 @@ TEST_F(MeterLookTest, AContinuousBarHasItsZonesAtTheSamePlaces) {
 
 // The held maximum is never lost in the gap under a zone.
 TEST_F(MeterLookTest, TheHeldMaximumOfAContinuousBarStandsBesideTheGaps) {
-    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {28, 272}});
-    DfStereoLevelMeterView& view = *made;
-    testing::HostedView host(std::move(made));
-    view.setImageIDs(kLevelMeterImageBar, kLevelMeterImageBar);
-    view.setLevelScale(LevelMeterLevels::Decibels);
-    view.setFallBackStepTime(0.0);
+    testing::Shown<DfStereoLevelMeterView> host(Rect{{}, {28, 272}});
+    host.view.setImageIDs(kLevelMeterImageBar, kLevelMeterImageBar);
+    host.view.setLevelScale(LevelMeterLevels::Decibels);
+    host.view.setFallBackStepTime(0.0);
     for (int pixel = 60; pixel <= 248; ++pixel) {
-        view.cellL().maxtimerAction(nullptr);
-        view.setLevelL(static_cast<float>(pixel) / 248.0F, 0.0F);
-        view.setLevelL(0.1F, 0.0F);
-        view.setNeedsDisplay();
-        const auto calls = RecordingCanvas::only(RecordingCanvas::What::Image, host.display());
+        host.view.cellL().maxtimerAction(nullptr);
+        host.view.setLevelL(static_cast<float>(pixel) / 248.0F, 0.0F);
+        host.view.setLevelL(0.1F, 0.0F);
+        host.view.setNeedsDisplay();
+        const auto calls = host.drawn(RecordingCanvas::What::Image);
         ASSERT_EQ(calls.size(), 4U) << pixel;  // unlit, lit, maximum; the other channel
         const float low = 268.0F - calls[2].rect.maxY();
         const auto place = static_cast<float>(pixel);
@@ -189,7 +186,7 @@ TEST_F(MeterLookTest, TheScaleStandsWhereTheMeterIsAndFollowsIt) {
     const auto draw = [&](RecordingCanvas::What what) {
         scale.setNeedsDisplay();
         std::vector<RecordingCanvas::Call> calls;
-        for (auto& call : RecordingCanvas::only(what, host.display())) {
+        for (auto& call : host.drawn(what)) {
             if (call.clip.maxX() <= 28.0F) calls.push_back(call);
         }
         return calls;

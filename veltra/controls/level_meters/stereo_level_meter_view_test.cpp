@@ -10,6 +10,7 @@ namespace {
 
 using testing::HostedView;
 using testing::RecordingCanvas;
+using testing::Shown;
 
 class LevelMeterTest : public ::testing::Test {
 protected:
@@ -23,7 +24,7 @@ struct Flipped : DfStereoLevelMeterView {
 };
 
 std::vector<RecordingCanvas::Call> images(HostedView& host, float scale = 1.0F) {
-    return RecordingCanvas::only(RecordingCanvas::What::Image, host.display(scale));
+    return host.drawn(RecordingCanvas::What::Image, scale);
 }
 
 TEST_F(LevelMeterTest, ACellNeedsNoViewAndItsTimersStandInForCallsThatStayAway) {
@@ -144,41 +145,37 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
 }
 
 TEST_F(LevelMeterTest, ThePitchOfLedsIsTheSameAfterEveryLayout) {
-    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {26, 180}});
-    DfStereoLevelMeterView& view = *made;
-    const HostedView host(std::move(made));
-    view.setLEDPitch(4.0F);
-    const Rect first = view.cellL().rectOfLevels();
+    Shown<DfStereoLevelMeterView> host(Rect{{}, {26, 180}});
+    host.view.setLEDPitch(4.0F);
+    const Rect first = host.view.cellL().rectOfLevels();
     for (int i = 0; i < 40; ++i) {
-        view.setFrameSize({26, i % 2 == 0 ? 180.7F + static_cast<float>(i) : 180.0F});
-        EXPECT_EQ(view.cellL().rectOfLevels().size.height,
-                  4.0F * static_cast<float>(view.cellL().LEDCount()));
+        host.view.setFrameSize({26, i % 2 == 0 ? 180.7F + static_cast<float>(i) : 180.0F});
+        EXPECT_EQ(host.view.cellL().rectOfLevels().size.height,
+                  4.0F * static_cast<float>(host.view.cellL().LEDCount()));
     }
-    EXPECT_EQ(view.cellL().rectOfLevels(), first);
+    EXPECT_EQ(host.view.cellL().rectOfLevels(), first);
     EXPECT_EQ(first.maxY(), 180.0F - 20.0F);
-    EXPECT_EQ(view.cellL().LEDCount(), 39U);  // of 180 points, less 24
-    view.setLEDCount(7);
-    EXPECT_EQ(view.cellL().LEDCount(), 7U);
+    EXPECT_EQ(host.view.cellL().LEDCount(), 39U);  // of 180 points, less 24
+    host.view.setLEDCount(7);
+    EXPECT_EQ(host.view.cellL().LEDCount(), 7U);
 }
 
 TEST_F(LevelMeterTest, AnLedIsLitFromItsBeginningOnAndItsColourFollowsTheScale) {
-    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {26, 180}});
-    DfStereoLevelMeterView& view = *made;
-    HostedView host(std::move(made));
-    view.setLEDCount(32);
-    view.setFallBackStepTime(0.0);
-    const float pitch = view.cellL().rectOfLevels().size.height / 32.0F;
+    Shown<DfStereoLevelMeterView> host(Rect{{}, {26, 180}});
+    host.view.setLEDCount(32);
+    host.view.setFallBackStepTime(0.0);
+    const float pitch = host.view.cellL().rectOfLevels().size.height / 32.0F;
     const std::pair<float, float> kLit[] = {{0.001F, 1.0F},  {0.5F, 16.0F},   {0.51F, 17.0F},
                                             {0.968F, 31.0F}, {0.985F, 32.0F}, {1.0F, 32.0F}};
     for (const auto& [level, leds] : kLit) {
-        view.setLevelL(level, 0.0F, true);
+        host.view.setLevelL(level, 0.0F, true);
         EXPECT_NEAR(images(host)[1].rect.size.height, leds * pitch, 1e-3) << level;
     }
     // 0.75 is -2.5 dB as an amplitude and -10 dB on the decibel scale.
     const auto colorOf = [&](LevelMeterLevels scale) {
-        view.setLevelScale(scale);
+        host.view.setLevelScale(scale);
         const auto image = std::dynamic_pointer_cast<const testing::RecordedImage>(
-            view.cellL().levelMeterOffImage());
+            host.view.cellL().levelMeterOffImage());
         const auto& calls = image->canvas.calls;  // the last 32 are the LEDs from below
         return calls[calls.size() - 32 + 24].color;
     };
@@ -186,30 +183,28 @@ TEST_F(LevelMeterTest, AnLedIsLitFromItsBeginningOnAndItsColourFollowsTheScale) 
 }
 
 TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
-    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {28, 184}});
-    DfStereoLevelMeterView& view = *made;
-    HostedView host(std::move(made));
-    view.setFallBackStepTime(0.0);
-    view.setLevelL(0.6F, 0.0F);
+    Shown<DfStereoLevelMeterView> host(Rect{{}, {28, 184}});
+    host.view.setFallBackStepTime(0.0);
+    host.view.setLevelL(0.6F, 0.0F);
     const std::pair<float, std::vector<float>> kRows[] = {
         {0.25F, {40.0F, 56.0F, 4.0F}},
         {0.0F, {96.0F, 4.0F}},
         {NAN, {96.0F, 4.0F}},
         {0.9F, {96.0F, 4.0F}}};  // lit, dim, maximum; 40 LEDs
     for (const auto& [rms, heights] : kRows) {
-        view.setRmsL(rms, std::nullopt);
-        view.setNeedsDisplay();
+        host.view.setRmsL(rms, std::nullopt);
+        host.view.setNeedsDisplay();
         const auto calls = images(host);
         ASSERT_EQ(calls.size(), heights.size() + 2) << rms;
         for (std::size_t i = 0; i < heights.size(); ++i)
             EXPECT_EQ(calls[i + 1].rect.size.height, heights[i]) << rms;
     }
     host.port.invalid.clear();
-    view.setRmsL(0.9F, std::nullopt);
+    host.view.setRmsL(0.9F, std::nullopt);
     EXPECT_TRUE(host.port.invalid.empty());
-    view.setMuted(true);
+    host.view.setMuted(true);
     EXPECT_EQ(host.port.invalid.size(), 2U);
-    EXPECT_EQ(view.cellL().accessibilityValueText(), "-4.4 dB, muted");
+    EXPECT_EQ(host.view.cellL().accessibilityValueText(), "-4.4 dB, muted");
 }
 
 TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
@@ -227,23 +222,21 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     const auto on = std::make_shared<testing::RecordedImage>(10, 100, 1.0F);
     const auto light = std::make_shared<testing::RecordedImage>(10, 8, 1.0F);
     registerLevelMeterLook(77, levelMeterLookOfImages(off, on, light, light));
-    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {30, 200}});
-    DfStereoLevelMeterView& view = *made;
-    HostedView host(std::move(made));
-    view.setImageIDs(77, 77);
-    view.setLEDCount(10);
-    view.setOnStateLEDInset(1.0F);
-    view.setLevelL(0.3F, 0.0F);
-    EXPECT_EQ(view.cellL().cellHeight(), 108.0F);
-    EXPECT_EQ(view.cellL().levelMeterOffImage(), off);
+    Shown<DfStereoLevelMeterView> host(Rect{{}, {30, 200}});
+    host.view.setImageIDs(77, 77);
+    host.view.setLEDCount(10);
+    host.view.setOnStateLEDInset(1.0F);
+    host.view.setLevelL(0.3F, 0.0F);
+    EXPECT_EQ(host.view.cellL().cellHeight(), 108.0F);
+    EXPECT_EQ(host.view.cellL().levelMeterOffImage(), off);
     const auto calls = images(host);
     ASSERT_EQ(calls.size(), 6U);
     EXPECT_EQ(calls[2].image, on.get());
     EXPECT_EQ(calls[2].source, (Rect{{1, 71}, {8, 28}}));
     EXPECT_EQ(calls[2].rect, (Rect{{3, 171}, {8, 28}}));
     EXPECT_EQ(calls[3].source, (Rect{{1, 71}, {8, 8}}));
-    view.setLEDCount(0xFFFFFFFF);  // more than there are pixels: a continuous bar
-    view.setLevelL(0.6F, 0.0F);
+    host.view.setLEDCount(0xFFFFFFFF);  // more than there are pixels: a continuous bar
+    host.view.setLevelL(0.6F, 0.0F);
     EXPECT_EQ(images(host)[2].source, (Rect{{1, 41}, {8, 58}}));
 
     registerLevelMeterLook(77, nullptr);

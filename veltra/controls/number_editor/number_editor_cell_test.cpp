@@ -35,11 +35,14 @@ protected:
         cell.calculateInternalsFromCellFrame({{10, 4}, {60, 16}}, view());
     }
     View& view() { return *host.window.contentView(); }
+    // - deletes, ^ and v are arrows.
     void keys(std::u16string_view characters, ModifierFlags flags = {}) {
         for (const char16_t character : characters) {
-            Event event = host.eventAt(EventType::KeyDown, {});
-            event.charactersIgnoringModifiers = std::u16string(1, character);
-            event.modifierFlags = flags;
+            const Event event = host.keyEvent(character == u'-'   ? kDeleteCharacter
+                                              : character == u'^' ? kUpArrowCharacter
+                                              : character == u'v' ? kDownArrowCharacter
+                                                                  : character,
+                                              flags);
             const bool isOurs = cell.isEditing() && flags.isEmpty() && character != u'x';
             EXPECT_EQ(cell.wantsKey(event), isOurs);
             cell.keyDown(event);
@@ -66,25 +69,20 @@ protected:
 
 TEST_F(Cells, TypeDigitsAndCommitOrRestoreThem) {
     keys(u"1");  // not in edit mode
-    struct {
+    const struct {
         std::u16string_view typed;
         const char* shown;
         std::u16string_view end;
         std::int32_t left;
         std::vector<std::string> told;
-    } const rows[] = {{u"1234", "234", u"\x1B", 50, {"stopped 2"}},
-                      {u"\x7F", "5", u"\x1B", 50, {"stopped 2"}},  // the first edit: it counts
-                      {u"\x7F"
-                       "7\x7F\x7F\x7F",
-                       "",
-                       u"\x1B",
-                       50,
-                       {"stopped 2"}},
-                      {u"007", "007", u"\r", 7, {"7", "stopped 3"}},
-                      {u"\x7F\x7F", "", u"\x3", 0, {"0", "stopped 3"}},
-                      {u"8x", "8", u"", 8, {"8", "stopped 1"}},
-                      {u"", "8", u"\r", 8, {"8", "stopped 3"}},
-                      {u"", "8", u"", 8, {"stopped 1"}}};
+    } rows[] = {{u"1234", "234", u"\x1B", 50, {"stopped 2"}},
+                {u"-", "5", u"\x1B", 50, {"stopped 2"}},  // the first edit: it counts
+                {u"-7---", "", u"\x1B", 50, {"stopped 2"}},
+                {u"007", "007", u"\r", 7, {"7", "stopped 3"}},
+                {u"--", "", u"\x3", 0, {"0", "stopped 3"}},
+                {u"8x", "8", u"", 8, {"8", "stopped 1"}},
+                {u"", "8", u"\r", 8, {"8", "stopped 3"}},
+                {u"", "8", u"", 8, {"stopped 1"}}};
     for (const auto& row : rows) {
         cell.startEditing();
         keys(row.typed);
@@ -109,9 +107,7 @@ TEST_F(Cells, TypeDigitsAndCommitOrRestoreThem) {
 TEST_F(Cells, StepByOneByKeysAndByTheMinimumByWheelDragAndReader) {
     cell.setMinimumDelta(10);
     cell.startEditing();
-    keys(
-        u"\xF700"
-        "60\xF701");  // of what was typed, which is committed with it
+    keys(u"^60v");  // of what was typed, which is committed with it
     EXPECT_FALSE(cell.isEditedByNumberKeys());
     for (const float turn : {0.2F, -3.0F, 0.0F})
         wheel(turn);
@@ -122,7 +118,7 @@ TEST_F(Cells, StepByOneByKeysAndByTheMinimumByWheelDragAndReader) {
     for (int i = 0; i < 5; ++i)
         wheel(0.4F, true);  // parts of a notch add up
     cell.setCoarseStep(100);
-    keys(u"\xF700", kControlKeyMask);
+    keys(u"^", kControlKeyMask);
     EXPECT_THAT(target.take(),
                 ElementsAre("51", "59", "69", "59", "69", "44", "54", "7", "17", "27", "127"));
     wheel(1e20F, true);
@@ -152,24 +148,17 @@ TEST_F(Cells, FollowThePointerByThemselves) {
         std::function<void(const Event&)> pull;
         void mouseDown(const Event& event) override { pull(event); }
     };
-    auto owned = std::make_unique<Puller>(Rect{{}, {100, 30}});
-    Puller& puller = *owned;
-    HostedView pulled(std::move(owned));
+    Shown<Puller> pulled(Rect{{}, {100, 30}});
     for (const bool untilMouseUp : {true, false}) {
         bool result = !untilMouseUp;
-        puller.pull = [&](const Event& event) {
-            result = cell.trackMouse(event, {{10, 4}, {60, 16}}, puller, untilMouseUp);
+        pulled.view.pull = [&](const Event& event) {
+            result = cell.trackMouse(event, {{10, 4}, {60, 16}}, pulled.view, untilMouseUp);
         };
         cell.setIntValue(0);
-        port.script = {[&] {
-                           pulled.drag({15, 13});
-                       },
-                       [&] {
-                           pulled.wheel({15, 13}, 5.0F);
-                       },
-                       [&] {
-                           pulled.release({500, 500});
-                       }};
+        port.script.clear();
+        port.script.emplace_back([&] { pulled.drag({15, 13}); });
+        port.script.emplace_back([&] { pulled.wheel({15, 13}, 5.0F); });
+        port.script.emplace_back([&] { pulled.release({500, 500}); });
         pulled.press({15, 10});
         pulled.release({});
         EXPECT_EQ(result, untilMouseUp);
@@ -238,7 +227,7 @@ TEST_F(Cells, ALookShowsThePointerAndWhatIsTyped) {
     keys(u"1");
     EXPECT_EQ(drawn().size(), 1U);
     EXPECT_EQ(drawn()[0].text, "1");
-    keys(u"\x7F");
+    keys(u"-");
     EXPECT_EQ(drawn(What::FillRect).size(), 1U);  // the caret
 }
 

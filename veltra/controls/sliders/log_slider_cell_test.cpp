@@ -61,7 +61,6 @@ TEST(LogSliders, CountFromTheOtherEndWithoutStops) {
         cell.setInvertValues(true);
         cell.setLogSliderValue(30.0);
         EXPECT_EQ(cell.logSliderValue(), count == 0 ? 30.0 : 0.0);
-        EXPECT_EQ(cell.logSliderValue(), cell.doubleValue());
         EXPECT_EQ(cell.closestIndexOfValue(30.0), 0);
     }
     QkLogSliderCell cell;
@@ -70,7 +69,6 @@ TEST(LogSliders, CountFromTheOtherEndWithoutStops) {
     cell.setInvertValues(true);
     cell.setSliderValue(80.5);
     EXPECT_EQ(cell.doubleValue(), -0.5);
-    EXPECT_EQ(cell.sliderValue(), 80.5);
     EXPECT_EQ(cell.logSliderValue(), 80.5);
     EXPECT_EQ(cell.sliderIntValue(), 80);
     cell.setSliderIntValue(80);  // is that already
@@ -89,13 +87,11 @@ TEST(LogSliders, CountFromTheOtherEndWithoutStops) {
 
 TEST(LogSliders, StepFromStopToStopAndStayWhatTheyAreInAnArchive) {
     const ScriptedPort port;
-    HostedView host(
-        std::make_unique<Slider>(Rect{{}, {114, 20}}, std::make_unique<QkLogSliderCell>()));
-    auto& slider = static_cast<Slider&>(*host.window.contentView());
-    auto& cell = static_cast<QkLogSliderCell&>(slider.sliderCell());
+    Shown<Slider> host(Rect{{}, {114, 20}}, std::make_unique<QkLogSliderCell>());
+    auto& cell = static_cast<QkLogSliderCell&>(host.view.sliderCell());
     setUp(cell, 1);
     cell.setInvertValues(true);
-    host.window.makeFirstResponder(&slider);
+    host.window.makeFirstResponder(&host.view);
     for (const double value : {75.0, 50.0, 25.0, 0.0, 0.0}) {  // the knob goes up
         host.key(kUpArrowCharacter);
         EXPECT_EQ(cell.logSliderValue(), value);

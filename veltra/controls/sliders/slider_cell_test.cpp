@@ -5,7 +5,7 @@
 #include "veltra/platform/notification_center.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/ui/image_registry.h"
-#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/testing/archive_laws.h"
 #include "veltra/ui/testing/scripted_port.h"
 #include "veltra/ui/theme.h"
 
@@ -17,7 +17,6 @@ using ::testing::IsEmpty;
 using Log = std::vector<std::string>;
 
 struct FlippedSlider final : Slider {
-    using Slider::Slider;
     bool isFlipped() const override { return true; }
 };
 
@@ -25,8 +24,9 @@ struct FlippedSlider final : Slider {
 class SliderHost final : public Anchored, public ToolTipSource {
 public:
     explicit SliderHost(bool isVertical = false, bool isFlipped = false, float knob = 16.0F)
-        : view(isVertical ? Rect{{}, {40, 104 + knob}} : Rect{{}, {104 + knob, 40}}, isFlipped),
-          cell(view.cell()) {
+        : host(isFlipped ? std::make_unique<FlippedSlider>() : std::make_unique<Slider>()),
+          cell(QkSliderCell::replacedCellInSlider(slider())) {
+        host.window.frameDidChange({{}, isVertical ? Size{40, 104 + knob} : Size{104 + knob, 40}});
         cell.setMaxValue(104.0);
         slider().setTarget(this);
         slider().setAction(action<&SliderHost::changed>());
@@ -38,7 +38,7 @@ public:
 
     // What was told since the last time.
     Log taken() { return std::exchange(log, {}); }
-    Slider& slider() { return static_cast<Slider&>(*view.host.window.contentView()); }
+    Slider& slider() { return static_cast<Slider&>(*host.window.contentView()); }
 
     void changed(Slider& sender) {
         log.push_back("send " + number(sender.doubleValue()));
@@ -52,20 +52,9 @@ public:
         return std::to_string(static_cast<int>(std::lround(value * 10))) + "/10";
     }
 
-    struct Shown {
-        Shown(const Rect& frame, bool isFlipped)
-            : host(isFlipped ? std::unique_ptr<View>(std::make_unique<FlippedSlider>(frame))
-                             : std::make_unique<Slider>(frame)) {}
-        QkSliderCell& cell() {
-            auto& slider = static_cast<Slider&>(*host.window.contentView());
-            return QkSliderCell::replacedCellInSlider(slider);
-        }
-        HostedView host;
-    };
     std::function<void(const std::string&)> hook = [](const std::string&) {};
     Log log;
-    Shown view;
-    HostedView& host = view.host;
+    HostedView host;
     QkSliderCell& cell;
 
 private:
@@ -324,11 +313,8 @@ TEST_F(SliderCellTest, ObeysTheKeyboardAndScreenReaders) {
     SliderHost on;
     on.host.window.makeFirstResponder(&on.slider());
     const auto key = [&](char16_t character, ModifierFlags flags = {}) {
-        Event event = on.host.eventAt(EventType::KeyDown, {});
-        event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
-        event.modifierFlags = flags;
-        EXPECT_TRUE(on.slider().wantsKey(event));
-        Application::current().postEvent(event);
+        EXPECT_TRUE(on.slider().wantsKey(on.host.keyEvent(character, flags)));
+        on.host.key(character, flags);
     };
     on.cell.setFineValueControlStep(0.5);
     on.cell.setAltIncrementValue(2.0);
@@ -360,9 +346,8 @@ TEST_F(SliderCellTest, ObeysTheKeyboardAndScreenReaders) {
     on.host.release({90, 20});
     EXPECT_THAT(on.taken(),
                 ElementsAre("start", "send 520/10", "send 720/10", "send 0/10", "stop"));
-    Event escape = on.host.eventAt(EventType::KeyDown, {});
-    escape.charactersIgnoringModifiers = std::u16string(1, kEscapeCharacter);
-    EXPECT_FALSE(on.slider().wantsKey(escape)) << "without a drag it is the host's";
+    EXPECT_FALSE(on.slider().wantsKey(on.host.keyEvent(kEscapeCharacter)))
+        << "without a drag it is the host's";
     on.host.press({60, 20});
     key(kUpArrowCharacter);
     on.host.drag({61, 20});
@@ -452,46 +437,56 @@ TEST_F(SliderCellTest, SurvivesWhateverHappensInItsCalls) {
 TEST_F(SliderCellTest, TakesItsPropertiesAlongAndGoesBackToTheFirstOnes) {
     SliderHost on;
     setUpFader(on.cell);
-    on.cell.setTickMarkColor(Color{1, 0, 0, 1});
-    on.cell.setThumbClickAreaLeftInset(3.0F);
+    on.cell.setImageIDs(kSliderKnobPan, 9);
+    on.cell.setEndLabels("low", "high");
+    on.cell.setMaxValue(2.0);
+    on.cell.setMinValue(-1.0);
+    on.cell.setNumberOfTickMarks(4);
+    on.cell.setAllowsTickMarkValuesOnly(true);
     on.cell.setLogTickMarks(2);
-    on.cell.setDoubleValue(0.25);
-    on.cell.setMagneticMarkAt(0.2501);  // does not capture what was set before
+    on.cell.setInvertValues(true);
+    on.cell.setTickMarkColor(kBlack);
+    on.cell.setTickMarkDisabledColor(kWhite);
+    on.cell.setThumbClickAreaLeftInset(3.0F);
+    on.cell.setLabelClickSetsMinMaxValue(true);
+    on.cell.setShowsDisabledWhenNotMainWindow(true);
+    on.cell.setKnobDisabledAlpha(0.125F);
+    on.cell.setDoubleValue(0.5);
+    // Does not capture what was set before.
+    on.cell.setMagneticMarkAt(on.cell.doubleValue() + 1e-4);
     on.cell.setEnabled(false);
     on.cell.sendActionOn(EventType::LeftMouseUp);
-    KeyedCoder archive;
-    on.cell.encodeWithCoder(archive);
     QkSliderCell read;
-    read.decodeWithCoder(KeyedCoder(archive.archive()));
-    read.decodeWithCoder(KeyedCoder(archive.archive()));  // now that it has marks
+    EXPECT_EQ(archiveFaults(on.cell, read, "SLIDER_", 23), "");
+    read.decodeWithCoder(KeyedCoder(archiveOf(on.cell)));  // now that it has marks
     Slider copy;
     copy.setTarget(&on);
+    copy.setTag(7);
+    copy.setDoubleValue(0.75);
     QkSliderCell& replaced = QkSliderCell::replacedCellInSlider(copy);
     EXPECT_EQ(copy.target(), &on);
+    EXPECT_EQ(copy.doubleValue(), 0.75);
+    copy.setTarget(nullptr);
     replaced.initWithPropertiesOfSliderCell(on.cell);
+    EXPECT_EQ(copy.target(), &on);
     EXPECT_EQ(replaced.sendActionMask(), EventMask(EventType::LeftMouseUp));
     EXPECT_EQ(replaced.action(), on.cell.action());
-    EXPECT_EQ(replaced.stringForTag(0), "\u221230.0 dB");
+    EXPECT_EQ(replaced.stringForTag(0), on.cell.stringForTag(0));
     EXPECT_TRUE(replaced.hasMovableToolTip());
-    for (const QkSliderCell* kept : {&read, &replaced}) {
-        KeyedCoder again;
-        kept->encodeWithCoder(again);
-        EXPECT_EQ(again.archive(), archive.archive());
-        EXPECT_EQ(kept->doubleValue(), 0.25);
-        EXPECT_EQ(kept->marks(), on.cell.marks());
-        EXPECT_FALSE(kept->isEnabled());
-    }
-    KeyedCoder first;
-    KeyedCoder back;
+    for (const QkSliderCell* kept : {&read, &replaced})
+        EXPECT_EQ(archiveOf(*kept), archiveOf(on.cell));
     SliderCell plain;
     QkSliderCell fresh;
     fresh.initWithPropertiesOfSliderCell(plain);
-    fresh.encodeWithCoder(first);
-    setUpPan(fresh);
+    const PropertyValue first = archiveOf(fresh);
+    fresh.initWithPropertiesOfSliderCell(on.cell);
     fresh.myInit();
+    EXPECT_EQ(fresh.sendActionMask(), QkSliderCell().sendActionMask());
+    fresh.setLogTickMarks(0);  // the class below keeps what it has
+    fresh.setInvertValues(false);
     fresh.initWithPropertiesOfSliderCell(plain);
-    fresh.encodeWithCoder(back);
-    EXPECT_EQ(back.archive(), first.archive());
+    EXPECT_EQ(archiveOf(fresh), first);
+    EXPECT_EQ(fresh.stringForTag(0), "0.00") << "without the formatter";
     EXPECT_THAT(fresh.magneticMarks(), IsEmpty());
     EXPECT_FALSE(fresh.hasMovableToolTip());
 }

@@ -35,14 +35,13 @@ namespace {
 
 // From the event that arrives at the control to the request to draw it again.
 TEST(SliderMemory, AStepOfADragAllocatesNothing) {
-    HostedView host(std::make_unique<Slider>(Rect{{}, {64, 240}}));
-    auto& slider = static_cast<Slider&>(*host.window.contentView());
-    QkSliderCell& cell = QkSliderCell::replacedCellInSlider(slider);
+    Shown<Slider> host(Rect{{}, {64, 240}});
+    QkSliderCell& cell = QkSliderCell::replacedCellInSlider(host.view);
     setUpFader(cell);
     cell.setMovableToolTip(nullptr, 0);  // whose text is a string
     Receiver target;
-    slider.setTarget(&target);
-    slider.setAction(action<&Receiver::act>());
+    host.view.setTarget(&target);
+    host.view.setAction(action<&Receiver::act>());
     host.port.invalid.reserve(1000);
     host.press({40, 200});
     Event event = host.eventAt(EventType::LeftMouseDragged, {});
@@ -51,7 +50,7 @@ TEST(SliderMemory, AStepOfADragAllocatesNothing) {
     allocated = 0;
     for (int i = 0; i < 100; ++i) {
         event.locationInWindow = {40.0F, 20.0F + static_cast<float>(i)};
-        slider.mouseDragged(event);
+        host.view.mouseDragged(event);
     }
     EXPECT_EQ(allocated, 0);
     EXPECT_EQ(target.count, 101);

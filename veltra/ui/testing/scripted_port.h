@@ -154,10 +154,14 @@ public:
         event.deltaY = deltaY;
         Application::current().postEvent(std::move(event));
     }
-    void key(char16_t character) {
+    void key(char16_t character, ModifierFlags flags = {}) {
+        Application::current().postEvent(keyEvent(character, flags));
+    }
+    Event keyEvent(char16_t character, ModifierFlags flags = {}) {
         Event event = eventAt(EventType::KeyDown, m_last);
         event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
-        Application::current().postEvent(std::move(event));
+        event.modifierFlags = flags;
+        return event;
     }
 
     // Draws what is invalid, which is nothing from then on.
@@ -165,6 +169,9 @@ public:
         RecordingCanvas canvas(scale);
         window.display(canvas, std::exchange(port.invalid, {}));
         return std::move(canvas.calls);
+    }
+    std::vector<RecordingCanvas::Call> drawn(RecordingCanvas::What what, float scale = 1.0F) {
+        return RecordingCanvas::only(what, display(scale));
     }
 
     Event eventAt(EventType type, Point point) {
@@ -189,6 +196,16 @@ private:
 
     std::int32_t m_presses = 0;
     Point m_last;
+};
+
+// A view in a window, of its own class.
+template <typename V>
+struct Shown final : HostedView {
+    template <typename... Arguments>
+    explicit Shown(const Rect& frame, Arguments&&... arguments)
+        : HostedView(std::make_unique<V>(frame, std::forward<Arguments>(arguments)...)) {}
+
+    V& view = static_cast<V&>(*window.contentView());
 };
 
 }  // namespace veltra::testing
