@@ -221,12 +221,13 @@ Event QtEvents::wheel(const QWheelEvent& event, float height) const {
     return result;
 }
 
-Event QtEvents::touch(const QTouchEvent& event, const QEventPoint& point, float height) {
+Event QtEvents::touch(const QTouchEvent& event, const QEventPoint& point, QPointF place,
+                      float height) {
     EventType type = EventType::TouchMoved;
     if (point.state() == QEventPoint::Pressed) type = EventType::TouchBegan;
     if (point.state() == QEventPoint::Released) type = EventType::TouchEnded;
     Event result = made(type, event.modifiers());
-    result.locationInWindow = upwards(point.position(), height);
+    result.locationInWindow = upwards(place, height);
     // Devices number their fingers each on its own.
     const auto device = static_cast<std::uint64_t>(event.device()->systemId()) & 0x7FFFFFFFU;
     result.finger =

@@ -45,7 +45,16 @@ Qt::CursorShape shape(Cursor cursor) {
 }  // namespace
 
 QtSurface::QtSurface(QtUiPort& port, QWidget& widget, MoveFocus moveFocus)
-    : m_port(&port), m_widget(&widget), m_moveFocus(std::move(moveFocus)) {
+    : m_port(&port),
+      m_widget(&widget),
+      m_moveFocus(std::move(moveFocus)),
+      m_lateFingers(
+          widget,
+          [this](const QTouchEvent& event, const QEventPoint& point) {
+              if (m_fingerAsPointer == point.id()) return touchAsPointer(event, point);
+              touchOnView(event, point);
+          },
+          [this] { cancelTracking(); }) {
     widget.setMouseTracking(true);
     widget.setAttribute(Qt::WA_AcceptTouchEvents);
     port.add(*this);
@@ -57,6 +66,7 @@ QtSurface::~QtSurface() {
 
 void QtSurface::abandonWidget() {
     if (QtUiPort* const port = std::exchange(m_port, nullptr)) port->remove(*this);
+    m_lateFingers.forget();
     m_widget = nullptr;
 }
 
@@ -260,13 +270,16 @@ void QtSurface::takeFocusFor(const View* view) {
 // more: a finger on another view acts as the pointer here.
 bool QtSurface::touch(QTouchEvent& event) {
     const QPointer<QWidget> widget(m_widget);
-    const bool isFirst = event.type() == QEvent::TouchBegin;
+    const bool isFirst = event.type() == QEvent::TouchBegin && m_lateFingers.isEmpty();
     if (isFirst) m_ownsTouches = false;
     if (isFirst && m_fingerAsPointer) cancelTracking();  // its end was not told
     std::vector<QEventPoint> left;
     for (const QEventPoint& point : event.points()) {
         if (!widget) return true;
-        if (point.state() == QEventPoint::Stationary) continue;
+        const bool isPress = point.state() == QEventPoint::Pressed;
+        const bool isKnown = !isPress && m_lateFingers.has(point.id());
+        if (isKnown || point.state() == QEventPoint::Stationary) continue;
+        if (!isFirst && isPress && m_ownsTouches) m_lateFingers.add(point.id());
         if (m_fingerAsPointer == point.id() || !touchOnView(event, point)) {
             left.push_back(point);
         } else if (isFirst) {
@@ -283,7 +296,8 @@ bool QtSurface::touch(QTouchEvent& event) {
 // False: no view wants it.
 bool QtSurface::touchOnView(const QTouchEvent& event, const QEventPoint& point) {
     const QPointer<QWidget> widget(m_widget);
-    Event touch = QtEvents::touch(event, point, m_window->contentSize().height);
+    Event touch = QtEvents::touch(event, point, m_widget->mapFromGlobal(point.globalPosition()),
+                                  m_window->contentSize().height);
     const bool isPress = touch.type == EventType::TouchBegan;
     const View* const view = isPress ? viewAt(touch.locationInWindow) : nullptr;
     if (view != nullptr && view->acceptsTouches()) takeFocusFor(view);
@@ -302,8 +316,8 @@ void QtSurface::touchAsPointer(const QTouchEvent& event, const QEventPoint& poin
     if (isPress) type = QEvent::MouseButtonPress;
     if (isRelease) type = QEvent::MouseButtonRelease;
     const bool isMove = type == QEvent::MouseMove;
-    QMouseEvent pointer(type, point.position(), point.globalPosition(),
-                        isMove ? Qt::NoButton : Qt::LeftButton,
+    QMouseEvent pointer(type, m_widget->mapFromGlobal(point.globalPosition()),
+                        point.globalPosition(), isMove ? Qt::NoButton : Qt::LeftButton,
                         isRelease ? Qt::NoButton : Qt::LeftButton, event.modifiers());
     pointer.setTimestamp(event.timestamp());
     mouse(pointer);
@@ -318,6 +332,7 @@ bool QtSurface::post(Event event, QEvent& source) {
 
 void QtSurface::forgetButton() {
     m_isLeftDown = false;
+    m_lateFingers.forget();
     m_fingerAsPointer.reset();
     unlockPointer();
 }

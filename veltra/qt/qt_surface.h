@@ -5,6 +5,7 @@
 // Thread: main. Realtime-safe: no.
 #pragma once
 
+#include "veltra/qt/late_fingers.h"
 #include "veltra/qt/qt_events.h"
 #include "veltra/ui/port.h"
 #include "veltra/ui/window.h"
@@ -96,7 +97,8 @@ private:
     bool m_fillsGround = false;
     bool m_isPainting = false;
     bool m_isLeftDown = false;
-    bool m_ownsTouches = false;             // else what no view takes is left to the toolkit
+    LateFingers m_lateFingers;
+    bool m_ownsTouches = false;            // else what no view takes is left to the toolkit
     std::optional<int> m_fingerAsPointer;  // that acts as the left button
     Cursor m_cursor = Cursor::Arrow;
     QPoint m_lockedAt;                          // on screen
