@@ -96,12 +96,14 @@ Show pan(double position) {
     };
 }
 
-Show digits(NumberEditorLook look, bool isEdited, std::int32_t value) {
+Show digits(NumberEditorLook look, bool isEdited, std::int32_t value,
+            std::optional<Color> zeros = {}) {
     return [=](Card& card) {
         auto& made = card.add<NumberDisplay>({120, 48}, look);
         DfNumberEditorControl& editor = made.editor();
         editor.setPlaceHolderStringOfEditorCellAtIndex("0000", 0);
         editor.setLeadingZerosOfEditorCellAtIndex(4, 0);
+        editor.editorCellAtIndex(0)->setLeadingZerosColor(zeros);
         made.setCaptions({"BAR"});
         editor.setValue(value);
         if (isEdited) editor.startEditingForCell(editor.cellAtIndex(0));
@@ -187,6 +189,11 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"zeros on glass", digits(NumberEditorLook::Glass, false, 0), onDigits, kText},
             {"digits edited",
              digits(NumberEditorLook::Glass, true, 8888),
+             {{56, 38}, {40, 20}},
+             kText},
+            {"zeros edited", digits(NumberEditorLook::Glass, true, 0), {{56, 38}, {40, 20}}, kText},
+            {"zeros edited, coloured",
+             digits(NumberEditorLook::Glass, true, 0, colors.glassText),
              {{56, 38}, {40, 20}},
              kText},
             {"digits in a field", digits(NumberEditorLook::Field, false, 8888), onDigits, kText},
