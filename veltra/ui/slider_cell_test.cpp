@@ -121,7 +121,7 @@ TEST(Sliders, StayInTheirRangeWhateverTheirSettings) {
             }
             for (const float notches : {NAN, INFINITY, -3.0F})
                 host.wheel({5, 5}, notches);
-            EXPECT_LE(slider.doubleValue(), cell.maxValue());
+            EXPECT_EQ(slider.doubleValue() < cell.maxValue(), cell.minValue() < cell.maxValue());
             EXPECT_FALSE(std::isnan(cell.knobRectFlipped(false).minX()));
         }
     }
