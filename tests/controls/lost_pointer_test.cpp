@@ -17,7 +17,6 @@
 #include <QPointingDevice>
 #include <QTest>
 #include <QTouchEvent>
-#include <functional>
 
 namespace veltra::testing {
 namespace {
@@ -51,8 +50,9 @@ std::unique_ptr<View> button(ButtonCell::Kind kind, Told& told) {
     return telling(std::make_unique<Button>(Rect{{}, {64, 24}}, "Stop", kind), told);
 }
 
-std::unique_ptr<View> slider(Size size, void (*setUp)(QkSliderCell&), Told& told) {
-    auto made = std::make_unique<Slider>(Rect{{}, size});
+std::unique_ptr<View> slider(int width, int height, void (*setUp)(QkSliderCell&), Told& told) {
+    auto made =
+        std::make_unique<Slider>(Rect{{}, {static_cast<float>(width), static_cast<float>(height)}});
     if (setUp != nullptr) {
         QkSliderCell& cell = QkSliderCell::replacedCellInSlider(*made);
         setUp(cell);
@@ -88,59 +88,43 @@ std::unique_ptr<View> keyboard(Told& told) {
     return made;
 }
 
+std::unique_ptr<View> meter(Told& told) {
+    return telling(std::make_unique<DfStereoLevelMeterView>(Rect{{}, {28, 150}}), told);
+}
+
+void fader(QkSliderCell& cell) {
+    setUpFader(cell);
+}
+
+template <auto maker, auto... arguments>
+std::unique_ptr<View> made(Told& told) {
+    return maker(arguments..., told);
+}
+
 enum class Kind : std::uint8_t { Drag, Click, Touch };
 
 // Points are those of the control, from its upper left corner.
 struct Specimen {
     const char* name;
-    std::function<std::unique_ptr<View>(Told&)> make;
+    std::unique_ptr<View> (*make)(Told&);
     QPoint from, to;
     Kind kind = Kind::Drag;
 };
 
-const Specimen kSpecimens[] = {
-    {"button",
-     [](Told& told) { return button(ButtonCell::Kind::Momentary, told); },
-     {9, 9},
-     {20, 12},
-     Kind::Click},
-    {"toggle",
-     [](Told& told) { return button(ButtonCell::Kind::Toggle, told); },
-     {9, 9},
-     {20, 12},
-     Kind::Click},
-    {"slider",
-     [](Told& told) {
-         return slider({200, 20}, nullptr, told);
-     },
-     {20, 10},
-     {90, 10}},
-    {"fader",
-     [](Told& told) {
-         return slider(
-             {64, 150}, [](QkSliderCell& cell) { setUpFader(cell); }, told);
-     },
-     {40, 40},
-     {40, 90}},
-    {"pan",
-     [](Told& told) {
-         return slider({84, 28}, setUpPan, told);
-     },
-     {42, 14},
-     {60, 14}},
-    {"number", [](Told& told) { return numberEditor(true, told); }, {82, 20}, {82, 13}},
-    {"number at rest", [](Told& told) { return numberEditor(false, told); }, {82, 20}, {82, 13}},
-    {"range", [](Told& told) { return picker(false, told); }, {200, 20}, {240, 20}},
-    {"beside the range", [](Told& told) { return picker(false, told); }, {60, 20}, {70, 20}},
-    {"end of the range", [](Told& told) { return picker(true, told); }, {174, 20}, {150, 20}},
+constexpr Specimen kSpecimens[] = {
+    {"button", made<button, ButtonCell::Kind::Momentary>, {9, 9}, {20, 12}, Kind::Click},
+    {"toggle", made<button, ButtonCell::Kind::Toggle>, {9, 9}, {20, 12}, Kind::Click},
+    {"slider", made<slider, 200, 20, nullptr>, {20, 10}, {90, 10}},
+    {"fader", made<slider, 64, 150, fader>, {40, 40}, {40, 90}},
+    {"pan", made<slider, 84, 28, setUpPan>, {42, 14}, {60, 14}},
+    {"number", made<numberEditor, true>, {82, 20}, {82, 13}},
+    {"number at rest", made<numberEditor, false>, {82, 20}, {82, 13}},
+    {"range", made<picker, false>, {200, 20}, {240, 20}},
+    {"beside the range", made<picker, false>, {60, 20}, {70, 20}},
+    {"end of the range", made<picker, true>, {174, 20}, {150, 20}},
     {"keyboard", keyboard, {25, 90}, {80, 90}},
     {"finger", keyboard, {25, 90}, {80, 90}, Kind::Touch},
-    {"meter",
-     [](Told& told) {
-         return telling(std::make_unique<DfStereoLevelMeterView>(Rect{{}, {28, 150}}), told);
-     },
-     {9, 60},
-     {9, 90}},
+    {"meter", meter, {9, 60}, {9, 90}},
 };
 
 class Stage {
@@ -177,8 +161,8 @@ public:
         QEvent event(type);
         QApplication::sendEvent(&widget, &event);
     }
-    void tellFocus(QEvent::Type type, Qt::FocusReason reason) {
-        QFocusEvent event(type, reason);
+    void tellMenu(QEvent::Type type) {
+        QFocusEvent event(type, Qt::PopupFocusReason);
         QApplication::sendEvent(&widget, &event);
     }
     void cancelTouch() {
@@ -249,8 +233,8 @@ constexpr Loss kLosses[] = {
      [](Stage& on) { on.tell(QEvent::WindowActivate); }},
     {"a dialog opens", [](Stage& on) { on.tell(QEvent::WindowBlocked); },
      [](Stage& on) { on.tell(QEvent::WindowUnblocked); }},
-    {"a menu opens", [](Stage& on) { on.tellFocus(QEvent::FocusOut, Qt::PopupFocusReason); },
-     [](Stage& on) { on.tellFocus(QEvent::FocusIn, Qt::PopupFocusReason); }},
+    {"a menu opens", [](Stage& on) { on.tellMenu(QEvent::FocusOut); },
+     [](Stage& on) { on.tellMenu(QEvent::FocusIn); }},
     {"the grab is lost", [](Stage& on) { on.tell(QEvent::UngrabMouse); }, [](Stage&) {}},
     {"the screen cancels its touches", [](Stage& on) { on.cancelTouch(); }, [](Stage&) {}},
 };

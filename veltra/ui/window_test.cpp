@@ -171,10 +171,13 @@ TEST(Touches, AreCancelledOnceWhenTheirViewOrWindowGoes) {
         TouchedWindow all;
         all.touch(EventType::TouchBegan, 1, 10);
         all.touch(EventType::TouchBegan, 2, 20);
+        all.touch(EventType::TouchBegan, 8, 50);
         lose(all);
         lose(all);
         all.touch(EventType::TouchEnded, 1, 10);
         EXPECT_EQ(all.left->told, "+1+2x1x2") << &lose - losses;
+        const bool isLeftAlone = &lose == &losses[0] || &lose == &losses[2];
+        EXPECT_EQ(all.right->told, isLeftAlone ? "+8" : "+8x8") << &lose - losses;
         all.left->setHidden(false);
         all.frame.setHidden(false);
         all.touch(EventType::TouchBegan, 1, 10);
