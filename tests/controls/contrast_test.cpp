@@ -159,7 +159,6 @@ Show focused(const Show& show) {
 }
 
 TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
-    toolkit();
     for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
         const Theme& colors = theme(appearance);
         const Rect onButton{{24, 20}, {48, 16}}, onDigits{{20, 34}, {112, 28}};
@@ -217,7 +216,6 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
 }
 
 TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
-    toolkit();
     for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
         const Theme& colors = theme(appearance);
         constexpr Point kFace{22, 22};

@@ -240,7 +240,6 @@ constexpr Loss kLosses[] = {
 };
 
 TEST(LostPointers, EndEachDragOnceAndAsAReleaseDoes) {
-    toolkit();
     for (const Specimen& specimen : kSpecimens) {
         Stage released(specimen);
         if (specimen.kind != Kind::Click) {
