@@ -3,10 +3,11 @@
 import sys
 import time
 
-from reader import Atspi, all_of, desktop, do, find, focus_window, has_state, wait_for, xdotool
+from reader import (Atspi, all_of, checked, desktop, do, drag, find, focus_window, has_state,
+                    wait_for, xdotool)
 
 sheet = sys.argv[1]
-focus_window("Veltra Gallery")
+xdotool("windowsize", "--sync", focus_window("Veltra Gallery"), 1270, 790)
 window = wait_for("the window", lambda: find(
     desktop(), lambda node: node.get_name() == "Veltra Gallery"))
 
@@ -21,6 +22,48 @@ def controls(matches):
 def is_enabled(node):
     return has_state(node, Atspi.StateType.ENABLED)
 
+
+# The pointer drags. Of each: the role, which one of it on the sheet, from where to where, and the
+# value before and after.
+SLIDER, BUTTON = Atspi.Role.SLIDER, Atspi.Role.PUSH_BUTTON
+drags = {
+    "sliders": [
+        (SLIDER, 0, (40, 48), (40, 93), 0.8, 0.5),    # a fader of 150 points of travel
+        (SLIDER, 6, (42, 14), (60, 14), 0.0, 0.5),    # a pan of 72
+        (SLIDER, 12, (100, 16), (198, 16), 50, 100),  # stops
+    ],
+    "number-editor": [(SLIDER, 2, (20, 12), (20, 2), 456, 466)],  # a tick for each point
+    "keyboard": [
+        (SLIDER, 0, (204, 20), (222, 20), 28, 31),  # keys of 6 points
+        (SLIDER, 0, (30, 20), (30, 20), 31, 0),     # beside the range, to an octave
+    ],
+    "buttons": [
+        (BUTTON, 4, (9, 9), (9, -9), False, False),  # let go outside
+        (BUTTON, 4, (9, 9), (9, 9), False, True),
+    ],
+}.get(sheet, [])
+
+
+def value_of(node):
+    if node.get_role() == BUTTON:
+        return checked(node)
+    return node.get_value_iface().get_current_value()
+
+
+for role, index, start, end, before, after in drags:
+    node = wait_for(f"control {index}", lambda: controls(
+        lambda each: each.get_role() == role)[index:])[0]
+    assert abs(value_of(node) - before) < 0.01, (sheet, index, value_of(node))
+    drag(node, start, end)
+    wait_for(f"{sheet} {index} at {after}", lambda: abs(value_of(node) - after) < 0.01)
+if sheet == "keyboard":  # a note ends where the pointer glides on, or with the release
+    keys = controls(lambda each: each.get_role() == SLIDER)[6]
+    for end in (("mousemove_relative", 60, 0), ("mouseup", 1)):
+        drag(keys, (14, 100), (14, 100), released=False)
+        wait_for("the note", lambda: keys.get_description().endswith("C3 pressed"))
+        xdotool(*end)
+        wait_for("its end", lambda: not keys.get_description().endswith("pressed"))
+        xdotool("mouseup", 1)
 
 # Each slider can be set and stepped, and says so.
 sliders = wait_for("controls", lambda: controls(
@@ -58,4 +101,4 @@ for _ in range(2 * len(expected) + 4):
         break
 missed = [node.get_name() for index, node in enumerate(expected) if index not in reached]
 assert not missed, missed
-print(f"{sheet}: {moved} controls set and stepped, {len(expected)} reached by Tab")
+print(f"{sheet}: {len(drags)} drags, {moved} controls set and stepped, {len(expected)} reached by Tab")

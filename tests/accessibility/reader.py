@@ -60,6 +60,14 @@ def click(node):
     xdotool("mousemove", place.x + place.width // 2, place.y + place.height // 2, "click", 1)
 
 
+def drag(node, start, end, released=True):
+    """Between two points, counted from the upper left corner of the node."""
+    place = node.get_component_iface().get_extents(Atspi.CoordType.SCREEN)
+    points = [(place.x + x, place.y + y) for x, y in (start, end)]
+    xdotool("mousemove", *points[0], "mousedown", 1, "mousemove", *points[1],
+            *(("mouseup", 1) if released else ()))
+
+
 def has_state(node, state):
     return node.get_state_set().contains(state)
 

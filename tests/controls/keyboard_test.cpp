@@ -36,7 +36,6 @@ TEST(Pictures, TheRangeOfThePickerBeginsAndEndsBetweenKeys) {
 
 // The strip comes and goes in a window of the toolkit as the model has it.
 TEST(KeyboardWindows, ShowAndHideTheirStripOnTheToolkit) {
-    toolkit();
     DfKeyboardWindow window(Rect{{100, 100}, {420, 160}});
     window.setContentView(std::make_unique<View>(Rect{{}, {420, 160}}));
     auto& keys = window.contentView()->addSubview(

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "on_pictures.h"
+#include "sight.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/level_meters/level_meter_scale_view.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/ui/theme.h"
 
-#include <array>
 #include <set>
 
 namespace veltra::testing {
@@ -44,34 +44,6 @@ struct Drawn {
     PictureWindow picture;
     Strip* strip;
 };
-
-using Lab = std::array<double, 3>;
-
-// What is seen without one of the three kinds of cones (none missing: nothing), as CIELAB.
-Lab seen(std::uint32_t rgb, bool isDeuteranope) {
-    const auto linear = [rgb](int shift) {
-        const double part = static_cast<double>(rgb >> shift & 0xFFU) / 255.0;
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    double r = linear(16), g = linear(8), b = linear(0);
-    if (isDeuteranope) {
-        const double red = 0.367322 * r + 0.860646 * g - 0.227968 * b;
-        const double green = 0.280085 * r + 0.672501 * g + 0.047413 * b;
-        b = -0.011820 * r + 0.042940 * g + 0.968881 * b;
-        r = red, g = green;
-    }
-    const auto root = [](double value) {
-        return value > 0.008856 ? std::cbrt(value) : 7.787 * value + 16.0 / 116.0;
-    };
-    const double x = root((0.4124 * r + 0.3576 * g + 0.1805 * b) / 0.95047);
-    const double y = root(0.2126 * r + 0.7152 * g + 0.0722 * b);
-    const double z = root((0.0193 * r + 0.1192 * g + 0.9505 * b) / 1.08883);
-    return {116.0 * y - 16.0, 500.0 * (x - y), 200.0 * (y - z)};
-}
-
-double distance(const Lab& one, const Lab& other) {
-    return std::hypot(one[0] - other[0], one[1] - other[1], one[2] - other[2]);
-}
 
 TEST(Pictures, TicksStandInTheGapsOfLedsAtEveryScale) {
     for (const Setting& setting : settings()) {
@@ -116,8 +88,8 @@ TEST(Pictures, TicksStandInTheGapsOfLedsAtEveryScale) {
         for (const std::size_t lowest : {4U, 18U}) {
             const std::uint32_t above = pixels.rgbAt(at(46.0F), begins[lowest]);
             const std::uint32_t below = pixels.rgbAt(at(46.0F), begins[lowest + 1]);
-            EXPECT_GE(distance(seen(above, false), seen(below, false)), 50.0);
-            EXPECT_GE(distance(seen(above, true), seen(below, true)), 25.0);
+            for (const Sight sight : kSights)
+                EXPECT_GE(distance(above, below, sight), sight == Sight::Ordinary ? 50.0 : 25.0);
         }
         // The light of the channel that has clipped has a white core.
         EXPECT_EQ(pixels.rgbAt(at(48.5F), at(24.0F)), rgbOf(colors.clipCore));

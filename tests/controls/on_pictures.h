@@ -19,18 +19,25 @@ struct Setting {
     Appearance appearance;
 };
 
-inline QApplication& toolkit() {
-    static int count = 1;
-    static char name[] = "controls_look_test";
-    static char* arguments[] = {name, nullptr};
-    static QApplication application(count, arguments);
-    static const bool isInstalled = (installQtPort(), true);
-    (void)isInstalled;
-    return application;
-}
+// The toolkit's application: ends before what it stands on does.
+class Toolkit final : public ::testing::Environment {
+public:
+    void SetUp() override {
+        m_application = std::make_unique<QApplication>(m_count, m_arguments);
+        installQtPort();
+    }
+    void TearDown() override { m_application.reset(); }
+
+private:
+    int m_count = 1;
+    char m_name[19] = "controls_look_test";
+    char* m_arguments[2] = {m_name, nullptr};
+    std::unique_ptr<QApplication> m_application;
+};
+
+inline ::testing::Environment* const kToolkit = ::testing::AddGlobalTestEnvironment(new Toolkit);
 
 inline std::vector<Setting> settings() {
-    toolkit();
     std::vector<Setting> all;
     for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F}) {
         for (const Appearance appearance : {Appearance::Light, Appearance::Dark})

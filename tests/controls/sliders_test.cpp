@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "on_pictures.h"
 #include "veltra/controls/sliders/slider_presets.h"
+#include "veltra/ui/application.h"
 #include "veltra/ui/theme.h"
 
 namespace veltra::testing {
@@ -75,6 +76,79 @@ TEST(Pictures, FadersShowZeroDecibelsOnOneRowAndColourOnlyWhatIsMoved) {
         const Pixels again = picture.draw();
         EXPECT_EQ(picture.rows(again, 35.5F, colors.text), line);
         EXPECT_EQ(picture.rows(again, 25.5F, colors.strong), ticks);
+    }
+}
+
+// The columns, or the rows, of that colour along a line through `at`.
+std::vector<std::int32_t> along(const Pixels& pixels, float scale, Point at, bool isRow,
+                                Color color) {
+    std::vector<std::int32_t> found;
+    const auto x = static_cast<std::int32_t>(at.x * scale);
+    const auto y = static_cast<std::int32_t>(at.y * scale);
+    for (std::int32_t i = 0; i < (isRow ? pixels.width() : pixels.height()); ++i) {
+        if ((isRow ? pixels.rgbAt(i, y) : pixels.rgbAt(x, i)) == rgbOf(color)) found.push_back(i);
+    }
+    return found;
+}
+
+TEST(Pictures, PansColourTheWayFromTheirMiddleToEitherSideAlike) {
+    for (const Setting& setting : settings()) {
+        SCOPED_TRACE(setting.scale);
+        const Theme& colors = theme(setting.appearance);
+        PictureWindow picture({84, 28}, setting.scale, setting.appearance);
+        picture.window().setContentView(std::make_unique<Slider>(Rect{{}, {84, 28}}));
+        auto& pan = static_cast<Slider&>(*picture.window().contentView());
+        setUpPan(QkSliderCell::replacedCellInSlider(pan));
+        const auto columns = [&](double position, Color color) {
+            pan.setDoubleValue(position);
+            return along(Pixels(picture.draw()), setting.scale, {0, 14}, true, color);
+        };
+        EXPECT_TRUE(columns(0.0, colors.accent).empty());
+        const auto edges = columns(0.0, colors.capEdge);
+        ASSERT_GE(edges.size(), 2U);
+        EXPECT_NEAR(edges.front() + edges.back() + 1, 84 * setting.scale, 1.01);
+        const auto left = columns(-0.5, colors.accent), right = columns(0.5, colors.accent);
+        // From the middle to the cap, which is 18 points away and 12 wide.
+        ASSERT_FALSE(left.empty() || right.empty());
+        EXPECT_NEAR(static_cast<double>(left.size()), 12.0 * setting.scale, 1.5);
+        EXPECT_NEAR(static_cast<double>(right.size()), 12.0 * setting.scale, 1.5);
+        EXPECT_NEAR(left.back() + 1, 42 * setting.scale, 1.01);
+        EXPECT_NEAR(right.front(), 42 * setting.scale, 1.01);
+    }
+}
+
+TEST(Pictures, ValueTipsAreSharpBesideTheCapAndDoNotTouchTheirText) {
+    for (const Setting& setting : settings()) {
+        SCOPED_TRACE(setting.scale);
+        const Theme& colors = theme(setting.appearance);
+        PictureWindow picture({160, 236}, setting.scale, setting.appearance);
+        Window& window = picture.window();
+        window.setContentView(std::make_unique<View>(Rect{{}, {160, 236}}));
+        auto& fader =
+            window.contentView()->addSubview(std::make_unique<Slider>(Rect{{}, {64, 236}}));
+        setUpFader(QkSliderCell::replacedCellInSlider(fader));
+        Event press;
+        press.type = EventType::LeftMouseDown;
+        press.clickCount = 1;
+        press.locationInWindow = {40, 236 - 58};  // the middle of the cap
+        press.window = &window;
+        Application::current().postEvent(press);
+        const Pixels pixels(picture.draw());
+        const auto across = along(pixels, setting.scale, {0, 48}, true, colors.tip);
+        ASSERT_FALSE(across.empty());
+        EXPECT_EQ(across.front() >= std::lround(52 * setting.scale), true) << "beside the cap";
+        // Between its sides and the text, and no rows but those of the plate.
+        for (const auto column : {static_cast<float>(across.front()) / setting.scale + 4.5F,
+                                  static_cast<float>(across.back()) / setting.scale - 4.5F}) {
+            const auto rows = along(pixels, setting.scale, {column, 0}, false, colors.tip);
+            ASSERT_EQ(rows.size(), static_cast<std::size_t>(std::lround(24 * setting.scale)));
+            EXPECT_EQ(rows.back() - rows.front() + 1, std::lround(24 * setting.scale));
+            EXPECT_NEAR(rows.front() + rows.back() + 1, 2 * 58 * setting.scale, 2.01);
+        }
+        press.type = EventType::LeftMouseUp;
+        Application::current().postEvent(press);
+        EXPECT_TRUE(
+            along(Pixels(picture.draw()), setting.scale, {0, 48}, true, colors.tip).empty());
     }
 }
 

@@ -8,7 +8,9 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPointingDevice>
 #include <QStyleHints>
+#include <QTouchEvent>
 #include <QWheelEvent>
 #include <algorithm>
 #include <utility>
@@ -216,6 +218,20 @@ Event QtEvents::wheel(const QWheelEvent& event, float height) const {
     }
     result.hasPreciseScrollingDeltas = !event.pixelDelta().isNull();
     result.scrollPhase = phaseOf(event.phase());
+    return result;
+}
+
+Event QtEvents::touch(const QTouchEvent& event, const QEventPoint& point, QPointF place,
+                      float height) {
+    EventType type = EventType::TouchMoved;
+    if (point.state() == QEventPoint::Pressed) type = EventType::TouchBegan;
+    if (point.state() == QEventPoint::Released) type = EventType::TouchEnded;
+    Event result = made(type, event.modifiers());
+    result.locationInWindow = upwards(place, height);
+    // Devices number their fingers each on its own.
+    const auto device = static_cast<std::uint64_t>(event.device()->systemId()) & 0x7FFFFFFFU;
+    result.finger =
+        static_cast<std::int64_t>(device << 32U | static_cast<std::uint32_t>(point.id()));
     return result;
 }
 

@@ -7,9 +7,11 @@
 #include <QPointF>
 #include <optional>
 
+class QEventPoint;
 class QInputEvent;
 class QKeyEvent;
 class QMouseEvent;
+class QTouchEvent;
 class QWheelEvent;
 
 namespace veltra {
@@ -23,6 +25,9 @@ public:
     std::optional<Event> mouse(const QMouseEvent& event, float height);
     Event exit(float height) const;
     Event wheel(const QWheelEvent& event, float height) const;
+    // One of its points, which is not stationary, at `place` in the widget.
+    static Event touch(const QTouchEvent& event, const QEventPoint& point, QPointF place,
+                       float height);
     // Nothing for the releases of a key that repeats. A ShortcutOverride counts as a press.
     static std::optional<Event> key(const QKeyEvent& event);
 

@@ -12,6 +12,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
+#include <QTouchEvent>
 #include <QWidget>
 #include <algorithm>
 #include <utility>
@@ -44,8 +45,18 @@ Qt::CursorShape shape(Cursor cursor) {
 }  // namespace
 
 QtSurface::QtSurface(QtUiPort& port, QWidget& widget, MoveFocus moveFocus)
-    : m_port(&port), m_widget(&widget), m_moveFocus(std::move(moveFocus)) {
+    : m_port(&port),
+      m_widget(&widget),
+      m_moveFocus(std::move(moveFocus)),
+      m_lateFingers(
+          widget,
+          [this](const QTouchEvent& event, const QEventPoint& point) {
+              if (m_fingerAsPointer == point.id()) return touchAsPointer(event, point);
+              touchOnView(event, point);
+          },
+          [this] { cancelTracking(); }) {
     widget.setMouseTracking(true);
+    widget.setAttribute(Qt::WA_AcceptTouchEvents);
     port.add(*this);
 }
 
@@ -55,6 +66,7 @@ QtSurface::~QtSurface() {
 
 void QtSurface::abandonWidget() {
     if (QtUiPort* const port = std::exchange(m_port, nullptr)) port->remove(*this);
+    m_lateFingers.forget();
     m_widget = nullptr;
 }
 
@@ -140,8 +152,7 @@ bool QtSurface::handle(QEvent& event) {
         case QEvent::Hide:
             m_invalid.clear();
             m_port->toolTip().close(*widget);
-            m_isLeftDown = false;
-            unlockPointer();
+            forgetButton();
             m_window->visibilityDidChange(false);
             break;
         case QEvent::WindowActivate:
@@ -153,6 +164,7 @@ bool QtSurface::handle(QEvent& event) {
             break;
         case QEvent::WindowBlocked:
         case QEvent::UngrabMouse:
+        case QEvent::TouchCancel:
         case QEvent::EnabledChange:
             cancelTracking();
             break;
@@ -182,6 +194,10 @@ bool QtSurface::input(QEvent& event) {
         case QEvent::MouseButtonRelease:
         case QEvent::MouseMove:
             return mouse(static_cast<QMouseEvent&>(event));
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+            return touch(static_cast<QTouchEvent&>(event));
         case QEvent::Leave:
             toolTip.interrupt();
             if (!m_isLeftDown) post(m_events.exit(height), event);
@@ -229,19 +245,82 @@ bool QtSurface::mouse(QMouseEvent& event) {
     if (!isMove) translated->isFirstMouse = !widget->window()->isActiveWindow();
     if (translated->type == EventType::LeftMouseDown) {
         m_isLeftDown = true;
-        View* const content = m_window->contentView();
-        View* const hit =
-            content != nullptr ? content->hitTest(translated->locationInWindow) : nullptr;
-        // Only who wants keys takes the keyboard away from others.
-        if (hit != nullptr && hit->acceptsFirstResponder() && !widget->hasFocus()) {
-            widget->setFocus(Qt::MouseFocusReason);
-            if (!widget) return true;
-        }
+        takeFocusFor(viewAt(translated->locationInWindow));
+        if (!widget) return true;
     } else if (translated->type == EventType::LeftMouseUp) {
         m_isLeftDown = false;
         unlockPointer();
     }
     return post(*std::move(translated), event);
+}
+
+View* QtSurface::viewAt(Point inWindow) const {
+    View* const content = m_window->contentView();
+    return content != nullptr ? content->hitTest(inWindow) : nullptr;
+}
+
+// Only who wants keys takes the keyboard away from others.
+void QtSurface::takeFocusFor(const View* view) {
+    if (view != nullptr && view->acceptsFirstResponder() && !m_widget->hasFocus())
+        m_widget->setFocus(Qt::MouseFocusReason);
+}
+
+// Where no view takes the first fingers, the event is left to the toolkit, which offers it to the
+// widgets around and makes the pointer of it. Once a view has taken one, the toolkit does not any
+// more: a finger on another view acts as the pointer here.
+bool QtSurface::touch(QTouchEvent& event) {
+    const QPointer<QWidget> widget(m_widget);
+    const bool isFirst = event.type() == QEvent::TouchBegin && m_lateFingers.isEmpty();
+    if (isFirst) m_ownsTouches = false;
+    if (isFirst && m_fingerAsPointer) cancelTracking();  // its end was not told
+    std::vector<QEventPoint> left;
+    for (const QEventPoint& point : event.points()) {
+        if (!widget) return true;
+        const bool isPress = point.state() == QEventPoint::Pressed;
+        const bool isKnown = !isPress && m_lateFingers.has(point.id());
+        if (isKnown || point.state() == QEventPoint::Stationary) continue;
+        if (!isFirst && isPress && m_ownsTouches) m_lateFingers.add(point.id());
+        if (m_fingerAsPointer == point.id() || !touchOnView(event, point)) {
+            left.push_back(point);
+        } else if (isFirst) {
+            m_ownsTouches = true;
+        }
+    }
+    for (const QEventPoint& point : left) {
+        if (widget && m_ownsTouches) touchAsPointer(event, point);
+    }
+    if (widget) event.setAccepted(m_ownsTouches);
+    return true;
+}
+
+// False: no view wants it.
+bool QtSurface::touchOnView(const QTouchEvent& event, const QEventPoint& point) {
+    const QPointer<QWidget> widget(m_widget);
+    Event touch = QtEvents::touch(event, point, m_widget->mapFromGlobal(point.globalPosition()),
+                                  m_window->contentSize().height);
+    const bool isPress = touch.type == EventType::TouchBegan;
+    const View* const view = isPress ? viewAt(touch.locationInWindow) : nullptr;
+    if (view != nullptr && view->acceptsTouches()) takeFocusFor(view);
+    if (!widget) return true;
+    touch.window = m_window;
+    return Application::current().postEvent(std::move(touch));
+}
+
+void QtSurface::touchAsPointer(const QTouchEvent& event, const QEventPoint& point) {
+    const bool isPress = point.state() == QEventPoint::Pressed;
+    const bool isRelease = point.state() == QEventPoint::Released;
+    if (isPress && !m_isLeftDown) m_fingerAsPointer = point.id();
+    if (m_fingerAsPointer != point.id()) return;
+    if (isRelease) m_fingerAsPointer.reset();
+    auto type = QEvent::MouseMove;
+    if (isPress) type = QEvent::MouseButtonPress;
+    if (isRelease) type = QEvent::MouseButtonRelease;
+    const bool isMove = type == QEvent::MouseMove;
+    QMouseEvent pointer(type, m_widget->mapFromGlobal(point.globalPosition()),
+                        point.globalPosition(), isMove ? Qt::NoButton : Qt::LeftButton,
+                        isRelease ? Qt::NoButton : Qt::LeftButton, event.modifiers());
+    pointer.setTimestamp(event.timestamp());
+    mouse(pointer);
 }
 
 // Hands the event over. What nobody took goes on to the widgets around.
@@ -251,9 +330,15 @@ bool QtSurface::post(Event event, QEvent& source) {
     return true;
 }
 
-void QtSurface::cancelTracking() {
+void QtSurface::forgetButton() {
     m_isLeftDown = false;
+    m_lateFingers.forget();
+    m_fingerAsPointer.reset();
     unlockPointer();
+}
+
+void QtSurface::cancelTracking() {
+    forgetButton();
     m_window->cancelTracking();
 }
 

@@ -5,6 +5,7 @@
 // Thread: main. Realtime-safe: no.
 #pragma once
 
+#include "veltra/qt/late_fingers.h"
 #include "veltra/qt/qt_events.h"
 #include "veltra/ui/port.h"
 #include "veltra/ui/window.h"
@@ -15,11 +16,13 @@
 #include <vector>
 
 class QEvent;
+class QEventPoint;
 class QFocusEvent;
 class QHelpEvent;
 class QKeyEvent;
 class QMouseEvent;
 class QPaintEvent;
+class QTouchEvent;
 class QWheelEvent;
 class QWidget;
 
@@ -70,12 +73,18 @@ private:
     bool unlockPointer();
     bool input(QEvent& event);
     bool mouse(QMouseEvent& event);
+    bool touch(QTouchEvent& event);
+    bool touchOnView(const QTouchEvent& event, const QEventPoint& point);
+    void touchAsPointer(const QTouchEvent& event, const QEventPoint& point);
+    View* viewAt(Point inWindow) const;
+    void takeFocusFor(const View* view);
     bool post(Event event, QEvent& source);
     void paint(const QPaintEvent& event);
     void focusIn(const QFocusEvent& event);
     void focusOut(const QFocusEvent& event);
     bool showToolTip(const QHelpEvent& event);
     void noteScale();
+    void forgetButton();
     void cancelTracking();
 
     QtUiPort* m_port;  // null when there is no widget
@@ -88,6 +97,9 @@ private:
     bool m_fillsGround = false;
     bool m_isPainting = false;
     bool m_isLeftDown = false;
+    LateFingers m_lateFingers;
+    bool m_ownsTouches = false;            // else what no view takes is left to the toolkit
+    std::optional<int> m_fingerAsPointer;  // that acts as the left button
     Cursor m_cursor = Cursor::Arrow;
     QPoint m_lockedAt;                          // on screen
     std::optional<Appearance> m_ownAppearance;  // where the widget's palette is not the system's

@@ -38,12 +38,12 @@ TEST(Events, TellWhetherSomebodyTookThemAndStayCurrentUntilTheNext) {
     EXPECT_TRUE(post(EventType::LeftMouseDown));
     EXPECT_FALSE(inner || application.isHandlingEvent());
     EXPECT_EQ(application.currentEvent()->type, EventType::LeftMouseDown);
+    host.drag({6, 6}, kShiftKeyMask);
+    EXPECT_EQ(application.currentEvent()->modifierFlags, kShiftKeyMask) << "a timer finds it";
     host.view.setHidden(true);
     EXPECT_FALSE(post(EventType::ScrollWheel)) << "no view is there";
     EXPECT_TRUE(application.postEvent(Event())) << "dropped: there is no window";
     EXPECT_EQ(application.currentEvent()->type, EventType::ScrollWheel);
-    host.drag({6, 6}, kShiftKeyMask);
-    EXPECT_EQ(application.currentEvent()->modifierFlags, kShiftKeyMask) << "a timer finds it";
 }
 
 TEST(Actions, GoUpTheChainsOfTheKeyAndTheMainWindowAndEndAtTheDelegate) {

@@ -15,7 +15,7 @@ constexpr float kToggleRadius = 5.0F;
 constexpr float kMargin = 12.0F;
 constexpr float kHeight = 24.0F;
 
-constexpr float kPressed = 0.18F;  // how much darker what is on becomes
+constexpr float kPressed = 0.16F;  // how much darker what is on becomes
 
 constexpr char kOn[] = "CELL_ON";
 

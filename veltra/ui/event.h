@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the user did: one press, movement, turn of the wheel or key.
+// What the user did: one press, movement, turn of the wheel, key or touch.
 #pragma once
 
 #include "veltra/base/flags.h"
@@ -28,6 +28,10 @@ enum class EventType : std::uint16_t {
     KeyDown = 1 << 9,
     KeyUp = 1 << 10,
     FlagsChanged = 1 << 11,  // a modifier key alone
+    TouchBegan = 1 << 12,
+    TouchMoved = 1 << 13,
+    TouchEnded = 1 << 14,
+    TouchCancelled = 1 << 15,  // the finger is or may be gone, and no end will be told
 };
 
 template <>
@@ -63,7 +67,8 @@ struct Event {
     ModifierFlags modifierFlags;
     Moment timestamp;
 
-    // Where the pointer is, in the window's coordinates: the origin is its lower left corner.
+    // Where the pointer or the finger is, in the window's coordinates: the origin is its lower left
+    // corner.
     Point locationInWindow;
 
     // Buttons: 1 for a click, 2 for a double click and so on; 0 for a synthetic release.
@@ -92,6 +97,9 @@ struct Event {
     std::u16string charactersIgnoringModifiers;  // all but Shift
     std::uint16_t keyCode = 0;                   // of the hardware
     bool isRepeat = false;
+
+    // Touches: which finger. Never below 0, and the same from its beginning to its end.
+    std::int64_t finger = 0;
 
     WeakPointer<Window> window;  // null when it is gone
 

@@ -13,7 +13,7 @@ struct Row {
     Responder::Handler handler;
 };
 
-constexpr std::array<Row, 12> kHandlers{{
+constexpr std::array<Row, 16> kHandlers{{
     {EventType::LeftMouseDown, &Responder::mouseDown},
     {EventType::LeftMouseUp, &Responder::mouseUp},
     {EventType::LeftMouseDragged, &Responder::mouseDragged},
@@ -26,6 +26,10 @@ constexpr std::array<Row, 12> kHandlers{{
     {EventType::KeyDown, &Responder::keyDown},
     {EventType::KeyUp, &Responder::keyUp},
     {EventType::FlagsChanged, &Responder::flagsChanged},
+    {EventType::TouchBegan, &Responder::touchBegan},
+    {EventType::TouchMoved, &Responder::touchMoved},
+    {EventType::TouchEnded, &Responder::touchEnded},
+    {EventType::TouchCancelled, &Responder::touchCancelled},
 }};
 
 // A type is one bit.

@@ -45,6 +45,14 @@ public:
     virtual void mouseEntered(const Event& /*event*/) {}
     virtual void mouseExited(const Event& /*event*/) {}
 
+    // A finger on a touch screen; see View::acceptsTouches(). It belongs to the view that it began
+    // on, wherever it goes. Each touchBegan() is followed by one touchEnded() or touchCancelled().
+    // These are not passed on.
+    virtual void touchBegan(const Event& /*event*/) {}
+    virtual void touchMoved(const Event& /*event*/) {}
+    virtual void touchEnded(const Event& /*event*/) {}
+    virtual void touchCancelled(const Event& /*event*/) {}
+
     // Called on the last responder of the chain when nobody has handled the event.
     virtual void noResponderFor(const Event& /*event*/) {}
 

@@ -17,6 +17,7 @@ constexpr float kTrack = 4.0F;
 constexpr float kTick = 4.0F;
 constexpr double kPartOfANotch = 0.01;  // of the range
 constexpr double kStepsOfAPage = 10.0;
+constexpr double kFarthestLimit = std::numeric_limits<double>::max() / 2.0;
 
 constexpr char kMinimum[] = "SLIDER_MINIMUM";
 constexpr char kMaximum[] = "SLIDER_MAXIMUM";
@@ -43,14 +44,14 @@ SliderCell::SliderCell() {
 
 void SliderCell::setMinValue(double value) {
     if (std::isnan(value)) return;
-    m_minValue = value;
-    m_maxValue = std::max(m_maxValue, value);
+    m_minValue = std::clamp(value, -kFarthestLimit, kFarthestLimit);
+    m_maxValue = std::max(m_maxValue, m_minValue);
     keepInLimits();
 }
 
 void SliderCell::setMaxValue(double value) {
     if (std::isnan(value)) return;
-    m_maxValue = std::max(value, m_minValue);
+    m_maxValue = std::max(std::min(value, kFarthestLimit), m_minValue);
     keepInLimits();
 }
 
@@ -75,7 +76,7 @@ void SliderCell::setStringValue(std::string_view value) {
 }
 
 void SliderCell::setNumberOfTickMarks(std::int32_t count) {
-    m_numberOfTickMarks = std::max(count, 0);
+    m_numberOfTickMarks = std::clamp(count, 0, kMaximumTickMarks);
     keepInLimits();
 }
 
@@ -184,6 +185,10 @@ bool SliderCell::continueTracking(Point /*last*/, Point current, View& view) {
     return true;
 }
 
+void SliderCell::stopTracking(Point /*last*/, Point /*stop*/, View& /*view*/, bool mouseIsUp) {
+    if (!mouseIsUp && sendActionMask().contains(EventType::LeftMouseUp)) sendAction();
+}
+
 void SliderCell::setValueAt(Point point, View& view) {
     const Rect track = trackRect();
     const Point centre = point - m_grabbed;
@@ -204,8 +209,8 @@ double SliderCell::step() const {
 }
 
 double SliderCell::valueAfter(double way) const {
-    if (way == 0.0 || !m_allowsTickMarkValuesOnly || m_numberOfTickMarks < 2)
-        return doubleValue() + way;
+    if (way == 0.0 || std::isnan(way)) return doubleValue();
+    if (!m_allowsTickMarkValuesOnly || m_numberOfTickMarks < 2) return doubleValue() + way;
     const double last = m_numberOfTickMarks - 1;
     const double range = m_maxValue - m_minValue;
     const double marks = range > 0.0 ? std::round(std::abs(way) / range * last) : 0.0;
@@ -226,6 +231,7 @@ void SliderCell::changeAndSend(double value) {
 void SliderCell::scrollWheel(const Event& event) {
     if (!isEnabled()) return;
     const double notches = event.deltaY != 0.0F ? event.deltaY : -event.deltaX;
+    if (!std::isfinite(notches)) return;
     const double range = m_maxValue - m_minValue;
     if (!m_allowsTickMarkValuesOnly || m_numberOfTickMarks < 2) {
         return changeAndSend(doubleValue() + notches * range * kPartOfANotch);
@@ -286,7 +292,8 @@ void SliderCell::decodeWithCoder(const KeyedCoder& coder) {
     setMinValue(minimum);
     setMaxValue(maximum);
     const std::int64_t count = coder.decodeInt64(kTickMarks, m_numberOfTickMarks);
-    setNumberOfTickMarks(static_cast<std::int32_t>(std::clamp<std::int64_t>(count, 0, INT32_MAX)));
+    setNumberOfTickMarks(
+        static_cast<std::int32_t>(std::clamp<std::int64_t>(count, 0, kMaximumTickMarks)));
     setAllowsTickMarkValuesOnly(coder.decodeBool(kTickMarksOnly, m_allowsTickMarkValuesOnly));
     setAltIncrementValue(coder.decodeDouble(kStep, m_altIncrementValue));
     if (coder.contains(kVertical)) setVertical(coder.decodeBool(kVertical));

@@ -15,7 +15,8 @@ public:
     double minValue() const noexcept { return m_minValue; }
     double maxValue() const noexcept { return m_maxValue; }
     // The value is kept within the new limits, without setDoubleValue(). A maximum below the
-    // minimum counts as the minimum. NaN is passed over.
+    // minimum counts as the minimum. NaN is passed over. Limits are kept within half of what a
+    // double can hold, so that their distance is always a number.
     void setMinValue(double value);
     void setMaxValue(double value);
     // Kept within the limits, and with allowsTickMarkValuesOnly() moved to the closest tick mark.
@@ -25,7 +26,9 @@ public:
     void setStringValue(std::string_view value) override;
 
     std::int32_t numberOfTickMarks() const noexcept { return m_numberOfTickMarks; }
-    void setNumberOfTickMarks(std::int32_t count);  // below 0 counts as 0
+    // Kept within 0 and kMaximumTickMarks.
+    static constexpr std::int32_t kMaximumTickMarks = 65536;
+    void setNumberOfTickMarks(std::int32_t count);
     bool allowsTickMarkValuesOnly() const noexcept { return m_allowsTickMarkValuesOnly; }
     void setAllowsTickMarkValuesOnly(bool only);
     // Evenly spaced from the minimum to the maximum; a single one lies at the minimum. An index
@@ -64,6 +67,8 @@ public:
     void drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) override;
     bool startTracking(Point point, View& view) override;
     bool continueTracking(Point last, Point current, View& view) override;
+    // A drag without a release, as when the pointer is lost, sends the action of the release.
+    void stopTracking(Point last, Point stop, View& view, bool mouseIsUp) override;
     bool prefersTrackingUntilMouseUp() const override { return true; }
 
     // The wheel moves the value by a hundredth of the range for each notch, or by one step
@@ -91,7 +96,8 @@ protected:
     // By how much a key or a screen reader changes the value.
     virtual double step() const;
     // The value that lies so far above the present one. Where there are no values between the tick
-    // marks it is the value of a mark, and any way leads at least to the next one.
+    // marks it is the value of a mark, and any way leads at least to the next one. NaN leads
+    // nowhere.
     double valueAfter(double way) const;
     // How many steps a key leads; Home and End lead to the ends, with any number of steps. Nothing
     // for a key that is none of the slider's.

@@ -91,5 +91,46 @@ TEST(Sliders, FollowTheWheelAndTheKeyboard) {
     EXPECT_EQ(host.view.doubleValue(), 50.0);
 }
 
+// Ranges that no double could hold the length of, steps that are no numbers, an archive's marks.
+TEST(Sliders, StayInTheirRangeWhateverTheirSettings) {
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    const ScriptedPort port;
+    Shown<Slider> host(Rect{{}, {114, 20}});
+    Slider& slider = host.view;
+    SliderCell& cell = slider.sliderCell();
+    host.window.makeFirstResponder(&slider);
+    for (const auto& [least, most] :
+         {std::pair{-kInf, kInf}, {0.0, kInf}, {3.0, 3.0}, {-kInf, -1.0}}) {
+        for (const std::int32_t marks : {0, 3, INT32_MAX}) {
+            cell.setMinValue(-kInf);
+            cell.setMaxValue(most);
+            cell.setMinValue(least);
+            cell.setAllowsTickMarkValuesOnly(false);
+            cell.setNumberOfTickMarks(marks);
+            cell.setAllowsTickMarkValuesOnly(true);
+            EXPECT_EQ(cell.numberOfTickMarks(), std::min(marks, SliderCell::kMaximumTickMarks));
+            for (const double step : {std::nan(""), kInf, 1e-300}) {
+                cell.setAltIncrementValue(step);
+                host.key(kHomeCharacter);
+                EXPECT_EQ(slider.doubleValue(), cell.minValue());
+                host.key(kUpArrowCharacter);
+                EXPECT_TRUE(std::isfinite(slider.doubleValue()));
+                host.key(kEndCharacter);
+                EXPECT_EQ(slider.doubleValue(), cell.maxValue());
+            }
+            for (const float notches : {NAN, INFINITY, -3.0F})
+                host.wheel({5, 5}, notches);
+            EXPECT_EQ(slider.doubleValue() < cell.maxValue(), cell.minValue() < cell.maxValue());
+            EXPECT_FALSE(std::isnan(cell.knobRectFlipped(false).minX()));
+        }
+    }
+    KeyedCoder coder;
+    coder.encodeInt64(std::int64_t{1} << 31, "SLIDER_TICK_MARKS");
+    coder.encodeBool(true, "SLIDER_TICK_MARKS_ONLY");
+    SliderCell read;
+    read.decodeWithCoder(coder);
+    EXPECT_EQ(read.numberOfTickMarks(), SliderCell::kMaximumTickMarks);
+}
+
 }  // namespace
 }  // namespace veltra::testing

@@ -149,6 +149,8 @@ public:
     // Drawing.
 
     bool isHidden() const noexcept { return m_isHidden; }
+    // What is hidden loses the pointer, the fingers and the keyboard: a drag in it ends as if the
+    // pointer had been lost, with a synthetic release.
     void setHidden(bool isHidden);
     // Whether it, or any view around it, is hidden.
     bool isHiddenOrHasHiddenAncestor() const noexcept;
@@ -190,6 +192,9 @@ public:
     // Whether a press here moves the window instead of going to the view. Only a window of the
     // system can be moved; elsewhere the view gets the press.
     virtual bool mouseDownCanMoveWindow() const { return false; }
+    // Whether fingers that begin on this view are told to it one by one, with touchBegan() and what
+    // follows. Fingers on any other view act as the pointer with its left button, one at a time.
+    virtual bool acceptsTouches() const { return false; }
     virtual Cursor cursorAt(Point /*point*/) const { return Cursor::Arrow; }
 
     // Whether this view is the first to receive the keys of its window.

@@ -441,7 +441,8 @@ Responder& Window::responderAt(Point inWindow) {
 
 void Window::sendEvent(const Event& event) {
     const WeakPointer<Window> self(this);
-    const EventMask presses = EventMask(EventType::LeftMouseDown) | EventType::RightMouseDown;
+    const EventMask presses =
+        EventType::LeftMouseDown | EventType::RightMouseDown | EventType::TouchBegan;
     if (event.type == EventType::KeyDown || presses.contains(event.type))
         m_keysLead = event.type == EventType::KeyDown;
     deliver(event);
@@ -472,10 +473,71 @@ void Window::deliver(const Event& event) {
         case EventType::KeyUp:
         case EventType::FlagsChanged:
             return send(event, m_firstResponder ? m_firstResponder.get() : this);
+        case EventType::TouchBegan:
+            return beginTouch(event);
+        case EventType::TouchMoved:
+            if (const Finger* const finger = findFinger(event.finger))
+                send(event, finger->view.get());
+            return;
+        case EventType::TouchEnded:
+        case EventType::TouchCancelled:
+            return send(event, takeFinger(event.finger).get());
     }
 }
 
-// Keeps account of the left button: a release without a press is not passed on.
+// Fingers.
+
+Window::Finger* Window::findFinger(std::int64_t finger) noexcept {
+    const auto found = std::find_if(m_fingers.begin(), m_fingers.end(),
+                                    [=](const Finger& each) { return each.last.finger == finger; });
+    return found != m_fingers.end() ? &*found : nullptr;
+}
+
+WeakPointer<View> Window::takeFinger(std::int64_t finger) {
+    const Finger* const found = findFinger(finger);
+    if (found == nullptr) return nullptr;
+    const WeakPointer<View> view = found->view;
+    m_fingers.erase(m_fingers.begin() + (found - m_fingers.data()));
+    return view;
+}
+
+void Window::beginTouch(const Event& event) {
+    const WeakPointer<View> view(viewAt(event.locationInWindow));
+    if (!view || !view->acceptsTouches()) {
+        takeFinger(event.finger);
+        return Application::current().noResponderFor(event);
+    }
+    const WeakPointer<Window> self(this);
+    if (view->acceptsFirstResponder()) makeFirstResponder(view.get());
+    if (!self || !view) return;
+    Finger* const finger = findFinger(event.finger);
+    if (finger == nullptr) return;  // it was cancelled
+    finger->view = view;
+    send(event, view.get());
+}
+
+void Window::cancelTouches(const View* inside) {
+    std::vector<Event> cancels;
+    for (const Finger& finger : m_fingers) {
+        if (inside != nullptr && !isInside(finger.view.get(), *inside)) continue;
+        cancels.push_back(finger.last);
+        cancels.back().type = EventType::TouchCancelled;
+    }
+    for (Event& cancel : cancels)
+        Application::current().postEvent(std::move(cancel));
+}
+
+bool Window::admitsTouch(const Event& event) {
+    Finger* const finger = findFinger(event.finger);
+    if (finger != nullptr) {
+        finger->last = event;
+    } else if (event.type == EventType::TouchBegan) {
+        m_fingers.push_back({event, nullptr});
+    }
+    return (finger == nullptr) == (event.type == EventType::TouchBegan);
+}
+
+// Keeps account of the left button and of fingers: a release without a press is not passed on.
 bool Window::admits(const Event& event) {
     switch (event.type) {
         case EventType::LeftMouseDown:
@@ -485,12 +547,23 @@ bool Window::admits(const Event& event) {
             return m_isButtonDown;
         case EventType::LeftMouseUp:
             return std::exchange(m_isButtonDown, false);
+        case EventType::TouchBegan:
+        case EventType::TouchMoved:
+        case EventType::TouchEnded:
+        case EventType::TouchCancelled:
+            return admitsTouch(event);
         default:
             return true;
     }
 }
 
 void Window::cancelTracking() {
+    const WeakPointer<Window> self(this);
+    cancelTouches(nullptr);
+    if (self) releaseLostButton();
+}
+
+void Window::releaseLostButton() {
     if (!m_isButtonDown) return;
     Event release = m_lastPress;
     release.type = EventType::LeftMouseUp;
@@ -517,11 +590,23 @@ void Window::viewLeaves(View& view) {
     if (m_pressed.get() == &view) m_pressed = nullptr;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
     ToolTipWindow::shared().viewLeaves(view);
+    cancelTouches(&view);  // may destroy it
 }
 
 void Window::viewIsHidden(View& view) {
+    const WeakPointer<Window> self(this);
+    const WeakPointer<View> hidden(&view);
+    const auto holds = [&](const View* inside) { return hidden && isInside(inside, view); };
     ToolTipWindow::shared().viewLeaves(view);
-    if (isInside(dynamic_cast<View*>(m_firstResponder.get()), view)) makeFirstResponder(nullptr);
+    if (isInside(m_hovered.get(), view)) {
+        Event exit;
+        exit.type = EventType::MouseExited;
+        exit.window = this;
+        hover(exit, nullptr);
+    }
+    if (self && holds(m_pressed.get())) releaseLostButton();
+    if (self && hidden) cancelTouches(&view);
+    if (self && holds(dynamic_cast<View*>(m_firstResponder.get()))) makeFirstResponder(nullptr);
 }
 
 }  // namespace veltra

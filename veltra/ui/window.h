@@ -19,6 +19,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace veltra {
 
@@ -108,7 +109,8 @@ public:
     Event nextEvent(EventMask mask, RunLoopMode mode = RunLoopMode::EventTracking);
 
     // Dispatches one event: a press, the wheel and the pointer go to the view under it, drags and
-    // the release to the view of the press, keys to the first responder.
+    // the release to the view of the press, keys to the first responder. A finger goes to the view
+    // that it began on if that accepts touches, else nobody handles it.
     virtual void sendEvent(const Event& event);
 
     // While the left button is down: keeps the pointer in its place, so that a drag has no end at
@@ -135,7 +137,8 @@ public:
     // The keyboard arrives by Tab: the first key view takes it, or the last.
     void keyboardArrives(bool forward);
     void appearanceDidChange();
-    // The pointer's button is or may be up, and no event will tell: ends what tracks it.
+    // The pointer's button is or may be up, the fingers are or may be gone, and no event will tell:
+    // ends what tracks them.
     void cancelTracking();
     // What to show at a point where the pointer rests; the rectangle is in window coordinates.
     std::optional<ViewToolTips::Found> toolTipAt(Point inWindow) const;
@@ -154,7 +157,19 @@ private:
         View::FocusShape shape{};  // in the window
     };
 
+    // One that is down.
+    struct Finger {
+        Event last;
+        WeakPointer<View> view;  // that it began on
+    };
+
     bool admits(const Event& event);
+    bool admitsTouch(const Event& event);
+    Finger* findFinger(std::int64_t finger) noexcept;
+    WeakPointer<View> takeFinger(std::int64_t finger);
+    void beginTouch(const Event& event);
+    void releaseLostButton();
+    void cancelTouches(const View* inside);
     FocusRing focusRing() const;
     void renewFocusRing();
     void drawFocusRing(Canvas& canvas, std::span<const Rect> dirty) const;
@@ -191,6 +206,7 @@ private:
     WeakPointer<View> m_pressed;  // by the left button
     WeakPointer<View> m_rightPressed;
     WeakPointer<View> m_hovered;
+    std::vector<Finger> m_fingers;
     bool m_isButtonDown = false;  // a press was sent, its release was not
     bool m_keysLead = false;
     Rect m_ring;  // where the focus ring was asked for last

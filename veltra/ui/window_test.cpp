@@ -22,6 +22,34 @@ struct Listener final : View {
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
 };
 
+// Writes down each finger: + > - x for its beginning, movement, end and loss.
+struct Touched final : View {
+    using View::View;
+    std::string told;
+    std::function<void()> react;
+    bool acceptsTouches() const override { return true; }
+    void touchBegan(const Event& event) override { tell('+', event); }
+    void touchMoved(const Event& event) override { tell('>', event); }
+    void touchEnded(const Event& event) override { tell('-', event); }
+    void touchCancelled(const Event& event) override { tell('x', event); }
+    void tell(char what, const Event& event) {
+        told += what + std::to_string(event.finger);
+        if (const auto reaction = react) reaction();  // may delete this view
+    }
+};
+
+struct TouchedWindow {
+    HostedView host{std::make_unique<View>(Rect{{}, {100, 100}})};
+    View& frame = host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {80, 99}}));
+    Touched* left = &frame.addSubview(std::make_unique<Touched>(Rect{{}, {40, 99}}));
+    Touched* right = &frame.addSubview(std::make_unique<Touched>(Rect{{40, 0}, {40, 99}}));
+    bool touch(EventType type, std::int64_t finger, float x) {
+        Event event = host.eventAt(type, {x, 50});
+        event.finger = finger;
+        return Application::current().postEvent(event);
+    }
+};
+
 std::vector<Button*> addButtons(View& root, std::initializer_list<float> places) {
     std::vector<Button*> buttons;
     for (const float x : places)
@@ -110,6 +138,73 @@ TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {
     EXPECT_EQ(host.window.firstResponder(), buttons[0]) << "none behind: the one before";
     buttons[0]->removeFromSuperview();
     EXPECT_EQ(host.window.firstResponder(), nullptr);
+}
+
+TEST(Touches, BelongToTheViewThatTheyBeganOn) {
+    const ScriptedPort port;
+    TouchedWindow all;
+    for (const auto& [finger, x] : {std::pair{1, 10.0F}, {7, 50.0F}, {1, 50.0F}})
+        EXPECT_TRUE(all.touch(EventType::TouchBegan, finger, x));
+    EXPECT_FALSE(all.touch(EventType::TouchBegan, 9, 90.0F)) << "of the pointer";
+    for (const int finger : {1, 9}) {
+        for (const EventType type : {EventType::TouchMoved, EventType::TouchEnded,
+                                     EventType::TouchMoved, EventType::TouchCancelled})
+            EXPECT_TRUE(all.touch(type, finger, 60.0F));
+    }
+    EXPECT_EQ(all.left->told + " " + all.right->told, "+1>1-1 +7");
+}
+
+TEST(Touches, AreCancelledOnceWhenTheirViewOrWindowGoes) {
+    const ScriptedPort port;
+    const std::function<void(TouchedWindow&)> losses[] = {
+        [](auto& all) { all.left->setHidden(true); },
+        [](auto& all) { all.frame.setHidden(true); },
+        [](auto& all) {
+            if (auto view = all.left->takeFromSuperview()) all.frame.addSubview(std::move(view));
+        },
+        [](auto& all) { all.host.window.contentView()->addSubview(all.frame.takeFromSuperview()); },
+        [](auto& all) { all.host.window.visibilityDidChange(false); },
+        [](auto& all) { all.host.window.cancelTracking(); }};
+    for (const auto& lose : losses) {
+        TouchedWindow all;
+        all.touch(EventType::TouchBegan, 1, 10);
+        all.touch(EventType::TouchBegan, 2, 20);
+        all.touch(EventType::TouchBegan, 8, 50);
+        lose(all);
+        lose(all);
+        all.touch(EventType::TouchEnded, 1, 10);
+        EXPECT_EQ(all.left->told, "+1+2x1x2") << &lose - losses;
+        const bool isLeftAlone = &lose == &losses[0] || &lose == &losses[2];
+        EXPECT_EQ(all.right->told, isLeftAlone ? "+8" : "+8x8") << &lose - losses;
+        all.left->setHidden(false);
+        all.frame.setHidden(false);
+        all.touch(EventType::TouchBegan, 1, 10);
+        EXPECT_EQ(all.left->told, "+1+2x1x2+1") << &lose - losses;
+        // The view may go in each of them.
+        all.left->react = [&all] {
+            if (Touched* const view = std::exchange(all.left, nullptr)) view->removeFromSuperview();
+        };
+        lose(all);
+        EXPECT_EQ(all.left, nullptr);
+    }
+}
+
+TEST(Windows, TakeThePointerAwayFromWhatIsHidden) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    View& frame = host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {99, 99}}));
+    Button& button = *addButtons(frame, {0.0F})[0];
+    for (View* const hidden : {static_cast<View*>(&button), &frame}) {
+        host.move({5, 5});
+        host.press({5, 5});
+        EXPECT_TRUE(button.cell()->isHighlighted());
+        hidden->setHidden(true);
+        EXPECT_FALSE(button.cell()->isHighlighted());
+        hidden->setHidden(false);
+        host.drag({6, 6});
+        EXPECT_FALSE(button.cell()->isHighlighted()) << "the drag is over";
+        host.release({6, 6});
+    }
 }
 
 TEST(Windows, KeepToTheirLimitsAndPanelsLeaveTheMainWindowAlone) {

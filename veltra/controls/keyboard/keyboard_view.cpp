@@ -185,11 +185,32 @@ void KeyboardView::fingerUp(std::int64_t finger) {
     letGo(finger);
 }
 
-void KeyboardView::mouseDown(const Event& event) {
+// The key that is struck has the keys of the computer, too.
+void KeyboardView::fingerBegins(std::int64_t finger, const Event& event) {
     const Point point = locationOf(event);
     const std::int32_t note = m_layout.noteAt(point);
     if (m_isEnabled && note >= 0) m_focused = note;
-    fingerDown(kPointer, point);
+    fingerDown(finger, point);
+}
+
+void KeyboardView::touchBegan(const Event& event) {
+    fingerBegins(event.finger, event);
+}
+
+void KeyboardView::touchMoved(const Event& event) {
+    fingerMoved(event.finger, locationOf(event));
+}
+
+void KeyboardView::touchEnded(const Event& event) {
+    fingerUp(event.finger);
+}
+
+void KeyboardView::touchCancelled(const Event& event) {
+    fingerUp(event.finger);
+}
+
+void KeyboardView::mouseDown(const Event& event) {
+    fingerBegins(kPointer, event);
 }
 
 void KeyboardView::mouseDragged(const Event& event) {

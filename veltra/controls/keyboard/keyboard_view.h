@@ -68,7 +68,8 @@ public:
 
     // What a finger does: `finger` is any number of the caller's that is not below 0, one for each
     // that is down. Moving from key to key releases one note and presses the next. The pointer of
-    // the mouse and the keys of the computer are fingers of their own.
+    // the mouse and the keys of the computer are fingers of their own. The fingers on a touch
+    // screen come in by themselves, where the toolkit tells of them.
     void fingerDown(std::int64_t finger, Point point);
     void fingerMoved(std::int64_t finger, Point point);
     void fingerUp(std::int64_t finger);
@@ -88,6 +89,13 @@ public:
     void mouseUp(const Event& event) override;
     void mouseMoved(const Event& event) override;
     void mouseExited(const Event& event) override;
+    // Each finger plays on its own; its key is let go when it ends, is cancelled, or the keyboard
+    // is hidden or leaves its window.
+    bool acceptsTouches() const override { return true; }
+    void touchBegan(const Event& event) override;
+    void touchMoved(const Event& event) override;
+    void touchEnded(const Event& event) override;
+    void touchCancelled(const Event& event) override;
     void keyDown(const Event& event) override;
     void keyUp(const Event& event) override;
     bool wantsKey(const Event& event) const override;
@@ -124,6 +132,7 @@ private:
     };
 
     void changeLayout(const KeyboardLayout& layout);
+    void fingerBegins(std::int64_t finger, const Event& event);
     Held* held(std::int64_t finger) noexcept;
     bool isPlayed(std::int32_t note) const noexcept;
     void play(std::int64_t finger, std::int32_t note, std::int32_t velocity);

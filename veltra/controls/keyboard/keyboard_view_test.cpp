@@ -84,7 +84,17 @@ TEST_F(OnScreenKeyboard, FingersShareANoteUntilTheLastOneLetsGo) {
 TEST_F(OnScreenKeyboard, NoNoteHangsAndItSurvivesItsDeletionInEachCallback) {
     const auto press = [&] { host().press(foot(0)); };
     const auto hold = [&] { space(EventType::KeyDown); };
+    const auto touch = [&](EventType type) {
+        Event event = host().eventAt(type, foot(0));
+        event.finger = 5;
+        Application::current().postEvent(event);
+    };
+    const auto tap = [&] { touch(EventType::TouchBegan); };
     const std::pair<std::function<void()>, std::function<void()>> acts[] = {
+        {tap, [&] { touch(EventType::TouchEnded); }},
+        {tap, [&] { touch(EventType::TouchCancelled); }},
+        {tap, [&] { keys->setHidden(true); }},
+        {press, [&] { keys->setHidden(true); }},
         {press, [&] { host().window.visibilityDidChange(false); }},
         {press, [&] { keys->setEnabled(false); }},
         {press,

@@ -200,7 +200,8 @@ void DfOctavePickerView::endDrag() {
     m_mouseDownOffset = -1.0F;
     m_side = Side::None;
     drawingDidChange();
-    ToolTipWindow::shared().closeToolTipWindow();
+    ToolTipWindow& tip = ToolTipWindow::shared();
+    if (tip.isOpenFor(*this, this)) tip.closeToolTipWindow();
 }
 
 void DfOctavePickerView::mouseMoved(const Event& event) {

@@ -216,8 +216,8 @@ void QkCellGroupControl::setControlSize(ControlSize size) {
 void QkCellGroupControl::setEnabled(bool isEnabled) {
     const WeakPointer<View> self(this);
     if (!isEnabled) {
-        endTracking();
-        stopEditingAndResignFirstResponder(true);
+        loseTracking();
+        if (self) stopEditingAndResignFirstResponder(true);
         if (!self) return;
     }
     Control::setEnabled(isEnabled);
@@ -278,10 +278,10 @@ bool QkCellGroupControl::resignFirstResponder() {
 void QkCellGroupControl::viewDidMoveToWindow() {
     Control::viewDidMoveToWindow();
     if (window() != nullptr) return;
-    m_mouseIsDown = false;
+    const WeakPointer<View> self(this);
     setHoveredCell(nullptr);
-    endTracking();
-    stopEditingAndResignFirstResponder(false);
+    loseTracking();
+    if (self) stopEditingAndResignFirstResponder(false);
 }
 
 // The pointer.
@@ -364,6 +364,15 @@ void QkCellGroupControl::endTracking() {
     m_mouseTrackingCell = nullptr;
     if (std::exchange(m_pointerIsLocked, false) && window() != nullptr)
         window()->lockPointer(false);
+}
+
+// As with the release that will not come.
+void QkCellGroupControl::loseTracking() {
+    if (!m_mouseIsDown) return;
+    Event release;
+    release.type = EventType::LeftMouseUp;
+    release.eventNumber = m_mouseTrackingEventNumber;
+    mouseUp(release);
 }
 
 std::optional<std::size_t> QkCellGroupControl::indexAtPoint(Point point) const {

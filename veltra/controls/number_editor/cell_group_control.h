@@ -139,6 +139,7 @@ protected:
     virtual void scrollWheelWasMoved() {}
     virtual void keyInEditorWasPressed() {}
 
+    // From a press to its release, or until the pointer is lost.
     bool mouseIsDown() const noexcept { return m_mouseIsDown; }
     bool mouseTrackingIsActive() const noexcept { return m_mouseTrackingActive; }
     void removeAllCells();
@@ -160,6 +161,7 @@ private:
     std::optional<std::size_t> indexAtPoint(Point point) const;
     void startTrackingCell(Cell& cell, const Rect& rect, const Event& event);
     void endTracking();
+    void loseTracking();
     void walk(bool forward, const Event& event);
     void sendToEditingCell(const Event& event);
     void setHoveredCell(Cell* cell);

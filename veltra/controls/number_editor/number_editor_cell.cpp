@@ -184,7 +184,11 @@ NumberEditorColors QkNumberEditorCell::colors(const View& view) const {
     replace(colors.editBackground, m_editBackgroundColor);
     replace(colors.editText, m_editTextColor);
     replace(colors.shadowEight, m_shadowEightColor);
-    if (m_leadingZerosColor) colors.leadingZeros = colors.editLeadingZeros = m_leadingZerosColor;
+    if (!m_leadingZerosColor) return colors;
+    colors.leadingZeros = m_leadingZerosColor;
+    // On the ground of editing that belongs to the look it could not be read.
+    if (m_look == NumberEditorLook::Plain || m_editBackgroundColor)
+        colors.editLeadingZeros = m_leadingZerosColor;
     return colors;
 }
 

@@ -70,7 +70,8 @@ public:
     // Light grey, half transparent.
     const MaybeColor& shadowEightColor() const noexcept { return m_shadowEightColor; }
     void setShadowEightColor(const MaybeColor& color) { change(m_shadowEightColor, color); }
-    // That of the digits.
+    // That of the digits. While a group is edited in a look of its own ground, the look's colour
+    // stays, unless the ground has been set, too.
     const MaybeColor& leadingZerosColor() const noexcept { return m_leadingZerosColor; }
     void setLeadingZerosColor(const MaybeColor& color) { change(m_leadingZerosColor, color); }
 

@@ -8,7 +8,7 @@ namespace veltra {
 namespace {
 constexpr Color kPlainEights{0.8F, 0.8F, 0.8F, 0.5F};
 constexpr float kHover = 0.08F;
-constexpr float kFaded = 0.45F;
+constexpr float kFaded = 0.2F;
 constexpr float kGhost = 0.08F;
 }  // namespace
 

@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: MIT
+// What is written and marked on the controls can be read, and what differs in meaning can be told
+// apart by every kind of eyes: measured on pictures at a scale of 2, in both appearances.
+#include "on_pictures.h"
+#include "sight.h"
+#include "veltra/controls/keyboard/keyboard_view.h"
+#include "veltra/controls/keyboard/octave_picker_view.h"
+#include "veltra/controls/level_meters/peak_readout.h"
+#include "veltra/controls/level_meters/stereo_level_meter_view.h"
+#include "veltra/controls/number_editor/number_display.h"
+#include "veltra/controls/sliders/slider_presets.h"
+#include "veltra/ui/button.h"
+#include "veltra/ui/theme.h"
+#include "veltra/ui/value_tip.h"
+
+#include <functional>
+#include <map>
+
+namespace veltra::testing {
+namespace {
+
+constexpr float kScale = 2.0F;
+
+// A card of 480 by 220 points, with what is shown from 16 points on, from above.
+struct Card final : View {
+    using View::View;
+    bool isFlipped() const override { return true; }
+    void drawRect(Canvas& canvas, const Rect&) override {
+        canvas.fillRect(bounds(), theme(effectiveAppearance()).card);
+    }
+    template <typename C, typename... Arguments>
+    C& add(Size size, Arguments... arguments) {
+        return addSubview(std::make_unique<C>(Rect{{16, 16}, size}, arguments...));
+    }
+};
+
+using Show = std::function<void(Card&)>;
+
+Pixels shown(Appearance appearance, const Show& show) {
+    PictureWindow picture({480, 220}, kScale, appearance);
+    Window& window = picture.window();
+    auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
+    Card& card = *made;
+    window.setContentView(std::move(made));
+    window.visibilityDidChange(true);
+    window.keyStateDidChange(true);
+    show(card);
+    return Pixels(picture.draw());
+}
+
+std::uint32_t colorAt(const Pixels& pixels, Point point) {
+    return pixels.rgbAt(static_cast<std::int32_t>(point.x * kScale),
+                        static_cast<std::int32_t>(point.y * kScale));
+}
+
+// Of what differs most from the colour that there is most of.
+double contrastIn(const Pixels& pixels, const Rect& rect) {
+    std::map<std::uint32_t, int> counts;
+    for (float y = rect.minY(); y < rect.maxY(); y += 1.0F / kScale) {
+        for (float x = rect.minX(); x < rect.maxX(); x += 1.0F / kScale)
+            ++counts[colorAt(pixels, {x, y})];
+    }
+    const auto ground = std::max_element(
+        counts.begin(), counts.end(),
+        [](const auto& one, const auto& other) { return one.second < other.second; });
+    double best = 1.0;
+    for (const auto& [color, count] : counts)
+        best = std::max(best, contrast(color, ground->first));
+    return best;
+}
+
+Show button(std::optional<Color> on, bool isOn, bool isPressed = false, bool isDisabled = false) {
+    return [=](Card& card) {
+        auto& made = card.add<Button>({64, 24}, "Mute", ButtonCell::Kind::Toggle);
+        made.setFont(themeFont(11.0F, FontWeight::SemiBold));
+        made.buttonCell().setOnColor(on);
+        made.setOn(isOn);
+        made.cell()->setHighlighted(isPressed);
+        made.setEnabled(!isDisabled);
+    };
+}
+
+Show fader(double travel) {
+    return [=](Card& card) {
+        auto& made = card.add<Slider>({64, 186});
+        setUpFader(QkSliderCell::replacedCellInSlider(made));
+        made.setDoubleValue(travel);
+    };
+}
+
+Show pan(double position) {
+    return [=](Card& card) {
+        auto& made = card.add<Slider>({84, 28});
+        setUpPan(QkSliderCell::replacedCellInSlider(made));
+        made.setDoubleValue(position);
+    };
+}
+
+Show digits(NumberEditorLook look, bool isEdited, std::int32_t value,
+            std::optional<Color> zeros = {}) {
+    return [=](Card& card) {
+        auto& made = card.add<NumberDisplay>({120, 48}, look);
+        DfNumberEditorControl& editor = made.editor();
+        editor.setPlaceHolderStringOfEditorCellAtIndex("0000", 0);
+        editor.setLeadingZerosOfEditorCellAtIndex(4, 0);
+        editor.editorCellAtIndex(0)->setLeadingZerosColor(zeros);
+        made.setCaptions({"BAR"});
+        editor.setValue(value);
+        if (isEdited) editor.startEditingForCell(editor.cellAtIndex(0));
+    };
+}
+
+Show picker(KeyRange range, bool isEnabled = true) {
+    return [=](Card& card) {
+        auto& made = card.add<DfOctavePickerView>(DfOctavePickerView::naturalSize(true), true);
+        made.setKeyRange(range);
+        made.setEnabled(isEnabled);
+    };
+}
+
+// From middle C on, white keys 50 points wide.
+Show keys(std::int32_t pressed) {
+    return [=](Card& card) {
+        auto& made = card.add<KeyboardView>({400, 100});
+        made.setKeyRange({35, 8});
+        made.setNotePressed(pressed, true);
+    };
+}
+
+Show peak(double decibels) {
+    return [=](Card& card) { card.add<PeakReadout>({56, 20}).setDecibels(decibels); };
+}
+
+Show meter(float left) {
+    return [=](Card& card) {
+        auto& made = card.add<DfStereoLevelMeterView>({28, 180});
+        made.setLevelScale(LevelMeterLevels::Decibels);
+        made.setLevelL(left, 0.0F);
+    };
+}
+
+void tip(Card& card) {
+    struct Tip final : View {
+        using View::View;
+        bool isFlipped() const override { return true; }
+        void drawRect(Canvas& canvas, const Rect&) override {
+            ValueTip::placed("C1", {{20, 60}, {10, 10}}, bounds(), ToolTipSide::Above)
+                .draw(canvas, "C1", effectiveAppearance());
+        }
+    };
+    card.add<Tip>({80, 80});
+}
+
+Show focused(const Show& show) {
+    return [=](Card& card) {
+        show(card);
+        card.window()->keyboardArrives(true);
+    };
+}
+
+TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
+    for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
+        const Theme& colors = theme(appearance);
+        const Rect onButton{{24, 20}, {48, 16}}, onDigits{{20, 34}, {112, 28}};
+        constexpr double kText = 4.5, kMark = 3.0;
+        const struct {
+            const char* what;
+            Show show;
+            Rect where;
+            double least;
+        } rows[] = {
+            {"button", button({}, false), onButton, kText},
+            {"button pressed", button({}, false, true), onButton, kText},
+            {"button on", button({}, true), onButton, kText},
+            {"button on, pressed", button({}, true, true), onButton, kText},
+            {"mute", button(colors.mute, true), onButton, kText},
+            {"mute pressed", button(colors.mute, true, true), onButton, kText},
+            {"solo", button(colors.solo, true), onButton, kText},
+            {"arm", button(colors.arm, true), onButton, kText},
+            {"arm pressed", button(colors.arm, true, true), onButton, kText},
+            {"focus ring", focused(button({}, false)), {{10, 20}, {5, 16}}, kMark},
+            {"labels of a fader", fader(0.8), {{16, 16}, {18, 186}}, kText},
+            {"marks of a fader", fader(0.8), {{41, 100}, {2, 90}}, kMark},
+            {"reading line", fader(0.8), {{47, 44}, {12, 20}}, kMark},
+            {"way of a fader", fader(0.2), {{54, 80}, {5, 20}}, kMark},
+            {"reading line of pan", pan(0.5), {{70, 22}, {24, 16}}, kMark},
+            {"digits on glass", digits(NumberEditorLook::Glass, false, 8888), onDigits, kText},
+            {"zeros on glass", digits(NumberEditorLook::Glass, false, 0), onDigits, kText},
+            {"digits edited",
+             digits(NumberEditorLook::Glass, true, 8888),
+             {{56, 38}, {40, 20}},
+             kText},
+            {"zeros edited", digits(NumberEditorLook::Glass, true, 0), {{56, 38}, {40, 20}}, kText},
+            {"zeros edited, coloured",
+             digits(NumberEditorLook::Glass, true, 0, colors.glassText),
+             {{56, 38}, {40, 20}},
+             kText},
+            {"digits in a field", digits(NumberEditorLook::Field, false, 8888), onDigits, kText},
+            {"zeros in a field", digits(NumberEditorLook::Field, false, 0), onDigits, kText},
+            {"caption", digits(NumberEditorLook::Glass, false, 0), {{40, 20}, {72, 12}}, kText},
+            {"names below the picker", picker({28, 15}), {{24, 44}, {100, 10}}, kText},
+            {"name in its range", picker({28, 15}), {{192, 44}, {80, 10}}, kText},
+            {"label of a key", keys(-1), {{24, 90}, {34, 14}}, kText},
+            {"label of a played key", keys(60), {{24, 90}, {34, 14}}, kText},
+            {"peak", peak(-12.0), {{20, 18}, {48, 16}}, kText},
+            {"silence", peak(-90.0), {{20, 18}, {48, 16}}, kText},
+            {"peak clipped", peak(1.0), {{20, 18}, {48, 16}}, kText},
+            {"value tip", tip, {{34, 46}, {14, 14}}, kText},
+        };
+        for (const auto& row : rows) {
+            const double measured = contrastIn(shown(appearance, row.show), row.where);
+            EXPECT_GE(measured, row.least)
+                << row.what << (appearance == Appearance::Dark ? ", dark" : ", light");
+        }
+    }
+}
+
+TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
+    for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
+        const Theme& colors = theme(appearance);
+        constexpr Point kFace{22, 22};
+        const struct {
+            const char* what;
+            Show one;
+            Point there;
+            Show other;
+            Point here;
+            double least;
+        } rows[] = {
+            {"on", button({}, true), kFace, button({}, false), kFace, 20},
+            {"mute", button(colors.mute, true), kFace, button({}, false), kFace, 20},
+            {"solo", button(colors.solo, true), kFace, button({}, false), kFace, 20},
+            {"arm", button(colors.arm, true), kFace, button({}, false), kFace, 20},
+            {"focus", focused(button({}, false)), {48, 13}, button({}, false), {48, 13}, 20},
+            {"way", fader(0.2), {56, 90}, fader(0.8), {56, 90}, 20},
+            {"way of pan", pan(0.8), {66, 30}, pan(0.0), {66, 30}, 20},
+            {"editing",
+             digits(NumberEditorLook::Glass, true, 8),
+             {60, 48},
+             digits(NumberEditorLook::Glass, false, 8),
+             {60, 48},
+             20},
+            {"line of the range", picker({28, 15}), {220, 19}, picker({5, 3}), {220, 19}, 20},
+            {"end of the range", picker({28, 15}), {189, 36}, picker({5, 3}), {189, 36}, 20},
+            {"white key", keys(60), {30, 90}, keys(-1), {30, 90}, 20},
+            {"black key", keys(61), {65, 60}, keys(-1), {65, 60}, 20},
+            {"clipped", peak(1.0), {20, 26}, peak(0.0), {20, 26}, 20},
+            {"light", meter(2.0F), {24, 24}, meter(0.5F), {24, 24}, 20},
+            {"lit", meter(0.5F), {24, 190}, meter(0.0F), {24, 190}, 20},
+        };
+        for (const auto& row : rows) {
+            const auto one = colorAt(shown(appearance, row.one), row.there);
+            const auto other = colorAt(shown(appearance, row.other), row.here);
+            for (const Sight sight : kSights) {
+                EXPECT_GE(distance(one, other, sight), row.least)
+                    << row.what << (appearance == Appearance::Dark ? ", dark, " : ", light, ")
+                    << static_cast<int>(sight);
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace veltra::testing
