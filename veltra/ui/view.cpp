@@ -252,26 +252,30 @@ void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
         return Rect{{rect.minX(), height - rect.maxY()}, rect.size};
     };
     const Rect onSurface = turned(here.toWindow(bounds()));
-    std::vector<Rect> inside;
+    const float right = onSurface.maxX();
+    const float bottom = onSurface.maxY();
+    m_dirty.clear();
     Rect around;
     for (const Rect& rect : dirty) {
-        if (!rect.intersects(onSurface)) continue;  // most, where many views change at once
+        // Most miss, where many views change at once.
+        if (rect.minX() >= right || rect.maxX() <= onSurface.minX() || rect.minY() >= bottom ||
+            rect.maxY() <= onSurface.minY())
+            continue;
         const Rect part = here.fromWindow(turned(rect)).intersection(bounds());
         if (part.isEmpty()) continue;
-        inside.push_back(part);
+        m_dirty.push_back(part);
         around = around.united(part);
     }
-    if (inside.empty()) return;
+    if (m_dirty.empty()) return;
     const Canvas::StateScope scope(canvas);
     canvas.enter(m_frame, isFlipped());
-    m_dirty = inside;
     if (m_subviews.empty()) {  // nobody comes after it in this scope
         drawRect(canvas, around);
     } else {
         const Canvas::StateScope own(canvas);
         drawRect(canvas, around);
     }
-    m_dirty = {};
+    m_dirty.clear();
     for (const auto& subview : m_subviews)
         subview->displayRects(canvas, dirty);
 }

@@ -263,7 +263,7 @@ private:
     bool m_isHidden = false;
     WeakPointer<View> m_nextKeyView;
     ViewToolTips m_toolTips;
-    std::span<const Rect> m_dirty;  // during drawRect(), in this view's coordinates
+    std::vector<Rect> m_dirty;  // during drawRect(), in this view's coordinates
 };
 
 }  // namespace veltra

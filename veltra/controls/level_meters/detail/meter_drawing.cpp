@@ -20,7 +20,9 @@ LevelMeterPicture pictureOf(const std::shared_ptr<const LevelMeterLook>& look, M
     if (area.isEmpty()) return {};
     request.length = area.high - area.low;
     request.thickness = area.far - area.near;
-    return meterPicture(look, part, request);
+    return meterPicture({look, nullptr, part, request}, [&] {
+        return part == MeterPart::Bar ? look->bar(request) : look->light(request);
+    });
 }
 
 }  // namespace
@@ -45,7 +47,20 @@ void MeterDrawing::fit(const MeterLooks& looks, Size frame,
     ofLight.ledCount = 0;
     ofLight.ledPitch = 0;
     m_light = pictureOf(looks.light, MeterPart::Light, m_layout.light, ofLight);
-    m_column = columnPicture();
+    m_column = sharedColumn();
+}
+
+// Equal meters share it: the fewer pictures, the more of them are near the processor.
+std::shared_ptr<const Image> MeterDrawing::sharedColumn() const {
+    if (!m_bar.off || !m_light.off || m_bar.ground == kClear) return nullptr;
+    LevelMeterPictureRequest request = m_request;
+    request.length = m_layout.bar.high - m_layout.bar.low;
+    request.thickness = m_layout.bar.far - m_layout.bar.near;
+    return meterPicture({m_looks.bar, m_looks.light, MeterPart::Column, request},
+                        [this] {
+                            return LevelMeterPicture{columnPicture(), nullptr};
+                        })
+        .off;
 }
 
 // An LED is lit when the level is above the place where the LED begins.
@@ -83,7 +98,6 @@ Rect MeterDrawing::rectOfMeter(const Rect& frame, bool isFlipped) const {
 // One image is drawn faster than three.
 std::shared_ptr<const Image> MeterDrawing::columnPicture() const {
     const MeterArea whole = m_layout.whole();
-    if (!m_bar.off || !m_light.off || m_bar.ground == kClear) return nullptr;
     const MeterArea moved{0, whole.high - whole.low, 0, whole.far - whole.near};
     const Rect place = meterRect(moved, m_layout.orientation, moved.high, m_layout.scale);
     return Image::drawn(place.size, m_layout.scale, [&](Canvas& canvas) {

@@ -54,6 +54,7 @@ private:
     std::int32_t endOfLeds(std::int32_t count) const;
     std::int32_t litEnd(float level) const;
     LevelMeterSpan maximumLine(float maximum) const;
+    std::shared_ptr<const Image> sharedColumn() const;
     std::shared_ptr<const Image> columnPicture() const;
     void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
                   const MeterArea& part, float alpha = 1.0F) const;
