@@ -21,13 +21,14 @@ namespace {
 constexpr int kFar = 1 << 20;               // device pixels: beyond every surface
 constexpr double kTolerance = 1.0 / 256.0;  // device pixels: below what anti-aliasing shows
 
-bool isWhole(double value) {
-    return std::abs(value - std::round(value)) < kTolerance;
+// The border between pixels that the painter, too, takes. Quicker than std::floor().
+int nearestBorder(double value) {
+    const double inReach = std::min<double>(kFar, std::max<double>(-kFar, value));
+    return static_cast<int>(inReach + (kFar + 0.5)) - kFar;
 }
 
-// The border between pixels that the painter, too, takes.
-int nearestBorder(double value) {
-    return static_cast<int>(std::floor(value + 0.5));
+bool isWhole(double value) {
+    return std::abs(value - nearestBorder(value)) < kTolerance;
 }
 
 // Asked for more often than anything is drawn, and Qt's own is no inline function.
@@ -135,13 +136,16 @@ void PainterCanvas::clipTo(const Rect& rect) {
 }
 
 // Between the nearest borders.
-QRect PainterCanvas::pixels(const Rect& rect) const {
+QRect PainterCanvas::pixels(const Rect& rect, bool* isAligned) const {
     const QRectF points = toQt(rect);
-    const QPoint upperLeft(nearestBorder(points.left() * m_scale + m_origin.x()),
-                           nearestBorder(points.top() * m_scale + m_origin.y()));
-    const QPoint lowerRight(nearestBorder(points.right() * m_scale + m_origin.x()),
-                            nearestBorder(points.bottom() * m_scale + m_origin.y()));
-    return {upperLeft, lowerRight - QPoint(1, 1)};
+    const double left = points.left() * m_scale + m_origin.x();
+    const double top = points.top() * m_scale + m_origin.y();
+    const double right = points.right() * m_scale + m_origin.x();
+    const double bottom = points.bottom() * m_scale + m_origin.y();
+    if (isAligned != nullptr)
+        *isAligned = isWhole(left) && isWhole(top) && isWhole(right) && isWhole(bottom);
+    return {QPoint(nearestBorder(left), nearestBorder(top)),
+            QPoint(nearestBorder(right) - 1, nearestBorder(bottom) - 1)};
 }
 
 // What the painter's coordinates are from here on; pixels are those of the device.
@@ -195,17 +199,11 @@ Rect PainterCanvas::alignedToDevice(const Rect& rect) const {
     return {{left, top}, {std::max(right - left, pixel), std::max(bottom - top, pixel)}};
 }
 
-bool PainterCanvas::isAligned(const Rect& rect) const {
-    return isWhole(rect.minX() * m_scale + m_origin.x()) &&
-           isWhole(rect.maxX() * m_scale + m_origin.x()) &&
-           isWhole(rect.minY() * m_scale + m_origin.y()) &&
-           isWhole(rect.maxY() * m_scale + m_origin.y());
-}
-
 void PainterCanvas::fillRect(const Rect& rect, Color color) {
-    if (isAligned(rect)) {
+    bool isAligned = false;
+    const QRect place = pixels(rect, &isAligned);
+    if (isAligned) {
         openClip();
-        const QRect place = pixels(rect);
         const QColor filling = toQt(color);
         for (std::size_t i = m_state.first; i < m_rects.size(); ++i) {
             const QRect part = shared(place, m_rects[i]);
@@ -252,7 +250,7 @@ void PainterCanvas::drawImage(const Image& image, const Rect& source, const Rect
     // Whole pixels of the image where floats miss them by a rounding.
     const auto pixel = [imageScale](float points) {
         const double exact = static_cast<double>(points) * imageScale;
-        return isWhole(exact) ? std::round(exact) : exact;
+        return isWhole(exact) ? nearestBorder(exact) : exact;
     };
     const QRectF from(pixel(source.minX()), pixel(source.minY()), pixel(source.size.width),
                       pixel(source.size.height));
@@ -262,9 +260,10 @@ void PainterCanvas::drawImage(const Image& image, const Rect& source, const Rect
                         std::abs(from.width() - width) < 0.5 &&
                         std::abs(from.height() - height) < 0.5;
     if (alpha != 1.0F) m_painter.setOpacity(alpha);
-    if (isCopy && isAligned(destination)) {
+    bool isAligned = false;
+    const QRect place = pixels(destination, &isAligned);
+    if (isCopy && isAligned) {
         openClip();
-        const QRect place = pixels(destination);
         for (std::size_t i = m_state.first; i < m_rects.size(); ++i) {
             const QRect part = shared(place, m_rects[i]);
             if (part.isEmpty()) continue;

@@ -53,8 +53,7 @@ private:
         bool smoothsFonts = true;
     };
 
-    bool isAligned(const Rect& rect) const;
-    QRect pixels(const Rect& rect) const;
+    QRect pixels(const Rect& rect, bool* isAligned = nullptr) const;
     void use(Unit unit);
     void openClip();
     bool narrowClip();

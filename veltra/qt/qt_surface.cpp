@@ -113,7 +113,18 @@ void QtSurface::invalidate(const Rect& surfaceRect) {
     QCoreApplication::postEvent(m_widget, new QEvent(tellEvent()));
 }
 
+// What the views cover Qt need not clear.
+void QtSurface::renewOpacity() {
+    const View* const content = m_window->contentView();
+    const Rect bounds = content != nullptr ? content->bounds() : Rect{};
+    const bool isOpaque = !bounds.isEmpty() && !content->isHidden() &&
+                          content->opaqueRect().intersection(bounds) == bounds;
+    if (isOpaque != m_widget->testAttribute(Qt::WA_OpaquePaintEvent))
+        m_widget->setAttribute(Qt::WA_OpaquePaintEvent, isOpaque);
+}
+
 void QtSurface::tellWidget() {
+    renewOpacity();
     std::sort(m_invalid.begin(), m_invalid.end(), isBefore);
     m_invalid.erase(std::unique(m_invalid.begin(), m_invalid.end()), m_invalid.end());
     m_widget->update(regionOf(m_invalid));

@@ -73,6 +73,7 @@ private:
     bool post(Event event, QEvent& source);
     void paint(const QPaintEvent& event);
     void tellWidget();
+    void renewOpacity();
     void focusIn(const QFocusEvent& event);
     void focusOut(const QFocusEvent& event);
     bool showToolTip(const QHelpEvent& event);

@@ -12,12 +12,13 @@ namespace veltra::detail {
 
 enum class MeterPart : std::uint8_t { Bar, Light, Column };
 
-// What a picture depends on. Of a column, the whole meter unlit, `light` is the other look that it
-// is put together from.
+// What a picture depends on. A column, the whole meter with the clip light unlit, is put together
+// from two looks and begins with the ground.
 struct MeterPictureKey {
     std::shared_ptr<const LevelMeterLook> look;
-    std::shared_ptr<const LevelMeterLook> light;
+    std::shared_ptr<const LevelMeterLook> light;  // of a column
     MeterPart part;
+    std::int32_t rest;  // of a column: how much ground, device pixels
     LevelMeterPictureRequest request;
 
     friend bool operator==(const MeterPictureKey&, const MeterPictureKey&) = default;
