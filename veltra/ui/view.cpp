@@ -251,19 +251,33 @@ bool View::needsToDrawRect(const Rect& rect) const {
 void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
     if (m_isHidden || m_window == nullptr) return;
     const float height = m_window->contentSize().height;
-    std::vector<DirtyPart> parts;
-    parts.reserve(dirty.size());
-    for (const Rect& rect : dirty)
-        parts.push_back({{{rect.minX(), height - rect.maxY()}, rect.size}, 0});
+    DirtyParts parts;
+    parts.all.reserve(dirty.size());
+    for (const Rect& rect : dirty) {
+        parts.all.push_back({{{rect.minX(), height - rect.maxY()}, rect.size}, 0});
+        parts.tallest = std::max(parts.tallest, rect.size.height);
+    }
+    std::sort(parts.all.begin(), parts.all.end(), [](const DirtyPart& one, const DirtyPart& next) {
+        return one.inWindow.minY() < next.inWindow.minY();
+    });
     const Place around = placeOfSuperview();
     std::uint32_t order = 0;
     coverParts(parts, around, {{}, m_window->contentSize()}, order);
     displayParts(canvas, parts, around);
 }
 
+std::span<View::DirtyPart> View::DirtyParts::between(float low, float high) noexcept {
+    const auto lies = [](float limit) {
+        return [limit](const DirtyPart& part) { return part.inWindow.minY() < limit; };
+    };
+    const float lowest = low - tallest - 1.0F;  // a point for roundings
+    const auto begin = std::partition_point(all.begin(), all.end(), lies(lowest));
+    return {begin, std::partition_point(begin, all.end(), lies(high))};
+}
+
 // Views are drawn in the order of the tree: what comes before one that covers a part is not seen
 // there.
-void View::coverParts(std::span<DirtyPart> parts, const Place& superview, const Rect& visible,
+void View::coverParts(DirtyParts& parts, const Place& superview, const Rect& visible,
                       std::uint32_t& order) {
     m_order = ++order;
     if (m_isHidden) return;
@@ -277,18 +291,19 @@ void View::coverParts(std::span<DirtyPart> parts, const Place& superview, const 
                    inside.minY() >= rect.minY() && inside.maxY() <= top;
         };
     };
-    const auto first = std::find_if(parts.begin(), parts.end(), holds(seen));
-    if (first != parts.end()) {  // a view is not asked for nothing
+    const std::span<DirtyPart> near = parts.between(seen.minY(), seen.maxY());
+    const auto first = std::find_if(near.begin(), near.end(), holds(seen));
+    if (first != near.end()) {  // a view is not asked for nothing
         const Rect opaque = here.toWindow(opaqueRect()).intersection(seen);
         const auto covers = holds(opaque);
-        for (auto part = first; !opaque.isEmpty() && part != parts.end(); ++part)
+        for (auto part = first; !opaque.isEmpty() && part != near.end(); ++part)
             if (covers(*part)) part->from = m_order;
     }
     for (const auto& subview : m_subviews)
         subview->coverParts(parts, here, seen, order);
 }
 
-void View::displayParts(Canvas& canvas, std::span<const DirtyPart> parts, const Place& superview) {
+void View::displayParts(Canvas& canvas, DirtyParts& parts, const Place& superview) {
     if (m_isHidden) return;
     const Place here = placeIn(superview);
     const Rect inWindow = here.toWindow(bounds());
@@ -297,7 +312,7 @@ void View::displayParts(Canvas& canvas, std::span<const DirtyPart> parts, const 
     m_dirty.clear();
     bool isMet = false;
     Rect around;
-    for (const DirtyPart& part : parts) {
+    for (const DirtyPart& part : parts.between(inWindow.minY(), top)) {
         // Most miss, where many views change at once.
         const Rect& rect = part.inWindow;
         if (rect.minX() >= right || rect.maxX() <= inWindow.minX() || rect.minY() >= top ||

@@ -251,9 +251,16 @@ private:
         Rect inWindow;
         std::uint32_t from;  // views before this place in the order of drawing are covered here
     };
-    void coverParts(std::span<DirtyPart> parts, const Place& superview, const Rect& visible,
+    struct DirtyParts {
+        std::vector<DirtyPart> all;  // from the lowest up
+        float tallest = 0.0F;
+
+        // Those that may lie between two heights, and few others.
+        std::span<DirtyPart> between(float low, float high) noexcept;
+    };
+    void coverParts(DirtyParts& parts, const Place& superview, const Rect& visible,
                     std::uint32_t& order);
-    void displayParts(Canvas& canvas, std::span<const DirtyPart> parts, const Place& superview);
+    void displayParts(Canvas& canvas, DirtyParts& parts, const Place& superview);
 
     Place place() const;
     Place placeOfSuperview() const;
