@@ -320,6 +320,9 @@ void QtSurface::cancelTracking() {
 
 void QtSurface::paint(const QPaintEvent& event) {
     noteScale();
+    std::erase_if(m_invalid, [&event](const QRect& rect) {
+        return (QRegion(rect) - event.region()).isEmpty();
+    });
     std::vector<Rect> dirty = std::exchange(m_dirty, {});
     dirty.clear();
     for (const QRect& rect : event.region())

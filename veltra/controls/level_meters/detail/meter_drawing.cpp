@@ -176,8 +176,8 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
         // What a lit part covers need not be drawn unlit, unless that shows around it.
         const bool covers = inset == 0 && m_bar.start == 0 && full > 0;
         const std::int32_t border = covers ? bar.low + full : all.low;
-        drawPart(canvas, place, m_column.on.get(), all, all.part(all.low, border));
         drawPart(canvas, place, m_column.off.get(), all, all.part(border, all.high));
+        drawPart(canvas, place, m_column.on.get(), all, all.part(all.low, border));
         if (!covers) drawLit(m_bar.start, full);
     } else {
         drawUnlit(canvas, place);
