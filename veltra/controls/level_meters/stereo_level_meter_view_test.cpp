@@ -167,12 +167,15 @@ TEST_F(LevelMeterTest, AnLedIsLitFromItsBeginningOnAndItsColourFollowsTheScale) 
     HostedView host(std::move(made));
     view.setLEDCount(32);
     view.setFallBackStepTime(0.0);
-    const float pitch = view.cellL().rectOfLevels().size.height / 32.0F;
+    const QkLevelMeterCell& left = view.cellL();
+    const float pitch = left.rectOfLevels().size.height / 32.0F;
+    const float ground = left.opaqueRect().size.height - left.rectOfMeter().size.height;
+    EXPECT_TRUE(ground > 0.0F && ground <= 4.0F) << "below the first LED";
     const std::pair<float, float> kLit[] = {{0.001F, 1.0F},  {0.5F, 16.0F},   {0.51F, 17.0F},
                                             {0.968F, 31.0F}, {0.985F, 32.0F}, {1.0F, 32.0F}};
     for (const auto& [level, leds] : kLit) {
         view.setLevelL(level, 0.0F, true);
-        EXPECT_NEAR(images(host)[1].rect.size.height, leds * pitch, 1e-3) << level;
+        EXPECT_NEAR(images(host)[1].rect.size.height, ground + leds * pitch, 1e-3) << level;
     }
     // 0.75 is -2.5 dB as an amplitude and -10 dB on the decibel scale.
     const auto colorOf = [&](LevelMeterLevels scale) {
