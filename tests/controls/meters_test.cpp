@@ -97,10 +97,21 @@ TEST(Pictures, TicksStandInTheGapsOfLedsAtEveryScale) {
     }
 }
 
-TEST(Pictures, MetersLookTheSameAfterManyLayouts) {
+TEST(Pictures, MetersLookTheSameAfterManyLayoutsAndChangesOfScaleAndAppearance) {
     for (const Setting& setting : settings()) {
         SCOPED_TRACE(setting.scale);
+        // In another window before, which has all else: nothing of its pictures may stay.
+        Drawn before(
+            {setting.scale == 2.0F ? 1.0F : 2.0F,
+             setting.appearance == Appearance::Dark ? Appearance::Light : Appearance::Dark},
+            -9.0);
+        before.pixels();
+        before.picture.window().setAppearance(setting.appearance);
+        before.pixels();
         Drawn moved(setting, -9.0);
+        moved.strip = before.strip;
+        moved.picture.window().setContentView(
+            before.picture.window().contentView()->takeFromSuperview());
         for (int i = 1; i <= 40; ++i)
             moved.strip->meter.setFrameSize(
                 {28.0F + static_cast<float>(i % 3), 272.0F - 3.0F * static_cast<float>(i % 5)});

@@ -6,21 +6,60 @@
 #include "veltra/qt/qt_ui_port.h"
 #include "veltra/ui/application.h"
 
+#include <QBackingStore>
+#include <QCoreApplication>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QHelpEvent>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QTouchEvent>
 #include <QWidget>
 #include <algorithm>
+#include <span>
 #include <utility>
 #include <vector>
 
 namespace veltra {
 
 namespace {
+
+constexpr std::size_t kMostInvalid = 1000;  // rectangles that wait for the widget to be told
+
+QEvent::Type tellEvent() {
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
+}
+
+// The order of the rectangles of a region.
+bool isBefore(const QRect& one, const QRect& other) {
+    return one.y() != other.y() ? one.y() < other.y() : one.x() < other.x();
+}
+
+// To add rectangles to a region one by one costs more than to draw them.
+QRegion regionOf(std::span<const QRect> sorted) {
+    const auto cannotFollow = [](const QRect& one, const QRect& next) {
+        const bool isBeside = one.y() == next.y() && one.height() == next.height();
+        return isBeside ? next.left() <= one.right() : next.top() <= one.bottom();
+    };
+    QRegion region;
+    if (std::adjacent_find(sorted.begin(), sorted.end(), cannotFollow) == sorted.end()) {
+        region.setRects(sorted.data(), static_cast<int>(sorted.size()));
+        return region;
+    }
+    const std::size_t half = sorted.size() / 2;
+    return regionOf(sorted.first(half)) + regionOf(sorted.subspan(half));
+}
+
+// Whether the painter works on what the widget shows, rather than on a picture of it.
+bool isOnScreen(const QPainter& painter, const QWidget& widget) {
+    const QPaintEngine& engine = *painter.paintEngine();
+    QBackingStore* const store = widget.backingStore();
+    return engine.type() == QPaintEngine::Raster && store != nullptr &&
+           engine.paintDevice() == store->paintDevice();
+}
 
 Qt::CursorShape shape(Cursor cursor) {
     switch (cursor) {
@@ -72,23 +111,42 @@ void QtSurface::abandonWidget() {
 
 // What the window asks for.
 
+// The widget is told of the first rectangle, and of the others together: by an event that comes
+// before the one at which it draws.
 void QtSurface::invalidate(const Rect& surfaceRect) {
     if (m_widget == nullptr || !m_widget->isVisible()) return;  // showing draws it all
     const QRect rect = around(surfaceRect) & m_widget->rect();
-    const auto holds = [&rect](const QRect& other) { return other.contains(rect); };
-    // A list: hundreds of rectangles in a region cost more than to draw them.
-    if (rect.isEmpty() || std::any_of(m_invalid.begin(), m_invalid.end(), holds)) return;
+    if (rect.isEmpty()) return;
+    if (m_invalid.size() >= kMostInvalid) tellWidget();
+    if (m_invalid.empty()) m_widget->update(rect);
     m_invalid.push_back(rect);
-    m_widget->update(rect);
+    if (m_tells) return;
+    m_tells = true;
+    QCoreApplication::postEvent(m_widget, new QEvent(tellEvent()));
+}
+
+// What the views cover Qt need not clear.
+void QtSurface::renewOpacity() {
+    const View* const content = m_window->contentView();
+    const Rect bounds = content != nullptr ? content->bounds() : Rect{};
+    const bool isOpaque = !bounds.isEmpty() && !content->isHidden() &&
+                          content->opaqueRect().intersection(bounds) == bounds;
+    if (isOpaque != m_widget->testAttribute(Qt::WA_OpaquePaintEvent))
+        m_widget->setAttribute(Qt::WA_OpaquePaintEvent, isOpaque);
+}
+
+void QtSurface::tellWidget() {
+    renewOpacity();
+    std::sort(m_invalid.begin(), m_invalid.end(), isBefore);
+    m_invalid.erase(std::unique(m_invalid.begin(), m_invalid.end()), m_invalid.end());
+    m_widget->update(regionOf(m_invalid));
+    m_invalid.clear();
 }
 
 void QtSurface::displayIfNeeded() {
-    if (m_widget == nullptr || m_isPainting || m_invalid.empty()) return;
-    if (!m_widget->isVisible()) return;
-    QRegion region;
-    for (const QRect& rect : m_invalid)
-        region += rect;
-    m_widget->repaint(region);
+    if (m_widget == nullptr || m_isPainting || !m_widget->isVisible()) return;
+    tellWidget();
+    QCoreApplication::sendPostedEvents(m_widget->window(), QEvent::UpdateRequest);
 }
 
 void QtSurface::takeKeyboard() {
@@ -178,7 +236,10 @@ bool QtSurface::handle(QEvent& event) {
         case QEvent::ToolTip:
             return showToolTip(static_cast<const QHelpEvent&>(event));
         default:
-            return input(event);
+            if (event.type() != tellEvent()) return input(event);
+            m_tells = false;
+            tellWidget();
+            return true;
     }
     return widget.isNull();
 }
@@ -344,9 +405,11 @@ void QtSurface::cancelTracking() {
 
 void QtSurface::paint(const QPaintEvent& event) {
     noteScale();
-    std::erase_if(m_invalid,
-                  [&event](const QRect& rect) { return event.region().intersects(rect); });
-    std::vector<Rect> dirty;
+    std::erase_if(m_invalid, [&event](const QRect& rect) {
+        return (QRegion(rect) - event.region()).isEmpty();
+    });
+    std::vector<Rect> dirty = std::exchange(m_dirty, {});
+    dirty.clear();
     for (const QRect& rect : event.region())
         dirty.push_back(fromQt(QRectF(rect)));
     QPainter painter(m_widget);
@@ -354,10 +417,13 @@ void QtSurface::paint(const QPaintEvent& event) {
         const auto ground = systemColor(SystemColor::WindowBackground, m_window->appearance());
         painter.fillRect(event.rect(), toQt(ground));
     }
-    PainterCanvas canvas(painter);
+    using Keeper = PainterCanvas::Keeper;
+    PainterCanvas canvas(painter,
+                         isOnScreen(painter, *m_widget) ? Keeper::Canvas : Keeper::Painter);
     m_isPainting = true;
     m_window->display(canvas, dirty);
     m_isPainting = false;
+    m_dirty = std::move(dirty);
 }
 
 void QtSurface::focusIn(const QFocusEvent& event) {

@@ -80,6 +80,8 @@ private:
     void takeFocusFor(const View* view);
     bool post(Event event, QEvent& source);
     void paint(const QPaintEvent& event);
+    void tellWidget();
+    void renewOpacity();
     void focusIn(const QFocusEvent& event);
     void focusOut(const QFocusEvent& event);
     bool showToolTip(const QHelpEvent& event);
@@ -92,7 +94,9 @@ private:
     QWidget* m_widget;
     const MoveFocus m_moveFocus;
     QtEvents m_events;
-    std::vector<QRect> m_invalid;  // the widget was told of it, and has drawn nothing of it yet
+    std::vector<QRect> m_invalid;  // of that the widget knows the first
+    bool m_tells = false;          // an event is on its way, at which it is told of all
+    std::vector<Rect> m_dirty;     // kept for its memory
     float m_scale = 0.0F;
     bool m_fillsGround = false;
     bool m_isPainting = false;

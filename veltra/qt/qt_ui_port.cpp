@@ -105,7 +105,13 @@ Appearance QtUiPort::appearanceOf(const QPalette& palette) {
 }
 
 Appearance QtUiPort::appearance() const {
-    return m_appearance.value_or(appearanceOf(QGuiApplication::palette()));
+    if (m_appearance) return *m_appearance;
+    const QPalette palette = QGuiApplication::palette();
+    if (palette.cacheKey() != m_paletteKey) {
+        m_paletteKey = palette.cacheKey();
+        m_paletteAppearance = appearanceOf(palette);
+    }
+    return m_paletteAppearance;
 }
 
 void QtUiPort::setAppearance(std::optional<Appearance> appearance) {

@@ -71,6 +71,9 @@ private:
 
     std::vector<QtSurface*> m_surfaces;
     std::optional<Appearance> m_appearance;
+    // Each cell that is drawn asks, and colours are slow to compare.
+    mutable std::int64_t m_paletteKey = 0;
+    mutable Appearance m_paletteAppearance = Appearance::Light;
     QtRunLoop m_runLoop;
     QtToolTip m_toolTip;
     mutable QtTextSizes m_textSizes;

@@ -6,6 +6,7 @@
 #include "veltra/ui/control.h"
 
 #include <QAccessible>
+#include <QScreen>
 
 // What Qt and the libraries below it keep until the process ends.
 extern "C" VELTRA_EXPORT const char*
@@ -37,6 +38,54 @@ TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
     const QImage picture = widget->grab().toImage();
     EXPECT_EQ(picture.pixelColor(9, 191), QColor(Qt::blue));  // the lowest row
     EXPECT_EQ(picture.pixelColor(29, 191), QColor(Qt::red));
+}
+
+// Paints beyond what it is asked for, and counts.
+struct Painting final : View {
+    using View::View;
+    int draws = 0;
+    Color color = Color::fromRgb(0xFF0000);
+    void drawRect(Canvas& canvas, const Rect& /*dirty*/) override {
+        ++draws;
+        canvas.fillRect(bounds(), color);
+        canvas.fillPath(Path::roundedRect({{0.5F, 0.5F}, {40, 40}}, 5.0F), color);
+    }
+    Rect opaqueRect() const override { return isOpaque ? bounds() : Rect{}; }
+    bool isOpaque = true;
+};
+
+TEST_F(OnQt, DrawsAllChangesOfATurnAtOnceAndNothingBesideThem) {
+    auto& view = host(std::make_unique<Painting>(Rect{{}, {200, 100}}));
+    // On screen, where what was not drawn again is still what it was.
+    const auto colorAt = [this](int x, int y) {
+        const QPoint at = widget->mapTo(&outside, QPoint(x, y));
+        const QPixmap shown = outside.screen()->grabWindow(outside.winId());
+        return shown.toImage().pixelColor(at * shown.devicePixelRatio());
+    };
+    QCoreApplication::processEvents();
+    view.color = Color::fromRgb(0x0000FF);
+    view.draws = 0;
+    for (int i = 99; i >= 0; --i) {  // and some of them overlap, some come twice
+        const auto at = static_cast<float>(i);
+        view.setNeedsDisplayInRect({{at * 2.0F, at}, {at < 10 ? 3.0F : 1.0F, 1.0F}});
+        view.setNeedsDisplayInRect({{at * 2.0F, at}, {1.0F, 1.0F}});
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.draws, 1);
+    EXPECT_TRUE(widget->testAttribute(Qt::WA_OpaquePaintEvent));
+    if (QGuiApplication::platformName() == QStringLiteral("offscreen")) {
+        for (int i = 0; i < 100; ++i) {
+            EXPECT_EQ(colorAt(2 * i, 99 - i), QColor(Qt::blue)) << i;
+            EXPECT_EQ(colorAt(2 * i + 1, 99 - i), QColor(i < 10 ? Qt::blue : Qt::red)) << i;
+        }
+    }
+    view.isOpaque = false;
+    view.setNeedsDisplay();
+    view.window()->displayIfNeeded();
+    EXPECT_EQ(view.draws, 2);
+    EXPECT_FALSE(widget->testAttribute(Qt::WA_OpaquePaintEvent));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.draws, 2);
 }
 
 TEST_F(OnQt, TabLeadsThroughTheKeyViewsAndOn) {

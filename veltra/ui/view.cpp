@@ -164,7 +164,11 @@ View::Place View::placeIn(const Place& superview) const {
 }
 
 View::Place View::place() const {
-    return placeIn(m_superview != nullptr ? m_superview->place() : Place{{}, false});
+    return placeIn(placeOfSuperview());
+}
+
+View::Place View::placeOfSuperview() const {
+    return m_superview != nullptr ? m_superview->place() : Place{{}, false};
 }
 
 Point View::convertPointToView(Point point, const View* other) const {
@@ -247,33 +251,92 @@ bool View::needsToDrawRect(const Rect& rect) const {
 void View::displayRects(Canvas& canvas, std::span<const Rect> dirty) {
     if (m_isHidden || m_window == nullptr) return;
     const float height = m_window->contentSize().height;
-    const Place here = place();
-    const auto turned = [height](const Rect& rect) {  // between window and surface
-        return Rect{{rect.minX(), height - rect.maxY()}, rect.size};
-    };
-    const Rect onSurface = turned(here.toWindow(bounds()));
-    std::vector<Rect> inside;
-    Rect around;
+    DirtyParts parts;
+    parts.all.reserve(dirty.size());
     for (const Rect& rect : dirty) {
-        if (!rect.intersects(onSurface)) continue;  // most, where many views change at once
-        const Rect part = here.fromWindow(turned(rect)).intersection(bounds());
-        if (part.isEmpty()) continue;
-        inside.push_back(part);
-        around = around.united(part);
+        parts.all.push_back({{{rect.minX(), height - rect.maxY()}, rect.size}, 0});
+        parts.tallest = std::max(parts.tallest, rect.size.height);
     }
-    if (inside.empty()) return;
+    std::sort(parts.all.begin(), parts.all.end(), [](const DirtyPart& one, const DirtyPart& next) {
+        return one.inWindow.minY() < next.inWindow.minY();
+    });
+    const Place around = placeOfSuperview();
+    std::uint32_t order = 0;
+    coverParts(parts, around, {{}, m_window->contentSize()}, order);
+    displayParts(canvas, parts, around);
+}
+
+std::span<View::DirtyPart> View::DirtyParts::between(float low, float high) noexcept {
+    const auto lies = [](float limit) {
+        return [limit](const DirtyPart& part) { return part.inWindow.minY() < limit; };
+    };
+    const float lowest = low - tallest - 1.0F;  // a point for roundings
+    const auto begin = std::partition_point(all.begin(), all.end(), lies(lowest));
+    return {begin, std::partition_point(begin, all.end(), lies(high))};
+}
+
+// Views are drawn in the order of the tree: what comes before one that covers a part is not seen
+// there.
+void View::coverParts(DirtyParts& parts, const Place& superview, const Rect& visible,
+                      std::uint32_t& order) {
+    m_order = ++order;
+    if (m_isHidden) return;
+    const Place here = placeIn(superview);
+    const Rect seen = here.toWindow(bounds()).intersection(visible);
+    if (seen.isEmpty()) return;
+    const auto holds = [](const Rect& rect) {
+        return [&rect, right = rect.maxX(), top = rect.maxY()](const DirtyPart& part) {
+            const Rect& inside = part.inWindow;
+            return inside.minX() >= rect.minX() && inside.maxX() <= right &&
+                   inside.minY() >= rect.minY() && inside.maxY() <= top;
+        };
+    };
+    const std::span<DirtyPart> near = parts.between(seen.minY(), seen.maxY());
+    const auto first = std::find_if(near.begin(), near.end(), holds(seen));
+    if (first != near.end()) {  // a view is not asked for nothing
+        const Rect opaque = here.toWindow(opaqueRect()).intersection(seen);
+        const auto covers = holds(opaque);
+        for (auto part = first; !opaque.isEmpty() && part != near.end(); ++part)
+            if (covers(*part)) part->from = m_order;
+    }
+    for (const auto& subview : m_subviews)
+        subview->coverParts(parts, here, seen, order);
+}
+
+void View::displayParts(Canvas& canvas, DirtyParts& parts, const Place& superview) {
+    if (m_isHidden) return;
+    const Place here = placeIn(superview);
+    const Rect inWindow = here.toWindow(bounds());
+    const float right = inWindow.maxX();
+    const float top = inWindow.maxY();
+    m_dirty.clear();
+    bool isMet = false;
+    Rect around;
+    for (const DirtyPart& part : parts.between(inWindow.minY(), top)) {
+        // Most miss, where many views change at once.
+        const Rect& rect = part.inWindow;
+        if (rect.minX() >= right || rect.maxX() <= inWindow.minX() || rect.minY() >= top ||
+            rect.maxY() <= inWindow.minY())
+            continue;
+        isMet = true;
+        if (part.from > m_order) continue;
+        const Rect inside = here.fromWindow(rect).intersection(bounds());
+        if (inside.isEmpty()) continue;
+        m_dirty.push_back(inside);
+        around = around.united(inside);
+    }
+    if (!isMet) return;
     const Canvas::StateScope scope(canvas);
     canvas.enter(m_frame, isFlipped());
-    m_dirty = inside;
     if (m_subviews.empty()) {  // nobody comes after it in this scope
-        drawRect(canvas, around);
-    } else {
+        if (!m_dirty.empty()) drawRect(canvas, around);
+    } else if (!m_dirty.empty()) {
         const Canvas::StateScope own(canvas);
         drawRect(canvas, around);
     }
-    m_dirty = {};
+    m_dirty.clear();
     for (const auto& subview : m_subviews)
-        subview->displayRects(canvas, dirty);
+        subview->displayParts(canvas, parts, here);
 }
 
 Appearance View::effectiveAppearance() const {

@@ -167,6 +167,10 @@ public:
     // of that, and may hold much that need not.
     bool needsToDrawRect(const Rect& rect) const;
 
+    // The part of the bounds that this view's drawing covers without a gap, whatever lies beneath:
+    // the views around it and below it are not asked to draw there. Empty, as here: none.
+    virtual Rect opaqueRect() const { return {}; }
+
     // Draws the view and its subviews where they meet one of `dirty`, given in the window's
     // coordinates with the y axis pointing down. The canvas is in the coordinates of the superview.
     void displayRects(Canvas& canvas, std::span<const Rect> dirty);
@@ -248,7 +252,23 @@ private:
         Rect toWindow(const Rect& rect) const noexcept;
         Rect fromWindow(const Rect& rect) const noexcept;
     };
+    struct DirtyPart {
+        Rect inWindow;
+        std::uint32_t from;  // views before this place in the order of drawing are covered here
+    };
+    struct DirtyParts {
+        std::vector<DirtyPart> all;  // from the lowest up
+        float tallest = 0.0F;
+
+        // Those that may lie between two heights, and few others.
+        std::span<DirtyPart> between(float low, float high) noexcept;
+    };
+    void coverParts(DirtyParts& parts, const Place& superview, const Rect& visible,
+                    std::uint32_t& order);
+    void displayParts(Canvas& canvas, DirtyParts& parts, const Place& superview);
+
     Place place() const;
+    Place placeOfSuperview() const;
     Place placeIn(const Place& superview) const;
 
     void insert(std::unique_ptr<View> view, std::size_t index);
@@ -268,7 +288,8 @@ private:
     bool m_isHidden = false;
     WeakPointer<View> m_nextKeyView;
     ViewToolTips m_toolTips;
-    std::span<const Rect> m_dirty;  // during drawRect(), in this view's coordinates
+    std::uint32_t m_order = 0;  // in which views are drawn, while they are
+    std::vector<Rect> m_dirty;  // during drawRect(), in this view's coordinates
 };
 
 }  // namespace veltra

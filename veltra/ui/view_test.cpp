@@ -68,6 +68,36 @@ TEST(ViewTree, DrawsExactlyWhatIsInvalidAndSeen) {
     EXPECT_TRUE(host.port.invalid.empty());
 }
 
+struct Cover final : View {
+    using View::View;
+    Rect opaque;
+    void drawRect(Canvas& canvas, const Rect& dirty) override { canvas.fillRect(dirty, kWhite); }
+    Rect opaqueRect() const override { return opaque; }
+};
+
+TEST(ViewTree, DrawsNothingBeneathWhatAViewCovers) {
+    const ScriptedPort port;
+    HostedView host(std::make_unique<Spot>(Rect{{}, {100, 100}}));
+    View& root = *host.window.contentView();
+    root.addSubview(std::make_unique<Spot>(Rect{{0, 0}, {60, 60}}));
+    View& box = root.addSubview(std::make_unique<Flipped>(Rect{{10, 10}, {40, 40}}));
+    Cover& cover = box.addSubview(std::make_unique<Cover>(Rect{{0, 0}, {50, 20}}));
+    cover.opaque = {{0, 0}, {50, 10}};
+    View& above = root.addSubview(std::make_unique<Spot>(Rect{{45, 0}, {30, 90}}));
+    const auto drawn = [&](const Rect& rect) {
+        host.port.invalid.clear();
+        host.window.invalidate(rect);
+        return host.display().size();
+    };
+    EXPECT_EQ(drawn({{20, 32}, {5, 5}}), 1U) << "the cover alone";
+    EXPECT_EQ(drawn({{20, 38}, {5, 5}}), 3U) << "half of it is not covered: root, spot, cover";
+    EXPECT_EQ(drawn({{48, 32}, {2, 5}}), 2U) << "what lies above is drawn, too";
+    EXPECT_EQ(drawn({{52, 32}, {2, 5}}), 3U) << "the box cuts the cover off: root, spot, above";
+    above.setHidden(true);
+    cover.setHidden(true);
+    EXPECT_EQ(drawn({{20, 32}, {5, 5}}), 2U) << "what is hidden covers nothing";
+}
+
 TEST(ViewTree, KnowsWhatCanBeSeenAndBringsItIntoSight) {
     const ScriptedPort port;
     Shown<Spot> host(Rect{{}, {100, 100}});

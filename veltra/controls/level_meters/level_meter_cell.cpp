@@ -267,6 +267,13 @@ Rect QkLevelMeterCell::rectOfMeter() const {
                             : Rect{};
 }
 
+Rect QkLevelMeterCell::opaqueRect() const {
+    const Drawing* const drawn = drawingOfFrame();
+    const View* const view = controlView();
+    return drawn != nullptr ? drawn->opaqueRect(cellFrame(), view != nullptr && view->isFlipped())
+                            : Rect{};
+}
+
 LevelMeterScale QkLevelMeterCell::scale() const {
     const Drawing* const drawn = drawingOfFrame();
     const bool isUpright = orientation() == LevelMeterOrientation::Vertical;

@@ -114,6 +114,9 @@ public:
     // Bar, clip light and what lies between: all that the cell draws on. Looks drawn by code keep
     // to the far end of the frame. drawLevelMeterGlass() draws what belongs around it.
     Rect rectOfMeter() const;
+    // The part of cellFrame() that drawing covers without a gap, whatever lies beneath; empty where
+    // the look leaves some of it clear.
+    Rect opaqueRect() const;
     // The ticks and labels that belong to rectOfLevels(). Empty of length before there is a frame.
     LevelMeterScale scale() const;
     // Is drawn again whenever scale() or rectOfLevels() may have changed. Not retained; null: none.

@@ -236,6 +236,14 @@ void DfStereoLevelMeterView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
     }
 }
 
+// The cells, and the glass between them.
+Rect DfStereoLevelMeterView::opaqueRect() const {
+    const Rect left = m_cellL->opaqueRect();
+    const Rect right = m_cellR->opaqueRect();
+    if (left.isEmpty() || right.isEmpty() || !(glassEdge() > 0.0F)) return {};
+    return left.united(right);
+}
+
 std::vector<AccessibilityElement*> DfStereoLevelMeterView::accessibilityChildren() const {
     std::vector<AccessibilityElement*> children = Control::accessibilityChildren();
     children.push_back(m_cellL.get());

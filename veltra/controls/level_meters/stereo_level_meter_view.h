@@ -64,6 +64,7 @@ public:
     void mouseDragged(const Event& /*event*/) override {}
     void mouseUp(const Event& /*event*/) override {}
     void drawRect(Canvas& canvas, const Rect& dirty) override;
+    Rect opaqueRect() const override;
     void appearanceDidChange() override { layOut(); }
     void viewDidMoveToWindow() override;
 

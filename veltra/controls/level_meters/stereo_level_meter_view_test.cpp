@@ -129,9 +129,9 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
         }
         if (imageID != kLevelMeterImageLED) return;
         const float pitch = high(maximum) - low(maximum);
-        EXPECT_NEAR(high(lit) - low(lit), pitch * 11.0F, 1e-3)
-            << "0.52 of 20 reaches into the 11th";
-        EXPECT_NEAR(low(maximum) - low(lit), pitch * 17.0F, 1e-3);
+        const float ground = high(lit) - low(lit) - pitch * 11.0F;  // the room below the first LED
+        EXPECT_TRUE(ground > -1e-3F && ground < 4.001F) << "0.52 of 20 reaches into the 11th";
+        EXPECT_NEAR(low(maximum) - high(lit), pitch * 6.0F, 1e-3);
     };
     for (const float scale : {1.0F, 1.5F, 2.0F}) {
         for (const int imageID : {kLevelMeterImageLED, kLevelMeterImageBar, kLevelMeterImageSlim}) {
@@ -164,12 +164,15 @@ TEST_F(LevelMeterTest, AnLedIsLitFromItsBeginningOnAndItsColourFollowsTheScale) 
     Shown<DfStereoLevelMeterView> host(Rect{{}, {26, 180}});
     host.view.setLEDCount(32);
     host.view.setFallBackStepTime(0.0);
-    const float pitch = host.view.cellL().rectOfLevels().size.height / 32.0F;
+    const QkLevelMeterCell& left = host.view.cellL();
+    const float pitch = left.rectOfLevels().size.height / 32.0F;
+    const float ground = left.opaqueRect().size.height - left.rectOfMeter().size.height;
+    EXPECT_TRUE(ground > 0.0F && ground <= 4.0F) << "below the first LED";
     const std::pair<float, float> kLit[] = {{0.001F, 1.0F},  {0.5F, 16.0F},   {0.51F, 17.0F},
                                             {0.968F, 31.0F}, {0.985F, 32.0F}, {1.0F, 32.0F}};
     for (const auto& [level, leds] : kLit) {
         host.view.setLevelL(level, 0.0F, true);
-        EXPECT_NEAR(images(host)[1].rect.size.height, leds * pitch, 1e-3) << level;
+        EXPECT_NEAR(images(host)[1].rect.size.height, ground + leds * pitch, 1e-3) << level;
     }
     // 0.75 is -2.5 dB as an amplitude and -10 dB on the decibel scale.
     const auto colorOf = [&](LevelMeterLevels scale) {

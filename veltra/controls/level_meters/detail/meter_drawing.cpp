@@ -20,7 +20,9 @@ LevelMeterPicture pictureOf(const std::shared_ptr<const LevelMeterLook>& look, M
     if (area.isEmpty()) return {};
     request.length = area.high - area.low;
     request.thickness = area.far - area.near;
-    return meterPicture(look, part, request);
+    return meterPicture({look, nullptr, part, 0, request}, [&] {
+        return part == MeterPart::Bar ? look->bar(request) : look->light(request);
+    });
 }
 
 }  // namespace
@@ -45,7 +47,20 @@ void MeterDrawing::fit(const MeterLooks& looks, Size frame,
     ofLight.ledCount = 0;
     ofLight.ledPitch = 0;
     m_light = pictureOf(looks.light, MeterPart::Light, m_layout.light, ofLight);
-    m_column = columnPicture();
+    m_column = sharedColumn();
+}
+
+// Equal meters share it: the fewer pictures, the more of them are near the processor.
+LevelMeterPicture MeterDrawing::sharedColumn() const {
+    if (!m_bar.off || !m_bar.on || !m_light.off || m_bar.ground == kClear) return {};
+    const MeterArea& bar = m_layout.bar;
+    LevelMeterPictureRequest request = m_request;
+    request.length = bar.high - bar.low;
+    request.thickness = bar.far - bar.near;
+    const std::int32_t rest = bar.low - column().low;
+    return meterPicture({m_looks.bar, m_looks.light, MeterPart::Column, rest, request}, [this] {
+        return LevelMeterPicture{columnPicture(*m_bar.off), columnPicture(*m_bar.on)};
+    });
 }
 
 // An LED is lit when the level is above the place where the LED begins.
@@ -80,21 +95,31 @@ Rect MeterDrawing::rectOfMeter(const Rect& frame, bool isFlipped) const {
     return m_layout.inView(m_layout.whole(), frame, isFlipped);
 }
 
-// One image is drawn faster than three.
-std::shared_ptr<const Image> MeterDrawing::columnPicture() const {
+Rect MeterDrawing::opaqueRect(const Rect& frame, bool isFlipped) const {
+    if (!m_column.off || m_bar.ground.alpha != 1.0F) return {};
+    return m_layout.inView(column(), frame, isFlipped);
+}
+
+// All that is drawn on, and the glass in the room that the bar leaves empty.
+MeterArea MeterDrawing::column() const {
     const MeterArea whole = m_layout.whole();
-    if (!m_bar.off || !m_light.off || m_bar.ground == kClear) return nullptr;
-    const MeterArea moved{0, whole.high - whole.low, 0, whole.far - whole.near};
+    return whole.part(std::max(whole.low - m_glass, 0), whole.high);
+}
+
+// One image is drawn faster than what it is put together from.
+std::shared_ptr<const Image> MeterDrawing::columnPicture(const Image& bar) const {
+    const MeterArea all = column();
+    const MeterArea moved{0, all.high - all.low, 0, all.far - all.near};
     const Rect place = meterRect(moved, m_layout.orientation, moved.high, m_layout.scale);
     return Image::drawn(place.size, m_layout.scale, [&](Canvas& canvas) {
         canvas.fillRect(place, m_bar.ground);
         const auto draw = [&](const Image& image, const MeterArea& area) {
-            const MeterArea at{area.low - whole.low, area.high - whole.low, area.near - whole.near,
-                               area.far - whole.near};
+            const MeterArea at{area.low - all.low, area.high - all.low, area.near - all.near,
+                               area.far - all.near};
             canvas.drawImage(
                 image, meterRect(at, m_layout.orientation, moved.high, m_layout.scale).origin);
         };
-        draw(*m_bar.off, m_layout.bar);
+        draw(bar, m_layout.bar);
         draw(*m_light.off, m_layout.light);
     });
 }
@@ -109,27 +134,17 @@ void MeterDrawing::drawPart(Canvas& canvas, const Rect& place, const Image* imag
         m_layout.inView(part, place, canvas.isFlipped()), alpha);
 }
 
-// The glass in the room that the bar leaves empty.
-void MeterDrawing::drawRest(Canvas& canvas, const Rect& place) const {
-    const MeterArea& bar = m_layout.bar;
-    const MeterArea rest = bar.part(std::max(bar.low - m_glass, 0), bar.low);
-    if (m_bar.ground != kClear && !rest.isEmpty())
-        canvas.fillRect(m_layout.inView(rest, place, canvas.isFlipped()), m_bar.ground);
-}
-
-// All that lies beyond `from`, device pixels of the bar.
-void MeterDrawing::drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const {
+// Where there is no column: all that is not lit.
+void MeterDrawing::drawUnlit(Canvas& canvas, const Rect& place) const {
     const MeterArea& bar = m_layout.bar;
     const MeterArea& light = m_layout.light;
-    const MeterArea whole = m_layout.whole();
-    if (m_column) {
-        const MeterArea rest = whole.part(bar.low + from, whole.high);
-        return drawPart(canvas, place, m_column.get(), whole, rest);
-    }
-    drawPart(canvas, place, m_bar.off.get(), bar, bar.part(bar.low + from, bar.high));
-    const MeterArea between = bar.part(bar.high, light.low);
-    if (m_bar.ground != kClear && !light.isEmpty() && !between.isEmpty())
-        canvas.fillRect(m_layout.inView(between, place, canvas.isFlipped()), m_bar.ground);
+    const auto fill = [&](const MeterArea& area) {
+        if (m_bar.ground != kClear && !area.isEmpty())
+            canvas.fillRect(m_layout.inView(area, place, canvas.isFlipped()), m_bar.ground);
+    };
+    fill(bar.part(std::max(bar.low - m_glass, 0), bar.low));
+    drawPart(canvas, place, m_bar.off.get(), bar, bar);
+    if (!light.isEmpty()) fill(bar.part(bar.high, light.low));
     drawPart(canvas, place, m_light.off.get(), light, light);
 }
 
@@ -154,14 +169,20 @@ void MeterDrawing::draw(Canvas& canvas, const Rect& place, const MeterState& sta
         drawPart(canvas, place, m_bar.on.get(), bar,
                  bar.part(bar.low + low, bar.low + high).inset(inset), alpha);
     };
-    drawRest(canvas, place);
     const std::int32_t end = litEnd(state.level);
     const std::int32_t full = state.rms ? std::min(litEnd(*state.rms), end) : end;
-    // What a lit part covers need not be drawn unlit, unless that shows around or through it.
-    const bool covers =
-        inset == 0 && m_bar.start == 0 && m_bar.on != nullptr && m_bar.ground != kClear;
-    drawUnlit(canvas, place, covers && full > m_bar.start ? full : 0);
-    drawLit(m_bar.start, full);
+    if (m_column.off) {
+        const MeterArea all = column();
+        // What a lit part covers need not be drawn unlit, unless that shows around it.
+        const bool covers = inset == 0 && m_bar.start == 0 && full > 0;
+        const std::int32_t border = covers ? bar.low + full : all.low;
+        drawPart(canvas, place, m_column.off.get(), all, all.part(border, all.high));
+        drawPart(canvas, place, m_column.on.get(), all, all.part(all.low, border));
+        if (!covers) drawLit(m_bar.start, full);
+    } else {
+        drawUnlit(canvas, place);
+        drawLit(m_bar.start, full);
+    }
     drawLit(full, end, kSoft);
     const LevelMeterSpan line = maximumLine(state.maximum);
     drawLit(line.low, line.high);

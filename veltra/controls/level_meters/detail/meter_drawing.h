@@ -45,6 +45,9 @@ public:
     // All that such a meter draws on.
     Rect rectOfMeter(const Rect& frame, bool isFlipped) const;
 
+    // What draw() covers without a gap.
+    Rect opaqueRect(const Rect& frame, bool isFlipped) const;
+
     // `place` begins and ends on borders between device pixels.
     void draw(Canvas& canvas, const Rect& place, const MeterState& state) const;
 
@@ -54,11 +57,12 @@ private:
     std::int32_t endOfLeds(std::int32_t count) const;
     std::int32_t litEnd(float level) const;
     LevelMeterSpan maximumLine(float maximum) const;
-    std::shared_ptr<const Image> columnPicture() const;
+    LevelMeterPicture sharedColumn() const;
+    std::shared_ptr<const Image> columnPicture(const Image& bar) const;
     void drawPart(Canvas& canvas, const Rect& place, const Image* image, const MeterArea& whole,
                   const MeterArea& part, float alpha = 1.0F) const;
-    void drawRest(Canvas& canvas, const Rect& place) const;
-    void drawUnlit(Canvas& canvas, const Rect& place, std::int32_t from) const;
+    MeterArea column() const;
+    void drawUnlit(Canvas& canvas, const Rect& place) const;
 
     const UiPort* m_port = nullptr;  // whose images they are
     MeterLooks m_looks;
@@ -68,7 +72,7 @@ private:
     std::int32_t m_glass = 0;  // its edge, device pixels
     LevelMeterPicture m_bar;
     LevelMeterPicture m_light;
-    std::shared_ptr<const Image> m_column;  // the whole meter unlit; null: it is put together
+    LevelMeterPicture m_column;  // the meter with the bar unlit and lit; null: put together
 };
 
 }  // namespace veltra::detail

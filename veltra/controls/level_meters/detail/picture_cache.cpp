@@ -14,10 +14,8 @@ namespace {
 constexpr std::size_t kCapacity = 32;
 
 struct Entry {
-    std::shared_ptr<const LevelMeterLook> look;  // kept, so that its address stays its own
-    const UiPort* port;                          // whose images they are
-    MeterPart part;
-    LevelMeterPictureRequest request;
+    MeterPictureKey key;  // keeps the looks, so that their addresses stay their own
+    const UiPort* port;   // whose images they are
     LevelMeterPicture picture;
 };
 
@@ -28,22 +26,21 @@ std::vector<Entry>& entries() {  // the one used last comes first
 
 }  // namespace
 
-LevelMeterPicture meterPicture(const std::shared_ptr<const LevelMeterLook>& look, MeterPart part,
-                               const LevelMeterPictureRequest& request) {
+LevelMeterPicture meterPicture(const MeterPictureKey& key,
+                               const std::function<LevelMeterPicture()>& make) {
     const UiPort* const port = &UiPort::current();
     std::vector<Entry>& all = entries();
     const auto found = std::find_if(all.begin(), all.end(), [&](const Entry& entry) {
-        return entry.look == look && entry.port == port && entry.part == part &&
-               entry.request == request;
+        return entry.key == key && entry.port == port;
     });
     if (found != all.end()) {
         std::rotate(all.begin(), found, found + 1);
         return all.front().picture;
     }
-    LevelMeterPicture picture = part == MeterPart::Bar ? look->bar(request) : look->light(request);
+    LevelMeterPicture picture = make();
     if (!picture.off && !picture.on) return picture;
     if (all.size() >= kCapacity) all.pop_back();
-    all.insert(all.begin(), Entry{look, port, part, request, picture});
+    all.insert(all.begin(), Entry{key, port, picture});
     return picture;
 }
 
