@@ -15,8 +15,8 @@
 #include "veltra/platform/file_system.h"  // platformFileSystem()
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/fork_handlers.h"
-#include "veltra/platform/keyboard_layout.h"  // platformKeyboardLayout()
-#include "veltra/platform/local_time.h"       // platformLocalTime()
+#include "veltra/platform/keyboard_layout.h"    // platformKeyboardLayout()
+#include "veltra/platform/local_time.h"         // platformLocalTime()
 #include "veltra/platform/loudness_analysis.h"  // makeLoudnessAnalysis(), in ebur128/ or none/
 #include "veltra/platform/machine_lines.h"
 #include "veltra/platform/memory_system.h"  // platformMemorySystem(), MemoryFactsReader

@@ -27,7 +27,8 @@ public:
 
     Window& window() noexcept { return *m_window; }
 
-    // All of the window as it is at present, with the tool tip of a value. Null where Image::drawn() returns null.
+    // All of the window as it is at present, with the tool tip of a value. Null where
+    // Image::drawn() returns null.
     std::shared_ptr<const Image> draw();
 
 private:
