@@ -63,7 +63,9 @@ endfunction()
 # Tests are compiled more often than run: not optimised, but where they are emulated.
 function(veltra_compile_as_test target)
     set_target_properties(${target} PROPERTIES VELTRA_IS_TEST ON)
-    target_compile_options(${target} PRIVATE -fPIC)  # as Qt asks for: a precompiled header serves like flags
+    # Qt asks for the first, tests of stack traces for the second: a precompiled header serves only
+    # who has the same.
+    target_compile_options(${target} PRIVATE -fPIC $<$<CONFIG:Release>:-g1>)
     if(NOT CMAKE_CROSSCOMPILING)
         target_compile_options(${target} PRIVATE -O0)
     endif()
@@ -91,7 +93,9 @@ function(veltra_test target)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE ${inside} ${TEST_LIBRARIES})
     veltra_compile_as_test(${target})
-    veltra_precompile_prelude(${target})
+    if(NOT TEST_HOST)  # those have flags of their own
+        veltra_precompile_prelude(${target})
+    endif()
     include(GoogleTest)
     set(properties TIMEOUT 120)
     if(CMAKE_CROSSCOMPILING)

@@ -18,11 +18,11 @@ namespace {
 
 constexpr Nanoseconds kPatience = seconds(86'400.0);
 
-constexpr std::uint64_t kNone = UINT64_MAX;
+constexpr std::uint32_t kNone = UINT32_MAX;  // no process has so many ancestors
 
 // The fork generation of the process whose report is on screen, or kNone. A forked child inherits
 // that of its parent, whose report is none of the child's.
-constinit std::atomic<std::uint64_t> onScreen{kNone};
+constinit std::atomic<std::uint32_t> onScreen{kNone};
 
 std::string_view stackOf(const Exception& exception) noexcept {
     const auto& userInfo = exception.userInfo();
@@ -60,7 +60,7 @@ __attribute__((noinline, no_sanitize("undefined"))) void crash() noexcept {
 }  // namespace
 
 extern "C" void QKDisplayExceptionReport(const Exception& exception) noexcept {
-    const std::uint64_t ours = forkGeneration();
+    const std::uint32_t ours = forkGeneration();
     if (onScreen.exchange(ours, std::memory_order_acquire) == ours) return;  // with the store
     const AlertAnswer answer = reportAndAsk(exception);
     onScreen.store(kNone, std::memory_order_release);  // before the button acts: it may return
