@@ -37,7 +37,7 @@ A file that this program has not made is never overwritten.
 Ctrl-C ends early, with the report of what was read so far.
 
 In the window Ctrl-O adds files, Escape stops reading their waveforms, F1 tells the versions, and
-Ctrl-Shift-E is --demo-exception.
+Ctrl-Shift-E is --demo-exception. The menu of the right button has them all.
 
 The report has a block for each file, in the order of the command line: the file's name, then the
 lines below, names in columns 3 to 14 and values from column 15; a blank line between blocks.

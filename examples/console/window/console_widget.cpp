@@ -5,11 +5,11 @@
 #include "../requests.h"
 #include "veltra/infrastructure/timer.h"
 
+#include <QAction>
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QShortcut>
 #include <QUrl>
 
 namespace veltra::console {
@@ -50,13 +50,19 @@ ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
     setWindowTitle(QStringLiteral("Veltra Console"));
     setMinimumSize(460, 320);
     setAcceptDrops(true);
-    const auto onKeys = [this](const QKeySequence& keys, auto reaction) {
-        connect(new QShortcut(keys, this), &QShortcut::activated, this, reaction);
+    // The right button and the menu key show them; their keys work without the menu.
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+    const auto offer = [this](const char* name, const QKeySequence& keys, auto reaction) {
+        auto* const entry = new QAction(QString::fromUtf8(name), this);
+        entry->setShortcut(keys);
+        connect(entry, &QAction::triggered, this, reaction);
+        addAction(entry);
     };
-    onKeys(QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
-    onKeys(QKeySequence(Qt::Key_Escape), [this] { m_player.stopReading(); });
-    onKeys(QKeySequence(Qt::Key_F1), [this] { showAbout(); });
-    onKeys(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E), [] { demonstrateException(); });
+    offer("&Add files\u2026", Qt::CTRL | Qt::Key_O, [this] { addFilesWasPressed(); });
+    offer("&Stop reading waveforms", Qt::Key_Escape, [this] { m_player.stopReading(); });
+    offer("Show a &crash report\u2026", Qt::CTRL | Qt::SHIFT | Qt::Key_E,
+          [] { demonstrateException(); });
+    offer("A&bout Veltra Console", Qt::Key_F1, [this] { showAbout(); });
     m_beat = std::make_unique<Beat>(*this);
 }
 

@@ -3,12 +3,16 @@
 #include "../test_recordings.h"
 #include "console_widget.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/alert.h"
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QImage>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QTimer>
 #include <QUrl>
 #include <QtTest>
 
@@ -106,6 +110,28 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_FALSE(entries[1].error.empty());
     EXPECT_TRUE(entries[3].result->complete);
     EXPECT_FALSE(entries[2].result->complete);
+}
+
+TEST(ConsoleWindow, ShowsACrashReportFromItsMenu) {
+    struct Presenter final : AlertPresenter {
+        Presenter() { install(this); }
+        ~Presenter() override { install(nullptr); }
+        AlertAnswer present(const Alert& alert) noexcept override {
+            message = alert.message;
+            return AlertAnswer::Alternate;
+        }
+        std::string message;
+    } presenter;
+    Player player(Device::Null);
+    ConsoleWidget widget(player);
+    widget.show();
+    QTimer::singleShot(0, &widget, [] {
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (menu != nullptr) QTest::keyClick(menu, Qt::Key_C);
+    });
+    QContextMenuEvent asked(QContextMenuEvent::Keyboard, QPoint(5, 5));
+    QApplication::sendEvent(&widget, &asked);
+    EXPECT_THAT(presenter.message, HasSubstr("raised on purpose"));
 }
 
 TEST(ConsolePicture, ShowsTheLoudestMomentAtItsScale) {
