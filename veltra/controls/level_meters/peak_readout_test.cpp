@@ -114,8 +114,8 @@ TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
     EXPECT_EQ(readout->accessibilityValueText(), "-3.0 LUFS");
     EXPECT_EQ(readout->accessibilityName(), "peak");
     readout->setEnabled(true);
-    target.victim = &host;  // the action deletes the read-out
-    host->click({5, 5});
+    target.victim = &host;  // the action deletes the read-out and its window
+    host->press({5, 5});
     EXPECT_EQ(target.count, expected + 1);
 }
 

@@ -422,9 +422,9 @@ TEST_F(NumberEditors, SurviveTheirDeletionInEachCallback) {
             EXPECT_FALSE(alive);
             loop.advance(1.0);
             window.display();
+            told.hook = [](const std::string&) {};
         }
     }
-    told.hook = [](const std::string&) {};
 }
 
 }  // namespace
