@@ -32,11 +32,12 @@ endfunction()
 #       UNITS musical_context           # x.h and x.cpp, and x_test.cpp where there is one
 #       HEADERS only_a_header.h         # installed, without a source
 #       PRIVATE detail/helper.cpp       # sources whose headers are not installed
-#       TESTS detail/helper_test.cpp)
+#       TESTS detail/helper_test.cpp
+#       LONG_TESTS)                     # they calculate for long, and are optimised
 #
 # Tests link the rooms themselves, not the library: they may look inside.
 function(veltra_room name)
-    cmake_parse_arguments(ROOM "" "" "UNITS;HEADERS;PRIVATE;TESTS;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ROOM "LONG_TESTS" "" "UNITS;HEADERS;PRIVATE;TESTS;LIBRARIES" ${ARGN})
     string(REPLACE "/" "_" target "veltra_${name}")
     set(sources ${ROOM_PRIVATE})
     set(headers ${ROOM_HEADERS})
@@ -56,45 +57,52 @@ function(veltra_room name)
     set_property(GLOBAL APPEND PROPERTY VELTRA_PUBLIC_HEADERS ${headers})
 
     if(VELTRA_TESTS AND tests)
-        veltra_test(${target}_test SOURCES ${tests})
+        set(long "")
+        if(ROOM_LONG_TESTS)
+            set(long LONG)
+        endif()
+        veltra_test(${target}_test ${long} SOURCES ${tests})
     endif()
 endfunction()
 
-# Tests are compiled more often than run: not optimised, but where they are emulated.
 function(veltra_compile_as_test target)
     set_target_properties(${target} PROPERTIES VELTRA_IS_TEST ON)
     # Qt asks for the first, tests of stack traces for the second: a precompiled header serves only
     # who has the same.
     target_compile_options(${target} PRIVATE -fPIC $<$<CONFIG:Release>:-g1>)
-    if(NOT CMAKE_CROSSCOMPILING)
-        target_compile_options(${target} PRIVATE -O0)
-    endif()
     target_link_libraries(${target} PRIVATE veltra_flags GTest::gmock GTest::gtest_main)
 endfunction()
 
-# What every test includes first is compiled once for all of them.
-function(veltra_precompile_prelude target)
+# Most tests are compiled more often than run: what each includes first is compiled once for all of
+# them, and they are not optimised, but where they are emulated.
+function(veltra_compile_quickly target)
+    set(level -O0)
+    if(CMAKE_CROSSCOMPILING)
+        set(level "")
+    endif()
     if(NOT TARGET veltra_test_prelude)
         file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/test_prelude.cpp" CONTENT "int main() {}\n")
         add_executable(veltra_test_prelude EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/test_prelude.cpp")
         veltra_compile_as_test(veltra_test_prelude)
+        target_compile_options(veltra_test_prelude PRIVATE ${level})
         target_precompile_headers(veltra_test_prelude
             PRIVATE "${PROJECT_SOURCE_DIR}/veltra/base/testing/prelude.h")
     endif()
+    target_compile_options(${target} PRIVATE ${level})
     target_precompile_headers(${target} REUSE_FROM veltra_test_prelude)
 endfunction()
 
 # One test program, its cases known to ctest one by one. HOST: it stands outside the library like a
-# host and links only the LIBRARIES that it names. ENVIRONMENT: one variable for its runs by ctest.
-# FILTER: which of its cases ctest knows, as GoogleTest has it.
+# host, and links only the LIBRARIES that it names. LONG: it calculates for long. ENVIRONMENT: one
+# variable for its runs by ctest. FILTER: which of its cases ctest knows, as GoogleTest has it.
 function(veltra_test target)
-    cmake_parse_arguments(TEST "HOST" "ENVIRONMENT;FILTER" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(TEST "HOST;LONG" "ENVIRONMENT;FILTER" "SOURCES;LIBRARIES" ${ARGN})
     set(inside $<$<NOT:$<BOOL:${TEST_HOST}>>:veltra_inside>)
     add_executable(${target} ${TEST_SOURCES})
     target_link_libraries(${target} PRIVATE ${inside} ${TEST_LIBRARIES})
     veltra_compile_as_test(${target})
-    if(NOT TEST_HOST)  # those have flags of their own
-        veltra_precompile_prelude(${target})
+    if(NOT TEST_HOST AND NOT TEST_LONG)  # hosts have flags of their own
+        veltra_compile_quickly(${target})
     endif()
     include(GoogleTest)
     set(properties TIMEOUT 120)
