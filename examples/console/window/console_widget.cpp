@@ -58,11 +58,12 @@ ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
         connect(entry, &QAction::triggered, this, reaction);
         addAction(entry);
     };
-    offer("&Add files\u2026", Qt::CTRL | Qt::Key_O, [this] { addFilesWasPressed(); });
-    offer("&Stop reading waveforms", Qt::Key_Escape, [this] { m_player.stopReading(); });
-    offer("Show a &crash report\u2026", Qt::CTRL | Qt::SHIFT | Qt::Key_E,
+    offer("&Add files\u2026", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
+    offer("&Stop reading waveforms", QKeySequence(Qt::Key_Escape),
+          [this] { m_player.stopReading(); });
+    offer("Show a &crash report\u2026", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E),
           [] { demonstrateException(); });
-    offer("A&bout Veltra Console", Qt::Key_F1, [this] { showAbout(); });
+    offer("A&bout Veltra Console", QKeySequence(Qt::Key_F1), [this] { showAbout(); });
     m_beat = std::make_unique<Beat>(*this);
 }
 

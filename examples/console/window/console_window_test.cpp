@@ -129,7 +129,8 @@ TEST(ConsoleWindow, ShowsACrashReportFromItsMenu) {
         auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         if (menu != nullptr) QTest::keyClick(menu, Qt::Key_C);
     });
-    QContextMenuEvent asked(QContextMenuEvent::Keyboard, QPoint(5, 5));
+    QContextMenuEvent asked(QContextMenuEvent::Keyboard, QPoint(5, 5),
+                            widget.mapToGlobal(QPoint(5, 5)));
     QApplication::sendEvent(&widget, &asked);
     EXPECT_THAT(presenter.message, HasSubstr("raised on purpose"));
 }
