@@ -105,7 +105,7 @@ function(veltra_test target)
         veltra_compile_quickly(${target})
     endif()
     include(GoogleTest)
-    set(properties TIMEOUT 120)
+    set(properties TIMEOUT 300)
     if(CMAKE_CROSSCOMPILING)
         set(properties TIMEOUT 900)  # emulated
     endif()
