@@ -292,8 +292,7 @@ void SliderCell::decodeWithCoder(const KeyedCoder& coder) {
     setMinValue(minimum);
     setMaxValue(maximum);
     const std::int64_t count = coder.decodeInt64(kTickMarks, m_numberOfTickMarks);
-    setNumberOfTickMarks(
-        static_cast<std::int32_t>(std::clamp<std::int64_t>(count, 0, kMaximumTickMarks)));
+    setNumberOfTickMarks(static_cast<std::int32_t>(std::clamp<std::int64_t>(count, 0, INT32_MAX)));
     setAllowsTickMarkValuesOnly(coder.decodeBool(kTickMarksOnly, m_allowsTickMarkValuesOnly));
     setAltIncrementValue(coder.decodeDouble(kStep, m_altIncrementValue));
     if (coder.contains(kVertical)) setVertical(coder.decodeBool(kVertical));

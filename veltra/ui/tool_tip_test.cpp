@@ -2,18 +2,14 @@
 #include "veltra/ui/tool_tip.h"
 
 #include "veltra/ui/testing/scripted_port.h"
+#include "veltra/ui/testing/tagged_tip.h"
 
 namespace veltra::testing {
 namespace {
 
-struct Source final : Anchored, ToolTipSource {
-    std::string text = "7";
-    std::string stringForTag(std::int32_t tag) override { return text + std::to_string(tag); }
-};
-
 TEST(ToolTips, GoWithTheirViewAndTheirText) {
     ScriptedPort port;
-    Source source;
+    TaggedTip source;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
     ToolTipWindow& tip = ToolTipWindow::shared();
     View& root = *host.window.contentView();

@@ -2,18 +2,14 @@
 #include "veltra/ui/view_tool_tips.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/ui/testing/tagged_tip.h"
 
 namespace veltra::testing {
 namespace {
 
-struct Source final : Anchored, ToolTipSource {
-    std::string text = "7";
-    std::string stringForTag(std::int32_t tag) override { return text + std::to_string(tag); }
-};
-
 TEST(ToolTips, RestingOnesAreThoseAddedLast) {
     ViewToolTips tips;
-    Source source;
+    TaggedTip source;
     const auto low = tips.addToolTipRect({{0, 0}, {20, 20}}, "low");
     const auto high = tips.addToolTipRect({{10, 0}, {20, 20}}, &source, 3);
     EXPECT_EQ(tips.at({15, 5})->text, "73");
