@@ -19,7 +19,7 @@ function(veltra_kernel path)
             # The undefined registers of GCC 12's own headers set this off.
             list(APPEND KERNEL_FLAGS -Wno-uninitialized)
         endif()
-        set_source_files_properties(${path}.cpp PROPERTIES COMPILE_OPTIONS "${KERNEL_FLAGS}")
+        set_source_files_properties(${path}.cpp PROPERTIES COMPILE_OPTIONS "${KERNEL_FLAGS}" SKIP_PRECOMPILE_HEADERS ON)
         set(KERNEL_SOURCES ${KERNEL_SOURCES} ${path}.cpp PARENT_SCOPE)
         set(KERNEL_DEFINITIONS ${KERNEL_DEFINITIONS} ${macro} PARENT_SCOPE)
     endif()

@@ -25,6 +25,24 @@ function(veltra_read_rooms result)
     set(${result} ${folders} PARENT_SCOPE)
 endfunction()
 
+# In builds that no host gets, the standard headers that most sources include are compiled once.
+# Elsewhere each source stands by its own includes.
+function(veltra_share_headers target)
+    if(NOT VELTRA_SANITIZE AND NOT VELTRA_FUZZ AND NOT CMAKE_CROSSCOMPILING)
+        return()
+    endif()
+    if(NOT TARGET veltra_shared_headers)
+        file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/shared_headers.cpp" CONTENT "")
+        add_library(veltra_shared_headers OBJECT EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/shared_headers.cpp")
+        target_link_libraries(veltra_shared_headers PRIVATE veltra_flags Threads::Threads)
+        target_precompile_headers(veltra_shared_headers PRIVATE
+            <algorithm> <array> <atomic> <bit> <cerrno> <cmath> <cstddef> <cstdint> <cstdio>
+            <cstdlib> <cstring> <functional> <iterator> <limits> <map> <memory> <mutex> <optional>
+            <span> <string> <string_view> <utility> <vector>)
+    endif()
+    target_precompile_headers(${target} REUSE_FROM veltra_shared_headers)
+endfunction()
+
 # A room is one folder of veltra/ and one target: its sources become part of the library, its tests
 # one program.
 #
@@ -52,6 +70,7 @@ function(veltra_room name)
 
     add_library(${target} OBJECT ${sources})
     target_link_libraries(${target} PRIVATE veltra_flags Threads::Threads ${ROOM_LIBRARIES})
+    veltra_share_headers(${target})
     set_property(GLOBAL APPEND PROPERTY VELTRA_ROOMS ${target})
     list(TRANSFORM headers PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
     set_property(GLOBAL APPEND PROPERTY VELTRA_PUBLIC_HEADERS ${headers})
