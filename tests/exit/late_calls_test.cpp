@@ -6,19 +6,27 @@
 #include "veltra/diagnostics/assertion.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/platform/allocation_zone.h"
+#include "veltra/platform/bundle_information.h"
 #include "veltra/platform/clock.h"
+#include "veltra/platform/compression.h"
+#include "veltra/platform/file_system.h"
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/localization.h"
+#include "veltra/platform/memory_system.h"
 #include "veltra/platform/notification_center.h"
+#include "veltra/platform/optical_drives.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/processor_features.h"
 #include "veltra/platform/run_loop.h"
 #include "veltra/platform/standard_error.h"
+#include "veltra/platform/symboliser.h"
 #include "veltra/platform/system_log.h"
+#include "veltra/platform/system_queries.h"
 #include "veltra/platform/testing/fake_user.h"
 #include "veltra/platform/text_services.h"
+#include "veltra/platform/volumes.h"
 #include "veltra/ui/application.h"
 #include "veltra/ui/port.h"
 #include "veltra/ui/tool_tip.h"
@@ -50,6 +58,8 @@ bool isServed() {
     KeyboardLayout::current().translate(0);
     UiPort::current().appearance();
     ProcessorFeatures::current();
+    MemorySystem::current().addressSpaceLimits();
+    OpticalDrives::current().list();
     void* block = AllocationZone::current().entries().allocate(1);
     AllocationZone::current().entries().free(block);
     const auto isAsked = [] {
@@ -68,6 +78,13 @@ bool isServed() {
         Preferences::current().value("late").isNull(),
         Preferences::current().setValue("late", 1) && Preferences::current().setValue("late", {}),
         localizedString("late") == "late",
+        BundleInformation::current().text("late").empty(),
+        Compression::current().largestCompressedSize(0) > 0 ||
+            !Compression::current().makeInflater(),
+        FileSystem::current().homeFolder("no such user").empty(),
+        Symboliser::current().symbolise({}).empty(),
+        SystemQueries::current().number(SystemKey::ProcessorCount).value_or(1) > 0,
+        Volumes::current().volumeOfPath("/no such item") == std::nullopt,
         Application::current().currentEvent() == nullptr,
         &ToolTipWindow::shared() == &ToolTipWindow::shared(),
         RunLoop::current() == nullptr || RunLoop::current()->schedule({}) != nullptr,

@@ -33,7 +33,7 @@ public:
     constexpr std::int64_t count() const noexcept { return m_count; }
     // The number of seconds, as near as a double comes.
     constexpr double seconds() const noexcept { return static_cast<double>(m_count) / 1e9; }
-    // Rounded up, so that who waits for so many does not wake too early.
+    // Rounded up, so that a wait of so many does not end too early.
     constexpr std::int64_t wholeMilliseconds() const noexcept {
         constexpr std::int64_t kMillisecond = 1'000'000;
         return m_count / kMillisecond + (m_count % kMillisecond > 0 ? 1 : 0);

@@ -25,6 +25,11 @@ constexpr bool isLowSurrogate(char32_t unit) noexcept {
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
+// Whether `byte` stands inside of a character, behind its first byte.
+constexpr bool continuesCharacter(char byte) noexcept {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
 // The first character of `text`, which is not empty. Ill-formed are over-long forms, surrogates,
 // what is above U+10FFFF and what is cut short; the length is then that of the longest start of a
 // sequence that could have been one, else a single byte.

@@ -2,10 +2,10 @@
 #include "veltra/infrastructure/flyweight.h"
 
 #include "veltra/base/exception.h"
+#include "veltra/base/out_of_memory.h"
 #include "veltra/infrastructure/flyweight_pool.h"
 #include "veltra/infrastructure/monitor.h"
 
-#include <new>
 
 namespace veltra {
 
@@ -17,7 +17,7 @@ const ClassEntry flyweightEntry(QKFlyweight::s_class);
 
 // The pooled equal of `some`, retained; `some` itself after pooling it; null when memory is out.
 QKFlyweight* poolOrFind(QKFlyweight& some) {
-    try {
+    return unlessOutOfMemory(nullptr, [&]() -> QKFlyweight* {
         _QKPoolOfFlyweights* const pool = _QKPoolOfFlyweights::sharedInstance();
         if (pool == nullptr) return nullptr;
         // Around the retain, too: between the two another thread might take the object out.
@@ -26,9 +26,7 @@ QKFlyweight* poolOrFind(QKFlyweight& some) {
         if (existing == nullptr) return &some;
         existing->retain();
         return existing;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    });
 }
 
 void removeFromPool(QKFlyweight& some) {

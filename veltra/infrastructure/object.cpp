@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/infrastructure/object.h"
 
+#include "veltra/base/out_of_memory.h"
 #include "veltra/infrastructure/class_object.h"
 #include "veltra/platform/thread_end.h"
 
@@ -86,12 +87,7 @@ bool AutoreleasePool::collect(Object& object) noexcept {
         innermostPool = nullptr;  // it waits for the end of the thread, below every block's pool
     }
     AutoreleasePool& pool = innermostPool != nullptr ? *innermostPool : *threadPool;
-    try {
-        pool.m_objects.push_back(&object);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    return true;
+    return isDoneUnlessOutOfMemory([&] { pool.m_objects.push_back(&object); });
 }
 
 }  // namespace veltra

@@ -37,14 +37,15 @@ VELTRA_C_BEGIN
 // They may call everything in this header, VLReleaseProgressIndicator() for their own indicator
 // included; only one that runs because of such a release must not release it again.
 typedef struct VLProgressIndicatorService {
-    // Shows a new indicator and returns the host's handle for it. `title` may be null; who keeps
-    // it, retains it. `identifier` is the caller's and says which indicator is meant.
+    // Shows a new indicator and returns the host's handle for it. `title` may be null; a
+    // host that keeps it retains it. `identifier` is the caller's and says which indicator is
+    // meant.
     void* (*acquire)(const VLString* title, const void* identifier);
     // Takes it off the screen; nothing comes for this handle any more.
     void (*release)(void* handle);
     // Value and result are what caller and host agree on. May be null.
     int32_t (*setValue)(void* handle, double value);
-    // `text` may be null; who keeps it, retains it. May be null.
+    // `text` may be null; a host that keeps it retains it. May be null.
     void (*setInfoText)(void* handle, const VLString* text);
 } VLProgressIndicatorService;
 

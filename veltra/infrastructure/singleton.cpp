@@ -3,6 +3,7 @@
 
 #include "veltra/base/exception.h"
 #include "veltra/base/number_text.h"
+#include "veltra/base/out_of_memory.h"
 #include "veltra/infrastructure/monitor.h"
 #include "veltra/platform/stack_walk.h"
 #include "veltra/platform/symbol_names.h"
@@ -157,12 +158,7 @@ bool SingletonClass::registerInstance(const Object& instance) {
     const InMonitor guard(&_QKSingletonCollector::s_class);
     _QKSingletonCollector* const present = collector();
     if (present == nullptr) return false;
-    try {
-        present->_addSingleton(instance);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    return true;
+    return isDoneUnlessOutOfMemory([&] { present->_addSingleton(instance); });
 }
 
 void SingletonClass::releaseSharedInstance() {

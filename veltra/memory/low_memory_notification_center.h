@@ -29,7 +29,7 @@ namespace veltra {
 
 extern "C" {
 // What NotificationCenter::local() posts at each level, about no object: "kLowMemoryNotification".
-// Who observes it is called with the center's lock held, as an Observer is.
+// An observer of it is called with the center's lock held, as an Observer is.
 VELTRA_EXPORT extern const VLString* const kLowMemoryNotification;
 }
 

@@ -112,6 +112,10 @@ TEST_F(LowMemoryCenter, SaysInTheLogWhenASizeDoesNotFit) {
 TEST_F(LowMemoryCenter, GivesUpTheReserveInsideACriticalOperationAndNeverLosesIt) {
     LimitedHeap::available = 50;
     Center::InitializeLMNotificationCenter();
+    EXPECT_TRUE(Center::EnterCriticalOperation());
+    EXPECT_EQ(Center::CheckPoint(kThreshold), 1);  // outside of an observer the reserve stays
+    EXPECT_EQ(LimitedHeap::available, 0);
+    EXPECT_TRUE(Center::LeaveCriticalOperation());
     Center::AddLMObserver(checkAgain, nullptr);
     EXPECT_EQ(resultOfPost(0), 0);
     EXPECT_TRUE(Center::EnterCriticalOperation());

@@ -43,13 +43,13 @@ public:
 
     virtual ~MemorySystem();
 
-    // Puts what the file `path` holds from byte `offset` on into `text`. Answers how many bytes
+    // Puts what the file `path` holds from byte `offset` on into `text`. Returns how many bytes
     // that were: 0 at its end, below 0 when it cannot be read.
     // Thread: any. Realtime-safe: no.
     virtual std::ptrdiff_t read(const char* path, std::size_t offset,
                                 std::span<char> text) const noexcept = 0;
 
-    // The limit of the process's address space. Setting answers false when the system refuses.
+    // The limit of the process's address space. Setting returns false when the system refuses.
     // Thread: any. Realtime-safe: no.
     virtual Limits addressSpaceLimits() const noexcept = 0;
     virtual bool setAddressSpaceLimit(std::uint64_t bytes) noexcept = 0;

@@ -38,8 +38,8 @@ public:
     // Ends the innermost run() or runFor(), or makes the next one end at once; several calls before
     // that count as one. The loop's thread may destroy the loop as soon as it has met the stop,
     // even before this call has returned: "stop, then join the thread" needs nothing in between.
-    // Who calls while another thread's stop may end the loop keeps the loop alive. Thread: any.
-    // Realtime-safe: no (a system call).
+    // A thread that calls while another thread's stop may end the loop has to keep the loop alive.
+    // Thread: any. Realtime-safe: no (a system call).
     void stop() noexcept;
 
     // Made when first asked for; -1 when that fails. A forked child asks again and gets its own.

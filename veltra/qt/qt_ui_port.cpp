@@ -20,8 +20,8 @@
 namespace veltra {
 
 namespace {
-QtUiPort* s_installed = nullptr;
-WeakPointer<RunLoop>* s_loopBefore = nullptr;
+QtUiPort* portInForce = nullptr;
+WeakPointer<RunLoop>* loopBefore = nullptr;
 
 // On any thread; the loop is that of the main one.
 void endEventLoop() noexcept {
@@ -38,25 +38,25 @@ struct QtUiPort::Wait {
 };
 
 QtUiPort* QtUiPort::installed() noexcept {
-    return s_installed;
+    return portInForce;
 }
 
 bool QtUiPort::install() {
-    if (s_installed != nullptr) return true;
+    if (portInForce != nullptr) return true;
     if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) return false;
-    s_installed = new QtUiPort;
-    UiPort::install(s_installed);
+    portInForce = new QtUiPort;
+    UiPort::install(portInForce);
     QObject::connect(qApp, &QGuiApplication::fontDatabaseChanged, [] {
-        if (s_installed != nullptr) s_installed->m_textSizes.forget();
+        if (portInForce != nullptr) portInForce->m_textSizes.forget();
     });
     if (const Terminator hosts = installTerminator(endEventLoop)) installTerminator(hosts);
-    s_loopBefore = new WeakPointer<RunLoop>(RunLoop::setCurrent(&s_installed->m_runLoop));
+    loopBefore = new WeakPointer<RunLoop>(RunLoop::setCurrent(&portInForce->m_runLoop));
     qAddPostRoutine(&QtUiPort::uninstall);  // called first thing when the application ends
     return true;
 }
 
 void QtUiPort::uninstall() {
-    QtUiPort* const port = s_installed;
+    QtUiPort* const port = portInForce;
     if (port == nullptr) return;
     // While the port is in force still, the windows can let go.
     for (const auto surfaces = port->m_surfaces; QtSurface * surface : surfaces) {
@@ -68,9 +68,9 @@ void QtUiPort::uninstall() {
     if (&UiPort::current() == port) UiPort::install(nullptr);
     if (const Terminator present = installTerminator(nullptr); present != endEventLoop)
         installTerminator(present);
-    if (RunLoop::current() == &port->m_runLoop) RunLoop::setCurrent(s_loopBefore->get());
-    s_installed = nullptr;
-    delete std::exchange(s_loopBefore, nullptr);
+    if (RunLoop::current() == &port->m_runLoop) RunLoop::setCurrent(loopBefore->get());
+    portInForce = nullptr;
+    delete std::exchange(loopBefore, nullptr);
     delete port;
 }
 
@@ -146,7 +146,7 @@ bool QtUiPort::waitForEvent() {
     Wait wait;
     wait.outer = std::exchange(m_wait, &wait);
     wait.loop.exec();  // ends also when the application quits
-    if (s_installed == this) m_wait = wait.outer;
+    if (portInForce == this) m_wait = wait.outer;
     return wait.hasEvent;
 }
 

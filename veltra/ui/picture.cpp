@@ -9,7 +9,7 @@
 namespace veltra {
 
 PictureWindow::PictureWindow(Size size, float scale, Appearance appearance)
-    : m_surface(std::make_unique<OffscreenWindow>(scale)),
+    : m_surface(std::make_unique<detail::OffscreenWindow>(scale)),
       m_window(std::make_unique<Window>(*m_surface, size)) {
     m_window->setAppearance(appearance);
 }

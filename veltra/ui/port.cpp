@@ -3,6 +3,7 @@
 
 #include "veltra/base/immortal.h"
 #include "veltra/base/installable_source.h"
+#include "veltra/base/utf8.h"
 #include "veltra/ui/detail/offscreen_window.h"
 
 namespace veltra {
@@ -14,7 +15,7 @@ class NoScreen final : public UiPort {
 public:
     std::unique_ptr<WindowPort> makeWindow(Window& /*window*/, const Rect& /*contentRect*/,
                                            const WindowStyle& /*style*/) override {
-        return std::make_unique<OffscreenWindow>();
+        return std::make_unique<detail::OffscreenWindow>();
     }
     bool waitForEvent() override { return false; }
     void terminate() override {}
@@ -23,7 +24,7 @@ public:
     Size textSize(const StyledText& text) const override {
         std::size_t characters = 0;
         for (const char byte : text.string)
-            characters += (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+            characters += continuesCharacter(byte) ? 0U : 1U;
         return {static_cast<float>(characters) * text.font.size * kWidthOfLetter,
                 text.font.size * kHeightOfLine};
     }

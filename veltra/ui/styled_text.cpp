@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/styled_text.h"
 
+#include "veltra/base/utf8.h"
 #include "veltra/ui/port.h"
 
 namespace veltra {
@@ -8,10 +9,6 @@ namespace veltra {
 namespace {
 
 constexpr char kEllipsis[] = "\xE2\x80\xA6";
-
-bool continuesCharacter(char byte) noexcept {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
 
 }  // namespace
 

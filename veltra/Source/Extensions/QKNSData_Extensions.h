@@ -2,7 +2,7 @@
 // Compression of data. The compressed form is one zlib stream (RFC 1950) and nothing else: neither
 // a mark nor the unpacked size stands in front of it.
 //
-// All of it answers nothing when the library was built without zlib.
+// All of it returns nothing when the library was built without zlib.
 // Thread: any. Realtime-safe: no.
 #pragma once
 

@@ -27,8 +27,9 @@ std::optional<FileKind> kindAt(const std::string& path, LastLink lastLink) noexc
 }
 
 bool isOfKind(std::string_view path, FileKind kind, LastLink lastLink) noexcept {
-    return answerAboutFiles(
-        false, [&] { return canBePath(path) && kindAt(std::string(path), lastLink) == kind; });
+    return detail::answerAboutFiles(false, [&] {
+        return detail::canBePath(path) && kindAt(std::string(path), lastLink) == kind;
+    });
 }
 
 // Whether `path` is a folder afterwards.
@@ -50,12 +51,12 @@ bool makeOne(FileSystem& files, const std::string& path, std::optional<std::uint
 
 std::optional<std::string> resolved(const std::string& path,
                                     const std::vector<std::string>& extensions) {
-    if (!canBePath(path)) return std::nullopt;
+    if (!detail::canBePath(path)) return std::nullopt;
     if (kindAt(path, LastLink::Follow)) return path;
     for (const std::string& extension : extensions) {
         std::string candidate = path;
         candidate.append(".").append(extension);
-        if (canBePath(candidate) && kindAt(candidate, LastLink::Follow)) return candidate;
+        if (detail::canBePath(candidate) && kindAt(candidate, LastLink::Follow)) return candidate;
     }
     return std::nullopt;
 }
@@ -72,8 +73,8 @@ bool isDirectoryAtPath(std::string_view path) noexcept {
 
 bool createDirectoriesRecursivelyAtPath(std::string_view path,
                                         const DirectoryAttributes& attributes) noexcept {
-    return answerAboutFiles(false, [&] {
-        if (!canBePath(path)) return false;
+    return detail::answerAboutFiles(false, [&] {
+        if (!detail::canBePath(path)) return false;
         FileSystem& files = FileSystem::current();
         std::string whole(path);
         while (whole.size() > 1 && whole.back() == '/')
@@ -101,11 +102,11 @@ std::optional<std::vector<std::string>> contentPathsAtPath(std::string_view path
                                                            bool traverseSubpaths,
                                                            bool traverseFilePackages) noexcept {
     using Answer = std::optional<std::vector<std::string>>;
-    return answerAboutFiles(Answer(), [&]() -> Answer {
+    return detail::answerAboutFiles(Answer(), [&]() -> Answer {
         std::vector<std::string> paths;
         const bool isRead =
-            canBePath(path) &&
-            walkFolder(std::string(path), [&](const std::string& item, bool isFolder) {
+            detail::canBePath(path) &&
+            detail::walkFolder(std::string(path), [&](const std::string& item, bool isFolder) {
                 paths.push_back(item);
                 return isFolder && traverseSubpaths &&
                        (traverseFilePackages || !isFilePackageAtPath(item));
@@ -119,12 +120,13 @@ std::optional<std::vector<std::string>> contentPathsAtPath(std::string_view path
 std::optional<std::vector<std::string>> directoryContentsAtPath(
     std::string_view path, std::string_view withPathExtension) noexcept {
     using Answer = std::optional<std::vector<std::string>>;
-    return answerAboutFiles(Answer(), [&]() -> Answer {
+    return detail::answerAboutFiles(Answer(), [&]() -> Answer {
         std::vector<std::string> names;
         const bool isRead =
-            canBePath(path) && walkFolder(std::string(path), [&](const std::string& item, bool) {
-                if (isSameExtension(extensionOf(item), withPathExtension))
-                    names.emplace_back(lastNameOf(item));
+            detail::canBePath(path) &&
+            detail::walkFolder(std::string(path), [&](const std::string& item, bool) {
+                if (detail::isSameExtension(detail::extensionOf(item), withPathExtension))
+                    names.emplace_back(detail::lastNameOf(item));
                 return false;
             });
         if (!isRead) return std::nullopt;
@@ -135,16 +137,17 @@ std::optional<std::vector<std::string>> directoryContentsAtPath(
 
 std::optional<std::string> resolveFile(std::string_view file,
                                        const std::vector<std::string>& withExtensions) noexcept {
-    return answerAboutFiles(std::optional<std::string>(),
-                            [&] { return resolved(std::string(file), withExtensions); });
+    return detail::answerAboutFiles(std::optional<std::string>(),
+                                    [&] { return resolved(std::string(file), withExtensions); });
 }
 
 std::optional<std::string> resolveFile(std::string_view file, std::string_view inDirectory,
                                        const std::vector<std::string>& withExtensions) noexcept {
-    return answerAboutFiles(std::optional<std::string>(), [&]() -> std::optional<std::string> {
-        if (file.empty()) return std::nullopt;
-        return resolved(pathIn(inDirectory, file), withExtensions);
-    });
+    return detail::answerAboutFiles(
+        std::optional<std::string>(), [&]() -> std::optional<std::string> {
+            if (file.empty()) return std::nullopt;
+            return resolved(detail::pathIn(inDirectory, file), withExtensions);
+        });
 }
 
 }  // namespace veltra

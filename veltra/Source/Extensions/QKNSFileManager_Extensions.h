@@ -3,7 +3,7 @@
 //
 // Paths are bytes, as the system has them: UTF-8 nearly always, but a name that is not is listed
 // and opened like any other. A path that is empty or has a NUL in it names nothing. Every function
-// is safe on any thread and beside any others, answers its neutral value when memory is out, and
+// is safe on any thread and beside any others, returns its neutral value when memory is out, and
 // throws nothing. Thread: any. Realtime-safe: no, all of them.
 #pragma once
 

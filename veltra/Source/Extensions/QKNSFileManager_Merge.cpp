@@ -21,7 +21,8 @@ bool mergePath(std::string_view path, std::string_view toPath, bool replaceExist
     const NoCancellation whileFilesAreOpen;
     bool isComplete = false;
     if (isDoneUnlessOutOfMemory([&] {
-            FolderMerge merge(FileSystem::current(), replaceExistingFilesWithSource, handler);
+            detail::FolderMerge merge(FileSystem::current(), replaceExistingFilesWithSource,
+                                      handler);
             isComplete = merge.run(path, toPath);
         }))
         return isComplete;

@@ -22,33 +22,36 @@ std::atomic<FilePackageRule> packageRule{nullptr};
 
 }  // namespace
 
-std::error_code judgePackage(FileSystem& files, FileSystem::Handle folder, const std::string& name,
-                             const std::string& path, bool& isPackage) {
+std::error_code detail::judgePackage(FileSystem& files, FileSystem::Handle folder,
+                                     const std::string& name, const std::string& path,
+                                     bool& isPackage) {
     if (const FilePackageRule rule = packageRule.load(std::memory_order_acquire)) {  // with below
         isPackage = rule(path);
         return {};
     }
-    const std::string_view extension = extensionOf(path);
-    isPackage = std::any_of(kPackageExtensions.begin(), kPackageExtensions.end(),
-                            [&](std::string_view one) { return isSameExtension(one, extension); });
+    const std::string_view extension = detail::extensionOf(path);
+    isPackage =
+        std::any_of(kPackageExtensions.begin(), kPackageExtensions.end(),
+                    [&](std::string_view one) { return detail::isSameExtension(one, extension); });
     if (isPackage) return {};
     FileFacts contents;
     const std::error_code error =
-        files.facts(folder, pathIn(name, "Contents").c_str(), LastLink::Keep, contents);
+        files.facts(folder, detail::pathIn(name, "Contents").c_str(), LastLink::Keep, contents);
     isPackage = !error && contents.kind == FileKind::Folder;
     return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
 }
 
 bool isFilePackageAtPath(std::string_view path) noexcept {
-    return answerAboutFiles(false, [&] {
-        if (!canBePath(path)) return false;
+    return detail::answerAboutFiles(false, [&] {
+        if (!detail::canBePath(path)) return false;
         FileSystem& files = FileSystem::current();
         const std::string text(path);
         FileFacts facts;
         bool isPackage = false;
         return !files.facts(FileSystem::kWorkingFolder, text.c_str(), LastLink::Keep, facts) &&
                facts.kind == FileKind::Folder &&
-               !judgePackage(files, FileSystem::kWorkingFolder, text, text, isPackage) && isPackage;
+               !detail::judgePackage(files, FileSystem::kWorkingFolder, text, text, isPackage) &&
+               isPackage;
     });
 }
 

@@ -14,16 +14,16 @@
 namespace veltra {
 
 std::vector<std::string> pluginSearchPaths(std::string_view folderName) noexcept {
-    return answerAboutFiles(std::vector<std::string>(), [&] {
+    return detail::answerAboutFiles(std::vector<std::string>(), [&] {
         std::vector<std::string> paths;
         const bool isRelative = !folderName.starts_with('/') &&
                                 folderName.find('\0') == std::string_view::npos &&
                                 !containsPathComponent(folderName, "..", CompareOption::Literal);
         if (!isRelative) return paths;
-        std::vector<std::string> folders = dataFolders();
+        std::vector<std::string> folders = detail::dataFolders();
         folders.push_back(executableFolder());
         for (const std::string& folder : folders) {
-            std::string path = folderName.empty() ? folder : pathIn(folder, folderName);
+            std::string path = folderName.empty() ? folder : detail::pathIn(folder, folderName);
             if (!folder.empty() && std::find(paths.begin(), paths.end(), path) == paths.end())
                 paths.push_back(std::move(path));
         }
@@ -34,12 +34,13 @@ std::vector<std::string> pluginSearchPaths(std::string_view folderName) noexcept
 std::optional<std::vector<std::string>> searchForPlugins(std::string_view withExtension,
                                                          std::string_view inFolder) noexcept {
     using Answer = std::optional<std::vector<std::string>>;
-    return answerAboutFiles(Answer(), [&]() -> Answer {
+    return detail::answerAboutFiles(Answer(), [&]() -> Answer {
         std::vector<std::string> found;
         const bool isRead =
-            canBePath(inFolder) && !withExtension.empty() &&
-            walkFolder(std::string(inFolder), [&](const std::string& item, bool isFolder) {
-                const bool isPlugin = isSameExtension(extensionOf(item), withExtension);
+            detail::canBePath(inFolder) && !withExtension.empty() &&
+            detail::walkFolder(std::string(inFolder), [&](const std::string& item, bool isFolder) {
+                const bool isPlugin =
+                    detail::isSameExtension(detail::extensionOf(item), withExtension);
                 if (isPlugin) found.push_back(item);
                 return isFolder && !isPlugin && !isFilePackageAtPath(item);
             });

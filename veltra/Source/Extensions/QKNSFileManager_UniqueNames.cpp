@@ -43,8 +43,9 @@ std::optional<std::string> firstFree(std::string_view name, std::string_view ext
 }
 
 bool canPass(OpenItem& folder, std::string_view path) {
-    return canBePath(path) && !folder.open(FileSystem::kWorkingFolder, std::string(path).c_str(),
-                                           OpenItem::Access::Pass, OpenItem::LastLink::Follow);
+    return detail::canBePath(path) &&
+           !folder.open(FileSystem::kWorkingFolder, std::string(path).c_str(),
+                        OpenItem::Access::Pass, OpenItem::LastLink::Follow);
 }
 
 }  // namespace
@@ -53,7 +54,7 @@ std::optional<std::string> uniqueFileNameAtPath(std::string_view path,
                                                 std::string_view withFileName,
                                                 std::string_view andExtension) noexcept {
     using Answer = std::optional<std::string>;
-    return answerAboutFiles(Answer(), [&]() -> Answer {
+    return detail::answerAboutFiles(Answer(), [&]() -> Answer {
         FileSystem& files = FileSystem::current();
         OpenItem folder(files);
         if (!canPass(folder, path)) return std::nullopt;
@@ -70,7 +71,7 @@ std::optional<std::string> uniqueFileNameAtPath(std::string_view path,
 std::optional<std::string> createUniqueFile(std::string_view path, std::string_view withFileName,
                                             std::string_view andExtension) noexcept {
     using Answer = std::optional<std::string>;
-    return answerAboutFiles(Answer(), [&]() -> Answer {
+    return detail::answerAboutFiles(Answer(), [&]() -> Answer {
         FileSystem& files = FileSystem::current();
         OpenItem folder(files);
         if (!canPass(folder, path)) return std::nullopt;

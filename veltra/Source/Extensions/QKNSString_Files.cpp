@@ -18,7 +18,7 @@ constexpr int kMostAliases = 16;
 
 Path withoutLinks(const std::string& path) {
     std::string resolved;
-    if (canonicalPath(path, resolved)) return std::nullopt;
+    if (detail::canonicalPath(path, resolved)) return std::nullopt;
     return resolved;
 }
 
@@ -33,7 +33,7 @@ std::string withHome(std::string_view path) {
 std::string withoutAliases(const std::string& path) {
     std::string at = path;
     for (int aliases = 0; aliases <= kMostAliases; ++aliases) {
-        const Path target = targetOfAlias(at);
+        const Path target = detail::targetOfAlias(at);
         if (!target) return at;
         const Path next = withoutLinks(*target);
         if (!next) break;
@@ -44,22 +44,23 @@ std::string withoutAliases(const std::string& path) {
 
 std::string resolved(const std::string& path) {
     if (const Path item = withoutLinks(path)) return withoutAliases(*item);
-    const std::string_view name = lastNameOf(path);
+    const std::string_view name = detail::lastNameOf(path);
     std::string_view parent =
         std::string_view(path).substr(0, static_cast<std::size_t>(name.data() - path.data()));
     while (parent.size() > 1 && parent.back() == '/')
         parent.remove_suffix(1);
     // Without a working folder even "." leads nowhere.
-    if (name.empty() || path == "." || path.size() > kLongestPath) return path;
-    const std::string rebuilt =
-        parent.empty() ? pathIn(resolved("."), name) : pathIn(resolved(std::string(parent)), name);
+    if (name.empty() || path == "." || path.size() > detail::kLongestPath) return path;
+    const std::string rebuilt = parent.empty()
+                                    ? detail::pathIn(resolved("."), name)
+                                    : detail::pathIn(resolved(std::string(parent)), name);
     const Path item = withoutLinks(rebuilt);
     return item ? withoutAliases(*item) : rebuilt;
 }
 
 bool isListedAsHidden(const std::string& folder, std::string_view name) {
     constexpr std::size_t kEnough = 65536;  // bytes
-    const Path text = startOfFile(pathIn(folder, ".hidden"), kEnough);
+    const Path text = startOfFile(detail::pathIn(folder, ".hidden"), kEnough);
     if (!text) return false;
     for (std::string_view rest = *text; !rest.empty();) {
         if (takeUpTo('\n', rest) == name) return true;
@@ -70,20 +71,20 @@ bool isListedAsHidden(const std::string& folder, std::string_view name) {
 }  // namespace
 
 std::optional<std::string> pathByResolvingSymlinksAndAliasesInPath(std::string_view path) noexcept {
-    return answerAboutFiles(Path(), [&]() -> Path {
-        if (!canBePath(path)) return std::nullopt;
+    return detail::answerAboutFiles(Path(), [&]() -> Path {
+        if (!detail::canBePath(path)) return std::nullopt;
         return resolved(withHome(path));
     });
 }
 
 bool isFileVisible(std::string_view path) noexcept {
-    return answerAboutFiles(false, [&] {
+    return detail::answerAboutFiles(false, [&] {
         const Path item = pathByResolvingSymlinksAndAliasesInPath(path);
         FileFacts facts;
         if (!item || FileSystem::current().facts(FileSystem::kWorkingFolder, item->c_str(),
                                                  FileSystem::LastLink::Follow, facts))
             return false;
-        const std::string_view name = lastNameOf(*item);
+        const std::string_view name = detail::lastNameOf(*item);
         if (name.empty()) return true;  // "/"
         if (name.starts_with('.')) return false;
         return !isListedAsHidden(stringByDeletingNumberOfLastPathComponents(*item, 1), name);
@@ -91,8 +92,8 @@ bool isFileVisible(std::string_view path) noexcept {
 }
 
 bool isPathOnCDDVD(std::string_view path) noexcept {
-    return answerAboutFiles(false, [&] {
-        if (!canBePath(path)) return false;
+    return detail::answerAboutFiles(false, [&] {
+        if (!detail::canBePath(path)) return false;
         const std::string given(path);
         const std::optional<Volume> volume =
             Volumes::current().volumeOfPath(withoutLinks(given).value_or(given));

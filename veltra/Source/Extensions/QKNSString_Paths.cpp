@@ -42,7 +42,7 @@ bool containsLastPathComponents(std::string_view path, std::string_view componen
 }
 
 std::int32_t lastPathComponentCompare(std::string_view path, std::string_view other) noexcept {
-    const int order = lastNameOf(path).compare(lastNameOf(other));
+    const int order = detail::lastNameOf(path).compare(detail::lastNameOf(other));
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 

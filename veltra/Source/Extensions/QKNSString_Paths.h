@@ -3,7 +3,7 @@
 //
 // The components of a path are what stands between its slashes; the slash that begins an absolute
 // path is a component "/" of its own, empty ones do not count. Paths are bytes, UTF-8 nearly
-// always. Every function answers its neutral value when memory is out, and throws nothing. Thread:
+// always. Every function returns its neutral value when memory is out, and throws nothing. Thread:
 // any. Realtime-safe: no, all of them.
 #pragma once
 

@@ -27,7 +27,7 @@ path withoutLinks(const path& item) {
     path rest;
     for (path start = item;; start = start.parent_path()) {
         std::string resolved;
-        const std::error_code error = canonicalPath(start.string(), resolved);
+        const std::error_code error = detail::canonicalPath(start.string(), resolved);
         if (!error) return (rest.empty() ? path(resolved) : resolved / rest).lexically_normal();
         const bool isMissing =
             error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
@@ -50,16 +50,16 @@ std::optional<Volume> volumeAbove(path item) {
 }  // namespace
 
 bool isInTrash(std::string_view url) noexcept {
-    return answerAboutFiles(false, [&] {
-        const std::optional<std::string> text = pathOfFileUrl(url);
-        if (!text || text->size() > kLongestPath) return false;
+    return detail::answerAboutFiles(false, [&] {
+        const std::optional<std::string> text = detail::pathOfFileUrl(url);
+        if (!text || text->size() > detail::kLongestPath) return false;
         // A link in the trash is there itself, wherever it leads.
         path named(*text);
         if (!named.has_filename()) named = named.parent_path();
         const path name = named.filename();
         const path item = name == "." || name == ".." ? withoutLinks(named)
                                                       : withoutLinks(named.parent_path()) / name;
-        const std::string user = userDataFolder();
+        const std::string user = detail::userDataFolder();
         if (!user.empty() && isBelow(item, withoutLinks(path(user) / "Trash/files"))) return true;
         const std::optional<Volume> volume = volumeAbove(item);
         if (!volume) return false;

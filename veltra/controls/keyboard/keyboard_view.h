@@ -26,7 +26,7 @@ namespace veltra {
 
 class KeyboardView;
 
-// Who is told what is played. It derives from Anchored, too, and may delete the keyboard.
+// Is told what is played. It derives from Anchored, too, and may delete the keyboard.
 class VELTRA_EXPORT KeyboardViewDelegate {
 public:
     virtual ~KeyboardViewDelegate();

@@ -2,6 +2,7 @@
 #include "veltra/controls/number_editor/digit_text.h"
 
 #include "veltra/base/number_text.h"
+#include "veltra/base/utf8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,10 +30,7 @@ std::string withDigitTyped(std::string_view text, char digit, std::uint32_t long
 }
 
 std::string withoutLastCharacter(std::string_view text) {
-    const auto isInside = [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-    };
-    while (!text.empty() && isInside(text.back()))
+    while (!text.empty() && continuesCharacter(text.back()))
         text.remove_suffix(1);
     if (!text.empty()) text.remove_suffix(1);
     return std::string(text);

@@ -35,7 +35,7 @@ const URegularExpression* compiledPattern() noexcept {
     return compiled;
 }
 
-[[maybe_unused]] const bool s_isPatternCompiled = compiledPattern() != nullptr;
+[[maybe_unused]] const bool isPatternCompiled = compiledPattern() != nullptr;
 
 }  // namespace
 

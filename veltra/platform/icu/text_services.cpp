@@ -106,7 +106,7 @@ std::int32_t toAsciiHostName(const Source& host, const Destination& ascii,
 
 // ICU remembers for the life of the process that memory was out when it first looked for its
 // tables. So it looks when the library is loaded.
-[[maybe_unused]] const bool s_areTablesLoaded = [] {
+[[maybe_unused]] const bool areTablesLoaded = [] {
     const NoCancellation whileFilesAreRead;
     char16_t ascii[16];
     UErrorCode error = U_ZERO_ERROR;

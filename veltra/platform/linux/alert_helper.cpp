@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/linux/alert_helper.h"
 
+#include "veltra/base/out_of_memory.h"
 #include "veltra/base/whole_characters.h"
 #include "veltra/platform/alert_protocol.h"
 #include "veltra/platform/linux/alert_helper_search.h"
@@ -13,7 +14,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -97,7 +97,7 @@ bool isSet(const char* name) noexcept {
 
 std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
                                      Nanoseconds grace) noexcept {
-    try {
+    return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<AlertAnswer> {
         std::array<int, 2> ends{-1, -1};
         if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
             return std::nullopt;
@@ -119,20 +119,16 @@ std::optional<AlertAnswer> askHelper(const Alert& alert, const char* program,
         }
         endProgram(child);
         return answer;
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
-    }
+    });
 }
 
 std::optional<AlertAnswer> askInWindow(const Alert& alert) noexcept {
     if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) return std::nullopt;
-    try {
+    return unlessOutOfMemory(std::nullopt, [&]() -> std::optional<AlertAnswer> {
         const std::string program = findAlertHelper();
         if (program.empty()) return std::nullopt;
         return askHelper(alert, program.c_str());
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
-    }
+    });
 }
 
 }  // namespace veltra

@@ -82,7 +82,7 @@ std::uint32_t zoneName() noexcept {
 // it reads when the library is loaded.
 const struct ZoneReader {
     ZoneReader() noexcept { ::tzset(); }
-} s_zoneReader;
+} zoneReader;
 
 class LinuxLocalTime final : public LocalTime {
 public:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/platform/poll_run_loop.h"
 
+#include "veltra/base/out_of_memory.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/fork_generation.h"
 #include "veltra/platform/port.h"
@@ -100,11 +101,7 @@ private:
 };
 
 std::shared_ptr<PollRunLoop::Waker> PollRunLoop::makeWaker() noexcept {
-    try {
-        return std::make_shared<Waker>();
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return unlessOutOfMemory(nullptr, [] { return std::make_shared<Waker>(); });
 }
 
 PollRunLoop::PollRunLoop() noexcept : m_waker(makeWaker()) {}

@@ -16,7 +16,7 @@ void forgetLackOfMemory() noexcept {
 }
 
 // What the library sets up once, it sets up while there is memory.
-[[maybe_unused]] const bool s_isSetUp = isUriReference("a");
+[[maybe_unused]] const bool isSetUp = isUriReference("a");
 
 }  // namespace
 

@@ -4,7 +4,7 @@
 
 #include "veltra/ui/port.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 class OffscreenWindow final : public WindowPort {
 public:
@@ -21,4 +21,4 @@ private:
     const float m_scale;
 };
 
-}  // namespace veltra
+}  // namespace veltra::detail

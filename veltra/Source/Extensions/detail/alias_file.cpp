@@ -5,7 +5,7 @@
 #include "veltra/base/text_parts.h"
 #include "veltra/platform/resources.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -34,4 +34,4 @@ std::optional<std::string> targetOfAlias(const std::string& path) {
     return pathOfFileUrl(url);
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::vector<std::string> dataFolders() {
     return folders;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

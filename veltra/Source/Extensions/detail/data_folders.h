@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace veltra {
+namespace veltra::detail {
 
 // Empty when there is none. Raises std::bad_alloc.
 std::string userDataFolder();
@@ -14,4 +14,4 @@ std::string userDataFolder();
 // program runs with more rights than its user. Raises std::bad_alloc.
 std::vector<std::string> dataFolders();
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -13,7 +13,7 @@
 #include <system_error>
 #include <utility>
 
-namespace veltra {
+namespace veltra::detail {
 
 constexpr std::size_t kLongestPath = 4096;  // bytes; the system takes none that is longer
 
@@ -42,4 +42,4 @@ inline std::error_code canonicalPath(const std::string& path, std::string& resol
     return error;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

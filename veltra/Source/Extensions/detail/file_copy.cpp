@@ -3,7 +3,7 @@
 
 #include "veltra/platform/open_item.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -88,4 +88,4 @@ std::error_code copyLink(FileSystem& files, CopySource source, FileSystem::Handl
     return {};
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

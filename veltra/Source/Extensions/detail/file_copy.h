@@ -5,7 +5,7 @@
 #include "veltra/Source/Extensions/detail/temporary_item.h"
 #include "veltra/platform/file_system.h"
 
-namespace veltra {
+namespace veltra::detail {
 
 struct CopySource {
     FileSystem::Handle folder;
@@ -31,4 +31,4 @@ std::error_code copyFile(FileSystem& files, CopySource source, FileSystem::Handl
 std::error_code copyLink(FileSystem& files, CopySource source, FileSystem::Handle targetFolder,
                          const FileFacts& facts, TemporaryItem& copy, CopyLoss& loss);
 
-}  // namespace veltra
+}  // namespace veltra::detail

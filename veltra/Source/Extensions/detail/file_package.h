@@ -7,10 +7,10 @@
 
 #include <string>
 
-namespace veltra {
+namespace veltra::detail {
 
 // `name` in `folder` is a folder whose whole path is `path`. Raises std::bad_alloc.
 std::error_code judgePackage(FileSystem& files, FileSystem::Handle folder, const std::string& name,
                              const std::string& path, bool& isPackage);
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -5,7 +5,7 @@
 
 #include <charconv>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -42,4 +42,4 @@ std::optional<std::string> pathOfFileUrl(std::string_view url) {
     return path;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -289,4 +289,4 @@ void FolderMerge::tell(const Pair& pair, Reason reason, std::error_code error,
         m_isStopped = true;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace veltra {
+namespace veltra::detail {
 
 // Raises std::bad_alloc, with nothing half done.
 class FolderMerge {
@@ -72,4 +72,4 @@ private:
     FileFacts m_targetRoot;
 };
 
-}  // namespace veltra
+}  // namespace veltra::detail

@@ -7,7 +7,7 @@
 #include <new>
 #include <vector>
 
-namespace veltra {
+namespace veltra::detail {
 
 namespace {
 
@@ -51,4 +51,4 @@ bool walkFolder(const std::string& folder,
     return true;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

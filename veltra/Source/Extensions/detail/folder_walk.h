@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace veltra {
+namespace veltra::detail {
 
 // Calls `visit` with each item below `folder` and whether it is a folder, in no order; what is in a
 // folder follows only where `visit` answers true. Folders below that may not be read count as
@@ -13,4 +13,4 @@ namespace veltra {
 bool walkFolder(const std::string& folder,
                 const std::function<bool(const std::string& path, bool isFolder)>& visit);
 
-}  // namespace veltra
+}  // namespace veltra::detail

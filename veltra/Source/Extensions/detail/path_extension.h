@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-namespace veltra {
+namespace veltra::detail {
 
 inline std::string_view lastNameOf(std::string_view path) noexcept {
     while (path.size() > 1 && path.back() == '/')
@@ -29,4 +29,4 @@ inline bool isSameExtension(std::string_view one, std::string_view other) noexce
     return equalButForAsciiCase(one, other);
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

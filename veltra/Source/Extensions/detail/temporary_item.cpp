@@ -8,7 +8,7 @@
 
 #include <atomic>
 
-namespace veltra {
+namespace veltra::detail {
 
 using Collision = FileSystem::Collision;
 
@@ -104,4 +104,4 @@ void TemporaryItem::leaveBehind(const std::string& name, std::error_code error) 
     m_leftBehindError = error;
 }
 
-}  // namespace veltra
+}  // namespace veltra::detail

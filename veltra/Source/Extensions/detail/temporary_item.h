@@ -7,7 +7,7 @@
 
 #include <string>
 
-namespace veltra {
+namespace veltra::detail {
 
 // How many folders in one another are followed: each level takes some hundred bytes of stack and
 // two open files.
@@ -72,4 +72,4 @@ private:
     std::error_code m_leftBehindError;
 };
 
-}  // namespace veltra
+}  // namespace veltra::detail
