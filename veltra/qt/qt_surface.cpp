@@ -205,6 +205,7 @@ bool QtSurface::handle(QEvent& event) {
             place();
             break;
         case QEvent::Show:
+            renewOpacity();
             m_window->visibilityDidChange(true);
             break;
         case QEvent::Hide:
@@ -405,9 +406,6 @@ void QtSurface::cancelTracking() {
 
 void QtSurface::paint(const QPaintEvent& event) {
     noteScale();
-    std::erase_if(m_invalid, [&event](const QRect& rect) {
-        return (QRegion(rect) - event.region()).isEmpty();
-    });
     std::vector<Rect> dirty = std::exchange(m_dirty, {});
     dirty.clear();
     for (const QRect& rect : event.region())
@@ -417,9 +415,14 @@ void QtSurface::paint(const QPaintEvent& event) {
         const auto ground = systemColor(SystemColor::WindowBackground, m_window->appearance());
         painter.fillRect(event.rect(), toQt(ground));
     }
+    const bool isShown = isOnScreen(painter, *m_widget);
+    if (isShown) {  // a picture of the widget changes nothing there
+        std::erase_if(m_invalid, [&event](const QRect& rect) {
+            return (QRegion(rect) - event.region()).isEmpty();
+        });
+    }
     using Keeper = PainterCanvas::Keeper;
-    PainterCanvas canvas(painter,
-                         isOnScreen(painter, *m_widget) ? Keeper::Canvas : Keeper::Painter);
+    PainterCanvas canvas(painter, isShown ? Keeper::Canvas : Keeper::Painter);
     m_isPainting = true;
     m_window->display(canvas, dirty);
     m_isPainting = false;
