@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What is written and marked on the controls can be read, and what differs in meaning can be told
-// apart by every kind of eyes: measured on pictures at a scale of 2, in both appearances.
+// apart by every kind of eyes: measured on pictures at every scale, in both appearances. Of a text,
+// the pixel that differs most from its ground counts: where a stroke fills one.
 #include "on_pictures.h"
 #include "sight.h"
 #include "veltra/controls/keyboard/keyboard_view.h"
 #include "veltra/controls/keyboard/octave_picker_view.h"
+#include "veltra/controls/level_meters/level_meter_scale_view.h"
 #include "veltra/controls/level_meters/peak_readout.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/controls/number_editor/number_display.h"
@@ -18,8 +20,6 @@
 
 namespace veltra::testing {
 namespace {
-
-constexpr float kScale = 2.0F;
 
 // A card of 480 by 220 points, with what is shown from 16 points on, from above.
 struct Card final : View {
@@ -36,8 +36,8 @@ struct Card final : View {
 
 using Show = std::function<void(Card&)>;
 
-Pixels shown(Appearance appearance, const Show& show) {
-    PictureWindow picture({480, 220}, kScale, appearance);
+Pixels shown(const Setting& setting, const Show& show) {
+    PictureWindow picture({480, 220}, setting.scale, setting.appearance);
     Window& window = picture.window();
     auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
     Card& card = *made;
@@ -48,17 +48,16 @@ Pixels shown(Appearance appearance, const Show& show) {
     return Pixels(picture.draw());
 }
 
-std::uint32_t colorAt(const Pixels& pixels, Point point) {
-    return pixels.rgbAt(static_cast<std::int32_t>(point.x * kScale),
-                        static_cast<std::int32_t>(point.y * kScale));
-}
-
 // Of what differs most from the colour that there is most of.
-double contrastIn(const Pixels& pixels, const Rect& rect) {
+double contrastIn(const Pixels& pixels, const Rect& rect, float scale) {
+    const auto first = [scale](float points) {
+        return static_cast<std::int32_t>(std::ceil(points * scale));
+    };
+    const auto end = [scale](float points) { return static_cast<std::int32_t>(points * scale); };
     std::map<std::uint32_t, int> counts;
-    for (float y = rect.minY(); y < rect.maxY(); y += 1.0F / kScale) {
-        for (float x = rect.minX(); x < rect.maxX(); x += 1.0F / kScale)
-            ++counts[colorAt(pixels, {x, y})];
+    for (std::int32_t y = first(rect.minY()); y < end(rect.maxY()); ++y) {
+        for (std::int32_t x = first(rect.minX()); x < end(rect.maxX()); ++x)
+            ++counts[pixels.rgbAt(x, y)];
     }
     const auto ground = std::max_element(
         counts.begin(), counts.end(),
@@ -139,6 +138,12 @@ Show meter(float left) {
     };
 }
 
+void scale(Card& card) {
+    auto& beside = card.add<DfStereoLevelMeterView>({28, 180});
+    beside.setFrameOrigin({60, 16});
+    card.add<LevelMeterScaleView>({44, 190}).setMeter(&beside.cellL());
+}
+
 void tip(Card& card) {
     struct Tip final : View {
         using View::View;
@@ -159,8 +164,9 @@ Show focused(const Show& show) {
 }
 
 TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
-    for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
-        const Theme& colors = theme(appearance);
+    for (const Setting& setting : settings()) {
+        SCOPED_TRACE(nameOf(setting));
+        const Theme& colors = theme(setting.appearance);
         const Rect onButton{{24, 20}, {48, 16}}, onDigits{{20, 34}, {112, 28}};
         constexpr double kText = 4.5, kMark = 3.0;
         const struct {
@@ -182,7 +188,7 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"labels of a fader", fader(0.8), {{16, 16}, {18, 186}}, kText},
             {"marks of a fader", fader(0.8), {{41, 100}, {2, 90}}, kMark},
             {"reading line", fader(0.8), {{47, 44}, {12, 20}}, kMark},
-            {"way of a fader", fader(0.2), {{54, 80}, {5, 20}}, kMark},
+            {"way of a fader", fader(0.2), {{51, 80}, {10, 20}}, kMark},
             {"reading line of pan", pan(0.5), {{70, 22}, {24, 16}}, kMark},
             {"digits on glass", digits(NumberEditorLook::Glass, false, 8888), onDigits, kText},
             {"zeros on glass", digits(NumberEditorLook::Glass, false, 0), onDigits, kText},
@@ -198,6 +204,12 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"digits in a field", digits(NumberEditorLook::Field, false, 8888), onDigits, kText},
             {"zeros in a field", digits(NumberEditorLook::Field, false, 0), onDigits, kText},
             {"caption", digits(NumberEditorLook::Glass, false, 0), {{40, 20}, {72, 12}}, kText},
+            {"caption of a field",
+             digits(NumberEditorLook::Field, false, 0),
+             {{40, 18}, {72, 12}},
+             kText},
+            {"labels of a meter", scale, {{18, 60}, {28, 120}}, kText},
+            {"marks of a meter", scale, {{51, 60}, {6, 120}}, kMark},
             {"names below the picker", picker({28, 15}), {{24, 44}, {100, 10}}, kText},
             {"name in its range", picker({28, 15}), {{192, 44}, {80, 10}}, kText},
             {"label of a key", keys(-1), {{24, 90}, {34, 14}}, kText},
@@ -208,16 +220,16 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"value tip", tip, {{34, 46}, {14, 14}}, kText},
         };
         for (const auto& row : rows) {
-            const double measured = contrastIn(shown(appearance, row.show), row.where);
-            EXPECT_GE(measured, row.least)
-                << row.what << (appearance == Appearance::Dark ? ", dark" : ", light");
+            const Pixels pixels = shown(setting, row.show);
+            EXPECT_GE(contrastIn(pixels, row.where, setting.scale), row.least) << row.what;
         }
     }
 }
 
 TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
-    for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
-        const Theme& colors = theme(appearance);
+    for (const Setting& setting : settings()) {
+        SCOPED_TRACE(nameOf(setting));
+        const Theme& colors = theme(setting.appearance);
         constexpr Point kFace{22, 22};
         const struct {
             const char* what;
@@ -249,13 +261,11 @@ TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
             {"lit", meter(0.5F), {24, 190}, meter(0.0F), {24, 190}, 20},
         };
         for (const auto& row : rows) {
-            const auto one = colorAt(shown(appearance, row.one), row.there);
-            const auto other = colorAt(shown(appearance, row.other), row.here);
-            for (const Sight sight : kSights) {
+            const std::uint32_t one = shown(setting, row.one).rgbAt(row.there);
+            const std::uint32_t other = shown(setting, row.other).rgbAt(row.here);
+            for (const Sight sight : kSights)
                 EXPECT_GE(distance(one, other, sight), row.least)
-                    << row.what << (appearance == Appearance::Dark ? ", dark, " : ", light, ")
-                    << static_cast<int>(sight);
-            }
+                    << row.what << " " << static_cast<int>(sight);
         }
     }
 }
