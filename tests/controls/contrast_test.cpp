@@ -36,17 +36,68 @@ struct Card final : View {
 
 using Show = std::function<void(Card&)>;
 
+// In the window that has the keyboard.
+struct Stage {
+    Stage(const Setting& setting, const Show& show)
+        : picture({480, 220}, setting.scale, setting.appearance) {
+        Window& window = picture.window();
+        auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
+        Card& card = *made;
+        window.setContentView(std::move(made));
+        window.visibilityDidChange(true);
+        window.keyStateDidChange(true);
+        show(card);
+    }
+    PictureWindow picture;
+};
+
 Pixels shown(const Setting& setting, const Show& show) {
-    PictureWindow picture({480, 220}, setting.scale, setting.appearance);
-    Window& window = picture.window();
-    auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
-    Card& card = *made;
-    window.setContentView(std::move(made));
-    window.visibilityDidChange(true);
-    window.keyStateDidChange(true);
-    show(card);
-    return Pixels(picture.draw());
+    return Pixels(Stage(setting, show).picture.draw());
 }
+
+// Notes what of each text cannot be seen.
+class CutTexts final : public CanvasPort {
+public:
+    explicit CutTexts(float scale) : m_scale(scale) {}
+    int count = 0;
+    std::string cut;
+
+    void saveState() override { m_saved.push_back(m_clip); }
+    void restoreState() override {
+        m_clip = m_saved.back();
+        m_saved.pop_back();
+    }
+    void clipTo(const Rect& rect) override { m_clip = m_clip.intersection(rect); }
+    void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) override {
+        const Size size = text.size();
+        const float room = rect.size.width - size.width;
+        const bool isCentred = text.alignment == TextAlignment::Center;
+        const float left = text.alignment == TextAlignment::Left ? 0.0F : room;
+        const float capitals = 0.74F * text.font.size;
+        const float low = rect.center().y - capitals / 2;
+        const Rect seen = placement == TextPlacement::Top ? Rect{{0, rect.minY()}, {0, size.height}}
+                                                          : Rect{{0, low}, {0, capitals}};
+        const Rect place{{rect.minX() + (isCentred ? room / 2 : left), seen.minY()},
+                         {size.width, seen.size.height}};
+        const bool isWhole = m_clip.united(place.inset(0.01F, 0.01F)) == m_clip;
+        ++count;
+        if (room < 0.0F || !isWhole) cut += "'" + text.string + "' ";
+    }
+
+    float scale() const override { return m_scale; }
+    Rect alignedToDevice(const Rect& rect) const override { return rect; }
+    void setFontSmoothing(bool) override {}
+    void fillRect(const Rect&, Color) override {}
+    void fillPath(const Path&, Color) override {}
+    void fillPath(const Path&, const LinearGradient&) override {}
+    void strokePath(const Path&, Color, float) override {}
+    void drawImage(const Image&, const Rect&, const Rect&, float) override {}
+
+private:
+    const float m_scale;
+    Rect m_clip{{}, {480, 220}};
+    std::vector<Rect> m_saved;
+};
 
 // Of what differs most from the colour that there is most of.
 double contrastIn(const Pixels& pixels, const Rect& rect, float scale) {
@@ -222,6 +273,29 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
         for (const auto& row : rows) {
             const Pixels pixels = shown(setting, row.show);
             EXPECT_GE(contrastIn(pixels, row.where, setting.scale), row.least) << row.what;
+        }
+    }
+}
+
+TEST(Texts, AreNotCutOff) {
+    const std::pair<const char*, Show> rows[] = {
+        {"button", button({}, false)},
+        {"fader", fader(0.8)},
+        {"digits on glass", digits(NumberEditorLook::Glass, false, 8888)},
+        {"digits in a field", digits(NumberEditorLook::Field, true, 8888)},
+        {"meter", scale},
+        {"picker", picker({28, 15})},
+        {"keys", keys(60)},
+        {"peak", peak(-88.8)},
+        {"tip", tip}};
+    for (const Setting& setting : settings()) {
+        for (const auto& [what, show] : rows) {
+            Stage stage(setting, show);
+            CutTexts texts(setting.scale);
+            const Rect whole{{}, {480, 220}};
+            stage.picture.window().display(texts, {&whole, 1});
+            EXPECT_EQ(texts.cut, "") << what << ", " << nameOf(setting);
+            EXPECT_GT(texts.count, 0) << what;
         }
     }
 }
