@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What is written and marked on the controls can be read, and what differs in meaning can be told
-// apart by every kind of eyes: measured on pictures at a scale of 2, in both appearances.
+// apart by every kind of eyes: measured on pictures at every scale, in both appearances. Of a text,
+// the pixel that differs most from its ground counts: where a stroke fills one.
 #include "on_pictures.h"
 #include "sight.h"
 #include "veltra/controls/keyboard/keyboard_view.h"
 #include "veltra/controls/keyboard/octave_picker_view.h"
+#include "veltra/controls/level_meters/level_meter_scale_view.h"
 #include "veltra/controls/level_meters/peak_readout.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/controls/number_editor/number_display.h"
@@ -18,8 +20,6 @@
 
 namespace veltra::testing {
 namespace {
-
-constexpr float kScale = 2.0F;
 
 // A card of 480 by 220 points, with what is shown from 16 points on, from above.
 struct Card final : View {
@@ -36,29 +36,79 @@ struct Card final : View {
 
 using Show = std::function<void(Card&)>;
 
-Pixels shown(Appearance appearance, const Show& show) {
-    PictureWindow picture({480, 220}, kScale, appearance);
-    Window& window = picture.window();
-    auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
-    Card& card = *made;
-    window.setContentView(std::move(made));
-    window.visibilityDidChange(true);
-    window.keyStateDidChange(true);
-    show(card);
-    return Pixels(picture.draw());
+// In the window that has the keyboard.
+struct Stage {
+    Stage(const Setting& setting, const Show& show)
+        : picture({480, 220}, setting.scale, setting.appearance) {
+        Window& window = picture.window();
+        auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
+        Card& card = *made;
+        window.setContentView(std::move(made));
+        window.visibilityDidChange(true);
+        window.keyStateDidChange(true);
+        show(card);
+    }
+    PictureWindow picture;
+};
+
+Pixels shown(const Setting& setting, const Show& show) {
+    return Pixels(Stage(setting, show).picture.draw());
 }
 
-std::uint32_t colorAt(const Pixels& pixels, Point point) {
-    return pixels.rgbAt(static_cast<std::int32_t>(point.x * kScale),
-                        static_cast<std::int32_t>(point.y * kScale));
-}
+// Notes what of each text cannot be seen.
+class CutTexts final : public CanvasPort {
+public:
+    explicit CutTexts(float scale) : m_scale(scale) {}
+    int count = 0;
+    std::string cut;
+
+    void saveState() override { m_saved.push_back(m_clip); }
+    void restoreState() override {
+        m_clip = m_saved.back();
+        m_saved.pop_back();
+    }
+    void clipTo(const Rect& rect) override { m_clip = m_clip.intersection(rect); }
+    void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) override {
+        const Size size = text.size();
+        const float room = rect.size.width - size.width;
+        const bool isCentred = text.alignment == TextAlignment::Center;
+        const float left = text.alignment == TextAlignment::Left ? 0.0F : room;
+        const float capitals = 0.74F * text.font.size;
+        const float low = rect.center().y - capitals / 2;
+        const Rect seen = placement == TextPlacement::Top ? Rect{{0, rect.minY()}, {0, size.height}}
+                                                          : Rect{{0, low}, {0, capitals}};
+        const Rect place{{rect.minX() + (isCentred ? room / 2 : left), seen.minY()},
+                         {size.width, seen.size.height}};
+        const bool isWhole = m_clip.united(place.inset(0.01F, 0.01F)) == m_clip;
+        ++count;
+        if (room < 0.0F || !isWhole) cut += "'" + text.string + "' ";
+    }
+
+    float scale() const override { return m_scale; }
+    Rect alignedToDevice(const Rect& rect) const override { return rect; }
+    void setFontSmoothing(bool) override {}
+    void fillRect(const Rect&, Color) override {}
+    void fillPath(const Path&, Color) override {}
+    void fillPath(const Path&, const LinearGradient&) override {}
+    void strokePath(const Path&, Color, float) override {}
+    void drawImage(const Image&, const Rect&, const Rect&, float) override {}
+
+private:
+    const float m_scale;
+    Rect m_clip{{}, {480, 220}};
+    std::vector<Rect> m_saved;
+};
 
 // Of what differs most from the colour that there is most of.
-double contrastIn(const Pixels& pixels, const Rect& rect) {
+double contrastIn(const Pixels& pixels, const Rect& rect, float scale) {
+    const auto first = [scale](float points) {
+        return static_cast<std::int32_t>(std::ceil(points * scale));
+    };
+    const auto end = [scale](float points) { return static_cast<std::int32_t>(points * scale); };
     std::map<std::uint32_t, int> counts;
-    for (float y = rect.minY(); y < rect.maxY(); y += 1.0F / kScale) {
-        for (float x = rect.minX(); x < rect.maxX(); x += 1.0F / kScale)
-            ++counts[colorAt(pixels, {x, y})];
+    for (std::int32_t y = first(rect.minY()); y < end(rect.maxY()); ++y) {
+        for (std::int32_t x = first(rect.minX()); x < end(rect.maxX()); ++x)
+            ++counts[pixels.rgbAt(x, y)];
     }
     const auto ground = std::max_element(
         counts.begin(), counts.end(),
@@ -139,6 +189,12 @@ Show meter(float left) {
     };
 }
 
+void scale(Card& card) {
+    auto& beside = card.add<DfStereoLevelMeterView>({28, 180});
+    beside.setFrameOrigin({60, 16});
+    card.add<LevelMeterScaleView>({44, 190}).setMeter(&beside.cellL());
+}
+
 void tip(Card& card) {
     struct Tip final : View {
         using View::View;
@@ -159,8 +215,9 @@ Show focused(const Show& show) {
 }
 
 TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
-    for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
-        const Theme& colors = theme(appearance);
+    for (const Setting& setting : settings()) {
+        SCOPED_TRACE(nameOf(setting));
+        const Theme& colors = theme(setting.appearance);
         const Rect onButton{{24, 20}, {48, 16}}, onDigits{{20, 34}, {112, 28}};
         constexpr double kText = 4.5, kMark = 3.0;
         const struct {
@@ -182,7 +239,7 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"labels of a fader", fader(0.8), {{16, 16}, {18, 186}}, kText},
             {"marks of a fader", fader(0.8), {{41, 100}, {2, 90}}, kMark},
             {"reading line", fader(0.8), {{47, 44}, {12, 20}}, kMark},
-            {"way of a fader", fader(0.2), {{54, 80}, {5, 20}}, kMark},
+            {"way of a fader", fader(0.2), {{51, 80}, {10, 20}}, kMark},
             {"reading line of pan", pan(0.5), {{70, 22}, {24, 16}}, kMark},
             {"digits on glass", digits(NumberEditorLook::Glass, false, 8888), onDigits, kText},
             {"zeros on glass", digits(NumberEditorLook::Glass, false, 0), onDigits, kText},
@@ -198,6 +255,12 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"digits in a field", digits(NumberEditorLook::Field, false, 8888), onDigits, kText},
             {"zeros in a field", digits(NumberEditorLook::Field, false, 0), onDigits, kText},
             {"caption", digits(NumberEditorLook::Glass, false, 0), {{40, 20}, {72, 12}}, kText},
+            {"caption of a field",
+             digits(NumberEditorLook::Field, false, 0),
+             {{40, 18}, {72, 12}},
+             kText},
+            {"labels of a meter", scale, {{18, 60}, {28, 120}}, kText},
+            {"marks of a meter", scale, {{51, 60}, {6, 120}}, kMark},
             {"names below the picker", picker({28, 15}), {{24, 44}, {100, 10}}, kText},
             {"name in its range", picker({28, 15}), {{192, 44}, {80, 10}}, kText},
             {"label of a key", keys(-1), {{24, 90}, {34, 14}}, kText},
@@ -208,16 +271,39 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"value tip", tip, {{34, 46}, {14, 14}}, kText},
         };
         for (const auto& row : rows) {
-            const double measured = contrastIn(shown(appearance, row.show), row.where);
-            EXPECT_GE(measured, row.least)
-                << row.what << (appearance == Appearance::Dark ? ", dark" : ", light");
+            const Pixels pixels = shown(setting, row.show);
+            EXPECT_GE(contrastIn(pixels, row.where, setting.scale), row.least) << row.what;
+        }
+    }
+}
+
+TEST(Texts, AreNotCutOff) {
+    const std::pair<const char*, Show> rows[] = {
+        {"button", button({}, false)},
+        {"fader", fader(0.8)},
+        {"digits on glass", digits(NumberEditorLook::Glass, false, 8888)},
+        {"digits in a field", digits(NumberEditorLook::Field, true, 8888)},
+        {"meter", scale},
+        {"picker", picker({28, 15})},
+        {"keys", keys(60)},
+        {"peak", peak(-88.8)},
+        {"tip", tip}};
+    for (const Setting& setting : settings()) {
+        for (const auto& [what, show] : rows) {
+            Stage stage(setting, show);
+            CutTexts texts(setting.scale);
+            const Rect whole{{}, {480, 220}};
+            stage.picture.window().display(texts, {&whole, 1});
+            EXPECT_EQ(texts.cut, "") << what << ", " << nameOf(setting);
+            EXPECT_GT(texts.count, 0) << what;
         }
     }
 }
 
 TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
-    for (const Appearance appearance : {Appearance::Dark, Appearance::Light}) {
-        const Theme& colors = theme(appearance);
+    for (const Setting& setting : settings()) {
+        SCOPED_TRACE(nameOf(setting));
+        const Theme& colors = theme(setting.appearance);
         constexpr Point kFace{22, 22};
         const struct {
             const char* what;
@@ -249,13 +335,11 @@ TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
             {"lit", meter(0.5F), {24, 190}, meter(0.0F), {24, 190}, 20},
         };
         for (const auto& row : rows) {
-            const auto one = colorAt(shown(appearance, row.one), row.there);
-            const auto other = colorAt(shown(appearance, row.other), row.here);
-            for (const Sight sight : kSights) {
+            const std::uint32_t one = shown(setting, row.one).rgbAt(row.there);
+            const std::uint32_t other = shown(setting, row.other).rgbAt(row.here);
+            for (const Sight sight : kSights)
                 EXPECT_GE(distance(one, other, sight), row.least)
-                    << row.what << (appearance == Appearance::Dark ? ", dark, " : ", light, ")
-                    << static_cast<int>(sight);
-            }
+                    << row.what << " " << static_cast<int>(sight);
         }
     }
 }

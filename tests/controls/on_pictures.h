@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <cmath>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -46,6 +47,11 @@ inline std::vector<Setting> settings() {
     return all;
 }
 
+inline std::string nameOf(const Setting& setting) {
+    return (setting.appearance == Appearance::Dark ? "dark, scale " : "light, scale ") +
+           std::to_string(setting.scale);
+}
+
 inline std::uint32_t rgbOf(Color color) {
     const auto part = [](float value) {
         return static_cast<std::uint32_t>(std::lround(value * 255));
@@ -62,6 +68,12 @@ public:
     // From the upper left corner; 0xRRGGBB.
     std::uint32_t rgbAt(std::int32_t x, std::int32_t y) const {
         return m_image->pixelAt(x, y) & 0xFFFFFFU;
+    }
+    // The pixel around a place in points.
+    std::uint32_t rgbAt(Point place) const {
+        const float scale = m_image->scale();
+        return rgbAt(static_cast<std::int32_t>(place.x * scale),
+                     static_cast<std::int32_t>(place.y * scale));
     }
     // Where a row or a column of pixels has that colour.
     std::vector<std::int32_t> inRow(std::int32_t y, Color color) const {

@@ -11,9 +11,7 @@
 
 namespace veltra {
 
-LateFingers::LateFingers(QWidget& widget,
-                         std::function<void(QTouchEvent&, const QEventPoint&)> moved,
-                         std::function<void()> cancelled)
+LateFingers::LateFingers(QWidget& widget, Moved moved, std::function<void()> cancelled)
     : m_widget(widget), m_moved(std::move(moved)), m_cancelled(std::move(cancelled)) {}
 
 LateFingers::~LateFingers() = default;
@@ -63,7 +61,7 @@ bool LateFingers::follow(QTouchEvent& event) {
             continue;
         }
         if (point.state() == QEventPoint::Released) remove(point.id());
-        m_moved(event, point);
+        if (!m_moved(event, point)) isAll = false;
     }
     if (isAll) event.accept();
     return isAll;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Fingers that come down on a widget while others are on it. Qt tells the widget of their press,
-// and some of its versions nothing more: the rest is taken from what the widget's window is told.
+// and some of its versions nothing more: the rest is taken from what the widget's window is told,
+// before the widget is told of anything.
 //
 // Thread: main. Realtime-safe: no.
 #pragma once
@@ -17,10 +18,11 @@ namespace veltra {
 
 class LateFingers final : public QObject {
 public:
-    // `moved` is called with each movement and the end of a finger, `cancelled` when all are lost.
-    // Both may destroy this object.
-    LateFingers(QWidget& widget, std::function<void(QTouchEvent&, const QEventPoint&)> moved,
-                std::function<void()> cancelled);
+    using Moved = std::function<bool(const QTouchEvent&, const QEventPoint&)>;
+
+    // `moved` is called with each movement and the end of a finger, and returns whether nobody else
+    // shall hear of it; `cancelled` is called when all are lost. Both may destroy this object.
+    LateFingers(QWidget& widget, Moved moved, std::function<void()> cancelled);
     ~LateFingers() override;
 
     void add(int id);
@@ -36,7 +38,7 @@ private:
     bool follow(QTouchEvent& event);
 
     QWidget& m_widget;
-    const std::function<void(QTouchEvent&, const QEventPoint&)> m_moved;
+    const Moved m_moved;
     const std::function<void()> m_cancelled;
     std::vector<int> m_ids;
 };

@@ -53,6 +53,17 @@ TEST_F(OnQt, FingersGoToTheViewsThatAcceptThemAndElseActAsThePointer) {
                                          EventType::LeftMouseUp))
             << isPointerFirst;
     }
+    // Its end comes with the beginning, or with a movement, of one that a view takes.
+    for (const bool isBeginning : {true, false}) {
+        touch().press(5, kRight);
+        if (!isBeginning) touch().stationary(5).press(4, kLeft);
+        if (isBeginning) touch().release(5, kRight).press(4, kLeft);
+        if (!isBeginning) touch().release(5, kRight).move(4, {20, 10});
+        EXPECT_THAT(types(), ElementsAre(EventType::LeftMouseDown, EventType::LeftMouseUp))
+            << isBeginning;
+        touch().release(4, kLeft);
+        EXPECT_EQ(std::exchange(fingers.told, {}), isBeginning ? "+-" : "+>-");
+    }
     EXPECT_GE(fingers.lowest, 0);
     touch().press(1, kLeft).press(2, kRight);
     QTouchEvent cancel(QEvent::TouchCancel, screen.get());

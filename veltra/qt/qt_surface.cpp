@@ -90,8 +90,19 @@ QtSurface::QtSurface(QtUiPort& port, QWidget& widget, MoveFocus moveFocus)
       m_lateFingers(
           widget,
           [this](const QTouchEvent& event, const QEventPoint& point) {
-              if (m_fingerAsPointer == point.id()) return touchAsPointer(event, point);
-              touchOnView(event, point);
+              if (m_fingerAsPointer == point.id()) {
+                  touchAsPointer(event, point);
+              } else {
+                  touchOnView(event, point);
+              }
+              return true;
+          },
+          [this] { cancelTracking(); }),
+      m_fingersLeft(
+          widget,
+          [this](const QTouchEvent&, const QEventPoint& point) {
+              if (point.state() == QEventPoint::Released) m_fingerLeftEnd = point;
+              return false;
           },
           [this] { cancelTracking(); }) {
     widget.setMouseTracking(true);
@@ -106,6 +117,7 @@ QtSurface::~QtSurface() {
 void QtSurface::abandonWidget() {
     if (QtUiPort* const port = std::exchange(m_port, nullptr)) port->remove(*this);
     m_lateFingers.forget();
+    m_fingersLeft.forget();
     m_widget = nullptr;
 }
 
@@ -205,6 +217,7 @@ bool QtSurface::handle(QEvent& event) {
             place();
             break;
         case QEvent::Show:
+            renewOpacity();
             m_window->visibilityDidChange(true);
             break;
         case QEvent::Hide:
@@ -310,6 +323,7 @@ bool QtSurface::mouse(QMouseEvent& event) {
         if (!widget) return true;
     } else if (translated->type == EventType::LeftMouseUp) {
         m_isLeftDown = false;
+        m_fingerLeft.reset();
         unlockPointer();
     }
     return post(*std::move(translated), event);
@@ -328,7 +342,7 @@ void QtSurface::takeFocusFor(const View* view) {
 
 // Where no view takes the first fingers, the event is left to the toolkit, which offers it to the
 // widgets around and makes the pointer of it. Once a view has taken one, the toolkit does not any
-// more: a finger on another view acts as the pointer here.
+// more, not even of the finger that it began with: those on other views act as the pointer here.
 bool QtSurface::touch(QTouchEvent& event) {
     const QPointer<QWidget> widget(m_widget);
     const bool isFirst = event.type() == QEvent::TouchBegin && m_lateFingers.isEmpty();
@@ -347,8 +361,16 @@ bool QtSurface::touch(QTouchEvent& event) {
             m_ownsTouches = true;
         }
     }
+    if (widget && isFirst && m_ownsTouches) takePointerFromToolkit(event);
     for (const QEventPoint& point : left) {
-        if (widget && m_ownsTouches) touchAsPointer(event, point);
+        if (!widget) return true;
+        if (m_ownsTouches) {
+            touchAsPointer(event, point);
+        } else if (isFirst && m_fingersLeft.isEmpty()) {
+            m_fingersLeft.add(point.id());
+            m_fingerLeft = point.id();
+            m_fingerLeftEnd.reset();
+        }
     }
     if (widget) event.setAccepted(m_ownsTouches);
     return true;
@@ -384,6 +406,17 @@ void QtSurface::touchAsPointer(const QTouchEvent& event, const QEventPoint& poin
     mouse(pointer);
 }
 
+// Nothing where the finger was none that pressed, or is up already.
+void QtSurface::takePointerFromToolkit(const QTouchEvent& event) {
+    const std::optional<int> finger = std::exchange(m_fingerLeft, std::nullopt);
+    m_fingersLeft.forget();
+    if (!finger || !m_isLeftDown) return;
+    m_fingerAsPointer = finger;
+    if (const auto end = std::exchange(m_fingerLeftEnd, std::nullopt))
+        return touchAsPointer(event, *end);
+    m_lateFingers.add(*finger);
+}
+
 // Hands the event over. What nobody took goes on to the widgets around.
 bool QtSurface::post(Event event, QEvent& source) {
     event.window = m_window;
@@ -394,6 +427,8 @@ bool QtSurface::post(Event event, QEvent& source) {
 void QtSurface::forgetButton() {
     m_isLeftDown = false;
     m_lateFingers.forget();
+    m_fingersLeft.forget();
+    m_fingerLeft.reset();
     m_fingerAsPointer.reset();
     unlockPointer();
 }
@@ -405,9 +440,6 @@ void QtSurface::cancelTracking() {
 
 void QtSurface::paint(const QPaintEvent& event) {
     noteScale();
-    std::erase_if(m_invalid, [&event](const QRect& rect) {
-        return (QRegion(rect) - event.region()).isEmpty();
-    });
     std::vector<Rect> dirty = std::exchange(m_dirty, {});
     dirty.clear();
     for (const QRect& rect : event.region())
@@ -417,9 +449,14 @@ void QtSurface::paint(const QPaintEvent& event) {
         const auto ground = systemColor(SystemColor::WindowBackground, m_window->appearance());
         painter.fillRect(event.rect(), toQt(ground));
     }
+    const bool isShown = isOnScreen(painter, *m_widget);
+    if (isShown) {  // a picture of the widget changes nothing there
+        std::erase_if(m_invalid, [&event](const QRect& rect) {
+            return (QRegion(rect) - event.region()).isEmpty();
+        });
+    }
     using Keeper = PainterCanvas::Keeper;
-    PainterCanvas canvas(painter,
-                         isOnScreen(painter, *m_widget) ? Keeper::Canvas : Keeper::Painter);
+    PainterCanvas canvas(painter, isShown ? Keeper::Canvas : Keeper::Painter);
     m_isPainting = true;
     m_window->display(canvas, dirty);
     m_isPainting = false;

@@ -10,13 +10,13 @@
 #include "veltra/ui/port.h"
 #include "veltra/ui/window.h"
 
+#include <QEventPoint>
 #include <QRect>
 #include <functional>
 #include <optional>
 #include <vector>
 
 class QEvent;
-class QEventPoint;
 class QFocusEvent;
 class QHelpEvent;
 class QKeyEvent;
@@ -76,6 +76,7 @@ private:
     bool touch(QTouchEvent& event);
     bool touchOnView(const QTouchEvent& event, const QEventPoint& point);
     void touchAsPointer(const QTouchEvent& event, const QEventPoint& point);
+    void takePointerFromToolkit(const QTouchEvent& event);
     View* viewAt(Point inWindow) const;
     void takeFocusFor(const View* view);
     bool post(Event event, QEvent& source);
@@ -102,8 +103,11 @@ private:
     bool m_isPainting = false;
     bool m_isLeftDown = false;
     LateFingers m_lateFingers;
-    bool m_ownsTouches = false;            // else what no view takes is left to the toolkit
-    std::optional<int> m_fingerAsPointer;  // that acts as the left button
+    LateFingers m_fingersLeft;                   // to the toolkit: the first of them
+    std::optional<int> m_fingerLeft;             // the same, also when it has just been released
+    std::optional<QEventPoint> m_fingerLeftEnd;  // how it was
+    bool m_ownsTouches = false;                  // else what no view takes is left to the toolkit
+    std::optional<int> m_fingerAsPointer;        // that acts as the left button
     Cursor m_cursor = Cursor::Arrow;
     QPoint m_lockedAt;                          // on screen
     std::optional<Appearance> m_ownAppearance;  // where the widget's palette is not the system's

@@ -411,6 +411,13 @@ void Window::hover(const Event& event, View* view) {
     if (next) next->mouseEntered(event);
 }
 
+void Window::endHovering() {
+    Event exit;
+    exit.type = EventType::MouseExited;
+    exit.window = this;
+    hover(exit, nullptr);
+}
+
 void Window::move(const Event& event) {
     const WeakPointer<Window> self(this);
     hover(event, viewAt(event.locationInWindow));
@@ -581,16 +588,20 @@ std::optional<ViewToolTips::Found> Window::toolTipAt(Point inWindow) const {
     return std::nullopt;
 }
 
+// What it is told may destroy it.
 void Window::viewLeaves(View& view) {
+    const WeakPointer<View> leaving(&view);
     if (m_firstResponder.get() == &view) {
         view.resignFirstResponder();
+        if (!leaving) return;
         m_firstResponder = nullptr;
     }
-    if (m_hovered.get() == &view) m_hovered = nullptr;
+    if (m_hovered.get() == &view) endHovering();
+    if (!leaving) return;
     if (m_pressed.get() == &view) m_pressed = nullptr;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
     ToolTipWindow::shared().viewLeaves(view);
-    cancelTouches(&view);  // may destroy it
+    cancelTouches(&view);
 }
 
 void Window::viewIsHidden(View& view) {
@@ -598,12 +609,7 @@ void Window::viewIsHidden(View& view) {
     const WeakPointer<View> hidden(&view);
     const auto holds = [&](const View* inside) { return hidden && isInside(inside, view); };
     ToolTipWindow::shared().viewLeaves(view);
-    if (isInside(m_hovered.get(), view)) {
-        Event exit;
-        exit.type = EventType::MouseExited;
-        exit.window = this;
-        hover(exit, nullptr);
-    }
+    if (isInside(m_hovered.get(), view)) endHovering();
     if (self && holds(m_pressed.get())) releaseLostButton();
     if (self && hidden) cancelTouches(&view);
     if (self && holds(dynamic_cast<View*>(m_firstResponder.get()))) makeFirstResponder(nullptr);

@@ -185,6 +185,7 @@ private:
     View* viewAt(Point inWindow) const;
     Responder& responderAt(Point inWindow);
     void hover(const Event& event, View* view);
+    void endHovering();
     void move(const Event& event);
     void press(const Event& event, WeakPointer<View>& pressed);
     Size limited(Size size) const noexcept;

@@ -15,10 +15,13 @@ struct Listener final : View {
     bool takesFirstMouse = true;
     bool movesWindow = false;
     int presses = 0;
+    bool isEntered = false;
     std::vector<bool> mainStates;
     bool acceptsFirstMouse(const Event*) const override { return takesFirstMouse; }
     bool mouseDownCanMoveWindow() const override { return movesWindow; }
     void mouseDown(const Event&) override { ++presses; }
+    void mouseEntered(const Event&) override { isEntered = true; }
+    void mouseExited(const Event&) override { isEntered = false; }
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
 };
 
@@ -189,7 +192,7 @@ TEST(Touches, AreCancelledOnceWhenTheirViewOrWindowGoes) {
     }
 }
 
-TEST(Windows, TakeThePointerAwayFromWhatIsHidden) {
+TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
     const ScriptedPort port;
     HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
     View& frame = host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {99, 99}}));
@@ -204,6 +207,17 @@ TEST(Windows, TakeThePointerAwayFromWhatIsHidden) {
         host.drag({6, 6});
         EXPECT_FALSE(button.cell()->isHighlighted()) << "the drag is over";
         host.release({6, 6});
+    }
+    auto& listener = frame.addSubview(std::make_unique<Listener>(Rect{{50, 0}, {40, 40}}));
+    std::unique_ptr<View> taken;
+    const std::function<void()> losses[] = {[&] { listener.setHidden(true); },
+                                            [&] { taken = frame.takeFromSuperview(); }};
+    for (const auto& lose : losses) {
+        listener.setHidden(false);
+        host.move({55, 5});
+        EXPECT_TRUE(listener.isEntered);
+        lose();
+        EXPECT_FALSE(listener.isEntered) << &lose - losses;
     }
 }
 

@@ -43,6 +43,7 @@ KeyboardViewDelegate::~KeyboardViewDelegate() = default;
 KeyboardView::KeyboardView(const Rect& frame) : View(frame), m_layout{frame.size, {28, 15}, 0} {}
 
 KeyboardView::~KeyboardView() {
+    releaseAll();  // it may never have been in a window
     cutAnchor();
     if (m_timer) m_timer->invalidate();
 }
@@ -57,6 +58,7 @@ void KeyboardView::changeLayout(const KeyboardLayout& layout) {
     const WeakPointer<KeyboardView> self(this);
     releaseAll();
     if (!self) return;
+    wanted.size = bounds().size;  // whoever was told may have resized it
     m_layout = wanted;
     m_hovered = -1;
     setNeedsDisplay();
@@ -136,8 +138,8 @@ void KeyboardView::moveTo(std::int64_t finger, std::int32_t note, std::int32_t v
     const std::int32_t before = std::exchange(entry->note, -1);
     tellReleased(before);
     if (!self) return;
-    entry = held(finger);  // whoever was told may have let go
-    if (entry == nullptr || note < 0) return;
+    entry = held(finger);  // whoever was told may have let go, or have moved it on
+    if (entry == nullptr || entry->note >= 0 || note < 0) return;
     const bool isNew = !isPlayed(note);
     entry->note = note;
     if (isNew) tellPressed(note, velocity);

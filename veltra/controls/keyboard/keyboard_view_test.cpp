@@ -19,11 +19,13 @@ struct Player : Anchored, KeyboardViewDelegate {
     void tell(const char* what, std::int32_t note) {
         told += what + std::to_string(note) + " ";
         if (--callsToLive == 0) window.reset();
+        if (const auto reaction = std::exchange(react, nullptr)) reaction();
     }
     std::string take() { return std::exchange(told, {}); }
     std::string told;
     std::int32_t velocity = 0;
     int callsToLive = 0;
+    std::function<void()> react;  // to the next one
     std::unique_ptr<HostedView> window;
 };
 
@@ -79,6 +81,16 @@ TEST_F(OnScreenKeyboard, FingersShareANoteUntilTheLastOneLetsGo) {
     keys->fingerUp(2);
     keys->releaseAll();
     EXPECT_EQ(player.take(), "+62 -60 -62 ");
+    keys->fingerDown(1, {25, 90});
+    player.react = [&] { keys->fingerMoved(1, {125, 90}); };
+    keys->fingerMoved(1, {75, 90});  // is elsewhere by the time that C has been let go
+    keys->fingerUp(1);
+    EXPECT_EQ(player.take(), "+60 -60 +64 -64 ");
+    keys->fingerDown(1, {25, 90});
+    player.react = [&] { keys->setFrameSize({800, 100}); };
+    keys->setKeyRange({36, 8});
+    keys->fingerDown(1, {75, 90});
+    EXPECT_EQ(player.take(), "+60 -60 +62 ") << "its keys are 100 points wide";
 }
 
 TEST_F(OnScreenKeyboard, NoNoteHangsAndItSurvivesItsDeletionInEachCallback) {
@@ -124,6 +136,14 @@ TEST_F(OnScreenKeyboard, NoNoteHangsAndItSurvivesItsDeletionInEachCallback) {
             EXPECT_EQ(player.window, nullptr);
         }
     }
+    player.take();
+    {
+        KeyboardView windowless(Rect{{}, {400, 100}});
+        windowless.setKeyRange({35, 8});
+        windowless.setDelegate(&player);
+        windowless.fingerDown(1, {25, 90});
+    }
+    EXPECT_EQ(player.take(), "+60 -60 ");
 }
 
 TEST_F(OnScreenKeyboard, TheKeysOfTheComputerLeadAlongAndPlay) {

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace veltra {
 
@@ -135,6 +136,13 @@ void QkLevelMeterCell::change(T& member, T value) {
 
 void QkLevelMeterCell::redrawScale() {
     if (m_scaleView) m_scaleView->setNeedsDisplay();
+}
+
+// Views tell nobody where they move to: a meter that is drawn where it was not before sees to it.
+void QkLevelMeterCell::tellScaleView(const View& view) {
+    if (!m_scaleView) return;
+    const Rect levels = m_scaleView->convertRectFromView(rectOfLevels(), &view);
+    if (std::exchange(m_levelsInScaleView, levels) != levels) redrawScale();
 }
 
 void QkLevelMeterCell::calculateInternalsFromCellFrame(const Rect& frame, View& controlView) {
@@ -308,6 +316,7 @@ void QkLevelMeterCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, 
     const Rect place = canvas.alignedToDevice(frame);
     drawing(place.size, canvas.scale(), view.effectiveAppearance())
         .draw(canvas, place, {displayLevel(), maxDisplayLevel(), peak(), m_onStateLEDInset, m_rms});
+    tellScaleView(view);
 }
 
 void QkLevelMeterCell::tellLevel(Moment now, bool isUrgent) {

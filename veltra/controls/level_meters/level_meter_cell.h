@@ -164,6 +164,7 @@ private:
     template <typename T>
     void change(T& member, T value);
     void redrawScale();
+    void tellScaleView(const View& view);
 
     LevelBallistics m_ballistics;
     QkTimer m_timer;
@@ -179,6 +180,7 @@ private:
     const std::unique_ptr<Drawing> m_drawing;  // kept as long as it fits
 
     WeakPointer<View> m_scaleView;
+    Rect m_levelsInScaleView;  // when they were drawn last
     WeakPointer<AccessibilityElement> m_accessibilityParent;
     std::string m_accessibilityDescription = "level";
     LevelScale m_levelScale = LevelScale::Amplitude;

@@ -211,6 +211,9 @@ TEST_F(MeterLookTest, TheScaleStandsWhereTheMeterIsAndFollowsIt) {
     meter.setFrame({{28, 20}, {28, 172}});
     EXPECT_THAT(host.port.invalid, ::testing::Contains(whole));
     EXPECT_EQ(draw(RecordingCanvas::What::FillRect)[0].rect.maxY(), 128.0F);
+    meter.setFrameOrigin({28, 40});
+    host.display();
+    EXPECT_THAT(host.port.invalid, ::testing::Contains(whole));
     meter.removeFromSuperview();
     EXPECT_TRUE(draw(RecordingCanvas::What::FillRect).empty());
     EXPECT_EQ(scale.meter(), nullptr);

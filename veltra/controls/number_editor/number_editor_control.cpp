@@ -103,6 +103,7 @@ void DfNumberEditorControl::calculateCellValuesFromValue() {
     for (std::size_t i = 0; i < numbers->size(); ++i) {
         QkNumberEditorCell* const cell = editorCellAtIndex(static_cast<std::int32_t>(i));
         if (cell == nullptr) return;
+        cell->forgetTypedDigits();
         cell->setIntValue((*numbers)[i]);
     }
 }

@@ -42,7 +42,8 @@ public:
     static CellFactory defaultCellClass();
     void setCellClass(const CellFactory& cells) { m_cellClass = cells; }
 
-    // The value. Setting it writes all groups, over what is being typed, too, and sends nothing.
+    // The value. Setting it writes all groups and sends nothing. Digits that are being typed are
+    // lost, and Escape leaves the new value.
     std::int64_t value() const noexcept { return m_value; }
     void setValue(std::int64_t value);
     // That at the last action; a host may set it.

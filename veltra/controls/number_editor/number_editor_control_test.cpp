@@ -329,6 +329,13 @@ TEST_F(NumberEditors, CopyPasteAndLeadOnByKeysWhereTheHostWantsIt) {
     control->setUsesClipboard(true);
     EXPECT_TRUE(press(u'c', kControlKeyMask));
     EXPECT_EQ(port.clipboard, "2/1/0375");
+    for (const char16_t key : {u'8', kEscapeCharacter}) {
+        control->startEditingForCell(control->cellAtIndex(0));
+        press(u'9');
+        control->setValue(4215);  // over what was typed, as a song that runs does
+        press(key);
+        EXPECT_EQ(control->cellAtIndex(0)->intValue(), key == u'8' ? 8 : 2);
+    }
     press(kReturnCharacter);
     press(u'9');
     told.take();
