@@ -24,6 +24,10 @@ constexpr KernelVariant<const kernels::SwapKernels*> kVariants[] = {
 #ifdef VELTRA_KERNEL_SWAP_AVX2
     {"avx2", runsOnAvx2, &kernels::kSwapAvx2},
 #endif
+#ifdef VELTRA_KERNEL_SWAP_SSSE3
+    {"ssse3", [](const ProcessorFeatures& features) noexcept { return features.ssse3; },
+     &kernels::kSwapSsse3},
+#endif
     {"plain", runsEverywhere, &kernels::kSwapPlain},
 };
 

@@ -42,6 +42,57 @@ TEST(Kernels, AFamilyIsPlainUntilTheBestThatRunsIsChosenAndUseReplacesItUntilUse
     EXPECT_EQ(family.variantName(3), nullptr);
 }
 
+using Names = std::map<std::string, std::string>;
+
+// What each family runs as, with these features beside those that go before them in time.
+struct Processor {
+    ProcessorFeatures::Family family;
+    std::vector<bool ProcessorFeatures::*> features;
+    Names changed;
+};
+
+TEST(Kernels, EachProcessorGetsTheBestVariantThatItRuns) {
+    using F = ProcessorFeatures;
+    const F::Family host = F::current().family;
+    const Processor rows[] = {
+        {F::Family::X86, {&F::sse}, {}},
+        {F::Family::X86, {&F::sse2, &F::sse3}, {{"float64", "sse2"}, {"utf8", "sse2"}}},
+        {F::Family::X86, {&F::ssse3}, {{"swaps", "ssse3"}}},
+        {F::Family::X86, {&F::sse41, &F::sse42}, {{"samples", "sse41"}}},
+        {F::Family::X86, {&F::pclmulqdq}, {{"crc16", "pclmulqdq"}, {"crc32", "pclmulqdq"}}},
+        {F::Family::X86, {&F::avx, &F::avx2}, {{"samples", "avx2"}, {"swaps", "avx2"}}},
+        {F::Family::X86, {&F::bmi, &F::bmi2}, {{"utf8", "avx2"}}},
+        {F::Family::X86,
+         {&F::vpclmulqdq},
+         {{"crc16", "vpclmulqdq-avx2"}, {"crc32", "vpclmulqdq-avx2"}}},
+        {F::Family::X86, {&F::avx512f, &F::avx512bw}, {{"utf8", "avx512"}}},
+        {F::Family::X86, {&F::avx512vl, &F::avx512dq}, {}},
+        {F::Family::X86, {&F::avx512vbmi}, {{"samples", "avx512vbmi"}, {"swaps", "avx512vbmi"}}},
+        {F::Family::X86,
+         {&F::gfni},
+         {{"crc16", "vpclmulqdq-avx512"}, {"crc32", "vpclmulqdq-avx512"}}},
+    };
+    static F played;
+    Names expected;
+    F::install([]() noexcept { return played; });
+    for (const Processor& row : rows) {
+        if (row.family != host) continue;
+        for (const auto feature : row.features)
+            played.*feature = true;
+        for (const auto& [family, variant] : row.changed)
+            expected[family] = variant;
+        for (KernelFamily* const family : KernelFamily::all()) {
+            family->useBest();
+            const auto known = expected.find(family->name());
+            EXPECT_EQ(family->inForce(), known != expected.end() ? known->second : "plain")
+                << family->name() << " in row " << &row - rows;
+        }
+    }
+    F::install(nullptr);
+    for (KernelFamily* const family : KernelFamily::all())
+        family->useBest();
+}
+
 TEST(Kernels, EveryFamilyIsFoundByNameEndsPlainAndRunsAsItIsToldThroughBothFaces) {
     const auto families = KernelFamily::all();
     ASSERT_EQ(VLKernelFamilyCount(), families.size());

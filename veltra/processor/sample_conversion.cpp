@@ -23,13 +23,17 @@ constexpr KernelVariant<const kernels::SampleKernels*> kVariants[] = {
 #ifdef VELTRA_KERNEL_SAMPLE_AVX2
     {"avx2", runsOnAvx2, &kernels::kSamplesAvx2},
 #endif
+#ifdef VELTRA_KERNEL_SAMPLE_SSE41
+    {"sse41",
+     [](const ProcessorFeatures& features) noexcept { return features.ssse3 && features.sse41; },
+     &kernels::kSamplesSse41},
+#endif
     {"plain", runsEverywhere, &kernels::kSamplesPlain},
 };
 
 constexpr KernelVariant<const kernels::SampleConverters*> kFloat64Variants[] = {
 #ifdef VELTRA_KERNEL_FLOAT64_SSE2
-    {"sse2", [](const ProcessorFeatures& features) noexcept { return features.sse2; },
-     &kernels::kFloat64Sse2},
+    {"sse2", runsOnSse2, &kernels::kFloat64Sse2},
 #endif
     {"plain", runsEverywhere, &kernels::kFloat64Plain},
 };

@@ -39,6 +39,9 @@ constexpr KernelVariant<const kernels::Utf8Kernels*> kVariants[] = {
 #ifdef VELTRA_KERNEL_UTF8_AVX2
     {"avx2", hasAvx2, &kernels::kUtf8Avx2},
 #endif
+#ifdef VELTRA_KERNEL_UTF8_SSE2
+    {"sse2", runsOnSse2, &kernels::kUtf8Sse2},
+#endif
     {"plain", runsEverywhere, &kernels::kUtf8Plain},
 };
 

@@ -32,6 +32,10 @@ inline bool runsEverywhere(const ProcessorFeatures& /*features*/) noexcept {
     return true;
 }
 
+inline bool runsOnSse2(const ProcessorFeatures& features) noexcept {
+    return features.sse2;
+}
+
 inline bool runsOnAvx2(const ProcessorFeatures& features) noexcept {
     return features.avx2;
 }

@@ -17,6 +17,7 @@ struct SampleKernels {
 };
 
 extern const SampleKernels kSamplesPlain;
+extern const SampleKernels kSamplesSse41;
 extern const SampleKernels kSamplesAvx2;
 extern const SampleKernels kSamplesAvx512;  // needs AVX-512 F, BW, DQ, VL and VBMI, and BMI2
 
