@@ -18,6 +18,9 @@ bool hasAvx512(const ProcessorFeatures& features) noexcept {
 #endif
 
 constexpr KernelVariant<const kernels::SwapKernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_SWAP_NEON
+    {"neon", runsOnNeon, &kernels::kSwapNeon},
+#endif
 #ifdef VELTRA_KERNEL_SWAP_AVX512
     {"avx512vbmi", hasAvx512, &kernels::kSwapAvx512},
 #endif

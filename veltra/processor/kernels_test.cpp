@@ -71,6 +71,12 @@ TEST(Kernels, EachProcessorGetsTheBestVariantThatItRuns) {
         {F::Family::X86,
          {&F::gfni},
          {{"crc16", "vpclmulqdq-avx512"}, {"crc32", "vpclmulqdq-avx512"}}},
+        {F::Family::Arm, {}, {}},
+        {F::Family::Arm, {&F::crc32}, {{"crc32", "crc"}}},
+        {F::Family::Arm,
+         {&F::asimd},
+         {{"float64", "neon"}, {"samples", "neon"}, {"swaps", "neon"}, {"utf8", "neon"}}},
+        {F::Family::Arm, {&F::pmull}, {{"crc16", "pmull"}, {"crc32", "pmull"}}},
     };
     static F played;
     Names expected;

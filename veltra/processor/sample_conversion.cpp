@@ -17,6 +17,9 @@ bool hasAvx512(const ProcessorFeatures& features) noexcept {
 #endif
 
 constexpr KernelVariant<const kernels::SampleKernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_SAMPLE_NEON
+    {"neon", runsOnNeon, &kernels::kSamplesNeon},
+#endif
 #ifdef VELTRA_KERNEL_SAMPLE_AVX512
     {"avx512vbmi", hasAvx512, &kernels::kSamplesAvx512},
 #endif
@@ -32,6 +35,9 @@ constexpr KernelVariant<const kernels::SampleKernels*> kVariants[] = {
 };
 
 constexpr KernelVariant<const kernels::SampleConverters*> kFloat64Variants[] = {
+#ifdef VELTRA_KERNEL_FLOAT64_NEON
+    {"neon", runsOnNeon, &kernels::kFloat64Neon},
+#endif
 #ifdef VELTRA_KERNEL_FLOAT64_SSE2
     {"sse2", runsOnSse2, &kernels::kFloat64Sse2},
 #endif

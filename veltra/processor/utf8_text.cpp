@@ -33,6 +33,9 @@ bool hasAvx2(const ProcessorFeatures& features) noexcept {
 #endif
 
 constexpr KernelVariant<const kernels::Utf8Kernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_UTF8_NEON
+    {"neon", runsOnNeon, &kernels::kUtf8Neon},
+#endif
 #ifdef VELTRA_KERNEL_UTF8_AVX512
     {"avx512", hasAvx512, &kernels::kUtf8Avx512},
 #endif

@@ -32,6 +32,10 @@ inline bool runsEverywhere(const ProcessorFeatures& /*features*/) noexcept {
     return true;
 }
 
+inline bool runsOnNeon(const ProcessorFeatures& features) noexcept {
+    return features.asimd;
+}
+
 inline bool runsOnSse2(const ProcessorFeatures& features) noexcept {
     return features.sse2;
 }
