@@ -2,7 +2,12 @@
 #include "veltra/processor/byte_order.h"
 
 #include "veltra/processor/detail/bytes.h"
+#include "veltra/processor/detail/self_check.h"
 #include "veltra/processor/detail/swap_kernels.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace veltra {
 
@@ -34,9 +39,28 @@ constexpr KernelVariant<const kernels::SwapKernels*> kVariants[] = {
     {"plain", runsEverywhere, &kernels::kSwapPlain},
 };
 
+// In place, and with a rest behind every block.
+bool agree(const kernels::SwapKernels* one, const kernels::SwapKernels* other) noexcept {
+    const struct {
+        kernels::SwapKernel kernels::SwapKernels::*swap;
+        std::size_t size;
+    } rows[] = {{&kernels::SwapKernels::words16, 2},
+                {&kernels::SwapKernels::words32, 4},
+                {&kernels::SwapKernels::words64, 8},
+                {&kernels::SwapKernels::samples24, 3},
+                {&kernels::SwapKernels::signs8, 1}};
+    return std::all_of(std::begin(rows), std::end(rows), [=](const auto& row) {
+        auto results = std::array{kNoise, kNoise};
+        const std::size_t count = kNoise.size() / row.size - 1;
+        (one->*row.swap)(results[0].data(), results[0].data(), count);
+        (other->*row.swap)(results[1].data(), results[1].data(), count);
+        return results[0] == results[1];
+    });
+}
+
 }  // namespace
 
-constinit KernelChoice<const kernels::SwapKernels*> swapKernels{"swaps", kVariants};
+constinit KernelChoice<const kernels::SwapKernels*> swapKernels{"swaps", kVariants, agree};
 
 }  // namespace detail
 
