@@ -18,8 +18,9 @@ concept BlockOf = std::same_as<Value, typename Math::Block>;
 
 // Blocks of 128 bits, the first byte of memory in the lowest.
 template <class Math, class Crc = detail::Crc32>
-concept CarrylessMath = requires(typename Math::Block block, const std::uint32_t* words) {
-    { block ^ block } -> std::convertible_to<typename Math::Block>;
+concept CarrylessMath = requires(typename Math::Block block, typename Math::Block other,
+                                 const std::uint32_t* words) {
+    { block ^ other } -> std::convertible_to<typename Math::Block>;
     { Math::load(words) } -> BlockOf<Math>;
     { Math::ofWords(std::uint64_t{}, std::uint64_t{}) } -> BlockOf<Math>;
     // Two words of 32 bits, zeros behind each.
@@ -65,8 +66,8 @@ static inline typename Math::Block asBytes(std::uint32_t state) noexcept {
 template <class Crc, CarrylessMath Math>
 static inline typename Math::Block multiply(typename Math::Block block,
                                             typename Math::Block multipliers) noexcept {
-    return Math::template product<kFirstWords<Crc>>(block, multipliers) ^
-           Math::template product<kSecondWords<Crc>>(block, multipliers);
+    const auto first = Math::template product<kFirstWords<Crc>>(block, multipliers);
+    return first ^ Math::template product<kSecondWords<Crc>>(block, multipliers);
 }
 
 // A block of sixteen bytes, the first of which stands n bytes before the end of the message.
