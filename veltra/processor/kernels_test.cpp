@@ -155,6 +155,13 @@ TEST(Kernels, EveryVariantPassesTheSelfCheckAndNoneWithAWrongFunctionDoes) {
                 converters.fromFloat = [](void*, const float*, std::size_t, const float*) noexcept {
                 };
         });
+    expectFound(detail::sampleKernels, kernels::kSamplesPlain, [](auto& wrong) {
+        wrong.integers[1][0].toFloat = [](float* to, const void* from, std::size_t count,
+                                          float* other) noexcept {
+            kernels::kSamplesPlain.integers[1][0].toFloat(to, from, count, other);
+            if (other != nullptr) other[count - 1] += 1;
+        };
+    });
     const auto expectUtf8Found = [&](const auto& spoil) {
         expectFound(detail::utf8Kernels, kernels::kUtf8Plain, spoil);
     };
