@@ -33,7 +33,8 @@ const VLString* create(View text) noexcept {
     if (!length || *length > (SIZE_MAX - sizeof(VLString)) / sizeof(char16_t)) return nullptr;
     void* memory = std::malloc(sizeof(VLString) + *length * sizeof(char16_t));
     if (memory == nullptr) return nullptr;
-    auto* units = reinterpret_cast<char16_t*>(static_cast<char*>(memory) + sizeof(VLString));
+    void* const behind = static_cast<char*>(memory) + sizeof(VLString);
+    auto* units = static_cast<char16_t*>(behind);
     for (char16_t* next = units; !text.empty();) {
         const DecodedCharacter first = firstCharacter(text);
         putUtf16(next, first.code);

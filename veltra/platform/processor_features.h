@@ -12,7 +12,7 @@ namespace veltra {
 // A feature is true only when both the processor and the operating system carry it: without
 // wide registers saved by the system, everything from `avx` on is false.
 struct VELTRA_EXPORT ProcessorFeatures {
-    enum class Family : std::uint8_t { Other, X86, PowerPc };
+    enum class Family : std::uint8_t { Other, X86, PowerPc, Arm };
     using Query = ProcessorFeatures (*)() noexcept;
 
     Family family = Family::Other;
@@ -37,6 +37,11 @@ struct VELTRA_EXPORT ProcessorFeatures {
     bool avx512vl = false;
     bool avx512vbmi = false;
     bool avx512vbmi2 = false;
+
+    // 64-bit ARM
+    bool asimd = false;  // vectors of 128 bits
+    bool pmull = false;  // carry-less multiplication
+    bool crc32 = false;  // the instructions for checksums
 
     // PowerPC
     bool altivec = false;

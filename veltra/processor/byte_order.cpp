@@ -2,7 +2,12 @@
 #include "veltra/processor/byte_order.h"
 
 #include "veltra/processor/detail/bytes.h"
+#include "veltra/processor/detail/self_check.h"
 #include "veltra/processor/detail/swap_kernels.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace veltra {
 
@@ -18,18 +23,44 @@ bool hasAvx512(const ProcessorFeatures& features) noexcept {
 #endif
 
 constexpr KernelVariant<const kernels::SwapKernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_SWAP_NEON
+    {"neon", runsOnNeon, &kernels::kSwapNeon},
+#endif
 #ifdef VELTRA_KERNEL_SWAP_AVX512
     {"avx512vbmi", hasAvx512, &kernels::kSwapAvx512},
 #endif
 #ifdef VELTRA_KERNEL_SWAP_AVX2
     {"avx2", runsOnAvx2, &kernels::kSwapAvx2},
 #endif
+#ifdef VELTRA_KERNEL_SWAP_SSSE3
+    {"ssse3", [](const ProcessorFeatures& features) noexcept { return features.ssse3; },
+     &kernels::kSwapSsse3},
+#endif
     {"plain", runsEverywhere, &kernels::kSwapPlain},
 };
 
+// In place, and with a rest behind every block.
+bool agree(const kernels::SwapKernels* one, const kernels::SwapKernels* other) noexcept {
+    const struct {
+        kernels::SwapKernel kernels::SwapKernels::*swap;
+        std::size_t size;
+    } rows[] = {{&kernels::SwapKernels::words16, 2},
+                {&kernels::SwapKernels::words32, 4},
+                {&kernels::SwapKernels::words64, 8},
+                {&kernels::SwapKernels::samples24, 3},
+                {&kernels::SwapKernels::signs8, 1}};
+    return std::all_of(std::begin(rows), std::end(rows), [=](const auto& row) {
+        auto results = std::array{kNoise, kNoise};
+        const std::size_t count = kNoise.size() / row.size - 1;
+        (one->*row.swap)(results[0].data(), results[0].data(), count);
+        (other->*row.swap)(results[1].data(), results[1].data(), count);
+        return results[0] == results[1];
+    });
+}
+
 }  // namespace
 
-constinit KernelChoice<const kernels::SwapKernels*> swapKernels{"swaps", kVariants};
+constinit KernelChoice<const kernels::SwapKernels*> swapKernels{"swaps", kVariants, agree};
 
 }  // namespace detail
 

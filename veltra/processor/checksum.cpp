@@ -2,7 +2,9 @@
 #include "veltra/processor/checksum.h"
 
 #include "veltra/processor/detail/checksum_kernels.h"
+#include "veltra/processor/detail/self_check.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 
@@ -32,11 +34,19 @@ bool hasVpclmulAvx512(const ProcessorFeatures& features) noexcept {
 struct Rung {
     const char* name;
     bool (*runs)(const ProcessorFeatures& features) noexcept;
-    kernels::CrcKernel crc16;
+    kernels::CrcKernel crc16;  // null: none
     kernels::CrcKernel crc32;
 };
 
 constexpr Rung kRungs[] = {
+#ifdef VELTRA_KERNEL_CRC_PMULL
+    {"pmull", [](const ProcessorFeatures& features) noexcept { return features.pmull; },
+     kernels::crc16Pmull, kernels::crc32Pmull},
+#endif
+#ifdef VELTRA_KERNEL_CRC_ARM
+    {"crc", [](const ProcessorFeatures& features) noexcept { return features.crc32; }, nullptr,
+     kernels::crc32Arm},
+#endif
 #ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
     {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc16VpclmulAvx512,
      kernels::crc32VpclmulAvx512},
@@ -50,24 +60,35 @@ constexpr Rung kRungs[] = {
     {"plain", runsEverywhere, kernels::crc16Plain, kernels::crc32Plain},
 };
 
+template <std::size_t count>
 struct Variants {
-    KernelVariant<kernels::CrcKernel> rows[std::size(kRungs)];
+    KernelVariant<kernels::CrcKernel> rows[count];
 };
 
-constexpr Variants variantsOf(kernels::CrcKernel Rung::*kernel) noexcept {
-    Variants variants{};
-    for (std::size_t i = 0; i < std::size(kRungs); ++i)
-        variants.rows[i] = {kRungs[i].name, kRungs[i].runs, kRungs[i].*kernel};
+template <kernels::CrcKernel Rung::*kernel>
+constexpr auto variantsOf() noexcept {
+    constexpr auto has = [](const Rung& rung) { return rung.*kernel != nullptr; };
+    Variants<std::count_if(std::begin(kRungs), std::end(kRungs), has)> variants{};
+    std::size_t next = 0;
+    for (const Rung& rung : kRungs)
+        if (has(rung)) variants.rows[next++] = {rung.name, rung.runs, rung.*kernel};
     return variants;
 }
 
-constexpr Variants kCrc16Variants = variantsOf(&Rung::crc16);
-constexpr Variants kCrc32Variants = variantsOf(&Rung::crc32);
+bool agree(kernels::CrcKernel one, kernels::CrcKernel other) noexcept {
+    constexpr std::size_t kLengths[] = {1, 15, 100, 300, 1000, kNoise.size() - 1};
+    return std::all_of(std::begin(kLengths), std::end(kLengths), [=](std::size_t length) {
+        return one(0x1D0F, kNoise.data(), length) == other(0x1D0F, kNoise.data(), length);
+    });
+}
+
+constexpr auto kCrc16Variants = variantsOf<&Rung::crc16>();
+constexpr auto kCrc32Variants = variantsOf<&Rung::crc32>();
 
 }  // namespace
 
-constinit KernelChoice<kernels::CrcKernel> crc16Kernels{"crc16", kCrc16Variants.rows};
-constinit KernelChoice<kernels::CrcKernel> crc32Kernels{"crc32", kCrc32Variants.rows};
+constinit KernelChoice<kernels::CrcKernel> crc16Kernels{"crc16", kCrc16Variants.rows, agree};
+constinit KernelChoice<kernels::CrcKernel> crc32Kernels{"crc32", kCrc32Variants.rows, agree};
 
 }  // namespace detail
 

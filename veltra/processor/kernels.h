@@ -12,6 +12,15 @@
 //
 // All variants of a family give the same results, so that a choice may change at any time; a
 // call that is under way ends in the variant that it began in.
+//
+// The environment of the process may choose, too, which helps to find out by telephone what a
+// user's machine does not like. VELTRA_KERNELS is read once, when the library is loaded: entries
+// with commas between them, "family:variant", or a variant alone for every family that has it.
+//
+//     VELTRA_KERNELS=samples:avx2,crc32:plain
+//     VELTRA_KERNELS=plain
+//
+// An entry that names no family or variant of this processor changes nothing.
 #pragma once
 
 #include "veltra/export.h"
@@ -23,7 +32,7 @@
 
 namespace veltra {
 
-// Thread: any. Realtime-safe: yes.
+// Thread: any. Realtime-safe: yes, but for prepare() and prepareAll().
 class VELTRA_EXPORT KernelFamily {
 public:
     KernelFamily(const KernelFamily&) = delete;
@@ -32,6 +41,11 @@ public:
     // Every family there is, and the one of that name or null.
     static std::span<KernelFamily* const> all() noexcept;
     static KernelFamily* find(std::string_view name) noexcept;
+
+    // Writes what is in force, "crc16 plain, crc32 pclmulqdq, ...", cut to `capacity` bytes with a
+    // NUL. Returns the length of the whole text without its NUL. With `capacity` 0 nothing is
+    // written, and `text` may be null.
+    static std::size_t writeInForce(char* text, std::size_t capacity) noexcept;
 
     const char* name() const noexcept { return m_name; }
 
@@ -56,6 +70,18 @@ public:
     // that links a family statically also links the file that chooses at load.
     virtual void useBest() noexcept;
 
+    // Runs the variant in force and the plain one on a few KiB and compares the results. They
+    // differ on a machine that is broken: one that is overclocked, or an emulator that gets an
+    // instruction wrong. Calls then go to the best of the slower variants that does agree, and a
+    // line of the log says so; useBest() undoes it. Returns whether the results were the same. For
+    // a host that wants to know when it starts.
+    // Thread: any. Realtime-safe: no. It takes less than a millisecond.
+    bool prepare() noexcept;
+
+    // The same for every family. Returns whether all results were the same.
+    // Thread: any. Realtime-safe: no.
+    static bool prepareAll() noexcept;
+
 protected:
     using Test = bool (*)(const ProcessorFeatures& features) noexcept;
 
@@ -66,6 +92,7 @@ protected:
 private:
     virtual const char* nameAt(std::size_t index) const noexcept = 0;
     virtual Test testAt(std::size_t index) const noexcept = 0;
+    virtual bool agreesWithPlain(std::size_t index) const noexcept = 0;
     virtual std::size_t chosen() const noexcept = 0;
     virtual void choose(std::size_t index) noexcept = 0;
 

@@ -30,6 +30,11 @@ void append(Bytes& bytes, Form form, std::int64_t value) {
     }
 }
 
+// Converters take any address.
+float* floatsAt(void* bytes) {
+    return static_cast<float*>(bytes);
+}
+
 Floats toFloats(Form form, const Bytes& bytes) {
     Floats floats(bytes.size() / form.size());
     GetConvertNToFloat(form.format, form.swapped)(floats.data(), bytes.data(), floats.size(),
@@ -185,8 +190,8 @@ TEST(SampleConversion, NoSettingOfTheThreadsArithmeticChangesABitOrIsChanged) {
                 const bool isUntouched = [&] {
                     const InFloatMode inMode(mode);
                     from(bytes.data(), floats.data(), floats.size(), nullptr);
-                    to(reinterpret_cast<float*>(ofFloats.data()), stream.data(),
-                       stream.size() / form.size(), nullptr);
+                    to(floatsAt(ofFloats.data()), stream.data(), stream.size() / form.size(),
+                       nullptr);
                     return inMode.isUntouched();
                 }();
                 EXPECT_TRUE(isUntouched && bytes == expectedBytes && ofFloats == expectedFloats)
@@ -215,8 +220,8 @@ void expectAgreement(Form form, std::size_t count, bool stereo, bool inPlace) {
     Bytes arena = fromFloats(kFloat, noise);
     arena.insert(arena.begin(), 0);  // so that all three buffers lie at odd addresses
     const std::size_t first = 13, second = 17'013, stream = inPlace ? first : 22'013;
-    auto* const mono = reinterpret_cast<float*>(&arena[first]);
-    auto* const other = stereo ? reinterpret_cast<float*>(&arena[second]) : nullptr;
+    auto* const mono = floatsAt(&arena[first]);
+    auto* const other = stereo ? floatsAt(&arena[second]) : nullptr;
 
     Bytes expected = arena;
     const auto expectAt = [&](std::size_t at, const Bytes& bytes) {

@@ -8,6 +8,7 @@
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/text_services.h"
+#include "veltra/processor/detail/self_check.h"
 #include "veltra/processor/detail/utf8_kernels.h"
 
 #include <algorithm>
@@ -33,18 +34,46 @@ bool hasAvx2(const ProcessorFeatures& features) noexcept {
 #endif
 
 constexpr KernelVariant<const kernels::Utf8Kernels*> kVariants[] = {
+#ifdef VELTRA_KERNEL_UTF8_NEON
+    {"neon", runsOnNeon, &kernels::kUtf8Neon},
+#endif
 #ifdef VELTRA_KERNEL_UTF8_AVX512
     {"avx512", hasAvx512, &kernels::kUtf8Avx512},
 #endif
 #ifdef VELTRA_KERNEL_UTF8_AVX2
     {"avx2", hasAvx2, &kernels::kUtf8Avx2},
 #endif
+#ifdef VELTRA_KERNEL_UTF8_SSE2
+    {"sse2", runsOnSse2, &kernels::kUtf8Sse2},
+#endif
     {"plain", runsEverywhere, &kernels::kUtf8Plain},
 };
 
+// Noise with a terminator: its own text, made ASCII, and as characters of two bytes; each whole
+// and broken in the middle.
+bool agree(const kernels::Utf8Kernels* one, const kernels::Utf8Kernels* other) noexcept {
+    constexpr std::size_t kSize = 2000;
+    for (const int kind : {0, 1, 2, 3, 4, 5}) {
+        char text[kSize + 1] = {};
+        for (std::size_t i = 0; i < kSize; ++i) {
+            const auto byte = static_cast<unsigned char>(kNoise[i] | 1U);
+            text[i] = static_cast<char>(kind < 2   ? byte
+                                        : kind < 4 ? byte & 0x7FU
+                                        : i % 2    ? 0x80U | byte >> 2
+                                                   : 0xC0U | byte >> 3);
+        }
+        if (kind % 2 != 0) text[kSize / 2] = '\x80';
+        if (one->asciiLength(text) != other->asciiLength(text) ||
+            one->asciiLengthWithin(text, kSize / 3) != other->asciiLengthWithin(text, kSize / 3) ||
+            one->check(text) != other->check(text))
+            return false;
+    }
+    return true;
+}
+
 }  // namespace
 
-constinit KernelChoice<const kernels::Utf8Kernels*> utf8Kernels{"utf8", kVariants};
+constinit KernelChoice<const kernels::Utf8Kernels*> utf8Kernels{"utf8", kVariants, agree};
 
 }  // namespace detail
 

@@ -57,6 +57,14 @@ bool VLKernelFamilyUse(const char* family, const char* variant) noexcept {
     return true;
 }
 
+size_t VLKernelsInForce(char* text, size_t capacity) noexcept {
+    return KernelFamily::writeInForce(text, capacity);
+}
+
+bool VLKernelsPrepare() noexcept {
+    return KernelFamily::prepareAll();
+}
+
 void VLDotAPISetDebugMode(bool debug) noexcept {
     CDotAPI::SetDebugMode(debug);
 }

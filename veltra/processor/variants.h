@@ -9,14 +9,18 @@
 //     VLKernelFamilyUse("crc32", "plain");   // to compare, in a test or a bug report
 //     VLKernelFamilyUse("crc32", NULL);      // the best one again
 //
+//     char text[256];
+//     VLKernelsInForce(text, sizeof text);   // "crc16 plain, crc32 pclmulqdq, ..."
+//
 // Texts that are returned are constants.
 // Thread: any. Of VLDotAPISetDebugMode, VLDotAPIInit, VLDotAPISetSelection and VLDotAPIOverride,
-// one at a time. Realtime-safe: yes.
+// one at a time. Realtime-safe: yes, but for VLKernelsPrepare.
 #pragma once
 
 #include "veltra/c_linkage.h"
 
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 
 VELTRA_C_BEGIN
@@ -40,6 +44,16 @@ VELTRA_EXPORT const char* VLKernelFamilyInForce(const char* family) VELTRA_NOEXC
 // Returns false and changes nothing when there is no such family or variant, or when the processor
 // does not run it. All variants give the same results, so that this may happen at any time.
 VELTRA_EXPORT bool VLKernelFamilyUse(const char* family, const char* variant) VELTRA_NOEXCEPT;
+
+// Writes what every family runs as, cut to `capacity` bytes with a NUL. Returns the length of the
+// whole text without its NUL. With `capacity` 0 nothing is written, and `text` may be null.
+VELTRA_EXPORT size_t VLKernelsInForce(char* text, size_t capacity) VELTRA_NOEXCEPT;
+
+// Runs what is in force beside the plain variants on a few KiB. A family whose results differ, as
+// on a machine that is broken, goes on with the best of its slower variants that does agree, and a
+// line of the log says so. Returns whether all results were the same.
+// Realtime-safe: no. It takes a few milliseconds at most.
+VELTRA_EXPORT bool VLKernelsPrepare(void) VELTRA_NOEXCEPT;
 
 // The variants of the host's own loops: the values of CDotAPI::EID.
 enum VLDotAPIVariant {

@@ -177,8 +177,8 @@ bool sortNearlySorted(std::span<CTransient> list, void* scratch,
     KeptRecords kept(static_cast<KeptRecords::Run*>(scratch));
     if (!keepSorted<Order>(list, kept)) return false;
 
-    auto* const outliers = reinterpret_cast<Outlier*>(static_cast<KeptRecords::Run*>(scratch) +
-                                                      mostOutliers(size) + 2);
+    void* const behindRuns = static_cast<KeptRecords::Run*>(scratch) + mostOutliers(size) + 2;
+    auto* const outliers = static_cast<Outlier*>(behindRuns);
     CTransient* const records = list.data();
     std::size_t keptCount = 0, taken = 0, index = 0;
     const auto takeOut = [&](std::size_t end) {

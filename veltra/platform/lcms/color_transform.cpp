@@ -84,7 +84,8 @@ private:
 
     Arena() noexcept = default;
     static Header* headerOf(void* block) noexcept {
-        return reinterpret_cast<Header*>(static_cast<std::byte*>(block) - kHeader);
+        void* const before = static_cast<std::byte*>(block) - kHeader;
+        return static_cast<Header*>(before);
     }
 
     VELTRA_NEVER_ALLOCATED static constinit thread_local Arena* s_current;

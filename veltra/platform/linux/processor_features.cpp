@@ -3,7 +3,7 @@
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <cpuid.h>
-#elif defined(__powerpc__)
+#elif defined(__powerpc__) || defined(__aarch64__)
 #include <sys/auxv.h>
 #endif
 
@@ -74,6 +74,19 @@ ProcessorFeatures query() noexcept {
     unsigned long version = 0;
     __asm__ volatile("mfspr %0, 287" : "=r"(version));  // the kernel answers for user programs
     features.processorVersion = static_cast<std::uint32_t>(version) >> 16;
+    return features;
+}
+
+#elif defined(__aarch64__)
+
+ProcessorFeatures query() noexcept {
+    const unsigned long capabilities = ::getauxval(AT_HWCAP);
+
+    ProcessorFeatures features;
+    features.family = ProcessorFeatures::Family::Arm;
+    features.asimd = (capabilities & HWCAP_ASIMD) != 0;
+    features.pmull = features.asimd && (capabilities & HWCAP_PMULL) != 0;
+    features.crc32 = (capabilities & HWCAP_CRC32) != 0;
     return features;
 }
 

@@ -3,7 +3,8 @@
 //
 //     constexpr KernelVariant<CopyKernel> kVariants[] = {{"avx2", runsOnAvx2, copyAvx2},
 //                                                        {"plain", runsEverywhere, copyPlain}};
-//     constinit KernelChoice<CopyKernel> copyKernels{"copy", kVariants};
+//     bool agree(CopyKernel one, CopyKernel other) noexcept;  // runs both on a few KiB
+//     constinit KernelChoice<CopyKernel> copyKernels{"copy", kVariants, agree};
 //
 //     copyKernels.current()(to, from, size);
 //
@@ -32,6 +33,14 @@ inline bool runsEverywhere(const ProcessorFeatures& /*features*/) noexcept {
     return true;
 }
 
+inline bool runsOnNeon(const ProcessorFeatures& features) noexcept {
+    return features.asimd;
+}
+
+inline bool runsOnSse2(const ProcessorFeatures& features) noexcept {
+    return features.sse2;
+}
+
 inline bool runsOnAvx2(const ProcessorFeatures& features) noexcept {
     return features.avx2;
 }
@@ -39,18 +48,30 @@ inline bool runsOnAvx2(const ProcessorFeatures& features) noexcept {
 template <class Kernel>
 class KernelChoice final : public KernelFamily {
 public:
+    // Whether two variants give the same results.
+    using Agree = bool (*)(Kernel one, Kernel other) noexcept;
+
     template <std::size_t count>
-    constexpr KernelChoice(const char* name,
-                           const KernelVariant<Kernel> (&variants)[count]) noexcept
-        : KernelFamily(name, count), m_variants(variants), m_kernel(variants[count - 1].kernel) {}
+    constexpr KernelChoice(const char* name, const KernelVariant<Kernel> (&variants)[count],
+                           Agree agree) noexcept
+        : KernelFamily(name, count),
+          m_variants(variants),
+          m_agree(agree),
+          m_kernel(variants[count - 1].kernel) {}
 
     Kernel current() const noexcept { return m_kernel.load(std::memory_order_relaxed); }
 
     Kernel at(std::size_t index) const noexcept { return m_variants[index].kernel; }
 
+    bool areAlike(Kernel one, Kernel other) const noexcept { return m_agree(one, other); }
+
 private:
     const char* nameAt(std::size_t index) const noexcept override { return m_variants[index].name; }
     Test testAt(std::size_t index) const noexcept override { return m_variants[index].runs; }
+
+    bool agreesWithPlain(std::size_t index) const noexcept override {
+        return areAlike(at(index), at(variantCount() - 1));
+    }
 
     std::size_t chosen() const noexcept override {
         const Kernel kernel = current();
@@ -65,6 +86,7 @@ private:
     }
 
     const KernelVariant<Kernel>* const m_variants;
+    const Agree m_agree;
     std::atomic<Kernel> m_kernel;
 };
 

@@ -3,7 +3,7 @@
 // are asked for is touched. Internal linkage: for files that are built for this variant.
 #pragma once
 
-#include <cstddef>
+#include "veltra/processor/kernels/vector_memory.h"
 
 #include <immintrin.h>
 
@@ -37,9 +37,7 @@ struct Avx2Memory {
     }
     template <std::size_t bytes>
     static Register loadFirst(const unsigned char* from, std::size_t count) {
-        unsigned char block[bytes] = {};
-        __builtin_memcpy(block, from, count);
-        return load<bytes>(block);
+        return loadThroughBlock<Avx2Memory, bytes>(from, count);
     }
 
     template <std::size_t bytes>
@@ -59,9 +57,7 @@ struct Avx2Memory {
     }
     template <std::size_t bytes>
     static void storeFirst(unsigned char* to, Register value, std::size_t count) {
-        unsigned char block[bytes];
-        store<bytes>(block, value);
-        __builtin_memcpy(to, block, count);
+        storeThroughBlock<Avx2Memory, bytes>(to, value, count);
     }
 
     // Where the bytes of a register come from, within its own half; 0x80 makes a zero.

@@ -1,20 +1,42 @@
 // SPDX-License-Identifier: MIT
 // The steps that the carry-less kernels share, 128 bits wide. Everything here has internal linkage
-// and is compiled with the flags of the file that includes it.
+// and is compiled with the flags of the file that includes it, which brings the multiplication of
+// its processor along (crc_pclmul.h, crc_pmull.cpp): `Math`, which the concept below describes.
 #pragma once
 
 #include "veltra/processor/detail/crc_constants.h"
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include <immintrin.h>
-
 namespace veltra::kernels {
 
-// Which halves _mm_clmulepi64_si128 multiplies: the first eight bytes of a block are its lower
-// half, or, after their order was reversed, its upper half; multipliers keep theirs in the lower.
+template <class Value, class Math>
+concept BlockOf = std::same_as<Value, typename Math::Block>;
+
+// Blocks of 128 bits, the first byte of memory in the lowest.
+template <class Math, class Crc = detail::Crc32>
+concept CarrylessMath = requires(typename Math::Block block, typename Math::Block other,
+                                 const std::uint32_t* words) {
+    { block ^ other } -> std::convertible_to<typename Math::Block>;
+    { Math::load(words) } -> BlockOf<Math>;
+    { Math::ofWords(std::uint64_t{}, std::uint64_t{}) } -> BlockOf<Math>;
+    // Two words of 32 bits, zeros behind each.
+    { Math::widened(words) } -> BlockOf<Math>;
+    // The bits of a message in the order in which this CRC is computed.
+    { Math::template inOrder<Crc>(block) } -> BlockOf<Math>;
+    // A half of the first block times one of the second: 0x01 stands for the upper of the first,
+    // 0x10 for the upper of the second.
+    { Math::template product<0x11>(block, block) } -> BlockOf<Math>;
+    // Each half shifted down by 32 bits; the word of 32 bits at that place.
+    { Math::shiftedDown(block) } -> BlockOf<Math>;
+    { Math::template word<2>(block) } -> std::same_as<std::uint32_t>;
+};
+
+// Which halves are multiplied: the first eight bytes of a block are its lower half, or, after their
+// order was reversed, its upper half; multipliers keep theirs in the lower.
 template <class Crc>
 inline constexpr int kFirstWords = detail::kMirrored<Crc> ? 0x00 : 0x01;
 template <class Crc>
@@ -34,55 +56,43 @@ static inline const std::uint32_t* endMultipliers(std::size_t n) noexcept {
 }
 
 // The state of the CRC as the first bytes of the message that it is added to.
-template <class Crc>
-static inline __m128i asBytes(std::uint32_t state) noexcept {
+template <class Crc, CarrylessMath Math>
+static inline typename Math::Block asBytes(std::uint32_t state) noexcept {
     if constexpr (!detail::kMirrored<Crc>) state = (state >> 8 & 0xFFU) | (state & 0xFFU) << 8;
-    return _mm_cvtsi32_si128(static_cast<int>(state));
-}
-
-template <class Crc>
-static inline __m128i inOrder(__m128i bytes) noexcept {
-    if constexpr (detail::kMirrored<Crc>) return bytes;
-    const __m128i reverse = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    return _mm_shuffle_epi8(bytes, reverse);
-}
-
-static inline __m128i loadBytes(const void* bytes) noexcept {
-    return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
+    return Math::ofWords(state, 0);
 }
 
 // Both words of a block, each times its multiplier.
-template <class Crc>
-static inline __m128i multiply(__m128i block, __m128i multipliers) noexcept {
-    return _mm_xor_si128(_mm_clmulepi64_si128(block, multipliers, kFirstWords<Crc>),
-                         _mm_clmulepi64_si128(block, multipliers, kSecondWords<Crc>));
+template <class Crc, CarrylessMath Math>
+static inline typename Math::Block multiply(typename Math::Block block,
+                                            typename Math::Block multipliers) noexcept {
+    const auto first = Math::template product<kFirstWords<Crc>>(block, multipliers);
+    return first ^ Math::template product<kSecondWords<Crc>>(block, multipliers);
 }
 
 // A block of sixteen bytes, the first of which stands n bytes before the end of the message.
-template <class Crc>
-static inline __m128i multiplyToEnd(__m128i block, std::size_t n) noexcept {
-    const __m128i packed =
-        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(endMultipliers<Crc>(n)));
-    return multiply<Crc>(block, _mm_cvtepu32_epi64(packed));
+template <class Crc, CarrylessMath Math>
+static inline typename Math::Block multiplyToEnd(typename Math::Block block,
+                                                 std::size_t n) noexcept {
+    return multiply<Crc, Math>(block, Math::widened(endMultipliers<Crc>(n)));
 }
 
 // The remainder of 96 bits, as the state of the CRC.
-template <class Crc>
-static inline std::uint32_t remainder(__m128i sum) noexcept {
+template <class Crc, CarrylessMath Math>
+static inline std::uint32_t remainder(typename Math::Block sum) noexcept {
+    using Block = typename Math::Block;
     constexpr auto& division = kDivision<Crc>;
-    const __m128i divisor = _mm_set_epi64x(static_cast<long long>(division.polynomial),
-                                           static_cast<long long>(division.reciprocal));
+    const Block divisor = Math::ofWords(division.reciprocal, division.polynomial);
     if constexpr (detail::kMirrored<Crc>) {
-        const __m128i quotient = _mm_clmulepi64_si128(sum, divisor, 0x00);
-        const __m128i product = _mm_clmulepi64_si128(quotient, divisor, 0x10);
-        return static_cast<std::uint32_t>(_mm_extract_epi32(_mm_xor_si128(sum, product), 2));
+        const Block quotient = Math::template product<0x00>(sum, divisor);
+        const Block product = Math::template product<0x10>(quotient, divisor);
+        return Math::template word<2>(sum ^ product);
     } else {
-        const __m128i fold = _mm_cvtsi32_si128(static_cast<int>(division.fold));
-        const __m128i rest = _mm_xor_si128(_mm_clmulepi64_si128(sum, fold, 0x01), sum);
-        const __m128i quotient = _mm_clmulepi64_si128(_mm_srli_epi64(rest, 32), divisor, 0x00);
-        const __m128i product = _mm_clmulepi64_si128(_mm_srli_epi64(quotient, 32), divisor, 0x10);
-        const __m128i result = _mm_xor_si128(rest, product);
-        return static_cast<std::uint32_t>(_mm_cvtsi128_si32(result)) >> (32 - Crc::kDegree);
+        const Block fold = Math::ofWords(division.fold, 0);
+        const Block rest = Math::template product<0x01>(sum, fold) ^ sum;
+        const Block quotient = Math::template product<0x00>(Math::shiftedDown(rest), divisor);
+        const Block product = Math::template product<0x10>(Math::shiftedDown(quotient), divisor);
+        return Math::template word<0>(rest ^ product) >> (32 - Crc::kDegree);
     }
 }
 

@@ -18,7 +18,15 @@ std::uint32_t crc16Plain(std::uint32_t previous, const unsigned char* bytes,
 std::uint32_t crc32Plain(std::uint32_t previous, const unsigned char* bytes,
                          std::size_t length) noexcept;
 
-// Carry-less multiplication of 128, 256 and 512 bits.
+// The instruction for it of 64-bit ARM; there is none for the other CRC.
+std::uint32_t crc32Arm(std::uint32_t previous, const unsigned char* bytes,
+                       std::size_t length) noexcept;
+
+// Carry-less multiplication of 128 bits, on ARM and on x86, and of 256 and 512 bits.
+std::uint32_t crc16Pmull(std::uint32_t previous, const unsigned char* bytes,
+                         std::size_t length) noexcept;
+std::uint32_t crc32Pmull(std::uint32_t previous, const unsigned char* bytes,
+                         std::size_t length) noexcept;
 std::uint32_t crc16Pclmul(std::uint32_t previous, const unsigned char* bytes,
                           std::size_t length) noexcept;
 std::uint32_t crc32Pclmul(std::uint32_t previous, const unsigned char* bytes,

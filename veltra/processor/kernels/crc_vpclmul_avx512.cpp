@@ -8,6 +8,7 @@
 // another port busy than reversing the bytes of each block would.
 #include "veltra/processor/kernels/crc_fold.h"
 #include "veltra/processor/kernels/crc_kernels.h"
+#include "veltra/processor/kernels/crc_pclmul.h"
 
 #include <type_traits>
 
@@ -50,7 +51,7 @@ __m512i add(__m512i a, __m512i b, __m512i c) noexcept {
 // `block` moved `distance` bytes further back, added to `later`.
 template <class Crc, int distance>
 __m512i fold(__m512i block, __m512i later) noexcept {
-    const __m512i multipliers = _mm512_broadcast_i32x4(loadBytes(&kMoveBy<Crc, distance>));
+    const __m512i multipliers = _mm512_broadcast_i32x4(Pclmul::load(&kMoveBy<Crc, distance>));
     return add(_mm512_clmulepi64_epi128(block, multipliers, kFirstWords<Crc>),
                _mm512_clmulepi64_epi128(block, multipliers, kSecondWords<Crc>), later);
 }
@@ -68,7 +69,7 @@ template <class Crc>
 std::uint32_t remainderOf(__m512i sum) noexcept {
     const __m256i half =
         _mm256_xor_si256(_mm512_castsi512_si256(sum), _mm512_extracti64x4_epi64(sum, 1));
-    return remainder<Crc>(
+    return remainder<Crc, Pclmul>(
         _mm_xor_si128(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1)));
 }
 
@@ -78,8 +79,8 @@ std::uint32_t update(__m128i before, const unsigned char* bytes, std::size_t len
     if (length <= 16) {
         const __m128i block =
             _mm_maskz_loadu_epi8(static_cast<__mmask16>((1U << length) - 1), bytes);
-        return remainder<Crc>(
-            multiplyToEnd<Crc>(inBitOrder<Crc>(_mm_xor_si128(block, before)), length));
+        return remainder<Crc, Pclmul>(
+            multiplyToEnd<Crc, Pclmul>(inBitOrder<Crc>(_mm_xor_si128(block, before)), length));
     }
     __m512i sum = _mm512_setzero_si512();
     const __m512i before512 = inBitOrder<Crc>(_mm512_zextsi128_si512(before));
@@ -142,7 +143,7 @@ std::uint32_t update(__m128i before, const unsigned char* bytes, std::size_t len
 std::uint32_t crc16VpclmulAvx512(std::uint32_t previous, const unsigned char* bytes,
                                  std::size_t length) noexcept {
     const __m128i state = _mm_cvtsi32_si128(static_cast<int>(
-        update<detail::MirroredCrc16>(asBytes<detail::Crc16>(previous), bytes, length)));
+        update<detail::MirroredCrc16>(asBytes<detail::Crc16, Pclmul>(previous), bytes, length)));
     const auto reversed =
         static_cast<std::uint32_t>(_mm_cvtsi128_si32(inBitOrder<detail::MirroredCrc16>(state)));
     return (reversed & 0xFFU) << 8 | (reversed >> 8 & 0xFFU);
@@ -150,7 +151,7 @@ std::uint32_t crc16VpclmulAvx512(std::uint32_t previous, const unsigned char* by
 
 std::uint32_t crc32VpclmulAvx512(std::uint32_t previous, const unsigned char* bytes,
                                  std::size_t length) noexcept {
-    return ~update<detail::Crc32>(asBytes<detail::Crc32>(~previous), bytes, length);
+    return ~update<detail::Crc32>(asBytes<detail::Crc32, Pclmul>(~previous), bytes, length);
 }
 
 }  // namespace veltra::kernels

@@ -1,14 +1,49 @@
 // SPDX-License-Identifier: MIT
-// CRCs with registers of 128 or 256 bits, eight of them at a time. Everything here has internal
-// linkage and is compiled with the flags of the file that includes it.
+// CRCs with eight registers at a time, of 128 bits or of several blocks of 128 each. Everything
+// here has internal linkage and is compiled with the flags of the file that includes it.
 #pragma once
 
 #include "veltra/processor/kernels/crc_fold.h"
 
 namespace veltra::kernels {
 
+// Registers of one block or more.
+template <class Wide, class Crc = detail::Crc32>
+concept WideRegister = requires(const unsigned char* bytes, typename Wide::Math::Block block,
+                                typename Wide::Register wide) {
+    requires CarrylessMath<typename Wide::Math>;
+    { Wide::template load<Crc>(bytes) } -> std::same_as<typename Wide::Register>;
+    // The block in front, zeros behind it.
+    { Wide::widened(block) } -> std::same_as<typename Wide::Register>;
+    // Moved `distance` bytes further back, and added to what stands there.
+    { Wide::template fold<Crc, 32>(wide, wide) } -> std::same_as<typename Wide::Register>;
+    // The one block that stands for all.
+    { Wide::template narrowed<Crc>(wide) } -> BlockOf<typename Wide::Math>;
+};
+
+template <CarrylessMath MathOfBlock>
+struct OneBlock {
+    using Math = MathOfBlock;
+    using Register = typename Math::Block;
+
+    template <class Crc>
+    static Register load(const unsigned char* bytes) noexcept {
+        return Math::template inOrder<Crc>(Math::load(bytes));
+    }
+    static Register widened(Register block) noexcept { return block; }
+    template <class Crc, int distance>
+    static Register fold(Register block, Register later) noexcept {
+        return multiply<Crc, Math>(block, Math::load(&kMoveBy<Crc, distance>)) ^ later;
+    }
+    template <class Crc>
+    static Register narrowed(Register block) noexcept {
+        return block;
+    }
+};
+
 // Up to fifteen bytes, filled up with zeros. The message may lie at the end of the last page.
-static inline __m128i loadFew(const unsigned char* bytes, std::size_t count) noexcept {
+template <CarrylessMath Math>
+static inline typename Math::Block loadFew(const unsigned char* bytes, std::size_t count) noexcept {
     std::uint64_t low = 0;
     std::uint64_t high = 0;
     if (count >= 8) {
@@ -25,124 +60,79 @@ static inline __m128i loadFew(const unsigned char* bytes, std::size_t count) noe
         low = bytes[0] | std::uint64_t{bytes[count / 2]} << 8 * (count / 2) |
               std::uint64_t{bytes[count - 1]} << 8 * (count - 1);
     }
-    return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
+    return Math::ofWords(low, high);
 }
 
-template <class Crc, int distance>
-static inline __m128i fold(__m128i block, __m128i later) noexcept {
-    return _mm_xor_si128(multiply<Crc>(block, loadBytes(&kMoveBy<Crc, distance>)), later);
-}
-
-// `kind` only tells the width.
-template <class Crc>
-static inline __m128i load(const unsigned char* bytes, __m128i /*kind*/) noexcept {
-    return inOrder<Crc>(loadBytes(bytes));
-}
-
-static inline __m128i widened(__m128i block, __m128i /*kind*/) noexcept {
-    return block;
-}
-
-// The one block of sixteen bytes that stands for all of `block`.
-template <class Crc>
-static inline __m128i narrowed(__m128i block) noexcept {
-    return block;
-}
-
-#ifdef __AVX2__
-template <class Crc, int distance>
-static inline __m256i fold(__m256i block, __m256i later) noexcept {
-    const __m256i multipliers = _mm256_broadcastsi128_si256(loadBytes(&kMoveBy<Crc, distance>));
-    const __m256i product =
-        _mm256_xor_si256(_mm256_clmulepi64_epi128(block, multipliers, kFirstWords<Crc>),
-                         _mm256_clmulepi64_epi128(block, multipliers, kSecondWords<Crc>));
-    return _mm256_xor_si256(product, later);
-}
-
-template <class Crc>
-static inline __m256i load(const unsigned char* bytes, __m256i /*kind*/) noexcept {
-    const __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
-    if constexpr (detail::kMirrored<Crc>) return block;
-    const __m128i reverse = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    return _mm256_shuffle_epi8(block, _mm256_broadcastsi128_si256(reverse));
-}
-
-static inline __m256i widened(__m128i block, __m256i /*kind*/) noexcept {
-    return _mm256_zextsi128_si256(block);
-}
-
-template <class Crc>
-static inline __m128i narrowed(__m256i block) noexcept {
-    return fold<Crc, 16>(_mm256_castsi256_si128(block), _mm256_extracti128_si256(block, 1));
-}
-#endif
-
-// Eight registers of type Block over the whole of a message that fills them at least once; `before`
-// is added to its start. Moves `bytes` and `length` to what is left, less than eight registers.
-template <class Crc, class Block>
-static inline __m128i foldEight(__m128i before, const unsigned char*& bytes,
-                                std::size_t& length) noexcept {
-    constexpr std::ptrdiff_t kSize = sizeof(Block);
-    constexpr std::size_t kStep = 8 * sizeof(Block);
-    const Block kind{};
+// Eight registers over the whole of a message that fills them at least once; `before` is added to
+// its start. Moves `bytes` and `length` to what is left, less than eight registers.
+template <class Crc, WideRegister Wide>
+static inline typename Wide::Math::Block foldEight(typename Wide::Math::Block before,
+                                                   const unsigned char*& bytes,
+                                                   std::size_t& length) noexcept {
+    using Register = typename Wide::Register;
+    constexpr std::ptrdiff_t kSize = sizeof(Register);
+    constexpr std::size_t kStep = 8 * sizeof(Register);
     // GCC makes a copy through memory of a loop.
-    Block block[8] = {
-        load<Crc>(bytes, kind),
-        load<Crc>(bytes + kSize, kind),
-        load<Crc>(bytes + 2 * kSize, kind),
-        load<Crc>(bytes + 3 * kSize, kind),
-        load<Crc>(bytes + 4 * kSize, kind),
-        load<Crc>(bytes + 5 * kSize, kind),
-        load<Crc>(bytes + 6 * kSize, kind),
-        load<Crc>(bytes + 7 * kSize, kind),
+    Register block[8] = {
+        Wide::template load<Crc>(bytes),
+        Wide::template load<Crc>(bytes + kSize),
+        Wide::template load<Crc>(bytes + 2 * kSize),
+        Wide::template load<Crc>(bytes + 3 * kSize),
+        Wide::template load<Crc>(bytes + 4 * kSize),
+        Wide::template load<Crc>(bytes + 5 * kSize),
+        Wide::template load<Crc>(bytes + 6 * kSize),
+        Wide::template load<Crc>(bytes + 7 * kSize),
     };
-    block[0] ^= widened(before, kind);
+    block[0] ^= Wide::widened(before);
     for (bytes += kStep, length -= kStep; length >= kStep; bytes += kStep, length -= kStep) {
         for (int index = 0; index < 8; ++index) {
-            const Block later = load<Crc>(bytes + kSize * index, kind);
-            block[index] = fold<Crc, 8 * kSize>(block[index], later);
+            const Register later = Wide::template load<Crc>(bytes + kSize * index);
+            block[index] = Wide::template fold<Crc, 8 * kSize>(block[index], later);
         }
     }
     for (int index = 0; index < 4; ++index) {
-        block[index + 4] = fold<Crc, 4 * kSize>(block[index], block[index + 4]);
+        block[index + 4] = Wide::template fold<Crc, 4 * kSize>(block[index], block[index + 4]);
     }
-    block[6] = fold<Crc, 2 * kSize>(block[4], block[6]);
-    block[7] = fold<Crc, 2 * kSize>(block[5], block[7]);
-    return narrowed<Crc>(fold<Crc, kSize>(block[6], block[7]));
+    block[6] = Wide::template fold<Crc, 2 * kSize>(block[4], block[6]);
+    block[7] = Wide::template fold<Crc, 2 * kSize>(block[5], block[7]);
+    return Wide::template narrowed<Crc>(Wide::template fold<Crc, kSize>(block[6], block[7]));
 }
 
-template <class Crc, class Block>
+template <class Crc, WideRegister Wide>
 static inline std::uint32_t update(std::uint32_t state, const unsigned char* bytes,
                                    std::size_t length) noexcept {
+    using Math = typename Wide::Math;
+    using Block = typename Math::Block;
     alignas(16) static constexpr unsigned char kKeepLast[32] = {
         0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
         0,    0,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
         0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
-    __m128i before = asBytes<Crc>(state);
+    Block before = asBytes<Crc, Math>(state);
     if (length < 16) {
-        const __m128i block = _mm_xor_si128(loadFew(bytes, length), before);
-        return remainder<Crc>(multiplyToEnd<Crc>(inOrder<Crc>(block), length));
+        const Block block = loadFew<Math>(bytes, length) ^ before;
+        return remainder<Crc, Math>(
+            multiplyToEnd<Crc, Math>(Math::template inOrder<Crc>(block), length));
     }
-    before = inOrder<Crc>(before);
-    __m128i last;
-    if (length >= 8 * sizeof(Block)) {
-        last = foldEight<Crc, Block>(before, bytes, length);
+    before = Math::template inOrder<Crc>(before);
+    Block last;
+    if (length >= 8 * sizeof(typename Wide::Register)) {
+        last = foldEight<Crc, Wide>(before, bytes, length);
     } else {
-        last = _mm_xor_si128(load<Crc>(bytes, __m128i{}), before);
+        last = OneBlock<Math>::template load<Crc>(bytes) ^ before;
         bytes += 16;
         length -= 16;
     }
     for (; length >= 16; bytes += 16, length -= 16) {
-        last = fold<Crc, 16>(last, load<Crc>(bytes, __m128i{}));
+        last =
+            OneBlock<Math>::template fold<Crc, 16>(last, OneBlock<Math>::template load<Crc>(bytes));
     }
-    __m128i sum = multiplyToEnd<Crc>(last, 16 + length);
+    Block sum = multiplyToEnd<Crc, Math>(last, 16 + length);
     if (length > 0) {  // the sixteen bytes that end the message, without those that were added
-        const __m128i block =
-            _mm_and_si128(loadBytes(bytes + length - 16), loadBytes(kKeepLast + length));
-        sum = _mm_xor_si128(sum, multiplyToEnd<Crc>(inOrder<Crc>(block), 16));
+        const Block block = Math::load(bytes + length - 16) & Math::load(kKeepLast + length);
+        sum ^= multiplyToEnd<Crc, Math>(Math::template inOrder<Crc>(block), 16);
     }
-    return remainder<Crc>(sum);
+    return remainder<Crc, Math>(sum);
 }
 
 }  // namespace veltra::kernels

@@ -46,8 +46,12 @@ struct Avx2 : Avx2Memory {
 
     template <class Sample, int channels, int channel>
     static Register spread(Register bytes) {
-        if constexpr (Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder) return bytes;
-        return shuffled(bytes, kSpread<Sample, channels, channel>);
+        if constexpr (Sample::kIsFloat)
+            return bytes;
+        else if constexpr (Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder)
+            return _mm256_and_si256(bytes, _mm256_set1_epi32(-256));
+        else
+            return shuffled(bytes, kSpread<Sample, channels, channel>);
     }
 
     static void split(Register low, Register high, Register& even, Register& odd) {
@@ -58,9 +62,8 @@ struct Avx2 : Avx2Memory {
     }
 
     static Register floatsOf(Register words) {
-        const Register kept = _mm256_and_si256(words, _mm256_set1_epi32(-256));
         return _mm256_castps_si256(
-            _mm256_mul_ps(_mm256_cvtepi32_ps(kept), _mm256_set1_ps(0x1p-31F)));
+            _mm256_mul_ps(_mm256_cvtepi32_ps(words), _mm256_set1_ps(0x1p-31F)));
     }
 
     // Clipped as integers, to which a denormal is like any other, then multiplied by 2^31 in the
@@ -73,10 +76,8 @@ struct Avx2 : Avx2Memory {
                 _mm256_min_epu32(_mm256_min_epi32(sample, _mm256_set1_epi32(0x3F7F'FFFF)),
                                  _mm256_set1_epi32(static_cast<int>(0xBF7F'FFFFU)));
             Register scaled = _mm256_add_epi32(clipped, _mm256_set1_epi32(31 << 23));
-            if constexpr (bytes > 2) {
-                const Register same = _mm256_cmpeq_epi32(clipped, sample);
-                scaled = _mm256_sub_epi32(_mm256_sub_epi32(scaled, _mm256_set1_epi32(1)), same);
-            }
+            if constexpr (bytes > 2)
+                scaled = _mm256_add_epi32(scaled, _mm256_cmpgt_epi32(sample, clipped));
             sample = _mm256_cvttps_epi32(_mm256_castsi256_ps(scaled));
         }
     }

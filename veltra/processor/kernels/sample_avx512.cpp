@@ -79,9 +79,13 @@ struct Avx512 : Avx512Memory {
     template <class Sample, int channels, int channel, int start = 0>
     static Register spread(Register bytes) {
         constexpr const Places& kPlaces = kSpread<Sample, channels, channel, start>;
-        if constexpr (Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder) return bytes;
-        return _mm512_maskz_permutexvar_epi8(kPlaces.counts, _mm512_load_si512(kPlaces.from),
-                                             bytes);
+        if constexpr (Sample::kIsFloat)
+            return bytes;
+        else if constexpr (Sample::kSize == 4 && Sample::kOrder == detail::kHostOrder)
+            return _mm512_and_si512(bytes, _mm512_set1_epi32(-256));
+        else
+            return _mm512_maskz_permutexvar_epi8(kPlaces.counts, _mm512_load_si512(kPlaces.from),
+                                                 bytes);
     }
 
     // Whole loads, none of them beyond the group: the last samples are the end of their load.
@@ -102,9 +106,8 @@ struct Avx512 : Avx512Memory {
     }
 
     static Register floatsOf(Register words) {
-        const Register kept = _mm512_and_si512(words, _mm512_set1_epi32(-256));
         return _mm512_castps_si512(
-            _mm512_mul_ps(_mm512_cvtepi32_ps(kept), _mm512_set1_ps(0x1p-31F)));
+            _mm512_mul_ps(_mm512_cvtepi32_ps(words), _mm512_set1_ps(0x1p-31F)));
     }
 
     // Clipped as integers, to which a denormal is like any other, then multiplied by 2^31 in the

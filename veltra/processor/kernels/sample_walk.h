@@ -80,11 +80,11 @@ concept SampleVector = requires(typename Vector::Register r, typename Vector::Re
     requires Vector::kGroup == 0 || HasGroups<Vector>;
 
     // The samples of the second of two channels, out of what load<Sample::kSize * 2 * kLanes> gave,
-    // moved to the top of the words, zeros below them.
+    // moved to the top of the words, zeros below them. Of 32 bits the lowest byte is cleared.
     { Vector::template spread<Sample, 2, 1>(r) } -> RegisterOf<Vector>;
     // The words of two registers that have even and odd places.
     { Vector::split(r, r, to, to) } -> std::same_as<void>;
-    // words * 2^-31, the lowest eight bits of a word dropped.
+    // words * 2^-31; the lowest byte of each word is 0.
     { Vector::floatsOf(r) } -> RegisterOf<Vector>;
     // The top bit of every byte inverted.
     { Vector::flipped(r) } -> RegisterOf<Vector>;

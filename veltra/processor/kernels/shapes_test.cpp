@@ -26,7 +26,7 @@ public:
         }
     }
     unsigned char* bytes(std::size_t i) { return m_buffers[i]; }
-    float* floats(std::size_t i) { return reinterpret_cast<float*>(m_buffers[i]); }
+    float* floats(std::size_t i) { return static_cast<float*>(static_cast<void*>(bytes(i))); }
 
 private:
     const std::vector<unsigned char>& m_noise;

@@ -19,6 +19,8 @@ struct SwapKernels {
 };
 
 extern const SwapKernels kSwapPlain;
+extern const SwapKernels kSwapNeon;
+extern const SwapKernels kSwapSsse3;
 extern const SwapKernels kSwapAvx2;
 extern const SwapKernels kSwapAvx512;  // needs AVX-512 F, BW, VL and VBMI, and BMI2
 

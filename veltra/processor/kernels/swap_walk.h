@@ -11,7 +11,15 @@ namespace veltra::kernels {
 template <class Vector>
 concept SwapVector = MovesBytes<Vector, Vector::kBytes> && requires(typename Vector::Register r) {
     // The groups of that size reversed.
-    { Vector::template swapped<3>(r) } -> RegisterOf<Vector>;
+    { Vector::template swapped<4>(r) } -> RegisterOf<Vector>;
+};
+
+// Vectors that know a better step for groups of 3 bytes than three quarters of a register: so many
+// bytes at once, all of them read before the first is written.
+template <class Vector>
+concept HasSampleStep = requires(unsigned char* to, const unsigned char* from) {
+    requires Vector::kSampleStep % 3 == 0;
+    { Vector::swapSamples(to, from) } -> std::same_as<void>;
 };
 
 template <SwapVector Vector, std::size_t size>
@@ -21,6 +29,10 @@ static void swapGroups(unsigned char* destination, const unsigned char* source,
     constexpr std::size_t kBlocks = 4;
     const std::size_t bytes = size * count;
     std::size_t at = 0;
+    if constexpr (size == 3 && HasSampleStep<Vector>) {
+        for (; bytes - at >= Vector::kSampleStep; at += Vector::kSampleStep)
+            Vector::swapSamples(destination + at, source + at);
+    }
     for (; bytes - at >= kBlocks * kBlock; at += kBlocks * kBlock) {
         typename Vector::Register blocks[kBlocks];
         for (std::size_t i = 0; i < kBlocks; ++i)
@@ -43,10 +55,10 @@ static void swapGroups(unsigned char* destination, const unsigned char* source,
     }
 }
 
-template <SwapVector Vector>
+template <SwapVector Vector, SwapVector SampleVector = Vector>
 constexpr SwapKernels makeSwapKernels() {
     return {swapGroups<Vector, 2>, swapGroups<Vector, 4>, swapGroups<Vector, 8>,
-            swapGroups<Vector, 3>, swapGroups<Vector, 1>};
+            swapGroups<SampleVector, 3>, swapGroups<Vector, 1>};
 }
 
 }  // namespace veltra::kernels

@@ -19,6 +19,8 @@ struct Utf8Kernels {
 };
 
 extern const Utf8Kernels kUtf8Plain;
+extern const Utf8Kernels kUtf8Neon;
+extern const Utf8Kernels kUtf8Sse2;
 extern const Utf8Kernels kUtf8Avx2;    // needs AVX2, BMI1 and BMI2
 extern const Utf8Kernels kUtf8Avx512;  // needs AVX-512 F and BW, BMI1 and BMI2
 

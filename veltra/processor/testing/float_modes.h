@@ -3,12 +3,13 @@
 #pragma once
 
 #include <cfenv>
+#include <cstdint>
 
 namespace veltra {
 
 struct FloatMode {
     int rounding;
-    bool flushes;  // denormals count and come out as 0
+    bool flushes;  // denormals count and come out as 0; on ARM every NaN becomes the same, too
     bool traps;    // invalid, overflow, underflow and division by zero, denormals
 };
 
@@ -17,53 +18,75 @@ inline constexpr FloatMode kFloatModes[] = {
     {FE_UPWARD, true, false},     {FE_TOWARDZERO, false, false}, {FE_TOWARDZERO, true, true},
     {FE_TONEAREST, false, true},  {FE_DOWNWARD, false, false},   {FE_DOWNWARD, true, false}};
 
-// The calling thread in a mode, where the host has it; flushing and traps are x86's alone.
-class InFloatMode {
+// The control word of the thread's arithmetic, and the flags of what happened.
+class FloatControl {
 public:
-    explicit InFloatMode(const FloatMode& mode) {
 #if defined(__x86_64__) || defined(__i386__)
-        std::fegetenv(&m_before);
-#endif
-        std::fesetround(mode.rounding);
-#if defined(__x86_64__) || defined(__i386__)
-        constexpr unsigned kFlushes = 0x8040, kTraps = 0x0F80, kFlags = 0x3F;
-        m_control = (control() | (mode.flushes ? kFlushes : 0)) & ~(mode.traps ? kTraps : 0);
-        m_control &= ~kFlags;
-        __asm__ volatile("ldmxcsr %0" : : "m"(m_control) : "memory");
-#endif
-    }
-    ~InFloatMode() {
-#if defined(__x86_64__) || defined(__i386__)
-        std::fesetenv(&m_before);
-#else
-        std::fesetround(m_before);
-#endif
-    }
-    InFloatMode(const InFloatMode&) = delete;
-    InFloatMode& operator=(const InFloatMode&) = delete;
+    static constexpr std::uint64_t kFlushes = 0x8040, kTraps = 0x0F80, kFlags = 0x3F;
+    static constexpr std::uint64_t kHarmless = 0x20;  // inexact
 
-    // Whether the control word is what it was at the start, and no flag is up but "inexact".
-    bool isUntouched() const {
-#if defined(__x86_64__) || defined(__i386__)
-        constexpr unsigned kInexact = 0x20;
-        return (control() & ~kInexact) == m_control;
-#else
-        return true;
-#endif
-    }
-
-private:
-#if defined(__x86_64__) || defined(__i386__)
-    static unsigned control() {
+    static std::uint64_t read() {
         unsigned word = 0;
         __asm__ volatile("stmxcsr %0" : "=m"(word) : : "memory");
         return word;
     }
-    unsigned m_control = 0;
-    std::fenv_t m_before;
+    static void write(std::uint64_t value) {
+        const auto word = static_cast<unsigned>(value);
+        __asm__ volatile("ldmxcsr %0" : : "m"(word) : "memory");
+    }
+    static void setTraps(std::uint64_t& word) {
+        word &= ~kTraps;
+    }
+#elif defined(__aarch64__)
+    // The upper half is the control register, the lower one that of the flags. Traps do not exist.
+    static constexpr std::uint64_t kFlushes = std::uint64_t{0x0300'0000} << 32, kFlags = 0x9F;
+    static constexpr std::uint64_t kHarmless = 0x90;  // inexact, and a denormal that was flushed
+
+    static std::uint64_t read() {
+        std::uint64_t control = 0, flags = 0;
+        __asm__ volatile("mrs %0, fpcr\n\tmrs %1, fpsr" : "=r"(control), "=r"(flags) : : "memory");
+        return control << 32 | flags;
+    }
+    static void write(std::uint64_t word) {
+        const std::uint64_t control = word >> 32, flags = word & 0xFFFF'FFFFU;
+        __asm__ volatile("msr fpcr, %0\n\tmsr fpsr, %1" : : "r"(control), "r"(flags) : "memory");
+    }
+    static void setTraps(std::uint64_t&) {}
 #else
-    const int m_before = std::fegetround();
+    static constexpr std::uint64_t kFlushes = 0, kFlags = 0, kHarmless = 0;
+
+    static std::uint64_t read() {
+        return 0;
+    }
+    static void write(std::uint64_t) {}
+    static void setTraps(std::uint64_t&) {}
 #endif
+};
+
+// The calling thread in a mode, where the host has it; elsewhere the rounding mode alone.
+class InFloatMode {
+public:
+    explicit InFloatMode(const FloatMode& mode) {
+        std::fegetenv(&m_before);
+        std::fesetround(mode.rounding);
+        m_control = FloatControl::read() | (mode.flushes ? FloatControl::kFlushes : 0);
+        if (mode.traps) FloatControl::setTraps(m_control);
+        m_control &= ~FloatControl::kFlags;
+        FloatControl::write(m_control);
+    }
+    ~InFloatMode() { std::fesetenv(&m_before); }
+    InFloatMode(const InFloatMode&) = delete;
+    InFloatMode& operator=(const InFloatMode&) = delete;
+
+    // Whether the control word is what it was at the start, and no flag is up that says more than
+    // that a result was rounded.
+    bool isUntouched() const {
+        return (FloatControl::read() & ~FloatControl::kHarmless) == m_control;
+    }
+
+private:
+    std::fenv_t m_before;
+    std::uint64_t m_control = 0;
 };
 
 }  // namespace veltra
