@@ -188,7 +188,9 @@ TEST(LevelBallistics, MovesInCAsInCpp) {
     }
     VLLevelBallisticsSetPeak(ofC, true);
     EXPECT_TRUE(VLLevelBallisticsPeak(ofC));
-    VLLevelBallisticsSetLevel(ofC, 1.0F, true, 0);
+    VLLevelBallisticsSetLevel(ofC, 1.0F, false, 0);
+    EXPECT_TRUE(!VLLevelBallisticsSetLevel(ofC, 1.0F, false, 0) &&
+                VLLevelBallisticsSetLevel(ofC, 1.0F, true, 0));
     VLLevelBallisticsDropMaximum(ofC);
     EXPECT_EQ(VLLevelBallisticsMaxDisplayLevel(ofC), 0.0F);
     VLLevelBallisticsDestroy(ofC);
