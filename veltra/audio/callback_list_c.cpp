@@ -19,7 +19,8 @@ namespace {
 using Node = CallbackList::Node;
 using Ticket = CallbackList::Ticket;
 
-static_assert(sizeof(Node) <= sizeof(VLCallbackNode) && alignof(Node) <= alignof(VLCallbackNode));
+static_assert(sizeof(Node) <= sizeof(VLCallbackNode));
+static_assert(alignof(Node) <= alignof(VLCallbackNode));
 static_assert(std::is_trivially_destructible_v<Node>);
 static_assert(sizeof(Ticket) == sizeof(VLCallbackTicket));
 

@@ -16,8 +16,8 @@ namespace veltra {
 namespace {
 
 // One record under two names.
-static_assert(sizeof(VLTransient) == sizeof(CTransient) &&
-              alignof(VLTransient) == alignof(CTransient));
+static_assert(sizeof(VLTransient) == sizeof(CTransient));
+static_assert(alignof(VLTransient) == alignof(CTransient));
 static_assert(offsetof(VLTransient, energy) == offsetof(CTransient, Energy) &&
               offsetof(VLTransient, visibleWeight) == offsetof(CTransient, visibleweight) &&
               offsetof(VLTransient, freqHz) == offsetof(CTransient, FreqHz));
