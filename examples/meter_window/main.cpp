@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
     QObject::connect(&poll, &QTimer::timeout, [&] {
         const auto show = [&](veltra::LevelTap& tap, veltra::QkLevelMeterCell& cell) {
             const veltra::LevelReading level = tap.take();
-            if (level.frames == 0) return;  // nothing new: the meter falls by itself
+            if (level.frames == 0) return;  // nothing new: the meter falls to its last level
             cell.setLevel(veltra::meterPositionForAmplitude(level.peak));
             readout.raise(level.peak);
         };

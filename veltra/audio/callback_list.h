@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A callback list for hosts whose contexts die: what CAddRemoveIterateList does, and three things
 // more. Iterating frees nothing, nodes may be the host's own memory, and a removal returns a ticket
-// that tells when its context may be destroyed.
+// that tells when its context may be destroyed. For C: callback_list_c.h.
 //
 //     std::optional<CallbackList::Ticket> gone = voices.remove(voice);    // any thread
 //     if (gone.has_value() && gone->isSafe()) delete voice;               // at any later look

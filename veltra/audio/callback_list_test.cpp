@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/callback_list.h"
 
+#include "veltra/audio/callback_list_c.h"
 #include "veltra/audio/detail/request_chain.h"
 #include "veltra/base/testing/prelude.h"
 
@@ -161,6 +162,39 @@ TEST(CallbackList, ContextsMayDieWhenTheirTicketsAreSafe) {
     EXPECT_TRUE(called(list).empty());
     for (const int count : heard)
         EXPECT_GT(count, 0);
+}
+
+TEST(CallbackList, FromCNullIsRefusedAndAFailedRemovalIsNeverSafe) {
+    VLCallbackList* const list = VLCallbackListCreate();
+    ASSERT_NE(list, nullptr);
+    int context = 0;
+    VLCallbackNode node, removal;
+    std::memset(&node, 0xFF, sizeof node);
+    VLCallbackNodeInit(&node);
+    VLCallbackNodeInit(&removal);
+    VLCallbackTicket ticket{list, 0};
+    EXPECT_FALSE(VLCallbackListAdd(nullptr, &context, note) ||
+                 VLCallbackListAdd(list, nullptr, note) ||
+                 VLCallbackListAddWithNode(list, nullptr, &context, note) ||
+                 VLCallbackListRemove(list, nullptr, &ticket) ||
+                 VLCallbackListRemoveWithNode(list, nullptr, &context, &ticket) ||
+                 VLCallbackNodeIsFree(nullptr) || VLCallbackTicketIsSafe(nullptr));
+    std::vector<const void*> contexts;
+    VLCallbackListIterate(list, 0, &contexts);
+    EXPECT_FALSE(VLCallbackTicketIsSafe(&ticket) || !contexts.empty());
+
+    EXPECT_TRUE(VLCallbackListAddWithNode(list, &node, &context, note));
+    EXPECT_TRUE(VLCallbackListAdd(list, &context, note) && !VLCallbackNodeIsFree(&node));
+    VLCallbackListIterate(list, 0, &contexts);
+    EXPECT_EQ(contexts.size(), 2U);
+    EXPECT_TRUE(VLCallbackListRemoveWithNode(list, &removal, &context, &ticket));
+    EXPECT_FALSE(VLCallbackTicketIsSafe(&ticket));
+    VLCallbackListIterate(list, 0, &contexts);
+    EXPECT_TRUE(VLCallbackTicketIsSafe(&ticket) && VLCallbackNodeIsFree(&node));
+    EXPECT_TRUE(VLCallbackListRemove(list, &context, nullptr) && contexts.size() == 2);
+    VLCallbackListIterate(list, 0, &contexts);
+    EXPECT_EQ(VLCallbackListCollect(list) + VLCallbackListCollect(nullptr), 2U);
+    VLCallbackListDestroy(list);
 }
 
 }  // namespace

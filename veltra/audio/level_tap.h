@@ -43,7 +43,7 @@ public:
     void add(const LevelReading& measured) noexcept;
 
     // All that was added since the reading before. Without frames when nothing was, or when a block
-    // is being added just now: leave the meter alone then, it falls by itself.
+    // is being added just now: leave the meter alone then, it falls to the level it was given last.
     // Thread: one at a time. Realtime-safe: yes, wait-free.
     LevelReading take() noexcept;
 

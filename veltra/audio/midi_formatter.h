@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// MIDI data values as text: note numbers, controller values, offsets.
+// MIDI data values as text: note numbers, controller values, offsets. For C: midi_formatter_c.h.
 //
 //     QKMIDIFormatter formatter;
 //     formatter.setNoteStyle(QKMIDIFormatter::kNoteName);

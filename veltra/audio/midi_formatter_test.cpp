@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/midi_formatter.h"
 
+#include "veltra/audio/midi_formatter_c.h"
 #include "veltra/base/testing/prelude.h"
 
 namespace veltra {
@@ -20,8 +21,18 @@ TEST(MIDIFormatter, EachStyleWritesEveryKindOfNumberAndNothingElse) {
         std::string text;
         for (const PropertyValue& value : values)
             text += formatter.stringForObjectValue(value) + "|";
+        char ofC[16];
+        for (const std::int32_t value : {-5, 0, 15, 60}) {
+            const std::string whole = formatter.stringForObjectValue(value);
+            EXPECT_EQ(VLMIDIText(value, style, ofC, sizeof ofC), whole.size());
+            EXPECT_EQ(ofC, whole);
+        }
         EXPECT_EQ(text, texts[style]);
     }
+    char cut[] = "????";
+    EXPECT_EQ(VLMIDIText(0, kVLMIDISigned, cut, 2), 4U);  // no half of a character
+    EXPECT_STREQ(cut, "");
+    EXPECT_EQ(VLMIDIText(0, kVLMIDISigned, nullptr, 0), 4U);
     EXPECT_EQ(QKMIDIFormatter().stringForObjectValue(1e300), "2147483647");
     EXPECT_EQ(QKMIDIFormatter().stringForObjectValue(4294967295U), "-1");
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/musical_context.h"
 
+#include "veltra/audio/musical_context_c.h"
 #include "veltra/base/testing/prelude.h"
 
 namespace veltra {
@@ -64,6 +65,23 @@ TEST(MusicalContext, GivenCalculatorComesBeforeTheDefaultBeforeTheBuiltIn) {
     EXPECT_TRUE(context.m_samplePosition == 132300 && context.m_second == 99);
     EXPECT_EQ(context.m_positionInTicks, 92160);
     EXPECT_TRUE(context.m_positionInBarInTicks == -30720 && context.m_samplesToNextTick == 1);
+}
+
+TEST(MusicalContext, IsTheSameRecordInC) {
+    const auto ofC = VLMusicalContextMake(-132301, 99, nullptr);
+    const CMusicalContext context(-132301, 99);
+    EXPECT_EQ(std::memcmp(&ofC, &context, sizeof context), 0);
+
+    const auto addUp = [](std::int32_t sample, std::int32_t second, VLMusicalContext* made) {
+        EXPECT_TRUE(made->tempo == 120000 && made->positionInTicks == 0 && made->last == 0);
+        made->reserved[3] = sample + second;
+    };
+    EXPECT_EQ(VLMusicalContextMake(40, 2, addUp).reserved[3], 42);
+    VLMusicalContextSetCalculator(addUp);
+    EXPECT_EQ(CMusicalContext(40, 3).m_reserved[3], 43);
+    EXPECT_EQ(VLMusicalContextMake(40, 4, nullptr).reserved[3], 44);
+    VLMusicalContextSetCalculator(nullptr);
+    EXPECT_EQ(VLMusicalContextMake(22050, 0, nullptr).positionInTicks, kVLTicksPerBeat);
 }
 
 }  // namespace

@@ -50,6 +50,10 @@ std::string textOf(const Traced& traced) {
     return text.str();
 }
 
+void keepFirst(CTransients& transients, std::size_t count) noexcept {
+    transients.erase(transients.begin() + static_cast<std::ptrdiff_t>(count), transients.end());
+}
+
 // Literals that give the very same value back.
 std::string literal(std::int64_t value) {
     if (value == std::numeric_limits<std::int64_t>::min())
@@ -107,19 +111,11 @@ void CTransients::SortByEnergyAndPos() noexcept {
 }
 
 void CTransients::SortAndMakeUniquePos() noexcept {
-    detail::sortByPos(*this);
-    erase(std::unique(
-              begin(), end(),
-              [](const CTransient& one, const CTransient& next) { return one.pos == next.pos; }),
-          end());
+    keepFirst(*this, detail::sortAndMakeUniquePos(*this));
 }
 
 void CTransients::ThinOutToSizeAndSortByPos(unsigned long size) noexcept {
-    if (this->size() > size) {
-        detail::gatherWeakest(*this, size);
-        erase(begin() + static_cast<std::ptrdiff_t>(size), end());
-    }
-    detail::sortByPos(*this);
+    keepFirst(*this, detail::thinOutAndSortByPos(*this, size));
 }
 
 std::string CTransients::TraceStr() const {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Transients, the onsets that a detector found in a signal, and lists of them: checked, sorted,
-// freed of duplicates, thinned out, and traced.
+// freed of duplicates, thinned out, and traced. For C: transients_c.h.
 //
 // The sorts are stable (equal transients keep the order they have) and give the same result on
 // every host. No list takes longer than its size times the logarithm of its size. Lists that are

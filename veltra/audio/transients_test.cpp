@@ -2,6 +2,7 @@
 #include "veltra/audio/transients.h"
 
 #include "veltra/audio/detail/distribution_sort.h"
+#include "veltra/audio/transients_c.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/indent_stack.h"
 
@@ -235,6 +236,50 @@ TEST(Transients, TheListAsStatementsIsTheListAgain) {
     const List before = transients;
     SwapTransientCallback(transients.data(), 1024);
     EXPECT_TRUE(areSame(transients, before));
+}
+
+TEST(Transients, ArraysOfCBecomeWhatListsBecome) {
+    for (const auto& [kind, list] : lists(300)) {
+        for (const std::size_t size : {0U, 1U, 120U, 299U, 300U, 301U}) {
+            const auto isSame = [&list = list](
+                                    void (*ofList)(List&, std::size_t),
+                                    std::size_t (*ofC)(VLTransient*, std::size_t, std::size_t),
+                                    std::size_t given) {
+                List expected = list, array = list;
+                ofList(expected, given);
+                auto* const records = reinterpret_cast<VLTransient*>(array.data());
+                array.resize(ofC(records, array.size(), given));
+                return areSame(array, expected);
+            };
+            EXPECT_TRUE(isSame([](List& l, std::size_t n) { l.ThinOutToSizeAndSortByPos(n); },
+                               VLTransientsThinOutToSizeAndSortByPos, size))
+                << kind << ' ' << size;
+            EXPECT_TRUE(isSame([](List& l, std::size_t) { l.SortAndMakeUniquePos(); },
+                               [](VLTransient* all, std::size_t count, std::size_t) {
+                                   return VLTransientsSortAndMakeUniquePos(all, count);
+                               },
+                               0));
+        }
+    }
+    VLTransient records[] = {VLTransientMake(7, 2.0F), VLTransientMake(5, 3.0F)};
+    EXPECT_FALSE(VLTransientsAreSortedByPos(records, 2));
+    VLTransientsSortByPos(records, 2);
+    EXPECT_TRUE(records[0].pos == 5 && VLTransientsAreUniqueAndSortedByPos(records, 2));
+    VLTransientsSortByEnergyAndPos(records, 2);
+    EXPECT_EQ(records[0].energy, 2.0F);
+    VLTransientsSortByPos(nullptr, 2);
+    EXPECT_TRUE(VLTransientsAreSortedByPos(nullptr, 2));
+    EXPECT_EQ(VLTransientsSortAndMakeUniquePos(nullptr, 2), 0U);
+
+    const std::string text = "CTransient: pos 7, Energy 2, visibleweight 1, FreqHz 0";
+    char buffer[64] = "?";
+    EXPECT_EQ(VLTransientText(records, buffer, 1), text.size());
+    EXPECT_STREQ(buffer, "");
+    EXPECT_EQ(VLTransientText(records, buffer, text.size()), text.size());
+    EXPECT_EQ(buffer, text.substr(0, text.size() - 1));
+    VLTransientText(records, buffer, text.size() + 1);
+    EXPECT_EQ(buffer, text);
+    EXPECT_EQ(VLTransientText(nullptr, nullptr, 9), 0U);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A timer for controls and animations that can be started again and again. It goes on firing while
-// a menu or slider is tracked and while a modal panel runs.
+// a menu or slider is tracked and while a modal panel runs. For C: timer_c.h.
 //
 //   QkTimer m_decay{0.05, this, action<&Meter::decay>(), nullptr};
 //   void Meter::decay(QkTimer& timer);      // may restart, stop or delete the timer, or the meter

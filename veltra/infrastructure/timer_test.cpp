@@ -2,6 +2,8 @@
 #include "veltra/infrastructure/timer.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/infrastructure/timer_c.h"
+#include "veltra/platform/run_loop_c.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 
 namespace veltra {
@@ -125,6 +127,46 @@ TEST_F(QkTimerTest, WhatCannotBeSentIsPassedOver) {
     unheard.start();
     loop.advance(0.25);
     EXPECT_TRUE(orphan.isValid() && unheard.isValid());
+}
+
+TEST_F(QkTimerTest, CallsAFunctionOfC) {
+    struct Player {
+        int ticks = 0;
+        VLTimer* timer = nullptr;
+    } player;
+    const VLTimerCallback play = [](VLTimer* timer, void* context) {
+        auto& self = *static_cast<Player*>(context);
+        EXPECT_EQ(timer, self.timer);
+        if (++self.ticks == 3) VLTimerDestroy(timer);
+    };
+    VLRunLoop* const host = VLRunLoopCurrent();
+    EXPECT_EQ(VLTimerCreate(1.0, true, nullptr, &player), nullptr);
+    player.timer = VLTimerCreate(0.1, true, play, &player);
+    VLTimerFire(player.timer);  // idle: nothing
+    EXPECT_EQ(VLRunLoopTimeToDeadline(host), -1);
+    loop.clocks.error = 22;
+    EXPECT_FALSE(VLTimerStart(player.timer));
+    loop.clocks.error = 0;
+    EXPECT_TRUE(VLTimerStart(player.timer) && VLTimerIsActive(player.timer));
+    EXPECT_EQ(VLRunLoopTimeToDeadline(host), 100'000'000);
+    VLTimerFire(player.timer);
+    loop.advance(0.1);
+    loop.clocks.now += milliseconds(150);
+    EXPECT_EQ(VLRunLoopTimeToDeadline(host), 0);
+    EXPECT_EQ(VLRunLoopRunDue(host), 1);
+    EXPECT_TRUE(player.ticks == 3 && VLRunLoopTimeToDeadline(host) == -1);
+
+    player = {0, VLTimerCreate(0.1, false, play, &player)};
+    VLTimerStart(player.timer);
+    loop.advance(1.0);
+    EXPECT_FALSE(player.ticks != 1 || VLTimerIsActive(player.timer));
+    VLTimerStart(player.timer);
+    VLTimerStop(player.timer);
+    loop.advance(1.0);
+    EXPECT_EQ(player.ticks, 1);
+    VLTimerDestroy(player.timer);
+    EXPECT_EQ(VLRunLoopRunDue(nullptr) + VLRunLoopDescriptor(nullptr), -1);
+    EXPECT_FALSE(VLTimerStart(nullptr) || VLTimerIsActive(nullptr));
 }
 
 }  // namespace

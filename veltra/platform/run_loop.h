@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The timers of one thread, in whatever event loop that thread runs. A RunLoop owns no thread and
 // never waits: the host asks nextDeadline(), waits in its own way (or polls descriptor()), and
-// calls runDue(). A driver for an event loop derives from it and is told each new deadline.
+// calls runDue(). A driver for an event loop derives from it and is told each new deadline. For C:
+// run_loop_c.h.
 //
 // Moments are those of Clocks::current().monotonic(). A clock that cannot be read fires nothing.
 #pragma once

@@ -3,6 +3,8 @@
 
 #include "veltra/audio/detail/distribution_sort.h"
 
+#include <algorithm>
+
 namespace veltra::detail {
 
 namespace {
@@ -43,6 +45,23 @@ void sortByPos(std::span<CTransient> list) noexcept {
 
 void sortByEnergyAndPos(std::span<CTransient> list) noexcept {
     sortTransients<ByEnergyAndPos>(list);
+}
+
+std::size_t sortAndMakeUniquePos(std::span<CTransient> list) noexcept {
+    sortByPos(list);
+    const auto end = std::unique(
+        list.begin(), list.end(),
+        [](const CTransient& one, const CTransient& next) { return one.pos == next.pos; });
+    return static_cast<std::size_t>(end - list.begin());
+}
+
+std::size_t thinOutAndSortByPos(std::span<CTransient> list, std::size_t size) noexcept {
+    if (list.size() > size) {
+        gatherWeakest(list, size);
+        list = list.first(size);
+    }
+    sortByPos(list);
+    return list.size();
 }
 
 }  // namespace veltra::detail

@@ -5,6 +5,7 @@
 #include "veltra/audio/transients.h"
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -47,6 +48,12 @@ bool isUniqueAndSortedByPos(std::span<const CTransient> transients) noexcept;
 // Stable.
 void sortByPos(std::span<CTransient> transients) noexcept;
 void sortByEnergyAndPos(std::span<CTransient> transients) noexcept;
+
+// Sort, and move what is kept to the front: the first transient at each position, or the `size`
+// first of the order by energy and position. Return how many are kept; what lies behind them is
+// unspecified.
+std::size_t sortAndMakeUniquePos(std::span<CTransient> transients) noexcept;
+std::size_t thinOutAndSortByPos(std::span<CTransient> transients, std::size_t size) noexcept;
 
 // Moves the `count` first transients of the order by energy and position (of equal ones the first)
 // to the front, in the order in which they are. What lies behind them is then unspecified.

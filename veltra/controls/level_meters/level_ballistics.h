@@ -2,7 +2,7 @@
 // How a level meter moves: up at once, down at a steady rate, with a held maximum and a clip light
 // that stays on. No clock, no timer, no drawing: the caller says what time it is. A
 // QkLevelMeterCell is this with a clock, two timers and a picture; use it alone to drive a meter of
-// your own.
+// your own. For C: level_ballistics_c.h.
 //
 // Levels are positions on the meter, linear from 0 to 1 at full scale. NaN counts as 0, minus
 // infinity likewise, plus infinity as any level above 1.

@@ -2,6 +2,9 @@
 #include "veltra/controls/level_meters/level_ballistics.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/controls/level_meters/decibel_scale_c.h"
+#include "veltra/controls/level_meters/level_ballistics_c.h"
 
 namespace veltra {
 namespace {
@@ -147,6 +150,57 @@ TEST(LevelBallisticsTest, AnswersOddLevelsSettingsAndTimes) {
             meter.tick(at(20.0));
         EXPECT_TRUE(meter.displayLevel() >= 0.0F && meter.displayLevel() <= 1.1F);
     }
+}
+
+TEST(LevelBallistics, MovesInCAsInCpp) {
+    LevelBallistics meter;
+    VLLevelBallistics* const ofC = VLLevelBallisticsCreate();
+    ASSERT_NE(ofC, nullptr);
+    EXPECT_EQ(VLLevelBallisticsFallBackStep(ofC), meter.fallBackStep());
+    EXPECT_EQ(VLLevelBallisticsFallBackStepTime(ofC), meter.fallBackStepTime());
+    EXPECT_EQ(VLLevelBallisticsMaxLevelHoldTime(ofC), meter.maxLevelHoldTime());
+    meter.setFallBackStep(0.02F);
+    meter.setFallBackStepTime(0.05);
+    meter.setMaxLevelHoldTime(0.4);
+    VLLevelBallisticsSetFallBackStep(ofC, 0.02F);
+    VLLevelBallisticsSetFallBackStepTime(ofC, 0.05);
+    VLLevelBallisticsSetMaxLevelHoldTime(ofC, 0.4);
+
+    const auto count = [](std::optional<Nanoseconds> time) { return time ? time->count() : -1; };
+    Moment now = kStart;
+    for (const double level : {0.5, 1.5, 0.5, 0.0, -1.0, -1.0, 0.3, 0.0, -1.0, -1.0, -1.0}) {
+        const std::int64_t nanoseconds = now.sinceStart().count();
+        EXPECT_EQ(VLLevelBallisticsTimeToTick(ofC, nanoseconds), count(meter.timeToTick(now)));
+        EXPECT_EQ(VLLevelBallisticsTimeToHoldEnd(ofC, nanoseconds),
+                  count(meter.timeToHoldEnd(now)));
+        if (level < 0.0) {
+            EXPECT_EQ(VLLevelBallisticsTick(ofC, nanoseconds), meter.tick(now));
+        } else {
+            const auto given = static_cast<float>(level);
+            EXPECT_EQ(VLLevelBallisticsSetLevel(ofC, given, false, nanoseconds),
+                      meter.setLevel(given, false, now));
+        }
+        EXPECT_EQ(VLLevelBallisticsLevel(ofC), meter.level());
+        EXPECT_EQ(VLLevelBallisticsDisplayLevel(ofC), meter.displayLevel());
+        EXPECT_EQ(VLLevelBallisticsMaxDisplayLevel(ofC), meter.maxDisplayLevel());
+        EXPECT_EQ(VLLevelBallisticsPeak(ofC), meter.peak());
+        now += milliseconds(130);
+    }
+    VLLevelBallisticsSetPeak(ofC, true);
+    EXPECT_TRUE(VLLevelBallisticsPeak(ofC));
+    VLLevelBallisticsSetLevel(ofC, 1.0F, false, 0);
+    EXPECT_TRUE(!VLLevelBallisticsSetLevel(ofC, 1.0F, false, 0) &&
+                VLLevelBallisticsSetLevel(ofC, 1.0F, true, 0));
+    VLLevelBallisticsDropMaximum(ofC);
+    EXPECT_EQ(VLLevelBallisticsMaxDisplayLevel(ofC), 0.0F);
+    VLLevelBallisticsDestroy(ofC);
+    EXPECT_FALSE(VLLevelBallisticsSetLevel(nullptr, 1.0F, true, 0) ||
+                 VLLevelBallisticsTick(nullptr, 0));
+    EXPECT_EQ(VLLevelBallisticsTimeToTick(nullptr, 0), -1);
+    EXPECT_EQ(VLMeterPositionForAmplitude(-0.3F), meterPositionForAmplitude(-0.3F));
+    EXPECT_EQ(VLMeterPositionForDecibels(-33.0), meterPositionForDecibels(-33.0));
+    EXPECT_EQ(VLDecibelsForMeterPosition(0.3F), decibelsForMeterPosition(0.3F));
+    EXPECT_EQ(VLDecibelsForAmplitude(0.3F), decibelsForAmplitude(0.3F));
 }
 
 }  // namespace
