@@ -7,7 +7,7 @@
 int main(void) {
     VLTransient onsets[] = {
         VLTransientMake(22050, 0.75F), /* the first detector */
-        VLTransientMake(44100, 0.25F), VLTransientMake(11025, 0.5F),
+        VLTransientMake(44100, 0.25F),  VLTransientMake(11025, 0.5F),
         VLTransientMake(22050, 0.625F), /* the second one */
         VLTransientMake(33075, 0.125F),
     };
