@@ -189,6 +189,7 @@ class Values(unittest.TestCase):
         meter.set_level(0.0, now=0.1)
         self.assertAlmostEqual(meter.display_level, 0.9, 6)
         self.assertAlmostEqual(meter.time_to_tick(0.13), 0.02)
+        self.assertEqual(meter.time_to_tick(0.3), 0.0)
         self.assertTrue(meter.tick(0.15) and not meter.tick(60.0))
         self.assertEqual((meter.level, meter.display_level, meter.time_to_tick(60.0)), (0, 0, None))
         meter.peak = False
@@ -202,13 +203,17 @@ class Values(unittest.TestCase):
     def test_the_library_is_the_one_named_and_of_one_version(self):
         self.assertEqual(veltra.library_version(), veltra.__version__)
         self.assertEqual(veltra.LIBRARY_PATH, os.environ["VELTRA_LIBRARY"])
-        for path, words in (("/nowhere/libveltra.so", "set VELTRA_LIBRARY"),
-                            ("libc.so.6", "undefined symbol")):
-            failed = subprocess.run([sys.executable, "-c", "import veltra"], text=True,
+        newer = ("import sys, types; sys.modules['veltra._version'] = v = types.ModuleType('v'); "
+                 "v.__version__ = '99.0.0'; ")
+        for path, before, words in (("/nowhere/libveltra.so", "", "set VELTRA_LIBRARY"),
+                                    ("libc.so.6", "", "undefined symbol"),
+                                    (veltra.LIBRARY_PATH, newer, "the package needs 99.0.0")):
+            failed = subprocess.run([sys.executable, "-c", before + "import veltra"], text=True,
                                     env={**os.environ, "VELTRA_LIBRARY": path},
                                     stderr=subprocess.PIPE, check=False)
             self.assertEqual(failed.returncode, 1)
             self.assertIn(words, failed.stderr)
+            self.assertNotIn("; libveltra.so", failed.stderr)  # it looked nowhere else
 
 
 if __name__ == "__main__":

@@ -2,8 +2,8 @@
 // Musical time at one sample position: tempo, and the position in ticks as a calculator sees it.
 //
 // A host that follows its own transport passes its calculator, or sets it once for the process; the
-// built-in one assumes 120 beats a minute, 44,100 samples a second and four beats to the bar. For C:
-// musical_context_c.h.
+// built-in one assumes 120 beats a minute, 44,100 samples a second and four beats to the bar. For
+// C: musical_context_c.h.
 #pragma once
 
 #include "veltra/export.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where a meter shows how many decibels. Meters take linear positions from 0 to 1; a host that
-// wants the quiet end to be seen converts its levels with this scale first. For C: decibel_scale_c.h.
+// wants the quiet end to be seen converts its levels with this scale first. For C:
+// decibel_scale_c.h.
 //
 //   cell.setLevel(meterPositionForAmplitude(peakOfTheBlock));
 //

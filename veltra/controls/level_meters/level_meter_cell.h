@@ -7,8 +7,9 @@
 //
 // It works without a view and without a toolkit: setLevel() then moves the model, and the getters
 // tell what would be shown. While no level comes, two timers on the thread's run loop let the
-// display fall to the level given last (send 0 when the music stops) and the held maximum end; where
-// nobody runs that loop, the next setLevel() makes up for it. LevelBallistics is the same without clock and timers.
+// display fall to the level given last (send 0 when the music stops) and the held maximum end;
+// where nobody runs that loop, the next setLevel() makes up for it. LevelBallistics is the same
+// without clock and timers.
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
