@@ -34,8 +34,9 @@ bool hasVpclmulAvx512(const ProcessorFeatures& features) noexcept {
 struct Rung {
     const char* name;
     bool (*runs)(const ProcessorFeatures& features) noexcept;
-    kernels::CrcKernel crc16;  // null: none
+    kernels::CrcKernel crc16;
     kernels::CrcKernel crc32;
+    bool hasCrc16 = true;
 };
 
 constexpr Rung kRungs[] = {
@@ -45,7 +46,7 @@ constexpr Rung kRungs[] = {
 #endif
 #ifdef VELTRA_KERNEL_CRC_ARM
     {"crc", [](const ProcessorFeatures& features) noexcept { return features.crc32; }, nullptr,
-     kernels::crc32Arm},
+     kernels::crc32Arm, false},
 #endif
 #ifdef VELTRA_KERNEL_CRC_VPCLMUL_AVX512
     {"vpclmulqdq-avx512", hasVpclmulAvx512, kernels::crc16VpclmulAvx512,
@@ -67,7 +68,7 @@ struct Variants {
 
 template <kernels::CrcKernel Rung::*kernel>
 constexpr auto variantsOf() noexcept {
-    constexpr auto has = [](const Rung& rung) { return rung.*kernel != nullptr; };
+    constexpr auto has = [](const Rung& rung) { return kernel != &Rung::crc16 || rung.hasCrc16; };
     Variants<std::count_if(std::begin(kRungs), std::end(kRungs), has)> variants{};
     std::size_t next = 0;
     for (const Rung& rung : kRungs)
