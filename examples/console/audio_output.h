@@ -5,8 +5,16 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace veltra::console {
+
+struct DeviceInfo {
+    std::string id;                   // what --device and chooseDevice() take
+    std::string name;                 // for people
+    std::vector<std::int32_t> rates;  // frames a second
+    bool isDefault = false;
+};
 
 class AudioOutput {
 public:

@@ -137,4 +137,31 @@ std::vector<ReportEntry> Player::finish() {
     return std::exchange(m_entries, {});
 }
 
+bool Player::undoRemove() {
+    return false;
+}
+
+void Player::move(StripKey /*key*/, int /*place*/) {}
+void Player::setGain(StripKey /*key*/, double /*decibels*/) {}
+void Player::setPan(StripKey /*key*/, double /*pan*/) {}
+void Player::setSoloed(StripKey /*key*/, bool /*soloed*/) {}
+void Player::setPlaying(bool /*playing*/) {}
+void Player::locate(std::int64_t /*frame*/) {}
+void Player::setLoop(bool /*on*/, std::int64_t /*begin*/, std::int64_t /*end*/) {}
+void Player::setTempo(double /*beatsPerMinute*/) {}
+void Player::setMeter(int /*beatsPerBar*/, int /*beatUnit*/) {}
+void Player::setOutputGain(double /*decibels*/) {}
+void Player::setOutputBalance(double /*balance*/) {}
+void Player::setDimmed(bool /*dimmed*/) {}
+void Player::setMono(bool /*mono*/) {}
+
+std::vector<DeviceInfo> Player::devices() const {
+    return {};
+}
+
+std::string Player::chooseDevice(const std::string& /*id*/, std::int32_t /*rate*/,
+                                 std::uint32_t /*blockFrames*/) {
+    return {};
+}
+
 }  // namespace veltra::console
