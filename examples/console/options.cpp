@@ -8,7 +8,8 @@ namespace veltra::console {
 
 const char* const kHelpText =
     R"(Usage: veltra-console [--headless | --terminal] [--report -|FILE] [--device auto|null] FILE...
-       veltra-console --picture FILE.png [--scale N] [--theme light|dark] FILE...
+       veltra-console --picture FILE.png [--scale N] [--size WxH] [--theme light|dark]
+                      FILE...
        veltra-console --version | --machine | --demo-exception | --help
 
 Plays audio files, all at once, and tells what is in them: in a window where there is a display,
@@ -19,6 +20,7 @@ else in the terminal. In the window files can be left out, and come and go while
   --terminal      no window
   --picture FILE  draw the window at the loudest moment into a PNG file, without a display
   --scale N       of the picture: pixels a point, 1 to 4 (1)
+  --size WxH      of the picture, in points, such as 1180x720 (as its files want it)
   --theme NAME    of the picture: light or dark (light)
   --report FILE   write the report to FILE when all has ended; - is standard output
   --device auto   play on the default audio device, or in silence when there is none (the default)
@@ -77,6 +79,24 @@ std::optional<float> parseScale(std::string_view text) {
     return value;
 }
 
+// Width and height, from that of the smallest window to that of the largest.
+std::optional<std::pair<float, float>> parseSize(std::string_view text) {
+    const auto within = [](std::string_view number, int least, int most) -> std::optional<float> {
+        int value = 0;
+        const char* const last = number.data() + number.size();
+        const auto [end, error] = std::from_chars(number.data(), last, value);
+        if (error != std::errc() || end != last || value < least || value > most)
+            return std::nullopt;
+        return static_cast<float>(value);
+    };
+    const std::size_t by = text.find('x');
+    if (by == std::string_view::npos) return std::nullopt;
+    const auto width = within(text.substr(0, by), 460, 7680);
+    const auto height = within(text.substr(by + 1), 320, 4320);
+    if (!width || !height) return std::nullopt;
+    return std::pair(*width, *height);
+}
+
 // Files when the option asks for none of the others.
 Request requestOf(std::string_view name) {
     if (name == "--help") return Request::Help;
@@ -100,7 +120,7 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
         const std::size_t equals = argument.find('=');
         const std::string_view name = argument.substr(0, equals);
         const bool takesValue = name == "--report" || name == "--device" || name == "--picture" ||
-                                name == "--scale" || name == "--theme";
+                                name == "--scale" || name == "--size" || name == "--theme";
         std::string_view value;
         if (takesValue && equals != std::string_view::npos) {
             value = argument.substr(equals + 1);
@@ -125,6 +145,9 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
             options.picture = value;
         } else if (name == "--scale" && parseScale(value)) {
             options.scale = *parseScale(value);
+        } else if (const auto size = parseSize(value); name == "--size" && size) {
+            options.width = size->first;
+            options.height = size->second;
         } else if (name == "--theme" && (value == "light" || value == "dark")) {
             options.theme = value == "dark" ? Appearance::Dark : Appearance::Light;
         } else if (name == "--report" && !value.empty()) {

@@ -24,6 +24,8 @@ struct Options {
     Device device = Device::Auto;
     std::string picture;  // a PNG file to draw; empty: none
     float scale = 1.0F;   // of the picture, pixels a point
+    float width = 0.0F;   // of the picture, in points; 0: as its files want it
+    float height = 0.0F;
     Appearance theme = Appearance::Light;
     std::string report;  // "-": standard output; empty: none
     std::vector<std::string> files;
