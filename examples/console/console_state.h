@@ -4,16 +4,16 @@
 #pragma once
 
 #include "engine.h"
+#include "fold.h"
 #include "overview.h"
 #include "progress_board.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace veltra::console {
-
-inline constexpr double kSilentDecibels = -90.0;  // of a fader
 
 using StripKey = int;  // of a strip in the window; stays the same when its file plays again
 
@@ -48,11 +48,11 @@ struct ConsoleState {
     std::int64_t loopEnd = 0;    // the first frame that is not played
 
     // The whole mix.
-    OutputPeaks outputPeaks{};
-    OutputPeaks outputSquares{};      // mean squares since the last look
-    double outputGainDecibels = 0.0;  // kSilentDecibels or less: silent
-    double outputBalance = 0.0;       // -1 left to 1 right
-    bool dimmed = false;              // 20 dB down
+    std::array<float, 2> outputPeaks{};    // largest magnitudes since the last look
+    std::array<float, 2> outputSquares{};  // mean squares since the last look
+    double outputGainDecibels = 0.0;       // kSilentDecibels or less: silent
+    double outputBalance = 0.0;            // -1 left to 1 right
+    bool dimmed = false;                   // 20 dB down
     bool mono = false;
 
     // The device, or what plays in its place.

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veltra::console {
@@ -18,7 +19,7 @@ namespace veltra::console {
 // Thread: main.
 class Player {
 public:
-    explicit Player(Device device) : m_device(device) {}
+    explicit Player(Device device) : m_device(std::move(device)) {}
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
     ~Player();
@@ -82,18 +83,28 @@ private:
         StripKey key;
         std::size_t entry;  // in the report
     };
+    struct Removed {
+        StripState strip;
+        std::size_t place;
+    };
 
     std::unique_ptr<AudioFile> open(const std::string& path, std::string& problem);
-    StripId play(StripKey key, std::unique_ptr<AudioFile> file);
+    void makeEngine(std::int32_t rate);
+    void play(StripState& strip, std::unique_ptr<AudioFile> file, std::size_t entry);
+    void applySettings(const StripState& strip);
+    void changeRate(std::int32_t rate);
     void keepResult(StripResult&& result, std::vector<std::string>& problems);
+    void collect(std::vector<std::string>& problems);
     StripState* find(StripKey key);
 
-    const Device m_device;
+    Device m_device;
     std::unique_ptr<Engine> m_engine;      // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
     ProgressBoard m_progress;              // before the overviews: their reader tells it
     OverviewReader m_overviews;
     ConsoleState m_state;
+    bool m_startsSoon = false;       // with the next tick
+    std::vector<Removed> m_removed;  // the last one at the end
     std::vector<Playing> m_playing;
     std::vector<ReportEntry> m_entries;
     std::vector<std::string> m_problems;  // to be told with the next tick

@@ -44,8 +44,8 @@ bool ConsoleButton::wantsKey(const Event& event) const {
 }
 
 void ConsoleButton::keyDown(const Event& event) {
-    if (event.plainKey() == u' ') return View::keyDown(event);
-    Button::keyDown(event);
+    if (event.plainKey() != u' ') return Button::keyDown(event);
+    if (Responder* const next = nextResponder()) next->keyDown(event);
 }
 
 void ConsoleButton::frameDidChange() {

@@ -108,7 +108,7 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     const auto entries = player.finish();
     ASSERT_EQ(entries.size(), 5U);
     EXPECT_FALSE(entries[1].error.empty());
-    EXPECT_TRUE(entries[3].result->complete);
+    EXPECT_TRUE(entries[3].result.has_value());
     EXPECT_FALSE(entries[2].result->complete);
 }
 

@@ -53,7 +53,7 @@ ConsoleState stateOf(Rehearsal& rehearsal, const Overviews& overviews) {
         strip.meter = std::move(meter);
         state.strips.push_back(std::move(strip));
     }
-    state.outputPeaks = rehearsal.engine().takeOutputPeaks();
+    state.outputPeaks = rehearsal.engine().takeOutputLevels().peaks;
     state.place = rehearsal.engine().musicalPosition();
     state.seconds = static_cast<double>(rehearsal.engine().position()) / rehearsal.rate();
     state.playing = true;

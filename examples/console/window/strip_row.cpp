@@ -267,7 +267,7 @@ void StripRow::setHovered(const StripView* strip) {
     const StripKey key = strip != nullptr ? strip->key() : 0;
     if (key == m_hovered) return;
     for (StripView* const each : m_strips)
-        each->setHovered(each == strip);
+        each->setHovered(each->key() == key);
     m_hovered = key;
 }
 

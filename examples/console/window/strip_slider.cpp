@@ -73,7 +73,10 @@ bool StripSlider::wantsKey(const Event& event) const {
 
 // Sideways with Alternate is the slider's own movement, without it leads on.
 void StripSlider::keyDown(const Event& event) {
-    if (isSideways(event.plainKey())) return View::keyDown(event);
+    if (isSideways(event.plainKey())) {
+        if (Responder* const next = nextResponder()) next->keyDown(event);
+        return;
+    }
     if (isSideways(keyOf(event)) && event.modifierFlags.contains(kAlternateKeyMask)) {
         Event plain = event;
         plain.modifierFlags &= ~ModifierFlags(kAlternateKeyMask);

@@ -26,7 +26,8 @@ std::string clockTime(double seconds) {
 
 std::string preciseTime(double seconds) {
     const auto tenths = static_cast<long long>(std::floor(std::max(seconds, 0.0) * 10.0));
-    return clockTime(static_cast<double>(tenths / 10)) + formatted(".%lld", tenths % 10);
+    const long long whole = tenths / 10;
+    return clockTime(static_cast<double>(whole)) + formatted(".%lld", tenths % 10);
 }
 
 double axisStep(double length, float width, float distance) {
