@@ -130,6 +130,10 @@ void ConsoleView::update(const ConsoleState& state) {
     }
     m_row.update(state);
     m_output.update(state);
+    using Squares = std::span<const float>;
+    for (std::size_t i = 0; i < state.strips.size(); ++i)
+        m_row.strips()[i]->setSquares(m_showsRms ? Squares(state.strips[i].squares) : Squares());
+    m_output.setSquares(m_showsRms ? Squares(state.outputSquares) : Squares());
     int clips = m_output.hasClipped() ? 1 : 0;
     std::vector<StripBridge::Column> columns;
     for (const StripView* const strip : m_row.strips()) {

@@ -6,6 +6,7 @@
 #include "settings.h"
 #include "times.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/sliders/fader_scale.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/preferences.h"
@@ -448,6 +449,17 @@ TEST(ConsoleClips, AgreeAndGoOutTogether) {
     desk.click(desk.middleOf("Clips: 2"));
     desk.update();
     EXPECT_FALSE(desk.strip(0).hasClipped() || view.output().hasClipped());
+}
+
+TEST(ConsoleMeters, ShowRmsLevelsWhenAsked) {
+    Desk desk({1180, 720}, 1);
+    desk.state.strips[0].squares = {0.25F};
+    desk.update();
+    EXPECT_EQ(desk.strip(0).meters().firstCell().rms(), std::nullopt);
+    desk.view().setShowsRms(true);
+    for (int i = 0; i < 200; ++i)
+        desk.update();
+    EXPECT_NEAR(*desk.strip(0).meters().firstCell().rms(), meterPositionForAmplitude(0.5F), 0.01F);
 }
 
 TEST(ConsoleMessages, StayUntilClosedAndOfferUndo) {

@@ -103,6 +103,13 @@ void ConsoleWidget::offerActions() {
     connect(files, &QMenu::aboutToShow, this, [this, files] { showRecent(*files); });
     offer("&Undo removal", QKeySequence(Qt::CTRL | Qt::Key_Z), [this] { undoWasPressed(); });
     offer("Reset clip li&ghts", Qt::Key_C, [this] { m_view->clearClips(); });
+    auto* const rms = offer("Meters show R&MS levels, too", {}, [this](bool shows) {
+        m_view->setShowsRms(shows);
+        Settings::setShowsRms(shows);
+    });
+    rms->setCheckable(true);
+    rms->setChecked(Settings::showsRms());
+    m_view->setShowsRms(Settings::showsRms());
     offer("&Next part of the window", Qt::Key_F6, [this] { m_view->focusNextPart(); });
     line();
     offer("&Stop reading waveforms", Qt::Key_Escape, [this] { escape(); });

@@ -13,6 +13,7 @@ namespace {
 
 constexpr float kNameTop = 2.0F;  // below the glass
 constexpr float kNameHeight = 14.0F;
+constexpr double kLooksASecond = 60.0;
 
 // As much of a name as fits into the pitch of the bars: all of it, its first two letters, nothing.
 StyledText fitting(StyledText name, float pitch) {
@@ -35,6 +36,7 @@ MeterGroup::MeterGroup(int channels, const ChannelPlan& plan) {
         cell->setAccessibilityDescription("channel " + m_channelNames.back());
         cell->setAccessibilityParent(this);
         m_cells.push_back(std::move(cell));
+        m_averages.emplace_back(kLooksASecond);
     }
     layOut();
 }
@@ -73,6 +75,17 @@ void MeterGroup::setPeaks(std::span<const float> peaks) {
         m_cells[i]->setLevel(meterPositionForAmplitude(peak));
         // What is above full scale by less than a position can say has clipped, too.
         if (peak > 1.0F && !m_cells[i]->peak()) m_cells[i]->setPeak(true);
+    }
+}
+
+void MeterGroup::setSquares(std::span<const float> squares) {
+    for (std::size_t i = 0; i < m_cells.size(); ++i) {
+        if (i >= squares.size()) {
+            m_cells[i]->setRms(std::nullopt);
+            continue;
+        }
+        const float rms = m_averages[i].add({.meanSquare = squares[i], .frames = 1});
+        m_cells[i]->setRms(meterPositionForAmplitude(rms));
     }
 }
 

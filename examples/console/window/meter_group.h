@@ -4,6 +4,7 @@
 
 #include "../channel_plan.h"
 #include "card_layout.h"
+#include "veltra/audio/level_tap.h"
 #include "veltra/controls/level_meters/level_meter_cell.h"
 #include "veltra/ui/control.h"
 
@@ -29,6 +30,9 @@ public:
     // Largest magnitudes since the last call, 1 at full scale, a channel each. Fewer than there are
     // channels: the rest are silent.
     void setPeaks(std::span<const float> peaks);
+    // Their mean squares, likewise: the bars are lit in full up to the RMS level, dimly from there
+    // to the peak. Empty: peaks alone.
+    void setSquares(std::span<const float> squares);
     // A signal that is not heard.
     void setMuted(bool isMuted);
 
@@ -68,6 +72,7 @@ private:
 
     std::vector<std::unique_ptr<QkLevelMeterCell>> m_cells;
     std::vector<std::string> m_channelNames;  // one for each
+    std::vector<RmsAverage> m_averages;       // one for each
     std::string m_name;
     float m_bar = 9.0F;
     float m_gap = 2.0F;

@@ -12,6 +12,7 @@ namespace {
 constexpr char kWindow[] = "ConsoleWindow";
 constexpr char kWidth[] = "width";
 constexpr char kHeight[] = "height";
+constexpr char kRms[] = "ConsoleMetersShowRms";
 constexpr char kRecent[] = "ConsoleRecentFiles";
 
 void store(std::string_view key, const PropertyValue& value) {
@@ -33,6 +34,14 @@ std::optional<Size> Settings::windowSize() {
 void Settings::setWindowSize(Size size) {
     if (windowSize() == size) return;
     store(kWindow, PropertyValue::Dictionary{{kWidth, size.width}, {kHeight, size.height}});
+}
+
+bool Settings::showsRms() {
+    return Preferences::current().value(kRms).asBool();
+}
+
+void Settings::setShowsRms(bool shows) {
+    store(kRms, shows);
 }
 
 // A name that is no UTF-8 is kept as the bytes that it is.

@@ -18,6 +18,9 @@ struct Settings {
     static std::optional<Size> windowSize();
     static void setWindowSize(Size size);
 
+    static bool showsRms();
+    static void setShowsRms(bool shows);
+
     // The newest first; no file twice.
     static std::vector<std::string> recentFiles();
     static void addRecentFile(const std::string& path);
