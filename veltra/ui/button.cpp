@@ -106,10 +106,10 @@ ButtonCell::Paint ButtonCell::paint(const Theme& colors, Appearance appearance) 
                                       : colors.onAccent;
         return {face, std::nullopt, ink};
     }
-    const bool isQuiet = m_style == Style::Bare || m_kind == Kind::Toggle;
-    const Color quiet = m_style == Style::Mode ? colors.text : colors.label;
+    // The letter of a switch that is off is quieter than the symbol of an act.
+    const bool isQuiet = m_style == Style::Bare || (m_kind == Kind::Toggle && m_icon == nullptr);
     const Color ink = m_style == Style::Danger  ? colors.alert
-                      : isQuiet && !m_isHovered ? quiet
+                      : isQuiet && !m_isHovered ? colors.label
                                                 : colors.text;
     if (m_style == Style::Bare && !isHighlighted() && !m_isHovered)
         return {std::nullopt, std::nullopt, ink};

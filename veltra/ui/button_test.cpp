@@ -66,7 +66,7 @@ TEST(ButtonLook, FollowsStyleStateAndPointer) {
     const Theme& colors = theme(host.window.appearance());
     using enum ButtonCell::Style;
     const std::tuple<ButtonCell::Style, bool, bool, Color> rows[] = {
-        {Plain, false, false, colors.label},   {Plain, false, true, colors.text},
+        {Plain, false, false, colors.text},    {Bare, false, true, colors.text},
         {Plain, true, false, colors.onAccent}, {Primary, false, false, colors.onAccent},
         {Danger, false, true, colors.alert},   {Mode, false, false, colors.text},
         {Mode, true, true, colors.accent},     {Bare, false, false, colors.label}};

@@ -88,6 +88,8 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     ASSERT_NE(about, nullptr);
     EXPECT_THAT(about->text().toStdString(), HasSubstr(aboutText()));
     about->close();
+    widget.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, 60'000));
     player.remove(player.look().strips[3].key);  // scrolled out of view
     ASSERT_TRUE(comesTrue([&] { return find(root, "Mute endless.wav") == nullptr; }));
 
@@ -104,9 +106,23 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_EQ(player.look().strips.size(), 2U);
     EXPECT_NE(find(root, "Removed six"), nullptr);
     EXPECT_EQ(find(root, "Mute six.wav"), nullptr);
+    QTest::keyClick(&widget, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(find(root, "Removed six"), nullptr);
+    EXPECT_NE(find(root, "Mute six.wav"), nullptr);
+
+    const auto state = [&]() -> const ConsoleState& { return player.look(); };
+    ASSERT_TRUE(comesTrue([&] { return state().playing && state().seconds > 0.0; }));
+    QTest::keyClick(&widget, Qt::Key_Space);
+    EXPECT_TRUE(comesTrue([&] { return !state().playing; }));
+    QTest::keyClick(&widget, Qt::Key_Home);
+    EXPECT_TRUE(comesTrue([&] { return state().position == 0; }));
+    QTest::keyClick(&widget, Qt::Key_L);
+    EXPECT_TRUE(comesTrue([&] { return state().looping; }));
+    EXPECT_EQ(state().loopEnd, 30 * state().rate);  // all of the longest file
+    EXPECT_NE(find(root, "Waveform of brief.wav, 1 onset"), nullptr);
 
     const auto entries = player.finish();
-    ASSERT_EQ(entries.size(), 5U);
+    ASSERT_EQ(entries.size(), 6U);  // one was opened again
     EXPECT_FALSE(entries[1].error.empty());
     EXPECT_TRUE(entries[3].result.has_value());
     EXPECT_FALSE(entries[2].result->complete);

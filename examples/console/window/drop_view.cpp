@@ -98,8 +98,7 @@ void DropView::drawInvitation(Canvas& canvas) const {
                         {{0.0F, y}, {bounds().size.width, 24.0F}}, TextPlacement::Capitals);
     };
     line("Drop audio files here", top + 98.0F, themeFont(20.0F, FontWeight::SemiBold), colors.text);
-    line("WAV, AIFF, FLAC, Ogg, Opus and MP3, one strip each", top + 128.0F, themeFont(13.0F),
-         colors.label);
+    line("WAV, AIFF, FLAC, Ogg, Opus and MP3", top + 128.0F, themeFont(13.0F), colors.label);
     if (top + kHeight <= bounds().size.height)
         line("Ctrl O opens files. Space plays, Home returns to the start.", top + 212.0F,
              themeFont(11.0F), colors.caption);
