@@ -90,7 +90,7 @@ void ButtonCell::setHovered(bool isHovered) {
 ButtonCell::Paint ButtonCell::paint(const Theme& colors, Appearance appearance) const {
     const bool isFilled = m_isOn || m_style == Style::Primary;
     if (!isEnabled()) {
-        const Color ink = colors.caption.mixedWith(colors.card, kFaded);
+        const Color ink = colors.text.mixedWith(colors.card, kFaded);
         if (m_style == Style::Bare) return {std::nullopt, std::nullopt, ink};
         return {colors.control.mixedWith(colors.card, 0.5F), colors.line, ink};
     }

@@ -225,7 +225,8 @@ void expectApart(const View& card) {
 }
 
 TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
-    const Size sizes[] = {{1180, 720}, {1180, 540}, {560, 480}, {460, 320}, {1920, 1080}};
+    const Size sizes[] = {{1180, 720}, {1180, 540},  {560, 480},
+                          {460, 320},  {1920, 1080}, {1000, 480}};
     for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F}) {
         for (const Size size : sizes) {
             Desk desk(size, 6, scale);
@@ -300,6 +301,10 @@ TEST(ConsoleLook, HasNoColourAtRest) {
     desk.state.strips[0].gainDecibels = -6.0;
     desk.update();
     EXPECT_GT(colouredPixels(*desk.draw()), 50);
+    // What holds the cap while it is dragged captures nothing that the console has set.
+    desk.state.strips[0].gainDecibels = 0.2;
+    desk.update();
+    EXPECT_NEAR(desk.strip(0).fader().level(), 0.2, 1e-6);
 }
 
 TEST(ConsoleInput, AsksTheDelegate) {
@@ -426,8 +431,9 @@ TEST(ConsoleClips, AgreeAndGoOutTogether) {
     Desk desk({1180, 720}, 3);
     ConsoleView& view = desk.view();
     const auto clip = [&] {
-        desk.state.strips[0].meter.peaks = {1.0001F};
-        desk.state.strips[0].meter.peak = 1.0001F;
+        const float justAbove = std::nextafter(1.0F, 2.0F);
+        desk.state.strips[0].meter.peaks = {justAbove};
+        desk.state.strips[0].meter.peak = justAbove;
         desk.state.outputPeaks = {1.2F, 0.5F};
         desk.update();
         desk.state.strips[0].meter.peaks = {0.1F};
