@@ -36,7 +36,6 @@ Margins marginsFor(CardKind kind) {
 
 ConsoleView::ConsoleView(const Rect& frame, ConsoleDelegate& delegate)
     : View(frame),
-      m_delegate(delegate),
       m_bar(addSubview(std::make_unique<TopBar>(delegate))),
       m_row(addSubview(std::make_unique<StripRow>(delegate))),
       m_empty(addSubview(std::make_unique<DropView>(delegate))),

@@ -58,7 +58,6 @@ private:
     void layOutAgain();
     bool isInside(const View& part) const;
 
-    ConsoleDelegate& m_delegate;
     TopBar& m_bar;
     StripRow& m_row;
     DropView& m_empty;

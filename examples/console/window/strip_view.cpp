@@ -17,7 +17,6 @@ namespace veltra::console {
 namespace {
 
 constexpr float kRadius = 10.0F;
-constexpr float kClipDot = 8.0F;
 constexpr float kBesideName = 20.0F;  // for the dot or the menu
 constexpr float kNoteWidth = 28.0F;
 constexpr float kHandleHeight = 46.0F;
