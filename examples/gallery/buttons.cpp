@@ -9,7 +9,7 @@ namespace veltra::gallery {
 namespace {
 
 Specimen button(std::string caption, const char* title, ButtonCell::Kind kind,
-                std::function<void(Button&)> set, std::function<void(Window&)> drive = {}) {
+                const std::function<void(Button&)>& set, std::function<void(Window&)> drive = {}) {
     const bool isToggle = kind == ButtonCell::Kind::Toggle;
     const Size size = isToggle ? Size{32.0F, 24.0F} : Size{88.0F, 28.0F};
     return {std::move(caption), size,
