@@ -10,6 +10,9 @@
 
 #include <alsa/asoundlib.h>
 #include <rtaudio/RtAudio.h>
+#ifdef CONSOLE_HAS_PULSE
+#include <pulse/simple.h>
+#endif
 
 namespace veltra::console {
 
@@ -24,10 +27,25 @@ constexpr int kStopAtOnce = 2;  // what is in the device's buffers is not played
 void ignoreAlsa(const char*, int, const char*, int, const char*, ...) {}
 void ignoreRtAudio(RtAudioError::Type, const std::string&) {}
 
+// RtAudio crashes when it asks a PulseAudio server that has no sink for its devices. So the server
+// is asked for a stream first.
+bool hasPulseSink() {
+#ifdef CONSOLE_HAS_PULSE
+    const pa_sample_spec format{PA_SAMPLE_FLOAT32NE, 48000, 2};
+    pa_simple* const stream = pa_simple_new(nullptr, "veltra-console", PA_STREAM_PLAYBACK, nullptr,
+                                            "veltra-console", &format, nullptr, nullptr, nullptr);
+    if (stream != nullptr) pa_simple_free(stream);
+    return stream != nullptr;
+#else
+    return true;
+#endif
+}
+
 std::vector<RtAudio::Api> soundSystems() {
     snd_lib_error_set_handler(&ignoreAlsa);
     std::vector<RtAudio::Api> systems;
     RtAudio::getCompiledApi(systems);
+    if (!hasPulseSink()) std::erase(systems, RtAudio::LINUX_PULSE);
     return systems;
 }
 
