@@ -29,19 +29,20 @@ std::future<std::invoke_result_t<Work>> inBackground(Work work) {
 
 }  // namespace
 
-// Whether the output takes audio at about the right pace. One that is suspended can be opened, too,
-// and fills its buffers.
+// Whether the output comes to take audio at about the right pace. One that is suspended can be
+// opened, too, and fills its buffers; others need a while to begin.
 bool LiveOutput::provesItself(const Playing& playing) {
-    constexpr std::chrono::milliseconds kForBuffers{1000};
-    constexpr std::chrono::milliseconds kToProve{500};
-    const auto secondsPlayed = [&playing] {
-        return static_cast<double>(playing.valve->frames()) / playing.output->rate();
-    };
-    std::this_thread::sleep_for(kForBuffers);
-    const double before = secondsPlayed();
-    std::this_thread::sleep_for(kToProve);
-    const double played = secondsPlayed() - before;
-    return playing.output->isRunning() && played > 0.25 && played < 1.0;
+    constexpr double kLook = 0.5;  // seconds
+    constexpr int kLooks = 8;
+    std::uint64_t before = 0;
+    for (int look = 0; look < kLooks && playing.output->isRunning(); ++look) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(kLook));
+        const std::uint64_t frames = playing.valve->frames();
+        const double played = static_cast<double>(frames - before) / playing.output->rate();
+        before = frames;
+        if (look > 0 && played > kLook / 2 && played < kLook * 2) return true;
+    }
+    return false;
 }
 
 LiveOutput::LiveOutput(Device device, std::int32_t rate, std::string& notice, Opener opener)
