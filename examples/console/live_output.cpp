@@ -3,8 +3,6 @@
 
 #include "veltra/platform/clock.h"
 
-#include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -31,122 +29,117 @@ std::future<std::invoke_result_t<Work>> inBackground(Work work) {
 
 }  // namespace
 
-namespace {
-
-// Whether the output takes audio at all: one that is suspended can be opened, too.
-bool provesItself(AudioOutput& output) {
-    std::atomic<std::uint64_t> frames{0};
-    const auto count = [](void* context, float* const* outputs, std::uint32_t outputCount,
-                          std::uint32_t blockFrames) noexcept {
-        for (std::uint32_t out = 0; out < outputCount; ++out)
-            std::fill_n(outputs[out], blockFrames, 0.0F);
-        static_cast<std::atomic<std::uint64_t>*>(context)->fetch_add(blockFrames);
-        return true;
-    };
-    if (!output.start(count, &frames)) return false;
-    const std::uint64_t enough = std::uint64_t{2} * static_cast<std::uint64_t>(output.rate()) / 5U;
-    constexpr std::chrono::milliseconds kPause{20};
-    for (int pauses = 0; frames.load() < enough && pauses < 100; ++pauses)
-        std::this_thread::sleep_for(kPause);
-    const bool isGood = frames.load() >= enough && output.isRunning();
-    output.stop();
-    return isGood;
+// Whether the output comes to take audio at about the right pace. One that is suspended can be
+// opened, too, and fills its buffers; others need a while to begin.
+bool LiveOutput::provesItself(const Playing& playing) {
+    constexpr double kLook = 0.5;  // seconds
+    constexpr int kLooks = 8;
+    std::uint64_t before = 0;
+    for (int look = 0; look < kLooks && playing.output->isRunning(); ++look) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(kLook));
+        const std::uint64_t frames = playing.valve->frames();
+        const double played = static_cast<double>(frames - before) / playing.output->rate();
+        before = frames;
+        if (look > 0 && played > kLook / 2 && played < kLook * 2) return true;
+    }
+    return false;
 }
-
-}  // namespace
 
 LiveOutput::LiveOutput(Device device, std::int32_t rate, std::string& notice, Opener opener)
     : m_device(std::move(device)),
       m_open(std::move(opener)),
       m_rate(m_device.rate > 0 ? m_device.rate : rate),
       m_pace(m_rate) {
-    if (m_device.id != Device::Null.id) m_output = m_open(m_device, m_rate, notice);
-    if (!m_output) {
+    if (m_device.id != Device::Null.id) m_playing.output = m_open(m_device, m_rate, notice);
+    if (!m_playing.output) {
         m_isLost = m_device.id != Device::Auto.id && m_device.id != Device::Null.id;
         const std::uint32_t block = m_device.blockFrames;
-        m_output = openNullOutput(m_rate, block > 0 ? block : kUsualBlockFrames);
+        m_playing.output = openNullOutput(m_rate, block > 0 ? block : kUsualBlockFrames);
     }
-    m_rate = m_output->rate();
+    m_rate = m_playing.output->rate();
     m_pace = PaceWatch(m_rate);
 }
 
 std::uint64_t LiveOutput::underruns() const {
-    return m_underrunsBefore + (m_output ? m_output->underruns() : 0);
+    return m_underrunsBefore + (m_playing.output ? m_playing.output->underruns() : 0);
 }
 
-bool LiveOutput::play(Output output) {
-    m_output = std::move(output);
-    m_valve = std::make_shared<Valve>(*m_engine);
+// Starts the output, which gets silence for the time being.
+LiveOutput::Playing LiveOutput::begin(Output output, Engine& engine) {
+    Playing playing;
+    playing.output = std::move(output);
+    playing.valve = std::make_unique<Valve>(engine, playing.output->rate());
+    playing.isRunning = playing.output->start(&Valve::render, playing.valve.get());
+    return playing;
+}
+
+// The engine may be an output's only when the one before is gone.
+bool LiveOutput::play(Playing playing) {
+    m_playing = std::move(playing);
     m_pace = PaceWatch(m_rate);
-    return m_output->start(&Valve::render, m_valve.get());
+    if (m_playing.isRunning) m_playing.valve->open();
+    return m_playing.isRunning;
 }
 
 std::string LiveOutput::start(Engine& engine) {
     m_engine = &engine;
-    if (play(std::move(m_output))) return {};
-    std::string problem =
-        m_output->name() + ": the audio device does not start; playing to no device";
+    if (play(begin(std::move(m_playing.output), engine))) return {};
+    std::string problem = name() + ": the audio device does not start; playing to no device";
     letGo();
-    play(openNullOutput(m_rate));
+    play(begin(openNullOutput(m_rate), engine));
     return problem;
 }
 
 // Takes the engine from the output that plays, and ends that. False, and it plays on, when its
 // thread hangs in the middle of a block.
 bool LiveOutput::letGo() {
-    if (!m_valve->shut()) return false;
-    m_underrunsBefore += m_output->underruns();
-    auto ended = inBackground([output = std::shared_ptr<AudioOutput>(std::move(m_output)),
-                               valve = std::move(m_valve)]() mutable {
-        output->stop();
-        output.reset();
-        valve.reset();
+    if (m_playing.isRunning && !m_playing.valve->shut()) return false;
+    m_underrunsBefore += m_playing.output->underruns();
+    auto ended = inBackground([playing = std::exchange(m_playing, {})]() mutable {
+        playing.output->stop();
+        playing.output.reset();  // before its valve
     });
     ended.wait_for(kPatience);
     return true;
 }
 
 LiveOutput::News LiveOutput::keepRunning() {
-    if (!m_valve) return {};
+    if (!m_playing.valve) return {};
     if (m_attempt.valid()) return takeBack();
     if (m_isLost && now() >= m_nextAttempt) tryToReturn();
-    const bool isRunning = m_output->isRunning();
-    const Pace pace = m_pace.look(now(), m_valve->frames());
+    const bool isRunning = m_playing.output->isRunning();
+    const Pace pace = m_pace.look(now(), m_playing.valve->frames());
     if (isRunning && pace == Pace::Steady) return {};
-    const std::string name = m_output->name();
+    const std::string before = name();
     if (!letGo()) return {};
-    play(openNullOutput(m_rate));
+    play(begin(openNullOutput(m_rate), *m_engine));
     m_isLost = true;
     m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
     const std::string what = !isRunning             ? "has stopped"
                              : pace == Pace::Stands ? "stands still"
                                                     : "runs away";
-    return {name + ": the audio device " + what + "; playing to no device", true};
+    return {before + ": the audio device " + what + "; playing to no device", true};
 }
 
 void LiveOutput::tryToReturn() {
-    m_attempt = inBackground([open = m_open, device = m_device, rate = m_rate] {
+    m_attempt = inBackground([open = m_open, device = m_device, rate = m_rate, engine = m_engine] {
         std::string ignored;
         Output output = open(device, rate, ignored);
-        return output && output->rate() == rate && provesItself(*output) ? std::move(output)
-                                                                         : Output();
+        if (!output || output->rate() != rate) return Playing();
+        Playing playing = begin(std::move(output), *engine);
+        return playing.isRunning && provesItself(playing) ? std::move(playing) : Playing();
     });
 }
 
 // Looks whether the attempt has ended, and how.
 LiveOutput::News LiveOutput::takeBack() {
     if (m_attempt.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return {};
-    Output output = m_attempt.get();
+    Playing playing = m_attempt.get();
     m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
-    if (!output || !letGo()) return {};
-    const std::string name = output->name();
-    if (play(std::move(output))) {
-        m_isLost = false;
-        return {name + ": the audio device is back", false};
-    }
-    letGo();
-    play(openNullOutput(m_rate));
-    return {};
+    if (!playing.output || !letGo()) return {};
+    play(std::move(playing));
+    m_isLost = false;
+    return {name() + ": the audio device is back", false};
 }
 
 std::string LiveOutput::change(const Device& device) {
@@ -162,23 +155,24 @@ std::string LiveOutput::change(const Device& device) {
     if (output->rate() != m_rate)
         return output->name() + ": the audio device cannot play at " + std::to_string(m_rate) +
                " Hz; choose another rate";
-    if (!letGo()) return m_output->name() + ": the audio device hangs; try again";
+    if (!letGo()) return name() + ": the audio device hangs; try again";
     m_device = device;
     m_isLost = false;
     m_attempt = {};
-    return play(std::move(output)) ? std::string() : start(*m_engine);
+    m_playing.output = std::move(output);
+    return start(*m_engine);
 }
 
 void LiveOutput::stop() {
-    if (!m_valve) return;
+    if (!m_playing.valve) return;
     // Twice the fade, and the blocks in which it lies.
-    const auto fade = static_cast<std::uint64_t>(2 * Glide::framesAt(m_rate)) +
-                      std::uint64_t{2} * m_output->blockFrames();
+    const auto fade =
+        static_cast<std::uint64_t>(2 * Glide::framesAt(m_rate)) + std::uint64_t{2} * blockFrames();
     m_engine->setPlaying(false);
-    const std::uint64_t until = m_valve->frames() + fade;
+    const std::uint64_t until = m_playing.valve->frames() + fade;
     constexpr std::chrono::milliseconds kPause{2};
     constexpr int kMostPauses = 60;
-    for (int pauses = 0; m_valve->frames() < until && pauses < kMostPauses; ++pauses)
+    for (int pauses = 0; m_playing.valve->frames() < until && pauses < kMostPauses; ++pauses)
         std::this_thread::sleep_for(kPause);
     letGo();
 }

@@ -38,8 +38,10 @@ public:
     ~LiveOutput() { stop(); }
 
     std::int32_t rate() const { return m_rate; }  // stays the same
-    std::string name() const { return m_output ? m_output->name() : std::string(); }
-    std::uint32_t blockFrames() const { return m_output ? m_output->blockFrames() : 0; }
+    std::string name() const { return m_playing.output ? m_playing.output->name() : std::string(); }
+    std::uint32_t blockFrames() const {
+        return m_playing.output ? m_playing.output->blockFrames() : 0;
+    }
     std::uint64_t underruns() const;  // of all devices so far
 
     // Plays the engine, which must live until stop(). Answers an empty text or a problem.
@@ -58,22 +60,28 @@ public:
 
 private:
     using Output = std::unique_ptr<AudioOutput>;
+    struct Playing {
+        std::unique_ptr<Valve> valve;  // outlives the output
+        Output output;
+        bool isRunning = false;
+    };
 
-    bool play(Output output);
+    static Playing begin(Output output, Engine& engine);
+    static bool provesItself(const Playing& playing);
+    bool play(Playing playing);
     bool letGo();
     void tryToReturn();
     News takeBack();
 
     Device m_device;
     const Opener m_open;
-    Output m_output;
+    Playing m_playing;
     std::int32_t m_rate;
     Engine* m_engine = nullptr;
-    std::shared_ptr<Valve> m_valve;  // with the output that plays
     PaceWatch m_pace;
     bool m_isLost = false;  // the device that is wanted is not there, but may come
     Moment m_nextAttempt;
-    std::future<Output> m_attempt;  // to have it back
+    std::future<Playing> m_attempt;  // to have it back
     std::uint64_t m_underrunsBefore = 0;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "live_output.h"
 
+#include "player.h"
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
 
@@ -143,6 +144,7 @@ TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
         EXPECT_THAT(news.text, HasSubstr(row.what));
         EXPECT_EQ(output.name(), "no device");
         EXPECT_EQ(output.underruns(), 3U);
+        EXPECT_LT(engine.position(), 4 * 48000);  // did not run away with it
         const std::int64_t before = engine.position();
         std::this_thread::sleep_for(Seconds(0.3));
         EXPECT_NEAR(static_cast<double>(engine.position() - before), 14'400, 9'000);
@@ -168,6 +170,64 @@ TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
         EXPECT_LT(std::chrono::steady_clock::now() - begin, Seconds(1.0));
         world->hangs = false;
     }
+}
+
+// As the window drives it, in real time.
+TEST(Player, PlaysStopsAtTheEndTakesBackARemovalAndChangesItsRate) {
+    const std::string brief = synthetic("brief.wav", 48000, "0.4 sin 300 gain -6");
+    const std::string longer = synthetic("longer.wav", 48000, "3 sin 300 gain -6 remix 1 1");
+    Player player(Device::Null);
+    EXPECT_FALSE(player.undoRemove());
+    player.setTempo(90.0);
+    EXPECT_THAT(player.add(brief), IsEmpty());
+    EXPECT_THAT(player.add(longer), IsEmpty());
+    EXPECT_THAT(player.add("/nowhere.wav"), HasSubstr("no such file"));
+    const auto waitFor = [&player](auto condition) {
+        for (int i = 0; i < 400; ++i) {
+            player.tick();
+            if (condition(player.look())) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return false;
+    };
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) {
+        return state.playing && state.strips[0].ended && !state.strips[1].ended;
+    }));
+    const StripKey first = player.look().strips[0].key;
+    const StripKey second = player.look().strips[1].key;
+    player.setGain(second, -12.0);
+    player.setPan(second, -1.0);
+    player.setSoloed(second, true);
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) {
+        return !state.strips[0].heard && state.outputPeaks[0] > 0.1F &&
+               state.outputPeaks[1] == 0.0F;
+    }));
+    player.move(second, 0);
+    EXPECT_EQ(player.look().strips[1].key, first);
+    player.remove(second);
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return !state.playing; }));
+    EXPECT_TRUE(player.undoRemove());
+    player.locate(0);
+    player.setLoop(true, 0, 24'000);
+    player.setPlaying(true);
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return state.position > 12'000; }));
+    EXPECT_THAT(player.chooseDevice("null", 24'000, 256), IsEmpty());
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return state.position > 9'000; }));
+    const ConsoleState& state = player.look();
+    EXPECT_EQ(state.rate, 24'000);
+    EXPECT_EQ(state.blockFrames, 256U);
+    EXPECT_EQ(state.loopEnd, 12'000);
+    EXPECT_EQ(state.tempo, 90.0);
+    EXPECT_EQ(state.strips[0].key, second);
+    EXPECT_EQ(state.strips[0].gainDecibels, -12.0);
+    EXPECT_FALSE(state.strips[1].heard);
+    EXPECT_TRUE(waitFor([](const ConsoleState& now) {
+        return now.outputPeaks[0] > 0.1F && now.outputPeaks[1] == 0.0F;
+    }));
+    const auto entries = player.finish();
+    ASSERT_EQ(entries.size(), 4U);
+    EXPECT_TRUE(entries[0].result->complete);
+    EXPECT_FALSE(entries[2].error.empty());
 }
 
 }  // namespace

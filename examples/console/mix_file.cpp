@@ -63,7 +63,7 @@ std::string refusal(const std::string& path, int error) {
 
 }  // namespace
 
-MixFile::MixFile(std::string path, std::int32_t rate, MixFormat format)
+MixFile::MixFile(const std::string& path, std::int32_t rate, MixFormat format)
     : m_path(placeOf(path)),
       m_temporary(m_path + ".new." + std::to_string(::getpid())),
       m_rate(rate),

@@ -32,7 +32,7 @@ public:
     std::string finish();
 
 private:
-    MixFile(std::string path, std::int32_t rate, MixFormat format);
+    MixFile(const std::string& path, std::int32_t rate, MixFormat format);
 
     std::string header() const;
     void fail(int error);

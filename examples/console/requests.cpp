@@ -29,9 +29,9 @@ int print(const std::string& text) {
 std::string devicesText() {
     std::string text = "auto\nnull\n";
     for (const DeviceInfo& device : listDevices()) {
-        text += printable(device.id) + (device.isDefault ? " *" : "") + "  ";
+        text.append(printable(device.id)).append(device.isDefault ? " *  " : "  ");
         for (const std::int32_t rate : device.rates)
-            text += " " + std::to_string(rate);
+            text.append(" ").append(std::to_string(rate));
         text += "\n";
     }
     return text;

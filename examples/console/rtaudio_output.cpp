@@ -10,6 +10,9 @@
 
 #include <alsa/asoundlib.h>
 #include <rtaudio/RtAudio.h>
+#ifdef CONSOLE_HAS_PULSE
+#include <pulse/pulseaudio.h>
+#endif
 
 namespace veltra::console {
 
@@ -24,10 +27,42 @@ constexpr int kStopAtOnce = 2;  // what is in the device's buffers is not played
 void ignoreAlsa(const char*, int, const char*, int, const char*, ...) {}
 void ignoreRtAudio(RtAudioError::Type, const std::string&) {}
 
+// RtAudio crashes when it asks a PulseAudio server that has no sink for its devices: the server is
+// asked for its default one first.
+#ifdef CONSOLE_HAS_PULSE
+bool hasPulseSink() {
+    bool hasSink = false;
+    const auto look = [](pa_context*, const pa_server_info* info, void* answer) {
+        *static_cast<bool*>(answer) = info != nullptr && info->default_sink_name != nullptr;
+    };
+    pa_mainloop* const loop = pa_mainloop_new();
+    pa_context* const context = pa_context_new(pa_mainloop_get_api(loop), "veltra-console");
+    pa_operation* question = nullptr;
+    bool isGood = pa_context_connect(context, nullptr, PA_CONTEXT_NOFLAGS, nullptr) >= 0;
+    while (isGood &&
+           (question == nullptr || pa_operation_get_state(question) == PA_OPERATION_RUNNING)) {
+        isGood = pa_mainloop_iterate(loop, 1, nullptr) >= 0 &&
+                 PA_CONTEXT_IS_GOOD(pa_context_get_state(context)) != 0;
+        if (question == nullptr && pa_context_get_state(context) == PA_CONTEXT_READY)
+            question = pa_context_get_server_info(context, look, &hasSink);
+    }
+    if (question != nullptr) pa_operation_unref(question);
+    pa_context_disconnect(context);
+    pa_context_unref(context);
+    pa_mainloop_free(loop);
+    return hasSink;
+}
+#else
+bool hasPulseSink() {
+    return true;
+}
+#endif
+
 std::vector<RtAudio::Api> soundSystems() {
     snd_lib_error_set_handler(&ignoreAlsa);
     std::vector<RtAudio::Api> systems;
     RtAudio::getCompiledApi(systems);
+    if (!hasPulseSink()) std::erase(systems, RtAudio::LINUX_PULSE);
     return systems;
 }
 
