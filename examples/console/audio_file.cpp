@@ -3,8 +3,10 @@
 
 #include "text.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 namespace veltra::console {
 
@@ -36,6 +38,11 @@ std::string refusal(int error, const char* libraryText) {
     return "a damaged or unusual audio file (" + text + "); copy or convert it again";
 }
 
+std::unique_ptr<FrameReader> makeReader(SoundHandle handle, const FileFormat& format) {
+    return format.layout.converterFormat != 0 ? makePcmReader(std::move(handle), format)
+                                              : makeDecodedReader(std::move(handle), format);
+}
+
 }  // namespace
 
 std::unique_ptr<AudioFile> AudioFile::open(const std::string& path, std::string& problem) {
@@ -56,9 +63,7 @@ std::unique_ptr<AudioFile> AudioFile::open(const std::string& path, std::string&
     }
 
     FileFormat format = describe(handle.get(), info, path);
-    std::unique_ptr<FrameReader> reader = format.layout.converterFormat != 0
-                                              ? makePcmReader(std::move(handle), format)
-                                              : makeDecodedReader(std::move(handle), format);
+    std::unique_ptr<FrameReader> reader = makeReader(std::move(handle), format);
     return std::unique_ptr<AudioFile>(new AudioFile(path, std::move(format), std::move(reader)));
 }
 
@@ -68,18 +73,54 @@ AudioFile::AudioFile(std::string path, FileFormat format, std::unique_ptr<FrameR
 std::size_t AudioFile::read(float* const* channels, std::size_t frames) {
     if (m_ended) return 0;
     const std::size_t got = m_reader->read(channels, frames);
-    m_framesRead += got;
+    m_position += got;
+    m_framesRead = std::max(m_framesRead, m_position);
     m_ended = got < frames;
+    m_sawEnd = m_sawEnd || m_ended;
     return got;
+}
+
+bool AudioFile::seek(std::uint64_t frame) {
+    if (frame == m_position) return !m_ended;
+    m_ended = false;
+    if (!m_format.lengthUnknown && frame >= m_format.frames) {
+        m_ended = true;
+    } else if (m_reader->seek(frame)) {
+        m_position = frame;
+    } else {
+        m_ended = !readUpTo(frame);
+    }
+    return !m_ended;
+}
+
+// From the beginning, in a file that is opened again: a decoder that has lost its way stays so.
+bool AudioFile::readUpTo(std::uint64_t frame) {
+    SF_INFO info{};
+    SoundHandle handle(sf_open(m_path.c_str(), SFM_READ, &info));
+    if (!handle || info.channels != m_format.channels) return false;
+    m_reader = makeReader(std::move(handle), m_format);
+    m_position = 0;
+    const auto channels = static_cast<std::size_t>(m_format.channels);
+    std::vector<float> samples(channels * kChunkFrames);
+    std::vector<float*> places;
+    for (std::size_t channel = 0; channel < channels; ++channel)
+        places.push_back(samples.data() + channel * kChunkFrames);
+    while (m_position < frame) {
+        const auto wanted = std::min<std::uint64_t>(frame - m_position, kChunkFrames);
+        const std::size_t got = m_reader->read(places.data(), static_cast<std::size_t>(wanted));
+        m_position += got;
+        if (got < wanted) return false;
+    }
+    return true;
 }
 
 std::string AudioFile::problem() const {
     std::string reason;
     if (m_format.missingBytes > 0) {
         reason = std::to_string(m_format.missingBytes) + " bytes of its samples are missing";
-    } else if (m_ended && m_format.lengthUnknown) {
+    } else if (m_sawEnd && m_format.lengthUnknown) {
         reason = "its end mark is missing";
-    } else if (m_ended && m_framesRead < m_format.frames) {
+    } else if (m_sawEnd && m_framesRead < m_format.frames) {
         reason = "only " + std::to_string(m_framesRead) + " of " + std::to_string(m_format.frames) +
                  " frames can be read";
     }

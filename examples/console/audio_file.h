@@ -28,20 +28,29 @@ public:
     // fewer than asked means that the file has ended.
     std::size_t read(float* const* channels, std::size_t frames);
 
-    std::uint64_t framesRead() const noexcept { return m_framesRead; }
+    // Goes to a frame, so that it is the next to be read; where the format has no short way, the
+    // frames before it are read once more. Answers false when the file ends before it.
+    bool seek(std::uint64_t frame);
+
+    std::uint64_t position() const noexcept { return m_position; }      // of the next frame
+    std::uint64_t framesRead() const noexcept { return m_framesRead; }  // up to the last one
 
     // Why the file breaks off before the end that it announces and what to do about it, else empty.
     // Known for certain once the file has ended.
     std::string problem() const;
 
 private:
+    bool readUpTo(std::uint64_t frame);
+
     AudioFile(std::string path, FileFormat format, std::unique_ptr<FrameReader> reader);
 
     std::string m_path;
     FileFormat m_format;
     std::unique_ptr<FrameReader> m_reader;
+    std::uint64_t m_position = 0;
     std::uint64_t m_framesRead = 0;
-    bool m_ended = false;
+    bool m_ended = false;   // nothing more at this place
+    bool m_sawEnd = false;  // by reading, not only by going there
 };
 
 }  // namespace veltra::console

@@ -74,5 +74,29 @@ TEST(AudioFile, ATruncatedFileIsReadAsFarAsItGoesAndSaysSo) {
     EXPECT_THAT(vorbis->problem(), HasSubstr("end mark"));
 }
 
+TEST(AudioFile, IsReadFromAnyFrameOnAsIfItHadBeenReadUpToThere) {
+    SKIP_WITHOUT_RECORDINGS();
+    for (const char* name : {"at.wav", "at.aiff", "at.flac", "at.ogg", "at.au", "at.gsm"}) {
+        SCOPED_TRACE(name);
+        const std::string path =
+            recording("loop_tabla", std::string(name) == "at.gsm" ? "-r 8000 -c 1" : "", name);
+        auto file = mustOpen(path);
+        const Planar all = readAll(*file);
+        const std::size_t frames = all[0].size();
+        for (const std::size_t place :
+             {std::size_t{0}, std::size_t{1}, frames / 2 + 1, std::size_t{20'001}, frames - 9000}) {
+            ASSERT_TRUE(file->seek(place)) << place;
+            const Planar rest = readAll(*file);
+            ASSERT_EQ(rest[0].size(), frames - place);
+            EXPECT_TRUE(std::equal(rest[0].begin(), rest[0].end(),
+                                   all[0].begin() + static_cast<std::ptrdiff_t>(place)))
+                << place;
+        }
+        EXPECT_FALSE(file->seek(frames + 1));
+        EXPECT_EQ(file->framesRead(), frames);
+        EXPECT_THAT(file->problem(), IsEmpty());
+    }
+}
+
 }  // namespace
 }  // namespace veltra::console

@@ -23,6 +23,11 @@ public:
         return got;
     }
 
+    bool seek(std::uint64_t frame) override {
+        const auto place = static_cast<sf_count_t>(frame);
+        return sf_seek(m_file.get(), place, SEEK_SET) == place;
+    }
+
 private:
     SoundHandle m_file;
     std::size_t m_channels;

@@ -25,18 +25,36 @@ void* loadModule() {
     return nullptr;
 }
 
+template <typename Function>
+Function functionOf(const char* symbol) {
+    static void* const module = loadModule();
+    return module != nullptr ? reinterpret_cast<Function>(dlsym(module, symbol)) : nullptr;
+}
+
 }  // namespace
 
-std::unique_ptr<AudioOutput> openDeviceOutput(std::int32_t rate, std::string& problem) {
-    void* module = loadModule();
-    void* symbol = module != nullptr ? dlsym(module, kOpenDeviceSymbol) : nullptr;
-    if (symbol == nullptr) {
+std::unique_ptr<AudioOutput> openDeviceOutput(const Device& device, std::int32_t rate,
+                                              std::string& problem) {
+    const auto open = functionOf<OpenDeviceFunction>(kOpenDeviceSymbol);
+    if (open == nullptr) {
         problem = "the module for audio devices cannot be loaded; playing to no device";
         return nullptr;
     }
-    std::unique_ptr<AudioOutput> output(reinterpret_cast<OpenDeviceFunction>(symbol)(rate));
-    if (!output) problem = "there is no usable audio device; playing to no device";
+    std::unique_ptr<AudioOutput> output(open(device, rate));
+    if (!output && device.id == "auto") {
+        problem = "there is no usable audio device; playing to no device";
+    } else if (!output) {
+        problem = device.id + ": there is no such audio device, or it cannot be used now; see " +
+                  "veltra-console --list-devices";
+    }
     return output;
+}
+
+std::vector<DeviceInfo> listDevices() {
+    std::vector<DeviceInfo> devices;
+    const auto list = functionOf<ListDevicesFunction>(kListDevicesSymbol);
+    if (list != nullptr) list(devices);
+    return devices;
 }
 
 }  // namespace veltra::console

@@ -7,6 +7,7 @@
 #include "sound_handle.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace veltra::console {
@@ -25,6 +26,10 @@ public:
     // Reads up to `frames` frames (at most kChunkFrames); channel c goes to channels[c]. Answers
     // how many there were: fewer than asked means the end, or a decoder that gave up.
     virtual std::size_t read(float* const* channels, std::size_t frames) = 0;
+
+    // Goes to a frame, so that it is the next to be read. Answers false when the file cannot be
+    // entered there; what is read after that is undefined.
+    virtual bool seek(std::uint64_t frame) = 0;
 };
 
 std::unique_ptr<FrameReader> makePcmReader(SoundHandle file, const FileFormat& format);

@@ -1,38 +1,180 @@
 // SPDX-License-Identifier: MIT
 #include "live_output.h"
 
+#include "veltra/platform/clock.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
 namespace veltra::console {
 
 namespace {
 
-void renderBlock(void* engine, float* const* outputs, std::uint32_t outputCount,
-                 std::uint32_t frames) noexcept {
-    static_cast<Engine*>(engine)->processBlock(outputs, outputCount, frames);
+constexpr double kSecondsBetweenAttempts = 2.0;
+constexpr std::chrono::milliseconds kPatience{300};  // with a device that ends
+
+Moment now() {
+    return Clocks::current().monotonic().moment();
+}
+
+// On a thread of its own, which stays behind when the work takes too long.
+template <typename Work>
+std::future<std::invoke_result_t<Work>> inBackground(Work work) {
+    std::packaged_task<std::invoke_result_t<Work>()> task(std::move(work));
+    auto result = task.get_future();
+    std::thread(std::move(task)).detach();
+    return result;
 }
 
 }  // namespace
 
-LiveOutput::LiveOutput(Device device, std::int32_t rate, std::string& notice) {
-    if (device == Device::Auto) m_output = openDeviceOutput(rate, notice);
-    if (!m_output) m_output = openNullOutput(rate);
+// Whether the output comes to take audio at about the right pace. One that is suspended can be
+// opened, too, and fills its buffers; others need a while to begin.
+bool LiveOutput::provesItself(const Playing& playing) {
+    constexpr double kLook = 0.5;  // seconds
+    constexpr int kLooks = 8;
+    std::uint64_t before = 0;
+    for (int look = 0; look < kLooks && playing.output->isRunning(); ++look) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(kLook));
+        const std::uint64_t frames = playing.valve->frames();
+        const double played = static_cast<double>(frames - before) / playing.output->rate();
+        before = frames;
+        if (look > 0 && played > kLook / 2 && played < kLook * 2) return true;
+    }
+    return false;
+}
+
+LiveOutput::LiveOutput(Device device, std::int32_t rate, std::string& notice, Opener opener)
+    : m_device(std::move(device)),
+      m_open(std::move(opener)),
+      m_rate(m_device.rate > 0 ? m_device.rate : rate),
+      m_pace(m_rate) {
+    if (m_device.id != Device::Null.id) m_playing.output = m_open(m_device, m_rate, notice);
+    if (!m_playing.output) {
+        m_isLost = m_device.id != Device::Auto.id && m_device.id != Device::Null.id;
+        const std::uint32_t block = m_device.blockFrames;
+        m_playing.output = openNullOutput(m_rate, block > 0 ? block : kUsualBlockFrames);
+    }
+    m_rate = m_playing.output->rate();
+    m_pace = PaceWatch(m_rate);
+}
+
+std::uint64_t LiveOutput::underruns() const {
+    return m_underrunsBefore + (m_playing.output ? m_playing.output->underruns() : 0);
+}
+
+// Starts the output, which gets silence for the time being.
+LiveOutput::Playing LiveOutput::begin(Output output, Engine& engine) {
+    Playing playing;
+    playing.output = std::move(output);
+    playing.valve = std::make_unique<Valve>(engine, playing.output->rate());
+    playing.isRunning = playing.output->start(&Valve::render, playing.valve.get());
+    return playing;
+}
+
+// The engine may be an output's only when the one before is gone.
+bool LiveOutput::play(Playing playing) {
+    m_playing = std::move(playing);
+    m_pace = PaceWatch(m_rate);
+    if (m_playing.isRunning) m_playing.valve->open();
+    return m_playing.isRunning;
 }
 
 std::string LiveOutput::start(Engine& engine) {
     m_engine = &engine;
-    if (m_output->start(&renderBlock, m_engine)) return {};
-    std::string problem =
-        m_output->name() + ": the audio device does not start; playing to no device";
-    m_output = openNullOutput(m_output->rate());
-    m_output->start(&renderBlock, m_engine);
+    if (play(begin(std::move(m_playing.output), engine))) return {};
+    std::string problem = name() + ": the audio device does not start; playing to no device";
+    letGo();
+    play(begin(openNullOutput(m_rate), engine));
     return problem;
 }
 
-std::string LiveOutput::keepRunning() {
-    if (m_output->isRunning()) return {};
-    std::string problem = m_output->name() + ": the audio device has stopped; playing to no device";
-    m_output = openNullOutput(m_output->rate());  // the one before stops first
-    start(*m_engine);
-    return problem;
+// Takes the engine from the output that plays, and ends that. False, and it plays on, when its
+// thread hangs in the middle of a block.
+bool LiveOutput::letGo() {
+    if (m_playing.isRunning && !m_playing.valve->shut()) return false;
+    m_underrunsBefore += m_playing.output->underruns();
+    auto ended = inBackground([playing = std::exchange(m_playing, {})]() mutable {
+        playing.output->stop();
+        playing.output.reset();  // before its valve
+    });
+    ended.wait_for(kPatience);
+    return true;
+}
+
+LiveOutput::News LiveOutput::keepRunning() {
+    if (!m_playing.valve) return {};
+    if (m_attempt.valid()) return takeBack();
+    if (m_isLost && now() >= m_nextAttempt) tryToReturn();
+    const bool isRunning = m_playing.output->isRunning();
+    const Pace pace = m_pace.look(now(), m_playing.valve->frames());
+    if (isRunning && pace == Pace::Steady) return {};
+    const std::string before = name();
+    if (!letGo()) return {};
+    play(begin(openNullOutput(m_rate), *m_engine));
+    m_isLost = true;
+    m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
+    const std::string what = !isRunning             ? "has stopped"
+                             : pace == Pace::Stands ? "stands still"
+                                                    : "runs away";
+    return {before + ": the audio device " + what + "; playing to no device", true};
+}
+
+void LiveOutput::tryToReturn() {
+    m_attempt = inBackground([open = m_open, device = m_device, rate = m_rate, engine = m_engine] {
+        std::string ignored;
+        Output output = open(device, rate, ignored);
+        if (!output || output->rate() != rate) return Playing();
+        Playing playing = begin(std::move(output), *engine);
+        return playing.isRunning && provesItself(playing) ? std::move(playing) : Playing();
+    });
+}
+
+// Looks whether the attempt has ended, and how.
+LiveOutput::News LiveOutput::takeBack() {
+    if (m_attempt.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return {};
+    Playing playing = m_attempt.get();
+    m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
+    if (!playing.output || !letGo()) return {};
+    play(std::move(playing));
+    m_isLost = false;
+    return {name() + ": the audio device is back", false};
+}
+
+std::string LiveOutput::change(const Device& device) {
+    std::string problem;
+    Output output;
+    if (device.id == Device::Null.id) {
+        output =
+            openNullOutput(m_rate, device.blockFrames > 0 ? device.blockFrames : kUsualBlockFrames);
+    } else {
+        output = m_open(device, m_rate, problem);
+    }
+    if (!output) return problem;
+    if (output->rate() != m_rate)
+        return output->name() + ": the audio device cannot play at " + std::to_string(m_rate) +
+               " Hz; choose another rate";
+    if (!letGo()) return name() + ": the audio device hangs; try again";
+    m_device = device;
+    m_isLost = false;
+    m_attempt = {};
+    m_playing.output = std::move(output);
+    return start(*m_engine);
+}
+
+void LiveOutput::stop() {
+    if (!m_playing.valve) return;
+    // Twice the fade, and the blocks in which it lies.
+    const auto fade =
+        static_cast<std::uint64_t>(2 * Glide::framesAt(m_rate)) + std::uint64_t{2} * blockFrames();
+    m_engine->setPlaying(false);
+    const std::uint64_t until = m_playing.valve->frames() + fade;
+    constexpr std::chrono::milliseconds kPause{2};
+    constexpr int kMostPauses = 60;
+    for (int pauses = 0; m_playing.valve->frames() < until && pauses < kMostPauses; ++pauses)
+        std::this_thread::sleep_for(kPause);
+    letGo();
 }
 
 }  // namespace veltra::console

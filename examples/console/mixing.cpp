@@ -1,54 +1,51 @@
 // SPDX-License-Identifier: MIT
 #include "mixing.h"
 
-#include "lanes.h"
-
-#include <algorithm>
-#include <cmath>
-
 namespace veltra::console {
 
-float addToMix(float* destination, const float* source, std::size_t count) noexcept {
-    Range range;
-    std::size_t done = 0;
-    for (; done + kLanes <= count; done += kLanes) {
-        for (std::size_t i = 0; i < kVectors; ++i) {
-            const std::size_t place = done + i * kWidth;
-            const Floats values = load(source + place);
-            store(destination + place, load(destination + place) + values);
-            range.show(i, values);
-        }
-    }
-    float peak = range.largestMagnitude();
-    for (; done < count; ++done) {
-        destination[done] += source[done];
-        peak = std::max(peak, std::fabs(source[done]));
-    }
-    return peak;
+namespace {
+
+float gainAt(const Ramp& ramp, std::size_t frame) noexcept {
+    return ramp.from + ramp.distance * ((ramp.done + static_cast<float>(frame + 1)) / ramp.length);
 }
 
-float addToMix(float* destination, const float* source, std::size_t count, Ramp ramp) noexcept {
-    float peak = 0.0F;
+}  // namespace
+
+void addToMix(float* destination, const float* source, std::size_t count, float gain) noexcept {
+    if (gain == 0.0F) return;
+    float* const __restrict to = destination;
+    const float* const __restrict from = source;
+    if (gain == 1.0F) {
+        for (std::size_t i = 0; i < count; ++i)
+            to[i] += from[i];
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] += from[i] * gain;
+}
+
+void addToMix(float* destination, const float* source, std::size_t count, Ramp ramp) noexcept {
+    for (std::size_t i = 0; i < count; ++i)
+        destination[i] += source[i] * gainAt(ramp, i);
+}
+
+void scale(float* destination, const float* source, std::size_t count, float gain) noexcept {
+    for (std::size_t i = 0; i < count; ++i)
+        destination[i] = source[i] * gain;
+}
+
+void scale(float* destination, const float* source, std::size_t count, Ramp ramp) noexcept {
+    for (std::size_t i = 0; i < count; ++i)
+        destination[i] = source[i] * gainAt(ramp, i);
+}
+
+void mixToMono(float* left, float* right, std::size_t count, Ramp share) noexcept {
     for (std::size_t i = 0; i < count; ++i) {
-        ramp.position += ramp.step;
-        const float value = source[i] * (ramp.position / ramp.length);
-        destination[i] += value;
-        peak = std::max(peak, std::fabs(value));
+        const float mean = (left[i] + right[i]) * 0.5F;
+        const float part = gainAt(share, i);
+        left[i] += (mean - left[i]) * part;
+        right[i] += (mean - right[i]) * part;
     }
-    return peak;
-}
-
-float largestMagnitude(const float* samples, std::size_t count) noexcept {
-    Range range;
-    std::size_t done = 0;
-    for (; done + kLanes <= count; done += kLanes) {
-        for (std::size_t i = 0; i < kVectors; ++i)
-            range.show(i, load(samples + done + i * kWidth));
-    }
-    float peak = range.largestMagnitude();
-    for (; done < count; ++done)
-        peak = std::max(peak, std::fabs(samples[done]));
-    return peak;
 }
 
 }  // namespace veltra::console

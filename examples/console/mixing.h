@@ -7,20 +7,26 @@
 namespace veltra::console {
 
 // A gain that moves by an equal step with each frame: that of frame i (from 0) is
-// (position + (i + 1) * step) / length. Whole numbers below 2^24, so that it arrives at 0 and at 1
-// exactly.
+// from + distance * (done + i + 1) / length. Whole numbers of frames below 2^24.
 struct Ramp {
-    float position = 0.0F;  // where it stands before the first frame
-    float step = 1.0F;      // 1 or -1
-    float length = 1.0F;    // the way from silence to full, in frames
+    float from = 0.0F;
+    float distance = 1.0F;
+    float done = 0.0F;    // frames of the way that were gone before
+    float length = 1.0F;  // frames of the whole way
 };
 
-// Adds `count` samples of `source` to `destination`, and answers the largest magnitude added.
+// Add `count` samples of `source`, times a gain, to `destination`. No overlap.
 // Thread: any. Realtime-safe: yes.
-float addToMix(float* destination, const float* source, std::size_t count) noexcept;
-float addToMix(float* destination, const float* source, std::size_t count, Ramp ramp) noexcept;
+void addToMix(float* destination, const float* source, std::size_t count, float gain) noexcept;
+void addToMix(float* destination, const float* source, std::size_t count, Ramp ramp) noexcept;
 
-// The largest magnitude of `count` samples. Thread: any. Realtime-safe: yes.
-float largestMagnitude(const float* samples, std::size_t count) noexcept;
+// Write `count` samples of `source`, times a gain, to `destination`, which may be `source`.
+// Thread: any. Realtime-safe: yes.
+void scale(float* destination, const float* source, std::size_t count, float gain) noexcept;
+void scale(float* destination, const float* source, std::size_t count, Ramp ramp) noexcept;
+
+// Turns the two towards their mean: by 0 both stay, by 1 both become it.
+// Thread: any. Realtime-safe: yes.
+void mixToMono(float* left, float* right, std::size_t count, Ramp share) noexcept;
 
 }  // namespace veltra::console

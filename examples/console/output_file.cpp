@@ -29,40 +29,74 @@ bool isPicture(std::string_view start) {
     return start.starts_with("\x89PNG\r\n\x1A\n") && start.find(writer) != std::string_view::npos;
 }
 
-bool isOwn(const std::string& path, OutputKind kind) {
+// A WAV file that says the same, before its samples.
+bool isBounce(std::string_view start) {
+    const bool isWave = start.starts_with("RIFF") || start.starts_with("RF64");
+    const std::size_t writer = start.find("ISFT");
+    return isWave && start.substr(0, start.find("data")).find(applicationName(), writer) !=
+                         std::string_view::npos;
+}
+
+struct Kind {
+    const char* option;
+    const char* what;
+    const char* extension;  // empty: any
+    const char* rule;
+    bool (*isOwn)(std::string_view start);
+};
+
+const Kind& kindOf(OutputKind kind) {
+    static constexpr Kind kReport{"--report", "report", "", "", isReport};
+    static constexpr Kind kPicture{"--picture", "picture", ".png",
+                                   ": a picture is a PNG file; give it a name that ends in .png",
+                                   isPicture};
+    static constexpr Kind kBounce{"--bounce", "mix", ".wav",
+                                  ": a mix is a WAV file; give it a name that ends in .wav",
+                                  isBounce};
+    if (kind == OutputKind::Picture) return kPicture;
+    return kind == OutputKind::Bounce ? kBounce : kReport;
+}
+
+bool isOwn(const std::string& path, const Kind& kind) {
     std::array<char, 8192> start{};  // names of files are shorter
     std::ifstream file(path, std::ios::binary);
     file.read(start.data(), start.size());
     const std::string_view text(start.data(), static_cast<std::size_t>(file.gcount()));
     if (file.bad()) return false;
-    return text.empty() || (kind == OutputKind::Report ? isReport(text) : isPicture(text));
+    return text.empty() || kind.isOwn(text);
 }
 
 }  // namespace
 
 std::string whyNotWrite(const std::string& path, OutputKind kind,
                         std::span<const std::string> inputs) {
-    const bool isForReport = kind == OutputKind::Report;
-    if (isForReport && path == "-") return {};
-    const std::string option = isForReport ? "--report" : "--picture";
-    const std::string advice = "; name another file after " + option;
+    if (kind == OutputKind::Report && path == "-") return {};
+    const Kind& rules = kindOf(kind);
+    const std::string advice = std::string("; name another file after ") + rules.option;
     std::error_code ignored;
     for (const std::string& input : inputs) {
         if (fs::equivalent(path, input, ignored))
             return path + " is one of the recordings" + advice;
     }
-    if (!isForReport && fs::path(path).extension() != ".png")
-        return path + ": a picture is a PNG file; give it a name that ends in .png";
-    if (!fs::is_regular_file(path, ignored) || isOwn(path, kind)) return {};
-    return path + " is there already, and is no " + (isForReport ? "report" : "picture") +
-           " of this program" + advice;
+    if (*rules.extension != '\0' && fs::path(path).extension() != rules.extension)
+        return path + rules.rule;
+    if (!fs::is_regular_file(path, ignored) || isOwn(path, rules)) return {};
+    return path + " is there already, and is no " + rules.what + " of this program" + advice;
 }
 
 std::string whyNotWrite(const Options& options) {
-    if (!options.report.empty())
-        return whyNotWrite(options.report, OutputKind::Report, options.files);
-    if (options.picture.empty()) return {};
-    return whyNotWrite(options.picture, OutputKind::Picture, options.files);
+    const struct {
+        const std::string& path;
+        OutputKind kind;
+    } outputs[] = {{options.report, OutputKind::Report},
+                   {options.picture, OutputKind::Picture},
+                   {options.bounce, OutputKind::Bounce}};
+    for (const auto& output : outputs) {
+        if (output.path.empty()) continue;
+        std::string problem = whyNotWrite(output.path, output.kind, options.files);
+        if (!problem.empty()) return problem;
+    }
+    return {};
 }
 
 }  // namespace veltra::console

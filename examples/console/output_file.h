@@ -9,7 +9,7 @@
 
 namespace veltra::console {
 
-enum class OutputKind { Report, Picture };
+enum class OutputKind { Report, Picture, Bounce };
 
 // An empty text when `path` may be written: it does not exist, holds nothing, is an earlier output
 // of the same kind, or is no regular file (a device, a pipe). Else why not and what to do.

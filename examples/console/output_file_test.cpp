@@ -38,6 +38,9 @@ TEST(Output, NeverReplacesWhatThisProgramHasNotMade) {
         {"theirs.png", png + '\0' + "Camera", OutputKind::Picture, "no picture"},
         {"named.png", report, OutputKind::Picture, "no picture"},
         {"new.jpg", std::nullopt, OutputKind::Picture, "ends in .png"},
+        {"new.aiff", std::nullopt, OutputKind::Bounce, "ends in .wav"},
+        {"take.wav", "RIFF....WAVEdataISFT" + applicationName(), OutputKind::Bounce, "no mix"},
+        {"old.wav", "RIFF....WAVEISFT...." + applicationName(), OutputKind::Bounce, ""},
     };
     for (const auto& row : rows) {
         const std::string path = testing::folder() + row.name;

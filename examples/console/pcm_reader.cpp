@@ -44,6 +44,12 @@ public:
         return done;
     }
 
+    bool seek(std::uint64_t frame) override {
+        m_next = m_end = 0;
+        const auto place = static_cast<sf_count_t>(frame);
+        return sf_seek(m_file.get(), place, SEEK_SET) == place;
+    }
+
 private:
     // The converters split a two-channel stream while they convert it, except for 32-bit integers
     // and 64-bit floats, which have no such form.

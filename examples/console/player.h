@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace veltra::console {
@@ -18,19 +19,50 @@ namespace veltra::console {
 // Thread: main.
 class Player {
 public:
-    explicit Player(Device device) : m_device(device) {}
+    explicit Player(Device device) : m_device(std::move(device)) {}
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
     ~Player();
 
-    // Opens the file and lets it play from its beginning. Answers an empty text, or why not and
-    // what to do, in one line. The first file chooses the rate of the output.
+    // Opens the file. It lies at the beginning of the transport's time: while that moves, the file
+    // joins at the place where the others are; beyond its end it is silent. Answers an empty text,
+    // or why not and what to do, in one line. The first file chooses the rate of the output, unless
+    // chooseDevice() did, and with the next tick the transport starts.
     std::string add(const std::string& path);
 
-    // Keys that are not there are passed over.
+    // Keys that are not there are passed over. What is heard changes without a click.
     void remove(StripKey key);
+    // Brings back what was removed last, to its place, with all its settings. Answers false when
+    // there is nothing to bring back. A file that cannot be opened any more is told by tick().
+    bool undoRemove();
+    void move(StripKey key, int place);           // to be the place-th, from 0
+    void setGain(StripKey key, double decibels);  // kSilentDecibels to 24
+    void setPan(StripKey key, double pan);        // -1 to 1
     void setMuted(StripKey key, bool muted);
-    // From its beginning again, once it has ended. Answers as add() does.
+    void setSoloed(StripKey key, bool soloed);
+
+    // The transport. It stops by itself at the end of the longest file, unless it loops; when it is
+    // started there, it begins at 0 again.
+    void setPlaying(bool playing);
+    void locate(std::int64_t frame);  // at ConsoleState::rate; below 0 counts as 0
+    // Having reached `end`, goes on at `begin`. A loop shorter than 10 ms is none.
+    void setLoop(bool on, std::int64_t begin, std::int64_t end);
+    void setTempo(double beatsPerMinute);          // 20 to 999
+    void setMeter(int beatsPerBar, int beatUnit);  // 1 to 64; 1, 2, 4, ..., 64
+
+    // The whole mix.
+    void setOutputGain(double decibels);
+    void setOutputBalance(double balance);
+    void setDimmed(bool dimmed);
+    void setMono(bool mono);
+
+    // May take a second: the sound systems are asked.
+    std::vector<DeviceInfo> devices() const;
+    // `id` is a device's, "auto" or "null"; 0 leaves rate or block to the device and the first
+    // file. Playing goes on there. Answers an empty text or a problem.
+    std::string chooseDevice(const std::string& id, std::int32_t rate, std::uint32_t blockFrames);
+
+    // Lets the transport start from 0 when this strip has ended. Answers an empty text.
     std::string playAgain(StripKey key);
 
     // Ends the reading of waveforms. A file that is added again is read again.
@@ -51,18 +83,28 @@ private:
         StripKey key;
         std::size_t entry;  // in the report
     };
+    struct Removed {
+        StripState strip;
+        std::size_t place;
+    };
 
     std::unique_ptr<AudioFile> open(const std::string& path, std::string& problem);
-    StripId play(StripKey key, std::unique_ptr<AudioFile> file);
+    void makeEngine(std::int32_t rate);
+    void play(StripState& strip, std::unique_ptr<AudioFile> file, std::size_t entry);
+    void applySettings(const StripState& strip);
+    void changeRate(std::int32_t rate);
     void keepResult(StripResult&& result, std::vector<std::string>& problems);
+    void collect(std::vector<std::string>& problems);
     StripState* find(StripKey key);
 
-    const Device m_device;
+    Device m_device;
     std::unique_ptr<Engine> m_engine;      // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
     ProgressBoard m_progress;              // before the overviews: their reader tells it
     OverviewReader m_overviews;
     ConsoleState m_state;
+    bool m_startsSoon = false;       // with the next tick
+    std::vector<Removed> m_removed;  // the last one at the end
     std::vector<Playing> m_playing;
     std::vector<ReportEntry> m_entries;
     std::vector<std::string> m_problems;  // to be told with the next tick

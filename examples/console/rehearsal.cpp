@@ -42,7 +42,7 @@ Rehearsal::Rehearsal(Opened opened)
     : m_problems(std::move(opened.problems)),
       m_rate(opened.files.empty() ? kRateOfNothing : opened.files.front()->format().rate),
       m_stepsExpected(stepsOf(opened)),
-      m_engine(Engine::Feeding::ByCallerResampled, m_rate, kChunkFrames) {
+      m_engine(Engine::Feeding::ByCallerResampled, m_rate) {
     for (auto& file : opened.files)
         m_engine.add(std::move(file));
     for (auto& channel : m_output)

@@ -56,7 +56,7 @@ std::string loudest(const StripResult& result) {
     return text.empty() ? "none" : text + " s";
 }
 
-std::string block(const StripResult& result) {
+std::string block(const StripResult& result, std::uint64_t deviceUnderruns) {
     const FileFormat& format = result.format;
     const Measurement& measured = result.measurement;
     const auto frames = static_cast<unsigned long long>(result.framesRead);
@@ -77,6 +77,10 @@ std::string block(const StripResult& result) {
     text += line("underruns", formatted("%llu blocks  %llu frames",
                                         static_cast<unsigned long long>(result.underruns),
                                         static_cast<unsigned long long>(result.missedFrames)));
+    if (deviceUnderruns > 0) {
+        text += line("device",
+                     formatted("%llu underruns", static_cast<unsigned long long>(deviceUnderruns)));
+    }
     if (!result.complete) text += line("note", "ended early, before the end of the file");
     if (!result.problem.empty()) text += line("note", result.problem);
     if (measured.notFinite > 0) {
@@ -94,7 +98,7 @@ std::string makeReport(std::span<const ReportEntry> entries) {
         if (!text.empty()) text += "\n";
         text += printable(entry.path) + "\n";
         if (entry.result) {
-            text += block(*entry.result);
+            text += block(*entry.result, entry.deviceUnderruns);
         } else {
             text += line("error", entry.error.empty() ? "not read, ended early" : entry.error);
         }

@@ -14,6 +14,7 @@ struct ReportEntry {
     std::string path;
     std::string error;                  // the file could not be read
     std::optional<StripResult> result;  // else what is in it
+    std::uint64_t deviceUnderruns = 0;  // of the whole run
 };
 
 std::string makeReport(std::span<const ReportEntry> entries);

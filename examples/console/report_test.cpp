@@ -11,6 +11,9 @@
 #include "veltra/platform/termination.h"
 #include "veltra/platform/testing/fake_user.h"
 
+#include <chrono>
+#include <thread>
+
 #include <gmock/gmock.h>
 
 namespace veltra::console {
@@ -115,9 +118,45 @@ TEST(Report, BadFilesGetALineEachAndTheOthersStillRun) {
     }
 }
 
+// What is in the place of the mix must be a mix, or nothing.
+TEST(Bounce, IsTheSumOfItsFilesInEveryFormatAndTheSameBytesEachTime) {
+    SKIP_WITHOUT_RECORDINGS();
+    const std::string one = recording("guit_em9", "-b 16", "one.wav", "gain -6");
+    const std::string two = recording("loop_tabla", "-b 16", "two.wav", "gain -6 trim 0 1");
+    const std::string mix = folder() + "mix.wav";
+    Planar sum = readAll(one);
+    const Planar other = readAll(two);
+    for (std::size_t c = 0; c < 2; ++c)
+        for (std::size_t i = 0; i < other[c].size(); ++i)
+            sum[c].at(i) += other[c][i];
+    for (const std::string bits : {"float", "24", "16"}) {
+        const std::string command = "--bounce " + mix + " --bits " + bits + " " + one + " " + two;
+        const Outcome run = console(command);
+        EXPECT_EQ(run.status, 0) << run.log;
+        EXPECT_EQ(readAll(mix), sum) << bits;  // sums of two 16-bit samples fit all three
+        const std::string bytes = contents(mix);
+        std::this_thread::sleep_for(std::chrono::milliseconds(bits == "16" ? 1100 : 0));
+        EXPECT_EQ(console(command + " --report " + folder() + "mix.txt").status, 0);
+        EXPECT_TRUE(contents(mix) == bytes) << bits;
+        EXPECT_EQ(number(contents(folder() + "mix.txt"), two, "length"), 1.0);
+    }
+    for (const auto& [arguments, reason] :
+         {std::pair{"--bounce " + two + " " + one, "no mix of this program"},
+          {"--bounce " + one + " " + one, "one of the recordings"},
+          {"--bounce " + folder() + "mix.aiff " + one, "ends in .wav"},
+          {"--bounce /nowhere/mix.wav " + one, "cannot be written"}}) {
+        const Outcome run = console(arguments);
+        EXPECT_NE(run.status, 0);
+        EXPECT_THAT(run.log, HasSubstr(reason));
+        EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 1) << run.log;
+    }
+    const Outcome loud = console("--bounce " + mix + " --bits 16 " + one + " " + one + " " + one);
+    EXPECT_THAT(loud.log, ContainsRegex("dB too loud"));
+}
+
 TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
-    for (const char* arguments :
-         {"", "--nonsense x", "--report", "--device loud x", "--headless=1 x"}) {
+    for (const char* arguments : {"", "--nonsense x", "--report", "--device= x", "--headless=1 x",
+                                  "--bounce x.wav", "--bits 8 x", "--rate 10 x", "--block 1e3 x"}) {
         const Outcome run = console(arguments);
         EXPECT_EQ(run.status, 2) << arguments;
         EXPECT_THAT(run.log, ContainsRegex("^veltra-console: .*--help\n$")) << arguments;
@@ -130,7 +169,7 @@ TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
     const auto options = parseOptions(arguments, error);
     ASSERT_TRUE(options.has_value()) << error;
     EXPECT_EQ(options->files, (std::vector<std::string>{"a", "--help", "-"}));
-    EXPECT_EQ(options->device, Device::Null);
+    EXPECT_EQ(options->device.id, "null");
 }
 
 TEST(Options, WhatIsAnsweredInsteadOfPlaying) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "requests.h"
 
+#include "audio_output.h"
+#include "text.h"
 #include "veltra/diagnostics/backtracing_exception.h"
 #include "veltra/diagnostics/exception_report.h"
 #include "veltra/diagnostics/terminate_report.h"
@@ -21,6 +23,18 @@ namespace {
 
 int print(const std::string& text) {
     return std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+}
+
+// "pulse:Speakers *" and its rates, a line each; the star is at the default device of a system.
+std::string devicesText() {
+    std::string text = "auto\nnull\n";
+    for (const DeviceInfo& device : listDevices()) {
+        text.append(printable(device.id)).append(device.isDefault ? " *  " : "  ");
+        for (const std::int32_t rate : device.rates)
+            text.append(" ").append(std::to_string(rate));
+        text += "\n";
+    }
+    return text;
 }
 
 }  // namespace
@@ -54,6 +68,8 @@ std::optional<int> answerRequest(const Options& options) {
             return print(aboutText());
         case Request::Machine:
             return print(hardwareReport());
+        case Request::Devices:
+            return print(devicesText());
         case Request::Exception:
             demonstrateException();
             return 0;

@@ -15,6 +15,11 @@ std::unique_ptr<Resampler> Resampler::make(std::size_t channels, double fromRate
     return resampler;
 }
 
+void Resampler::reset() noexcept {
+    for (const auto& state : m_states)
+        src_reset(state.get());
+}
+
 Resampler::Progress Resampler::process(const float* const* input, std::size_t inputFrames,
                                        float* const* output, std::size_t outputFrames, bool last) {
     // The channels' states see the same sizes in the same order, so they all make equal progress.

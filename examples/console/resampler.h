@@ -26,6 +26,9 @@ public:
     Progress process(const float* const* input, std::size_t inputFrames, float* const* output,
                      std::size_t outputFrames, bool last);
 
+    // Forgets what was taken, as if it had just been made.
+    void reset() noexcept;
+
 private:
     struct StateDeleter {
         void operator()(SRC_STATE* state) const noexcept { src_delete(state); }

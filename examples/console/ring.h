@@ -44,6 +44,11 @@ public:
                         std::memory_order_release);  // with readable()
     }
 
+    // Writer only. All frames published since the beginning.
+    std::uint64_t written() const noexcept { return m_written.load(std::memory_order_relaxed); }
+
+    std::size_t capacity() const noexcept { return m_capacity; }
+
     // Reader only, except that anybody may ask readable() for a number to show. readPlace() holds
     // at most readableInOnePiece() frames; the rest follows after consume().
     std::size_t readable() const noexcept {

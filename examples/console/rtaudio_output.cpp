@@ -4,22 +4,83 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cctype>
 #include <memory>
 
 #include <alsa/asoundlib.h>
 #include <rtaudio/RtAudio.h>
+#ifdef CONSOLE_HAS_PULSE
+#include <pulse/pulseaudio.h>
+#endif
 
 namespace veltra::console {
 
 namespace {
 
 constexpr std::uint32_t kMostOutputs = 2;
-constexpr unsigned kBlockFrames = 512;
+constexpr int kGoOn = 0;
+constexpr int kStopAtOnce = 2;  // what is in the device's buffers is not played
 
 // Sound libraries like to tell standard error about every device they do not find. RtAudio silences
 // JACK by itself and has a switch and a handler for its own texts; ALSA has a handler.
 void ignoreAlsa(const char*, int, const char*, int, const char*, ...) {}
 void ignoreRtAudio(RtAudioError::Type, const std::string&) {}
+
+// RtAudio crashes when it asks a PulseAudio server that has no sink for its devices: the server is
+// asked for its default one first.
+#ifdef CONSOLE_HAS_PULSE
+bool hasPulseSink() {
+    bool hasSink = false;
+    const auto look = [](pa_context*, const pa_server_info* info, void* answer) {
+        *static_cast<bool*>(answer) = info != nullptr && info->default_sink_name != nullptr;
+    };
+    pa_mainloop* const loop = pa_mainloop_new();
+    pa_context* const context = pa_context_new(pa_mainloop_get_api(loop), "veltra-console");
+    pa_operation* question = nullptr;
+    bool isGood = pa_context_connect(context, nullptr, PA_CONTEXT_NOFLAGS, nullptr) >= 0;
+    while (isGood &&
+           (question == nullptr || pa_operation_get_state(question) == PA_OPERATION_RUNNING)) {
+        isGood = pa_mainloop_iterate(loop, 1, nullptr) >= 0 &&
+                 PA_CONTEXT_IS_GOOD(pa_context_get_state(context)) != 0;
+        if (question == nullptr && pa_context_get_state(context) == PA_CONTEXT_READY)
+            question = pa_context_get_server_info(context, look, &hasSink);
+    }
+    if (question != nullptr) pa_operation_unref(question);
+    pa_context_disconnect(context);
+    pa_context_unref(context);
+    pa_mainloop_free(loop);
+    return hasSink;
+}
+#else
+bool hasPulseSink() {
+    return true;
+}
+#endif
+
+std::vector<RtAudio::Api> soundSystems() {
+    snd_lib_error_set_handler(&ignoreAlsa);
+    std::vector<RtAudio::Api> systems;
+    RtAudio::getCompiledApi(systems);
+    if (!hasPulseSink()) std::erase(systems, RtAudio::LINUX_PULSE);
+    return systems;
+}
+
+std::string idOf(RtAudio::Api system, const RtAudio::DeviceInfo& device) {
+    return RtAudio::getApiName(system) + ":" + device.name;
+}
+
+std::string lowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return text;
+}
+
+bool isWanted(const std::string& wanted, RtAudio::Api system, const RtAudio::DeviceInfo& device) {
+    return wanted == idOf(system, device) ||
+           lowerCase(device.name).find(lowerCase(wanted)) != std::string::npos;
+}
 
 class RtAudioOutput final : public AudioOutput {
 public:
@@ -27,13 +88,12 @@ public:
         if (m_device && m_device->isStreamOpen()) m_device->closeStream();
     }
 
-    // Tries the sound systems in RtAudio's order until one has a device that opens.
-    bool open(std::int32_t rate) {
-        std::vector<RtAudio::Api> systems;
-        RtAudio::getCompiledApi(systems);
-        return std::any_of(systems.begin(), systems.end(), [this, rate](RtAudio::Api system) {
+    // Tries the sound systems in RtAudio's order until one has a device that is wanted and opens.
+    bool open(const Device& wanted, std::int32_t rate) {
+        const auto systems = soundSystems();
+        return std::any_of(systems.begin(), systems.end(), [&](RtAudio::Api system) {
             try {
-                return openOn(system, rate);
+                return openOn(system, wanted, rate);
             } catch (const RtAudioError&) {
                 return false;
             }
@@ -42,7 +102,9 @@ public:
 
     std::string name() const override { return m_name; }
     std::int32_t rate() const override { return m_rate; }
+    std::uint32_t blockFrames() const override { return m_blockFrames; }
     bool isRunning() const override { return m_device->isStreamRunning(); }
+    std::uint64_t underruns() const override { return m_underruns.load(std::memory_order_relaxed); }
 
     bool start(Callback callback, void* context) override try {
         m_callback = callback;
@@ -60,18 +122,26 @@ public:
     }
 
 private:
-    bool openOn(RtAudio::Api system, std::int32_t rate) {
+    bool openOn(RtAudio::Api system, const Device& wanted, std::int32_t rate) {
         m_device = std::make_unique<RtAudio>(system);
         m_device->showWarnings(false);
-        if (m_device->getDeviceCount() == 0) return false;
-        const unsigned number = m_device->getDefaultOutputDevice();
-        const RtAudio::DeviceInfo device = m_device->getDeviceInfo(number);
+        const unsigned count = m_device->getDeviceCount();
+        if (count == 0) return false;
+        unsigned number = m_device->getDefaultOutputDevice();
+        RtAudio::DeviceInfo device = m_device->getDeviceInfo(number);
+        for (unsigned i = 0; wanted.id != "auto" && !isWanted(wanted.id, system, device); ++i) {
+            if (i == count) return false;
+            number = i;
+            device = m_device->getDeviceInfo(number);
+        }
         if (!device.probed || device.outputChannels == 0) return false;
 
         const auto& rates = device.sampleRates;
-        const auto wanted = static_cast<unsigned>(rate);
-        const bool can = std::find(rates.begin(), rates.end(), wanted) != rates.end();
-        const unsigned chosen = can ? wanted : device.preferredSampleRate;
+        unsigned chosen = device.preferredSampleRate;
+        for (const std::int32_t each : {rate, wanted.rate}) {
+            const auto number32 = static_cast<unsigned>(each);
+            if (std::find(rates.begin(), rates.end(), number32) != rates.end()) chosen = number32;
+        }
         m_outputs = std::min(device.outputChannels, kMostOutputs);
         RtAudio::StreamParameters parameters;
         parameters.deviceId = number;
@@ -79,41 +149,72 @@ private:
         RtAudio::StreamOptions options;
         options.flags = RTAUDIO_NONINTERLEAVED | RTAUDIO_SCHEDULE_REALTIME;
         options.streamName = "veltra-console";
-        unsigned frames = kBlockFrames;
+        unsigned frames = wanted.blockFrames > 0 ? wanted.blockFrames : kUsualBlockFrames;
         m_device->openStream(&parameters, nullptr, RTAUDIO_FLOAT32, chosen, &frames, &render, this,
                              &options, &ignoreRtAudio);
         m_rate = static_cast<std::int32_t>(m_device->getStreamSampleRate());
+        m_blockFrames = frames;
         m_name = device.name + " (" + RtAudio::getApiDisplayName(system) + ")";
         return true;
     }
 
     // Realtime-safe: yes, it only finds the channels in RtAudio's one buffer.
-    static int render(void* output, void*, unsigned frames, double, RtAudioStreamStatus,
+    static int render(void* output, void*, unsigned frames, double, RtAudioStreamStatus status,
                       void* userData) {
-        const auto& self = *static_cast<const RtAudioOutput*>(userData);
+        auto& self = *static_cast<RtAudioOutput*>(userData);
+        if ((status & RTAUDIO_OUTPUT_UNDERFLOW) != 0)
+            self.m_underruns.fetch_add(1, std::memory_order_relaxed);
         std::array<float*, kMostOutputs> channels{};
         for (std::uint32_t channel = 0; channel < self.m_outputs; ++channel) {
             channels[channel] = static_cast<float*>(output) + std::size_t{channel} * frames;
         }
-        self.m_callback(self.m_context, channels.data(), self.m_outputs, frames);
-        return 0;
+        const bool goesOn =
+            self.m_callback(self.m_context, channels.data(), self.m_outputs, frames);
+        return goesOn ? kGoOn : kStopAtOnce;
     }
 
     std::unique_ptr<RtAudio> m_device;
     std::string m_name;
     std::int32_t m_rate = 0;
+    std::uint32_t m_blockFrames = 0;
     std::uint32_t m_outputs = 0;
     Callback m_callback = nullptr;
     void* m_context = nullptr;
+    std::atomic<std::uint64_t> m_underruns{0};  // audio thread counts, any reads
 };
+
+void listDevicesOf(RtAudio::Api system, std::vector<DeviceInfo>& devices) {
+    RtAudio asked(system);
+    asked.showWarnings(false);
+    const unsigned count = asked.getDeviceCount();
+    for (unsigned number = 0; number < count; ++number) {
+        const RtAudio::DeviceInfo device = asked.getDeviceInfo(number);
+        if (!device.probed || device.outputChannels == 0) continue;
+        DeviceInfo& info = devices.emplace_back();
+        info.id = idOf(system, device);
+        info.name = device.name + " (" + RtAudio::getApiDisplayName(system) + ")";
+        info.rates.assign(device.sampleRates.begin(), device.sampleRates.end());
+        info.isDefault = device.isDefaultOutput;
+    }
+}
 
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) AudioOutput* veltraConsoleOpenDevice(
-    std::int32_t rate) {
-    snd_lib_error_set_handler(&ignoreAlsa);
+    const Device& device, std::int32_t rate) {
     auto output = std::make_unique<RtAudioOutput>();
-    return output->open(rate) ? output.release() : nullptr;
+    return output->open(device, rate) ? output.release() : nullptr;
+}
+
+extern "C" __attribute__((visibility("default"))) void veltraConsoleListDevices(
+    std::vector<DeviceInfo>& devices) {
+    for (const RtAudio::Api system : soundSystems()) {
+        try {
+            listDevicesOf(system, devices);
+        } catch (const RtAudioError&) {
+            // This system does not run: it has no devices.
+        }
+    }
 }
 
 }  // namespace veltra::console

@@ -2,10 +2,14 @@
 #include "session.h"
 
 #include "interruption.h"
+#include "mix_file.h"
 #include "text.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/platform/poll_run_loop.h"
+
+#include <algorithm>
+#include <array>
 
 namespace veltra::console {
 
@@ -32,6 +36,8 @@ int Session::run() {
     if (m_first) {
         if (m_options.headless) {
             runHeadless();
+        } else if (!m_options.bounce.empty()) {
+            runBounce();
         } else {
             runLive();
         }
@@ -62,8 +68,10 @@ void Session::runHeadless() {
 void Session::runLive() {
     std::string notice;
     m_output = std::make_unique<LiveOutput>(m_options.device, m_first->format().rate, notice);
-    if (!notice.empty()) {
-        QKLogCString(kLogNotice, QKLogWithSyslogBanner(), kLogTag, "%s", notice.c_str());
+    if (!notice.empty() && m_options.device.id == Device::Auto.id) {
+        note(notice);
+    } else if (!notice.empty()) {
+        complain(notice);  // of a device that was asked for by name
     }
     m_engine = std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate());
     if (const std::string problem = m_output->start(*m_engine); !problem.empty()) complain(problem);
@@ -72,17 +80,58 @@ void Session::runLive() {
     RunLoop::setCurrent(&loop);
     QkTimer timer(kTickSeconds, this, action<&Session::tick>(), nullptr);
     timer.start();
-    bool hasMore = true;
-    while (!isInterrupted() && (hasMore || m_engine->stripCount() > 0)) {
-        hasMore = hasMore && addNextFile();
-        loop.runOnce(seconds(hasMore ? 0.0 : kTickSeconds));
-    }
+    // All begin together.
+    while (!isInterrupted() && addNextFile())
+        loop.runOnce(seconds(0.0));
+    m_engine->setPlaying(true);
+    while (!isInterrupted() && m_engine->stripCount() > 0)
+        loop.runOnce(seconds(kTickSeconds));
     m_output->stop();
+    for (ReportEntry& entry : m_entries)
+        entry.deviceUnderruns = m_output->underruns();
+}
+
+// The mix ends with its longest file, to the frame.
+void Session::runBounce() {
+    std::string problem;
+    const std::int32_t wanted = m_options.device.rate;
+    const std::int32_t rate = wanted > 0 ? wanted : m_first->format().rate;
+    m_engine =
+        std::make_unique<Engine>(Engine::Feeding::ByCallerResampled, rate, Engine::AtEnd::Stays);
+    const auto mix = MixFile::create(m_options.bounce, rate, m_options.bits, problem);
+    if (!mix) return complain(problem);
+    while (addNextFile()) {
+    }
+    std::vector<float> samples(2 * kChunkFrames);
+    const std::array<float*, 2> outputs{samples.data(), samples.data() + kChunkFrames};
+    float peak = 0.0F;
+    while (m_engine->isPlaying() && !isInterrupted()) {
+        const std::int64_t before = m_engine->position();
+        m_engine->feed(kChunkFrames);
+        m_engine->processBlock(outputs.data(), outputs.size(), kChunkFrames);
+        const auto frames = static_cast<std::size_t>(m_engine->position() - before);
+        if (!mix->write(outputs[0], outputs[1], frames)) break;
+        for (const float each : m_engine->takeOutputLevels().peaks)
+            peak = std::max(peak, each);
+    }
+    if (isInterrupted()) return complain(m_options.bounce + ": the mix was given up");
+    problem = mix->finish();
+    if (!problem.empty()) return complain(problem);
+    if (peak > 1.0F && m_options.bits != MixFormat::Float) {
+        note(m_options.bounce +
+             formatted(": the mix is %.1f dB too loud and cut off; take --bits float",
+                       decibels(static_cast<double>(peak))));
+    }
 }
 
 void Session::tick() {
     collect();
-    if (const std::string problem = m_output->keepRunning(); !problem.empty()) complain(problem);
+    const LiveOutput::News news = m_output->keepRunning();
+    if (news.isProblem) {
+        complain(news.text);
+    } else if (!news.text.empty()) {
+        note(news.text);
+    }
     if (m_status.isShown()) m_status.show(m_engine->musicalPosition(), m_engine->meters());
 }
 
@@ -111,6 +160,12 @@ std::unique_ptr<AudioFile> Session::openNextFile() {
         complain(entry.path + ": " + entry.error);
     }
     return nullptr;
+}
+
+void Session::note(const std::string& text) {
+    m_status.clear();
+    if (m_progress) m_progress->clear();
+    QKLogCString(kLogNotice, QKLogWithSyslogBanner(), kLogTag, "%s", printable(text).c_str());
 }
 
 void Session::complain(const std::string& problem) {

@@ -29,6 +29,8 @@ public:
 private:
     void runHeadless();
     void runLive();
+    void runBounce();
+    void note(const std::string& text);
     void tick();  // every 100 ms of a live run
     void collect();
     bool addNextFile();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "audio_file.h"
+#include "mix_file.h"
 
 #include <array>
 #include <cstdlib>
@@ -69,6 +70,23 @@ inline std::string surroundVoices(const std::string& file) {
         inputs += voices + voice + ".wav ";
     }
     EXPECT_EQ(shell("sox -V1 -M " + inputs + folder() + file + " delay 0 2 4 6 8 10"), 0);
+    return folder() + file;
+}
+
+// A stereo file whose left samples tell which frame they are of; right ones are their negatives.
+inline float countAt(std::size_t frame) {
+    return static_cast<float>(frame + 1) / 65536.0F;
+}
+inline std::string counting(const std::string& file, std::size_t frames) {
+    std::string problem;
+    const auto mix = MixFile::create(folder() + file, 44100, MixFormat::Float, problem);
+    std::vector<float> left, right;
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+        left.push_back(countAt(frame));
+        right.push_back(-left.back());
+    }
+    EXPECT_TRUE(mix->write(left.data(), right.data(), frames));
+    EXPECT_EQ(mix->finish(), "");
     return folder() + file;
 }
 

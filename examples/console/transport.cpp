@@ -4,6 +4,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -32,18 +33,53 @@ void calculateAtRate(std::int32_t samplePosition, std::int32_t rate, CMusicalCon
         toTicks(samplesPerTick - std::remainder(double(samplePosition), samplesPerTick));
 }
 
-CMusicalContext musicalContext(std::int64_t position, std::int32_t rate) {
-    constexpr std::int64_t kLast = std::numeric_limits<std::int32_t>::max();
-    const auto sample = static_cast<std::int32_t>(std::clamp<std::int64_t>(position, 0, kLast));
-    return {sample, rate, rate == kBuiltInRate ? nullptr : calculateAtRate};
+void Metre::setTempo(double beatsPerMinute) noexcept {
+    if (std::isnan(beatsPerMinute)) return;
+    tempo =
+        static_cast<std::int32_t>(std::lround(std::clamp(beatsPerMinute, 20.0, 999.0) * 1000.0));
 }
 
-BarBeatTick barBeatTick(std::int32_t ticks) {
-    constexpr std::int32_t kBeatsPerBar = 4;
+void Metre::setMeter(int beats, int unit) noexcept {
+    beatsPerBar = std::clamp(beats, 1, 64);
+    beatUnit = static_cast<std::int32_t>(
+        std::bit_floor(static_cast<std::uint32_t>(std::clamp(unit, 1, 64))));
+}
+
+std::uint64_t Metre::packed() const noexcept {
+    return static_cast<std::uint64_t>(tempo) << 32U |
+           static_cast<std::uint64_t>(beatsPerBar) << 16U | static_cast<std::uint64_t>(beatUnit);
+}
+
+Metre Metre::unpacked(std::uint64_t packed) noexcept {
+    return {static_cast<std::int32_t>(packed >> 32U),
+            static_cast<std::int32_t>(packed >> 16U & 0xFFFFU),
+            static_cast<std::int32_t>(packed & 0xFFFFU)};
+}
+
+// A context calls its calculator when it is made, with tempo and meter as they are by default;
+// other ones need a second call.
+CMusicalContext musicalContext(std::int64_t position, std::int32_t rate, const Metre& metre) {
+    constexpr std::int64_t kLast = std::numeric_limits<std::int32_t>::max();
+    const auto sample = static_cast<std::int32_t>(std::clamp<std::int64_t>(position, 0, kLast));
+    CMusicalContext context(sample, rate, rate == kBuiltInRate ? nullptr : calculateAtRate);
+    const Metre usual;
+    if (metre.tempo == usual.tempo && metre.beatsPerBar == usual.beatsPerBar &&
+        metre.beatUnit == usual.beatUnit) {
+        return context;
+    }
+    context.m_tempo = metre.tempo;
+    context.m_meterNumerator = metre.beatsPerBar;
+    context.m_meterDenominator = metre.beatUnit;
+    calculateAtRate(sample, rate, context);
+    return context;
+}
+
+BarBeatTick placeInMusic(std::int64_t position, std::int32_t rate, const Metre& metre) {
+    const std::int32_t ticks = musicalContext(position, rate, metre).m_positionInTicks;
     const std::int32_t beats = ticks / CMusicalContext::kTicksPerBeat;
     BarBeatTick place;
-    place.bar = beats / kBeatsPerBar + 1;
-    place.beat = beats % kBeatsPerBar + 1;
+    place.bar = beats / metre.beatsPerBar + 1;
+    place.beat = beats % metre.beatsPerBar + 1;
     place.tick = ticks % CMusicalContext::kTicksPerBeat;
     return place;
 }

@@ -3,11 +3,13 @@
 
 #include "veltra/base/testing/prelude.h"
 
+#include <cmath>
+
 namespace veltra::console {
 namespace {
 
 BarBeatTick placeOf(std::int64_t position, std::int32_t rate) {
-    return barBeatTick(musicalContext(position, rate).m_positionInTicks);
+    return placeInMusic(position, rate, {});
 }
 
 TEST(Transport, TheConsolesCalculatorIsTheBuiltInOneAt44100) {
@@ -33,6 +35,29 @@ TEST(Transport, ABarTakesTwoSecondsAtEveryRateAndHalfABeatIs7680Ticks) {
     }
     EXPECT_EQ(toText(placeOf(12000, 48000)), "1.1.07680");
     EXPECT_EQ(toText(placeOf(12000 - 1, 48000)), "1.1.07679");
+}
+
+TEST(Transport, TempoAndMeterCountBeatsAndStayInTheirRanges) {
+    const struct {
+        double tempo;
+        int beats, unit;
+        const char* atThreeSeconds;
+        Metre expected;
+    } rows[] = {{60, 3, 4, "2.1.00000", {60'000, 3, 4}},
+                {90, 6, 8, "1.5.07680", {90'000, 6, 8}},
+                {0, 0, 0, "2.1.00000", {20'000, 1, 1}},
+                {1e9, 99, 63, "1.50.14592", {999'000, 64, 32}}};
+    for (const auto& row : rows) {
+        Metre metre;
+        metre.setTempo(row.tempo);
+        metre.setTempo(std::nan(""));
+        metre.setMeter(row.beats, row.unit);
+        EXPECT_EQ(metre.packed(), row.expected.packed());
+        EXPECT_EQ(Metre::unpacked(metre.packed()).packed(), row.expected.packed());
+        EXPECT_EQ(toText(placeInMusic(3 * 44100, 44100, metre)), row.atThreeSeconds) << row.tempo;
+        const CMusicalContext music = musicalContext(0, 48000, metre);
+        EXPECT_EQ(music.m_meterDenominator, row.expected.beatUnit);
+    }
 }
 
 }  // namespace

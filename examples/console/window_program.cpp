@@ -13,7 +13,7 @@ namespace veltra::console {
 
 bool wantsWindow(const Options& options) {
     if (!options.picture.empty()) return true;
-    if (options.headless || options.terminal) return false;
+    if (options.headless || options.terminal || !options.bounce.empty()) return false;
     const auto isSet = [](const char* name) {
         const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): one thread
         return value != nullptr && *value != '\0';

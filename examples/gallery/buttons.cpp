@@ -9,7 +9,7 @@ namespace veltra::gallery {
 namespace {
 
 Specimen button(std::string caption, const char* title, ButtonCell::Kind kind,
-                std::function<void(Button&)> set, std::function<void(Window&)> drive = {}) {
+                const std::function<void(Button&)>& set, std::function<void(Window&)> drive = {}) {
     const bool isToggle = kind == ButtonCell::Kind::Toggle;
     const Size size = isToggle ? Size{32.0F, 24.0F} : Size{88.0F, 28.0F};
     return {std::move(caption), size,
@@ -27,11 +27,16 @@ Specimen button(std::string caption, const char* title, ButtonCell::Kind kind,
 
 Sheet buttonSheet() {
     using enum ButtonCell::Kind;
+    using enum ButtonCell::Style;
     const auto on = [](std::optional<Color> color) {
         return [color](Button& made) {
             made.buttonCell().setOnColor(color);
             made.setOn(true);
         };
+    };
+    const auto over = [](Window& window) { hover(window, {10.0F, 10.0F}); };
+    const auto styled = [](ButtonCell::Style style) {
+        return [style](Button& made) { made.buttonCell().setStyle(style); };
     };
     const auto disabled = [](Button& made) { made.setEnabled(false); };
     const auto pressed = [](Window& window) { press(window, {10.0F, 10.0F}); };
@@ -39,9 +44,12 @@ Sheet buttonSheet() {
     return {"buttons",
             "Buttons and switches",
             {{button("at rest", "Add files…", Momentary, {}),
+              button("under the pointer", "Add files…", Momentary, {}, over),
               button("pressed", "Add files…", Momentary, {}, pressed),
               button("focused", "Add files…", Momentary, {}, focus),
-              button("disabled", "Add files…", Momentary, disabled)},
+              button("disabled", "Add files…", Momentary, disabled),
+              button("primary", "Add files…", Momentary, styled(Primary)),
+              button("dangerous", "Crash", Momentary, styled(Danger))},
              {button("off", "M", Toggle, {}), button("mute", "M", Toggle, on(colors.mute)),
               button("pressed", "M", Toggle, on(colors.mute), pressed),
               button("focused", "M", Toggle, on(colors.mute), focus),

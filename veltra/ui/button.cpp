@@ -4,6 +4,7 @@
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/keyed_coder.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace veltra {
@@ -15,7 +16,12 @@ constexpr float kToggleRadius = 5.0F;
 constexpr float kMargin = 12.0F;
 constexpr float kHeight = 24.0F;
 
+constexpr float kIcon = 16.0F;
+constexpr float kIconGap = 8.0F;  // to the title
+
 constexpr float kPressed = 0.16F;  // how much darker what is on becomes
+constexpr float kHovered = 0.2F;   // how much lighter
+constexpr float kFaded = 0.55F;    // how far what is disabled goes towards the card
 
 constexpr char kOn[] = "CELL_ON";
 
@@ -56,24 +62,90 @@ void ButtonCell::performClick() {
     if (self) sendAction();
 }
 
-void ButtonCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
-    const Theme& colors = theme(view.effectiveAppearance());
-    const float radius = m_kind == Kind::Toggle ? kToggleRadius : kRadius;
-    StyledText text = attributedStringValue();
-    if (m_isOn && isEnabled()) {
-        const Color ground = m_onColor.value_or(colors.accent);
-        text.color = m_onColor ? inkOn(ground, colors) : colors.onAccent;
-        fillRounded(canvas, frame, radius,
-                    isHighlighted() ? ground.mixedWith(kBlack, kPressed) : ground);
-    } else {
-        drawPlate(canvas, frame, radius, isHighlighted() ? colors.controlPressed : colors.control,
-                  isEnabled() ? colors.edge : colors.line);
+void ButtonCell::setStyle(Style style) {
+    m_style = style;
+    setNeedsDisplay();
+}
+
+void ButtonCell::setIcon(Icon icon) {
+    m_icon = icon;
+    setNeedsDisplay();
+}
+
+void ButtonCell::setCornerRadius(std::optional<float> radius) {
+    m_radius = radius;
+    setNeedsDisplay();
+}
+
+float ButtonCell::cornerRadius() const noexcept {
+    return m_radius.value_or(m_kind == Kind::Toggle ? kToggleRadius : kRadius);
+}
+
+void ButtonCell::setHovered(bool isHovered) {
+    if (isHovered == m_isHovered) return;
+    m_isHovered = isHovered;
+    setNeedsDisplay();
+}
+
+ButtonCell::Paint ButtonCell::paint(const Theme& colors, Appearance appearance) const {
+    const bool isFilled = m_isOn || m_style == Style::Primary;
+    if (!isEnabled()) {
+        const Color ink = colors.text.mixedWith(colors.card, kFaded);
+        if (m_style == Style::Bare) return {std::nullopt, std::nullopt, ink};
+        return {colors.control.mixedWith(colors.card, 0.5F), colors.line, ink};
     }
-    canvas.drawText(text, frame, TextPlacement::Capitals);
+    if (isFilled) {
+        const bool isSoft = m_style == Style::Mode;
+        const Color ground = isSoft ? colors.accentSoft : m_onColor.value_or(colors.accent);
+        const Color light = isSoft && appearance == Appearance::Light ? colors.accent : kWhite;
+        const Color face = isHighlighted() ? ground.mixedWith(kBlack, kPressed)
+                           : m_isHovered   ? ground.mixedWith(light, kHovered)
+                                           : ground;
+        const Color ink = isSoft      ? colors.accent
+                          : m_onColor ? inkOn(ground, colors)
+                                      : colors.onAccent;
+        return {face, std::nullopt, ink};
+    }
+    // The letter of a switch that is off is quieter than the symbol of an act.
+    const bool isQuiet = m_style == Style::Bare || (m_kind == Kind::Toggle && m_icon == nullptr);
+    const Color ink = m_style == Style::Danger  ? colors.alert
+                      : isQuiet && !m_isHovered ? colors.label
+                                                : colors.text;
+    if (m_style == Style::Bare && !isHighlighted() && !m_isHovered)
+        return {std::nullopt, std::nullopt, ink};
+    const Color face = isHighlighted() ? colors.controlPressed
+                       : m_isHovered   ? colors.controlHover
+                                       : colors.control;
+    if (m_style == Style::Bare) return {face, std::nullopt, ink};
+    return {face, colors.edge, ink};
+}
+
+void ButtonCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {
+    const Appearance appearance = view.effectiveAppearance();
+    const Paint paint = this->paint(theme(appearance), appearance);
+    const float radius = cornerRadius();
+    if (paint.face) fillRounded(canvas, frame, radius, *paint.face);
+    if (paint.edge) strokeRounded(canvas, frame, radius, *paint.edge);
+    StyledText text = attributedStringValue();
+    text.color = paint.ink;
+    Rect place = frame;
+    if (m_icon != nullptr) {
+        const float title = text.isEmpty() ? 0.0F : text.size().width + kIconGap;
+        const float left = frame.center().x - (kIcon + title) * 0.5F;
+        const float half = canvas.isFlipped() ? -kIcon * 0.5F : kIcon * 0.5F;
+        m_icon(canvas, {left, frame.center().y + half}, paint.ink);
+        const float taken = left + kIcon + kIconGap - frame.minX();
+        place = {{frame.minX() + taken, frame.minY()},
+                 {std::max(frame.size.width - taken, 0.0F), frame.size.height}};
+        text.alignment = TextAlignment::Left;
+    }
+    canvas.drawText(text, place, TextPlacement::Capitals);
 }
 
 Size ButtonCell::cellSizeForBounds(const Rect& bounds) const {
-    const float width = std::ceil(attributedStringValue().size().width) + 2.0F * kMargin;
+    const StyledText text = attributedStringValue();
+    const float icon = m_icon == nullptr ? 0.0F : kIcon + (text.isEmpty() ? 0.0F : kIconGap);
+    const float width = std::ceil(text.size().width) + icon + 2.0F * kMargin;
     return {std::min(width, bounds.size.width), std::min(kHeight, bounds.size.height)};
 }
 
@@ -134,6 +206,18 @@ Button::Button(const Rect& frame, std::string_view title, ButtonCell::Kind kind)
 void Button::keyDown(const Event& event) {
     if (isPressKey(event)) return performClick();
     Control::keyDown(event);
+}
+
+void Button::mouseEntered(const Event& /*event*/) {
+    buttonCell().setHovered(true);
+}
+
+void Button::mouseExited(const Event& /*event*/) {
+    buttonCell().setHovered(false);
+}
+
+std::optional<View::FocusShape> Button::focusShape() const {
+    return FocusShape{bounds(), buttonCell().cornerRadius()};
 }
 
 Cursor Button::cursorAt(Point /*point*/) const {

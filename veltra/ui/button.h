@@ -5,7 +5,9 @@
 #pragma once
 
 #include "veltra/ui/control.h"
+#include "veltra/ui/theme.h"
 
+#include <optional>
 #include <string>
 
 namespace veltra {
@@ -13,6 +15,15 @@ namespace veltra {
 class VELTRA_EXPORT ButtonCell : public Cell {
 public:
     enum class Kind : std::uint8_t { Momentary, Toggle };
+    enum class Style : std::uint8_t {
+        Plain,
+        Primary,  // what most users will press next; one in each part of a window
+        Danger,   // what cannot be undone
+        Mode,     // a toggle whose being on is a state rather than an act, shown softly
+        Bare,     // no face at rest: a symbol among text
+    };
+    // Draws a symbol that fills a square of 16 points.
+    using Icon = void (*)(Canvas& canvas, Point upperLeft, Color color);
 
     explicit ButtonCell(std::string_view title = {}, Kind kind = Kind::Momentary);
 
@@ -22,6 +33,18 @@ public:
     void setOn(bool isOn);
     // The face when it is on; at first, and for nothing, the accent colour.
     void setOnColor(std::optional<Color> color);
+
+    Style style() const noexcept { return m_style; }
+    void setStyle(Style style);
+    // Stands before the title, or alone in the middle. Null, as at first: none.
+    void setIcon(Icon icon);
+    // Of the corners, in points. Nothing, as at first: 6, for toggles 5.
+    float cornerRadius() const noexcept;
+    void setCornerRadius(std::optional<float> radius);
+
+    // Whether the pointer is on it, which its control tells.
+    bool isHovered() const noexcept { return m_isHovered; }
+    void setHovered(bool isHovered);
 
     // As if it had been clicked: a toggle changes, then the action is sent. Nothing when disabled.
     void performClick();
@@ -48,7 +71,18 @@ public:
     bool performAccessibilityAction(AccessibilityAction action) override;
 
 private:
+    struct Paint {
+        std::optional<Color> face;
+        std::optional<Color> edge;
+        Color ink;
+    };
+    Paint paint(const Theme& colors, Appearance appearance) const;
+
     const Kind m_kind;
+    Style m_style = Style::Plain;
+    Icon m_icon = nullptr;
+    std::optional<float> m_radius;
+    bool m_isHovered = false;
     bool m_isOn = false;
     bool m_isHot = false;  // the press is on it: letting go counts
     std::optional<Color> m_onColor;
@@ -67,7 +101,10 @@ public:
 
     bool acceptsFirstResponder() const override { return isEnabled(); }
     void keyDown(const Event& event) override;
+    void mouseEntered(const Event& event) override;
+    void mouseExited(const Event& event) override;
     Cursor cursorAt(Point point) const override;
+    std::optional<FocusShape> focusShape() const override;
 };
 
 }  // namespace veltra

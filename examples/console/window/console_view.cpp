@@ -1,184 +1,230 @@
 // SPDX-License-Identifier: MIT
 #include "console_view.h"
 
-#include "veltra/audio/key_code_converter.h"
-#include "veltra/ui/canvas.h"
+#include "veltra/ui/drawing.h"
+#include "veltra/ui/window.h"
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 
 namespace veltra::console {
 
 namespace {
 
-constexpr float kMargin = 16.0F;
-constexpr float kGap = 10.0F;
-constexpr float kHeaderHeight = 64.0F;
-constexpr float kOutputWidth = 104.0F;
-constexpr float kWindowHeight = 500.0F;
-constexpr float kLeastStripsWidth = 414.0F;
-constexpr float kMostStripsWidth = 1104.0F;
-constexpr float kAddWidth = 104.0F;
-constexpr float kScrollStep = 60.0F;
+constexpr float kWindowHeight = 720.0F;
+constexpr float kLeastWidth = 800.0F;
+constexpr float kMostWidth = 1440.0F;
+constexpr float kBridgeRoom = StripBridge::kHeight + 8.0F;
+constexpr float kMessageGap = 12.0F;
+constexpr float kMessageRoom = MessageBar::kHeight + kMessageGap;
 
-class FlippedBox final : public View {
-public:
-    using View::View;
-    bool isFlipped() const override { return true; }
+// What goes around the cards.
+struct Margins {
+    float side;
+    float beforeOutput;
+    float output;  // its width
+    float foot;
 };
+
+Margins marginsFor(CardKind kind) {
+    if (kind == CardKind::Mini) return {12.0F, 8.0F, 104.0F, 8.0F};
+    if (kind == CardKind::Low) return {16.0F, 12.0F, 128.0F, 16.0F};
+    return {16.0F, 16.0F, 168.0F, 16.0F};
+}
 
 }  // namespace
 
 ConsoleView::ConsoleView(const Rect& frame, ConsoleDelegate& delegate)
     : View(frame),
-      m_delegate(delegate),
-      m_transport(addSubview(
-          std::make_unique<TransportView>(Rect{{kMargin, 10.0F}, TransportView::kSize}))),
-      m_outputName(addSubview(std::make_unique<Label>(
-          Rect{}, Font::systemFont(12.0F), SystemColor::SecondaryLabel, TextAlignment::Right))),
-      m_add(addSubview(std::make_unique<Button>(Rect{}, "Add files\u2026"))),
-      m_reading(addSubview(std::make_unique<ReadingLine>(Rect{}))),
-      m_box(addSubview(std::make_unique<FlippedBox>(Rect{}))),
-      m_hint(addSubview(std::make_unique<Label>(
-          Rect{}, Font::systemFont(15.0F), SystemColor::SecondaryLabel, TextAlignment::Center))),
-      m_output(
-          addSubview(std::make_unique<MeterBridge>(Rect{}, 2, channelPlan(std::array<int, 2>{})))),
-      m_messages(addSubview(std::make_unique<MessageBar>(Rect{}))) {
-    m_add.setTarget(this);
-    m_add.setAction(action<&ConsoleView::addWasPressed>());
-    const auto shortcut =
-        QKKeyCodeConverter::humandReadableStringForKeyChar(u'o', QKKeyCodeConverter::kControl);
-    m_add.toolTips().addToolTipRect({{}, {kAddWidth, 100.0F}},
-                                    "Add audio files (" + shortcut.value_or("") + ")");
-    m_hint.setText("Drop audio files here, or choose Add files\u2026");
-    m_output.setName("Output");
+      m_bar(addSubview(std::make_unique<TopBar>(delegate))),
+      m_row(addSubview(std::make_unique<StripRow>(delegate))),
+      m_empty(addSubview(std::make_unique<DropView>(delegate))),
+      m_output(addSubview(std::make_unique<OutputView>(delegate))),
+      m_bridge(addSubview(std::make_unique<StripBridge>())),
+      m_messages(addSubview(std::make_unique<MessageBar>(delegate))) {
+    m_bar.setClipsAction(this, action<&ConsoleView::clearClips>());
+    m_bridge.setTarget(this);
+    m_bridge.setAction(action<&ConsoleView::bridgeWasMoved>());
     layOut();
 }
 
 Size ConsoleView::sizeForStrips(std::span<const StripState> strips) {
-    float width = 0.0F;
-    for (const StripState& strip : strips)
-        width += StripView::widthFor(strip.format) + kGap;
-    return {2.0F * kMargin + std::clamp(width, kLeastStripsWidth, kMostStripsWidth) + kGap +
-                kOutputWidth,
-            kWindowHeight};
-}
-
-Rect ConsoleView::stripsRect() const {
-    return {{kMargin, kHeaderHeight},
-            {bounds().size.width - 2.0F * kMargin - 2.0F * kGap - kOutputWidth,
-             bounds().size.height - kHeaderHeight - kMargin - m_messageHeight}};
-}
-
-void ConsoleView::frameDidChange() {
-    layOut();
+    const Margins margins = marginsFor(CardKind::Full);
+    float width = 2.0F * margins.side + margins.beforeOutput + margins.output - StripRow::kGap;
+    for (const StripState& strip : strips) {
+        // A little more than the least: bars and waveforms like it.
+        width += StripView::leastWidth(strip.format, CardKind::Full) + 8.0F + StripRow::kGap;
+    }
+    return {std::clamp(width, kLeastWidth, kMostWidth), kWindowHeight};
 }
 
 void ConsoleView::layOut() {
-    const float right = bounds().size.width - kMargin;
-    m_add.setFrame({{right - kAddWidth, 20.0F}, {kAddWidth, 24.0F}});
-    const float nameLeft = m_transport.frame().maxX() + kGap;
-    m_outputName.setFrame(
-        {{nameLeft, 20.0F}, {std::max(right - kAddWidth - kGap - nameLeft, 0.0F), 24.0F}});
-    const Rect strips = stripsRect();
-    m_reading.setFrame({{kMargin, kHeaderHeight - 2.0F * ReadingLine::kHeight},
-                        {right - kMargin, ReadingLine::kHeight}});
-    m_box.setFrame(strips);
-    m_hint.setFrame(strips);
-    m_output.setFrame({{right - kOutputWidth + kGap, strips.minY() + 50.0F},
-                       {kOutputWidth - 2.0F * kGap, strips.size.height - 60.0F}});
-    m_messages.setFrame({{0.0F, bounds().size.height - MessageBar::kHeight},
-                         {bounds().size.width, MessageBar::kHeight}});
-    float needed = -kGap;
-    for (const StripView* const strip : m_strips)
-        needed += strip->frame().size.width + kGap;
-    m_scrolled = std::clamp(m_scrolled, 0.0F, std::max(needed - strips.size.width, 0.0F));
-    float left = -m_scrolled;
-    for (StripView* const strip : m_strips) {
-        strip->setFrame({{left, 0.0F}, {strip->frame().size.width, strips.size.height}});
-        left += strip->frame().size.width + kGap;
-    }
-}
-
-void ConsoleView::matchStrips(const ConsoleState& state) {
-    const auto isGone = [&state](StripView* view) {
-        return std::none_of(state.strips.begin(), state.strips.end(),
-                            [view](const auto& strip) { return strip.key == view->key(); });
+    const Size size = bounds().size;
+    const float bar = TopBar::heightIn(size);
+    m_bar.setFrame({{}, {size.width, bar}});
+    const float messages = m_messages.isHidden() ? 0.0F : kMessageRoom;
+    const auto kindWith = [&](float taken) {
+        const float room = size.height - bar - messages - taken;
+        const CardKind kind = cardKind(room - 16.0F);
+        return kind == CardKind::Mini ? cardKind(room - 8.0F) : kind;
     };
-    const std::size_t before = m_strips.size();
-    for (StripView* const view : m_strips) {
-        if (isGone(view)) view->setHidden(true);
+    const auto areaIn = [&](CardKind kind) {
+        const Margins around = marginsFor(kind);
+        return size.width - 2.0F * around.side - around.beforeOutput - around.output;
+    };
+    // Strips that do not fit get the bridge below them. That may leave lower cards, which are
+    // narrower: as narrow as they may be only where that does not let all of them fit.
+    const CardKind without = kindWith(0.0F);
+    const CardKind with = kindWith(kBridgeRoom);
+    const bool hasBridge = !StripRow::doFit(m_known, areaIn(without), without);
+    const bool isNarrow = hasBridge && !StripRow::doFit(m_known, areaIn(with), with);
+    const CardKind narrowest = isNarrow ? with : without;
+    const Margins margins = marginsFor(hasBridge ? with : without);
+
+    float foot = size.height - margins.foot;
+    if (!m_messages.isHidden()) {
+        m_messages.setFrame({{margins.side, foot - MessageBar::kHeight},
+                             {size.width - 2.0F * margins.side, MessageBar::kHeight}});
+        foot -= kMessageRoom;
     }
-    std::erase_if(m_strips, [&isGone](StripView* view) {
-        if (!isGone(view)) return false;
-        view->removeFromSuperview();
-        return true;
-    });
-    bool isChanged = before != m_strips.size();
-    for (std::size_t i = m_strips.size(); i < state.strips.size(); ++i) {
-        const float width = StripView::widthFor(state.strips[i].format);
-        const Rect frame{{}, {width, m_box.bounds().size.height}};
-        m_strips.push_back(
-            &m_box.addSubview(std::make_unique<StripView>(frame, state.strips[i], m_delegate)));
-        isChanged = true;
+    m_bridge.setHidden(!hasBridge);
+    if (hasBridge) {
+        m_bridge.setFrame({{margins.side, foot - StripBridge::kHeight},
+                           {size.width - 2.0F * margins.side, StripBridge::kHeight}});
+        foot -= kBridgeRoom;
     }
-    if (isChanged) layOut();
-    m_hint.setHidden(!m_strips.empty());
+    const float height = std::max(foot - bar, 0.0F);
+    const float right = size.width - margins.side;
+    const float outputLeft = right - margins.output;
+    m_output.setFrame({{outputLeft, bar}, {margins.output, height}});
+    const Rect strips{{margins.side, bar},
+                      {std::max(outputLeft - margins.beforeOutput - margins.side, 0.0F), height}};
+    m_row.setNarrowest(narrowest);
+    m_row.setFrame(strips);
+    m_empty.setFrame(strips);
+    m_row.setHidden(m_known.empty());
+    m_empty.setHidden(!m_known.empty());
+    m_bridge.setSight(m_row.first(), m_row.inSight());
 }
 
-void ConsoleView::makeRoomForMessages() {
-    const float height = m_messages.isHidden() ? 0.0F : MessageBar::kHeight;
-    if (height == m_messageHeight) return;
-    m_messageHeight = height;
+void ConsoleView::layOutAgain() {
     layOut();
     setNeedsDisplay();
 }
 
 void ConsoleView::update(const ConsoleState& state) {
-    makeRoomForMessages();
-    matchStrips(state);
-    for (std::size_t i = 0; i < m_strips.size(); ++i)
-        m_strips[i]->update(state.strips[i]);
-    m_output.setPeaks(state.outputPeaks);
-    m_transport.update(state.place, state.seconds);
-    m_outputName.setText(state.outputName);
-    m_reading.update(state.reading);
+    const bool isSame =
+        std::equal(m_known.begin(), m_known.end(), state.strips.begin(), state.strips.end(),
+                   [](const StripState& a, const StripState& b) { return a.key == b.key; });
+    const bool hasMessage = !m_messages.isHidden();
+    if (!isSame || hasMessage != m_hadMessage) {
+        m_hadMessage = hasMessage;
+        m_known.clear();
+        for (const StripState& strip : state.strips) {
+            StripState& known = m_known.emplace_back();
+            known.key = strip.key;
+            known.format = strip.format;
+        }
+        layOutAgain();
+    }
+    m_row.update(state);
+    m_output.update(state);
+    using Squares = std::span<const float>;
+    for (std::size_t i = 0; i < state.strips.size(); ++i)
+        m_row.strips()[i]->setSquares(m_showsRms ? Squares(state.strips[i].squares) : Squares());
+    m_output.setSquares(m_showsRms ? Squares(state.outputSquares) : Squares());
+    int clips = m_output.hasClipped() ? 1 : 0;
+    std::vector<StripBridge::Column> columns;
+    for (const StripView* const strip : m_row.strips()) {
+        if (strip->hasClipped()) ++clips;
+        columns.push_back({static_cast<int>(std::lround(std::min(strip->shownLevel(), 1.0F) *
+                                                        static_cast<float>(StripBridge::kSteps))),
+                           strip->hasClipped()});
+    }
+    m_bar.update(state, clips);
+    m_bridge.setColumns(std::move(columns));
+    m_bridge.setSight(m_row.first(), m_row.inSight());
 }
 
 void ConsoleView::addMessage(const std::string& message) {
     m_messages.add(message);
-    makeRoomForMessages();
+    m_hadMessage = true;
+    layOutAgain();
+}
+
+void ConsoleView::offerUndo(const std::string& what) {
+    m_messages.offerUndo(what);
+    m_hadMessage = true;
+    layOutAgain();
+}
+
+void ConsoleView::withdrawUndo() {
+    m_messages.withdrawUndo();
+    m_hadMessage = !m_messages.isHidden();
+    layOutAgain();
+}
+
+bool ConsoleView::closeMessage() {
+    const bool isClosed = m_messages.close();
+    m_hadMessage = !m_messages.isHidden();
+    if (isClosed) layOutAgain();
+    return isClosed;
 }
 
 void ConsoleView::setDropTarget(bool isDropTarget) {
     if (isDropTarget == m_isDropTarget) return;
     m_isDropTarget = isDropTarget;
+    m_empty.setDropTarget(isDropTarget);
+    m_row.setDropTarget(isDropTarget);
     setNeedsDisplay();
 }
 
-void ConsoleView::scrollWheel(const Event& event) {
-    m_scrolled -= (event.deltaX != 0.0F ? event.deltaX : event.deltaY) * kScrollStep;
-    layOut();
+void ConsoleView::clearClips() {
+    for (StripView* const strip : m_row.strips())
+        strip->clearClips();
+    m_output.clearClips();
 }
 
-void ConsoleView::drawRect(Canvas& canvas, const Rect& dirty) {
-    canvas.fillRect(dirty, systemColor(SystemColor::WindowBackground));
-    const Rect strips = stripsRect();
-    const StyledText output{"Output", Font::systemFont(13.0F, FontWeight::Bold),
-                            systemColor(SystemColor::Label), TextAlignment::Center};
-    canvas.drawText(output, {{m_output.frame().minX(), strips.minY() + 9.0F},
-                             {m_output.frame().size.width, 18.0F}});
-    const float line = 1.0F / canvas.scale();
-    canvas.fillRect({{strips.maxX() + kGap, strips.minY()}, {line, strips.size.height}},
-                    systemColor(SystemColor::Separator));
-    if (m_isDropTarget) {
-        canvas.strokePath(Path::roundedRect(strips.inset(-4.0F, -4.0F), 10.0F),
-                          systemColor(SystemColor::Accent), 2.0F);
+bool ConsoleView::isInside(const View& part) const {
+    const auto* view =
+        window() != nullptr ? dynamic_cast<View*>(window()->firstResponder()) : nullptr;
+    while (view != nullptr && view != &part)
+        view = view->superview();
+    return view != nullptr;
+}
+
+void ConsoleView::focusNextPart() {
+    const View* const parts[] = {&m_bar, &m_row, &m_output, &m_messages};
+    int present = -1;
+    for (int i = 0; i < 4; ++i) {
+        if (isInside(*parts[i])) present = i;
+    }
+    if (isInside(m_empty)) present = 1;
+    for (int step = 1; step <= 4; ++step) {
+        const int part = (present + step) % 4;
+        const bool isTaken = part == 0   ? m_bar.takeKeyboard()
+                             : part == 1 ? m_row.takeKeyboard() || m_empty.takeKeyboard()
+                             : part == 2 ? m_output.takeKeyboard()
+                                         : m_messages.takeKeyboard();
+        if (isTaken) return;
     }
 }
 
-void ConsoleView::addWasPressed() {
-    m_delegate.addFilesWasPressed();
+void ConsoleView::bridgeWasMoved() {
+    m_row.scrollTo(m_bridge.first());
+    m_bridge.setSight(m_row.first(), m_row.inSight());
+}
+
+void ConsoleView::mouseMoved(const Event& event) {
+    if (!mouseInRect(locationOf(event), m_row.frame(), true)) m_row.setHovered(nullptr);
+    View::mouseMoved(event);
+}
+
+void ConsoleView::drawRect(Canvas& canvas, const Rect& dirty) {
+    const Theme& colors = theme(effectiveAppearance());
+    canvas.fillRect(dirty, colors.window);
+    if (m_isDropTarget && !m_row.isHidden())
+        strokeRounded(canvas, m_row.frame().inset(-4.0F, -4.0F), 12.0F, colors.accent, 2.0F);
 }
 
 }  // namespace veltra::console

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "console_delegate.h"
+#include "drop_view.h"
 #include "message_bar.h"
-#include "reading_line.h"
-#include "strip_view.h"
-#include "transport_view.h"
+#include "output_view.h"
+#include "strip_bridge.h"
+#include "strip_row.h"
+#include "top_bar.h"
 
 #include <span>
-#include <vector>
 
 namespace veltra::console {
 
@@ -25,36 +26,48 @@ public:
     // Shows the state. Only what differs from the state before is drawn again.
     void update(const ConsoleState& state);
     void addMessage(const std::string& message);
+    void offerUndo(const std::string& what);
+    void withdrawUndo();
+    // Closes the bar at the foot. Returns false when there is none.
+    bool closeMessage();
     // Shown while files are dragged over the window.
     void setDropTarget(bool isDropTarget);
+    void clearClips();
+    // Whether meters show RMS levels, too.
+    bool showsRms() const noexcept { return m_showsRms; }
+    void setShowsRms(bool shows) { m_showsRms = shows; }
+    // Gives the keyboard to the next part: transport, strips, output, messages.
+    void focusNextPart();
 
     bool isFlipped() const override { return true; }
     void drawRect(Canvas& canvas, const Rect& dirty) override;
-    void scrollWheel(const Event& event) override;
+    void mouseMoved(const Event& event) override;
+
+    // What tests measure.
+    const StripRow& row() const noexcept { return m_row; }
+    StripRow& row() noexcept { return m_row; }
+    const OutputView& output() const noexcept { return m_output; }
+    const StripBridge& bridge() const noexcept { return m_bridge; }
 
 protected:
-    void frameDidChange() override;
+    void frameDidChange() override { layOut(); }
 
 private:
-    void addWasPressed();
+    void bridgeWasMoved();
     void layOut();
-    void makeRoomForMessages();
-    void matchStrips(const ConsoleState& state);
-    Rect stripsRect() const;
+    void layOutAgain();
+    bool isInside(const View& part) const;
 
-    ConsoleDelegate& m_delegate;
-    TransportView& m_transport;
-    Label& m_outputName;
-    Button& m_add;
-    ReadingLine& m_reading;
-    View& m_box;  // what the strips scroll in
-    Label& m_hint;
-    MeterBridge& m_output;
+    TopBar& m_bar;
+    StripRow& m_row;
+    DropView& m_empty;
+    OutputView& m_output;
+    StripBridge& m_bridge;
     MessageBar& m_messages;
-    std::vector<StripView*> m_strips;  // subviews of the box
-    float m_scrolled = 0.0F;           // points to the right
-    float m_messageHeight = 0.0F;
+    std::vector<StripState> m_known;  // their formats decide on the layout
+    bool m_hadMessage = false;
     bool m_isDropTarget = false;
+    bool m_showsRms = false;
 };
 
 }  // namespace veltra::console

@@ -3,6 +3,8 @@
 
 #include "../interruption.h"
 #include "../requests.h"
+#include "../text.h"
+#include "settings.h"
 #include "veltra/infrastructure/timer.h"
 
 #include <QAction>
@@ -10,13 +12,18 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QUrl>
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
 
 namespace veltra::console {
 
 namespace {
 
 constexpr double kFramesPerSecond = 60.0;
+constexpr std::uint32_t kBlocks[] = {128, 256, 512, 1024, 2048};
 constexpr char kFileFilter[] =
     "Audio files (*.wav *.wave *.aif *.aiff *.aifc *.flac *.ogg *.oga *.opus *.mp3 *.au *.caf "
     "*.w64);;"
@@ -24,6 +31,14 @@ constexpr char kFileFilter[] =
 
 std::string pathOf(const QString& name) {
     return name.toLocal8Bit().toStdString();
+}
+
+QString textOf(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+std::string nameOf(const std::string& path) {
+    return printable(std::filesystem::path(path).stem().string());
 }
 
 }  // namespace
@@ -43,31 +58,65 @@ private:
 };
 
 ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
-    const Size size = ConsoleView::sizeForStrips(m_player.look().strips);
+    const Size size =
+        Settings::windowSize().value_or(ConsoleView::sizeForStrips(m_player.look().strips));
     auto view = std::make_unique<ConsoleView>(Rect{{}, size}, *this);
     m_view = view.get();
     setContentView(std::move(view));
+    const QSize room = screen()->availableSize();
+    resize(std::min(static_cast<int>(size.width), room.width()),
+           std::min(static_cast<int>(size.height), room.height()));
     setWindowTitle(QStringLiteral("Veltra Console"));
     setMinimumSize(460, 320);
     setAcceptDrops(true);
     // The right button and the menu key show them; their keys work without the menu.
     setContextMenuPolicy(Qt::ActionsContextMenu);
+    offerActions();
+    m_beat = std::make_unique<Beat>(*this);
+}
+
+ConsoleWidget::~ConsoleWidget() {
+    Settings::setWindowSize({static_cast<float>(width()), static_cast<float>(height())});
+}
+
+void ConsoleWidget::offerActions() {
     const auto offer = [this](const char* name, const QKeySequence& keys, auto reaction) {
         auto* const entry = new QAction(QString::fromUtf8(name), this);
         entry->setShortcut(keys);
         connect(entry, &QAction::triggered, this, reaction);
         addAction(entry);
+        return entry;
     };
+    const auto line = [this] {
+        auto* const entry = new QAction(this);
+        entry->setSeparator(true);
+        addAction(entry);
+    };
+    offer("&Play or stop", Qt::Key_Space, [this] { playWasSwitched(!m_player.look().playing); });
+    offer("&Return to start", Qt::Key_Home, [this] { placeWasChosen(0.0); });
+    offer("&Loop", Qt::Key_L, [this] { loopWasSwitched(!m_player.look().looping); });
+    line();
     offer("&Add files\u2026", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
-    offer("&Stop reading waveforms", QKeySequence(Qt::Key_Escape),
-          [this] { m_player.stopReading(); });
+    auto* const recent = offer("Add recent &file", {}, [] {});
+    auto* const files = new QMenu(this);
+    recent->setMenu(files);
+    connect(files, &QMenu::aboutToShow, this, [this, files] { showRecent(*files); });
+    offer("&Undo removal", QKeySequence(Qt::CTRL | Qt::Key_Z), [this] { undoWasPressed(); });
+    offer("Reset clip li&ghts", Qt::Key_C, [this] { m_view->clearClips(); });
+    auto* const rms = offer("Meters show R&MS levels, too", {}, [this](bool shows) {
+        m_view->setShowsRms(shows);
+        Settings::setShowsRms(shows);
+    });
+    rms->setCheckable(true);
+    rms->setChecked(Settings::showsRms());
+    m_view->setShowsRms(Settings::showsRms());
+    offer("&Next part of the window", Qt::Key_F6, [this] { m_view->focusNextPart(); });
+    line();
+    offer("&Stop reading waveforms", Qt::Key_Escape, [this] { escape(); });
     offer("Show a &crash report\u2026", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E),
           [] { demonstrateException(); });
-    offer("A&bout Veltra Console", QKeySequence(Qt::Key_F1), [this] { showAbout(); });
-    m_beat = std::make_unique<Beat>(*this);
+    offer("A&bout Veltra Console", Qt::Key_F1, [this] { showAbout(); });
 }
-
-ConsoleWidget::~ConsoleWidget() = default;
 
 void ConsoleWidget::refresh() {
     if (isInterrupted()) close();
@@ -80,17 +129,47 @@ void ConsoleWidget::tell(const std::string& problem) {
     if (!problem.empty()) m_view->addMessage(problem);
 }
 
+// Closes what lies on top first.
+void ConsoleWidget::escape() {
+    if (!m_view->closeMessage()) m_player.stopReading();
+}
+
 void ConsoleWidget::showAbout() {
     auto* const box = new QMessageBox(QMessageBox::Information, QStringLiteral("About"),
-                                      QString::fromStdString(aboutText()), QMessageBox::Ok, this);
+                                      textOf(aboutText()), QMessageBox::Ok, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }
 
+void ConsoleWidget::allMessagesWerePressed(const std::vector<std::string>& messages) {
+    std::string all;
+    for (const std::string& message : messages)
+        all += message + '\n';
+    auto* const box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Messages"), textOf(all),
+                                      QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box->open();
+}
+
+// Files.
+
 void ConsoleWidget::addFiles(const std::vector<std::string>& paths) {
-    for (const std::string& path : paths)
-        tell(m_player.add(path));
+    for (const std::string& path : paths) {
+        const std::string problem = m_player.add(path);
+        tell(problem);
+        std::error_code error;
+        if (problem.empty())
+            Settings::addRecentFile(std::filesystem::absolute(path, error).string());
+    }
     refresh();
+}
+
+void ConsoleWidget::showRecent(QMenu& menu) {
+    menu.clear();
+    for (const std::string& path : Settings::recentFiles())
+        menu.addAction(textOf(printable(path)), this, [this, path] { addFiles({path}); });
+    if (menu.isEmpty()) menu.addAction(QStringLiteral("None yet"))->setEnabled(false);
 }
 
 void ConsoleWidget::addFilesWasPressed() {
@@ -108,17 +187,165 @@ void ConsoleWidget::addFilesWasPressed() {
 }
 
 void ConsoleWidget::removeStripWasPressed(StripKey key) {
+    const auto& strips = m_player.look().strips;
+    const auto strip = std::find_if(strips.begin(), strips.end(),
+                                    [key](const StripState& each) { return each.key == key; });
+    if (strip == strips.end()) return;
+    const std::string name = nameOf(strip->path);
     m_player.remove(key);
+    m_view->offerUndo(name);
     refresh();
+}
+
+void ConsoleWidget::undoWasPressed() {
+    m_player.undoRemove();
+    m_view->withdrawUndo();
+    refresh();
+}
+
+void ConsoleWidget::stripWasMoved(StripKey key, int place) {
+    m_player.move(key, place);
+    refresh();
+}
+
+// Menus.
+
+QPoint ConsoleWidget::below(const View& view) const {
+    const Rect rect = view.convertRectToView(view.bounds(), nullptr);
+    return mapToGlobal(
+        QPoint(static_cast<int>(rect.minX()), height() - static_cast<int>(rect.minY()) + 4));
+}
+
+QMenu* ConsoleWidget::popUp(const View& view) {
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(below(view));
+    return menu;
+}
+
+void ConsoleWidget::stripMenuWasPressed(StripKey key, View& button) {
+    const auto& strips = m_player.look().strips;
+    const auto strip = std::find_if(strips.begin(), strips.end(),
+                                    [key](const StripState& each) { return each.key == key; });
+    if (strip == strips.end()) return;
+    const auto place = static_cast<int>(strip - strips.begin());
+    const bool isLast = place + 1 == static_cast<int>(strips.size());
+    QMenu* const menu = popUp(button);
+    const auto offer = [&](const char* name, bool isEnabled, auto reaction) {
+        menu->addAction(QString::fromUtf8(name), this, reaction)->setEnabled(isEnabled);
+    };
+    offer("Move to the &left", place > 0, [=, this] { stripWasMoved(key, place - 1); });
+    offer("Move to the &right", !isLast, [=, this] { stripWasMoved(key, place + 1); });
+    offer("Gain and pan as at &first", strip->gainDecibels != 0.0 || strip->pan != 0.0, [=, this] {
+        gainWasSet(key, 0.0);
+        panWasSet(key, 0.0);
+    });
+    menu->addSeparator();
+    offer("Re&move", true, [=, this] { removeStripWasPressed(key); });
+}
+
+void ConsoleWidget::chooseDevice(const std::string& id, std::uint32_t blockFrames) {
+    m_device = id;
+    m_blockFrames = blockFrames;
+    tell(m_player.chooseDevice(id, 0, blockFrames));
+    refresh();
+}
+
+void ConsoleWidget::deviceMenuWasPressed(View& button) {
+    const std::vector<DeviceInfo> devices = m_player.devices();
+    QMenu* const menu = popUp(button);
+    const auto offer = [this](QMenu& where, const QString& name, bool isChosen,
+                              const std::string& id, std::uint32_t block) {
+        QAction* const entry =
+            where.addAction(name, this, [this, id, block] { chooseDevice(id, block); });
+        entry->setCheckable(true);
+        entry->setChecked(isChosen);
+    };
+    offer(*menu, QStringLiteral("The default device"), m_device == "auto", "auto", m_blockFrames);
+    for (const DeviceInfo& device : devices)
+        offer(*menu, textOf(printable(device.name)), m_device == device.id, device.id,
+              m_blockFrames);
+    offer(*menu, QStringLiteral("None: play in silence"), m_device == "null", "null",
+          m_blockFrames);
+    QMenu* const sizes = menu->addMenu(QStringLiteral("Buffer"));
+    offer(*sizes, QStringLiteral("The device's own"), m_blockFrames == 0, m_device, 0);
+    for (const std::uint32_t block : kBlocks)
+        offer(*sizes, QStringLiteral("%1 frames").arg(block), m_blockFrames == block, m_device,
+              block);
+}
+
+// The desk and the transport.
+
+void ConsoleWidget::gainWasSet(StripKey key, double decibels) {
+    m_player.setGain(key, decibels);
+}
+
+void ConsoleWidget::panWasSet(StripKey key, double pan) {
+    m_player.setPan(key, pan);
 }
 
 void ConsoleWidget::muteWasSwitched(StripKey key, bool muted) {
     m_player.setMuted(key, muted);
 }
 
-void ConsoleWidget::playAgainWasPressed(StripKey key) {
-    tell(m_player.playAgain(key));
+void ConsoleWidget::soloWasSwitched(StripKey key, bool soloed) {
+    m_player.setSoloed(key, soloed);
+}
+
+std::int64_t ConsoleWidget::framesOf(double seconds) const {
+    return std::llround(seconds * m_player.look().rate);
+}
+
+void ConsoleWidget::playWasSwitched(bool playing) {
+    m_player.setPlaying(playing);
     refresh();
+}
+
+void ConsoleWidget::placeWasChosen(double seconds) {
+    m_player.locate(framesOf(seconds));
+    refresh();
+}
+
+// Where no loop has been drawn it is all of the longest file.
+void ConsoleWidget::loopWasSwitched(bool looping) {
+    const ConsoleState& state = m_player.look();
+    std::int64_t begin = state.loopBegin;
+    std::int64_t end = state.loopEnd;
+    if (looping && end <= begin) {
+        begin = 0;
+        for (const StripState& strip : state.strips) {
+            const double length =
+                static_cast<double>(strip.meter.framesTotal) / std::max(strip.format.rate, 1);
+            end = std::max<std::int64_t>(end, std::llround(length * state.rate));
+        }
+    }
+    m_player.setLoop(looping, begin, end);
+    refresh();
+}
+
+void ConsoleWidget::loopWasChosen(double begin, double end) {
+    m_player.setLoop(true, framesOf(begin), framesOf(end));
+    refresh();
+}
+
+void ConsoleWidget::tempoWasSet(double beatsPerMinute) {
+    m_player.setTempo(beatsPerMinute);
+}
+
+void ConsoleWidget::outputGainWasSet(double decibels) {
+    m_player.setOutputGain(decibels);
+}
+
+void ConsoleWidget::outputBalanceWasSet(double balance) {
+    m_player.setOutputBalance(balance);
+}
+
+void ConsoleWidget::dimWasSwitched(bool dimmed) {
+    m_player.setDimmed(dimmed);
+}
+
+void ConsoleWidget::monoWasSwitched(bool mono) {
+    m_player.setMono(mono);
 }
 
 bool ConsoleWidget::event(QEvent* event) {

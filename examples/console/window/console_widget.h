@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The console's window as Qt shows it: dialogs, files that are dropped, and the beat of the
-// redraws.
+// The console's window as Qt shows it: menus and dialogs, files that are dropped, keys for the
+// whole window, and the beat of the redraws.
 #pragma once
 
 #include "../player.h"
 #include "console_view.h"
 #include "veltra/qt/view_widget.h"
 
+#include <QMenu>
 #include <memory>
 
 namespace veltra::console {
@@ -27,16 +28,41 @@ private:
     class Beat;
 
     void refresh();
+    void offerActions();
     void showAbout();
+    void showRecent(QMenu& menu);
+    void escape();
     void tell(const std::string& problem);
+    QPoint below(const View& view) const;
+    QMenu* popUp(const View& view);
+    std::int64_t framesOf(double seconds) const;
+    void chooseDevice(const std::string& id, std::uint32_t blockFrames);
 
     void addFilesWasPressed() override;
     void removeStripWasPressed(StripKey key) override;
+    void undoWasPressed() override;
+    void stripWasMoved(StripKey key, int place) override;
+    void stripMenuWasPressed(StripKey key, View& button) override;
+    void gainWasSet(StripKey key, double decibels) override;
+    void panWasSet(StripKey key, double pan) override;
     void muteWasSwitched(StripKey key, bool muted) override;
-    void playAgainWasPressed(StripKey key) override;
+    void soloWasSwitched(StripKey key, bool soloed) override;
+    void playWasSwitched(bool playing) override;
+    void loopWasSwitched(bool looping) override;
+    void placeWasChosen(double seconds) override;
+    void loopWasChosen(double begin, double end) override;
+    void tempoWasSet(double beatsPerMinute) override;
+    void outputGainWasSet(double decibels) override;
+    void outputBalanceWasSet(double balance) override;
+    void dimWasSwitched(bool dimmed) override;
+    void monoWasSwitched(bool mono) override;
+    void deviceMenuWasPressed(View& button) override;
+    void allMessagesWerePressed(const std::vector<std::string>& messages) override;
 
     Player& m_player;
     ConsoleView* m_view;
+    std::string m_device = "auto";
+    std::uint32_t m_blockFrames = 0;  // 0: the device's own
     std::unique_ptr<Beat> m_beat;
 };
 

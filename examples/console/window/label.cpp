@@ -7,8 +7,8 @@
 
 namespace veltra::console {
 
-Label::Label(const Rect& frame, Font font, SystemColor color, TextAlignment alignment)
-    : View(frame), m_font(std::move(font)), m_color(color), m_alignment(alignment) {}
+Label::Label(Font font, ThemeColor color, TextAlignment alignment, TextTruncation truncation)
+    : m_font(std::move(font)), m_color(color), m_alignment(alignment), m_truncation(truncation) {}
 
 void Label::setText(const std::string& text) {
     if (text == m_text) return;
@@ -16,7 +16,14 @@ void Label::setText(const std::string& text) {
     setNeedsDisplay();
 }
 
+void Label::setColor(ThemeColor color) {
+    if (color == m_color) return;
+    m_color = color;
+    setNeedsDisplay();
+}
+
 void Label::setFullText(const std::string& text) {
+    if (text == m_fullText) return;
     m_fullText = text;
     frameDidChange();
 }
@@ -27,8 +34,9 @@ void Label::frameDidChange() {
 }
 
 void Label::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
-    const StyledText text{m_text, m_font, systemColor(m_color), m_alignment};
-    canvas.drawText(text.truncatedTo(bounds().size.width, TextTruncation::Middle), bounds());
+    const StyledText text{m_text, m_font, theme(effectiveAppearance()).*m_color, m_alignment};
+    canvas.drawText(text.truncatedTo(bounds().size.width, m_truncation), bounds(),
+                    TextPlacement::Capitals);
 }
 
 AccessibilityRole Label::accessibilityRole() const {

@@ -3,22 +3,26 @@
 #pragma once
 
 #include "veltra/ui/styled_text.h"
+#include "veltra/ui/theme.h"
 #include "veltra/ui/view.h"
 
 #include <string>
 
 namespace veltra::console {
 
+using ThemeColor = Color Theme::*;
+
 // Thread: main.
 class Label final : public View {
 public:
-    Label(const Rect& frame, Font font, SystemColor color,
-          TextAlignment alignment = TextAlignment::Left);
+    Label(Font font, ThemeColor color, TextAlignment alignment = TextAlignment::Left,
+          TextTruncation truncation = TextTruncation::Middle);
 
     const std::string& text() const noexcept { return m_text; }
     void setText(const std::string& text);
     // Shown when the pointer rests, in place of a text that is too long.
     void setFullText(const std::string& text);
+    void setColor(ThemeColor color);
 
     bool isFlipped() const override { return true; }
     void drawRect(Canvas& canvas, const Rect& dirty) override;
@@ -31,8 +35,9 @@ protected:
 
 private:
     const Font m_font;
-    const SystemColor m_color;
+    ThemeColor m_color;
     const TextAlignment m_alignment;
+    const TextTruncation m_truncation;
     std::string m_text;
     std::string m_fullText;
 };

@@ -53,9 +53,12 @@ ConsoleState stateOf(Rehearsal& rehearsal, const Overviews& overviews) {
         strip.meter = std::move(meter);
         state.strips.push_back(std::move(strip));
     }
-    state.outputPeaks = rehearsal.engine().takeOutputPeaks();
+    state.outputPeaks = rehearsal.engine().takeOutputLevels().peaks;
     state.place = rehearsal.engine().musicalPosition();
     state.seconds = static_cast<double>(rehearsal.engine().position()) / rehearsal.rate();
+    state.playing = true;
+    state.position = rehearsal.engine().position();
+    state.rate = rehearsal.rate();
     state.outputName = "loudest moment";
     return state;
 }
@@ -68,8 +71,10 @@ std::vector<std::string> writeLoudestPicture(const Options& options) {
     Rehearsal rehearsal(options.files);
     const Overviews overviews = overviewsOf(options.files);
     ConsoleDelegate nobody;
-    PictureWindow picture(ConsoleView::sizeForStrips(stateOf(rehearsal, overviews).strips),
-                          options.scale, options.theme);
+    const Size size = options.width > 0.0F
+                          ? Size{options.width, options.height}
+                          : ConsoleView::sizeForStrips(stateOf(rehearsal, overviews).strips);
+    PictureWindow picture(size, options.scale, options.theme);
     const Rect whole{{}, picture.window().contentSize()};
     auto owned = std::make_unique<ConsoleView>(whole, nobody);
     ConsoleView& view = *owned;

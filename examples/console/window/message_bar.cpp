@@ -2,54 +2,127 @@
 #include "message_bar.h"
 
 #include "../text.h"
-#include "veltra/ui/canvas.h"
+#include "icons.h"
+#include "veltra/ui/drawing.h"
+#include "veltra/ui/window.h"
+
+#include <cmath>
 
 namespace veltra::console {
 
 namespace {
+
+constexpr float kRadius = 8.0F;
 constexpr float kMargin = 12.0F;
-constexpr float kButtonWidth = 84.0F;
+constexpr float kTextLeft = 40.0F;
+constexpr float kCloseSize = 24.0F;
+constexpr float kButtonHeight = 28.0F;
+
 }  // namespace
 
-MessageBar::MessageBar(const Rect& frame)
-    : View(frame),
-      m_text(
-          addSubview(std::make_unique<Label>(Rect{}, Font::systemFont(13.0F), SystemColor::Alert))),
-      m_next(addSubview(std::make_unique<Button>(Rect{}, "Dismiss"))) {
-    m_next.setTarget(this);
-    m_next.setAction(action<&MessageBar::nextWasPressed>());
-    frameDidChange();
+MessageBar::MessageBar(ConsoleDelegate& delegate)
+    : m_delegate(delegate),
+      m_text(addSubview(std::make_unique<Label>(themeFont(12.0F, FontWeight::Medium), &Theme::text,
+                                                TextAlignment::Left, TextTruncation::End))),
+      m_showAll(addSubview(std::make_unique<ConsoleButton>(Rect{}, "Show all"))),
+      m_undo(addSubview(std::make_unique<ConsoleButton>(Rect{}, "Undo"))),
+      m_close(addSubview(std::make_unique<ConsoleButton>(Rect{}, ""))) {
+    const auto setUp = [this](ConsoleButton& button, Action action) {
+        button.setFont(themeFont(12.0F, FontWeight::Medium));
+        button.setTarget(this);
+        button.setAction(action);
+    };
+    setUp(m_showAll, action<&MessageBar::showAllWasPressed>());
+    setUp(m_undo, action<&MessageBar::undoWasPressed>());
+    setUp(m_close, action<&MessageBar::closeWasPressed>());
+    m_undo.setHelp("Bring it back", u'z', kControlKeyMask);
+    m_close.buttonCell().setStyle(ButtonCell::Style::Bare);
+    m_close.buttonCell().setIcon(drawCloseIcon);
+    m_close.buttonCell().setAccessibilityName("Dismiss");
     show();
 }
 
-void MessageBar::frameDidChange() {
-    const float textWidth = bounds().size.width - kButtonWidth - 3.0F * kMargin;
-    m_text.setFrame({{kMargin, 0.0F}, {textWidth, kHeight}});
-    m_next.setFrame({{textWidth + 2.0F * kMargin, 6.0F}, {kButtonWidth, 24.0F}});
+void MessageBar::layOut() {
+    const float height = bounds().size.height;
+    float right = bounds().size.width - kMargin;
+    const auto place = [&](ConsoleButton& button, Size size) {
+        if (button.isHidden()) return;
+        right -= size.width;
+        button.setFrame({{right, std::round((height - size.height) * 0.5F)}, size});
+        right -= kMargin;
+    };
+    const auto widthOf = [](ConsoleButton& button) {
+        button.sizeToFit();
+        return std::ceil(button.frame().size.width);
+    };
+    place(m_close, {kCloseSize, kCloseSize});
+    place(m_showAll, {widthOf(m_showAll), kButtonHeight});
+    place(m_undo, {widthOf(m_undo), kButtonHeight});
+    const float left = m_removed ? kMargin + 4.0F : kTextLeft;
+    m_text.setFrame({{left, 0.0F}, {std::max(right - left, 0.0F), height}});
 }
 
 void MessageBar::add(const std::string& message) {
     m_messages.push_back(printable(message));
+    m_removed.reset();
     show();
 }
 
-void MessageBar::nextWasPressed() {
-    m_messages.erase(m_messages.begin());
+void MessageBar::offerUndo(const std::string& what) {
+    m_removed = "Removed " + printable(what);
     show();
+}
+
+void MessageBar::withdrawUndo() {
+    m_removed.reset();
+    show();
+}
+
+bool MessageBar::close() {
+    if (isHidden()) return false;
+    if (m_removed) {
+        m_removed.reset();
+    } else {
+        m_messages.clear();
+    }
+    show();
+    return true;
+}
+
+bool MessageBar::takeKeyboard() {
+    return !isHidden() && window() != nullptr && window()->giveKeyboardTo(m_close);
+}
+
+void MessageBar::closeWasPressed() {
+    close();
+}
+
+void MessageBar::showAllWasPressed() {
+    m_delegate.allMessagesWerePressed(m_messages);
+}
+
+void MessageBar::undoWasPressed() {
+    m_delegate.undoWasPressed();
 }
 
 void MessageBar::show() {
-    setHidden(m_messages.empty());
-    if (m_messages.empty()) return;
-    const std::size_t more = m_messages.size() - 1;
-    m_text.setText(m_messages.front() + (more > 0 ? formatted(" (%zu more)", more) : ""));
-    m_text.setFullText(m_messages.front());
+    setHidden(m_messages.empty() && !m_removed);
+    if (isHidden()) return;
+    const std::string text = m_removed ? *m_removed : m_messages.back();
+    m_text.setText(text);
+    m_text.setFullText(text);
+    m_undo.setHidden(!m_removed);
+    m_showAll.setHidden(m_removed || m_messages.size() < 2);
+    m_showAll.setStringValue(formatted("Show all (%zu)", m_messages.size()));
+    layOut();
+    setNeedsDisplay();
 }
 
 void MessageBar::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
-    const Color ground = systemColor(SystemColor::ControlBackground);
-    canvas.fillRect(bounds(), ground.mixedWith(systemColor(SystemColor::Alert), 0.12F));
-    canvas.fillRect({{}, {4.0F, bounds().size.height}}, systemColor(SystemColor::Alert));
+    const Theme& colors = theme(effectiveAppearance());
+    if (m_removed) return drawPlate(canvas, bounds(), kRadius, colors.card, colors.edge);
+    fillRounded(canvas, bounds(), kRadius, colors.alertSoft);
+    drawWarningIcon(canvas, {14.0F, bounds().size.height * 0.5F - 8.0F}, colors.alert);
 }
 
 }  // namespace veltra::console

@@ -1,24 +1,33 @@
 // SPDX-License-Identifier: MIT
-// What went wrong, in a line, until the user has read it.
+// What went wrong, or what can be undone, in a line at the foot of the window.
 #pragma once
 
+#include "console_button.h"
+#include "console_delegate.h"
 #include "label.h"
-#include "veltra/ui/button.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace veltra::console {
 
-// Hidden without messages. Thread: main.
+// Hidden while there is nothing to tell. The newest message is shown, with the count of all; it
+// stays until it is closed. Thread: main.
 class MessageBar final : public View {
 public:
-    static constexpr float kHeight = 36.0F;
+    static constexpr float kHeight = 40.0F;
 
-    explicit MessageBar(const Rect& frame);
+    // `delegate` must outlive the view.
+    explicit MessageBar(ConsoleDelegate& delegate);
 
-    // Several are shown one after the other, the oldest first.
     void add(const std::string& message);
+    // In place of messages, which are shown again when it is closed.
+    void offerUndo(const std::string& what);
+    void withdrawUndo();
+    // As its button does. Returns false when there is nothing to close.
+    bool close();
+    bool takeKeyboard();
 
     bool isFlipped() const override { return true; }
     void drawRect(Canvas& canvas, const Rect& dirty) override;
@@ -26,15 +35,22 @@ public:
     std::string accessibilityName() const override { return "Messages"; }
 
 protected:
-    void frameDidChange() override;
+    void frameDidChange() override { layOut(); }
 
 private:
-    void nextWasPressed();
+    void closeWasPressed();
+    void showAllWasPressed();
+    void undoWasPressed();
     void show();
+    void layOut();
 
+    ConsoleDelegate& m_delegate;
     Label& m_text;
-    Button& m_next;
+    ConsoleButton& m_showAll;
+    ConsoleButton& m_undo;
+    ConsoleButton& m_close;
     std::vector<std::string> m_messages;
+    std::optional<std::string> m_removed;
 };
 
 }  // namespace veltra::console

@@ -2,8 +2,10 @@
 #include "strip_view.h"
 
 #include "../text.h"
-#include "veltra/audio/key_code_converter.h"
-#include "veltra/ui/canvas.h"
+#include "icons.h"
+#include "times.h"
+#include "veltra/ui/drawing.h"
+#include "veltra/ui/window.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,119 +16,232 @@ namespace veltra::console {
 
 namespace {
 
-constexpr float kMargin = 10.0F;
-constexpr float kSpeakersHeight = 100.0F;
-constexpr float kNoteWidth = 32.0F;
+constexpr float kRadius = 10.0F;
+constexpr float kBesideName = 20.0F;  // for the dot or the menu
+constexpr float kNoteWidth = 28.0F;
+constexpr float kHandleHeight = 46.0F;
 
-std::string timeText(std::uint64_t frames, int rate) {
-    const auto seconds = static_cast<unsigned long long>(frames) / static_cast<unsigned>(rate);
-    return formatted("%llu:%02llu", seconds / 60, seconds % 60);
+std::string shortFormat(const FileFormat& format) {
+    const bool isWhole = format.rate % 1000 == 0;
+    return decimalText(format.rate / 1000.0, isWhole ? 0 : 1) + " kHz, " +
+           format.plan.name(format.channels);
 }
 
-std::string formatText(const FileFormat& format) {
-    return formatted("%g kHz, ", format.rate / 1000.0) + format.plan.name(format.channels);
+std::string longFormat(const FileFormat& format) {
+    const std::string order = format.plan.orderName();
+    return format.container + ", " + format.encoding + (order.empty() ? "" : ", " + order);
 }
 
-// In a tool tip, with the key that does the same.
-void tellShortcut(Button& button, const char* what, char16_t key) {
-    const auto name = QKKeyCodeConverter::humandReadableStringForKeyChar(key, 0);
-    button.toolTips().addToolTipRect({{}, {200.0F, 100.0F}},
-                                     formatted("%s (%s)", what, name.value_or("").c_str()));
+std::string baseName(const StripState& state) {
+    return printable(std::filesystem::path(state.path).filename().string());
+}
+
+std::string channelNames(const FileFormat& format) {
+    std::string names;
+    for (int channel = 0; channel < format.channels; ++channel)
+        names += ' ' + format.plan.channelName(static_cast<std::size_t>(channel));
+    return names;
 }
 
 }  // namespace
 
-StripView::StripView(const Rect& frame, const StripState& state, ConsoleDelegate& delegate)
-    : View(frame),
-      m_key(state.key),
-      m_delegate(delegate),
-      m_name(addSubview(std::make_unique<Label>(Rect{}, Font::systemFont(13.0F, FontWeight::Bold),
-                                                SystemColor::Label))),
-      m_format(addSubview(
-          std::make_unique<Label>(Rect{}, Font::systemFont(11.0F), SystemColor::SecondaryLabel))),
-      m_speakers(state.format.plan.order.size() > 2
-                     ? &addSubview(std::make_unique<SpeakerCircle>(Rect{}, state.format.plan))
-                     : nullptr),
-      m_meters(addSubview(
-          std::make_unique<MeterBridge>(Rect{}, state.format.channels, state.format.plan))),
-      m_time(addSubview(std::make_unique<Label>(Rect{}, Font{{}, 11.0F, FontWeight::Regular, true},
-                                                SystemColor::SecondaryLabel))),
-      m_note(addSubview(std::make_unique<Label>(Rect{}, Font::systemFont(11.0F), SystemColor::Label,
-                                                TextAlignment::Right))),
-      m_waveform(addSubview(std::make_unique<WaveformView>(Rect{}))),
-      m_mute(addSubview(std::make_unique<Button>(Rect{}, "Mute", ButtonCell::Kind::Toggle))),
-      m_again(addSubview(std::make_unique<Button>(Rect{}, "Again"))),
-      m_remove(addSubview(std::make_unique<Button>(Rect{}, "\u00D7"))) {
-    const std::string name = printable(std::filesystem::path(state.path).filename().string());
-    m_name.setText(printable(std::filesystem::path(state.path).stem().string()));
-    m_name.setFullText(printable(state.path));
-    m_format.setText(formatText(state.format));
-    const std::string order = state.format.plan.orderName();
-    m_format.setFullText(state.format.container + ", " + state.format.encoding +
-                         (order.empty() ? "" : ", " + order));
-    m_meters.setName(name);
-    for (Button* const button : {&m_mute, &m_again, &m_remove})
-        button->setTarget(this);
-    m_mute.setAction(action<&StripView::muteWasPressed>());
-    m_mute.buttonCell().setOnColor(Color::fromRgb(0xE8A33D));
-    m_mute.buttonCell().setAccessibilityName("Mute " + name);
-    m_again.setAction(action<&StripView::againWasPressed>());
-    m_again.buttonCell().setAccessibilityName("Play " + name + " again");
-    m_remove.setAction(action<&StripView::removeWasPressed>());
-    m_remove.buttonCell().setAccessibilityName("Remove " + name);
-    tellShortcut(m_mute, "Mute", u'm');
-    tellShortcut(m_again, "Play again", u' ');
-    tellShortcut(m_remove, "Remove this file", kForwardDeleteCharacter);
-    m_noteFormatter.setNoteStyle(QKMIDIFormatter::kNoteName);
-    frameDidChange();
-    update(state);
+float StripView::leastWidth(const FileFormat& format, CardKind kind) {
+    if (kind == CardKind::Mini) return 96.0F;
+    if (kind == CardKind::Low) return 116.0F;
+    return format.channels > 2 ? 208.0F : 140.0F;
 }
 
-float StripView::widthFor(const FileFormat& format) {
-    return format.channels > 2 ? 168.0F : 128.0F;
+float StripView::mostWidth(const FileFormat& format) {
+    return format.channels > 2 ? 280.0F : 212.0F;
+}
+
+StripView::StripView(const StripState& state, ConsoleDelegate& delegate)
+    : m_key(state.key),
+      m_format(state.format),
+      m_delegate(delegate),
+      m_name(addSubview(
+          std::make_unique<Label>(themeFont(13.0F, FontWeight::SemiBold), &Theme::text))),
+      m_formatText(addSubview(std::make_unique<Label>(themeFont(11.0F), &Theme::caption))),
+      m_menu(addSubview(std::make_unique<ConsoleButton>(Rect{}, ""))),
+      m_waveform(addSubview(std::make_unique<WaveformView>(delegate, baseName(state)))),
+      m_mute(addSubview(std::make_unique<ConsoleButton>(Rect{}, "M", ButtonCell::Kind::Toggle))),
+      m_solo(addSubview(std::make_unique<ConsoleButton>(Rect{}, "S", ButtonCell::Kind::Toggle))),
+      m_pan(addSubview(std::make_unique<StripSlider>(StripSlider::Kind::Pan))),
+      m_panText(addSubview(
+          std::make_unique<Label>(themeFont(11.0F), hasPan() ? &Theme::label : &Theme::caption,
+                                  hasPan() ? TextAlignment::Right : TextAlignment::Left))),
+      m_gain(addSubview(std::make_unique<GainField>())),
+      m_fader(addSubview(std::make_unique<StripSlider>(StripSlider::Kind::Fader))),
+      m_readout(addSubview(std::make_unique<PeakReadout>())),
+      m_scale(addSubview(std::make_unique<LevelMeterScaleView>())),
+      m_meters(addSubview(std::make_unique<MeterGroup>(state.format.channels, state.format.plan))),
+      m_time(addSubview(std::make_unique<Label>(themeFont(11.0F), &Theme::caption))),
+      m_note(addSubview(std::make_unique<Label>(themeFont(11.0F, FontWeight::Medium), &Theme::label,
+                                                TextAlignment::Right))) {
+    const std::string name = baseName(state);
+    m_name.setText(printable(std::filesystem::path(state.path).stem().string()));
+    m_name.setFullText(printable(state.path));
+    m_formatText.setText(shortFormat(m_format));
+    m_formatText.setFullText(longFormat(m_format));
+    m_meters.setName(name);
+    m_scale.setMeter(&m_meters.firstCell());
+    m_menu.buttonCell().setStyle(ButtonCell::Style::Bare);
+    m_menu.buttonCell().setAccessibilityName("Menu of " + name);
+    const auto setUp = [&](ConsoleButton& button, const char* what, char16_t key, Color color) {
+        button.setFont(themeFont(11.0F, FontWeight::SemiBold));
+        button.buttonCell().setOnColor(color);
+        button.buttonCell().setAccessibilityName(std::string(what) + ' ' + name);
+        button.setHelp(what, key);
+    };
+    setUp(m_mute, "Mute", u'm', theme(Appearance::Dark).mute);
+    setUp(m_solo, "Solo", u's', theme(Appearance::Dark).solo);
+    m_pan.sliderCell().setAccessibilityName("pan of " + name);
+    m_fader.sliderCell().setAccessibilityName("fader of " + name);
+    m_gain.setAccessibilityName("gain of " + name);
+    m_readout.setAccessibilityName("peak of " + name);
+    if (!hasPan()) {
+        m_pan.setHidden(true);
+        m_panText.setText("Folded to stereo");
+        m_panText.setFullText("Folded to stereo by its channels:" + channelNames(m_format));
+    }
+    m_noteFormatter.setNoteStyle(QKMIDIFormatter::kNoteName);
+
+    const auto connect = [this](Control& control, Action action) {
+        control.setTarget(this);
+        control.setAction(action);
+    };
+    connect(m_menu, action<&StripView::menuWasPressed>());
+    connect(m_mute, action<&StripView::muteWasPressed>());
+    connect(m_solo, action<&StripView::soloWasPressed>());
+    connect(m_pan, action<&StripView::panWasMoved>());
+    connect(m_gain, action<&StripView::gainWasTyped>());
+    connect(m_fader, action<&StripView::faderWasMoved>());
+    connect(m_readout, action<&StripView::clipsWereCleared>());
+    connect(m_meters, action<&StripView::clipsWereCleared>());
+    showMenuButton();
+}
+
+std::string StripView::accessibilityName() const {
+    return m_name.text() + (hasClipped() ? ", clipped" : "");
+}
+
+bool StripView::isHandle(Point point) const {
+    return mouseInRect(point, {{}, {bounds().size.width, kHandleHeight}}, true);
 }
 
 void StripView::frameDidChange() {
-    const float width = bounds().size.width - 2.0F * kMargin;
-    const float bottom = bounds().size.height - kMargin;
-    const auto row = [width](float y, float height) { return Rect{{kMargin, y}, {width, height}}; };
-    m_name.setFrame(row(9.0F, 18.0F));
-    m_format.setFrame(row(27.0F, 16.0F));
-    const float speakers = m_speakers != nullptr ? kSpeakersHeight : 0.0F;
-    if (m_speakers != nullptr) m_speakers->setFrame(row(48.0F, speakers));
-    m_meters.setFrame(row(50.0F + speakers, bottom - 92.0F - 50.0F - speakers));
-    m_time.setFrame({{kMargin, bottom - 88.0F}, {width - kNoteWidth, 16.0F}});
-    m_note.setFrame({{kMargin + width - kNoteWidth, bottom - 88.0F}, {kNoteWidth, 16.0F}});
-    m_waveform.setFrame(row(bottom - 70.0F, 38.0F));
-    m_mute.setFrame({{kMargin, bottom - 24.0F}, {width - 32.0F, 24.0F}});
-    m_again.setFrame(m_mute.frame());
-    m_remove.setFrame({{kMargin + width - 26.0F, bottom - 24.0F}, {26.0F, 24.0F}});
+    m_layout = CardLayout::make(bounds().size, m_format.channels);
+    const auto place = [](View& view, const Rect& rect) {
+        view.setHidden(rect.isEmpty());
+        view.setFrame(rect);
+    };
+    Rect name = m_layout.name;
+    name.size.width -= kBesideName;
+    m_name.setFrame(name);
+    m_menu.setFrame(m_layout.more);
+    place(m_formatText, m_layout.format);
+    place(m_waveform, m_layout.picture);
+    m_waveform.setHasAxis(m_layout.kind == CardKind::Full);
+    m_mute.setFrame(m_layout.switches[0]);
+    m_solo.setFrame(m_layout.switches[1]);
+    place(m_pan, hasPan() ? m_layout.pan : Rect{});
+    const Rect text = m_layout.panText;
+    place(m_panText, hasPan() || text.isEmpty()
+                         ? text
+                         : Rect{{m_layout.name.minX(), text.minY()},
+                                {m_layout.name.size.width, text.size.height}});
+    place(m_gain, m_layout.gain);
+    m_readout.setFrame(m_layout.peak);
+    place(m_fader, m_layout.fader);
+    m_fader.setHasScale(m_layout.isTall());
+    m_scale.setFrame(m_layout.scale);
+    m_meters.setFrame(m_layout.meter);
+    m_meters.setBars(m_layout.bar, m_layout.barGap);
+    Rect footer = m_layout.footer;
+    footer.size.width = std::max(footer.size.width - kNoteWidth, 0.0F);
+    place(m_time, footer);
+    place(m_note, footer.isEmpty()
+                      ? Rect{}
+                      : Rect{{footer.maxX(), footer.minY()}, {kNoteWidth, footer.size.height}});
+    setNeedsDisplay();
 }
 
-void StripView::update(const StripState& state) {
+void StripView::update(const StripState& state, const ConsoleState& console) {
     const StripMeter& meter = state.meter;
+    const bool isQuiet = !state.heard || state.muted;
     m_meters.setPeaks(meter.peaks);
-    m_mute.setOn(meter.muted);
-    m_mute.setHidden(state.ended);
-    m_again.setHidden(!state.ended);
-    const int rate = state.format.rate;
-    std::string time = timeText(meter.framesPlayed, rate);
-    if (meter.framesTotal > 0) time += " / " + timeText(meter.framesTotal, rate);
-    if (meter.underruns > 0) time += " !";
-    m_time.setText(state.ended ? "ended" : time);
-    m_note.setText(noteAt(state));
-    if (m_speakers != nullptr) m_speakers->setPeaks(meter.peaks);
+    m_meters.setMuted(isQuiet);
+    m_readout.raise(meter.peak);
+    m_readout.setMuted(isQuiet);
+    m_mute.setOn(state.muted);
+    m_solo.setOn(state.soloed);
+    m_fader.setLevel(state.gainDecibels);
+    if (!m_gain.isEditing()) m_gain.setDecibels(state.gainDecibels);
+    m_pan.setLevel(state.pan);
+    updateTexts(state);
+
+    const double rate = std::max(state.format.rate, 1);
+    const double length = static_cast<double>(meter.framesTotal) / rate;
+    const double perFrame = console.looping && console.rate > 0 ? 1.0 / console.rate : 0.0;
     m_waveform.setOverview(state.overview);
-    m_waveform.setProgress(meter.framesTotal > 0 ? static_cast<double>(meter.framesPlayed) /
-                                                       static_cast<double>(meter.framesTotal)
-                                                 : -1.0);
+    const std::string name = baseName(state);
+    const auto reading = std::find_if(console.reading.begin(), console.reading.end(),
+                                      [&](const ProgressLine& line) { return line.title == name; });
+    m_waveform.setReading(reading != console.reading.end() && state.overview == nullptr
+                              ? std::optional(reading->value)
+                              : std::nullopt);
+    m_waveform.setTimes(length, static_cast<double>(meter.framesPlayed) / rate,
+                        static_cast<double>(console.loopBegin) * perFrame,
+                        static_cast<double>(console.loopEnd) * perFrame);
+    m_waveform.setMuted(isQuiet);
+    if (hasClipped() != m_showsClip) {
+        m_showsClip = !m_showsClip;
+        setNeedsDisplayInRect({{}, {bounds().size.width, kHandleHeight}});
+        postAccessibilityNotification(AccessibilityNotification::NameChanged);
+        showMenuButton();
+    }
+}
+
+void StripView::updateTexts(const StripState& state) {
+    const StripMeter& meter = state.meter;
+    const double rate = std::max(state.format.rate, 1);
+    m_name.setColor(state.muted ? &Theme::caption : &Theme::text);
+    if (hasPan()) {
+        m_panText.setText(veltra::panText(state.pan));
+        m_panText.setColor(state.pan == 0.0 ? &Theme::label : &Theme::text);
+    }
+    std::string time = clockTime(static_cast<double>(meter.framesPlayed) / rate);
+    if (meter.framesTotal > 0)
+        time += " / " + clockTime(static_cast<double>(meter.framesTotal) / rate);
+    if (meter.underruns > 0) {
+        time += " !";
+        m_time.setFullText("The disk was too slow " + std::to_string(meter.underruns) + " times");
+    }
+    m_time.setText(state.ended ? "Ended" : time);
+    m_note.setText(noteAt(state));
+}
+
+void StripView::clearClips() {
+    m_meters.clearClips();
+    m_readout.reset();
+}
+
+void StripView::setHovered(bool isHovered) {
+    if (isHovered == m_isHovered) return;
+    m_isHovered = isHovered;
+    showMenuButton();
+}
+
+// Only where the pointer or the keyboard is: the clip light has the same place.
+void StripView::showMenuButton() {
+    m_menu.setIcons(m_showsClip ? drawClipIcon : nullptr, drawMoreIcon);
+    m_menu.setInUse(m_isHovered);
 }
 
 void StripView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
-    const float line = 1.0F / canvas.scale();
-    canvas.fillPath(Path::roundedRect(bounds(), 8.0F), systemColor(SystemColor::Separator));
-    canvas.fillPath(Path::roundedRect(bounds().inset(line, line), 8.0F - line),
-                    systemColor(SystemColor::ControlBackground));
+    const Theme& colors = theme(effectiveAppearance());
+    const bool isFocused = focusedPart() >= 0 && window()->keysLead();
+    drawPlate(canvas, bounds(), kRadius, colors.card, isFocused ? colors.strong : colors.line);
 }
 
 // The pitch of the onset that was last when the file played up to here.
@@ -144,30 +259,69 @@ std::string StripView::noteAt(const StripState& state) const {
     return m_noteFormatter.stringForObjectValue(note);
 }
 
+// Keys.
+
+int StripView::focusedPart() const {
+    int part = 0;
+    for (const auto& view : subviews()) {
+        if (view->isFirstResponder()) return part;
+        ++part;
+    }
+    return -1;
+}
+
+bool StripView::focusPart(int part) {
+    if (part < 0 || static_cast<std::size_t>(part) >= subviews().size() || window() == nullptr)
+        return false;
+    View& view = *subviews()[static_cast<std::size_t>(part)];
+    // What is missing here has a neighbour.
+    if (view.isHidden() || !view.acceptsFirstResponder()) return window()->giveKeyboardTo(m_mute);
+    return window()->giveKeyboardTo(view);
+}
+
 void StripView::keyDown(const Event& event) {
-    if (event.charactersIgnoringModifiers.empty()) return View::keyDown(event);
-    switch (event.charactersIgnoringModifiers.front()) {
+    switch (event.plainKey()) {
         case u'm':
         case u'M':
-            m_mute.setOn(!m_mute.isOn());
-            return muteWasPressed();
+            return m_mute.performClick();
+        case u's':
+        case u'S':
+            return m_solo.performClick();
         case kForwardDeleteCharacter:
-            return removeWasPressed();
+            return m_delegate.removeStripWasPressed(m_key);
         default:
             View::keyDown(event);
     }
+}
+
+// Actions.
+
+void StripView::menuWasPressed() {
+    m_delegate.stripMenuWasPressed(m_key, m_menu);
 }
 
 void StripView::muteWasPressed() {
     m_delegate.muteWasSwitched(m_key, m_mute.isOn());
 }
 
-void StripView::removeWasPressed() {
-    m_delegate.removeStripWasPressed(m_key);
+void StripView::soloWasPressed() {
+    m_delegate.soloWasSwitched(m_key, m_solo.isOn());
 }
 
-void StripView::againWasPressed() {
-    m_delegate.playAgainWasPressed(m_key);
+void StripView::panWasMoved() {
+    m_delegate.panWasSet(m_key, m_pan.level());
+}
+
+void StripView::gainWasTyped() {
+    m_delegate.gainWasSet(m_key, m_gain.decibels());
+}
+
+void StripView::faderWasMoved() {
+    m_delegate.gainWasSet(m_key, m_fader.level());
+}
+
+void StripView::clipsWereCleared() {
+    clearClips();
 }
 
 }  // namespace veltra::console

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
-// One file in the window: its name and format, its meters, how far it has played, and its buttons.
+// The card of one file: name and format, waveform, switches, pan, gain and fader, meters.
 #pragma once
 
+#include "card_layout.h"
+#include "console_button.h"
 #include "console_delegate.h"
+#include "gain_field.h"
 #include "label.h"
-#include "meter_bridge.h"
-#include "speaker_circle.h"
+#include "meter_group.h"
+#include "strip_slider.h"
 #include "veltra/audio/midi_formatter.h"
-#include "veltra/ui/button.h"
+#include "veltra/controls/level_meters/level_meter_scale_view.h"
+#include "veltra/controls/level_meters/peak_readout.h"
 #include "waveform_view.h"
 
 namespace veltra::console {
@@ -15,45 +19,83 @@ namespace veltra::console {
 // Thread: main.
 class StripView final : public View {
 public:
-    // More than two channels need more room.
-    static float widthFor(const FileFormat& format);
+    // More than two channels need more room; without a fader there is less of it.
+    static float leastWidth(const FileFormat& format, CardKind kind);
+    static float mostWidth(const FileFormat& format);
 
     // `delegate` must outlive the view.
-    StripView(const Rect& frame, const StripState& state, ConsoleDelegate& delegate);
+    StripView(const StripState& state, ConsoleDelegate& delegate);
 
     StripKey key() const noexcept { return m_key; }
-    void update(const StripState& state);
+    const FileFormat& format() const noexcept { return m_format; }
+    const std::string& name() const noexcept { return m_name.text(); }
+    void update(const StripState& state, const ConsoleState& console);
+    void setSquares(std::span<const float> squares) { m_meters.setSquares(squares); }
+
+    bool hasClipped() const { return m_readout.isClipped() || m_meters.hasClipped(); }
+    void clearClips();
+    // Where the loudest of its meters stands, 0 to 1.
+    float shownLevel() const { return m_meters.shownLevel(); }
+    // Under the pointer: shows the button of its menu.
+    void setHovered(bool isHovered);
+    // The part by which the card can be dragged to another place.
+    bool isHandle(Point point) const;
+
+    // Its controls, in the order in which they stand: the same number is the same control in every
+    // strip. -1 where the keyboard is elsewhere.
+    int focusedPart() const;
+    bool focusPart(int part);
 
     bool isFlipped() const override { return true; }
     void drawRect(Canvas& canvas, const Rect& dirty) override;
-    // Of its buttons, for what they do not know: M mutes, the key that deletes forwards removes.
+    // Of its controls, for what they do not know.
     void keyDown(const Event& event) override;
 
     AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
-    std::string accessibilityName() const override { return m_name.text(); }
+    std::string accessibilityName() const override;
+
+    // What tests and scales measure.
+    const MeterGroup& meters() const noexcept { return m_meters; }
+    StripSlider& fader() const noexcept { return m_fader; }
 
 protected:
     void frameDidChange() override;
 
 private:
+    bool hasPan() const noexcept { return m_format.channels <= 2; }
     std::string noteAt(const StripState& state) const;
+    void updateTexts(const StripState& state);
+    void menuWasPressed();
     void muteWasPressed();
-    void removeWasPressed();
-    void againWasPressed();
+    void soloWasPressed();
+    void panWasMoved();
+    void gainWasTyped();
+    void faderWasMoved();
+    void clipsWereCleared();
+    void showMenuButton();
 
     const StripKey m_key;
+    const FileFormat m_format;
     ConsoleDelegate& m_delegate;
+    CardLayout m_layout;
     Label& m_name;
-    Label& m_format;
-    SpeakerCircle* const m_speakers;  // a subview, only with more than two channels
-    MeterBridge& m_meters;
+    Label& m_formatText;
+    ConsoleButton& m_menu;
+    WaveformView& m_waveform;
+    ConsoleButton& m_mute;
+    ConsoleButton& m_solo;
+    StripSlider& m_pan;
+    Label& m_panText;  // or that there is no pan
+    GainField& m_gain;
+    StripSlider& m_fader;
+    PeakReadout& m_readout;
+    LevelMeterScaleView& m_scale;
+    MeterGroup& m_meters;
     Label& m_time;
     Label& m_note;  // the pitch of what began last
-    WaveformView& m_waveform;
-    Button& m_mute;
-    Button& m_again;  // in the place of the mute button once the file has ended
-    Button& m_remove;
     QKMIDIFormatter m_noteFormatter;
+    bool m_isHovered = false;
+    bool m_showsClip = false;
 };
 
 }  // namespace veltra::console

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "live_output.h"
+
+#include "player.h"
+#include "test_recordings.h"
+#include "veltra/base/testing/prelude.h"
+
+#include <chrono>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+namespace veltra::console {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using Seconds = std::chrono::duration<double>;
+
+TEST(PaceWatch, ForgivesHonestWorkAndTellsTheRestWithinTwoSeconds) {
+    struct Row {
+        const char* what;
+        std::function<double(double)> played;  // seconds of audio by then
+        Pace expected;
+        double by;  // seconds
+    };
+    const auto after3 = [](double time) { return std::max(time - 3.0, 0.0); };
+    const std::initializer_list<Row> rows{
+        {"steady", [](double time) { return time; }, Pace::Steady, 60},
+        {"a clock a thousandth too fast", [](double time) { return 1.001 * time; }, Pace::Steady,
+         60},
+        {"fills its buffers", [](double time) { return time + 0.25; }, Pace::Steady, 60},
+        {"late start", [](double time) { return std::max(time - 1.4, 0.0); }, Pace::Steady, 60},
+        {"hiccups each ten seconds",
+         [](double time) {
+             return time - 0.7 * std::floor(time / 10) - std::min(std::fmod(time, 10.0), 0.7);
+         },
+         Pace::Steady, 60},
+        {"never starts", [](double) { return 0.0; }, Pace::Stands, 2},
+        {"stops", [](double time) { return std::min(time, 3.0); }, Pace::Stands, 5},
+        {"at half speed", [&](double time) { return time - after3(time) * 0.7; }, Pace::Stands, 5},
+        {"does not wait", [&](double time) { return time + 100 * after3(time); }, Pace::RunsAway,
+         5},
+        {"twice as fast", [&](double time) { return time + after3(time); }, Pace::RunsAway, 5}};
+    for (const Row& row : rows) {
+        PaceWatch watch(48000);
+        Pace pace = Pace::Steady;
+        double time = 0.0;
+        for (; time < 60.0 && pace == Pace::Steady; time += 0.1)
+            pace = watch.look(Moment(seconds(time)),
+                              static_cast<std::uint64_t>(row.played(time) * 48000.0));
+        EXPECT_EQ(pace, row.expected) << row.what;
+        EXPECT_LE(time, row.by + 0.11) << row.what;
+    }
+    PaceWatch watch(48000);  // the whole process slept
+    for (const double time : {0.0, 0.1, 0.2, 9.0, 9.1, 9.2, 30.0, 30.1})
+        EXPECT_EQ(watch.look(Moment(seconds(time)), 0), Pace::Steady);
+}
+
+// A device that does what its world says.
+struct World {
+    std::atomic<int> speed{1};  // 0: stands still, -1: ends by itself
+    std::atomic<bool> isThere{true};
+    std::atomic<bool> hangs{false};  // in stop()
+    std::atomic<int> rate{48000};
+};
+
+class FakeOutput final : public AudioOutput {
+public:
+    explicit FakeOutput(std::shared_ptr<World> world) : m_world(std::move(world)) {}
+    ~FakeOutput() override { stop(); }
+    std::string name() const override { return "fake"; }
+    std::int32_t rate() const override { return m_world->rate; }
+    std::uint32_t blockFrames() const override { return 480; }
+    std::uint64_t underruns() const override { return 3; }
+    bool isRunning() const override { return m_isRunning; }
+    bool start(Callback callback, void* context) override {
+        m_isRunning = true;
+        m_thread = std::thread([this, callback, context] {
+            std::vector<float> samples(960);
+            const std::array<float*, 2> outputs{samples.data(), samples.data() + 480};
+            while (m_isRunning && m_world->speed >= 0) {
+                for (int i = 0; i < m_world->speed; ++i)
+                    callback(context, outputs.data(), 2, 480);
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            }
+            m_isRunning = false;
+        });
+        return true;
+    }
+    void stop() override {
+        while (m_world->hangs)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        m_isRunning = false;
+        if (m_thread.joinable()) m_thread.join();
+    }
+
+private:
+    const std::shared_ptr<World> m_world;
+    std::atomic<bool> m_isRunning{false};
+    std::thread m_thread;
+};
+
+// As a front end does it, until there are news; how long that took.
+Seconds newsOf(LiveOutput& output, LiveOutput::News& news) {
+    const auto begin = std::chrono::steady_clock::now();
+    do {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        news = output.keepRunning();
+    } while (news.text.empty() && std::chrono::steady_clock::now() - begin < Seconds(20));
+    return std::chrono::steady_clock::now() - begin;
+}
+
+TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
+    const struct {
+        int speed;
+        bool hangs;
+        const char* what;
+    } rows[] = {{0, true, "stands still"}, {1000, false, "runs away"}, {-1, false, "has stopped"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const auto world = std::make_shared<World>();
+        const auto open = [world](const Device&, std::int32_t, std::string& problem) {
+            if (!world->isThere) problem = "no";
+            return world->isThere ? std::make_unique<FakeOutput>(world) : nullptr;
+        };
+        std::string notice;
+        LiveOutput output(Device::Auto, 44100, notice, open);
+        EXPECT_THAT(notice, IsEmpty());
+        ASSERT_EQ(output.rate(), 48000);
+        Engine engine(Engine::Feeding::ByThread, 48000);
+        EXPECT_THAT(output.start(engine), IsEmpty());
+        engine.setPlaying(true);
+        std::this_thread::sleep_for(Seconds(0.2));
+        EXPECT_GT(engine.position(), 0);
+
+        world->isThere = false;
+        world->hangs = row.hangs;
+        world->speed = row.speed;
+        LiveOutput::News news;
+        EXPECT_LT(newsOf(output, news), Seconds(2.0));
+        EXPECT_TRUE(news.isProblem);
+        EXPECT_THAT(news.text, HasSubstr(row.what));
+        EXPECT_EQ(output.name(), "no device");
+        EXPECT_EQ(output.underruns(), 3U);
+        EXPECT_LT(engine.position(), 4 * 48000);  // did not run away with it
+        const std::int64_t before = engine.position();
+        std::this_thread::sleep_for(Seconds(0.3));
+        EXPECT_NEAR(static_cast<double>(engine.position() - before), 14'400, 9'000);
+
+        world->hangs = false;
+        world->speed = 0;  // there again, but not ready: it is not taken
+        world->isThere = true;
+        std::this_thread::sleep_for(Seconds(0.5));
+        EXPECT_THAT(output.keepRunning().text, IsEmpty());
+        world->speed = 1;
+        EXPECT_LT(newsOf(output, news), Seconds(5.0));
+        EXPECT_FALSE(news.isProblem);
+        EXPECT_EQ(output.name(), "fake");
+
+        world->rate = 44100;
+        EXPECT_THAT(output.change(Device::Auto), HasSubstr("cannot play at 48000"));
+        EXPECT_THAT(output.change(Device::Null), IsEmpty());
+        world->rate = 48000;
+        EXPECT_THAT(output.change(Device::Auto), IsEmpty());
+        world->hangs = true;  // the program must end all the same
+        const auto begin = std::chrono::steady_clock::now();
+        output.stop();
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, Seconds(1.0));
+        world->hangs = false;
+    }
+}
+
+// As the window drives it, in real time.
+TEST(Player, PlaysStopsAtTheEndTakesBackARemovalAndChangesItsRate) {
+    const std::string brief = synthetic("brief.wav", 48000, "0.4 sin 300 gain -6");
+    const std::string longer = synthetic("longer.wav", 48000, "3 sin 300 gain -6 remix 1 1");
+    Player player(Device::Null);
+    EXPECT_FALSE(player.undoRemove());
+    player.setTempo(90.0);
+    EXPECT_THAT(player.add(brief), IsEmpty());
+    EXPECT_THAT(player.add(longer), IsEmpty());
+    EXPECT_THAT(player.add("/nowhere.wav"), HasSubstr("no such file"));
+    const auto waitFor = [&player](auto condition) {
+        for (int i = 0; i < 400; ++i) {
+            player.tick();
+            if (condition(player.look())) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return false;
+    };
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) {
+        return state.playing && state.strips[0].ended && !state.strips[1].ended;
+    }));
+    const StripKey first = player.look().strips[0].key;
+    const StripKey second = player.look().strips[1].key;
+    player.setGain(second, -12.0);
+    player.setPan(second, -1.0);
+    player.setSoloed(second, true);
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) {
+        return !state.strips[0].heard && state.outputPeaks[0] > 0.1F &&
+               state.outputPeaks[1] == 0.0F;
+    }));
+    player.move(second, 0);
+    EXPECT_EQ(player.look().strips[1].key, first);
+    player.remove(second);
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return !state.playing; }));
+    EXPECT_TRUE(player.undoRemove());
+    player.locate(0);
+    player.setLoop(true, 0, 24'000);
+    player.setPlaying(true);
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return state.position > 12'000; }));
+    EXPECT_THAT(player.chooseDevice("null", 24'000, 256), IsEmpty());
+    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return state.position > 9'000; }));
+    const ConsoleState& state = player.look();
+    EXPECT_EQ(state.rate, 24'000);
+    EXPECT_EQ(state.blockFrames, 256U);
+    EXPECT_EQ(state.loopEnd, 12'000);
+    EXPECT_EQ(state.tempo, 90.0);
+    EXPECT_EQ(state.strips[0].key, second);
+    EXPECT_EQ(state.strips[0].gainDecibels, -12.0);
+    EXPECT_FALSE(state.strips[1].heard);
+    EXPECT_TRUE(waitFor([](const ConsoleState& now) {
+        return now.outputPeaks[0] > 0.1F && now.outputPeaks[1] == 0.0F;
+    }));
+    const auto entries = player.finish();
+    ASSERT_EQ(entries.size(), 4U);
+    EXPECT_TRUE(entries[0].result->complete);
+    EXPECT_FALSE(entries[2].error.empty());
+}
+
+}  // namespace
+}  // namespace veltra::console

@@ -1,0 +1,533 @@
+// SPDX-License-Identifier: MIT
+// The window's views without a player: what they look like is measured, what they ask for is noted.
+#include "console_view.h"
+
+#include "../text.h"
+#include "settings.h"
+#include "times.h"
+#include "veltra/base/testing/prelude.h"
+#include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/controls/sliders/fader_scale.h"
+#include "veltra/platform/clock.h"
+#include "veltra/platform/preferences.h"
+#include "veltra/ui/picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <numeric>
+
+#include <gtest/gtest.h>
+
+namespace veltra::console::testing {
+namespace {
+
+// Notes what the views ask for, in words.
+struct Notes final : ConsoleDelegate {
+    std::string last;
+    void note(const char* what, int key, double value) {
+        last = std::string(what) + ' ' + std::to_string(key) + ' ' + decimalText(value, 1);
+    }
+    void addFilesWasPressed() override { last = "add"; }
+    void undoWasPressed() override { last = "undo"; }
+    void removeStripWasPressed(StripKey key) override { note("remove", key, 0); }
+    void stripWasMoved(StripKey key, int place) override { note("move", key, place); }
+    void stripMenuWasPressed(StripKey key, View&) override { note("menu", key, 0); }
+    void gainWasSet(StripKey key, double decibels) override { note("gain", key, decibels); }
+    void panWasSet(StripKey key, double pan) override { note("pan", key, 100.0 * pan); }
+    void muteWasSwitched(StripKey key, bool isOn) override { note("mute", key, isOn); }
+    void soloWasSwitched(StripKey key, bool isOn) override { note("solo", key, isOn); }
+    void playWasSwitched(bool isOn) override { note("play", 0, isOn); }
+    void loopWasSwitched(bool isOn) override { note("loop", 0, isOn); }
+    void placeWasChosen(double seconds) override { note("place", 0, seconds); }
+    void loopWasChosen(double begin, double end) override {
+        note("loop of", static_cast<int>(std::lround(begin)), end);
+    }
+    void tempoWasSet(double tempo) override { note("tempo", 0, tempo); }
+    void outputGainWasSet(double decibels) override { note("output", 0, decibels); }
+    void dimWasSwitched(bool isOn) override { note("dim", 0, isOn); }
+};
+
+// Strips 1, 2, 3, … with one, two and six channels in turn, each 10 seconds long.
+ConsoleState stateOf(int count) {
+    ConsoleState state;
+    state.rate = 48000;
+    for (int i = 0; i < count; ++i) {
+        StripState& strip = state.strips.emplace_back();
+        const int channels = i % 3 == 2 ? 6 : i % 3 + 1;
+        strip.key = i + 1;
+        strip.path = "/music/A file with quite a long name " + std::to_string(i + 1) + ".wav";
+        strip.format.rate = 48000;
+        strip.format.channels = channels;
+        const std::vector<int> positions(static_cast<std::size_t>(channels), 0);
+        strip.format.plan = channelPlan(positions);
+        strip.meter.peaks.assign(static_cast<std::size_t>(channels), 0.1F);
+        strip.meter.framesTotal = 480'000;
+    }
+    return state;
+}
+
+// A second goes by with each look, so that meters fall to where the signal is.
+class SteadyClock final : public Clocks {
+public:
+    SteadyClock() noexcept : m_before(Clocks::install(this)) {}
+    ~SteadyClock() override { Clocks::install(m_before); }
+    void goOn() noexcept { m_now = m_now + seconds(1.0); }
+    ClockReading monotonic() const noexcept override { return m_now; }
+    WallTime wall() const noexcept override { return {}; }
+
+private:
+    Moment m_now;
+    const Clocks* m_before;
+};
+
+class Desk {
+public:
+    Desk(Size size, int strips, float scale = 1.0F)
+        : state(stateOf(strips)), m_picture(size, scale, Appearance::Dark) {
+        auto owned = std::make_unique<ConsoleView>(Rect{{}, size}, notes);
+        m_view = owned.get();
+        window().setContentView(std::move(owned));
+        window().visibilityDidChange(true);
+        window().keyStateDidChange(true);
+        update();
+    }
+
+    void update() {
+        m_clock.goOn();
+        view().update(state);
+    }
+
+    Notes notes;
+    ConsoleState state;
+    ConsoleView& view() { return *m_view; }
+    Window& window() { return m_picture.window(); }
+    StripView& strip(int index) { return *view().row().strips()[static_cast<std::size_t>(index)]; }
+    std::shared_ptr<const Image> draw() { return m_picture.draw(); }
+
+    void send(EventType type, Point point, ModifierFlags flags = {}, int clicks = 1) {
+        Event event;
+        event.type = type;
+        event.locationInWindow = point;
+        event.modifierFlags = flags;
+        event.clickCount = clicks;
+        event.window = &window();
+        event.deltaX = point.x - m_pointer.x;
+        event.deltaY = point.y - m_pointer.y;
+        m_pointer = point;
+        window().sendEvent(event);
+    }
+    void click(Point point, int clicks = 1) {
+        send(EventType::LeftMouseDown, point, {}, clicks);
+        send(EventType::LeftMouseUp, point, {}, clicks);
+    }
+    void drag(Point from, Point to, ModifierFlags flags = {}) {
+        send(EventType::LeftMouseDown, from, flags);
+        send(EventType::LeftMouseDragged, to, flags);
+        send(EventType::LeftMouseUp, to, flags);
+    }
+    void wheel(Point point, float notches) {
+        Event event;
+        event.type = EventType::ScrollWheel;
+        event.locationInWindow = point;
+        event.deltaY = notches;
+        event.window = &window();
+        window().sendEvent(event);
+    }
+    void key(char16_t character, ModifierFlags flags = {}) {
+        Event event;
+        event.type = EventType::KeyDown;
+        event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
+        event.modifierFlags = flags;
+        event.window = &window();
+        window().sendEvent(event);
+    }
+
+    // What a screen reader finds by its name.
+    AccessibilityElement* find(const std::string& name) { return find(view(), name); }
+    Point middleOf(const std::string& name) {
+        AccessibilityElement* const found = find(name);
+        EXPECT_NE(found, nullptr) << name;
+        return found != nullptr ? accessibilityFrameInWindow(*found).center() : Point{};
+    }
+    void focus(const std::string& name) {
+        AccessibilityElement* const found = find(name);
+        ASSERT_NE(found, nullptr) << name;
+        window().giveKeyboardTo(*found->accessibilityView());
+        key(kF1Character);  // keys lead from here on
+    }
+
+private:
+    static AccessibilityElement* find(const AccessibilityElement& element,
+                                      const std::string& name) {
+        for (AccessibilityElement* child : shownAccessibilityChildren(element)) {
+            if (child->accessibilityName() == name) return child;
+            if (AccessibilityElement* found = find(*child, name)) return found;
+        }
+        return nullptr;
+    }
+
+    SteadyClock m_clock;
+    PictureWindow m_picture;
+    ConsoleView* m_view;
+    Point m_pointer;
+};
+
+std::string nameOf(int key) {
+    return "A file with quite a long name " + std::to_string(key) + ".wav";
+}
+
+Rect inWindow(const View& view) {
+    return view.convertRectToView(view.bounds(), nullptr);
+}
+
+Rect levelsOf(const MeterGroup& meters) {
+    return meters.convertRectToView(meters.firstCell().rectOfLevels(), nullptr);
+}
+
+// The reading line of a fader, as a height in the window.
+float readingLine(const StripSlider& fader) {
+    const Rect knob = fader.sliderCell().knobRectFlipped(fader.isFlipped());
+    return fader.convertRectToView(knob, nullptr).center().y;
+}
+
+// Where everything stands, for comparison.
+std::vector<Rect> framesIn(const View& view) {
+    std::vector<Rect> frames;
+    for (const auto& child : view.subviews()) {
+        if (child->isHidden()) continue;
+        frames.push_back(child->frame());
+        const auto inside = framesIn(*child);
+        frames.insert(frames.end(), inside.begin(), inside.end());
+    }
+    return frames;
+}
+
+// Inside of the card, and beside each other: the margins of sliders, in which their halos are,
+// count as free.
+void expectApart(const View& card) {
+    const auto coreOf = [](const View& view) {
+        const bool isSlider = dynamic_cast<const StripSlider*>(&view) != nullptr;
+        return isSlider ? view.frame().inset(4.0F, 4.0F) : view.frame();
+    };
+    const Rect inside = card.bounds().inset(7.0F, 7.0F);
+    for (const auto& view : card.subviews()) {
+        if (view->isHidden()) continue;
+        const Rect core = coreOf(*view);
+        EXPECT_EQ(core.united(inside), inside) << "of " << card.accessibilityName();
+        for (const auto& other : card.subviews()) {
+            if (other == view || other->isHidden()) continue;
+            const Rect both = coreOf(*other).intersection(core);
+            EXPECT_TRUE(both.size.width < 0.1F || both.size.height < 0.1F)
+                << view->accessibilityName() << " and " << other->accessibilityName();
+        }
+    }
+}
+
+TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
+    const Size sizes[] = {{1180, 720}, {1180, 540},  {560, 480},
+                          {460, 320},  {1920, 1080}, {1000, 480}};
+    for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F}) {
+        for (const Size size : sizes) {
+            Desk desk(size, 6, scale);
+            const std::string where =
+                formatted("%g at %g x %g", static_cast<double>(scale),
+                          static_cast<double>(size.width), static_cast<double>(size.height));
+            SCOPED_TRACE(where);
+            StripRow& row = desk.view().row();
+            const OutputView& output = desk.view().output();
+            const Rect levels = levelsOf(output.meters());
+            EXPECT_NEAR(std::remainder(levels.maxY() * scale, 1.0F), 0.0F, 0.01F);
+            const auto count = static_cast<int>(row.strips().size());
+            EXPECT_EQ(desk.view().bridge().isHidden(), row.inSight() == count);
+            for (int i = row.first(); i < row.first() + row.inSight(); ++i) {
+                const StripView& strip = desk.strip(i);
+                const Rect own = levelsOf(strip.meters());
+                EXPECT_EQ(own.minY(), levels.minY()) << i;
+                EXPECT_EQ(own.maxY(), levels.maxY()) << i;
+                const QkLevelMeterCell& cell = strip.meters().firstCell();
+                EXPECT_EQ(cell.scale().ticks().front().edge, 0.0F);
+                EXPECT_NEAR(own.size.height * scale,
+                            static_cast<float>(cell.LEDCount()) * 4.0F * scale, 0.01F);
+                EXPECT_LE(strip.frame().maxX(), row.bounds().size.width + 0.01F) << i;
+                if (strip.fader().isHidden()) continue;
+                const float expected =
+                    own.minY() + own.size.height * static_cast<float>(FaderScale::kZeroTravel);
+                EXPECT_NEAR(readingLine(strip.fader()) * scale, expected * scale, 0.51F);
+                if (!output.fader().isHidden()) {
+                    EXPECT_EQ(readingLine(strip.fader()), readingLine(output.fader()));
+                }
+                expectApart(strip);
+            }
+            expectApart(output);
+        }
+    }
+}
+
+TEST(ConsoleLayout, IsTheSameAfterFortyOthers) {
+    Desk desk({1180, 720}, 9);
+    const std::vector<Rect> before = framesIn(desk.view());
+    for (int i = 0; i < 40; ++i) {
+        desk.view().setFrame({{},
+                              {460.0F + 37.0F * static_cast<float>(i % 23),
+                               320.0F + 29.0F * static_cast<float>(i % 17)}});
+        desk.draw();
+    }
+    desk.view().setFrame({{}, {1180, 720}});
+    EXPECT_EQ(framesIn(desk.view()), before);
+}
+
+// Pixels whose channels differ as those of a signal colour do.
+int colouredPixels(const Image& image) {
+    const auto width = static_cast<std::int32_t>(image.size().width * image.scale());
+    const auto height = static_cast<std::int32_t>(image.size().height * image.scale());
+    int count = 0;
+    for (std::int32_t i = 0; i < width * height; ++i) {
+        const std::uint32_t pixel = image.pixelAt(i % width, i / width);
+        const auto [low, high] =
+            std::minmax({pixel >> 16U & 0xFFU, pixel >> 8U & 0xFFU, pixel & 0xFFU});
+        count += high - low > 64U;
+    }
+    return count;
+}
+
+TEST(ConsoleLook, HasNoColourAtRest) {
+    Desk desk({1180, 720}, 0);
+    desk.state = stateOf(3);
+    for (StripState& strip : desk.state.strips)
+        strip.meter.peaks.clear();
+    desk.update();
+    EXPECT_EQ(colouredPixels(*desk.draw()), 0);
+    desk.state.strips[0].gainDecibels = -6.0;
+    desk.update();
+    EXPECT_GT(colouredPixels(*desk.draw()), 50);
+    // What holds the cap while it is dragged captures nothing that the console has set.
+    desk.state.strips[0].gainDecibels = 0.2;
+    desk.update();
+    EXPECT_NEAR(desk.strip(0).fader().level(), 0.2, 1e-6);
+}
+
+TEST(ConsoleInput, AsksTheDelegate) {
+    Desk desk({1180, 720}, 3);
+    const auto expect = [&](const std::string& last) { EXPECT_EQ(desk.notes.last, last); };
+    const std::string one = nameOf(1);
+    desk.click(desk.middleOf("Mute " + one));
+    expect("mute 1 1.0");
+    desk.click(desk.middleOf("Solo " + nameOf(2)));
+    expect("solo 2 1.0");
+    desk.click(desk.middleOf("Menu of " + nameOf(3)));
+    expect("menu 3 0.0");
+    const Point wave = desk.middleOf("Waveform of " + one);
+    desk.click(wave);
+    expect("place 0 5.0");
+    desk.drag(wave, {wave.x + 500.0F, wave.y}, kShiftKeyMask);
+    expect("loop of 5 10.0");
+    desk.click(desk.middleOf("Return to start"));
+    expect("place 0 0.0");
+    desk.click(desk.middleOf("Play"));
+    expect("play 0 1.0");
+    desk.click(desk.middleOf("Loop"));
+    expect("loop 0 1.0");
+    desk.click(desk.middleOf("Dim"));
+    expect("dim 0 1.0");
+    desk.click(desk.middleOf("Add files"));
+    expect("add");
+    const Point name = inWindow(desk.strip(0)).center();
+    const float top = inWindow(desk.strip(0)).maxY() - 20.0F;
+    desk.drag({name.x, top}, {inWindow(desk.strip(2)).center().x + 30.0F, top});
+    expect("move 1 2.0");
+    const Point gain = desk.middleOf("gain of " + one);
+    desk.drag(gain, {gain.x, gain.y + 12.0F});
+    expect("gain 1 1.2");
+}
+
+TEST(ConsoleInput, HasAKeyForEverything) {
+    struct Row {
+        std::string focus;
+        char16_t key;
+        ModifierFlags flags;
+        std::string expected;
+    };
+    const std::string one = nameOf(1);
+    const Row rows[] = {
+        {"Solo " + one, u'm', {}, "mute 1 1.0"},
+        {"Mute " + one, u's', {}, "solo 1 1.0"},
+        {"Mute " + one, kReturnCharacter, {}, "mute 1 1.0"},
+        {"Mute " + one, kForwardDeleteCharacter, {}, "remove 1 0.0"},
+        {"fader of " + one, kUpArrowCharacter, {}, "gain 1 0.5"},
+        {"fader of " + one, kDownArrowCharacter, kShiftKeyMask, "gain 1 -0.1"},
+        {"pan of " + one, kRightArrowCharacter, kAlternateKeyMask, "pan 1 1.0"},
+        {"gain of " + one, kDownArrowCharacter, {}, "gain 1 -0.5"},
+        {"Waveform of " + one, kRightArrowCharacter, kAlternateKeyMask, "place 0 1.0"},
+        {"output fader", kUpArrowCharacter, {}, "output 0 0.5"},
+    };
+    for (const Row& row : rows) {
+        Desk desk({1180, 720}, 3);
+        desk.focus(row.focus);
+        desk.key(row.key, row.flags);
+        EXPECT_EQ(desk.notes.last, row.expected) << row.focus;
+    }
+}
+
+TEST(ConsoleInput, TakesATypedGain) {
+    const std::pair<std::u16string, std::string> rows[] = {{u"-3.5\r", "gain 1 -3.5"},
+                                                           {u"-3,5\r", "gain 1 -3.5"},
+                                                           {u"99\r", "gain 1 10.0"},
+                                                           {u"-5\x1B", ""},
+                                                           {u"-\r", ""},
+                                                           {u"12\x7F\r", "gain 1 1.0"}};
+    for (const auto& [typed, expected] : rows) {
+        Desk desk({1180, 720}, 3);
+        desk.click(desk.middleOf("gain of " + nameOf(1)), 2);
+        for (const char16_t character : typed)
+            desk.key(character);
+        EXPECT_EQ(desk.notes.last, expected);
+    }
+}
+
+TEST(ConsoleInput, LeadsFromStripToStripAndPartToPart) {
+    Desk desk({560, 480}, 12);
+    ConsoleView& view = desk.view();
+    StripRow& row = view.row();
+    const int inSight = row.inSight();
+    EXPECT_EQ(inSight, 3);
+    desk.focus("Solo " + nameOf(1));
+    for (int i = 0; i < inSight; ++i)
+        desk.key(kRightArrowCharacter);
+    EXPECT_EQ(row.focused(), &desk.strip(inSight));
+    EXPECT_EQ(row.first(), 1);  // it was brought into sight
+    desk.key(u's');
+    EXPECT_EQ(desk.notes.last, "solo 4 1.0");
+
+    // The right neighbour takes over what is removed; the last one has only a left one.
+    desk.state.strips.erase(desk.state.strips.begin() + inSight);
+    desk.update();
+    desk.key(u's');
+    EXPECT_EQ(desk.notes.last, "solo 5 1.0");
+
+    desk.wheel(inWindow(row).center(), -100.0F);
+    EXPECT_EQ(row.first(), 8);
+    const Rect bridge = inWindow(view.bridge());
+    desk.click({bridge.minX() + 10.0F, bridge.center().y});
+    EXPECT_EQ(row.first(), 0);
+    EXPECT_EQ(desk.find("Strips in sight")->accessibilityValueText(), "1 to 3 of 11");
+
+    view.addMessage("something");
+    const auto isIn = [&](const char* name) {
+        AccessibilityElement* const part = desk.find(name);
+        auto* focused = dynamic_cast<View*>(desk.window().firstResponder());
+        while (focused != nullptr && focused != part)
+            focused = focused->superview();
+        return part != nullptr && focused == part;
+    };
+    desk.focus("Play");
+    for (const char* const part : {"Strips", "Output", "Messages", "Transport"}) {
+        view.focusNextPart();
+        EXPECT_TRUE(isIn(part)) << part;
+    }
+}
+
+TEST(ConsoleClips, AgreeAndGoOutTogether) {
+    Desk desk({1180, 720}, 3);
+    ConsoleView& view = desk.view();
+    const auto clip = [&] {
+        const float justAbove = std::nextafter(1.0F, 2.0F);
+        desk.state.strips[0].meter.peaks = {justAbove};
+        desk.state.strips[0].meter.peak = justAbove;
+        desk.state.outputPeaks = {1.2F, 0.5F};
+        desk.update();
+        desk.state.strips[0].meter.peaks = {0.1F};
+        desk.state.strips[0].meter.peak = 0.1F;
+        desk.state.outputPeaks = {};
+        desk.update();
+    };
+    const std::string peak = "peak of " + nameOf(1);
+    clip();
+    EXPECT_NE(desk.find("Clips: 2"), nullptr);
+    EXPECT_TRUE(desk.strip(0).meters().hasClipped());
+    EXPECT_EQ(desk.find(peak)->accessibilityValueText(), "0.0 dB, clipped");
+    desk.click(desk.middleOf(nameOf(1) + " meters"));
+    EXPECT_FALSE(desk.strip(0).hasClipped());
+    EXPECT_EQ(desk.find(peak)->accessibilityValueText(), "silence");
+    desk.update();
+    EXPECT_NE(desk.find("Clips: 1"), nullptr);
+    clip();
+    desk.click(desk.middleOf("Clips: 2"));
+    desk.update();
+    EXPECT_FALSE(desk.strip(0).hasClipped() || view.output().hasClipped());
+}
+
+TEST(ConsoleMeters, ShowRmsLevelsWhenAsked) {
+    Desk desk({1180, 720}, 1);
+    desk.state.strips[0].squares = {0.25F};
+    desk.update();
+    EXPECT_EQ(desk.strip(0).meters().firstCell().rms(), std::nullopt);
+    desk.view().setShowsRms(true);
+    for (int i = 0; i < 200; ++i)
+        desk.update();
+    EXPECT_NEAR(*desk.strip(0).meters().firstCell().rms(), meterPositionForAmplitude(0.5F), 0.01F);
+}
+
+TEST(ConsoleMessages, StayUntilClosedAndOfferUndo) {
+    Desk desk({1180, 720}, 1);
+    const float before = inWindow(desk.strip(0)).minY();
+    desk.view().addMessage("first");
+    desk.view().addMessage("second");
+    EXPECT_GT(inWindow(desk.strip(0)).minY(), before + 40.0F);
+    EXPECT_NE(desk.find("second"), nullptr);
+    EXPECT_NE(desk.find("Show all (2)"), nullptr);
+    desk.view().offerUndo("amen");
+    EXPECT_NE(desk.find("Removed amen"), nullptr);
+    desk.click(desk.middleOf("Undo"));
+    EXPECT_EQ(desk.notes.last, "undo");
+    EXPECT_TRUE(desk.view().closeMessage());
+    EXPECT_NE(desk.find("second"), nullptr);
+    EXPECT_TRUE(desk.view().closeMessage());
+    EXPECT_FALSE(desk.view().closeMessage());
+    EXPECT_EQ(inWindow(desk.strip(0)).minY(), before);
+}
+
+TEST(ConsoleTimes, AreWrittenAsMusiciansReadThem) {
+    EXPECT_EQ(clockTime(67.9), "1:07");
+    EXPECT_EQ(clockTime(3723.0), "1:02:03");
+    EXPECT_EQ(preciseTime(7.19), "0:07.1");
+    EXPECT_EQ(axisStep(2.0, 140.0F, 34.0F), 0.5);
+    EXPECT_EQ(axisStep(94.0, 140.0F, 34.0F), 30.0);
+    EXPECT_EQ(axisText(90.0, 30.0), "1:30");
+    EXPECT_EQ(axisText(0.75, 0.25), "0.75");
+}
+
+TEST(ConsoleSettings, KeepTheNewestFilesAndTheSize) {
+    struct Memory final : Preferences {
+        Memory() : before(install(this)) {}
+        ~Memory() override { install(before); }
+        PropertyValue value(std::string_view key) const noexcept override {
+            const auto found = values.find(std::string(key));
+            return found != values.end() ? found->second : PropertyValue();
+        }
+        bool setValue(std::string_view key, const PropertyValue& value) noexcept override {
+            values[std::string(key)] = value;
+            return true;
+        }
+        std::error_code synchronise() noexcept override { return ++written, std::error_code(); }
+        std::error_code reload() noexcept override { return {}; }
+        std::map<std::string, PropertyValue> values;
+        int written = 0;
+        Preferences* const before;
+    } memory;
+    EXPECT_EQ(Settings::windowSize(), std::nullopt);
+    Settings::setWindowSize({900.0F, 600.0F});
+    EXPECT_EQ(Settings::windowSize(), (Size{900.0F, 600.0F}));
+    for (int i = 0; i < 10; ++i)
+        Settings::addRecentFile("/file " + std::to_string(i));
+    Settings::addRecentFile("/file 7");
+    const std::vector<std::string> files = Settings::recentFiles();
+    ASSERT_EQ(files.size(), Settings::kMostRecent);
+    EXPECT_EQ(files[0], "/file 7");
+    EXPECT_EQ(files[1], "/file 9");
+    EXPECT_EQ(std::count(files.begin(), files.end(), "/file 7"), 1);
+    EXPECT_EQ(memory.written, 12);
+}
+
+}  // namespace
+}  // namespace veltra::console::testing

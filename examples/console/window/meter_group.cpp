@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: MIT
+#include "meter_group.h"
+
+#include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/ui/canvas.h"
+#include "veltra/ui/drawing.h"
+
+#include <algorithm>
+
+namespace veltra::console {
+
+namespace {
+
+constexpr float kNameTop = 2.0F;  // below the glass
+constexpr float kNameHeight = 14.0F;
+constexpr double kLooksASecond = 60.0;
+
+// As much of a name as fits into the pitch of the bars: all of it, its first two letters, nothing.
+StyledText fitting(StyledText name, float pitch) {
+    if (name.size().width + 1.0F <= pitch) return name;
+    name.string.resize(std::min<std::size_t>(name.string.size(), 2));
+    if (name.size().width + 1.0F > pitch) name.string.clear();
+    return name;
+}
+
+}  // namespace
+
+MeterGroup::MeterGroup(int channels, const ChannelPlan& plan) {
+    for (int channel = 0; channel < std::max(channels, 1); ++channel) {
+        m_channelNames.push_back(
+            channels == 1 ? "M" : plan.channelName(static_cast<std::size_t>(channel)));
+        auto cell = std::make_unique<QkLevelMeterCell>();
+        cell->setOrientation(LevelMeterOrientation::Vertical);
+        cell->setLevelScale(LevelMeterLevels::Decibels);
+        cell->setLEDPitch(CardLayout::kPitch);
+        cell->setAccessibilityDescription("channel " + m_channelNames.back());
+        cell->setAccessibilityParent(this);
+        m_cells.push_back(std::move(cell));
+        m_averages.emplace_back(kLooksASecond);
+    }
+    layOut();
+}
+
+void MeterGroup::setBars(float width, float gap) {
+    m_bar = width;
+    m_gap = gap;
+    layOut();
+}
+
+Rect MeterGroup::glassRect() const {
+    return {{}, {bounds().size.width, bounds().size.height - CardLayout::kNames}};
+}
+
+void MeterGroup::layOut() {
+    const Rect inside = glassRect().inset(CardLayout::kGlass, CardLayout::kGlass);
+    float left = inside.minX();
+    for (const auto& cell : m_cells) {
+        cell->calculateInternalsFromCellFrame(
+            {{left, inside.minY()}, {m_bar, std::max(inside.size.height, 0.0F)}}, *this);
+        left += m_bar + m_gap;
+    }
+    toolTips().removeAllToolTips();
+    toolTips().addToolTipRect(glassRect(), "Peak level in dBFS; a click resets clip lights");
+    setNeedsDisplay();
+}
+
+void MeterGroup::viewDidMoveToWindow() {
+    Control::viewDidMoveToWindow();
+    layOut();
+}
+
+void MeterGroup::setPeaks(std::span<const float> peaks) {
+    for (std::size_t i = 0; i < m_cells.size(); ++i) {
+        const float peak = i < peaks.size() ? peaks[i] : 0.0F;
+        m_cells[i]->setLevel(meterPositionForAmplitude(peak));
+        // What is above full scale by less than a position can say has clipped, too.
+        if (peak > 1.0F && !m_cells[i]->peak()) m_cells[i]->setPeak(true);
+    }
+}
+
+void MeterGroup::setSquares(std::span<const float> squares) {
+    for (std::size_t i = 0; i < m_cells.size(); ++i) {
+        if (i >= squares.size()) {
+            m_cells[i]->setRms(std::nullopt);
+            continue;
+        }
+        const float rms = m_averages[i].add({.meanSquare = squares[i], .frames = 1});
+        m_cells[i]->setRms(meterPositionForAmplitude(rms));
+    }
+}
+
+void MeterGroup::setMuted(bool isMuted) {
+    for (const auto& cell : m_cells)
+        cell->setMuted(isMuted);
+}
+
+bool MeterGroup::hasClipped() const {
+    return std::any_of(m_cells.begin(), m_cells.end(),
+                       [](const auto& cell) { return cell->peak(); });
+}
+
+void MeterGroup::clearClips() {
+    for (const auto& cell : m_cells) {
+        if (cell->peak()) cell->setPeak(false);
+    }
+}
+
+float MeterGroup::shownLevel() const {
+    float level = 0.0F;
+    for (const auto& cell : m_cells)
+        level = std::max(level, cell->displayLevel());
+    return level;
+}
+
+void MeterGroup::drawRect(Canvas& canvas, const Rect& dirty) {
+    const Rect glass = glassRect();
+    if (needsToDrawRect(glass)) drawLevelMeterGlass(canvas, glass, effectiveAppearance(), 0.0F);
+    if (dirty.maxY() > glass.maxY()) drawNames(canvas);
+    for (const auto& cell : m_cells) {
+        if (needsToDrawRect(cell->cellFrame()))
+            cell->drawWithFrame(canvas, cell->cellFrame(), *this);
+    }
+}
+
+// The cells, and the glass between them.
+Rect MeterGroup::opaqueRect() const {
+    const Rect first = m_cells.front()->opaqueRect();
+    const Rect last = m_cells.back()->opaqueRect();
+    return first.isEmpty() || last.isEmpty() ? Rect{} : first.united(last);
+}
+
+void MeterGroup::drawNames(Canvas& canvas) const {
+    const float pitch = m_bar + m_gap;
+    for (std::size_t i = 0; i < m_cells.size(); ++i) {
+        const StyledText name =
+            fitting({m_channelNames[i], themeFont(10.0F, FontWeight::Medium),
+                     theme(effectiveAppearance()).caption, TextAlignment::Center},
+                    pitch);
+        const Rect bar = m_cells[i]->cellFrame();
+        canvas.drawText(
+            name,
+            {{bar.center().x - pitch * 0.5F, glassRect().maxY() + kNameTop}, {pitch, kNameHeight}},
+            TextPlacement::Capitals);
+    }
+}
+
+void MeterGroup::mouseDown(const Event& /*event*/) {
+    clearClips();
+    sendAction();
+}
+
+bool MeterGroup::wantsKey(const Event& event) const {
+    return event.plainKey() == kReturnCharacter || event.plainKey() == kEnterCharacter;
+}
+
+void MeterGroup::keyDown(const Event& event) {
+    if (!wantsKey(event)) return Control::keyDown(event);
+    clearClips();
+    sendAction();
+}
+
+std::optional<View::FocusShape> MeterGroup::focusShape() const {
+    return FocusShape{glassRect(), CardLayout::kGlass};
+}
+
+std::vector<AccessibilityElement*> MeterGroup::accessibilityChildren() const {
+    std::vector<AccessibilityElement*> children;
+    for (const auto& cell : m_cells)
+        children.push_back(cell.get());
+    return children;
+}
+
+std::vector<AccessibilityAction> MeterGroup::accessibilityActions() const {
+    return {AccessibilityAction::Press};
+}
+
+bool MeterGroup::performAccessibilityAction(AccessibilityAction action) {
+    if (action != AccessibilityAction::Press) return false;
+    clearClips();
+    sendAction();
+    return true;
+}
+
+}  // namespace veltra::console

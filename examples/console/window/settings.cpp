@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "settings.h"
+
+#include "veltra/platform/preferences.h"
+
+#include <algorithm>
+
+namespace veltra::console {
+
+namespace {
+
+constexpr char kWindow[] = "ConsoleWindow";
+constexpr char kWidth[] = "width";
+constexpr char kHeight[] = "height";
+constexpr char kRms[] = "ConsoleMetersShowRms";
+constexpr char kRecent[] = "ConsoleRecentFiles";
+
+void store(std::string_view key, const PropertyValue& value) {
+    Preferences& preferences = Preferences::current();
+    preferences.setValue(key, value);
+    static_cast<void>(preferences.synchronise());
+}
+
+}  // namespace
+
+std::optional<Size> Settings::windowSize() {
+    const PropertyValue window = Preferences::current().value(kWindow);
+    const auto width = static_cast<float>(window[kWidth].asReal());
+    const auto height = static_cast<float>(window[kHeight].asReal());
+    if (!(width > 0.0F) || !(height > 0.0F)) return std::nullopt;
+    return Size{width, height};
+}
+
+void Settings::setWindowSize(Size size) {
+    if (windowSize() == size) return;
+    store(kWindow, PropertyValue::Dictionary{{kWidth, size.width}, {kHeight, size.height}});
+}
+
+bool Settings::showsRms() {
+    return Preferences::current().value(kRms).asBool();
+}
+
+void Settings::setShowsRms(bool shows) {
+    store(kRms, shows);
+}
+
+// A name that is no UTF-8 is kept as the bytes that it is.
+std::vector<std::string> Settings::recentFiles() {
+    const PropertyValue stored = Preferences::current().value(kRecent);
+    std::vector<std::string> files;
+    for (const PropertyValue& file : stored.asArray()) {
+        const auto bytes = file.asData();
+        if (!bytes.empty()) files.emplace_back(bytes.begin(), bytes.end());
+    }
+    return files;
+}
+
+void Settings::addRecentFile(const std::string& path) {
+    std::vector<std::string> files = recentFiles();
+    if (!files.empty() && files.front() == path) return;
+    std::erase(files, path);
+    files.insert(files.begin(), path);
+    files.resize(std::min(files.size(), kMostRecent));
+    PropertyValue::Array stored;
+    for (const std::string& file : files)
+        stored.emplace_back(PropertyValue::Data(file.begin(), file.end()));
+    store(kRecent, stored);
+}
+
+}  // namespace veltra::console

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// What the window keeps from one run to the next, in the framework's preferences.
+#pragma once
+
+#include "veltra/ui/geometry.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace veltra::console {
+
+// Each of these reads or writes at once; what cannot be stored is lost without a word, since the
+// console plays as well without. Thread: main.
+struct Settings {
+    static constexpr std::size_t kMostRecent = 8;
+
+    static std::optional<Size> windowSize();
+    static void setWindowSize(Size size);
+
+    static bool showsRms();
+    static void setShowsRms(bool shows);
+
+    // The newest first; no file twice.
+    static std::vector<std::string> recentFiles();
+    static void addRecentFile(const std::string& path);
+};
+
+}  // namespace veltra::console

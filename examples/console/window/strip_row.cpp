@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: MIT
+#include "strip_row.h"
+
+#include "veltra/ui/drawing.h"
+#include "veltra/ui/window.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace veltra::console {
+
+namespace {
+
+constexpr float kGrid = 4.0F;
+constexpr float kLeastForDrop = 120.0F;  // points of room
+constexpr float kDragBegins = 6.0F;      // points
+
+}  // namespace
+
+StripRow::StripRow(ConsoleDelegate& delegate)
+    : m_delegate(delegate), m_drop(addSubview(std::make_unique<DropView>(delegate))) {
+    m_drop.setIsWhole(false);
+    m_drop.setHidden(true);
+}
+
+bool StripRow::doFit(std::span<const StripState> strips, float width, CardKind kind) {
+    float needed = -kGap;
+    for (const StripState& strip : strips)
+        needed += StripView::leastWidth(strip.format, kind) + kGap;
+    return needed <= width;
+}
+
+float StripRow::leastWidth(int index) const {
+    return StripView::leastWidth(m_strips[static_cast<std::size_t>(index)]->format(), m_narrowest);
+}
+
+// How many fit, beginning with that one; at least one.
+int StripRow::countFrom(int first) const {
+    float room = bounds().size.width + kGap;
+    int count = 0;
+    for (int i = first; i < static_cast<int>(m_strips.size()); ++i, ++count) {
+        room -= leastWidth(i) + kGap;
+        if (room < 0.0F) break;
+    }
+    return std::max(count, m_strips.empty() ? 0 : 1);
+}
+
+// From which on all fit.
+int StripRow::lastFirst() const {
+    const auto count = static_cast<int>(m_strips.size());
+    int first = std::max(count - 1, 0);
+    while (first > 0 && countFrom(first - 1) == count - first + 1)
+        --first;
+    return first;
+}
+
+void StripRow::setNarrowest(CardKind kind) {
+    if (kind == m_narrowest) return;
+    m_narrowest = kind;
+    layOut();
+}
+
+void StripRow::scrollTo(int first) {
+    const int before = m_first;
+    m_first = first;
+    layOut();
+    if (m_first != before && superview() != nullptr) superview()->setNeedsDisplay();
+}
+
+void StripRow::layOut() {
+    m_first = std::clamp(m_first, 0, lastFirst());
+    m_inSight = countFrom(m_first);
+    const float height = bounds().size.height;
+    const int end = m_first + m_inSight;
+    const auto count = static_cast<int>(m_strips.size());
+
+    // What is left over goes to all alike, in steps of the grid, up to their maximum.
+    float room = bounds().size.width + kGap;
+    for (int i = m_first; i < end; ++i)
+        room -= leastWidth(i) + kGap;
+    std::vector<float> more(m_strips.size(), 0.0F);
+    for (bool isChanged = true; isChanged && room >= kGrid;) {
+        isChanged = false;
+        for (int i = m_first; i < end && room >= kGrid; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            if (leastWidth(i) + more[at] + kGrid > StripView::mostWidth(m_strips[at]->format()))
+                continue;
+            more[at] += kGrid;
+            room -= kGrid;
+            isChanged = true;
+        }
+    }
+    float left = 0.0F;
+    for (int i = m_first; i < count; ++i) {
+        if (i == end) left = std::max(left, bounds().size.width + kGap);
+        const auto at = static_cast<std::size_t>(i);
+        const float width = leastWidth(i) + more[at];
+        m_strips[at]->setFrame({{left, 0.0F}, {width, height}});
+        left += width + kGap;
+        if (i == end - 1 && end == count) break;
+    }
+    float right = -kGap;
+    for (int i = m_first - 1; i >= 0; --i) {
+        const float width = leastWidth(i);
+        m_strips[static_cast<std::size_t>(i)]->setFrame({{right - width, 0.0F}, {width, height}});
+        right -= width + kGap;
+    }
+    const float used = m_strips.empty()
+                           ? 0.0F
+                           : m_strips[static_cast<std::size_t>(end - 1)]->frame().maxX() + kGap;
+    const float free = bounds().size.width - used;
+    m_drop.setHidden(free < kLeastForDrop || m_strips.empty());
+    m_drop.setFrame({{used, 0.0F}, {std::max(free, 0.0F), height}});
+    setNeedsDisplay();
+}
+
+// Returns whether strips have come, gone or moved. The keyboard goes to the right neighbour of one
+// that goes.
+bool StripRow::match(const ConsoleState& state) {
+    const auto keyAt = [&](std::size_t i) { return state.strips[i].key; };
+    bool isSame = m_strips.size() == state.strips.size();
+    for (std::size_t i = 0; isSame && i < m_strips.size(); ++i)
+        isSame = m_strips[i]->key() == keyAt(i);
+    if (isSame) return false;
+
+    const StripView* const before = focused();
+    const int part = before != nullptr ? before->focusedPart() : -1;
+    std::size_t place = 0;  // of the strip with the keyboard
+    while (before != nullptr && place < m_strips.size() && m_strips[place] != before)
+        ++place;
+    const StripKey focusedKey = before != nullptr ? before->key() : 0;
+
+    std::vector<StripView*> old = std::exchange(m_strips, {});
+    for (const StripState& strip : state.strips) {
+        const auto found = std::find_if(old.begin(), old.end(), [&](const StripView* view) {
+            return view->key() == strip.key;
+        });
+        if (found != old.end()) {
+            m_strips.push_back(*found);
+            old.erase(found);
+        } else {
+            m_strips.push_back(&addSubview(std::make_unique<StripView>(strip, m_delegate)));
+        }
+    }
+    orderViews();
+    layOut();
+    if (part >= 0 && !m_strips.empty()) {
+        auto heir = std::find_if(m_strips.begin(), m_strips.end(),
+                                 [&](const StripView* view) { return view->key() == focusedKey; });
+        if (heir == m_strips.end())
+            heir = m_strips.begin() +
+                   static_cast<std::ptrdiff_t>(std::min(place, m_strips.size() - 1));
+        (*heir)->focusPart(part);
+    }
+    for (StripView* const view : old) {
+        view->setHidden(true);
+        view->removeFromSuperview();
+    }
+    return true;
+}
+
+// Tab goes by the order of the views.
+void StripRow::orderViews() {
+    std::size_t next = 0;
+    for (const auto& view : subviews()) {
+        if (next < m_strips.size() && view.get() == m_strips[next]) ++next;
+    }
+    if (next == m_strips.size()) return;
+    for (StripView* const view : m_strips) {
+        if (auto taken = view->takeFromSuperview()) addSubview(std::move(taken));
+    }
+}
+
+void StripRow::update(const ConsoleState& state) {
+    match(state);
+    for (std::size_t i = 0; i < m_strips.size(); ++i)
+        m_strips[i]->update(state.strips[i], state);
+}
+
+StripView* StripRow::focused() const {
+    const auto found = std::find_if(m_strips.begin(), m_strips.end(),
+                                    [](const StripView* view) { return view->focusedPart() >= 0; });
+    return found != m_strips.end() ? *found : nullptr;
+}
+
+bool StripRow::takeKeyboard() {
+    constexpr int kMute = 4;
+    return !m_strips.empty() && m_strips[static_cast<std::size_t>(m_first)]->focusPart(kMute);
+}
+
+bool StripRow::scrollRectToVisible(const Rect& rect) {
+    const auto count = static_cast<int>(m_strips.size());
+    for (int i = 0; i < count; ++i) {
+        const Rect& frame = m_strips[static_cast<std::size_t>(i)]->frame();
+        if (rect.center().x < frame.minX() || rect.center().x >= frame.maxX()) continue;
+        if (i >= m_first && i < m_first + m_inSight) return false;
+        if (i < m_first) {
+            scrollTo(i);
+        } else {
+            // The first one with which this is in sight, too.
+            int first = m_first;
+            while (first < i && first + countFrom(first) <= i)
+                ++first;
+            scrollTo(first);
+        }
+        return true;
+    }
+    return false;
+}
+
+void StripRow::scrollWheel(const Event& event) {
+    m_wheel += event.deltaX != 0.0F ? event.deltaX : event.deltaY;
+    const float notches = std::trunc(m_wheel);
+    m_wheel -= notches;
+    if (notches != 0.0F) scrollTo(m_first - static_cast<int>(notches));
+}
+
+int StripRow::indexAt(float x) const {
+    for (std::size_t i = 0; i < m_strips.size(); ++i) {
+        const Rect& frame = m_strips[i]->frame();
+        if (x >= frame.minX() && x < frame.maxX()) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+// A card is dragged by its name.
+
+void StripRow::mouseDown(const Event& event) {
+    const Point at = locationOf(event);
+    const int index = indexAt(at.x);
+    m_dragged = 0;
+    m_dropPlace = -1;
+    if (index < 0) return;
+    StripView& strip = *m_strips[static_cast<std::size_t>(index)];
+    if (!strip.isHandle(strip.locationOf(event))) return;
+    m_dragged = strip.key();
+    m_dragFrom = at.x;
+}
+
+void StripRow::mouseDragged(const Event& event) {
+    if (m_dragged == 0) return;
+    const float x = locationOf(event).x;
+    if (m_dropPlace < 0 && std::fabs(x - m_dragFrom) < kDragBegins) return;
+    int place = m_first;
+    for (int i = m_first; i < m_first + m_inSight; ++i) {
+        if (x > m_strips[static_cast<std::size_t>(i)]->frame().center().x) place = i + 1;
+    }
+    if (place == m_dropPlace) return;
+    m_dropPlace = place;
+    if (superview() != nullptr) superview()->setNeedsDisplay();
+    setNeedsDisplay();
+}
+
+void StripRow::mouseUp(const Event& /*event*/) {
+    const StripKey key = std::exchange(m_dragged, 0);
+    int place = std::exchange(m_dropPlace, -1);
+    if (key == 0 || place < 0) return;
+    setNeedsDisplay();
+    const auto from = std::find_if(m_strips.begin(), m_strips.end(),
+                                   [key](const StripView* view) { return view->key() == key; });
+    if (from == m_strips.end()) return;
+    if (from - m_strips.begin() < place) --place;  // it leaves its own place
+    if (from - m_strips.begin() != place) m_delegate.stripWasMoved(key, place);
+}
+
+void StripRow::setHovered(const StripView* strip) {
+    const StripKey key = strip != nullptr ? strip->key() : 0;
+    if (key == m_hovered) return;
+    for (StripView* const each : m_strips)
+        each->setHovered(each->key() == key);
+    m_hovered = key;
+}
+
+void StripRow::mouseMoved(const Event& event) {
+    const int index = indexAt(locationOf(event).x);
+    setHovered(index < 0 ? nullptr : m_strips[static_cast<std::size_t>(index)]);
+    View::mouseMoved(event);
+}
+
+void StripRow::keyDown(const Event& event) {
+    const char16_t key = event.plainKey();
+    const bool isNext = key == kRightArrowCharacter;
+    const StripView* const strip = focused();
+    if (strip == nullptr || (!isNext && key != kLeftArrowCharacter)) return View::keyDown(event);
+    const auto at = std::find(m_strips.begin(), m_strips.end(), strip) - m_strips.begin();
+    const auto next = at + (isNext ? 1 : -1);
+    if (next < 0 || next >= static_cast<std::ptrdiff_t>(m_strips.size())) return;
+    m_strips[static_cast<std::size_t>(next)]->focusPart(strip->focusedPart());
+}
+
+// Where the strip that is being dragged would come.
+void StripRow::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
+    if (m_dropPlace < 0 || m_strips.empty()) return;
+    const bool isLast = m_dropPlace >= m_first + m_inSight;
+    const Rect& beside =
+        m_strips[static_cast<std::size_t>(isLast ? m_dropPlace - 1 : m_dropPlace)]->frame();
+    const float x = isLast ? beside.maxX() + kGap * 0.5F : beside.minX() - kGap * 0.5F;
+    const float inside = std::clamp(x - 1.0F, 0.0F, bounds().size.width - 2.0F);
+    fillAligned(canvas, {{inside, 0.0F}, {2.0F, bounds().size.height}},
+                theme(effectiveAppearance()).accent);
+}
+
+}  // namespace veltra::console
