@@ -5,7 +5,6 @@
 #include "text.h"
 #include "veltra/diagnostics/backtracing_exception.h"
 #include "veltra/diagnostics/exception_report.h"
-#include "veltra/diagnostics/terminate_report.h"
 #include "veltra/infrastructure/hardware_report.h"
 #include "veltra/platform/application_facts.h"
 #include "veltra/platform/bundle_information.h"
@@ -42,7 +41,6 @@ std::string devicesText() {
 void introduceProgram() {
     setBundleInformationText("CFBundleName", "Veltra Console");
     setBundleInformationText("CFBundleShortVersionString", CONSOLE_VERSION);
-    VLInstallTerminateHandler();
 }
 
 std::string aboutText() {

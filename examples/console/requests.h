@@ -9,8 +9,7 @@
 
 namespace veltra::console {
 
-// Tells the framework who this program is, and lets what nobody catches be reported before it ends
-// the process. Call it first in main().
+// Tells the framework who this program is. Call it first in main().
 void introduceProgram();
 
 // Name and version of the program, then those of the system: two lines.

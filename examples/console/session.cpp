@@ -5,6 +5,7 @@
 #include "mix_file.h"
 #include "text.h"
 #include "veltra/diagnostics/log.h"
+#include "veltra/diagnostics/terminate_report.h"
 #include "veltra/infrastructure/timer.h"
 #include "veltra/platform/poll_run_loop.h"
 
@@ -66,6 +67,8 @@ void Session::runHeadless() {
 }
 
 void Session::runLive() {
+    // It reads all names of the program, for which a run that only reads files would have to wait.
+    VLInstallTerminateHandler();
     std::string notice;
     m_output = std::make_unique<LiveOutput>(m_options.device, m_first->format().rate, notice);
     if (!notice.empty() && m_options.device.id == Device::Auto.id) {

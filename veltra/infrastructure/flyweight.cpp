@@ -6,7 +6,6 @@
 #include "veltra/infrastructure/flyweight_pool.h"
 #include "veltra/infrastructure/monitor.h"
 
-
 namespace veltra {
 
 constinit PlainClass QKFlyweight::s_class("QKFlyweight", &Object::s_class, nullptr);

@@ -12,6 +12,7 @@
 #include "console_widget.h"
 #include "loudest_picture.h"
 #include "veltra/diagnostics/backtracing_exception.h"
+#include "veltra/diagnostics/terminate_report.h"
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>
@@ -24,6 +25,7 @@ namespace {
 using namespace veltra::console;
 
 int showWindow(const Options& options) {
+    veltra::VLInstallTerminateHandler();
     veltra::VLBacktracingException::install();
     listenForInterruption();
     Player player(options.device);
