@@ -49,7 +49,7 @@ function judgeInclude(name) {
 }
 
 BEGIN {
-    for (n = split("stdarg.h stdbool.h stddef.h stdint.h immintrin.h", names, " "); n > 0; --n)
+    for (n = split("stdarg.h stdbool.h stddef.h stdint.h arm_acle.h arm_neon.h immintrin.h", names, " "); n > 0; --n)
         portable[names[n]]
     while ((getline line < "veltra/rooms.txt") > 0) {
         if (line !~ /^[A-Za-z]/) continue
