@@ -76,7 +76,7 @@ std::string whyNotWrite(const std::string& path, OutputKind kind,
     std::error_code ignored;
     for (const std::string& input : inputs) {
         if (fs::equivalent(path, input, ignored))
-            return path + " is one of the recordings" + advice;
+            return std::string(path).append(" is one of the recordings").append(advice);
     }
     if (*rules.extension != '\0' && fs::path(path).extension() != rules.extension)
         return path + rules.rule;
