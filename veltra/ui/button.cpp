@@ -216,6 +216,12 @@ void Button::mouseExited(const Event& /*event*/) {
     buttonCell().setHovered(false);
 }
 
+// The pointer does not leave what is taken away under it.
+void Button::viewDidMoveToWindow() {
+    Control::viewDidMoveToWindow();
+    buttonCell().setHovered(false);
+}
+
 std::optional<View::FocusShape> Button::focusShape() const {
     return FocusShape{bounds(), buttonCell().cornerRadius()};
 }

@@ -103,6 +103,7 @@ public:
     void keyDown(const Event& event) override;
     void mouseEntered(const Event& event) override;
     void mouseExited(const Event& event) override;
+    void viewDidMoveToWindow() override;
     Cursor cursorAt(Point point) const override;
     std::optional<FocusShape> focusShape() const override;
 };
