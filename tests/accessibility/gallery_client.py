@@ -38,8 +38,8 @@ drags = {
         (SLIDER, 0, (30, 20), (30, 20), 31, 0),     # beside the range, to an octave
     ],
     "buttons": [
-        (BUTTON, 4, (9, 9), (9, -9), False, False),  # let go outside
-        (BUTTON, 4, (9, 9), (9, 9), False, True),
+        (BUTTON, 7, (9, 9), (9, -9), False, False),  # let go outside
+        (BUTTON, 7, (9, 9), (9, 9), False, True),
     ],
 }.get(sheet, [])
 
