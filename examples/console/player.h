@@ -71,8 +71,10 @@ public:
     // Looks after strips and the device. Call it every now and then. Answers what went wrong since.
     std::vector<std::string> tick();
 
-    // The present state; takes the peaks.
+    // The present state; takes the peaks, so that only who draws the meters may ask.
     const ConsoleState& look();
+    // What look() found last, and what was added, removed and set on strips since.
+    const ConsoleState& state() const noexcept { return m_state; }
 
     // Stops, and answers an entry for each file that was tried, in that order.
     std::vector<ReportEntry> finish();

@@ -59,7 +59,7 @@ private:
 
 ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
     const Size size =
-        Settings::windowSize().value_or(ConsoleView::sizeForStrips(m_player.look().strips));
+        Settings::windowSize().value_or(ConsoleView::sizeForStrips(m_player.state().strips));
     auto view = std::make_unique<ConsoleView>(Rect{{}, size}, *this);
     m_view = view.get();
     setContentView(std::move(view));
@@ -92,9 +92,9 @@ void ConsoleWidget::offerActions() {
         entry->setSeparator(true);
         addAction(entry);
     };
-    offer("&Play or stop", Qt::Key_Space, [this] { playWasSwitched(!m_player.look().playing); });
+    offer("&Play or stop", Qt::Key_Space, [this] { playWasSwitched(!m_player.state().playing); });
     offer("&Return to start", Qt::Key_Home, [this] { placeWasChosen(0.0); });
-    offer("&Loop", Qt::Key_L, [this] { loopWasSwitched(!m_player.look().looping); });
+    offer("&Loop", Qt::Key_L, [this] { loopWasSwitched(!m_player.state().looping); });
     line();
     offer("&Add files\u2026", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
     auto* const recent = offer("Add recent &file", {}, [] {});
@@ -187,7 +187,7 @@ void ConsoleWidget::addFilesWasPressed() {
 }
 
 void ConsoleWidget::removeStripWasPressed(StripKey key) {
-    const auto& strips = m_player.look().strips;
+    const auto& strips = m_player.state().strips;
     const auto strip = std::find_if(strips.begin(), strips.end(),
                                     [key](const StripState& each) { return each.key == key; });
     if (strip == strips.end()) return;
@@ -224,7 +224,7 @@ QMenu* ConsoleWidget::popUp(const View& view) {
 }
 
 void ConsoleWidget::stripMenuWasPressed(StripKey key, View& button) {
-    const auto& strips = m_player.look().strips;
+    const auto& strips = m_player.state().strips;
     const auto strip = std::find_if(strips.begin(), strips.end(),
                                     [key](const StripState& each) { return each.key == key; });
     if (strip == strips.end()) return;
@@ -293,7 +293,7 @@ void ConsoleWidget::soloWasSwitched(StripKey key, bool soloed) {
 }
 
 std::int64_t ConsoleWidget::framesOf(double seconds) const {
-    return std::llround(seconds * m_player.look().rate);
+    return std::llround(seconds * m_player.state().rate);
 }
 
 void ConsoleWidget::playWasSwitched(bool playing) {
@@ -308,7 +308,7 @@ void ConsoleWidget::placeWasChosen(double seconds) {
 
 // Where no loop has been drawn it is all of the longest file.
 void ConsoleWidget::loopWasSwitched(bool looping) {
-    const ConsoleState& state = m_player.look();
+    const ConsoleState& state = m_player.state();
     std::int64_t begin = state.loopBegin;
     std::int64_t end = state.loopEnd;
     if (looping && end <= begin) {
