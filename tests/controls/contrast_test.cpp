@@ -3,7 +3,6 @@
 // apart by every kind of eyes: measured on pictures at every scale, in both appearances. Of a text,
 // the pixel that differs most from its ground counts: where a stroke fills one.
 #include "on_pictures.h"
-#include "sight.h"
 #include "veltra/controls/keyboard/keyboard_view.h"
 #include "veltra/controls/keyboard/octave_picker_view.h"
 #include "veltra/controls/level_meters/level_meter_scale_view.h"
@@ -12,6 +11,7 @@
 #include "veltra/controls/number_editor/number_display.h"
 #include "veltra/controls/sliders/slider_presets.h"
 #include "veltra/ui/button.h"
+#include "veltra/ui/testing/sight.h"
 #include "veltra/ui/theme.h"
 #include "veltra/ui/value_tip.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "on_pictures.h"
-#include "sight.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/level_meters/level_meter_scale_view.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
+#include "veltra/ui/testing/sight.h"
 #include "veltra/ui/theme.h"
 
 #include <set>
