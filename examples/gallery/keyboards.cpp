@@ -43,7 +43,7 @@ public:
 
 Specimen picker(std::string caption, bool isLarge,
                 const std::function<void(DfOctavePickerView&)>& set,
-                std::function<void(Window&)> drive = {}) {
+                std::function<void(Window&)> drive = {}, float margin = 8.0F) {
     const Size size = DfOctavePickerView::naturalSize(isLarge);
     return {std::move(caption), size,
             [=] {
@@ -52,7 +52,7 @@ Specimen picker(std::string caption, bool isLarge,
                 if (set) set(*made);
                 return made;
             },
-            std::move(drive)};
+            std::move(drive), margin};
 }
 
 Specimen keys(std::string caption, const std::function<void(KeyboardView&)>& set,
@@ -73,7 +73,8 @@ Specimen keys(std::string caption, const std::function<void(KeyboardView&)>& set
 Sheet keyboardSheet() {
     // Where the range and the keys are, in the window of a specimen.
     constexpr Point kOnRange{250.0F, 28.0F};
-    constexpr Point kOnShortRange{190.0F, 20.0F};
+    constexpr float kRoomForTip = 40.0F;
+    constexpr Point kOnShortRange{182.0F + kRoomForTip, 12.0F + kRoomForTip};
     constexpr Point kOnKey{60.0F, 24.0F};
     const auto overRange = [=](Window& window) { hover(window, kOnRange); };
     const auto dragged = [=](Window& window) {
@@ -89,18 +90,18 @@ Sheet keyboardSheet() {
                        return made;
                    },
                    {}};
-    return {
-        "keyboard",
-        "Octave picker and keyboard",
-        {{picker("large", true, {}), picker("short", false, {})},
-         {picker("under the pointer", true, {}, overRange), picker("dragged", false, {}, dragged)},
-         {picker("focused", true, {}, focus),
-          picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
-         {keys("at rest", {}),
-          keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
-          keys("played", {}, [=](Window& window) { press(window, kOnKey); }),
-          keys("focused", {}, focus)},
-         {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole}}};
+    return {"keyboard",
+            "Octave picker and keyboard",
+            {{picker("large", true, {}), picker("short", false, {})},
+             {picker("under the pointer", true, {}, overRange),
+              picker("dragged", false, {}, dragged, kRoomForTip)},
+             {picker("focused", true, {}, focus),
+              picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
+             {keys("at rest", {}),
+              keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
+              keys("played", {}, [=](Window& window) { press(window, kOnKey); }),
+              keys("focused", {}, focus)},
+             {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole}}};
 }
 
 }  // namespace veltra::gallery
