@@ -215,7 +215,7 @@ TEST(Fold, IsOfConstantPowerByAngleAndTheMiddleLeavesAFileAsItIs) {
 struct Take {
     Engine engine;
     std::vector<float> left, right;
-    int count = 0;
+    std::size_t count = 0;
 
     explicit Take(std::initializer_list<std::string> paths)
         : engine(Engine::Feeding::ByCallerResampled, 44100, Engine::AtEnd::Stays) {
