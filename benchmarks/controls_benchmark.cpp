@@ -124,7 +124,8 @@ void console32Strips(benchmark::State& state) {
         shown.strips.push_back(std::move(strip));
     }
     ConsoleDelegate nobody;
-    const float width = 33.0F * (StripView::widthFor({}) + 10.0F) + 120.0F;  // all of them in sight
+    const float width =
+        33.0F * (StripView::mostWidth({}) + 10.0F) + 200.0F;  // all of them in sight
     auto owned = std::make_unique<ConsoleView>(Rect{{}, {width, 460.0F}}, nobody);
     ConsoleView& view = *owned;
     Screen screen(std::move(owned));
