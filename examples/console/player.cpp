@@ -144,14 +144,6 @@ void Player::setSoloed(StripKey key, bool soloed) {
     applySettings(*strip);
 }
 
-std::string Player::playAgain(StripKey key) {
-    const StripState* const strip = find(key);
-    if (strip == nullptr || !strip->ended) return {};
-    locate(0);
-    setPlaying(true);
-    return {};
-}
-
 void Player::setPlaying(bool playing) {
     m_startsSoon = false;
     if (m_engine) m_engine->setPlaying(playing);

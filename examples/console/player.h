@@ -62,9 +62,6 @@ public:
     // file. Playing goes on there. Answers an empty text or a problem.
     std::string chooseDevice(const std::string& id, std::int32_t rate, std::uint32_t blockFrames);
 
-    // Lets the transport start from 0 when this strip has ended. Answers an empty text.
-    std::string playAgain(StripKey key);
-
     // Ends the reading of waveforms. A file that is added again is read again.
     void stopReading() noexcept { m_progress.cancelAll(); }
 
