@@ -144,14 +144,18 @@ private:
 
 constexpr std::size_t kArenaSize = 524'288;  // nearly twice what a profile without tables needs
 
+// A big-endian word of a profile's header.
+std::uint32_t wordAt(std::span<const std::byte> file, std::size_t place) noexcept {
+    std::uint32_t word = 0;
+    for (const std::byte byte : file.subspan(place, sizeof word))
+        word = word << 8U | std::to_integer<std::uint32_t>(byte);
+    return word;
+}
+
 // Little CMS makes do with a file that was cut short, as long as it finds what it looks for.
 bool isWhole(std::span<const std::byte> file) noexcept {
     constexpr std::size_t kHeader = 128;
-    if (file.size() < kHeader || file.size() > UINT32_MAX) return false;
-    std::uint32_t size = 0;  // big-endian, the first word
-    for (std::size_t index = 0; index < sizeof size; ++index)
-        size = size << 8U | std::to_integer<std::uint32_t>(file[index]);
-    return size == file.size();
+    return file.size() >= kHeader && wordAt(file, 0) == file.size();
 }
 
 }  // namespace
@@ -169,9 +173,10 @@ std::unique_ptr<const ColorTransform> makeColorTransform(
                                                 static_cast<cmsUInt32Number>(profile.size())));
     const Profile srgb(cmsCreate_sRGBProfileTHR(context.get()));
     if (from == nullptr || srgb == nullptr) return nullptr;
-    const cmsColorSpaceSignature space = cmsGetColorSpace(from.get());
-    if (space != cmsSigRgbData && space != cmsSigGrayData) return nullptr;
+    // Read here: Little CMS answers an enumerator, also where the file has no number of one.
+    const std::uint32_t space = wordAt(profile, 16);
     const bool isRgb = space == cmsSigRgbData;
+    if (!isRgb && space != cmsSigGrayData) return nullptr;
     // Without a cache, one transform serves several threads at once.
     Transform transform(cmsCreateTransformTHR(context.get(), from.get(),
                                               isRgb ? TYPE_RGB_FLT : TYPE_GRAY_FLT, srgb.get(),
