@@ -6,7 +6,7 @@ get_property(public_headers GLOBAL PROPERTY VELTRA_PUBLIC_HEADERS)
 foreach(header IN LISTS public_headers)
     file(RELATIVE_PATH path "${PROJECT_SOURCE_DIR}" "${header}")
     get_filename_component(folder "${path}" DIRECTORY)
-    install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}")
+    install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}" COMPONENT headers)
 endforeach()
 
 install(TARGETS veltra EXPORT VeltraTargets

@@ -43,11 +43,11 @@ its channels, with constant power; its LFE channel is left out of that.
                   system, and the rates that they can play
   --progress      tell on standard error how far the files are read; --picture does so by itself
                   on a terminal
-  --version       print the version of this program and that of the system
+  -V, --version   print the version of this program and that of the system
   --machine       print what bug reports want to know of this machine
   --demo-exception
                   raise an exception, to see its report in the log and the question that follows
-  --help          print this text
+  -h, --help      print this text
   --              what follows are files, also when it begins with a dash
 
 A file that this program has not made is never overwritten.
@@ -144,8 +144,8 @@ std::optional<std::pair<float, float>> parseSize(std::string_view text) {
 
 // Files when the option asks for none of the others.
 Request requestOf(std::string_view name) {
-    if (name == "--help") return Request::Help;
-    if (name == "--version") return Request::Version;
+    if (name == "-h" || name == "--help") return Request::Help;
+    if (name == "-V" || name == "--version") return Request::Version;
     if (name == "--machine") return Request::Machine;
     if (name == "--list-devices") return Request::Devices;
     if (name == "--demo-exception") return Request::Exception;

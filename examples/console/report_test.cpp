@@ -176,6 +176,7 @@ TEST(Options, WhatIsAnsweredInsteadOfPlaying) {
     using Row = std::array<const char*, 3>;
     for (const auto& [arguments, output, log] :
          {Row{"--version", "^Veltra Console [0-9.]+\n[^\n]+\n$", "^$"},
+          Row{"-V", "^Veltra Console [0-9.]+\n[^\n]+\n$", "^$"}, Row{"-h", "^Usage: ", "^$"},
           Row{"--machine", "Veltra Console.*\n(.*\n)*memory", "^$"},
           Row{"--demo-exception", "^$", "DemonstrationException: raised on purpose"},
           Row{"--demo-exception", "^$", "raiseOnPurpose"}}) {

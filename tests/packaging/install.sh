@@ -54,12 +54,13 @@ cmake --build "$work/cpp" >"$work/build.log" || { cat "$work/build.log"; exit 1;
 
 # One version: of the headers, of the library that is loaded, and of the package.
 printf '%s\n' '#include <stdio.h>' '#include "veltra/version.h"' 'int main(void) {' \
-    '    printf("%d.%d.%d %s\n", VELTRA_VERSION_MAJOR, VELTRA_VERSION_MINOR, VELTRA_VERSION_PATCH,' \
-    '           VeltraVersion());' '}' >"$work/version.c"
+    '    printf("%d.%d.%d %s %d\n", VELTRA_VERSION_MAJOR, VELTRA_VERSION_MINOR, VELTRA_VERSION_PATCH,' \
+    '           VeltraVersion(), VELTRA_VERSION);' '}' >"$work/version.c"
 # shellcheck disable=SC2046
 "$cc" -std=c11 "$work/version.c" -o "$work/version" $(pkg-config --cflags --libs veltra)
 version=$(pkg-config --modversion veltra)
-[ "$("$work/version")" = "$version $version" ] || { echo "not $version: $("$work/version")"; exit 1; }
+IFS=. read -r major minor patch <<<"$version"
+[ "$("$work/version")" = "$version $version $((major * 10000 + minor * 100 + patch))" ] || { echo "not $version: $("$work/version")"; exit 1; }
 
 CFLOG_FORCE_STDERR=1 "$work/cpp/first_program" 2>"$work/cpp.out"
 grep -q 'first-program: 16-bit samples: -1.000000 0.500000 0.999969' "$work/cpp.out" || { cat "$work/cpp.out"; exit 1; }
