@@ -10,6 +10,7 @@
 #include <new>
 
 #include <malloc.h>
+#include <unistd.h>
 
 namespace veltra {
 namespace {
@@ -55,7 +56,8 @@ TEST(RealMemoryReserve, CarriesTheProcessThroughExhaustionAndBack) {
             ::mallopt(M_ARENA_MAX, 1);  // NOLINT(concurrency-mt-unsafe): one thread
             std::size_t pages = 0;
             std::ifstream("/proc/self/statm") >> pages;
-            const rlimit limit{pages * 4096 + (std::size_t{800} << 20), RLIM_INFINITY};
+            const auto size = pages * static_cast<std::size_t>(::getpagesize());
+            const rlimit limit{size + (std::size_t{800} << 20), RLIM_INFINITY};
             ::setrlimit(RLIMIT_AS, &limit);
             std::free(QKMemoryReserveEnter(noteLevel, nullptr));
             const bool isSaved = exhaust(threadCount);

@@ -18,7 +18,8 @@ struct TableWalk {
 };
 
 // By the unwinding tables and a cache of what they said: several times faster. Gives up where it
-// meets anything unusual, and at once on other processors than x86-64.
+// meets anything unusual, a signal's frame among others, and at once on other processors than
+// x86-64 and 64-bit ARM.
 TableWalk walkByTables(FrameVisitor visit, void* context) noexcept;
 
 // Which frames are outside the zone's code, innermost first.

@@ -10,7 +10,7 @@
 // read from the tables. An object whose code is on the stack is not unloaded during the walk.
 #include "veltra/platform/linux/stack_walkers.h"
 
-#if defined(__x86_64__)
+#if defined(__x86_64__) || defined(__aarch64__)
 #include "veltra/platform/linux/unwind_table.h"
 #endif
 
@@ -22,7 +22,7 @@
 
 namespace veltra {
 
-#if defined(__x86_64__) && defined(DLFO_STRUCT_HAS_EH_DBASE)
+#if (defined(__x86_64__) || defined(__aarch64__)) && defined(DLFO_STRUCT_HAS_EH_DBASE)
 
 namespace {
 
@@ -155,6 +155,20 @@ std::uintptr_t add(std::uintptr_t address, std::int32_t offset) noexcept {
     return *reinterpret_cast<const volatile std::uintptr_t*>(address);
 }
 
+// Where return addresses are signed, their upper bits hold the signature: this instruction clears
+// them, and does nothing on a processor that does not sign.
+std::uintptr_t withoutSignature(std::uintptr_t address) noexcept {
+#if defined(__aarch64__)
+    asm("mov x30, %0\n\t"
+        "hint #7\n\t"
+        "mov %0, x30"
+        : "+r"(address)
+        :
+        : "x30");
+#endif
+    return address;
+}
+
 struct Registers {
     std::uintptr_t returnAddress;
     std::uintptr_t stackPointer;
@@ -166,14 +180,17 @@ struct Registers {
             rule.cfa == UnwindRule::Cfa::StackPointer ? stackPointer : framePointer;
         cfa = add(cfa, rule.cfaOffset);
         if (rule.cfa == UnwindRule::Cfa::AtFramePointer) cfa = wordAt(cfa);
-        if (cfa <= stackPointer || cfa % sizeof cfa != 0) return false;
+        if (cfa < stackPointer || cfa % sizeof cfa != 0) return false;
+        const bool hasGrown = cfa != stackPointer;
         stackPointer = cfa;
         if (rule.caller == UnwindRule::Caller::None) return true;
+        if (!hasGrown) return false;
         if (rule.framePointer == UnwindRule::FramePointer::AtCfa)
             framePointer = wordAt(add(cfa, rule.framePointerOffset));
         else if (rule.framePointer == UnwindRule::FramePointer::AtFramePointer)
             framePointer = wordAt(add(framePointer, rule.framePointerOffset));
-        returnAddress = wordAt(cfa - sizeof cfa);
+        returnAddress = wordAt(add(cfa, rule.callerOffset));
+        if (rule.isSigned) returnAddress = withoutSignature(returnAddress);
         return true;
     }
 };
@@ -182,11 +199,22 @@ struct Registers {
 
 [[gnu::noinline]] TableWalk walkByTables(FrameVisitor visit, void* context) noexcept {
     Registers here{};
+#if defined(__x86_64__)
     asm volatile(
         "lea 0(%%rip), %0\n\t"
         "mov %%rsp, %1\n\t"
         "mov %%rbp, %2"
         : "=&r"(here.returnAddress), "=&r"(here.stackPointer), "=r"(here.framePointer));
+#else
+    // The tables find no return address in a register: x30 has been saved by here.
+    asm volatile(
+        "adr %0, .+4\n\t"
+        "mov %1, sp\n\t"
+        "mov %2, x29"
+        : "=&r"(here.returnAddress), "=&r"(here.stackPointer), "=r"(here.framePointer)
+        :
+        : "x30");
+#endif
     TableWalk walk;
     LoadedObject object;
     ZoneExit zone;

@@ -7,10 +7,18 @@ namespace veltra {
 
 namespace {
 
-// As DWARF and the x86-64 ABI number them.
+// As DWARF and the processor's ABI number them.
+#if defined(__aarch64__)
+constexpr bool kSignsReturnAddresses = true;
+constexpr std::uint64_t kFramePointer = 29;
+constexpr std::uint64_t kReturnAddress = 30;
+constexpr std::uint64_t kStackPointer = 31;
+#else
+constexpr bool kSignsReturnAddresses = false;
 constexpr std::uint64_t kFramePointer = 6;
 constexpr std::uint64_t kStackPointer = 7;
 constexpr std::uint64_t kReturnAddress = 16;
+#endif
 constexpr unsigned char kRelativeWord = 0x1B;  // four signed bytes, relative to their own address
 constexpr std::uint8_t kPlusBaseRegister =
     0x70;                               // expression: a register, by its number, and an offset
@@ -39,6 +47,7 @@ enum class Instruction : std::uint8_t {
     DefineCfaOffset = 0x0E,
     DefineCfaExpression = 0x0F,
     Expression = 0x10,
+    SignReturnAddress = 0x2D,  // or take the signature back; of 64-bit ARM alone
     ArgumentsSize = 0x2E,
 };
 
@@ -148,8 +157,8 @@ CommonPart readCommonPart(Reader reader) noexcept {
             const std::size_t size = sizeOfEncoded(details.read<unsigned char>());
             if (size == 0) return part;
             details.take(size);
-        } else {  // a signal's frame among others
-            return part;
+        } else if (letters[i] != 'B' || !kSignsReturnAddresses) {
+            return part;  // a signal's frame among others. B is the second key of signatures.
         }
     }
     part.program = reader;
@@ -189,8 +198,10 @@ private:
     }
 
     void saveAt(std::uint64_t index, std::int64_t offset) noexcept {
-        if (index == kReturnAddress)
-            m_rule.caller = offset == -8 ? Rule::Caller::BelowCfa : Rule::Caller::Unknown;
+        if (index == kReturnAddress) {
+            m_rule.caller = Rule::Caller::AtCfa;
+            m_rule.callerOffset = static_cast<std::int32_t>(offset);
+        }
         if (index == kFramePointer) {
             m_rule.framePointer = Rule::FramePointer::AtCfa;
             m_rule.framePointerOffset = static_cast<std::int32_t>(offset);
@@ -198,7 +209,10 @@ private:
     }
 
     void restore(std::uint64_t index) noexcept {
-        if (index == kReturnAddress) m_rule.caller = m_initial.caller;
+        if (index == kReturnAddress) {
+            m_rule.caller = m_initial.caller;
+            m_rule.callerOffset = m_initial.callerOffset;
+        }
         if (index == kFramePointer) {
             m_rule.framePointer = m_initial.framePointer;
             m_rule.framePointerOffset = m_initial.framePointerOffset;
@@ -316,6 +330,10 @@ private:
                 saveByExpression(index, program.take(program.readUnsigned()));
                 break;
             }
+            case Instruction::SignReturnAddress:
+                m_isKnown = kSignsReturnAddresses;
+                m_rule.isSigned = !m_rule.isSigned;
+                break;
             case Instruction::ArgumentsSize:  // says nothing about the frame
                 program.readUnsigned();
                 break;
