@@ -12,7 +12,6 @@
 #include "veltra/controls/sliders/slider_presets.h"
 #include "veltra/ui/button.h"
 #include "veltra/ui/testing/sight.h"
-#include "veltra/ui/theme.h"
 #include "veltra/ui/value_tip.h"
 
 #include <functional>
@@ -21,38 +20,19 @@
 namespace veltra::testing {
 namespace {
 
-// A card of 480 by 220 points, with what is shown from 16 points on, from above.
-struct Card final : View {
-    using View::View;
-    bool isFlipped() const override { return true; }
-    void drawRect(Canvas& canvas, const Rect&) override {
-        canvas.fillRect(bounds(), theme(effectiveAppearance()).card);
-    }
-    template <typename C, typename... Arguments>
-    C& add(Size size, Arguments... arguments) {
-        return addSubview(std::make_unique<C>(Rect{{16, 16}, size}, arguments...));
-    }
-};
+using enum NumberEditorLook;
 
-using Show = std::function<void(Card&)>;
+// Puts onto a card of 480 by 220 points what is shown.
+using Show = std::function<void(CardPicture&)>;
 
-// In the window that has the keyboard.
-struct Stage {
-    Stage(const Setting& setting, const Show& show)
-        : picture({480, 220}, setting.scale, setting.appearance) {
-        Window& window = picture.window();
-        auto made = std::make_unique<Card>(Rect{{}, {480, 220}});
-        Card& card = *made;
-        window.setContentView(std::move(made));
-        window.visibilityDidChange(true);
-        window.keyStateDidChange(true);
-        show(card);
-    }
-    PictureWindow picture;
-};
+constexpr Rect at(Size size) {
+    return {{16, 16}, size};
+}
 
 Pixels shown(const Setting& setting, const Show& show) {
-    return Pixels(Stage(setting, show).picture.draw());
+    CardPicture picture({480, 220}, setting);
+    show(picture);
+    return picture.draw();
 }
 
 // Notes what of each text cannot be seen.
@@ -120,8 +100,8 @@ double contrastIn(const Pixels& pixels, const Rect& rect, float scale) {
 }
 
 Show button(std::optional<Color> on, bool isOn, bool isPressed = false, bool isDisabled = false) {
-    return [=](Card& card) {
-        auto& made = card.add<Button>({64, 24}, "Mute", ButtonCell::Kind::Toggle);
+    return [=](CardPicture& card) {
+        auto& made = card.add<Button>(at({64, 24}), "Mute", ButtonCell::Kind::Toggle);
         made.setFont(themeFont(11.0F, FontWeight::SemiBold));
         made.buttonCell().setOnColor(on);
         made.setOn(isOn);
@@ -131,16 +111,16 @@ Show button(std::optional<Color> on, bool isOn, bool isPressed = false, bool isD
 }
 
 Show fader(double travel) {
-    return [=](Card& card) {
-        auto& made = card.add<Slider>({64, 186});
+    return [=](CardPicture& card) {
+        auto& made = card.add<Slider>(at({64, 186}));
         setUpFader(QkSliderCell::replacedCellInSlider(made));
         made.setDoubleValue(travel);
     };
 }
 
 Show pan(double position) {
-    return [=](Card& card) {
-        auto& made = card.add<Slider>({84, 28});
+    return [=](CardPicture& card) {
+        auto& made = card.add<Slider>(at({84, 28}));
         setUpPan(QkSliderCell::replacedCellInSlider(made));
         made.setDoubleValue(position);
     };
@@ -148,8 +128,8 @@ Show pan(double position) {
 
 Show digits(NumberEditorLook look, bool isEdited, std::int32_t value,
             std::optional<Color> zeros = {}) {
-    return [=](Card& card) {
-        auto& made = card.add<NumberDisplay>({120, 48}, look);
+    return [=](CardPicture& card) {
+        auto& made = card.add<NumberDisplay>(at({120, 48}), look);
         DfNumberEditorControl& editor = made.editor();
         editor.setPlaceHolderStringOfEditorCellAtIndex("0000", 0);
         editor.setLeadingZerosOfEditorCellAtIndex(4, 0);
@@ -161,8 +141,8 @@ Show digits(NumberEditorLook look, bool isEdited, std::int32_t value,
 }
 
 Show picker(KeyRange range, bool isEnabled = true) {
-    return [=](Card& card) {
-        auto& made = card.add<DfOctavePickerView>(DfOctavePickerView::naturalSize(true), true);
+    return [=](CardPicture& card) {
+        auto& made = card.add<DfOctavePickerView>(at(DfOctavePickerView::naturalSize(true)), true);
         made.setKeyRange(range);
         made.setEnabled(isEnabled);
     };
@@ -170,32 +150,32 @@ Show picker(KeyRange range, bool isEnabled = true) {
 
 // From middle C on, white keys 50 points wide.
 Show keys(std::int32_t pressed) {
-    return [=](Card& card) {
-        auto& made = card.add<KeyboardView>({400, 100});
+    return [=](CardPicture& card) {
+        auto& made = card.add<KeyboardView>(at({400, 100}));
         made.setKeyRange({35, 8});
         made.setNotePressed(pressed, true);
     };
 }
 
 Show peak(double decibels) {
-    return [=](Card& card) { card.add<PeakReadout>({56, 20}).setDecibels(decibels); };
+    return [=](CardPicture& card) { card.add<PeakReadout>(at({56, 20})).setDecibels(decibels); };
 }
 
 Show meter(float left) {
-    return [=](Card& card) {
-        auto& made = card.add<DfStereoLevelMeterView>({28, 180});
+    return [=](CardPicture& card) {
+        auto& made = card.add<DfStereoLevelMeterView>(at({28, 180}));
         made.setLevelScale(LevelMeterLevels::Decibels);
         made.setLevelL(left, 0.0F);
     };
 }
 
-void scale(Card& card) {
-    auto& beside = card.add<DfStereoLevelMeterView>({28, 180});
+void scale(CardPicture& card) {
+    auto& beside = card.add<DfStereoLevelMeterView>(at({28, 180}));
     beside.setFrameOrigin({60, 16});
-    card.add<LevelMeterScaleView>({44, 190}).setMeter(&beside.cellL());
+    card.add<LevelMeterScaleView>(at({44, 190})).setMeter(&beside.cellL());
 }
 
-void tip(Card& card) {
+void tip(CardPicture& card) {
     struct Tip final : View {
         using View::View;
         bool isFlipped() const override { return true; }
@@ -204,13 +184,13 @@ void tip(Card& card) {
                 .draw(canvas, "C1", effectiveAppearance());
         }
     };
-    card.add<Tip>({80, 80});
+    card.add<Tip>(at({80, 80}));
 }
 
 Show focused(const Show& show) {
-    return [=](Card& card) {
+    return [=](CardPicture& card) {
         show(card);
-        card.window()->keyboardArrives(true);
+        card.window.keyboardArrives(true);
     };
 }
 
@@ -218,7 +198,8 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
     for (const Setting& setting : settings()) {
         SCOPED_TRACE(nameOf(setting));
         const Theme& colors = theme(setting.appearance);
-        const Rect onButton{{24, 20}, {48, 16}}, onDigits{{20, 34}, {112, 28}};
+        const Rect onButton{{24, 20}, {48, 16}}, onDigits{{20, 34}, {112, 28}},
+            onEdited{{56, 38}, {40, 20}};
         constexpr double kText = 4.5, kMark = 3.0;
         const struct {
             const char* what;
@@ -241,24 +222,15 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
             {"reading line", fader(0.8), {{47, 44}, {12, 20}}, kMark},
             {"way of a fader", fader(0.2), {{51, 80}, {10, 20}}, kMark},
             {"reading line of pan", pan(0.5), {{70, 22}, {24, 16}}, kMark},
-            {"digits on glass", digits(NumberEditorLook::Glass, false, 8888), onDigits, kText},
-            {"zeros on glass", digits(NumberEditorLook::Glass, false, 0), onDigits, kText},
-            {"digits edited",
-             digits(NumberEditorLook::Glass, true, 8888),
-             {{56, 38}, {40, 20}},
-             kText},
-            {"zeros edited", digits(NumberEditorLook::Glass, true, 0), {{56, 38}, {40, 20}}, kText},
-            {"zeros edited, coloured",
-             digits(NumberEditorLook::Glass, true, 0, colors.glassText),
-             {{56, 38}, {40, 20}},
-             kText},
-            {"digits in a field", digits(NumberEditorLook::Field, false, 8888), onDigits, kText},
-            {"zeros in a field", digits(NumberEditorLook::Field, false, 0), onDigits, kText},
-            {"caption", digits(NumberEditorLook::Glass, false, 0), {{40, 20}, {72, 12}}, kText},
-            {"caption of a field",
-             digits(NumberEditorLook::Field, false, 0),
-             {{40, 18}, {72, 12}},
-             kText},
+            {"digits on glass", digits(Glass, false, 8888), onDigits, kText},
+            {"zeros on glass", digits(Glass, false, 0), onDigits, kText},
+            {"digits edited", digits(Glass, true, 8888), onEdited, kText},
+            {"zeros edited", digits(Glass, true, 0), onEdited, kText},
+            {"zeros edited, coloured", digits(Glass, true, 0, colors.glassText), onEdited, kText},
+            {"digits in a field", digits(Field, false, 8888), onDigits, kText},
+            {"zeros in a field", digits(Field, false, 0), onDigits, kText},
+            {"caption", digits(Glass, false, 0), {{40, 20}, {72, 12}}, kText},
+            {"caption of a field", digits(Field, false, 0), {{40, 18}, {72, 12}}, kText},
             {"labels of a meter", scale, {{18, 60}, {28, 120}}, kText},
             {"marks of a meter", scale, {{51, 60}, {6, 120}}, kMark},
             {"names below the picker", picker({28, 15}), {{24, 44}, {100, 10}}, kText},
@@ -278,22 +250,22 @@ TEST(Contrast, OfTextAndMarksIsHighEnoughOnEveryControl) {
 }
 
 TEST(Texts, AreNotCutOff) {
-    const std::pair<const char*, Show> rows[] = {
-        {"button", button({}, false)},
-        {"fader", fader(0.8)},
-        {"digits on glass", digits(NumberEditorLook::Glass, false, 8888)},
-        {"digits in a field", digits(NumberEditorLook::Field, true, 8888)},
-        {"meter", scale},
-        {"picker", picker({28, 15})},
-        {"keys", keys(60)},
-        {"peak", peak(-88.8)},
-        {"tip", tip}};
+    const std::pair<const char*, Show> rows[] = {{"button", button({}, false)},
+                                                 {"fader", fader(0.8)},
+                                                 {"digits on glass", digits(Glass, false, 8888)},
+                                                 {"digits in a field", digits(Field, true, 8888)},
+                                                 {"meter", scale},
+                                                 {"picker", picker({28, 15})},
+                                                 {"keys", keys(60)},
+                                                 {"peak", peak(-88.8)},
+                                                 {"tip", tip}};
     for (const Setting& setting : settings()) {
         for (const auto& [what, show] : rows) {
-            Stage stage(setting, show);
+            CardPicture picture({480, 220}, setting);
+            show(picture);
             CutTexts texts(setting.scale);
             const Rect whole{{}, {480, 220}};
-            stage.picture.window().display(texts, {&whole, 1});
+            picture.window.display(texts, {&whole, 1});
             EXPECT_EQ(texts.cut, "") << what << ", " << nameOf(setting);
             EXPECT_GT(texts.count, 0) << what;
         }
@@ -320,12 +292,7 @@ TEST(Contrast, StatesCanBeToldApartByEveryKindOfEyes) {
             {"focus", focused(button({}, false)), {48, 13}, button({}, false), {48, 13}, 20},
             {"way", fader(0.2), {56, 90}, fader(0.8), {56, 90}, 20},
             {"way of pan", pan(0.8), {66, 30}, pan(0.0), {66, 30}, 20},
-            {"editing",
-             digits(NumberEditorLook::Glass, true, 8),
-             {60, 48},
-             digits(NumberEditorLook::Glass, false, 8),
-             {60, 48},
-             20},
+            {"editing", digits(Glass, true, 8), {60, 48}, digits(Glass, false, 8), {60, 48}, 20},
             {"line of the range", picker({28, 15}), {220, 19}, picker({5, 3}), {220, 19}, 20},
             {"end of the range", picker({28, 15}), {189, 36}, picker({5, 3}), {189, 36}, 20},
             {"white key", keys(60), {30, 90}, keys(-1), {30, 90}, 20},

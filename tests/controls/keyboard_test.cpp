@@ -3,7 +3,6 @@
 #include "veltra/controls/keyboard/keyboard_view.h"
 #include "veltra/controls/keyboard/keyboard_window.h"
 #include "veltra/controls/keyboard/octave_picker_view.h"
-#include "veltra/ui/theme.h"
 
 #include <QWidget>
 
@@ -15,15 +14,12 @@ TEST(Pictures, TheRangeOfThePickerBeginsAndEndsBetweenKeys) {
     for (const Setting& setting : settings()) {
         for (const bool isLarge : {true, false}) {
             const Size size = DfOctavePickerView::naturalSize(isLarge);
-            PictureWindow picture(size, setting.scale, setting.appearance);
-            auto made = std::make_unique<DfOctavePickerView>(Rect{}, isLarge);
-            DfOctavePickerView& picker = *made;
-            picture.window().setContentView(std::move(made));
+            CardPicture picture(size, setting);
+            auto& picker = picture.add<DfOctavePickerView>(Rect{{}, size}, isLarge);
             const Color accent = theme(setting.appearance).accent;
             for (const KeyRange range : {KeyRange{0, 10}, KeyRange{31, 11}, KeyRange{64, 10}}) {
                 picker.setKeyRange(range);
-                const Pixels pixels(picture.draw());
-                const auto edges = pixels.inRow(pixels.height() / 2, accent);
+                const auto edges = picture.draw().inRow(size.height / 2, accent);
                 const auto width = std::lround(3 * setting.scale - 0.01F);
                 ASSERT_EQ(edges.size(), 2U * static_cast<std::size_t>(width)) << setting.scale;
                 const Rect rect = picker.rangeRect();

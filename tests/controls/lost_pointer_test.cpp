@@ -131,8 +131,8 @@ class Stage {
 public:
     explicit Stage(const Specimen& shown) : m_specimen(shown) {
         widget.setFixedSize(520, 200);
-        auto content = std::make_unique<Ground>(Rect{{}, {520, 200}});
-        frame = &content->addSubview(std::make_unique<Ground>(Rect{{}, {520, 200}}));
+        auto content = std::make_unique<Card>(Rect{{}, {520, 200}});
+        frame = &content->addSubview(std::make_unique<Card>(Rect{{}, {520, 200}}));
         control = &frame->addSubview(shown.make(m_told));
         control->setFrameOrigin({20, 20});
         widget.setContentView(std::move(content));
@@ -189,11 +189,6 @@ public:
     std::unique_ptr<View> kept;
 
 private:
-    struct Ground final : View {
-        using View::View;
-        bool isFlipped() const override { return true; }
-    };
-
     static QPoint at(QPoint inControl) { return inControl + QPoint(20, 20); }
     void go(QPoint to) {
         if (m_specimen.kind == Kind::Touch) {

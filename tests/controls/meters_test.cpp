@@ -4,7 +4,6 @@
 #include "veltra/controls/level_meters/level_meter_scale_view.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/ui/testing/sight.h"
-#include "veltra/ui/theme.h"
 
 #include <set>
 
@@ -12,20 +11,16 @@ namespace veltra::testing {
 namespace {
 
 // A scale and a meter of 62 LEDs on a card: the glass lies from x 40 and y 16 on, from above.
-class Strip final : public View {
+class Strip final : public Card {
 public:
     explicit Strip(double decibels)
-        : View({{}, {80, 300}}),
+        : Card({{}, {80, 300}}),
           meter(addSubview(std::make_unique<DfStereoLevelMeterView>(Rect{{40, 16}, {28, 272}}))),
           scale(addSubview(std::make_unique<LevelMeterScaleView>(Rect{{12, 8}, {28, 290}}))) {
         meter.setLevelScale(LevelMeterLevels::Decibels);
         meter.setFallBackStepTime(0.0);
         meter.setLevelL(meterPositionForDecibels(decibels), 0.0F);
         scale.setMeter(&meter.cellL());
-    }
-    bool isFlipped() const override { return true; }
-    void drawRect(Canvas& canvas, const Rect&) override {
-        canvas.fillRect(bounds(), theme(effectiveAppearance()).card);
     }
 
     DfStereoLevelMeterView& meter;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "on_pictures.h"
 #include "veltra/controls/number_editor/number_display.h"
-#include "veltra/ui/theme.h"
 
 namespace veltra::testing {
 namespace {
@@ -9,29 +8,22 @@ namespace {
 constexpr float kMargin = 8.0F;
 
 // Three groups on glass, in a window with a margin of 8 points around it.
-struct Shown {
+struct Shown : CardPicture {
     explicit Shown(const Setting& setting)
-        : picture({164.0F + 2 * kMargin, 40.0F + 2 * kMargin}, setting.scale, setting.appearance) {
-        Window& window = picture.window();
-        window.setContentView(std::make_unique<View>(Rect{{}, window.contentSize()}));
-        display = &window.contentView()->addSubview(
-            std::make_unique<NumberDisplay>(Rect{{kMargin, kMargin}, {164, 40}}));
-        DfNumberEditorControl& editor = display->editor();
+        : CardPicture({164.0F + 2 * kMargin, 40.0F + 2 * kMargin}, setting),
+          display(add<NumberDisplay>(Rect{{kMargin, kMargin}, {164, 40}})) {
+        DfNumberEditorControl& editor = display.editor();
         editor.setEditorCellCount(3);
         for (std::int32_t i = 0; i < 3; ++i) {
             editor.setPlaceHolderStringOfEditorCellAtIndex(i == 1 ? "0" : "0000", i);
             editor.setLeadingZerosOfEditorCellAtIndex(i == 1 ? 0 : 4, i);
             editor.setShadowEightsOfEditorCellAtIndex(i == 1 ? 1 : 4, i);
         }
-        display->layOut();
-        window.visibilityDidChange(true);
-        window.keyStateDidChange(true);
+        display.layOut();
     }
-    DfNumberEditorControl& editor() { return display->editor(); }
-    Pixels draw() { return Pixels(picture.draw()); }
+    DfNumberEditorControl& editor() { return display.editor(); }
 
-    PictureWindow picture;
-    NumberDisplay* display = nullptr;
+    NumberDisplay& display;
 };
 
 TEST(NumberEditorPictures, DigitsThatChangeMoveNothingElse) {
@@ -54,13 +46,11 @@ TEST(NumberEditorPictures, DigitsThatChangeMoveNothingElse) {
 TEST(NumberEditorPictures, GroundAndRingAreSharpAtEveryScale) {
     for (const Setting& setting : settings()) {
         Shown shown(setting);
-        Window& window = shown.picture.window();
-        window.keyboardArrives(true);
+        shown.window.keyboardArrives(true);
         ASSERT_TRUE(shown.editor().showsFocus());
         const Theme& colors = theme(setting.appearance);
         const auto columnsOf = [&](Color color) {
-            const Pixels pixels = shown.draw();
-            return pixels.inRow(pixels.height() / 2, color);
+            return shown.draw().inRow(20.0F + kMargin, color);
         };
         const auto ring = columnsOf(colors.accent);
         const auto width = static_cast<std::size_t>(std::round(2 * setting.scale - 0.01F));
@@ -89,7 +79,7 @@ TEST(NumberEditorPictures, AllIsInPlaceAgainAfterAnyNumberOfLayouts) {
         };
         const auto first = frames();
         for (int i = 0; i < 40; ++i)
-            shown.display->setFrameSize({i % 2 != 0 ? 164.0F : 90.7F, 40});
+            shown.display.setFrameSize({i % 2 != 0 ? 164.0F : 90.7F, 40});
         EXPECT_EQ(frames(), first);
         EXPECT_LE(first.back().maxX(), first.front().size.width);  // nothing is cut off
     }

@@ -4,6 +4,7 @@
 
 #include "veltra/qt/qt_port.h"
 #include "veltra/ui/picture.h"
+#include "veltra/ui/theme.h"
 
 #include <QApplication>
 #include <cmath>
@@ -75,11 +76,13 @@ public:
         return rgbAt(static_cast<std::int32_t>(place.x * scale),
                      static_cast<std::int32_t>(place.y * scale));
     }
-    // Where a row or a column of pixels has that colour.
-    std::vector<std::int32_t> inRow(std::int32_t y, Color color) const {
+    // Where the row or the column of pixels at that place in points has that colour.
+    std::vector<std::int32_t> inRow(float place, Color color) const {
+        const auto y = static_cast<std::int32_t>(place * m_image->scale());
         return found(width(), color, [&](std::int32_t x) { return rgbAt(x, y); });
     }
-    std::vector<std::int32_t> inColumn(std::int32_t x, Color color) const {
+    std::vector<std::int32_t> inColumn(float place, Color color) const {
+        const auto x = static_cast<std::int32_t>(place * m_image->scale());
         return found(height(), color, [&](std::int32_t y) { return rgbAt(x, y); });
     }
     // How many pixels differ, and the column of the leftmost one.
@@ -105,6 +108,33 @@ private:
     }
 
     const std::shared_ptr<const Image> m_image;
+};
+
+// In the colour of the theme's cards.
+struct Card : View {
+    using View::View;
+    bool isFlipped() const override { return true; }
+    void drawRect(Canvas& canvas, const Rect&) override {
+        canvas.fillRect(bounds(), theme(effectiveAppearance()).card);
+    }
+};
+
+// A card in the window that has the keyboard.
+struct CardPicture {
+    CardPicture(Size size, const Setting& setting)
+        : picture(size, setting.scale, setting.appearance) {
+        window.setContentView(std::make_unique<Card>(Rect{{}, size}));
+        window.visibilityDidChange(true);
+        window.keyStateDidChange(true);
+    }
+    template <typename C, typename... Arguments>
+    C& add(const Rect& frame, Arguments... arguments) {
+        return window.contentView()->addSubview(std::make_unique<C>(frame, arguments...));
+    }
+    Pixels draw() { return Pixels(picture.draw()); }
+
+    PictureWindow picture;
+    Window& window = picture.window();
 };
 
 }  // namespace veltra::testing
