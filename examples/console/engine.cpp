@@ -18,6 +18,7 @@ Engine::Engine(Feeding feeding, std::int32_t rate, std::size_t aheadFrames, AtEn
       m_rate(rate),
       m_aheadFrames(aheadFrames),
       m_playhead(rate, feeding != Feeding::ByThread),
+      m_instrument(rate),
       m_outputGains{Glide(Glide::framesAt(rate), 1.0F), Glide(Glide::framesAt(rate), 1.0F)},
       m_monoShare(Glide::framesAt(rate), 0.0F),
       m_metre(Metre{}.packed()) {

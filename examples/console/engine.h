@@ -9,6 +9,7 @@
 #pragma once
 
 #include "glide.h"
+#include "instrument.h"
 #include "playhead.h"
 #include "reader_pool.h"
 #include "strip.h"
@@ -149,6 +150,9 @@ public:
     void setMeter(int beatsPerBar, int beatUnit) noexcept;
     Metre metre() const noexcept { return Metre::unpacked(m_metre); }
 
+    // What is played on the keyboard, whether the transport moves or not. Thread: main.
+    Instrument& instrument() noexcept { return m_instrument; }
+
     // Of the strips that play or wait for their end, in the order in which they were added. Takes
     // the levels. Thread: main.
     std::vector<StripMeter> meters();
@@ -210,7 +214,8 @@ private:
     StripId m_lastId = 0;
     ReaderPool m_readers;
 
-    Playhead m_playhead;  // main and audio thread
+    Playhead m_playhead;      // main and audio thread
+    Instrument m_instrument;  // main and audio thread
 
     // Audio thread only.
     std::array<Glide, 2> m_outputGains;  // with balance and dim

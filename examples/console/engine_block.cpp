@@ -24,6 +24,7 @@ void Engine::processBlock(float* const* outputs, std::uint32_t outputCount,
         m_list.iterate(kPrepareMessage, &preparation);
         if (!m_playhead.tryToStart(preparation.isReady, frames - done)) break;
     }
+    m_instrument.render(outputs, used, frames);
     mixDown(outputs, used, frames);
 }
 

@@ -169,6 +169,7 @@ void LiveOutput::stop() {
     const auto fade =
         static_cast<std::uint64_t>(2 * Glide::framesAt(m_rate)) + std::uint64_t{2} * blockFrames();
     m_engine->setPlaying(false);
+    m_engine->instrument().silence();
     const std::uint64_t until = m_playing.valve->frames() + fade;
     constexpr std::chrono::milliseconds kPause{2};
     constexpr int kMostPauses = 60;

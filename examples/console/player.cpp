@@ -28,8 +28,9 @@ std::string Player::add(const std::string& path) {
     strip.key = ++m_lastKey;
     strip.path = path;
     strip.format = file->format();
-    if (!m_engine) {
-        makeEngine(file->format().rate);
+    if (!m_engine || std::exchange(m_isForKeysAlone, false)) {
+        const std::int32_t rate = file->format().rate;
+        if (!m_engine || m_output->rate() != rate) makeEngine(rate);
         m_startsSoon = true;
     }
     play(strip, std::move(file), m_entries.size() - 1);
@@ -41,6 +42,7 @@ std::string Player::add(const std::string& path) {
 // And the output that plays it, preferably at `rate`.
 void Player::makeEngine(std::int32_t rate) {
     std::string notice;
+    if (m_output) m_output->stop();
     m_output = std::make_unique<LiveOutput>(m_device, rate, notice);
     m_engine =
         std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate(), Engine::AtEnd::Stays);
@@ -51,6 +53,7 @@ void Player::makeEngine(std::int32_t rate) {
     setOutputBalance(m_state.outputBalance);
     setDimmed(m_state.dimmed);
     setMono(m_state.mono);
+    m_keys.setEngine(m_engine.get(), m_output->rate());
     notice = m_output->start(*m_engine);
     if (!notice.empty()) m_problems.push_back(notice);
 }
@@ -195,6 +198,15 @@ void Player::setMono(bool mono) {
     if (m_engine) m_engine->setMono(mono);
 }
 
+Keys& Player::keys() {
+    constexpr std::int32_t kUsualRate = 48000;
+    if (!m_engine) {
+        makeEngine(kUsualRate);
+        m_isForKeysAlone = true;
+    }
+    return m_keys;
+}
+
 std::vector<DeviceInfo> Player::devices() const {
     return listDevices();
 }
@@ -254,6 +266,8 @@ std::vector<std::string> Player::tick() {
     if (!m_engine) return problems;
     if (std::exchange(m_startsSoon, false)) m_engine->setPlaying(true);
     collect(problems);
+    if (std::string problem = m_keys.tick(); !problem.empty())
+        problems.push_back(std::move(problem));
     LiveOutput::News news = m_output->keepRunning();
     if (!news.text.empty()) problems.push_back(std::move(news.text));
     return problems;

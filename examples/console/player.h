@@ -4,6 +4,7 @@
 #pragma once
 
 #include "console_state.h"
+#include "keys.h"
 #include "live_output.h"
 #include "overview_reader.h"
 #include "progress_board.h"
@@ -56,6 +57,9 @@ public:
     void setDimmed(bool dimmed);
     void setMono(bool mono);
 
+    // What is played on the keyboard. Opens the output if there is none yet.
+    Keys& keys();
+
     // May take a second: the sound systems are asked.
     std::vector<DeviceInfo> devices() const;
     // `id` is a device's, "auto" or "null"; 0 leaves rate or block to the device and the first
@@ -99,7 +103,9 @@ private:
     Device m_device;
     std::unique_ptr<Engine> m_engine;      // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
-    ProgressBoard m_progress;              // before the overviews: their reader tells it
+    Keys m_keys;
+    bool m_isForKeysAlone = false;  // the first file may still choose the rate
+    ProgressBoard m_progress;       // before the overviews: their reader tells it
     OverviewReader m_overviews;
     ConsoleState m_state;
     bool m_startsSoon = false;       // with the next tick

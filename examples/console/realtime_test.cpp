@@ -120,6 +120,8 @@ constexpr int kTurns = kBlocks / 25;
 // Everything that a main thread does, again and again.
 void askForEverything(Engine& engine, const std::array<std::string, 4>& paths, Turns& turns) {
     std::vector<StripId> ids;
+    const std::atomic<bool> never{false};
+    const auto sound = KeySound::read(*mustOpen(paths[0]), never);
     for (int turn = 0; turn < kTurns; ++turn) {
         turns.waitFor(2 * turn + 1);
         const auto number = static_cast<std::size_t>(turn);
@@ -143,6 +145,16 @@ void askForEverything(Engine& engine, const std::array<std::string, 4>& paths, T
         if (turn % 30 == 0) engine.locate(100 * turn);
         if (turn % 70 == 0) engine.setLoop(turn % 140 == 0, 0, 9'000);
         engine.setPlaying(turn % 90 < 80);
+        Instrument& keys = engine.instrument();
+        keys.press(keys.frames() + number % 100, 30 + turn % 70, 1 + turn % 127);
+        keys.release(keys.frames() + 90, 30 + (turn + 60) % 70);
+        keys.setSustained(0, turn % 25 < 10);
+        if (turn % 12 == 0) keys.setSound(turn % 24 == 0 ? sound : nullptr);
+        if (turn % 40 == 0) keys.releaseAll(0);
+        if (turn % 100 == 99) keys.silence();
+        for (int i = 0; i < 300 && turn % 50 == 0; ++i)  // more than there is room for
+            keys.press(0, i % 128, 64);
+        keys.collect();
         engine.meters();
         engine.takeOutputLevels();
         engine.collect();
