@@ -22,6 +22,7 @@ struct Block {
     std::int64_t rolled;           // frames that were played on it before
     std::int64_t position;         // of the first frame, from the transport's beginning
     const CMusicalContext& music;  // at that position
+    bool measuresTruePeaks = false;
 
     // The strips' answers.
     bool hasMore = false;      // some strip is not at its end

@@ -8,6 +8,7 @@
 // thread reads its file. Blocks free nothing: what the list is done with goes with collect(), too.
 #pragma once
 
+#include "channel_level.h"
 #include "glide.h"
 #include "instrument.h"
 #include "playhead.h"
@@ -15,7 +16,6 @@
 #include "strip.h"
 #include "transport.h"
 #include "veltra/audio/callback_list.h"
-#include "veltra/audio/level_tap.h"
 
 #include <array>
 #include <atomic>
@@ -153,6 +153,12 @@ public:
     // What is played on the keyboard, whether the transport moves or not. Thread: main.
     Instrument& instrument() noexcept { return m_instrument; }
 
+    // Whether the peaks of all meters are true ones, of what lies between the samples, too. At
+    // first not: it takes a few times as long as all else that a strip does. Thread: main.
+    void setMeasuresTruePeaks(bool measures) noexcept {
+        m_measuresTruePeaks.store(measures, std::memory_order_relaxed);  // with processBlock()
+    }
+
     // Of the strips that play or wait for their end, in the order in which they were added. Takes
     // the levels. Thread: main.
     std::vector<StripMeter> meters();
@@ -226,7 +232,8 @@ private:
     std::atomic<float> m_balance{0.0F};
     std::atomic<bool> m_dimmed{false};
     std::atomic<bool> m_mono{false};
-    std::array<LevelTap, 2> m_outputLevels;  // audio thread adds, main thread takes
+    std::atomic<bool> m_measuresTruePeaks{false};
+    std::array<ChannelLevel, 2> m_outputLevels;  // audio thread adds, main thread takes
 };
 
 }  // namespace veltra::console

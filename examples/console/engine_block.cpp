@@ -39,8 +39,14 @@ std::uint32_t Engine::roll(float* const* outputs, std::uint32_t outputCount, std
     const CMusicalContext music =
         musicalContext(place, m_rate, Metre::unpacked(m_metre.load(std::memory_order_relaxed)));
     const Route& route = m_playhead.routeNow();
-    Block block{rest.data(), outputCount, piece, route.number, m_playhead.rolledNow(),
-                place,       music};
+    Block block{rest.data(),
+                outputCount,
+                piece,
+                route.number,
+                m_playhead.rolledNow(),
+                place,
+                music,
+                m_measuresTruePeaks.load(std::memory_order_relaxed)};
     m_list.iterate(kRenderMessage, &block);
     const bool isOver =
         m_atEnd == AtEnd::Stays && !block.hasMore && route.framesToJump(place) == Route::kNever;
@@ -84,7 +90,8 @@ void Engine::mixDown(float* const* outputs, std::uint32_t outputCount,
         done += static_cast<std::uint32_t>(piece);
     }
     for (std::uint32_t out = 0; out < outputCount; ++out)
-        m_outputLevels[out].add(outputs[out], frames);
+        m_outputLevels[out].add(outputs[out], frames,
+                                m_measuresTruePeaks.load(std::memory_order_relaxed));
 }
 
 }  // namespace veltra::console

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "live_output.h"
 
+#include "background.h"
 #include "veltra/platform/clock.h"
 
 #include <chrono>
@@ -16,15 +17,6 @@ constexpr std::chrono::milliseconds kPatience{300};  // with a device that ends
 
 Moment now() {
     return Clocks::current().monotonic().moment();
-}
-
-// On a thread of its own, which stays behind when the work takes too long.
-template <typename Work>
-std::future<std::invoke_result_t<Work>> inBackground(Work work) {
-    std::packaged_task<std::invoke_result_t<Work>()> task(std::move(work));
-    auto result = task.get_future();
-    std::thread(std::move(task)).detach();
-    return result;
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "player.h"
 
+#include "background.h"
+
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -43,7 +46,7 @@ std::string Player::add(const std::string& path) {
 void Player::makeEngine(std::int32_t rate) {
     std::string notice;
     if (m_output) m_output->stop();
-    m_output = std::make_unique<LiveOutput>(m_device, rate, notice);
+    m_output = std::make_unique<LiveOutput>(m_device, rate, notice, m_systems.open);
     m_engine =
         std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate(), Engine::AtEnd::Stays);
     if (!notice.empty()) m_problems.push_back(notice);
@@ -53,6 +56,7 @@ void Player::makeEngine(std::int32_t rate) {
     setOutputBalance(m_state.outputBalance);
     setDimmed(m_state.dimmed);
     setMono(m_state.mono);
+    setMeasuresTruePeaks(m_measuresTruePeaks);
     m_keys.setEngine(m_engine.get(), m_output->rate());
     notice = m_output->start(*m_engine);
     if (!notice.empty()) m_problems.push_back(notice);
@@ -207,8 +211,20 @@ Keys& Player::keys() {
     return m_keys;
 }
 
-std::vector<DeviceInfo> Player::devices() const {
-    return listDevices();
+void Player::setMeasuresTruePeaks(bool measures) {
+    m_measuresTruePeaks = measures;
+    if (m_engine) m_engine->setMeasuresTruePeaks(measures);
+}
+
+void Player::askForDevices() {
+    if (!m_devices.valid()) m_devices = inBackground(m_systems.list);
+}
+
+std::optional<std::vector<DeviceInfo>> Player::takeDevices() {
+    if (!m_devices.valid() ||
+        m_devices.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+        return std::nullopt;
+    return m_devices.get();
 }
 
 std::string Player::chooseDevice(const std::string& id, std::int32_t rate,

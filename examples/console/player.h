@@ -10,7 +10,10 @@
 #include "progress_board.h"
 #include "report.h"
 
+#include <functional>
+#include <future>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,7 +23,15 @@ namespace veltra::console {
 // Thread: main.
 class Player {
 public:
-    explicit Player(Device device) : m_device(std::move(device)) {}
+    // Who opens and lists devices: called on other threads, too.
+    struct SoundSystems {
+        LiveOutput::Opener open = openDeviceOutput;
+        std::function<std::vector<DeviceInfo>()> list = listDevices;
+    };
+
+    explicit Player(Device device) : Player(std::move(device), SoundSystems()) {}
+    Player(Device device, SoundSystems systems)
+        : m_device(std::move(device)), m_systems(std::move(systems)) {}
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
     ~Player();
@@ -60,8 +71,14 @@ public:
     // What is played on the keyboard. Opens the output if there is none yet.
     Keys& keys();
 
-    // May take a second: the sound systems are asked.
-    std::vector<DeviceInfo> devices() const;
+    // Whether peaks are true ones; see Engine.
+    void setMeasuresTruePeaks(bool measures);
+
+    // Asks the sound systems which devices there are, on another thread: it may take a second, or
+    // for ever. A question that has not been answered is not asked once more.
+    void askForDevices();
+    // What they answered, once; nothing while they think, or when they were not asked.
+    std::optional<std::vector<DeviceInfo>> takeDevices();
     // `id` is a device's, "auto" or "null"; 0 leaves rate or block to the device and the first
     // file. Playing goes on there. Answers an empty text or a problem.
     std::string chooseDevice(const std::string& id, std::int32_t rate, std::uint32_t blockFrames);
@@ -101,13 +118,16 @@ private:
     StripState* find(StripKey key);
 
     Device m_device;
-    std::unique_ptr<Engine> m_engine;      // from the first file on
+    const SoundSystems m_systems;
+    std::future<std::vector<DeviceInfo>> m_devices;  // the answer that is waited for
+    std::unique_ptr<Engine> m_engine;                // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
     Keys m_keys;
     bool m_isForKeysAlone = false;  // the first file may still choose the rate
     ProgressBoard m_progress;       // before the overviews: their reader tells it
     OverviewReader m_overviews;
     ConsoleState m_state;
+    bool m_measuresTruePeaks = false;
     bool m_startsSoon = false;       // with the next tick
     std::vector<Removed> m_removed;  // the last one at the end
     std::vector<Playing> m_playing;

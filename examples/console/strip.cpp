@@ -233,7 +233,7 @@ void Strip::mixPiece(const Block& block, std::size_t done, std::size_t frames) n
             scale(faded.data(), samples, frames, m_fader.value());
             samples = faded.data();
         }
-        m_levels[c].add(samples, frames);
+        m_levels[c].add(samples, frames, block.measuresTruePeaks);
         if (block.outputCount == 1) {
             // The mean of what the two outputs would have.
             for (std::size_t output = 0; output < 2; ++output)
@@ -262,7 +262,7 @@ void Strip::add(float* mix, const float* samples, std::size_t frames, const Weig
 std::vector<LevelReading> Strip::takeLevels() {
     std::vector<LevelReading> levels(m_levels.size());
     std::transform(m_levels.begin(), m_levels.end(), levels.begin(),
-                   [](LevelTap& tap) { return tap.take(); });
+                   [](ChannelLevel& level) { return level.take(); });
     return levels;
 }
 

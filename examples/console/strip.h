@@ -19,13 +19,13 @@
 #pragma once
 
 #include "block.h"
+#include "channel_level.h"
 #include "file_stream.h"
 #include "fold.h"
 #include "glide.h"
 #include "ring.h"
 #include "route.h"
 #include "veltra/audio/handover.h"
-#include "veltra/audio/level_tap.h"
 
 #include <array>
 #include <atomic>
@@ -87,7 +87,8 @@ public:
     bool isSilent() const noexcept { return m_silent.load(std::memory_order_relaxed); }
 
     // For each channel of the file, what was mixed since the last call, gain included, pan not;
-    // what is not heard, or rendered without outputs, is not mixed. Thread: main.
+    // what is not heard, or rendered without outputs, is not mixed. Peaks are true ones where the
+    // block says so. Thread: main.
     std::vector<LevelReading> takeLevels();
 
     // The place in the file up to which it was rendered, in its own frames; when it is resampled,
@@ -167,7 +168,7 @@ private:
     std::atomic<std::int64_t> m_playedTo{0};       // output frames in the file; to any
     std::atomic<std::uint64_t> m_missedFrames{0};  // audio thread counts
     std::atomic<std::uint64_t> m_underruns{0};     // audio thread counts
-    std::vector<LevelTap> m_levels;                // audio thread to main thread
+    std::vector<ChannelLevel> m_levels;            // audio thread to main thread
 
     static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
 };

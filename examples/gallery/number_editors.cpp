@@ -43,32 +43,12 @@ struct Tempo final : Groups {
     Tempo() : Groups(NumberGroups{{{0, 0}, {100, 0}}}, 2000, 99900) {}
 };
 
-void addGroups(NumberDisplay& display, const std::vector<std::uint32_t>& places,
-               DfNumberEditorControlDelegate& delegate) {
-    DfNumberEditorControl& editor = display.editor();
-    editor.setEditorCellCount(static_cast<std::int32_t>(places.size()));
-    for (std::int32_t i = 0; i < editor.editorCellCount(); ++i) {
-        const std::uint32_t count = places[static_cast<std::size_t>(i)];
-        editor.setPlaceHolderStringOfEditorCellAtIndex(std::string(count, '0'), i);
-        editor.setMaxEditStringLenOfEditorCellAtIndex(count, i);
-        editor.setShadowEightsOfEditorCellAtIndex(count, i);
-    }
-    for (std::int32_t i = 0; i < editor.separatorCellCount(); ++i)
-        editor.setStringOfSeparatorCellAtIndex(".", i);
-    editor.setDelegate(&delegate);
-    display.layOut();
-}
-
 std::unique_ptr<NumberDisplay> makePosition() {
     static Position delegate;
     auto made = std::make_unique<NumberDisplay>(Rect{{}, {164.0F, 40.0F}});
-    addGroups(*made, {4, 1, 4}, delegate);
+    made->setGroups({{4, "bar", true}, {1, "beat"}, {4, "tick", true}});
     DfNumberEditorControl& editor = made->editor();
-    editor.setLeadingZerosOfEditorCellAtIndex(4, 0);
-    editor.setLeadingZerosOfEditorCellAtIndex(4, 2);
-    editor.editorCellAtIndex(0)->setAccessibilityName("bar");
-    editor.editorCellAtIndex(1)->setAccessibilityName("beat");
-    editor.editorCellAtIndex(2)->setAccessibilityName("tick");
+    editor.setDelegate(&delegate);
     editor.setAccessibilityName("position");
     editor.setSeparatorsLead(true);
     editor.setUsesClipboard(true);
@@ -79,8 +59,8 @@ std::unique_ptr<NumberDisplay> makePosition() {
 std::unique_ptr<NumberDisplay> makeTempo() {
     static Tempo delegate;
     auto made = std::make_unique<NumberDisplay>(Rect{{}, {100.0F, 40.0F}});
-    addGroups(*made, {3, 2}, delegate);
-    made->editor().setLeadingZerosOfEditorCellAtIndex(2, 1);
+    made->setGroups({{3, "beats a minute"}, {2, "hundredths", true}});
+    made->editor().setDelegate(&delegate);
     // Behind the point zeros count like any digit.
     made->editor().editorCellAtIndex(1)->setLeadingZerosColor(theme(Appearance::Dark).glassText);
     made->editor().setAccessibilityName("tempo");

@@ -36,6 +36,8 @@ public:
     virtual void loopWasChosen(double /*begin*/, double /*end*/) {}  // seconds
     virtual void tempoWasSet(double /*beatsPerMinute*/) {}
 
+    virtual void meterWasSet(int /*beatsPerBar*/, int /*beatUnit*/) {}
+
     virtual void outputGainWasSet(double /*decibels*/) {}
     virtual void outputBalanceWasSet(double /*balance*/) {}
     virtual void dimWasSwitched(bool /*dimmed*/) {}

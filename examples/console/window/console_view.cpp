@@ -129,10 +129,6 @@ void ConsoleView::update(const ConsoleState& state) {
     }
     m_row.update(state);
     m_output.update(state);
-    using Squares = std::span<const float>;
-    for (std::size_t i = 0; i < state.strips.size(); ++i)
-        m_row.strips()[i]->setSquares(m_showsRms ? Squares(state.strips[i].squares) : Squares());
-    m_output.setSquares(m_showsRms ? Squares(state.outputSquares) : Squares());
     int clips = m_output.hasClipped() ? 1 : 0;
     std::vector<StripBridge::Column> columns;
     for (const StripView* const strip : m_row.strips()) {
@@ -183,6 +179,14 @@ void ConsoleView::clearClips() {
     for (StripView* const strip : m_row.strips())
         strip->clearClips();
     m_output.clearClips();
+}
+
+void ConsoleView::setMeterKind(MeterKind kind) {
+    const bool isOtherPeak = (kind == MeterKind::TruePeak) != (m_meterKind == MeterKind::TruePeak);
+    m_meterKind = kind;
+    m_row.setMeterKind(kind);
+    m_output.setMeterKind(kind);
+    if (isOtherPeak) clearClips();
 }
 
 bool ConsoleView::isInside(const View& part) const {

@@ -33,9 +33,9 @@ public:
     // Shown while files are dragged over the window.
     void setDropTarget(bool isDropTarget);
     void clearClips();
-    // Whether meters show RMS levels, too.
-    bool showsRms() const noexcept { return m_showsRms; }
-    void setShowsRms(bool shows) { m_showsRms = shows; }
+    // What the meters show, at first peaks. Another kind of peaks begins anew, without clip lights.
+    MeterKind meterKind() const noexcept { return m_meterKind; }
+    void setMeterKind(MeterKind kind);
     // Gives the keyboard to the next part: transport, strips, output, messages.
     void focusNextPart();
 
@@ -67,7 +67,7 @@ private:
     std::vector<StripState> m_known;  // their formats decide on the layout
     bool m_hadMessage = false;
     bool m_isDropTarget = false;
-    bool m_showsRms = false;
+    MeterKind m_meterKind = MeterKind::Peak;
 };
 
 }  // namespace veltra::console

@@ -44,6 +44,7 @@ struct Notes final : ConsoleDelegate {
         note("loop of", static_cast<int>(std::lround(begin)), end);
     }
     void tempoWasSet(double tempo) override { note("tempo", 0, tempo); }
+    void meterWasSet(int beats, int unit) override { note("meter", beats, unit); }
     void outputGainWasSet(double decibels) override { note("output", 0, decibels); }
     void dimWasSwitched(bool isOn) override { note("dim", 0, isOn); }
 };
@@ -457,15 +458,65 @@ TEST(ConsoleClips, AgreeAndGoOutTogether) {
     EXPECT_FALSE(desk.strip(0).hasClipped() || view.output().hasClipped());
 }
 
-TEST(ConsoleMeters, ShowRmsLevelsWhenAsked) {
+TEST(ConsoleMeters, ShowAndTellWhatIsAskedFor) {
     Desk desk({1180, 720}, 1);
+    const std::string name = nameOf(1);
+    desk.state.strips[0].meter.peak = 0.1F;
     desk.state.strips[0].squares = {0.25F};
     desk.update();
     EXPECT_EQ(desk.strip(0).meters().firstCell().rms(), std::nullopt);
-    desk.view().setShowsRms(true);
+    desk.view().setMeterKind(MeterKind::Rms);
     for (int i = 0; i < 200; ++i)
         desk.update();
     EXPECT_NEAR(*desk.strip(0).meters().firstCell().rms(), meterPositionForAmplitude(0.5F), 0.01F);
+    EXPECT_NE(desk.find(name + " RMS meters"), nullptr);
+    EXPECT_EQ(desk.find("peak of " + name)->accessibilityValueText(), "\u221220.0 dB");
+    desk.view().setMeterKind(MeterKind::TruePeak);
+    EXPECT_EQ(desk.find("peak of " + name)->accessibilityValueText(), "silence");  // a new peak
+    desk.update();
+    EXPECT_EQ(desk.find("peak of " + name)->accessibilityValueText(), "\u221220.0 dBTP");
+    EXPECT_EQ(desk.strip(0).meters().firstCell().rms(), std::nullopt);
+    EXPECT_NE(desk.find("Output true peak meters"), nullptr);
+    desk.state.strips.push_back(stateOf(2).strips[1]);
+    desk.update();
+    EXPECT_NE(desk.find(nameOf(2) + " true peak meters"), nullptr);
+}
+
+TEST(ConsoleTransport, CountsInTheMeterThatIsSet) {
+    Desk desk({1180, 720}, 1);
+    const auto step = [&](const char* group, char16_t key) {
+        desk.notes.last.clear();
+        auto* const editor = desk.find("meter");
+        ASSERT_NE(editor, nullptr);
+        desk.find(group)->performAccessibilityAction(key == kUpArrowCharacter
+                                                         ? AccessibilityAction::Increment
+                                                         : AccessibilityAction::Decrement);
+    };
+    const struct {
+        const char* group;
+        char16_t key;
+        int beats, unit;  // before
+        const char* expected;
+    } kRows[] = {{"beats a bar", kUpArrowCharacter, 4, 4, "meter 5 4.0"},
+                 {"beats a bar", kDownArrowCharacter, 1, 4, "meter 1 4.0"},
+                 {"beats a bar", kUpArrowCharacter, 64, 4, "meter 64 4.0"},
+                 {"beat unit", kUpArrowCharacter, 4, 4, "meter 4 8.0"},
+                 {"beat unit", kDownArrowCharacter, 4, 8, "meter 4 4.0"},
+                 {"beat unit", kDownArrowCharacter, 4, 1, "meter 4 1.0"},
+                 {"beat unit", kUpArrowCharacter, 4, 64, "meter 4 64.0"}};
+    for (const auto& row : kRows) {
+        desk.state.beatsPerBar = row.beats;
+        desk.state.beatUnit = row.unit;
+        desk.update();
+        step(row.group, row.key);
+        EXPECT_EQ(desk.notes.last, row.expected);
+    }
+    desk.state.beatsPerBar = 12;
+    desk.state.place = {3, 11, 480 * CMusicalContext::kTicksPerBeat / 960};
+    desk.update();
+    EXPECT_EQ(desk.find("position")->accessibilityValueText(), "0003.11.0480");
+    desk.view().setFrame({{}, {820, 720}});
+    EXPECT_EQ(desk.find("meter"), nullptr);  // its place is the menu
 }
 
 TEST(ConsoleMessages, StayUntilClosedAndOfferUndo) {

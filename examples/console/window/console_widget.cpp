@@ -97,19 +97,24 @@ void ConsoleWidget::offerActions() {
     offer("&Loop", Qt::Key_L, [this] { loopWasSwitched(!m_player.state().looping); });
     line();
     offer("&Add files\u2026", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
-    auto* const recent = offer("Add recent &file", {}, [] {});
-    auto* const files = new QMenu(this);
-    recent->setMenu(files);
-    connect(files, &QMenu::aboutToShow, this, [this, files] { showRecent(*files); });
+    const auto offerMenu = [&](const char* name, auto fill) {
+        auto* const menu = new QMenu(this);
+        offer(name, {}, [] {})->setMenu(menu);
+        connect(menu, &QMenu::aboutToShow, this, [menu, fill] {
+            menu->clear();
+            fill(*menu);
+        });
+    };
+    offerMenu("Add recent &file", [this](QMenu& menu) { showRecent(menu); });
     offer("&Undo removal", QKeySequence(Qt::CTRL | Qt::Key_Z), [this] { undoWasPressed(); });
     offer("Reset clip li&ghts", Qt::Key_C, [this] { m_view->clearClips(); });
-    auto* const rms = offer("Meters show R&MS levels, too", {}, [this](bool shows) {
-        m_view->setShowsRms(shows);
-        Settings::setShowsRms(shows);
+    offer("Next kind of me&ters", Qt::Key_P, [this] {
+        constexpr int kKinds = 3;
+        showMeters(static_cast<MeterKind>((static_cast<int>(m_view->meterKind()) + 1) % kKinds));
     });
-    rms->setCheckable(true);
-    rms->setChecked(Settings::showsRms());
-    m_view->setShowsRms(Settings::showsRms());
+    offerMenu("&Meters show", [this](QMenu& menu) { offerMeterKinds(menu); });
+    offerMenu("Mete&r of the music", [this](QMenu& menu) { offerMusicalMeters(menu); });
+    showMeters(Settings::meterKind());
     offer("&Next part of the window", Qt::Key_F6, [this] { m_view->focusNextPart(); });
     line();
     offer("&Stop reading waveforms", Qt::Key_Escape, [this] { escape(); });
@@ -123,6 +128,7 @@ void ConsoleWidget::refresh() {
     for (const std::string& problem : m_player.tick())
         m_view->addMessage(problem);
     m_view->update(m_player.look());
+    showDevices();
 }
 
 void ConsoleWidget::tell(const std::string& problem) {
@@ -166,10 +172,39 @@ void ConsoleWidget::addFiles(const std::vector<std::string>& paths) {
 }
 
 void ConsoleWidget::showRecent(QMenu& menu) {
-    menu.clear();
     for (const std::string& path : Settings::recentFiles())
         menu.addAction(textOf(printable(path)), this, [this, path] { addFiles({path}); });
     if (menu.isEmpty()) menu.addAction(QStringLiteral("None yet"))->setEnabled(false);
+}
+
+void ConsoleWidget::showMeters(MeterKind kind) {
+    m_player.setMeasuresTruePeaks(kind == MeterKind::TruePeak);
+    m_view->setMeterKind(kind);
+    if (kind != Settings::meterKind()) Settings::setMeterKind(kind);
+}
+
+void ConsoleWidget::offerMeterKinds(QMenu& menu) {
+    constexpr const char* kNames[] = {"&Peaks", "&RMS levels, and peaks dimly", "&True peaks"};
+    for (int i = 0; i < 3; ++i) {
+        const auto kind = static_cast<MeterKind>(i);
+        QAction* const entry =
+            menu.addAction(QString::fromUtf8(kNames[i]), this, [this, kind] { showMeters(kind); });
+        entry->setCheckable(true);
+        entry->setChecked(kind == m_view->meterKind());
+    }
+}
+
+void ConsoleWidget::offerMusicalMeters(QMenu& menu) {
+    constexpr std::pair<int, int> kMeters[] = {{2, 4}, {3, 4}, {4, 4}, {5, 4}, {6, 4}, {3, 8},
+                                               {5, 8}, {6, 8}, {7, 8}, {9, 8}, {12, 8}};
+    const ConsoleState& state = m_player.state();
+    for (const auto& meter : kMeters) {
+        QAction* const entry =
+            menu.addAction(QStringLiteral("%1/%2").arg(meter.first).arg(meter.second), this,
+                           [this, meter] { meterWasSet(meter.first, meter.second); });
+        entry->setCheckable(true);
+        entry->setChecked(meter == std::pair(state.beatsPerBar, state.beatUnit));
+    }
 }
 
 void ConsoleWidget::addFilesWasPressed() {
@@ -251,27 +286,40 @@ void ConsoleWidget::chooseDevice(const std::string& id, std::uint32_t blockFrame
     refresh();
 }
 
+// What does not depend on the sound systems is there at once; the devices join when they are known.
 void ConsoleWidget::deviceMenuWasPressed(View& button) {
-    const std::vector<DeviceInfo> devices = m_player.devices();
-    QMenu* const menu = popUp(button);
-    const auto offer = [this](QMenu& where, const QString& name, bool isChosen,
-                              const std::string& id, std::uint32_t block) {
-        QAction* const entry =
-            where.addAction(name, this, [this, id, block] { chooseDevice(id, block); });
-        entry->setCheckable(true);
-        entry->setChecked(isChosen);
-    };
-    offer(*menu, QStringLiteral("The default device"), m_device == "auto", "auto", m_blockFrames);
-    for (const DeviceInfo& device : devices)
-        offer(*menu, textOf(printable(device.name)), m_device == device.id, device.id,
-              m_blockFrames);
-    offer(*menu, QStringLiteral("None: play in silence"), m_device == "null", "null",
-          m_blockFrames);
-    QMenu* const sizes = menu->addMenu(QStringLiteral("Buffer"));
-    offer(*sizes, QStringLiteral("The device's own"), m_blockFrames == 0, m_device, 0);
+    m_player.askForDevices();
+    m_deviceMenu = popUp(button);
+    const auto offer = [this](QMenu& where, const QString& name, const std::string& id,
+                              std::uint32_t block) { return offerDevice(where, name, id, block); };
+    offer(*m_deviceMenu, QStringLiteral("The default device"), "auto", m_blockFrames);
+    m_beforeDevices = m_deviceMenu->addAction(QStringLiteral("Looking for devices\u2026"));
+    m_beforeDevices->setEnabled(false);
+    offer(*m_deviceMenu, QStringLiteral("None: play in silence"), "null", m_blockFrames);
+    QMenu* const sizes = m_deviceMenu->addMenu(QStringLiteral("Buffer"));
+    offer(*sizes, QStringLiteral("The device's own"), m_device, 0);
     for (const std::uint32_t block : kBlocks)
-        offer(*sizes, QStringLiteral("%1 frames").arg(block), m_blockFrames == block, m_device,
-              block);
+        offer(*sizes, QStringLiteral("%1 frames").arg(block), m_device, block);
+}
+
+QAction* ConsoleWidget::offerDevice(QMenu& where, const QString& name, const std::string& id,
+                                    std::uint32_t block) {
+    QAction* const entry =
+        where.addAction(name, this, [this, id, block] { chooseDevice(id, block); });
+    entry->setCheckable(true);
+    entry->setChecked(id == m_device && block == m_blockFrames);
+    return entry;
+}
+
+void ConsoleWidget::showDevices() {
+    const auto devices = m_player.takeDevices();
+    if (!devices || m_deviceMenu == nullptr) return;
+    for (const DeviceInfo& device : *devices) {
+        QAction* const entry =
+            offerDevice(*m_deviceMenu, textOf(printable(device.name)), device.id, m_blockFrames);
+        m_deviceMenu->insertAction(m_beforeDevices, entry);
+    }
+    m_deviceMenu->removeAction(m_beforeDevices);
 }
 
 // The desk and the transport.
@@ -330,6 +378,10 @@ void ConsoleWidget::loopWasChosen(double begin, double end) {
 
 void ConsoleWidget::tempoWasSet(double beatsPerMinute) {
     m_player.setTempo(beatsPerMinute);
+}
+
+void ConsoleWidget::meterWasSet(int beatsPerBar, int beatUnit) {
+    m_player.setMeter(beatsPerBar, beatUnit);
 }
 
 void ConsoleWidget::outputGainWasSet(double decibels) {

@@ -8,6 +8,7 @@
 #include "veltra/qt/view_widget.h"
 
 #include <QMenu>
+#include <QPointer>
 #include <memory>
 
 namespace veltra::console {
@@ -31,12 +32,18 @@ private:
     void offerActions();
     void showAbout();
     void showRecent(QMenu& menu);
+    void showMeters(MeterKind kind);
+    void offerMeterKinds(QMenu& menu);
+    void offerMusicalMeters(QMenu& menu);
     void escape();
     void tell(const std::string& problem);
     QPoint below(const View& view) const;
     QMenu* popUp(const View& view);
     std::int64_t framesOf(double seconds) const;
     void chooseDevice(const std::string& id, std::uint32_t blockFrames);
+    QAction* offerDevice(QMenu& where, const QString& name, const std::string& id,
+                         std::uint32_t block);
+    void showDevices();
 
     void addFilesWasPressed() override;
     void removeStripWasPressed(StripKey key) override;
@@ -52,6 +59,7 @@ private:
     void placeWasChosen(double seconds) override;
     void loopWasChosen(double begin, double end) override;
     void tempoWasSet(double beatsPerMinute) override;
+    void meterWasSet(int beatsPerBar, int beatUnit) override;
     void outputGainWasSet(double decibels) override;
     void outputBalanceWasSet(double balance) override;
     void dimWasSwitched(bool dimmed) override;
@@ -62,7 +70,9 @@ private:
     Player& m_player;
     ConsoleView* m_view;
     std::string m_device = "auto";
-    std::uint32_t m_blockFrames = 0;  // 0: the device's own
+    std::uint32_t m_blockFrames = 0;     // 0: the device's own
+    QPointer<QMenu> m_deviceMenu;        // null: not open
+    QAction* m_beforeDevices = nullptr;  // where devices join it, while it is open
     std::unique_ptr<Beat> m_beat;
 };
 

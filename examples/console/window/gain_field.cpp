@@ -4,6 +4,7 @@
 #include "../console_state.h"
 #include "times.h"
 #include "veltra/controls/level_meters/peak_readout.h"
+#include "veltra/controls/sliders/fader_scale.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
 
@@ -160,7 +161,7 @@ std::optional<AccessibilityNumber> GainField::accessibilityNumber() const {
 }
 
 std::string GainField::accessibilityValueText() const {
-    return m_decibels <= PeakReadout::kQuietest ? "silent" : decimalText(m_decibels, 1) + " dB";
+    return m_decibels <= PeakReadout::kQuietest ? "silent" : FaderScale::text(m_decibels);
 }
 
 bool GainField::setAccessibilityNumber(double value) {

@@ -15,6 +15,17 @@ constexpr float kNameTop = 2.0F;  // below the glass
 constexpr float kNameHeight = 14.0F;
 constexpr double kLooksASecond = 60.0;
 
+struct Words {
+    const char* level;   // in the tool tip
+    const char* meters;  // behind the name, for a screen reader
+};
+Words wordsOf(MeterKind kind) {
+    constexpr Words kWords[] = {{"Peak level in dBFS", " meters"},
+                                {"RMS level in dBFS, dimly the peak", " RMS meters"},
+                                {"True peak level in dBTP", " true peak meters"}};
+    return kWords[static_cast<std::size_t>(kind)];
+}
+
 // As much of a name as fits into the pitch of the bars: all of it, its first two letters, nothing.
 StyledText fitting(StyledText name, float pitch) {
     if (name.size().width + 1.0F <= pitch) return name;
@@ -24,6 +35,10 @@ StyledText fitting(StyledText name, float pitch) {
 }
 
 }  // namespace
+
+std::string unitOfPeaks(MeterKind kind) {
+    return kind == MeterKind::TruePeak ? "dBTP" : "dB";
+}
 
 MeterGroup::MeterGroup(int channels, const ChannelPlan& plan) {
     for (int channel = 0; channel < std::max(channels, 1); ++channel) {
@@ -60,7 +75,8 @@ void MeterGroup::layOut() {
         left += m_bar + m_gap;
     }
     toolTips().removeAllToolTips();
-    toolTips().addToolTipRect(glassRect(), "Peak level in dBFS; a click resets clip lights");
+    toolTips().addToolTipRect(glassRect(),
+                              std::string(wordsOf(m_kind).level) + "; a click resets clip lights");
     setNeedsDisplay();
 }
 
@@ -79,14 +95,27 @@ void MeterGroup::setPeaks(std::span<const float> peaks) {
 }
 
 void MeterGroup::setSquares(std::span<const float> squares) {
+    if (m_kind != MeterKind::Rms) return;
     for (std::size_t i = 0; i < m_cells.size(); ++i) {
-        if (i >= squares.size()) {
-            m_cells[i]->setRms(std::nullopt);
-            continue;
-        }
-        const float rms = m_averages[i].add({.meanSquare = squares[i], .frames = 1});
+        const float square = i < squares.size() ? squares[i] : 0.0F;
+        const float rms = m_averages[i].add({.meanSquare = square, .frames = 1});
         m_cells[i]->setRms(meterPositionForAmplitude(rms));
     }
+}
+
+void MeterGroup::setKind(MeterKind kind) {
+    if (kind == m_kind) return;
+    m_kind = kind;
+    for (std::size_t i = 0; i < m_cells.size(); ++i) {
+        m_averages[i].reset();
+        m_cells[i]->setRms(kind == MeterKind::Rms ? std::optional(0.0F) : std::nullopt);
+    }
+    layOut();
+    postAccessibilityNotification(AccessibilityNotification::NameChanged);
+}
+
+std::string MeterGroup::accessibilityName() const {
+    return m_name + wordsOf(m_kind).meters;
 }
 
 void MeterGroup::setMuted(bool isMuted) {

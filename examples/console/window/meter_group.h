@@ -8,12 +8,23 @@
 #include "veltra/controls/level_meters/level_meter_cell.h"
 #include "veltra/ui/control.h"
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace veltra::console {
+
+// What the meters of a window show.
+enum class MeterKind : std::uint8_t {
+    Peak,
+    Rms,  // bars are lit in full up to the RMS level, dimly from there to the peak
+    TruePeak,
+};
+
+// For the read-outs above them.
+std::string unitOfPeaks(MeterKind kind);
 
 // A click or Return puts the clip lights out and sends the action. Thread: main.
 class MeterGroup final : public Control {
@@ -30,9 +41,10 @@ public:
     // Largest magnitudes since the last call, 1 at full scale, a channel each. Fewer than there are
     // channels: the rest are silent.
     void setPeaks(std::span<const float> peaks);
-    // Their mean squares, likewise: the bars are lit in full up to the RMS level, dimly from there
-    // to the peak. Empty: peaks alone.
+    // Their mean squares, likewise, for meters that show RMS levels.
     void setSquares(std::span<const float> squares);
+    // At first Peak. Whether the peaks are true ones is up to who measures them.
+    void setKind(MeterKind kind);
     // A signal that is not heard.
     void setMuted(bool isMuted);
 
@@ -57,7 +69,7 @@ public:
     std::optional<FocusShape> focusShape() const override;
 
     AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
-    std::string accessibilityName() const override { return m_name + " meters"; }
+    std::string accessibilityName() const override;
     std::vector<AccessibilityElement*> accessibilityChildren() const override;
     std::vector<AccessibilityAction> accessibilityActions() const override;
     bool performAccessibilityAction(AccessibilityAction action) override;
@@ -74,6 +86,7 @@ private:
     std::vector<std::string> m_channelNames;  // one for each
     std::vector<RmsAverage> m_averages;       // one for each
     std::string m_name;
+    MeterKind m_kind = MeterKind::Peak;
     float m_bar = 9.0F;
     float m_gap = 2.0F;
 };

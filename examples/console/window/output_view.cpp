@@ -129,6 +129,14 @@ void OutputView::update(const ConsoleState& state) {
     m_readouts[0]->raise(isSingle ? loudest : state.outputPeaks[0]);
     m_readouts[1]->raise(state.outputPeaks[1]);
     m_meters.setPeaks(state.outputPeaks);
+    m_meters.setSquares(state.outputSquares);
+}
+
+void OutputView::setMeterKind(MeterKind kind) {
+    m_meters.setKind(kind);
+    for (PeakReadout* const readout : m_readouts)
+        readout->setAccessibilityUnit(unitOfPeaks(kind));
+    m_footer.setText(kind == MeterKind::TruePeak ? "True peak since start" : "Peak since start");
 }
 
 bool OutputView::hasClipped() const {

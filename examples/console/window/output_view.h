@@ -25,7 +25,7 @@ public:
     explicit OutputView(ConsoleDelegate& delegate);
 
     void update(const ConsoleState& state);
-    void setSquares(std::span<const float> squares) { m_meters.setSquares(squares); }
+    void setMeterKind(MeterKind kind);
     bool hasClipped() const;
     void clearClips();
     // Gives the keyboard to the first of its controls.

@@ -4,6 +4,7 @@
 #include "veltra/platform/preferences.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace veltra::console {
 
@@ -12,7 +13,8 @@ namespace {
 constexpr char kWindow[] = "ConsoleWindow";
 constexpr char kWidth[] = "width";
 constexpr char kHeight[] = "height";
-constexpr char kRms[] = "ConsoleMetersShowRms";
+constexpr char kMeters[] = "ConsoleMeters";
+constexpr const char* kMeterKinds[] = {"peak", "rms", "truePeak"};
 constexpr char kRecent[] = "ConsoleRecentFiles";
 
 void store(std::string_view key, const PropertyValue& value) {
@@ -36,12 +38,16 @@ void Settings::setWindowSize(Size size) {
     store(kWindow, PropertyValue::Dictionary{{kWidth, size.width}, {kHeight, size.height}});
 }
 
-bool Settings::showsRms() {
-    return Preferences::current().value(kRms).asBool();
+MeterKind Settings::meterKind() {
+    const PropertyValue stored = Preferences::current().value(kMeters);
+    for (std::size_t i = 0; i < std::size(kMeterKinds); ++i) {
+        if (stored.asString() == kMeterKinds[i]) return static_cast<MeterKind>(i);
+    }
+    return MeterKind::Peak;
 }
 
-void Settings::setShowsRms(bool shows) {
-    store(kRms, shows);
+void Settings::setMeterKind(MeterKind kind) {
+    store(kMeters, kMeterKinds[static_cast<std::size_t>(kind)]);
 }
 
 // A name that is no UTF-8 is kept as the bytes that it is.

@@ -2,6 +2,7 @@
 // What the window keeps from one run to the next, in the framework's preferences.
 #pragma once
 
+#include "meter_group.h"
 #include "veltra/ui/geometry.h"
 
 #include <optional>
@@ -18,8 +19,8 @@ struct Settings {
     static std::optional<Size> windowSize();
     static void setWindowSize(Size size);
 
-    static bool showsRms();
-    static void setShowsRms(bool shows);
+    static MeterKind meterKind();
+    static void setMeterKind(MeterKind kind);
 
     // The newest first; no file twice.
     static std::vector<std::string> recentFiles();

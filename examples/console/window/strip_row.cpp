@@ -60,6 +60,12 @@ void StripRow::setNarrowest(CardKind kind) {
     layOut();
 }
 
+void StripRow::setMeterKind(MeterKind kind) {
+    m_meterKind = kind;
+    for (StripView* const strip : m_strips)
+        strip->setMeterKind(kind);
+}
+
 void StripRow::scrollTo(int first) {
     const int before = m_first;
     m_first = first;
@@ -140,6 +146,7 @@ bool StripRow::match(const ConsoleState& state) {
             old.erase(found);
         } else {
             m_strips.push_back(&addSubview(std::make_unique<StripView>(strip, m_delegate)));
+            m_strips.back()->setMeterKind(m_meterKind);
         }
     }
     orderViews();

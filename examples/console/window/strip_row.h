@@ -24,6 +24,7 @@ public:
 
     void update(const ConsoleState& state);
     const std::vector<StripView*>& strips() const noexcept { return m_strips; }
+    void setMeterKind(MeterKind kind);  // also of strips that come later
     // The strips are as narrow as this kind of card allows, whatever the height.
     void setNarrowest(CardKind kind);
 
@@ -67,6 +68,7 @@ private:
     ConsoleDelegate& m_delegate;
     DropView& m_drop;  // in the room that the strips leave
     std::vector<StripView*> m_strips;
+    MeterKind m_meterKind = MeterKind::Peak;
     CardKind m_narrowest = CardKind::Full;
     int m_first = 0;
     int m_inSight = 0;

@@ -170,6 +170,7 @@ void StripView::update(const StripState& state, const ConsoleState& console) {
     const StripMeter& meter = state.meter;
     const bool isQuiet = !state.heard || state.muted;
     m_meters.setPeaks(meter.peaks);
+    m_meters.setSquares(state.squares);
     m_meters.setMuted(isQuiet);
     m_readout.raise(meter.peak);
     m_readout.setMuted(isQuiet);
@@ -219,6 +220,11 @@ void StripView::updateTexts(const StripState& state) {
     }
     m_time.setText(state.ended ? "Ended" : time);
     m_note.setText(noteAt(state));
+}
+
+void StripView::setMeterKind(MeterKind kind) {
+    m_meters.setKind(kind);
+    m_readout.setAccessibilityUnit(unitOfPeaks(kind));
 }
 
 void StripView::clearClips() {

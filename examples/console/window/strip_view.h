@@ -30,7 +30,7 @@ public:
     const FileFormat& format() const noexcept { return m_format; }
     const std::string& name() const noexcept { return m_name.text(); }
     void update(const StripState& state, const ConsoleState& console);
-    void setSquares(std::span<const float> squares) { m_meters.setSquares(squares); }
+    void setMeterKind(MeterKind kind);
 
     bool hasClipped() const { return m_readout.isClipped() || m_meters.hasClipped(); }
     void clearClips();

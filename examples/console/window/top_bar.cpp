@@ -9,6 +9,7 @@
 #include "veltra/ui/window.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace veltra::console {
@@ -25,6 +26,7 @@ constexpr float kPadding = 10.0F;  // of the glass, beside what is on it
 constexpr float kPart = 25.0F;     // with a line in the middle: between the parts of the glass
 constexpr float kButtonHeight = 32.0F;
 constexpr float kAddWidth = 112.0F;
+constexpr float kLeastForMeter = 940.0F;  // width of the window
 constexpr float kTimeFont = 22.0F;
 constexpr float kSmallFont = 16.0F;
 constexpr std::int32_t kTicksPerBeat = 960;  // as the window shows them
@@ -69,10 +71,39 @@ public:
     NumberGroups groups() const override { return NumberGroups{{{0, 0}, {100, 0}}}; }
 };
 
+// Beats a bar and the unit of a beat; the latter goes by powers of two, in the direction in which
+// it is moved.
+class TopBar::Meter final : public DfNumberEditorControlDelegate {
+public:
+    static constexpr std::int64_t valueOf(int beatsPerBar, int beatUnit) {
+        return std::int64_t{beatsPerBar} * kUnits + beatUnit;
+    }
+    static int beatsPerBar(std::int64_t value) { return static_cast<int>(value / kUnits); }
+    static int beatUnit(std::int64_t value) { return static_cast<int>(value % kUnits); }
+
+    std::optional<std::vector<std::int32_t>> calculateCellValuesFromValue(
+        DfNumberEditorControl& /*control*/, std::int64_t value) override {
+        return std::vector<std::int32_t>{beatsPerBar(value), beatUnit(value)};
+    }
+    std::optional<std::int64_t> calculateValueFromCellValues(
+        DfNumberEditorControl& control, std::span<const std::int32_t> values) override {
+        const int unit = std::clamp(values[1], 1, kMost);
+        const auto bits = static_cast<unsigned>(unit);
+        const bool isRaised = unit > beatUnit(control.value());
+        const auto power = static_cast<int>(isRaised ? std::bit_ceil(bits) : std::bit_floor(bits));
+        return valueOf(std::clamp(values[0], 1, kMost), power);
+    }
+
+private:
+    static constexpr int kMost = 64;  // of either
+    static constexpr std::int64_t kUnits = 1000;
+};
+
 TopBar::TopBar(ConsoleDelegate& delegate)
     : m_delegate(delegate),
       m_positionGroups(std::make_unique<Position>()),
       m_tempoGroups(std::make_unique<Tempo>()),
+      m_meterGroups(std::make_unique<Meter>()),
       m_return(addSubview(std::make_unique<ConsoleButton>(Rect{}, ""))),
       m_play(addSubview(std::make_unique<ConsoleButton>(Rect{}, "", ButtonCell::Kind::Toggle))),
       m_loop(addSubview(std::make_unique<ConsoleButton>(Rect{}, "", ButtonCell::Kind::Toggle))),
@@ -80,7 +111,11 @@ TopBar::TopBar(ConsoleDelegate& delegate)
           addSubview(std::make_unique<NumberDisplay>(Rect{}, NumberEditorLook::Glass, kTimeFont))),
       m_tempo(
           addSubview(std::make_unique<NumberDisplay>(Rect{}, NumberEditorLook::Glass, kTimeFont))),
+      m_meter(
+          addSubview(std::make_unique<NumberDisplay>(Rect{}, NumberEditorLook::Glass, kTimeFont))),
       m_tempoCaption(addSubview(std::make_unique<Label>(
+          themeFont(10.0F, FontWeight::Medium), &Theme::glassCaption, TextAlignment::Center))),
+      m_meterCaption(addSubview(std::make_unique<Label>(
           themeFont(10.0F, FontWeight::Medium), &Theme::glassCaption, TextAlignment::Center))),
       m_clips(addSubview(std::make_unique<ConsoleButton>(Rect{}, "Clips: 0"))),
       m_add(addSubview(std::make_unique<ConsoleButton>(Rect{}, "Add files\u2026"))),
@@ -112,42 +147,41 @@ TopBar::TopBar(ConsoleDelegate& delegate)
     m_play.buttonCell().setStyle(ButtonCell::Style::Plain);
     m_loop.buttonCell().setStyle(ButtonCell::Style::Mode);
 
-    const auto addGroups = [this](NumberDisplay& display, std::vector<std::uint32_t> places,
-                                  Groups& groups, std::vector<std::string> names, Action action) {
+    const auto setUpEditor = [this](NumberDisplay& display, const char* name,
+                                    DfNumberEditorControlDelegate& groups, Action action) {
         DfNumberEditorControl& editor = display.editor();
-        editor.setEditorCellCount(static_cast<std::int32_t>(places.size()));
-        for (std::int32_t i = 0; i < editor.editorCellCount(); ++i) {
-            const std::uint32_t count = places[static_cast<std::size_t>(i)];
-            editor.setPlaceHolderStringOfEditorCellAtIndex(std::string(count, '0'), i);
-            editor.setMaxEditStringLenOfEditorCellAtIndex(count, i);
-            editor.setShadowEightsOfEditorCellAtIndex(count, i);
-            editor.editorCellAtIndex(i)->setAccessibilityName(names[static_cast<std::size_t>(i)]);
-            if (i > 0) editor.setStringOfSeparatorCellAtIndex(".", i - 1);
-        }
         editor.setDelegate(&groups);
+        editor.setAccessibilityName(name);
         editor.setSeparatorsLead(true);
         editor.setUsesClipboard(true);
         editor.setLocksPointer(true);
         editor.setTarget(this);
         editor.setAction(action);
     };
-    addGroups(m_position, {4, 1, 4}, *m_positionGroups, {"bar", "beat", "tick"},
-              veltra::action<&TopBar::positionWasEdited>());
-    m_position.editor().setAccessibilityName("position");
-    m_position.editor().setLeadingZerosOfEditorCellAtIndex(4, 0);
-    m_position.editor().setLeadingZerosOfEditorCellAtIndex(4, 2);
-    m_position.editor().editorCellAtIndex(2)->setMinimumDelta(10);
-    addGroups(m_tempo, {3, 2}, *m_tempoGroups, {"beats a minute", "hundredths"},
-              veltra::action<&TopBar::tempoWasEdited>());
-    m_tempo.editor().setAccessibilityName("tempo");
-    m_tempo.editor().setLeadingZerosOfEditorCellAtIndex(2, 1);
+    setUpPositionGroups();
+    setUpEditor(m_position, "position", *m_positionGroups,
+                veltra::action<&TopBar::positionWasEdited>());
+    m_tempo.setGroups({{3, "beats a minute"}, {2, "hundredths", true}});
+    setUpEditor(m_tempo, "tempo", *m_tempoGroups, veltra::action<&TopBar::tempoWasEdited>());
     // Behind the point zeros count like any digit.
     m_tempo.editor().editorCellAtIndex(1)->setLeadingZerosColor(theme(Appearance::Dark).glassText);
+    m_meter.setGroups({{2, "beats a bar"}, {2, "beat unit"}}, "/");
+    setUpEditor(m_meter, "meter", *m_meterGroups, veltra::action<&TopBar::meterWasEdited>());
+    m_meter.editor().setValue(Meter::valueOf(4, 4));
+    m_meter.setCaptions({""});  // their height is kept free
+    m_meterCaption.setText("meter");
     m_tempo.editor().setValue(12000);
     m_tempo.setCaptions({""});  // their height is kept free
     m_tempoCaption.setText("tempo");
     m_clips.setHidden(true);
     layOut();
+}
+
+// Bars of more than nine beats need another place.
+void TopBar::setUpPositionGroups() {
+    const std::uint32_t places = m_positionGroups->beatsPerBar > 9 ? 2 : 1;
+    m_position.setGroups({{4, "bar", true}, {places, "beat"}, {4, "tick", true}});
+    m_position.editor().editorCellAtIndex(2)->setMinimumDelta(10);
 }
 
 TopBar::~TopBar() {
@@ -180,7 +214,7 @@ void TopBar::layOut() {
     // The glass: one plate for all three; position and tempo lie on it.
     const float height = isTall ? 52.0F : 36.0F;
     const float font = isTall ? kTimeFont : kSmallFont;
-    for (NumberDisplay* const display : {&m_position, &m_tempo})
+    for (NumberDisplay* const display : {&m_position, &m_tempo, &m_meter})
         display->editor().setLook(NumberEditorLook::Glass, font);
     m_position.setCaptions(isTall ? std::vector<std::string>{"bar", "beat", "tick"}
                                   : std::vector<std::string>{});
@@ -193,14 +227,21 @@ void TopBar::layOut() {
         right += width;
     };
     lay(m_position);
-    m_tempo.setHidden(!isTall);
-    m_tempoCaption.setHidden(!isTall);
+    // Narrow windows have the meter in their menu.
+    const bool hasMeter = isTall && bounds().size.width >= kLeastForMeter;
+    const auto layWithCaption = [&](NumberDisplay& display, Label& caption, bool isShown) {
+        display.setHidden(!isShown);
+        caption.setHidden(!isShown);
+        if (!isShown) return;
+        right += kPart;
+        lay(display);
+        caption.setFrame({{display.frame().minX(), m_glass.minY() + kCaptionTop},
+                          {display.frame().size.width, kCaptionHeight}});
+    };
+    layWithCaption(m_tempo, m_tempoCaption, isTall);
+    layWithCaption(m_meter, m_meterCaption, hasMeter);
     m_timeRect = {};
     if (isTall) {
-        right += kPart;
-        lay(m_tempo);
-        m_tempoCaption.setFrame({{m_tempo.frame().minX(), m_glass.minY() + kCaptionTop},
-                                 {m_tempo.frame().size.width, kCaptionHeight}});
         right += kPart;
         const StyledText widest{"00:00.0", themeFont(font, FontWeight::Medium), {}};
         m_timeRect = {{right, m_glass.minY()}, {std::ceil(widest.size().width) + 4.0F, height}};
@@ -241,6 +282,8 @@ void TopBar::update(const ConsoleState& state, int clips) {
     const BarBeatTick& place = state.place;
     if (m_positionGroups->beatsPerBar != state.beatsPerBar) {
         m_positionGroups->beatsPerBar = std::max(state.beatsPerBar, 1);
+        setUpPositionGroups();
+        layOut();
         m_position.editor().calculateCellValuesFromValue();
     }
     const std::int64_t beats = (place.bar - 1) * m_positionGroups->beatsPerBar + place.beat - 1;
@@ -251,6 +294,9 @@ void TopBar::update(const ConsoleState& state, int clips) {
     DfNumberEditorControl& tempo = m_tempo.editor();
     const auto hundredths = static_cast<std::int64_t>(std::lround(state.tempo * 100.0));
     if (tempo.editingCell() == nullptr && tempo.value() != hundredths) tempo.setValue(hundredths);
+    DfNumberEditorControl& meter = m_meter.editor();
+    const std::int64_t present = Meter::valueOf(state.beatsPerBar, state.beatUnit);
+    if (meter.editingCell() == nullptr && meter.value() != present) meter.setValue(present);
     m_secondsPerTick = 60.0 / std::max(state.tempo, 1.0) / kTicksPerBeat;
     const std::string time = preciseTime(state.seconds);
     if (time != m_time) {
@@ -339,6 +385,11 @@ void TopBar::addWasPressed() {
 
 void TopBar::positionWasEdited() {
     m_delegate.placeWasChosen(static_cast<double>(m_position.editor().value()) * m_secondsPerTick);
+}
+
+void TopBar::meterWasEdited() {
+    const std::int64_t value = m_meter.editor().value();
+    m_delegate.meterWasSet(Meter::beatsPerBar(value), Meter::beatUnit(value));
 }
 
 void TopBar::tempoWasEdited() {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The transport: its buttons, the glass with position, tempo and time, and what concerns the whole
-// window.
+// The transport: its buttons, the glass with position, tempo, meter and time, and what concerns the
+// whole window.
 #pragma once
 
 #include "console_button.h"
@@ -43,7 +43,9 @@ private:
     class Groups;
     class Position;
     class Tempo;
+    class Meter;
 
+    void setUpPositionGroups();
     void layOut();
     void updateStatus(const ConsoleState& state, int clips);
     void returnWasPressed();
@@ -52,16 +54,20 @@ private:
     void addWasPressed();
     void positionWasEdited();
     void tempoWasEdited();
+    void meterWasEdited();
 
     ConsoleDelegate& m_delegate;
     const std::unique_ptr<Position> m_positionGroups;
     const std::unique_ptr<Tempo> m_tempoGroups;
+    const std::unique_ptr<Meter> m_meterGroups;
     ConsoleButton& m_return;
     ConsoleButton& m_play;
     ConsoleButton& m_loop;
     NumberDisplay& m_position;
     NumberDisplay& m_tempo;
+    NumberDisplay& m_meter;
     Label& m_tempoCaption;  // above both of its groups
+    Label& m_meterCaption;  // likewise
     ConsoleButton& m_clips;
     ConsoleButton& m_add;
     Label& m_status;

@@ -32,9 +32,11 @@ Moment timeNow() noexcept {
     return Clocks::current().monotonic().moment();
 }
 
-std::string oneDecimal(double number) {
-    const std::string result(NumberText::fixed(number, 1).view());
-    return result == "-0.0" ? "0.0" : result;
+std::string decibelText(double decibels) {
+    if (!(decibels > kQuietest)) return localizedString("silence");
+    const std::string digits(NumberText::fixed(std::fabs(decibels), 1).view());
+    const char* const sign = decibels < 0.0 && digits != "0.0" ? "\u2212" : "";
+    return sign + digits + ' ' + localizedString("dB");
 }
 
 }  // namespace
@@ -352,13 +354,19 @@ std::optional<AccessibilityNumber> QkLevelMeterCell::accessibilityNumber() const
 }
 
 double QkLevelMeterCell::decibels() const {
-    return m_levelScale == LevelScale::Amplitude ? decibelsForAmplitude(displayLevel())
-                                                 : decibelsForMeterPosition(displayLevel());
+    return decibelsOf(displayLevel());
+}
+
+double QkLevelMeterCell::decibelsOf(float level) const {
+    return m_levelScale == LevelScale::Amplitude ? decibelsForAmplitude(level)
+                                                 : decibelsForMeterPosition(level);
 }
 
 std::string QkLevelMeterCell::accessibilityValueText() const {
-    std::string text = decibels() > kQuietest ? oneDecimal(decibels()) + ' ' + localizedString("dB")
-                                              : localizedString("silence");
+    std::string text = decibelText(decibels());
+    if (m_rms)
+        text += ", " + localizedString("RMS") + ' ' +
+                decibelText(decibelsOf(std::min(*m_rms, displayLevel())));
     if (m_isMuted) text += ", " + localizedString("muted");
     if (peak()) text += ", " + localizedString("clipped");
     return text;

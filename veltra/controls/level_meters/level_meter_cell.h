@@ -147,8 +147,8 @@ public:
     AccessibilityOrientation accessibilityOrientation() const override;
     // In decibels, from -70 to 0.
     std::optional<AccessibilityNumber> accessibilityNumber() const override;
-    // Such as "-12.3 dB", "silence", "-0.2 dB, clipped", "-20.0 dB, muted"; the words are keys of
-    // localizedString().
+    // Such as "−12.3 dB", "silence", "−0.2 dB, clipped", "−20.0 dB, muted", "−6.0 dB, RMS −14.1
+    // dB"; the words are keys of localizedString(). The minus is U+2212.
     std::string accessibilityValueText() const override;
 
 private:
@@ -161,6 +161,7 @@ private:
     const Drawing* drawingOfFrame() const;
     LevelMeterPictureRequest request(float scale, Appearance appearance) const;
     double decibels() const;
+    double decibelsOf(float level) const;
     Rect rectOfPart(bool isLight) const;
     template <typename T>
     void change(T& member, T value);

@@ -15,6 +15,7 @@ namespace veltra {
 
 namespace {
 
+constexpr char kMinus[] = "\u2212";
 constexpr float kRadius = 4.0F;
 constexpr float kFontSize = 11.0F;
 constexpr double kSilence = -std::numeric_limits<double>::infinity();
@@ -29,7 +30,6 @@ std::string magnitudeText(double decibels) {
 PeakReadout::PeakReadout(const Rect& frame) : Control(frame), m_decibels(kSilence) {}
 
 std::string PeakReadout::text(double decibels) {
-    constexpr const char* kMinus = "\u2212";
     if (!(decibels > kQuietest)) return std::string(kMinus) + "\u221E";
     if (std::isinf(decibels)) return "+\u221E";
     std::string digits = magnitudeText(decibels);
@@ -128,7 +128,7 @@ std::string PeakReadout::accessibilityValueText() const {
     if (!(m_decibels > kQuietest)) return localizedString("silence");
     const std::string digits = magnitudeText(m_decibels);
     const bool isNegative = m_decibels < 0.0 && digits != "0.0";
-    std::string words = (isNegative ? "-" : "") + digits + ' ' + localizedString(m_unit);
+    std::string words = (isNegative ? kMinus : "") + digits + ' ' + localizedString(m_unit);
     if (m_isClipped) words += ", " + localizedString("clipped");
     return words;
 }

@@ -57,7 +57,7 @@ public:
     std::optional<FocusShape> focusShape() const override;
     void drawRect(Canvas& canvas, const Rect& dirty) override;
 
-    // A level indicator called "peak" unless it is named, with a value in words such as "-2.1 dB",
+    // A level indicator called "peak" unless it is named, with a value in words such as "−2.1 dB",
     // "silence" and "1.8 dB, clipped", and Press, which does what a click does. A change is told
     // when the value is reset, and when it clips.
     AccessibilityRole accessibilityRole() const override;

@@ -111,7 +111,7 @@ TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
     EXPECT_FALSE(readout->performAccessibilityAction(AccessibilityAction::Press));
     EXPECT_TRUE(readout->accessibilityActions().empty());
     EXPECT_EQ(target.count, expected);
-    EXPECT_EQ(readout->accessibilityValueText(), "-3.0 LUFS");
+    EXPECT_EQ(readout->accessibilityValueText(), "\u22123.0 LUFS");
     EXPECT_EQ(readout->accessibilityName(), "peak");
     readout->setEnabled(true);
     target.victim = &host;  // the action deletes the read-out and its window

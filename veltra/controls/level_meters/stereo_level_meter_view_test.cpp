@@ -207,7 +207,7 @@ TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
     EXPECT_TRUE(host.port.invalid.empty());
     host.view.setMuted(true);
     EXPECT_EQ(host.port.invalid.size(), 2U);
-    EXPECT_EQ(host.view.cellL().accessibilityValueText(), "-4.4 dB, muted");
+    EXPECT_EQ(host.view.cellL().accessibilityValueText(), "\u22124.4 dB, RMS \u22124.4 dB, muted");
 }
 
 TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
@@ -317,14 +317,14 @@ TEST_F(LevelMeterTest, TellsAScreenReaderInWordsAndNotTooOften) {
     EXPECT_LE(told.size(), 21U);
     cell.setFallBackStepTime(0.0);
     view.setLevelL(0.25F, 0.0F);
-    EXPECT_EQ(cell.accessibilityValueText(), "-12.0 dB");
+    EXPECT_EQ(cell.accessibilityValueText(), "\u221212.0 dB");
     EXPECT_NEAR(cell.accessibilityNumber()->value, -12.04, 0.01);
     cell.setLevelScale(QkLevelMeterCell::LevelScale::Decibels);
     const std::size_t before = told.size();
     view.setLevelL(1.5F, 0.0F);
     EXPECT_EQ(told.size(), before + 1);
     view.setLevelL(0.5F, 0.0F);
-    EXPECT_EQ(cell.accessibilityValueText(), "-20.0 dB, clipped");
+    EXPECT_EQ(cell.accessibilityValueText(), "\u221220.0 dB, clipped");
 }
 
 }  // namespace

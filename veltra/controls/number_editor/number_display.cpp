@@ -33,6 +33,21 @@ NumberDisplay::NumberDisplay(const Rect& frame, NumberEditorLook look, float fon
 
 NumberDisplay::~NumberDisplay() = default;
 
+void NumberDisplay::setGroups(const std::vector<NumberDisplayGroup>& groups,
+                              std::string_view separator) {
+    m_editor->setEditorCellCount(static_cast<std::int32_t>(groups.size()));
+    for (std::int32_t i = 0; i < m_editor->editorCellCount(); ++i) {
+        const NumberDisplayGroup& group = groups[static_cast<std::size_t>(i)];
+        m_editor->setPlaceHolderStringOfEditorCellAtIndex(std::string(group.places, '0'), i);
+        m_editor->setMaxEditStringLenOfEditorCellAtIndex(group.places, i);
+        m_editor->setShadowEightsOfEditorCellAtIndex(group.places, i);
+        if (group.hasLeadingZeros) m_editor->setLeadingZerosOfEditorCellAtIndex(group.places, i);
+        m_editor->editorCellAtIndex(i)->setAccessibilityName(group.name);
+        if (i > 0) m_editor->setStringOfSeparatorCellAtIndex(separator, i - 1);
+    }
+    layOut();
+}
+
 void NumberDisplay::setCaptions(std::vector<std::string> captions) {
     m_captions = std::move(captions);
     layOut();

@@ -5,18 +5,26 @@
 //   auto& tempo = view.addSubview(
 //       std::make_unique<NumberDisplay>(Rect{{16, 16}, {100, 40}},
 //       NumberEditorLook::Glass, 20.0F));
-//   tempo.editor().setEditorCellCount(2);
+//   tempo.setGroups({{3, "beats a minute"}, {2, "hundredths", true}});
 //
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
 #include "veltra/controls/number_editor/number_editor_control.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace veltra {
+
+// One of the groups of digits that a NumberDisplay is set up with.
+struct NumberDisplayGroup {
+    std::uint32_t places = 1;  // digits that have room, and that can be typed
+    std::string name;          // for a screen reader, such as "bar"
+    bool hasLeadingZeros = false;
+};
 
 class VELTRA_EXPORT NumberDisplay : public View {
 public:
@@ -27,6 +35,11 @@ public:
 
     DfNumberEditorControl& editor() noexcept { return *m_editor; }
     const DfNumberEditorControl& editor() const noexcept { return *m_editor; }
+
+    // Gives the editor these groups, from the left, with shadow eights behind all places and
+    // `separator` between each two, and lays them out. Groups that it had before are gone, with all
+    // that was set on them: set delegate and value afterwards.
+    void setGroups(const std::vector<NumberDisplayGroup>& groups, std::string_view separator = ".");
 
     // Small words above the groups, such as BAR, BEAT, TICK; the first belongs to the first group.
     // None at first.

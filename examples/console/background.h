@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// Work that may take for ever: sound systems hang now and then.
+#pragma once
+
+#include <future>
+#include <thread>
+#include <type_traits>
+#include <utility>
+
+namespace veltra::console {
+
+// On a thread of its own, which stays behind when the work takes too long.
+template <typename Work>
+std::future<std::invoke_result_t<Work>> inBackground(Work work) {
+    std::packaged_task<std::invoke_result_t<Work>()> task(std::move(work));
+    auto result = task.get_future();
+    std::thread(std::move(task)).detach();
+    return result;
+}
+
+}  // namespace veltra::console
