@@ -16,6 +16,7 @@
 #include "veltra/audio/add_remove_iterate_list.h"
 #include "veltra/audio/musical_context.h"
 #include "veltra/base/exception.h"
+#include "veltra/base/testing/in_force.h"
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/diagnostics/assertion.h"
 #include "veltra/diagnostics/backtracing_exception.h"
@@ -69,9 +70,6 @@
 #include "veltra/ui/slider_cell.h"
 #include "veltra/ui/testing/scripted_port.h"
 
-#include <filesystem>
-#include <fstream>
-
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -80,7 +78,9 @@ namespace {
 
 using testing::Answer;
 using testing::oneOf;
+using testing::putText;
 using testing::Scenario;
+using testing::textOf;
 using enum testing::Promise;
 using testing::Unfailing;
 
@@ -114,18 +114,8 @@ std::string written(Write write) {
 
 constexpr const char* kStored = "{\n    \"Kept\": 1,\n    \"Number\": 7\n}\n";
 
-void putText(const std::filesystem::path& file, std::string_view text) {
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
-}
-
-std::string textIn(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string storedPreferences() {
-    return textIn(folder() / "veltra-failing.json");
+    return textOf(folder() / "veltra-failing.json");
 }
 
 void storePreferences(const char* text) {
@@ -143,9 +133,7 @@ struct Ticks : Anchored {
 };
 
 // In force while it lives.
-struct SilentPresenter final : AlertPresenter {
-    SilentPresenter() noexcept { install(this); }
-    ~SilentPresenter() override { install(nullptr); }
+struct SilentPresenter final : testing::InForce<AlertPresenter> {
     AlertAnswer present(const Alert& alert) noexcept override {
         isAsked = !alert.message.empty();
         return AlertAnswer::Default;
@@ -333,7 +321,7 @@ std::map<std::string, std::string> textsIn(const std::filesystem::path& root) {
     std::map<std::string, std::string> texts;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root))
         if (entry.is_regular_file() && entry.path().string().find("/.") == std::string::npos)
-            texts[entry.path().lexically_relative(root)] = textIn(entry);
+            texts[entry.path().lexically_relative(root)] = textOf(entry);
     return texts;
 }
 

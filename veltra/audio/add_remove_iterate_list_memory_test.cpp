@@ -1,44 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The tests of one thread. They replace operator new and delete; the thread sanitizer brings its
-// own, so they are not part of its build.
+// The tests of one thread.
 #include "veltra/audio/add_remove_iterate_list.h"
-#include "veltra/base/testing/prelude.h"
-
-#include <new>
-
-namespace {
-
-std::atomic<int> allocated{0}, freed{0};
-std::atomic<bool> memoryIsOut{false};
-std::function<void()> whileFreeing;  // called once, in the next operator delete
-
-void countedFree(void* block) noexcept {
-    if (block != nullptr) ++freed;
-    if (whileFreeing) std::exchange(whileFreeing, nullptr)();
-    std::free(block);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    ++allocated;
-    return memoryIsOut ? nullptr : std::malloc(size);
-}
-void* operator new(std::size_t size) {
-    void* block = operator new(size, std::nothrow);
-    return block != nullptr ? block : throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-    countedFree(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    countedFree(block);
-}
+#include "veltra/base/testing/counted_new.h"
 
 namespace veltra {
 namespace {
 
 using List = CAddRemoveIterateList;
+using testing::allocated;
+using testing::freed;
+using testing::memoryIsOut;
+using testing::whileFreeing;
 
 using Blocks = std::pair<int, int>;  // taken, and freed
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/diagnostics/exception_report.h"
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/backtracing_exception.h"
 #include "veltra/diagnostics/log.h"
@@ -22,12 +23,8 @@ using namespace ::testing;
 using testing::EndedChild;
 
 // A user, and names of functions by program.
-struct Answering final : Symboliser {
-    Answering() { install(this); }
-    ~Answering() override {
-        install(nullptr);
-        installTerminator(nullptr);
-    }
+struct Answering final : testing::InForce<Symboliser> {
+    ~Answering() override { installTerminator(nullptr); }
     std::string symbolise(std::span<const std::uintptr_t> addresses) noexcept override {
         symbolised.assign(addresses.begin(), addresses.end());
         return names;

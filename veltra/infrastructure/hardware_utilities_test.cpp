@@ -2,6 +2,7 @@
 #include "veltra/infrastructure/hardware_utilities.h"
 
 #include "veltra/base/string_object_text.h"
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/report_sections.h"
 #include "veltra/infrastructure/hardware.h"
@@ -13,9 +14,7 @@
 namespace veltra {
 namespace {
 
-struct FakeDrives final : OpticalDrives {
-    FakeDrives() { install(this); }
-    ~FakeDrives() override { install(nullptr); }
+struct FakeDrives final : testing::InForce<OpticalDrives> {
     std::vector<OpticalDrive> list() noexcept override { return drives; }
     std::vector<OpticalDrive> drives;
 };

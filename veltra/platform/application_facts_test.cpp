@@ -10,7 +10,6 @@
 #include "veltra/platform/testing/temporary_folder.h"
 
 #include <cstdlib>
-#include <fstream>
 
 #include <sys/stat.h>
 
@@ -56,7 +55,7 @@ TEST(ApplicationVersion, ComesFromAFileWithItsOwnDigits) {
         {R"(["1.0"])", "?.??"},
     };
     for (const auto& [text, expected] : cases) {
-        std::ofstream(path) << text;
+        testing::putText(path, text);
         setBundleInformation(std::nullopt);
         EXPECT_EQ(applicationVersion(), expected) << text;
     }
@@ -86,9 +85,8 @@ TEST(Program, ThatWasRemovedWhileItRunsKeepsItsPath) {
 
 TEST(Resources, AreFoundInTheHostsFolderAndNeverOutsideOfIt) {
     const testing::TemporaryFolder folder;
-    std::filesystem::create_directory(folder / "in");
     for (const char* name : {"knob.png", "plain", "in/knob.tiff"})
-        std::ofstream(folder / name) << name;
+        testing::putText(folder / name, name);
     setResourceFolder(folder / "in");
     EXPECT_EQ(pathOfResource("knob", "tiff"), folder / "in/knob.tiff");
     EXPECT_EQ(pathOfResource("knob", "png"), "");

@@ -3,10 +3,11 @@
 
 #include "veltra/Source/Extensions/QKNSDictionary_Extensions.h"
 #include "veltra/Source/Extensions/detail/inflated_data.h"
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
-#include "veltra/platform/alert.h"
 #include "veltra/platform/compression.h"
+#include "veltra/platform/testing/fake_user.h"
 
 namespace veltra {
 namespace {
@@ -107,9 +108,7 @@ TEST(CompressedData, UnpacksAlikeInPiecesAndUpToALimit) {
 }
 
 // Compresses nothing; what it unpacks never ends.
-struct EndlessCompression final : Compression {
-    EndlessCompression() { install(this); }
-    ~EndlessCompression() override { install(nullptr); }
+struct EndlessCompression final : testing::InForce<Compression> {
     std::size_t largestCompressedSize(std::size_t size) const noexcept override { return size; }
     std::optional<std::size_t> compress(std::span<const std::uint8_t>,
                                         std::span<std::uint8_t> room) const noexcept override {
@@ -138,20 +137,13 @@ TEST(CompressedData, OfABombTakesNoMoreThanTheLimitAndThatCannotBeMadeIsAnAssert
     EXPECT_EQ(endless.made, kMiB + 1);
 
     LogWorld world;
-    struct Presenter final : AlertPresenter {
-        Presenter() { install(this); }
-        ~Presenter() override { install(nullptr); }
-        AlertAnswer present(const Alert& alert) noexcept override {
-            message = alert.message;
-            return AlertAnswer::Default;
-        }
-        std::string message;
-    } const presenter;
+    testing::FakeUser user;
+    user.answer = AlertAnswer::Default;
     EXPECT_EQ(compressedData(Data(8192)), std::nullopt);
     EXPECT_EQ(endless.roomForStream, 8212U);
-    EXPECT_EQ(
-        presenter.message,
-        "ASSERT(-compressedData error) in Source/Extensions/QKNSData_Extensions:36 failed.\n");
+    EXPECT_NE(user.text.find("|ASSERT(-compressedData error) in "
+                             "Source/Extensions/QKNSData_Extensions:36 failed.\n|"),
+              user.text.npos);
     EXPECT_EQ(world.records.size(), 1U);
 }
 

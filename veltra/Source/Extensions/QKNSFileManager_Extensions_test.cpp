@@ -10,8 +10,6 @@
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/volumes.h"
 
-#include <fstream>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,13 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::FailingFileSystem;
+using testing::putText;
 using testing::TemporaryFolder;
 using Names = std::vector<std::string>;
-
-void put(const fs::path& file, std::string_view text = "x") {
-    fs::create_directories(file.parent_path());
-    std::ofstream(file) << text;
-}
 
 unsigned modeOf(const fs::path& item) {
     struct stat status {};
@@ -53,11 +47,11 @@ void failEachStep(std::initializer_list<int> errors,
 
 TEST(FileManager, KnowsKindsOfItems) {
     const TemporaryFolder folder;
-    put(folder.path / "file.app");
-    put(folder.path / "Synth.VST3/x");
-    put(folder.path / "thing/Contents/x");
-    put(folder.path / "fake/Contents");
-    put(folder.path / ".vst3/x");
+    putText(folder.path / "file.app");
+    putText(folder.path / "Synth.VST3/x");
+    putText(folder.path / "thing/Contents/x");
+    putText(folder.path / "fake/Contents");
+    putText(folder.path / ".vst3/x");
     fs::create_directory_symlink("thing", folder.path / "link");
     fs::create_symlink("loop", folder.path / "loop");
     const std::tuple<const char*, bool, bool, bool> kCases[] = {
@@ -89,7 +83,7 @@ TEST(FileManager, MakesFoldersAndTheFoldersOnTheWay) {
     EXPECT_TRUE(makeSureDirectoryExistsAtPath(folder / "d/../e") &&
                 isDirectoryAtPath(folder / "e"));
     ::umask(umaskBefore);
-    put(folder.path / "file");
+    putText(folder.path / "file");
     fs::create_symlink("nowhere", folder.path / "dangling");
     fs::create_directory_symlink("a", folder.path / "link");
     EXPECT_TRUE(makeSureDirectoryExistsAtPath(folder / "link/new"));
@@ -109,8 +103,8 @@ TEST(FileManager, ListsWithoutFollowingLinks) {
     const TemporaryFolder folder;
     const std::string bytes = "\xE9.WAV";
     for (const char* name : {"b.wav", "a/z.wav", "a/Plug.lv2/in.so", ".hidden.wav", "noext"})
-        put(folder.path / name);
-    put(folder.path / bytes);
+        putText(folder.path / name);
+    putText(folder.path / bytes);
     fs::create_directory_symlink(".", folder.path / "a/self");
     const auto paths = [&](const Names& names) {
         Names result;
@@ -136,7 +130,7 @@ TEST(FileManager, ListsWithoutFollowingLinks) {
     EXPECT_FALSE(resolveFile("z", at, {"wav", ""}) || resolveFile("", {"wav"}) ||
                  resolveFile("", at, {"wav"}));
 
-    put(folder.path / "a/deep/Other.LV2");
+    putText(folder.path / "a/deep/Other.LV2");
     fs::create_symlink("nowhere", folder.path / "a/linked.lv2");
     EXPECT_EQ(searchForPlugins("lv2", at),
               paths({"a/Plug.lv2", "a/deep/Other.LV2", "a/linked.lv2"}));
@@ -147,7 +141,7 @@ TEST(FileManager, FindsNamesThatNobodyElseGets) {
     const TemporaryFolder folder;
     const std::string at = folder.path;
     EXPECT_EQ(uniqueFileNameAtPath(at, "Take", "wav"), "Take.wav");
-    put(folder.path / "Take.wav");
+    putText(folder.path / "Take.wav");
     fs::create_symlink("nowhere", folder.path / "Take 2.wav");
     EXPECT_EQ(uniqueFileNameAtPath(at, "Take", "wav"), "Take 3.wav");
     EXPECT_EQ(createUniqueFile(at, "Take", ""), "Take");

@@ -17,12 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 using testing::FailingFileSystem;
 using testing::TemporaryFolder;
+using testing::textOf;
 using Reason = MergeProblem::Reason;
-
-std::string textOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 void setTime(const fs::path& item, long seconds) {
     const timespec times[2] = {{seconds, 5}, {seconds, 123456789}};
@@ -30,8 +26,7 @@ void setTime(const fs::path& item, long seconds) {
 }
 
 void put(const fs::path& file, std::string_view text, ::mode_t mode = 0644, long seconds = 1000) {
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
+    testing::putText(file, text);
     ::chmod(file.c_str(), mode);
     setTime(file, seconds);
 }

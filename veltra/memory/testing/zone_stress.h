@@ -3,6 +3,7 @@
 // crash, a hang, a sanitizer's report, or a damaged block.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/memory/memory_reserve.h"
 #include "veltra/platform/allocation_zone.h"
 #include "veltra/platform/standard_error.h"
@@ -17,10 +18,8 @@
 
 namespace veltra::testing {
 
-class SilentStandardError final : public StandardError {
+class SilentStandardError final : public InForce<StandardError> {
 public:
-    SilentStandardError() { install(this); }
-    ~SilentStandardError() override { install(nullptr); }
     Status inspect() const noexcept override { return {}; }
     bool isManaged(const Status&) const noexcept override { return false; }
     void write(const Status&, const Pieces&) noexcept override {}

@@ -8,7 +8,6 @@
 #include "veltra/platform/testing/temporary_folder.h"
 
 #include <csignal>
-#include <fstream>
 
 #include <gmock/gmock.h>
 
@@ -29,12 +28,7 @@ protected:
     }
 
     std::string program(const std::string& relative, const std::string& script) const {
-        const fs::path path = m_folder.path / relative;
-        fs::create_directories(path.parent_path());
-        // Not sh: some of them start by unblocking every signal.
-        std::ofstream(path) << "#!/bin/bash\n" << script << '\n';
-        fs::permissions(path, fs::perms(0755));
-        return path;
+        return testing::putProgram(m_folder.path / relative, script);
     }
 
     // A helper that answers or ends has all the time that a busy machine takes.
@@ -42,10 +36,7 @@ protected:
                                    const Alert& alert = kAlert) const {
         return askHelper(alert, program("helper", script).c_str(), grace);
     }
-    std::string written() const {
-        std::ifstream file(m_folder / "written");
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string written() const { return testing::textOf(m_folder / "written"); }
 
     testing::TemporaryFolder m_folder;
 };

@@ -6,8 +6,6 @@
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <fstream>
-
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -38,16 +36,11 @@ constexpr FileCalls kFailingCalls{
     [](int) { return failed(); },
     [](const char* from, const char* to) { return failed() != 0 ? -1 : ::rename(from, to); }};
 
+using testing::textOf;
+
 class JsonPreferencesTest : public ::testing::Test {
 protected:
-    static std::string contents(const fs::path& file) {
-        std::ifstream stream(file);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-    void store(const std::string& text) const {
-        fs::create_directories(m_file.parent_path());
-        std::ofstream(m_file) << text;
-    }
+    void store(const std::string& text) const { testing::putText(m_file, text); }
 
     testing::TemporaryFolder m_folder;
     fs::path m_file = m_folder.path / "config" / "host.json";
@@ -60,7 +53,7 @@ TEST_F(JsonPreferencesTest, MergesOnlyItsOwnChangesAndReadsOthersWhenAsked) {
     EXPECT_FALSE(fs::exists(m_file) || m_preferences.synchronise());
     EXPECT_EQ(fs::status(m_file).permissions(), fs::perms(0600));
     EXPECT_EQ(fs::status(m_file.parent_path()).permissions(), fs::perms(0700));
-    EXPECT_EQ(contents(m_file), jsonFromDictionary({{"bad\uFFFDkey", 1}, {"mine", 1}}));
+    EXPECT_EQ(textOf(m_file), jsonFromDictionary({{"bad\uFFFDkey", 1}, {"mine", 1}}));
 
     m_preferences.setValue("mine", 2);
     m_preferences.setValue("gone", nullptr);
@@ -70,7 +63,7 @@ TEST_F(JsonPreferencesTest, MergesOnlyItsOwnChangesAndReadsOthersWhenAsked) {
                 m_preferences.value("gone").isNull());
     store(R"({"mine": 4, "theirs": 4, "gone": 4})");
     EXPECT_FALSE(m_preferences.synchronise());
-    EXPECT_EQ(contents(m_file), jsonFromDictionary({{"mine", 2}, {"theirs", 4}}));
+    EXPECT_EQ(textOf(m_file), jsonFromDictionary({{"mine", 2}, {"theirs", 4}}));
     EXPECT_EQ(m_preferences.value("theirs"), 4);
 }
 
@@ -95,7 +88,7 @@ TEST_F(JsonPreferencesTest, WritersInTwoProcessesAndTwoThreadsLoseNothing) {
     for (const char prefix : {'a', 'b', 'c'})
         for (int number = 0; number < 40; ++number)
             all[prefix + std::to_string(number)] = number;
-    EXPECT_EQ(contents(m_file), jsonFromDictionary(all));
+    EXPECT_EQ(textOf(m_file), jsonFromDictionary(all));
 }
 
 TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsTheChanges) {
@@ -108,19 +101,19 @@ TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsThe
         preferences.setValue("key", "new");
         failAfter(failures, 0);
         EXPECT_TRUE(testing::holdsInChild([&] { return !preferences.synchronise(); }));
-        if (contents(m_file) != before) break;
+        if (textOf(m_file) != before) break;
 
         const auto fileCount = std::distance(fs::directory_iterator(m_file.parent_path()), {});
         failAfter(failures, ENOSPC);
         EXPECT_EQ(preferences.synchronise(), std::errc::no_space_on_device);
-        EXPECT_EQ(contents(m_file), before);
+        EXPECT_EQ(textOf(m_file), before);
         EXPECT_EQ(std::distance(fs::directory_iterator(m_file.parent_path()), {}), fileCount);
         EXPECT_EQ(preferences.value("key"), "new");
         failAfter(1000, EIO);
         EXPECT_FALSE(preferences.synchronise());
-        EXPECT_EQ(contents(m_file), after);
+        EXPECT_EQ(textOf(m_file), after);
     }
-    EXPECT_EQ(contents(m_file), after);
+    EXPECT_EQ(textOf(m_file), after);
     EXPECT_EQ(failures, static_cast<int>(after.size() + 4) / 5 + 2);  // writes, flush, rename
 }
 
@@ -134,7 +127,7 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
         ASSERT_TRUE(report);
         EXPECT_EQ(report->file, m_file);
         EXPECT_EQ(report->keptAs, m_file.string() + ".damaged-" + std::to_string(length + 1));
-        EXPECT_EQ(contents(report->keptAs), sound.substr(0, length));
+        EXPECT_EQ(textOf(report->keptAs), sound.substr(0, length));
         EXPECT_FALSE(preferences.takeDamageReport() || fs::exists(m_file));
     }
     store("{");
@@ -144,10 +137,10 @@ TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
     EXPECT_EQ(preferences.synchronise(), std::errc::io_error);
     EXPECT_EQ(preferences.takeDamageReport()->keptAs, "");
     EXPECT_EQ(preferences.reload(), std::errc::io_error);
-    EXPECT_FALSE(preferences.takeDamageReport() || contents(m_file) != "{");
+    EXPECT_FALSE(preferences.takeDamageReport() || textOf(m_file) != "{");
     failAfter(1000, EIO);
     EXPECT_FALSE(preferences.synchronise());
-    EXPECT_EQ(contents(m_file), jsonFromDictionary({{"key", 1}}));
+    EXPECT_EQ(textOf(m_file), jsonFromDictionary({{"key", 1}}));
     EXPECT_NE(preferences.takeDamageReport()->keptAs, "");
 }
 

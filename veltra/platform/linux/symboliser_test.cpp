@@ -24,10 +24,7 @@ protected:
         EXPECT_EQ(errno, ECHILD);
     }
     std::string program(const std::string& script, fs::perms rights = fs::perms(0755)) const {
-        const std::string path = m_folder / "program";
-        std::ofstream(path) << "#!/bin/bash\n" << script << '\n';
-        fs::permissions(path, rights);
-        return path;
+        return testing::putProgram(m_folder / "program", script, rights);
     }
     static std::string answerOf(const std::string& path, Nanoseconds time = seconds(60.0)) {
         const std::uintptr_t addresses[] = {0x10, UINTPTR_MAX};

@@ -2,6 +2,7 @@
 // A system whose files, limit and events are the test's. In force while it lives.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/memory_system.h"
 
 #include <cstring>
@@ -10,11 +11,8 @@
 
 namespace veltra::testing {
 
-class FakeMemorySystem final : public MemorySystem {
+class FakeMemorySystem final : public InForce<MemorySystem> {
 public:
-    FakeMemorySystem() { install(this); }
-    ~FakeMemorySystem() override { install(nullptr); }
-
     std::ptrdiff_t read(const char* path, std::size_t offset,
                         std::span<char> text) const noexcept override {
         const auto file = files.find(path);

@@ -2,6 +2,7 @@
 // A system whose answers are the test's; nothing to all other questions. In force while it lives.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/system_queries.h"
 
 #include <algorithm>
@@ -12,11 +13,8 @@
 
 namespace veltra::testing {
 
-class FakeSystemQueries final : public SystemQueries {
+class FakeSystemQueries final : public InForce<SystemQueries> {
 public:
-    FakeSystemQueries() : m_before(install(this)) {}
-    ~FakeSystemQueries() override { install(m_before); }
-
     std::optional<std::size_t> bytes(SystemKey key,
                                      std::span<std::byte> answer) const noexcept override {
         ++asked;
@@ -38,9 +36,6 @@ public:
 
     std::map<SystemKey, std::vector<std::byte>> answers;
     mutable int asked = 0;
-
-private:
-    const SystemQueries* m_before;
 };
 
 }  // namespace veltra::testing

@@ -2,6 +2,7 @@
 // A user who answers alerts by program. In force while it lives.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/alert.h"
 
 #include <functional>
@@ -9,11 +10,8 @@
 
 namespace veltra::testing {
 
-class FakeUser final : public AlertPresenter {
+class FakeUser final : public InForce<AlertPresenter> {
 public:
-    FakeUser() { install(this); }
-    ~FakeUser() override { install(nullptr); }
-
     AlertAnswer present(const Alert& alert) noexcept override {
         ++asked;
         text = alert.header;

@@ -3,6 +3,7 @@
 // between. In force while it lives.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/port.h"
 
 #include <functional>
@@ -10,11 +11,8 @@
 
 namespace veltra::testing {
 
-class FailingFileSystem final : public FileSystem {
+class FailingFileSystem final : public InForce<FileSystem> {
 public:
-    FailingFileSystem() : m_before(install(this)) {}
-    ~FailingFileSystem() override { install(m_before); }
-
     int steps = 0;     // so far
     int failing = -1;  // the step that fails, once, with `error`
     std::error_code error;
@@ -111,7 +109,6 @@ private:
     }
 
     FileSystem& m_real = platformFileSystem();
-    FileSystem* const m_before;
 };
 
 }  // namespace veltra::testing
