@@ -36,6 +36,7 @@ public:
     // Whether meters show RMS levels, too.
     bool showsRms() const noexcept { return m_showsRms; }
     void setShowsRms(bool shows) { m_showsRms = shows; }
+    void setKeyboardShown(bool isShown) { m_bar.setKeyboardShown(isShown); }
     // Gives the keyboard to the next part: transport, strips, output, messages.
     void focusNextPart();
 

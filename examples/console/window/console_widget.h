@@ -5,6 +5,7 @@
 
 #include "../player.h"
 #include "console_view.h"
+#include "keyboard_desk.h"
 #include "veltra/qt/view_widget.h"
 
 #include <QMenu>
@@ -33,6 +34,8 @@ private:
     void showRecent(QMenu& menu);
     void escape();
     void tell(const std::string& problem);
+    std::string fileOfStrip() const;
+    void openKeyboard(bool takesKeys);
     QPoint below(const View& view) const;
     QMenu* popUp(const View& view);
     std::int64_t framesOf(double seconds) const;
@@ -51,6 +54,7 @@ private:
     void loopWasSwitched(bool looping) override;
     void placeWasChosen(double seconds) override;
     void loopWasChosen(double begin, double end) override;
+    void keyboardWasSwitched(bool open) override;
     void tempoWasSet(double beatsPerMinute) override;
     void outputGainWasSet(double decibels) override;
     void outputBalanceWasSet(double balance) override;
@@ -63,6 +67,7 @@ private:
     ConsoleView* m_view;
     std::string m_device = "auto";
     std::uint32_t m_blockFrames = 0;  // 0: the device's own
+    KeyboardDesk m_keyboard;
     std::unique_ptr<Beat> m_beat;
 };
 

@@ -4,6 +4,7 @@
 
 #include "veltra/ui/geometry.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +21,15 @@ struct Settings {
 
     static bool showsRms();
     static void setShowsRms(bool shows);
+
+    struct Keyboard {
+        bool isOpen = false;
+        std::uint32_t firstKey = 28;  // a white key, from 0 for the lowest C
+        int velocity = 100;
+        std::string file;  // that is played; empty: a tone
+    };
+    static Keyboard keyboard();
+    static void setKeyboard(const Keyboard& keyboard);
 
     // The newest first; no file twice.
     static std::vector<std::string> recentFiles();

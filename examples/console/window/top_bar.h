@@ -24,6 +24,7 @@ public:
     static float heightIn(Size window);
 
     void update(const ConsoleState& state, int clips);
+    void setKeyboardShown(bool isShown) { m_keys.setOn(isShown); }
     bool takeKeyboard();
 
     // Where clip lights are put out: the view around responds to it.
@@ -50,6 +51,7 @@ private:
     void playWasPressed();
     void loopWasPressed();
     void addWasPressed();
+    void keysWasPressed();
     void positionWasEdited();
     void tempoWasEdited();
 
@@ -63,6 +65,7 @@ private:
     NumberDisplay& m_tempo;
     Label& m_tempoCaption;  // above both of its groups
     ConsoleButton& m_clips;
+    ConsoleButton& m_keys;
     ConsoleButton& m_add;
     Label& m_status;
     Label& m_files;
