@@ -34,6 +34,7 @@ public:
     virtual void loopWasSwitched(bool /*looping*/) {}
     virtual void placeWasChosen(double /*seconds*/) {}
     virtual void loopWasChosen(double /*begin*/, double /*end*/) {}  // seconds
+    virtual void keyboardWasSwitched(bool /*open*/) {}
     virtual void tempoWasSet(double /*beatsPerMinute*/) {}
 
     virtual void meterWasSet(int /*beatsPerBar*/, int /*beatUnit*/) {}

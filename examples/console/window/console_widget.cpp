@@ -57,7 +57,8 @@ private:
     QkTimer m_timer;
 };
 
-ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
+ConsoleWidget::ConsoleWidget(Player& player)
+    : m_player(player), m_keyboard(player, [this] { return fileOfStrip(); }) {
     const Size size =
         Settings::windowSize().value_or(ConsoleView::sizeForStrips(m_player.state().strips));
     auto view = std::make_unique<ConsoleView>(Rect{{}, size}, *this);
@@ -95,6 +96,7 @@ void ConsoleWidget::offerActions() {
     offer("&Play or stop", Qt::Key_Space, [this] { playWasSwitched(!m_player.state().playing); });
     offer("&Return to start", Qt::Key_Home, [this] { placeWasChosen(0.0); });
     offer("&Loop", Qt::Key_L, [this] { loopWasSwitched(!m_player.state().looping); });
+    offer("&Keyboard", Qt::Key_K, [this] { keyboardWasSwitched(!m_keyboard.isOpen()); });
     line();
     offer("&Add files\u2026", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { addFilesWasPressed(); });
     const auto offerMenu = [&](const char* name, auto fill) {
@@ -129,6 +131,8 @@ void ConsoleWidget::refresh() {
         m_view->addMessage(problem);
     m_view->update(m_player.look());
     showDevices();
+    m_keyboard.refresh();
+    m_view->setKeyboardShown(m_keyboard.isOpen());
 }
 
 void ConsoleWidget::tell(const std::string& problem) {
@@ -376,6 +380,34 @@ void ConsoleWidget::loopWasChosen(double begin, double end) {
     refresh();
 }
 
+// The strip that has the keyboard, else the first one.
+std::string ConsoleWidget::fileOfStrip() const {
+    const StripView* const focused = m_view->row().focused();
+    const auto& strips = m_player.state().strips;
+    const auto strip =
+        std::find_if(strips.begin(), strips.end(), [focused](const StripState& each) {
+            return focused != nullptr && each.key == focused->key();
+        });
+    if (strip != strips.end()) return strip->path;
+    return strips.empty() ? std::string() : strips.front().path;
+}
+
+void ConsoleWidget::openKeyboard(bool takesKeys) {
+    const QRect frame = geometry();
+    m_keyboard.open({{static_cast<float>(frame.x()), static_cast<float>(frame.y())},
+                     {static_cast<float>(frame.width()), static_cast<float>(frame.height())}},
+                    takesKeys);
+}
+
+void ConsoleWidget::keyboardWasSwitched(bool open) {
+    if (open) {
+        openKeyboard(true);
+    } else {
+        m_keyboard.close();
+    }
+    refresh();
+}
+
 void ConsoleWidget::tempoWasSet(double beatsPerMinute) {
     m_player.setTempo(beatsPerMinute);
 }
@@ -402,6 +434,12 @@ void ConsoleWidget::monoWasSwitched(bool mono) {
 
 bool ConsoleWidget::event(QEvent* event) {
     switch (event->type()) {
+        case QEvent::Show:
+            if (!event->spontaneous() && KeyboardDesk::wasOpen()) openKeyboard(false);
+            break;
+        case QEvent::Close:
+            m_keyboard.leave();
+            break;
         case QEvent::DragEnter: {
             auto* const drag = static_cast<QDragEnterEvent*>(event);
             if (!drag->mimeData()->hasUrls()) break;

@@ -5,6 +5,7 @@
 
 #include "../player.h"
 #include "console_view.h"
+#include "keyboard_desk.h"
 #include "veltra/qt/view_widget.h"
 
 #include <QMenu>
@@ -37,6 +38,8 @@ private:
     void offerMusicalMeters(QMenu& menu);
     void escape();
     void tell(const std::string& problem);
+    std::string fileOfStrip() const;
+    void openKeyboard(bool takesKeys);
     QPoint below(const View& view) const;
     QMenu* popUp(const View& view);
     std::int64_t framesOf(double seconds) const;
@@ -58,6 +61,7 @@ private:
     void loopWasSwitched(bool looping) override;
     void placeWasChosen(double seconds) override;
     void loopWasChosen(double begin, double end) override;
+    void keyboardWasSwitched(bool open) override;
     void tempoWasSet(double beatsPerMinute) override;
     void meterWasSet(int beatsPerBar, int beatUnit) override;
     void outputGainWasSet(double decibels) override;
@@ -73,6 +77,7 @@ private:
     std::uint32_t m_blockFrames = 0;     // 0: the device's own
     QPointer<QMenu> m_deviceMenu;        // null: not open
     QAction* m_beforeDevices = nullptr;  // where devices join it, while it is open
+    KeyboardDesk m_keyboard;
     std::unique_ptr<Beat> m_beat;
 };
 

@@ -139,6 +139,15 @@ void drawMoreIcon(Canvas& canvas, Point upperLeft, Color color) {
         pen.dot(x, 8.0F, 1.35F);
 }
 
+void drawKeysIcon(Canvas& canvas, Point upperLeft, Color color) {
+    Pen pen(canvas, upperLeft, color);
+    pen.at(2.0F, 3.5F).to(14.0F, 3.5F).to(14.0F, 12.5F).to(2.0F, 12.5F).to(2.0F, 2.8F).stroke(1.4F);
+    for (const float x : {6.0F, 10.0F}) {
+        pen.box(x - 1.1F, 3.5F, 2.2F, 5.0F, 0.0F);
+        pen.box(x - 0.5F, 8.0F, 1.0F, 4.5F, 0.0F);
+    }
+}
+
 void drawWarningIcon(Canvas& canvas, Point upperLeft, Color color) {
     Pen(canvas, upperLeft, color)
         .at(1.8F, 13.1F)

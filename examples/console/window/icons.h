@@ -15,6 +15,7 @@ void drawLoopIcon(Canvas& canvas, Point upperLeft, Color color);
 void drawPlusIcon(Canvas& canvas, Point upperLeft, Color color);
 void drawCloseIcon(Canvas& canvas, Point upperLeft, Color color);
 void drawMoreIcon(Canvas& canvas, Point upperLeft, Color color);
+void drawKeysIcon(Canvas& canvas, Point upperLeft, Color color);
 void drawWarningIcon(Canvas& canvas, Point upperLeft, Color color);
 void drawClipIcon(Canvas& canvas, Point upperLeft, Color color);
 

@@ -15,6 +15,11 @@ constexpr char kWidth[] = "width";
 constexpr char kHeight[] = "height";
 constexpr char kMeters[] = "ConsoleMeters";
 constexpr const char* kMeterKinds[] = {"peak", "rms", "truePeak"};
+constexpr char kKeyboard[] = "ConsoleKeyboard";
+constexpr char kIsOpen[] = "open";
+constexpr char kFirstKey[] = "firstKey";
+constexpr char kVelocity[] = "velocity";
+constexpr char kFile[] = "file";
 constexpr char kRecent[] = "ConsoleRecentFiles";
 
 void store(std::string_view key, const PropertyValue& value) {
@@ -48,6 +53,28 @@ MeterKind Settings::meterKind() {
 
 void Settings::setMeterKind(MeterKind kind) {
     store(kMeters, kMeterKinds[static_cast<std::size_t>(kind)]);
+}
+
+Settings::Keyboard Settings::keyboard() {
+    const PropertyValue stored = Preferences::current().value(kKeyboard);
+    Keyboard keyboard;
+    if (stored.asDictionary().empty()) return keyboard;
+    keyboard.isOpen = stored[kIsOpen].asBool();
+    keyboard.firstKey =
+        static_cast<std::uint32_t>(std::clamp<std::int64_t>(stored[kFirstKey].asInteger(), 0, 127));
+    keyboard.velocity =
+        static_cast<int>(std::clamp<std::int64_t>(stored[kVelocity].asInteger(), 1, 127));
+    const auto file = stored[kFile].asData();
+    keyboard.file.assign(file.begin(), file.end());
+    return keyboard;
+}
+
+void Settings::setKeyboard(const Keyboard& keyboard) {
+    const PropertyValue::Data file(keyboard.file.begin(), keyboard.file.end());
+    store(kKeyboard, PropertyValue::Dictionary{{kIsOpen, keyboard.isOpen},
+                                               {kFirstKey, std::int64_t{keyboard.firstKey}},
+                                               {kVelocity, std::int64_t{keyboard.velocity}},
+                                               {kFile, file}});
 }
 
 // A name that is no UTF-8 is kept as the bytes that it is.

@@ -5,6 +5,7 @@
 #include "meter_group.h"
 #include "veltra/ui/geometry.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,6 +22,15 @@ struct Settings {
 
     static MeterKind meterKind();
     static void setMeterKind(MeterKind kind);
+
+    struct Keyboard {
+        bool isOpen = false;
+        std::uint32_t firstKey = 28;  // a white key, from 0 for the lowest C
+        int velocity = 100;
+        std::string file;  // that is played; empty: a tone
+    };
+    static Keyboard keyboard();
+    static void setKeyboard(const Keyboard& keyboard);
 
     // The newest first; no file twice.
     static std::vector<std::string> recentFiles();

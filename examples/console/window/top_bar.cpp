@@ -118,6 +118,7 @@ TopBar::TopBar(ConsoleDelegate& delegate)
       m_meterCaption(addSubview(std::make_unique<Label>(
           themeFont(10.0F, FontWeight::Medium), &Theme::glassCaption, TextAlignment::Center))),
       m_clips(addSubview(std::make_unique<ConsoleButton>(Rect{}, "Clips: 0"))),
+      m_keys(addSubview(std::make_unique<ConsoleButton>(Rect{}, "", ButtonCell::Kind::Toggle))),
       m_add(addSubview(std::make_unique<ConsoleButton>(Rect{}, "Add files\u2026"))),
       m_status(addSubview(std::make_unique<Label>(themeFont(11.0F), &Theme::label,
                                                   TextAlignment::Right, TextTruncation::End))),
@@ -138,14 +139,16 @@ TopBar::TopBar(ConsoleDelegate& delegate)
     setUp(m_play, drawPlayIcon, "Play", action<&TopBar::playWasPressed>(), u' ', 0);
     setUp(m_loop, drawLoopIcon, "Loop", action<&TopBar::loopWasPressed>(), u'l', 0);
     setUp(m_add, drawPlusIcon, "Add files", action<&TopBar::addWasPressed>(), u'o', kControl);
+    setUp(m_keys, drawKeysIcon, "Keyboard", action<&TopBar::keysWasPressed>(), u'k', 0);
     m_clips.setFont(themeFont(12.0F, FontWeight::Medium));
     m_clips.buttonCell().setIcon(drawClipIcon);
     m_clips.setHelp("Reset all clip lights", u'c');
-    for (ConsoleButton* const button : {&m_return, &m_play, &m_loop})
+    for (ConsoleButton* const button : {&m_return, &m_play, &m_loop, &m_keys})
         button->buttonCell().setCornerRadius(kRadius);
     // Symbols of acts are as strong as titles; the loop is a state.
     m_play.buttonCell().setStyle(ButtonCell::Style::Plain);
     m_loop.buttonCell().setStyle(ButtonCell::Style::Mode);
+    m_keys.buttonCell().setStyle(ButtonCell::Style::Mode);
 
     const auto setUpEditor = [this](NumberDisplay& display, const char* name,
                                     DfNumberEditorControlDelegate& groups, Action action) {
@@ -257,7 +260,10 @@ void TopBar::layOut() {
     m_add.buttonCell().setStyle(m_isPrimary ? ButtonCell::Style::Primary
                                             : ButtonCell::Style::Plain);
     m_add.setFrame({{edge - addWidth, addTop}, {addWidth, kButtonHeight}});
-    x = edge - addWidth - (isTall ? 16.0F : 8.0F);
+    x = edge - addWidth - 8.0F;
+    m_keys.setFrame({{x - kButtonHeight, addTop}, {kButtonHeight, kButtonHeight}});
+    m_keys.setHidden(x - kButtonHeight < m_glass.maxX() + 8.0F);
+    x -= m_keys.isHidden() ? 0.0F : kButtonHeight + (isTall ? 16.0F : 8.0F);
     if (!m_clips.isHidden()) {
         m_clips.sizeToFit();
         const float width = std::ceil(m_clips.frame().size.width);
@@ -377,6 +383,10 @@ void TopBar::playWasPressed() {
 
 void TopBar::loopWasPressed() {
     m_delegate.loopWasSwitched(m_loop.isOn());
+}
+
+void TopBar::keysWasPressed() {
+    m_delegate.keyboardWasSwitched(m_keys.isOn());
 }
 
 void TopBar::addWasPressed() {

@@ -24,6 +24,7 @@ public:
     static float heightIn(Size window);
 
     void update(const ConsoleState& state, int clips);
+    void setKeyboardShown(bool isShown) { m_keys.setOn(isShown); }
     bool takeKeyboard();
 
     // Where clip lights are put out: the view around responds to it.
@@ -52,6 +53,7 @@ private:
     void playWasPressed();
     void loopWasPressed();
     void addWasPressed();
+    void keysWasPressed();
     void positionWasEdited();
     void tempoWasEdited();
     void meterWasEdited();
@@ -69,6 +71,7 @@ private:
     Label& m_tempoCaption;  // above both of its groups
     Label& m_meterCaption;  // likewise
     ConsoleButton& m_clips;
+    ConsoleButton& m_keys;
     ConsoleButton& m_add;
     Label& m_status;
     Label& m_files;

@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: MIT
+#include "keyboard_desk.h"
+
+#include "../test_recordings.h"
+#include "console_widget.h"
+#include "keyboard_pad.h"
+#include "settings.h"
+#include "test_layout.h"
+#include "veltra/base/testing/prelude.h"
+#include "veltra/ui/picture.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QtTest>
+
+#include <gtest/gtest.h>
+
+namespace veltra::console::testing {
+namespace {
+
+// Places of keys, on the hardware.
+constexpr std::uint16_t kA = 38, kS = 39, kK = 45, kApostrophe = 48, kZ = 52, kX = 53;
+
+struct Notes final : KeyboardDelegate {
+    std::string told;  // since it was looked at
+    std::string take() { return std::exchange(told, {}); }
+    void add(const std::string& what) { told += (told.empty() ? "" : " ") + what; }
+    void noteWasPressed(int note, int velocity) override {
+        add(std::to_string(note) + ':' + std::to_string(velocity));
+    }
+    void noteWasReleased(int note) override { add('-' + std::to_string(note)); }
+    void allNotesWereReleased() override { add("all"); }
+    void sustainWasSwitched(bool isOn) override { add(isOn ? "pedal" : "no pedal"); }
+    void fileWasSwitched(bool isOn) override { add(isOn ? "file" : "tone"); }
+    void keyboardWasClosed() override { add("closed"); }
+};
+
+// The keyboard window without a window of the system.
+class Board {
+public:
+    Board() : m_picture({900, 292}, 1.0F, Appearance::Dark) {
+        auto tools = std::make_unique<KeyboardTools>(Rect{{0, 262}, {900, 30}}, notes);
+        auto pad = std::make_unique<KeyboardPad>(Rect{{}, {900, 262}}, notes, *tools);
+        m_tools = tools.get();
+        m_pad = pad.get();
+        window().setContentView(std::move(pad));
+        m_pad->addSubview(std::move(tools));
+        window().makeFirstResponder(&m_pad->keys());
+        window().visibilityDidChange(true);
+        window().keyStateDidChange(true);
+    }
+    ~Board() { window().setContentView(nullptr); }
+
+    Notes notes;
+    KeyboardPad& pad() { return *m_pad; }
+    KeyboardTools& tools() { return *m_tools; }
+    Window& window() { return m_picture.window(); }
+    std::shared_ptr<const Image> draw() { return m_picture.draw(); }
+
+    void key(std::uint16_t code, bool isDown = true, bool isRepeat = false,
+             ModifierFlags flags = {}, char16_t character = u'?') {
+        Event event;
+        event.type = isDown ? EventType::KeyDown : EventType::KeyUp;
+        event.keyCode = code;
+        event.isRepeat = isRepeat;
+        event.modifierFlags = flags;
+        event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
+        event.window = &window();
+        window().sendEvent(event);
+    }
+    void press(EventType type, Point point) {
+        Event event;
+        event.type = type;
+        event.locationInWindow = point;
+        event.window = &window();
+        window().sendEvent(event);
+    }
+
+private:
+    PictureWindow m_picture;
+    KeyboardPad* m_pad;
+    KeyboardTools* m_tools;
+};
+
+TEST(KeyboardPad, PlaysByThePlacesOfKeysOnceForEachPress) {
+    Board board;
+    const auto told = [&] { return board.notes.take(); };
+    board.key(kA);
+    board.key(kA, true, true);
+    board.key(kApostrophe);
+    EXPECT_EQ(told(), "60:100 77:100");
+    EXPECT_EQ(board.pad().keys().isNotePressed(60), true);
+    // A key keeps its note while the octave changes.
+    board.key(kX);
+    board.key(kX, true, true);
+    EXPECT_EQ(board.pad().firstKey(), 35U);
+    EXPECT_EQ(board.tools().picker().keyRange(), (KeyRange{35, KeyboardPad::kWhiteKeys}));
+    EXPECT_EQ(board.pad().lowestPlayed(), 72);
+    board.tools().setVelocity(31);
+    board.key(kS);
+    board.key(kA, false);
+    board.key(kS, false);
+    EXPECT_EQ(told(), "74:31 -60 -74");
+    board.key(kA, true, false, kControlKeyMask);
+    board.key(kA, false);
+    EXPECT_EQ(told(), "");
+    // Two keys and the pointer on one note: the last one ends it.
+    board.key(kA);
+    board.key(kZ);
+    board.key(kK);
+    const Point onC4{16.0F + 868.0F / 22.0F * 14.5F, 30.0F};
+    board.press(EventType::LeftMouseDown, onC4);
+    board.key(kA, false);
+    board.key(kK, false);
+    EXPECT_EQ(told(), "72:31");
+    EXPECT_TRUE(board.pad().keys().isNotePressed(72));
+    board.press(EventType::LeftMouseUp, onC4);
+    EXPECT_EQ(told(), "-72");
+    // The ends of the keyboard.
+    for (int i = 0; i < 12; ++i)
+        board.key(kX);
+    EXPECT_EQ(board.pad().lowestPlayed(), 108);
+    for (int i = 0; i < 12; ++i)
+        board.key(kZ);
+    EXPECT_EQ(board.pad().firstKey(), 0U);
+    board.key(0, true, false, {}, kEscapeCharacter);
+    EXPECT_EQ(told(), "closed");
+}
+
+TEST(KeyboardPad, LetsEverythingGoWithTheKeysOfTheComputer) {
+    Board board;
+    board.key(kA);
+    board.key(kS);
+    board.press(EventType::LeftMouseDown, {30.0F, 30.0F});
+    board.notes.take();
+    board.window().keyStateDidChange(false);
+    const std::string told = board.notes.take();
+    for (const char* const note : {"-60", "-62", "-48", "all"})
+        EXPECT_NE(told.find(note), std::string::npos) << told;
+    EXPECT_FALSE(board.pad().keys().isNotePressed(60));
+    board.key(kA, false);
+    board.window().activeStateDidChange(true);
+    EXPECT_EQ(board.notes.take(), "");
+}
+
+TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
+    const auto layout = germanKeys();
+    Board board;
+    board.tools().showFile("", false);
+    const auto find = [&](const std::string& name) -> AccessibilityElement* {
+        for (AccessibilityElement* const child : shownAccessibilityChildren(board.tools()))
+            if (child->accessibilityName() == name) return child;
+        return nullptr;
+    };
+    const auto click = [&](const std::string& name) {
+        ASSERT_NE(find(name), nullptr) << name;
+        find(name)->performAccessibilityAction(AccessibilityAction::Press);
+    };
+    click("Sustain");
+    click("Play a file at pitch");  // there is none
+    board.tools().showFile("", true);
+    click("Play a file at pitch");
+    EXPECT_EQ(board.notes.take(), "pedal file");
+    board.tools().showFile("loop.wav", false);
+    EXPECT_NE(find("loop.wav"), nullptr);
+    click("Play a file at pitch");
+    EXPECT_EQ(board.notes.take(), "tone");
+    find("key range")->setAccessibilityNumber(30);
+    EXPECT_EQ(board.pad().lowestPlayed(), 72);
+    find("key range")->setAccessibilityNumber(28);
+    for (const int velocity : {0, 64, 900}) {
+        board.tools().setVelocity(velocity);
+        EXPECT_EQ(board.tools().velocity(), std::clamp(velocity, 1, 127));
+    }
+
+    // What stands on white keys, counted from the left, above their names.
+    std::shared_ptr<const Image> image;
+    const auto colorAt = [&](int key, int right, int up) {
+        const float width = 868.0F / 22.0F;
+        const auto x = static_cast<std::int32_t>(16.0F + width * (static_cast<float>(key) + 0.5F));
+        return image->pixelAt(x + right, 292 - 16 - up);
+    };
+    const auto inkAt = [&](int key) {
+        image = board.draw();
+        int ink = 0;
+        for (int up = 51; up < 61; ++up) {
+            for (int right = -5; right < 6; ++right)
+                ink += colorAt(key, right, up) != colorAt(key, 10, up) ? 1 : 0;
+        }
+        return ink;
+    };
+    EXPECT_EQ(inkAt(6), 0);
+    EXPECT_GT(inkAt(7), 8);  // A, on the second C
+    EXPECT_EQ(inkAt(18), 0);
+    const auto before = colorAt(7, 12, 30);
+    board.key(kA);
+    EXPECT_NE(colorAt(7, 12, 30), before);
+    EXPECT_GT(inkAt(7), 8);
+}
+
+TEST(KeyboardDesk, IsHeardAndRemembersWhatWasSet) {
+    const auto keyboard = []() -> QWidget* {
+        for (QWidget* const each : QApplication::topLevelWidgets())
+            if (each->windowTitle() == QStringLiteral("Keyboard") && each->isVisible()) return each;
+        return nullptr;
+    };
+    const auto send = [&](QEvent::Type type, int key, std::uint32_t scanCode) {
+        QKeyEvent event(type, key, Qt::NoModifier, scanCode, 0, 0, QStringLiteral("?"));
+        QApplication::sendEvent(keyboard(), &event);
+    };
+    const auto waitFor = [](auto condition) { return QTest::qWaitFor(condition, 60'000); };
+    const std::string file = counting("played.wav", 30'000);
+    {
+        Player player(Device::Null);
+        ConsoleWidget widget(player);
+        widget.show();
+        EXPECT_EQ(keyboard(), nullptr);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, 60'000));
+        QTest::keyClick(&widget, Qt::Key_K);
+        ASSERT_NE(keyboard(), nullptr);
+        send(QEvent::KeyPress, Qt::Key_Q, kA);  // another layout's letter
+        EXPECT_TRUE(waitFor([&] { return player.look().outputPeaks[0] > 0.01F; }));
+        send(QEvent::KeyRelease, Qt::Key_Q, kA);
+        EXPECT_TRUE(waitFor([&] { return player.look().outputPeaks[0] == 0.0F; }));
+        EXPECT_FALSE(player.look().playing);
+        // The first file still chooses the rate, and is played as soon as it is read.
+        EXPECT_EQ(player.look().rate, 48000);
+        widget.addFiles({file});
+        EXPECT_EQ(player.look().rate, 44100);
+        EXPECT_TRUE(waitFor([&] { return player.look().playing; }));
+        player.keys().playFile(file);
+        EXPECT_TRUE(waitFor([&] { return !player.keys().isReading(); }));
+        player.keys().playFile("/nowhere.wav");
+        EXPECT_TRUE(waitFor([&] { return !player.keys().isReading(); }));
+        EXPECT_EQ(player.keys().file(), file);
+        send(QEvent::KeyPress, Qt::Key_X, kX);
+        widget.close();
+        EXPECT_EQ(keyboard(), nullptr);
+    }
+    EXPECT_TRUE(Settings::keyboard().isOpen);
+    Player player(Device::Null);
+    ConsoleWidget widget(player);
+    widget.show();
+    ASSERT_NE(keyboard(), nullptr);
+    EXPECT_EQ(player.keys().file(), file);
+    send(QEvent::KeyPress, Qt::Key_Escape, 9);
+    EXPECT_EQ(keyboard(), nullptr);
+    EXPECT_EQ(Settings::keyboard().firstKey, 35U);
+    EXPECT_FALSE(Settings::keyboard().isOpen);
+}
+
+}  // namespace
+}  // namespace veltra::console::testing
