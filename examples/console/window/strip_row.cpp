@@ -54,6 +54,14 @@ int StripRow::lastFirst() const {
     return first;
 }
 
+// The nearest with which that one is in sight.
+int StripRow::firstToSee(int index) const {
+    int first = std::min(m_first, index);
+    while (first < index && first + countFrom(first) <= index)
+        ++first;
+    return first;
+}
+
 void StripRow::setNarrowest(CardKind kind) {
     if (kind == m_narrowest) return;
     m_narrowest = kind;
@@ -68,13 +76,24 @@ void StripRow::setMeterKind(MeterKind kind) {
 
 void StripRow::scrollTo(int first) {
     const int before = m_first;
-    m_first = first;
+    m_first = std::clamp(first, 0, lastFirst());
+    m_inSight = countFrom(m_first);
+    // The keyboard comes along, to the same control.
+    if (const StripView* const strip = focused()) {
+        const auto at = std::find(m_strips.begin(), m_strips.end(), strip) - m_strips.begin();
+        const int heir = std::clamp(static_cast<int>(at), m_first, m_first + m_inSight - 1);
+        if (heir != at) m_strips[static_cast<std::size_t>(heir)]->focusPart(strip->focusedPart());
+    }
     layOut();
     if (m_first != before && superview() != nullptr) superview()->setNeedsDisplay();
 }
 
 void StripRow::layOut() {
     m_first = std::clamp(m_first, 0, lastFirst());
+    if (const StripView* const strip = focused()) {
+        const auto at = std::find(m_strips.begin(), m_strips.end(), strip) - m_strips.begin();
+        m_first = firstToSee(static_cast<int>(at));
+    }
     m_inSight = countFrom(m_first);
     const float height = bounds().size.height;
     const int end = m_first + m_inSight;
@@ -201,15 +220,7 @@ bool StripRow::scrollRectToVisible(const Rect& rect) {
         const Rect& frame = m_strips[static_cast<std::size_t>(i)]->frame();
         if (rect.center().x < frame.minX() || rect.center().x >= frame.maxX()) continue;
         if (i >= m_first && i < m_first + m_inSight) return false;
-        if (i < m_first) {
-            scrollTo(i);
-        } else {
-            // The first one with which this is in sight, too.
-            int first = m_first;
-            while (first < i && first + countFrom(first) <= i)
-                ++first;
-            scrollTo(first);
-        }
+        scrollTo(firstToSee(i));
         return true;
     }
     return false;

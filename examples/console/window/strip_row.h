@@ -63,6 +63,7 @@ private:
     float leastWidth(int index) const;
     int countFrom(int first) const;
     int lastFirst() const;
+    int firstToSee(int index) const;
     int indexAt(float x) const;
 
     ConsoleDelegate& m_delegate;
