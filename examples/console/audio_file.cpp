@@ -64,7 +64,7 @@ std::unique_ptr<AudioFile> AudioFile::open(const std::string& path, std::string&
 
     FileFormat format = describe(handle.get(), info, path);
     std::unique_ptr<FrameReader> reader = makeReader(std::move(handle), format);
-    return std::unique_ptr<AudioFile>(new AudioFile(path, std::move(format), std::move(reader)));
+    return std::make_unique<AudioFile>(path, std::move(format), std::move(reader));
 }
 
 AudioFile::AudioFile(std::string path, FileFormat format, std::unique_ptr<FrameReader> reader)

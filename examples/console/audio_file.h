@@ -21,6 +21,9 @@ public:
     // name and what to do about it included.
     static std::unique_ptr<AudioFile> open(const std::string& path, std::string& problem);
 
+    // Of what `reader` reads, which takes the format as it says.
+    AudioFile(std::string path, FileFormat format, std::unique_ptr<FrameReader> reader);
+
     const std::string& path() const noexcept { return m_path; }
     const FileFormat& format() const noexcept { return m_format; }
 
@@ -41,8 +44,6 @@ public:
 
 private:
     bool readUpTo(std::uint64_t frame);
-
-    AudioFile(std::string path, FileFormat format, std::unique_ptr<FrameReader> reader);
 
     std::string m_path;
     FileFormat m_format;

@@ -29,7 +29,7 @@ struct StripState {
     bool soloed = false;                       // if any strip is, the others are not heard
     bool heard = true;                         // what comes of both
     bool ended = false;                        // the transport is beyond its end
-    std::shared_ptr<const Overview> overview;  // null until the file has been read
+    std::shared_ptr<const Overview> overview;  // grows while the file is read; null before that
 };
 
 struct ConsoleState {

@@ -35,6 +35,11 @@ Weights foldWeights(const ChannelPlan& plan, std::size_t channel, std::size_t ch
     return constantPower(sineOf(plan, id) / sineOf(plan, ChannelID::Right));
 }
 
+bool isLeftOut(const ChannelPlan& plan, std::size_t channel, std::size_t channels) {
+    const Weights weights = foldWeights(plan, channel, channels);
+    return weights.left == 0.0F && weights.right == 0.0F;
+}
+
 Weights panWeights(double pan) noexcept {
     const double place = pan >= -1.0 && pan <= 1.0 ? pan : (pan > 0.0 ? 1.0 : -1.0);
     const double angle = (place + 1.0) * (std::numbers::pi / 4.0);

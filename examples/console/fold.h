@@ -21,6 +21,9 @@ struct Weights {
 // turn.
 Weights foldWeights(const ChannelPlan& plan, std::size_t channel, std::size_t channels);
 
+// Whether a mix to stereo leaves this channel out.
+bool isLeftOut(const ChannelPlan& plan, std::size_t channel, std::size_t channels);
+
 // What the outputs are weighted with, for -1 left to 1 right: with constant power, 1 in the middle,
 // so that a file in the middle stays as it is, and at an end 3 dB more. Also the balance of the
 // whole mix.

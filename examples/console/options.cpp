@@ -55,12 +55,13 @@ A file that this program has not made is never overwritten.
 Ctrl-C ends early, with the report of what was read so far.
 
 Keys of the window: Space plays and stops, Home returns to the start, L loops; Ctrl-O adds files,
-Ctrl-Z brings back what was removed, C resets the clip lights. F6 leads to the next part of the
-window, Tab to the next control, Left and Right to the same control of the next strip. On a strip M
-mutes, S is solo, Delete removes; arrows and Page keys move its fader, Alt and arrows its pan and,
-in the waveform, the place, Ctrl and arrows to the next onset. A drag with Shift in a waveform makes
-a loop. Escape closes messages and stops reading waveforms, F1 tells the versions, Ctrl-Shift-E is
---demo-exception. The menu of the right button has them all.
+Ctrl-Z brings back what was removed, C resets the clip lights, P goes from peaks to RMS levels and
+true peaks. F6 leads to the next part of the window, Tab to the next control, Left and Right to the
+same control of the next strip. On a strip M mutes, S is solo, Delete removes; arrows and Page keys
+move its fader, Alt and arrows its pan and, in the waveform, the place, Ctrl and arrows to the next
+onset. A drag with Shift in a waveform makes a loop. Escape closes messages and stops reading
+waveforms, F1 tells the versions, Ctrl-Shift-E is --demo-exception. The menu of the right button has
+them all.
 
 The report has a block for each file, in the order of the command line: the file's name, then the
 lines below, names in columns 3 to 14 and values from column 15; a blank line between blocks.

@@ -24,9 +24,10 @@ public:
         }
     }
 
-    void finish(Overview& overview) {
-        if (m_filled > 0) m_columns.push_back(m_column);
-        overview.columns = std::move(m_columns);
+    // What there is so far, with a column that has only begun.
+    void copyTo(Overview& overview) const {
+        overview.columns = m_columns;
+        if (m_filled > 0) overview.columns.push_back(m_column);
         overview.columnFrames = m_columnFrames;
     }
 
@@ -53,7 +54,17 @@ private:
 
 }  // namespace
 
-std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<bool>& stop) {
+std::size_t Overview::wholeColumns() const noexcept {
+    const auto whole = static_cast<std::size_t>((frames + columnFrames - 1) / columnFrames);
+    return isComplete ? columns.size() : std::max(whole, columns.size());
+}
+
+std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<bool>& stop,
+                                             const GrowingOverview& growing) {
+    constexpr std::uint64_t kSteps = 100;
+    const std::uint64_t announced = file.format().lengthUnknown ? 0 : file.format().frames;
+    const std::uint64_t step = std::max<std::uint64_t>(announced / kSteps, 16 * kChunkFrames);
+    std::uint64_t shown = 0;
     const auto channels = static_cast<std::size_t>(file.format().channels);
     std::vector<std::vector<float>> samples(channels, std::vector<float>(kChunkFrames));
     std::vector<float*> places;
@@ -79,10 +90,18 @@ std::shared_ptr<const Overview> readOverview(AudioFile& file, const std::atomic<
         const auto mean = std::span(samples[0]).first(got);
         columns.push(mean);
         detector.push(mean);
+        if (!growing || file.framesRead() - shown < step) continue;
+        shown = file.framesRead();
+        auto soFar = std::make_shared<Overview>();
+        columns.copyTo(*soFar);
+        soFar->frames = announced;
+        soFar->rate = file.format().rate;
+        growing(std::move(soFar));
     }
     progress.goOn();  // the last value
     auto overview = std::make_shared<Overview>();
-    columns.finish(*overview);
+    columns.copyTo(*overview);
+    overview->isComplete = true;
     overview->frames = file.framesRead();
     overview->rate = file.format().rate;
     overview->onsets = detector.onsets();

@@ -40,7 +40,10 @@ void OverviewReader::run() {
         std::string problem;  // told by who plays the file
         std::shared_ptr<const Overview> overview;
         if (const auto file = AudioFile::open(path, problem)) {
-            overview = readOverview(*file, m_stopping);
+            overview = readOverview(*file, m_stopping, [&](auto soFar) {
+                const std::lock_guard guard(m_mutex);
+                m_overviews[path] = std::move(soFar);
+            });
         }
         lock.lock();
         if (overview) {

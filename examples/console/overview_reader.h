@@ -27,7 +27,7 @@ public:
     // shows the progress, or failed.
     void request(const std::string& path);
 
-    // Null while the file is not read to its end, or when it cannot be.
+    // What is known of the file so far; null before that, and when it cannot be read.
     std::shared_ptr<const Overview> find(const std::string& path) const;
 
 private:
@@ -38,7 +38,7 @@ private:
     mutable std::mutex m_mutex;  // guards what follows
     std::condition_variable m_wake;
     std::deque<std::string> m_waiting;
-    std::map<std::string, std::shared_ptr<const Overview>> m_overviews;  // null: not done
+    std::map<std::string, std::shared_ptr<const Overview>> m_overviews;  // null: only asked for
 };
 
 }  // namespace veltra::console

@@ -61,7 +61,18 @@ TEST(Overview, HoldsTheExtremesOfEveryStretchOfTheFile) {
         const std::string path =
             synthetic("shape.wav", 44100, std::string(seconds) + " pinknoise fade q 0 0 0.01");
         const Planar samples = readAll(path);
-        const auto overview = readOverview(*mustOpen(path), false);
+        std::vector<std::shared_ptr<const Overview>> growing;
+        const auto overview =
+            readOverview(*mustOpen(path), false, [&](auto soFar) { growing.push_back(soFar); });
+        EXPECT_EQ(growing.size(), samples[0].size() / (16 * kChunkFrames));
+        for (const auto& soFar : growing) {
+            EXPECT_FALSE(soFar->isComplete);
+            EXPECT_LT(soFar->columns.size(), soFar->wholeColumns());
+            const std::uint64_t whole = soFar->wholeColumns() * soFar->columnFrames;
+            EXPECT_LE(whole - overview->frames, soFar->columnFrames);
+            EXPECT_LE(soFar->columns[0].high, overview->columns[0].high);
+        }
+        ASSERT_TRUE(overview->isComplete);
         ASSERT_EQ(overview->frames, samples[0].size());
         ASSERT_LT(overview->columns.size(), 1024U);
         for (std::size_t i = 0; i < overview->columns.size(); ++i) {

@@ -319,7 +319,8 @@ const ConsoleState& Player::look() {
         strip->meter = std::move(meter);
     }
     for (StripState& strip : m_state.strips) {
-        if (strip.overview == nullptr) strip.overview = m_overviews.find(strip.path);
+        if (strip.overview != nullptr && strip.overview->isComplete) continue;
+        if (auto known = m_overviews.find(strip.path)) strip.overview = std::move(known);
     }
     const OutputLevels levels = m_engine->takeOutputLevels();
     m_state.outputPeaks = levels.peaks;

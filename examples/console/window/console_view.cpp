@@ -215,7 +215,11 @@ void ConsoleView::focusNextPart() {
 }
 
 void ConsoleView::bridgeWasMoved() {
-    m_row.scrollTo(m_bridge.first());
+    if (m_bridge.isDragged()) {
+        m_row.scrollTo(m_bridge.first());
+    } else {
+        m_row.glideTo(m_bridge.first());
+    }
     m_bridge.setSight(m_row.first(), m_row.inSight());
 }
 

@@ -36,6 +36,8 @@ public:
     // What the meters show, at first peaks. Another kind of peaks begins anew, without clip lights.
     MeterKind meterKind() const noexcept { return m_meterKind; }
     void setMeterKind(MeterKind kind);
+    // How long strips move when a key or a click scrolls them; see StripRow.
+    void setScrollTime(double seconds) { m_row.setScrollTime(seconds); }
     void setKeyboardShown(bool isShown) { m_bar.setKeyboardShown(isShown); }
     // Gives the keyboard to the next part: transport, strips, output, messages.
     void focusNextPart();

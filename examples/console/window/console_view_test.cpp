@@ -413,6 +413,19 @@ TEST(ConsoleInput, LeadsFromStripToStripAndPartToPart) {
     EXPECT_EQ(row.first(), 0);
     EXPECT_EQ(desk.find("Strips in sight")->accessibilityValueText(), "1 to 3 of 11");
 
+    // A key moves the strips for a while, the wheel at once and with the keyboard.
+    row.setScrollTime(1.5);
+    desk.focus("Solo " + nameOf(inSight));
+    const float rest = desk.strip(0).frame().minX();
+    desk.key(kRightArrowCharacter);
+    EXPECT_EQ(row.first(), 1);
+    EXPECT_EQ(desk.strip(0).frame().minX(), rest);
+    desk.wheel(inWindow(row).center(), -1.0F);
+    EXPECT_EQ(desk.strip(row.first()).frame().minX(), 0.0F);
+    desk.wheel(inWindow(row).center(), -4.0F);
+    EXPECT_EQ(row.focused(), &desk.strip(row.first()));
+    row.setScrollTime(0.0);
+
     view.addMessage("something");
     const auto isIn = [&](const char* name) {
         AccessibilityElement* const part = desk.find(name);

@@ -13,6 +13,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
+#include <QStyle>
 #include <QUrl>
 #include <algorithm>
 #include <cmath>
@@ -73,6 +74,10 @@ ConsoleWidget::ConsoleWidget(Player& player)
     // The right button and the menu key show them; their keys work without the menu.
     setContextMenuPolicy(Qt::ActionsContextMenu);
     offerActions();
+    // Where the desktop wants no animations, nothing glides.
+    constexpr double kScrollTime = 0.12;
+    if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0)
+        m_view->setScrollTime(kScrollTime);
     m_beat = std::make_unique<Beat>(*this);
 }
 

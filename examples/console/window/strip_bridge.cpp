@@ -85,6 +85,7 @@ void StripBridge::mouseDown(const Event& event) {
 }
 
 void StripBridge::mouseDragged(const Event& event) {
+    m_isDragged = true;
     const float at = (locationOf(event).x - kMargin) / pitch();
     want(static_cast<int>(std::lround(at - m_grab)));
 }

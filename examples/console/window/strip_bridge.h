@@ -27,12 +27,14 @@ public:
     void setSight(int first, int count);
     // That the user wants to be the leftmost.
     int first() const noexcept { return m_wanted; }
+    // Its frame is under the pointer that moves it.
+    bool isDragged() const noexcept { return m_isDragged; }
 
     bool isFlipped() const override { return true; }
     void drawRect(Canvas& canvas, const Rect& dirty) override;
     void mouseDown(const Event& event) override;
     void mouseDragged(const Event& event) override;
-    void mouseUp(const Event& /*event*/) override {}
+    void mouseUp(const Event& /*event*/) override { m_isDragged = false; }
     bool acceptsFirstResponder() const override { return true; }
     bool wantsKey(const Event& event) const override;
     void keyDown(const Event& event) override;
@@ -57,6 +59,7 @@ private:
     int m_first = 0;
     int m_inSight = 0;
     int m_wanted = 0;
+    bool m_isDragged = false;
     float m_grab = 0.0F;  // from the frame's left side to the pointer, in columns
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "strip_row.h"
 
+#include "veltra/platform/clock.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
 
@@ -18,7 +19,9 @@ constexpr float kDragBegins = 6.0F;      // points
 }  // namespace
 
 StripRow::StripRow(ConsoleDelegate& delegate)
-    : m_delegate(delegate), m_drop(addSubview(std::make_unique<DropView>(delegate))) {
+    : m_delegate(delegate),
+      m_drop(addSubview(std::make_unique<DropView>(delegate))),
+      m_glideTimer(1.0 / 60.0, this, action<&StripRow::glideOn>(), nullptr) {
     m_drop.setIsWhole(false);
     m_drop.setHidden(true);
 }
@@ -54,6 +57,14 @@ int StripRow::lastFirst() const {
     return first;
 }
 
+// The nearest with which that one is in sight.
+int StripRow::firstToSee(int index) const {
+    int first = std::min(m_first, index);
+    while (first < index && first + countFrom(first) <= index)
+        ++first;
+    return first;
+}
+
 void StripRow::setNarrowest(CardKind kind) {
     if (kind == m_narrowest) return;
     m_narrowest = kind;
@@ -66,15 +77,54 @@ void StripRow::setMeterKind(MeterKind kind) {
         strip->setMeterKind(kind);
 }
 
+void StripRow::glideTo(int first) {
+    if (m_strips.empty()) return;
+    const View& one = *m_strips.front();
+    const float before = one.frame().minX();
+    scrollTo(first);
+    m_shiftFrom = m_scrollTime > 0.0 ? before - one.frame().minX() : 0.0F;
+    if (m_shiftFrom == 0.0F) return;
+    m_glideBegan = Clocks::current().monotonic().moment();
+    m_glideTimer.start();
+    glideOn();
+}
+
+// Fast at first, then slower.
+void StripRow::glideOn() {
+    const double gone = (Clocks::current().monotonic().moment() - m_glideBegan).seconds();
+    const double left = std::clamp(1.0 - gone / m_scrollTime, 0.0, 1.0);
+    m_shift = std::round(m_shiftFrom * static_cast<float>(left * left));
+    if (left == 0.0) m_glideTimer.stop();
+    place();
+    if (superview() != nullptr) superview()->setNeedsDisplay();
+}
+
 void StripRow::scrollTo(int first) {
+    m_shift = 0.0F;
+    m_glideTimer.stop();
     const int before = m_first;
-    m_first = first;
-    layOut();
+    m_first = std::clamp(first, 0, lastFirst());
+    place();
+    // The keyboard comes along, to the same control.
+    if (const StripView* const strip = focused()) {
+        const auto at = std::find(m_strips.begin(), m_strips.end(), strip) - m_strips.begin();
+        const int heir = std::clamp(static_cast<int>(at), m_first, m_first + m_inSight - 1);
+        if (heir != at) m_strips[static_cast<std::size_t>(heir)]->focusPart(strip->focusedPart());
+    }
     if (m_first != before && superview() != nullptr) superview()->setNeedsDisplay();
 }
 
 void StripRow::layOut() {
     m_first = std::clamp(m_first, 0, lastFirst());
+    if (const StripView* const strip = focused()) {
+        const auto at = std::find(m_strips.begin(), m_strips.end(), strip) - m_strips.begin();
+        m_first = firstToSee(static_cast<int>(at));
+    }
+    place();
+}
+
+// Each strip where it stands when m_first leads.
+void StripRow::place() {
     m_inSight = countFrom(m_first);
     const float height = bounds().size.height;
     const int end = m_first + m_inSight;
@@ -96,24 +146,25 @@ void StripRow::layOut() {
             isChanged = true;
         }
     }
-    float left = 0.0F;
+    float left = m_shift;
     for (int i = m_first; i < count; ++i) {
-        if (i == end) left = std::max(left, bounds().size.width + kGap);
+        if (i == end && m_shift == 0.0F) left = std::max(left, bounds().size.width + kGap);
         const auto at = static_cast<std::size_t>(i);
         const float width = leastWidth(i) + more[at];
         m_strips[at]->setFrame({{left, 0.0F}, {width, height}});
         left += width + kGap;
         if (i == end - 1 && end == count) break;
     }
-    float right = -kGap;
+    float right = m_shift - kGap;
     for (int i = m_first - 1; i >= 0; --i) {
         const float width = leastWidth(i);
         m_strips[static_cast<std::size_t>(i)]->setFrame({{right - width, 0.0F}, {width, height}});
         right -= width + kGap;
     }
-    const float used = m_strips.empty()
-                           ? 0.0F
-                           : m_strips[static_cast<std::size_t>(end - 1)]->frame().maxX() + kGap;
+    const float used =
+        m_strips.empty()
+            ? 0.0F
+            : m_strips[static_cast<std::size_t>(end - 1)]->frame().maxX() - m_shift + kGap;
     const float free = bounds().size.width - used;
     m_drop.setHidden(free < kLeastForDrop || m_strips.empty());
     m_drop.setFrame({{used, 0.0F}, {std::max(free, 0.0F), height}});
@@ -201,15 +252,7 @@ bool StripRow::scrollRectToVisible(const Rect& rect) {
         const Rect& frame = m_strips[static_cast<std::size_t>(i)]->frame();
         if (rect.center().x < frame.minX() || rect.center().x >= frame.maxX()) continue;
         if (i >= m_first && i < m_first + m_inSight) return false;
-        if (i < m_first) {
-            scrollTo(i);
-        } else {
-            // The first one with which this is in sight, too.
-            int first = m_first;
-            while (first < i && first + countFrom(first) <= i)
-                ++first;
-            scrollTo(first);
-        }
+        glideTo(firstToSee(i));
         return true;
     }
     return false;

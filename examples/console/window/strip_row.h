@@ -5,6 +5,7 @@
 
 #include "drop_view.h"
 #include "strip_view.h"
+#include "veltra/infrastructure/timer.h"
 
 #include <span>
 #include <vector>
@@ -32,6 +33,10 @@ public:
     int first() const noexcept { return m_first; }
     int inSight() const noexcept { return m_inSight; }
     void scrollTo(int first);
+    // The same, in a movement that takes the time of setScrollTime().
+    void glideTo(int first);
+    // Seconds; 0, as at first: nothing moves.
+    void setScrollTime(double seconds) { m_scrollTime = seconds; }
     void setDropTarget(bool isDropTarget) { m_drop.setDropTarget(isDropTarget); }
     // That which has the keyboard; null: none of them.
     StripView* focused() const;
@@ -60,10 +65,13 @@ private:
     bool match(const ConsoleState& state);
     void orderViews();
     void layOut();
+    void place();
     float leastWidth(int index) const;
     int countFrom(int first) const;
     int lastFirst() const;
+    int firstToSee(int index) const;
     int indexAt(float x) const;
+    void glideOn();
 
     ConsoleDelegate& m_delegate;
     DropView& m_drop;  // in the room that the strips leave
@@ -72,6 +80,11 @@ private:
     CardKind m_narrowest = CardKind::Full;
     int m_first = 0;
     int m_inSight = 0;
+    double m_scrollTime = 0.0;
+    float m_shift = 0.0F;      // points that the strips stand beside their places,
+    float m_shiftFrom = 0.0F;  // and did when the movement began
+    Moment m_glideBegan;
+    QkTimer m_glideTimer;
     float m_wheel = 0.0F;     // parts of a notch
     StripKey m_hovered = 0;   // 0: none
     StripKey m_dragged = 0;   // that is being moved; 0: none

@@ -36,11 +36,21 @@ std::string baseName(const StripState& state) {
     return printable(std::filesystem::path(state.path).filename().string());
 }
 
-std::string channelNames(const FileFormat& format) {
+// The channels that come to the outputs, or those that are left out, each behind a space.
+std::string channelNames(const FileFormat& format, bool areLeftOut) {
     std::string names;
-    for (int channel = 0; channel < format.channels; ++channel)
-        names += ' ' + format.plan.channelName(static_cast<std::size_t>(channel));
+    const auto channels = static_cast<std::size_t>(format.channels);
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        if (isLeftOut(format.plan, channel, channels) == areLeftOut)
+            names += ' ' + format.plan.channelName(channel);
+    }
     return names;
+}
+
+std::string foldText(const FileFormat& format) {
+    const std::string leftOut = channelNames(format, true);
+    return "Folded to stereo by its channels:" + channelNames(format, false) +
+           (leftOut.empty() ? "" : "; not heard:" + leftOut);
 }
 
 }  // namespace
@@ -101,8 +111,10 @@ StripView::StripView(const StripState& state, ConsoleDelegate& delegate)
     m_readout.setAccessibilityName("peak of " + name);
     if (!hasPan()) {
         m_pan.setHidden(true);
-        m_panText.setText("Folded to stereo");
-        m_panText.setFullText("Folded to stereo by its channels:" + channelNames(m_format));
+        const std::string leftOut = channelNames(m_format, true);
+        m_panText.setText("Folded to stereo" + (leftOut.empty() ? "" : ", no" + leftOut));
+        m_panText.setFullText(foldText(m_format));
+        m_formatText.setFullText(longFormat(m_format) + ". " + foldText(m_format));
     }
     m_noteFormatter.setNoteStyle(QKMIDIFormatter::kNoteName);
 
@@ -188,9 +200,9 @@ void StripView::update(const StripState& state, const ConsoleState& console) {
     const std::string name = baseName(state);
     const auto reading = std::find_if(console.reading.begin(), console.reading.end(),
                                       [&](const ProgressLine& line) { return line.title == name; });
-    m_waveform.setReading(reading != console.reading.end() && state.overview == nullptr
-                              ? std::optional(reading->value)
-                              : std::nullopt);
+    const bool isRead = state.overview != nullptr && state.overview->isComplete;
+    m_waveform.setReading(
+        reading != console.reading.end() && !isRead ? std::optional(reading->value) : std::nullopt);
     m_waveform.setTimes(length, static_cast<double>(meter.framesPlayed) / rate,
                         static_cast<double>(console.loopBegin) * perFrame,
                         static_cast<double>(console.loopEnd) * perFrame);

@@ -147,7 +147,8 @@ void WaveformView::drawWave(Canvas& canvas, const Rect& dirty) const {
     const float pixel = 1.0F / canvas.scale();
     const float middle = std::round(wave.center().y * canvas.scale()) * pixel;
     const float border = playedX();
-    const std::size_t columns = m_overview != nullptr ? m_overview->columns.size() : 0;
+    const std::size_t known = m_overview != nullptr ? m_overview->columns.size() : 0;
+    const std::size_t columns = m_overview != nullptr ? m_overview->wholeColumns() : 0;
     const auto first =
         static_cast<int>(std::floor(std::max(dirty.minX(), wave.minX()) * canvas.scale()));
     const float end = std::min(dirty.maxX(), wave.maxX()) * canvas.scale();
@@ -164,7 +165,7 @@ void WaveformView::drawWave(Canvas& canvas, const Rect& dirty) const {
         };
         Overview::Column column;
         for (std::size_t i = columnAt(x); i < std::max(columnAt(x + pixel), columnAt(x) + 1); ++i) {
-            if (i >= columns) break;
+            if (i >= known) break;
             column.low = std::min(column.low, m_overview->columns[i].low);
             column.high = std::max(column.high, m_overview->columns[i].high);
         }

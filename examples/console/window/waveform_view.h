@@ -18,7 +18,8 @@ public:
     // `delegate` must outlive the view.
     WaveformView(ConsoleDelegate& delegate, std::string fileName);
 
-    // Null: not known yet, and only a line shows how far the file has played.
+    // Null: not known yet, and only a line shows how far the file has played. One that is not
+    // complete is drawn as far as it goes.
     void setOverview(std::shared_ptr<const Overview> overview);
     // How far the reading of the file is, 0 to 1; below 0 nobody knows; nothing: it is over.
     void setReading(std::optional<double> share);
