@@ -112,11 +112,11 @@ private:
     bool m_isPedalDown = false;
 
     std::array<Event, kEvents> m_events;
-    alignas(64) std::atomic<std::uint32_t> m_written{0};  // main thread changes, audio thread reads
-    std::atomic<bool> m_isLost{false};                    // main thread sets, audio thread clears
-    std::atomic<Loan*> m_offer{nullptr};                  // main thread gives, audio thread takes
-    alignas(64) std::atomic<std::uint32_t> m_taken{0};    // audio thread changes, main thread reads
-    std::atomic<std::uint64_t> m_rendered{0};             // audio thread changes, any thread reads
+    std::atomic<std::uint32_t> m_written{0};   // main thread changes, audio thread reads
+    std::atomic<bool> m_isLost{false};         // main thread sets, audio thread clears
+    std::atomic<Loan*> m_offer{nullptr};       // main thread gives, audio thread takes
+    std::atomic<std::uint32_t> m_taken{0};     // audio thread changes, main thread reads
+    std::atomic<std::uint64_t> m_rendered{0};  // audio thread changes, any thread reads
 };
 
 }  // namespace veltra::console

@@ -89,7 +89,12 @@ TEST(KeyboardPad, PlaysByThePlacesOfKeysOnceForEachPress) {
     board.key(kA, true, true);
     board.key(kApostrophe);
     EXPECT_EQ(told(), "60:100 77:100");
-    EXPECT_EQ(board.pad().keys().isNotePressed(60), true);
+    EXPECT_EQ(board.pad().keys().accessibilityValueText(), "F4 pressed");
+    EXPECT_FALSE(board.pad().keys().focusShape());
+    board.key(0, true, false, {}, kLeftArrowCharacter);
+    EXPECT_EQ(board.pad().keys().accessibilityValueText(), "E4");
+    EXPECT_TRUE(board.pad().keys().focusShape());
+    EXPECT_TRUE(board.pad().keys().isNotePressed(60));
     // A key keeps its note while the octave changes.
     board.key(kX);
     board.key(kX, true, true);
@@ -194,8 +199,8 @@ TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
     EXPECT_EQ(inkAt(18), 0);
     const auto before = colorAt(7, 12, 30);
     board.key(kA);
-    EXPECT_NE(colorAt(7, 12, 30), before);
     EXPECT_GT(inkAt(7), 8);
+    EXPECT_NE(colorAt(7, 12, 30), before);
 }
 
 TEST(KeyboardDesk, IsHeardAndRemembersWhatWasSet) {

@@ -36,6 +36,26 @@ void LabelledKeyboard::setLabels(int lowest, std::vector<std::string> labels) {
     setNeedsDisplay();
 }
 
+void LabelledKeyboard::showPlayed(int note, bool isDown) {
+    m_isLed = false;
+    setNotePressed(note, isDown);
+    if (isDown) setAccessibilityNumber(note);
+}
+
+bool LabelledKeyboard::becomeFirstResponder() {
+    m_isLed = true;
+    return KeyboardView::becomeFirstResponder();
+}
+
+void LabelledKeyboard::keyDown(const Event& event) {
+    if (wantsKey(event)) m_isLed = true;
+    KeyboardView::keyDown(event);
+}
+
+std::optional<View::FocusShape> LabelledKeyboard::focusShape() const {
+    return m_isLed ? KeyboardView::focusShape() : std::nullopt;
+}
+
 void LabelledKeyboard::drawRect(Canvas& canvas, const Rect& dirty) {
     KeyboardView::drawRect(canvas, dirty);
     const KeyboardLayout layout{bounds().size, keyRange(), firstNote()};
@@ -152,7 +172,7 @@ void KeyboardPad::keyDown(const Event& event) {
     }
     const int note = lowestPlayed() + *semitone;
     if (note >= kNotes || !m_down.try_emplace(event.keyCode, note).second) return;
-    m_keys.setNotePressed(note, true);
+    m_keys.showPlayed(note, true);
     begin(note, m_tools.velocity());
 }
 
@@ -163,7 +183,7 @@ void KeyboardPad::keyUp(const Event& event) {
     m_down.erase(key);
     const bool isHeld = std::any_of(m_down.begin(), m_down.end(),
                                     [note](const auto& each) { return each.second == note; });
-    m_keys.setNotePressed(note, isHeld);
+    m_keys.showPlayed(note, isHeld);
     end(note);
 }
 

@@ -17,7 +17,8 @@
 
 namespace veltra::console {
 
-// A keyboard with words on its keys.
+// A keyboard with words on its keys. The ring around a key shows only while arrows lead from key to
+// key.
 class LabelledKeyboard final : public KeyboardView {
 public:
     using KeyboardView::KeyboardView;
@@ -25,11 +26,18 @@ public:
 
     // One for each key from `lowest` on.
     void setLabels(int lowest, std::vector<std::string> labels);
+    // A key of the computer that plays `note` goes down or up; a screen reader says so.
+    void showPlayed(int note, bool isDown);
+
+    bool becomeFirstResponder() override;
+    void keyDown(const Event& event) override;
+    std::optional<FocusShape> focusShape() const override;
     void drawRect(Canvas& canvas, const Rect& dirty) override;
 
 private:
     int m_lowest = 0;
     std::vector<std::string> m_labels;
+    bool m_isLed = true;  // by arrows
 };
 
 // All of the window but the strip, which is told of the octaves and asked for the velocity.

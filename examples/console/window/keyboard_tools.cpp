@@ -2,6 +2,7 @@
 #include "keyboard_tools.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace veltra::console {
 
@@ -87,7 +88,7 @@ void KeyboardTools::layOut() {
         x += size.width + gap;
     };
     next(m_velocityLabel, {46.0F, 14.0F}, kGap);
-    next(m_velocity, {40.0F, 20.0F}, kPart);
+    next(m_velocity, {std::ceil(m_velocity.sizeThatFits().width), 20.0F}, kPart);
     next(m_sustain, {64.0F, kToggleHeight}, kPart);
     next(m_file, {44.0F, kToggleHeight}, kGap);
     const Size picker = DfOctavePickerView::naturalSize(false);
