@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s: the results do not agree\n", part.name);
         return 2;
     }
+    addNarrow(list);
     for (veltra::KernelFamily* const family : veltra::KernelFamily::all())
         std::printf("%s runs as %s\n", family->name(), family->inForce());
     return list.run(argc, argv);

@@ -8,3 +8,6 @@
 bool addChecksums(RatioList& list);
 bool addConverters(RatioList& list);
 bool addSwaps(RatioList& list);
+
+// Adds no result of its own to compare.
+void addNarrow(RatioList& list);

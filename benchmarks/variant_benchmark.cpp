@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
@@ -50,25 +51,38 @@ public:
     // `run` works on what the variant in force is; `limit` is that of every variant but plain.
     template <class Run>
     void addAll(const char* familyName, const std::string& what, double limit, Run run) {
+        const std::vector<const char*> names = addEach(familyName, what, run);
+        for (std::size_t i = 1; i < names.size(); ++i)
+            compare(names[i], names[0], limit);
+    }
+
+    // Each against the one that it goes before.
+    template <class Run>
+    void addSteps(const char* familyName, const std::string& what, Run run) {
+        const std::vector<const char*> names = addEach(familyName, what, run);
+        for (std::size_t i = 1; i < names.size(); ++i)
+            compare(names[i], names[i - 1], 1);
+    }
+
+private:
+    // The last of the family, plain, first.
+    template <class Run>
+    std::vector<const char*> addEach(const char* familyName, const std::string& what, Run run) {
         veltra::KernelFamily& family = *veltra::KernelFamily::find(familyName);
-        const char* plain = nullptr;
+        std::vector<const char*> names;
         for (std::size_t i = family.variantCount(); i-- > 0;) {
             if (!family.runs(i)) continue;
             const char* const variant = family.variantName(i);
-            const char* const name =
-                add(what + ' ' + variant, [=, &family](benchmark::State& state) {
-                    family.use(variant);
-                    for (auto _ : state) {
-                        run(buffers());
-                        benchmark::ClobberMemory();
-                    }
-                    family.useBest();
-                });
-            if (plain == nullptr)
-                plain = name;
-            else
-                compare(name, plain, limit);
+            names.push_back(add(what + ' ' + variant, [=, &family](benchmark::State& state) {
+                family.use(variant);
+                for (auto _ : state) {
+                    run(buffers());
+                    benchmark::ClobberMemory();
+                }
+                family.useBest();
+            }));
         }
+        return names;
     }
 };
 
@@ -107,6 +121,14 @@ int main(int argc, char** argv) {
             veltra::ProcessSwapIntel(b.stream, static_cast<std::uint32_t>(kSamples / bytes), 0,
                                      bits);
         });
+    }
+    // As malloc gives them: every other store of a wide register crosses a line, or all do.
+    for (const bool swapped : {false, true}) {
+        list.addSteps("samples", swapped ? "24le two>f32 at 16" : "24be two>f32 at 16",
+                      [=](Buffers& b) {
+                          veltra::GetConvertNToFloat(3, swapped)(b.left + 4, b.stream + 16,
+                                                                 kSamples - 4, b.right + 4);
+                      });
     }
     list.addAll("utf8", "is ascii", 0.5,
                 [](Buffers& b) { benchmark::DoNotOptimize(veltra::utf8_is_ascii(b.ascii, 0)); });
