@@ -58,7 +58,7 @@ std::optional<View::FocusShape> LabelledKeyboard::focusShape() const {
 
 void LabelledKeyboard::drawRect(Canvas& canvas, const Rect& dirty) {
     KeyboardView::drawRect(canvas, dirty);
-    const KeyboardLayout layout{bounds().size, keyRange(), firstNote()};
+    const KeyboardGeometry geometry{bounds().size, keyRange(), firstNote()};
     // The keys are light and dark in both appearances alike.
     const Color onWhite = theme(Appearance::Light).caption;
     const Color onBlack = theme(Appearance::Dark).label;
@@ -66,7 +66,7 @@ void LabelledKeyboard::drawRect(Canvas& canvas, const Rect& dirty) {
     int note = m_lowest;
     for (const std::string& label : m_labels) {
         const bool isBlack = VLIsBlackKey(note);
-        const Rect key = layout.rectOfNote(note);
+        const Rect key = geometry.rectOfNote(note);
         const Color ink = isNotePressed(note) ? onPressed : isBlack ? onBlack : onWhite;
         ++note;
         if (key.isEmpty() || !needsToDrawRect(key)) continue;
@@ -190,7 +190,7 @@ void KeyboardPad::keyUp(const Event& event) {
 // A key that comes up elsewhere is never heard of.
 void KeyboardPad::windowStateDidChange() {
     const bool hasKeys = window() != nullptr && window()->isKeyWindow();
-    if (hasKeys) showLabels();  // the layout may be another one by now
+    if (hasKeys) showLabels();  // the geometry may be another one by now
     if (std::exchange(m_hadKeys, hasKeys) && !hasKeys) letGo();
 }
 

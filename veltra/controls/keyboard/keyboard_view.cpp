@@ -40,7 +40,7 @@ bool isSpace(const Event& event) noexcept {
 
 KeyboardViewDelegate::~KeyboardViewDelegate() = default;
 
-KeyboardView::KeyboardView(const Rect& frame) : View(frame), m_layout{frame.size, {28, 15}, 0} {}
+KeyboardView::KeyboardView(const Rect& frame) : View(frame), m_geometry{frame.size, {28, 15}, 0} {}
 
 KeyboardView::~KeyboardView() {
     releaseAll();  // it may never have been in a window
@@ -50,31 +50,31 @@ KeyboardView::~KeyboardView() {
 
 // What is shown.
 
-void KeyboardView::changeLayout(const KeyboardLayout& layout) {
-    KeyboardLayout wanted = layout;
-    const auto count = static_cast<std::uint32_t>(VLWhiteKeyCount(layout.firstNote));
-    wanted.range = OctaveRow{1.0F, count}.kept(layout.range);
-    if (wanted == m_layout) return;
+void KeyboardView::changeGeometry(const KeyboardGeometry& geometry) {
+    KeyboardGeometry wanted = geometry;
+    const auto count = static_cast<std::uint32_t>(VLWhiteKeyCount(geometry.firstNote));
+    wanted.range = OctaveRow{1.0F, count}.kept(geometry.range);
+    if (wanted == m_geometry) return;
     const WeakPointer<KeyboardView> self(this);
     releaseAll();
     if (!self) return;
     wanted.size = bounds().size;  // whoever was told may have resized it
-    m_layout = wanted;
+    m_geometry = wanted;
     m_hovered = -1;
     setNeedsDisplay();
     postAccessibilityNotification(AccessibilityNotification::ValueChanged);
 }
 
 void KeyboardView::setKeyRange(KeyRange range) {
-    changeLayout({m_layout.size, range, m_layout.firstNote});
+    changeGeometry({m_geometry.size, range, m_geometry.firstNote});
 }
 
 void KeyboardView::setFirstNote(std::int32_t note) {
-    changeLayout({m_layout.size, m_layout.range, isNote(note) ? note : 0});
+    changeGeometry({m_geometry.size, m_geometry.range, isNote(note) ? note : 0});
 }
 
 void KeyboardView::frameDidChange() {
-    m_layout.size = bounds().size;
+    m_geometry.size = bounds().size;
 }
 
 void KeyboardView::setOctaveOfMiddleC(std::int32_t octave) {
@@ -98,7 +98,7 @@ bool KeyboardView::isNotePressed(std::int32_t note) const noexcept {
 }
 
 void KeyboardView::redrawNote(std::int32_t note) {
-    setNeedsDisplayInRect(m_layout.rectOfNote(note).inset(-1.0F, 0.0F));
+    setNeedsDisplayInRect(m_geometry.rectOfNote(note).inset(-1.0F, 0.0F));
 }
 
 void KeyboardView::setEnabled(bool isEnabled) {
@@ -174,13 +174,13 @@ void KeyboardView::tellReleased(std::int32_t note) {
 }
 
 void KeyboardView::fingerDown(std::int64_t finger, Point point) {
-    const std::int32_t note = m_layout.noteAt(point);
-    play(finger, note, m_layout.velocityAt(note, point));
+    const std::int32_t note = m_geometry.noteAt(point);
+    play(finger, note, m_geometry.velocityAt(note, point));
 }
 
 void KeyboardView::fingerMoved(std::int64_t finger, Point point) {
-    const std::int32_t note = m_layout.noteAt(point);
-    moveTo(finger, note, m_layout.velocityAt(note, point));
+    const std::int32_t note = m_geometry.noteAt(point);
+    moveTo(finger, note, m_geometry.velocityAt(note, point));
 }
 
 void KeyboardView::fingerUp(std::int64_t finger) {
@@ -190,7 +190,7 @@ void KeyboardView::fingerUp(std::int64_t finger) {
 // The key that is struck has the keys of the computer, too.
 void KeyboardView::fingerBegins(std::int64_t finger, const Event& event) {
     const Point point = locationOf(event);
-    const std::int32_t note = m_layout.noteAt(point);
+    const std::int32_t note = m_geometry.noteAt(point);
     if (m_isEnabled && note >= 0) m_focused = note;
     fingerDown(finger, point);
 }
@@ -224,7 +224,7 @@ void KeyboardView::mouseUp(const Event& /*event*/) {
 }
 
 void KeyboardView::mouseMoved(const Event& event) {
-    setHovered(m_isEnabled ? m_layout.noteAt(locationOf(event)) : -1);
+    setHovered(m_isEnabled ? m_geometry.noteAt(locationOf(event)) : -1);
 }
 
 void KeyboardView::mouseExited(const Event& /*event*/) {
@@ -257,8 +257,8 @@ void KeyboardView::viewWillMoveToWindow(Window* /*window*/) {
 // Keys of the computer.
 
 std::int32_t KeyboardView::focusedNote() const noexcept {
-    const std::int32_t lowest = m_layout.lowestNote();
-    const std::int32_t highest = m_layout.highestNote();
+    const std::int32_t lowest = m_geometry.lowestNote();
+    const std::int32_t highest = m_geometry.highestNote();
     const auto isShown = [&](std::int32_t note) { return note >= lowest && note <= highest; };
     if (isShown(m_focused)) return m_focused;
     return isShown(kMiddleC) ? kMiddleC : lowest;
@@ -266,7 +266,7 @@ std::int32_t KeyboardView::focusedNote() const noexcept {
 
 void KeyboardView::focusNote(std::int64_t note) {
     m_focused = static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(note, m_layout.lowestNote(), m_layout.highestNote()));
+        std::clamp<std::int64_t>(note, m_geometry.lowestNote(), m_geometry.highestNote()));
     postAccessibilityNotification(AccessibilityNotification::ValueChanged);
 }
 
@@ -307,15 +307,16 @@ void KeyboardView::keyUp(const Event& event) {
 // Drawing.
 
 std::optional<View::FocusShape> KeyboardView::focusShape() const {
-    return FocusShape{m_layout.rectOfNote(focusedNote()).inset(2.0F, 2.0F), 4.0F};
+    return FocusShape{m_geometry.rectOfNote(focusedNote()).inset(2.0F, 2.0F), 4.0F};
 }
 
 void KeyboardView::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
     const detail::KeyboardDrawing drawing(canvas, effectiveAppearance());
     drawing.drawBed(bounds());
     const auto drawKeys = [&](bool isBlack) {
-        for (std::int32_t note = m_layout.lowestNote(); note <= m_layout.highestNote(); ++note) {
-            const Rect key = m_layout.rectOfNote(note);
+        for (std::int32_t note = m_geometry.lowestNote(); note <= m_geometry.highestNote();
+             ++note) {
+            const Rect key = m_geometry.rectOfNote(note);
             if (VLIsBlackKey(note) != isBlack || !needsToDrawRect(key.inset(-1.0F, 0.0F))) continue;
             detail::KeyPicture picture{isNotePressed(note), note == m_hovered, m_isEnabled,
                                        note == kMiddleC};
@@ -341,8 +342,8 @@ std::string KeyboardView::accessibilityName() const {
 
 std::optional<AccessibilityNumber> KeyboardView::accessibilityNumber() const {
     return AccessibilityNumber{static_cast<double>(focusedNote()),
-                               static_cast<double>(m_layout.lowestNote()),
-                               static_cast<double>(m_layout.highestNote()), 1.0};
+                               static_cast<double>(m_geometry.lowestNote()),
+                               static_cast<double>(m_geometry.highestNote()), 1.0};
 }
 
 std::string KeyboardView::accessibilityValueText() const {

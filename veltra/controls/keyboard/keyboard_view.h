@@ -10,7 +10,7 @@
 // Thread: main, for everything in here. Realtime-safe: no.
 #pragma once
 
-#include "veltra/controls/keyboard/keyboard_layout.h"
+#include "veltra/controls/keyboard/keyboard_geometry.h"
 #include "veltra/export.h"
 #include "veltra/platform/run_loop_timer.h"
 #include "veltra/ui/view.h"
@@ -50,10 +50,10 @@ public:
 
     // The white keys that are shown, counted from that of the first note as by DfOctavePickerView.
     // Kept within the notes there are, and at least one key long. Releases what is being played.
-    KeyRange keyRange() const noexcept { return m_layout.range; }
+    KeyRange keyRange() const noexcept { return m_geometry.range; }
     void setKeyRange(KeyRange range);
     // The note of white key 0, at first 0. What is no note counts as 0.
-    std::int32_t firstNote() const noexcept { return m_layout.firstNote; }
+    std::int32_t firstNote() const noexcept { return m_geometry.firstNote; }
     void setFirstNote(std::int32_t note);
     // The number in the name of middle C, at first 3.
     std::int32_t octaveOfMiddleC() const noexcept { return m_octaveOfMiddleC; }
@@ -131,7 +131,7 @@ private:
         std::int32_t note;  // -1: between keys
     };
 
-    void changeLayout(const KeyboardLayout& layout);
+    void changeGeometry(const KeyboardGeometry& geometry);
     void fingerBegins(std::int64_t finger, const Event& event);
     Held* held(std::int64_t finger) noexcept;
     bool isPlayed(std::int32_t note) const noexcept;
@@ -146,7 +146,7 @@ private:
     void setHovered(std::int32_t note);
     void pressIsOver();
 
-    KeyboardLayout m_layout;
+    KeyboardGeometry m_geometry;
     std::int32_t m_octaveOfMiddleC = 3;
     WeakPointer<Anchored> m_delegate;  // not retained
     std::vector<Held> m_held;          // in the order of their presses

@@ -2,7 +2,7 @@
 // How the keys of an on-screen keyboard look.
 #pragma once
 
-#include "veltra/controls/keyboard/keyboard_layout.h"
+#include "veltra/controls/keyboard/keyboard_geometry.h"
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/theme.h"
 

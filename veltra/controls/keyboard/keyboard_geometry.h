@@ -17,7 +17,7 @@ namespace veltra {
 
 // `range` are the white keys that are shown, counted from that of `firstNote` (see white_keys.h);
 // it should end at the last note at the latest.
-struct VELTRA_EXPORT KeyboardLayout {
+struct VELTRA_EXPORT KeyboardGeometry {
     Size size;
     KeyRange range;
     std::int32_t firstNote = 0;
@@ -38,7 +38,7 @@ struct VELTRA_EXPORT KeyboardLayout {
     // How hard a key is struck there: from 1 at its far end to 127 at its foot; 1 outside of it.
     std::int32_t velocityAt(std::int32_t note, Point point) const noexcept;
 
-    friend bool operator==(const KeyboardLayout&, const KeyboardLayout&) = default;
+    friend bool operator==(const KeyboardGeometry&, const KeyboardGeometry&) = default;
 };
 
 }  // namespace veltra

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "veltra/controls/keyboard/keyboard_layout.h"
+#include "veltra/controls/keyboard/keyboard_geometry.h"
 
 #include "veltra/controls/keyboard/white_keys.h"
 
@@ -20,24 +20,24 @@ constexpr std::array<float, 12> kOffsets{0.0F,   -0.10F, 0.0F, 0.10F, 0.0F,  0.0
 
 }  // namespace
 
-std::int32_t KeyboardLayout::lowestNote() const noexcept {
+std::int32_t KeyboardGeometry::lowestNote() const noexcept {
     if (range.length == 0) return -1;
     return VLNoteForWhiteKey(static_cast<std::int32_t>(range.location), firstNote);
 }
 
-std::int32_t KeyboardLayout::highestNote() const noexcept {
+std::int32_t KeyboardGeometry::highestNote() const noexcept {
     return VLNoteForWhiteKey(static_cast<std::int32_t>(range.end()) - 1, firstNote);
 }
 
-float KeyboardLayout::whiteKeyWidth() const noexcept {
+float KeyboardGeometry::whiteKeyWidth() const noexcept {
     return range.length > 0 ? size.width / static_cast<float>(range.length) : 0.0F;
 }
 
-float KeyboardLayout::blackKeyWidth() const noexcept {
+float KeyboardGeometry::blackKeyWidth() const noexcept {
     return std::round(whiteKeyWidth() * kBlackWidth);
 }
 
-Rect KeyboardLayout::rectOfNote(std::int32_t note) const noexcept {
+Rect KeyboardGeometry::rectOfNote(std::int32_t note) const noexcept {
     if (lowestNote() < 0 || note < lowestNote() || note > highestNote()) return {};
     const std::int32_t key = VLWhiteKeyForNote(note, firstNote);
     const float left =
@@ -49,7 +49,7 @@ Rect KeyboardLayout::rectOfNote(std::int32_t note) const noexcept {
             {width, size.height * kBlackLength}};
 }
 
-std::int32_t KeyboardLayout::noteAt(Point point) const noexcept {
+std::int32_t KeyboardGeometry::noteAt(Point point) const noexcept {
     if (lowestNote() < 0 || !pointInRect(point, {{}, size})) return -1;
     const auto key =
         std::min(static_cast<std::uint32_t>(point.x / whiteKeyWidth()), range.length - 1);
@@ -61,7 +61,7 @@ std::int32_t KeyboardLayout::noteAt(Point point) const noexcept {
     return white;
 }
 
-std::int32_t KeyboardLayout::velocityAt(std::int32_t note, Point point) const noexcept {
+std::int32_t KeyboardGeometry::velocityAt(std::int32_t note, Point point) const noexcept {
     const Rect key = rectOfNote(note);
     if (key.isEmpty()) return 1;
     const float place = std::clamp(point.y / key.size.height, 0.0F, 1.0F);
