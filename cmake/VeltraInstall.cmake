@@ -1,6 +1,9 @@
 # SPDX-License-Identifier: MIT
 # What a host gets: headers, library, CMake package, pkg-config file.
 include(CMakePackageConfigHelpers)
+install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+add_custom_target(uninstall COMMAND "${CMAKE_COMMAND}" "-DBUILD_FOLDER=${PROJECT_BINARY_DIR}"
+    -P "${CMAKE_CURRENT_LIST_DIR}/VeltraUninstall.cmake" VERBATIM)
 
 get_property(public_headers GLOBAL PROPERTY VELTRA_PUBLIC_HEADERS)
 foreach(header IN LISTS public_headers)

@@ -12,7 +12,7 @@
 #define VELTRA_VERSION_MINOR 1
 #define VELTRA_VERSION_PATCH 0
 
-// The same as one number that grows with each version, for conditions: 0.1.0 is 100, 1.2.3 is 10203.
+// The same as one number that grows with each version, for conditions: 1.2.3 is 10203.
 #define VELTRA_VERSION \
     (VELTRA_VERSION_MAJOR * 10000 + VELTRA_VERSION_MINOR * 100 + VELTRA_VERSION_PATCH)
 

@@ -24,7 +24,8 @@ is_code { print; next }
         target = substr(rest, RSTART + 2, RLENGTH - 3)
         before = substr(rest, 1, RSTART - 1)
         after = substr(rest, RSTART + RLENGTH)
-        if (target ~ /^https?:|\.(png|svg)$/ || target ~ /\.md$/) link = "](" target ")"
+        if (target ~ /\.(png|svg)$/) sub(/.*\//, "", target)
+        if (target ~ /^https?:|\.(png|svg|md)$/) link = "](" target ")"
         else if (target ~ /^#/) link = "](#" label(here, substr(target, 2)) ")"
         else if (target ~ /\.md#/) link = "](#" label(page(substr(target, 1, index(target, "#") - 1)), substr(target, index(target, "#") + 1)) ")"
         else {  # the text alone: its bracket is the last one open

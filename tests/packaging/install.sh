@@ -8,7 +8,11 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
 
-cmake --install "$build_dir" --prefix "$prefix" >"$work/install.log"
+cmake --install "$build_dir" --prefix "$work/gone" >"$work/install.log"
+cmake "-DBUILD_FOLDER=$build_dir" -P "$source_dir/cmake/VeltraUninstall.cmake" >>"$work/install.log"
+left=$(find "$work/gone" ! -type d -o -iname '*veltra*')
+[ -z "$left" ] || { echo "left after uninstalling:"; echo "$left"; exit 1; }
+cmake --install "$build_dir" --prefix "$prefix" >>"$work/install.log"
 mv "$prefix" "$work/moved"     # an installed tree may be moved
 prefix=$work/moved
 

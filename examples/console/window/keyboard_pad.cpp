@@ -190,7 +190,7 @@ void KeyboardPad::keyUp(const Event& event) {
 // A key that comes up elsewhere is never heard of.
 void KeyboardPad::windowStateDidChange() {
     const bool hasKeys = window() != nullptr && window()->isKeyWindow();
-    if (hasKeys) showLabels();  // the geometry may be another one by now
+    if (hasKeys) showLabels();  // the layout may be another one by now
     if (std::exchange(m_hadKeys, hasKeys) && !hasKeys) letGo();
 }
 

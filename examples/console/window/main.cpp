@@ -76,6 +76,7 @@ int main(int argc, char** argv) try {
     QApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
     QApplication::setApplicationDisplayName(QStringLiteral("Veltra Console"));
+    QApplication::setDesktopFileName(QStringLiteral("org.veltra.console"));
     veltra::installQtPort();
     if (options->picture.empty()) return showWindow(*options);
     std::optional<TerminalProgress> progress;

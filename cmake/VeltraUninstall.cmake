@@ -1,0 +1,23 @@
+# SPDX-License-Identifier: MIT
+# Takes back what `cmake --install` of this build folder put somewhere last, and the folders of ours
+# that are empty then. BUILD_FOLDER names the build folder.
+set(manifest "${BUILD_FOLDER}/install_manifest.txt")
+if(NOT EXISTS "${manifest}")
+    message(FATAL_ERROR "Nothing was installed from ${BUILD_FOLDER}.")
+endif()
+file(STRINGS "${manifest}" files)
+foreach(file IN LISTS files)
+    file(REMOVE "${file}")
+    get_filename_component(folder "${file}" DIRECTORY)
+    while(IS_DIRECTORY "${folder}" AND folder MATCHES "/[vV]eltra(/|$)")
+        file(GLOB left LIST_DIRECTORIES true "${folder}/*" "${folder}/.*")
+        if(left)
+            break()
+        endif()
+        file(REMOVE_RECURSE "${folder}")
+        get_filename_component(folder "${folder}" DIRECTORY)
+    endwhile()
+endforeach()
+file(REMOVE "${manifest}")
+list(LENGTH files count)
+message(STATUS "${count} files removed")
