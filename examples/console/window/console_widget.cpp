@@ -82,6 +82,8 @@ ConsoleWidget::ConsoleWidget(Player& player) : m_player(player) {
 
 ConsoleWidget::~ConsoleWidget() {
     Settings::setWindowSize({static_cast<float>(width()), static_cast<float>(height())});
+    hide();
+    Settings::write();
 }
 
 void ConsoleWidget::offerActions() {
