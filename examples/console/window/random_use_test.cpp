@@ -241,7 +241,7 @@ private:
 
     // What the window shows is what plays.
     void check() {
-        QTest::qWait(50);
+        QTest::qWait(200);  // until nothing glides
         auto* const view = dynamic_cast<ConsoleView*>(m_widget->contentView());
         ASSERT_NE(view, nullptr);
         const auto& strips = m_player->state().strips;
