@@ -15,7 +15,11 @@ public:
     // Thread: audio. Realtime-safe: yes.
     void add(const float* samples, std::size_t frames, bool measuresTruePeak) noexcept {
         LevelReading level = LevelTap::measure(samples, frames);
-        if (measuresTruePeak) level.peak = m_truePeak.add(samples, frames);
+        if (measuresTruePeak) {
+            level.peak = m_truePeak.add(samples, frames);
+        } else {
+            m_truePeak.reset();
+        }
         m_tap.add(level);
     }
     // The next sample does not follow the last one. Thread: audio. Realtime-safe: yes.

@@ -154,7 +154,7 @@ public:
     Instrument& instrument() noexcept { return m_instrument; }
 
     // Whether the peaks of all meters are true ones, of what lies between the samples, too. At
-    // first not: it takes a few times as long as all else that a strip does. Thread: main.
+    // first not: each sample then takes some forty instructions more. Thread: main.
     void setMeasuresTruePeaks(bool measures) noexcept {
         m_measuresTruePeaks.store(measures, std::memory_order_relaxed);  // with processBlock()
     }

@@ -349,6 +349,29 @@ TEST(Engine, SoloLeavesTheOthersOutAndMuteWins) {
 }
 
 // The output runs all the while; some strips come to their end, the others are taken out before.
+TEST(Engine, PeaksAreTrueOnesWhenAsked) {
+    // No sample above 0.7071, and between them 1.
+    const std::string path = synthetic("between.wav", 44100, "1 sine 11025 0 12.5");
+    Engine engine(Engine::Feeding::ByCallerResampled, 44100);
+    engine.add(mustOpen(path));
+    std::vector<float> samples(1024);
+    float* const outputs[] = {samples.data(), samples.data() + 512};
+    for (const bool areTrue : {false, true, false}) {
+        engine.setMeasuresTruePeaks(areTrue);
+        for (int blocks = 0; blocks < 10; ++blocks) {
+            if (blocks == 5) {  // from here on, without what the change brings
+                engine.meters();
+                engine.takeOutputLevels();
+            }
+            engine.feed(512);
+            engine.processBlock(outputs, 2, 512);
+        }
+        const float expected = areTrue ? 1.0F : 0.7071F;
+        EXPECT_NEAR(engine.meters()[0].peak, expected, 0.02F);
+        EXPECT_NEAR(engine.takeOutputLevels().peaks[1], expected, 0.02F);
+    }
+}
+
 // As a network drive that does not answer: after some chunks it is silent.
 struct HangingReader final : FrameReader {
     explicit HangingReader(std::shared_ptr<std::atomic<bool>> hangs) : m_hangs(std::move(hangs)) {}

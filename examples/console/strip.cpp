@@ -111,6 +111,8 @@ void Strip::adopt(std::uint16_t route) noexcept {
     m_firstRolled = 0;
     m_isFresh = true;
     m_beginsMidway = false;
+    for (ChannelLevel& level : m_levels)
+        level.interrupt();
     m_ring.consume(static_cast<std::size_t>(m_first - m_ring.consumed()));
     m_drained.store(false, std::memory_order_release);  // with isDrained()
 }

@@ -83,6 +83,8 @@ ConsoleWidget::ConsoleWidget(Player& player)
 
 ConsoleWidget::~ConsoleWidget() {
     Settings::setWindowSize({static_cast<float>(width()), static_cast<float>(height())});
+    hide();
+    Settings::write();
 }
 
 void ConsoleWidget::offerActions() {

@@ -23,9 +23,7 @@ constexpr char kFile[] = "file";
 constexpr char kRecent[] = "ConsoleRecentFiles";
 
 void store(std::string_view key, const PropertyValue& value) {
-    Preferences& preferences = Preferences::current();
-    preferences.setValue(key, value);
-    static_cast<void>(preferences.synchronise());
+    Preferences::current().setValue(key, value);
 }
 
 }  // namespace
@@ -98,6 +96,10 @@ void Settings::addRecentFile(const std::string& path) {
     for (const std::string& file : files)
         stored.emplace_back(PropertyValue::Data(file.begin(), file.end()));
     store(kRecent, stored);
+}
+
+void Settings::write() {
+    static_cast<void>(Preferences::current().synchronise());
 }
 
 }  // namespace veltra::console

@@ -12,8 +12,8 @@
 
 namespace veltra::console {
 
-// Each of these reads or writes at once; what cannot be stored is lost without a word, since the
-// console plays as well without. Thread: main.
+// Each of these sees what was set before, and write() puts it on the disk; what cannot be stored is
+// lost without a word, since the console plays as well without. Thread: main.
 struct Settings {
     static constexpr std::size_t kMostRecent = 8;
 
@@ -35,6 +35,9 @@ struct Settings {
     // The newest first; no file twice.
     static std::vector<std::string> recentFiles();
     static void addRecentFile(const std::string& path);
+
+    // May wait for a busy disk: call it when nobody looks any more.
+    static void write();
 };
 
 }  // namespace veltra::console

@@ -94,8 +94,12 @@ void StripRow::glideOn() {
     const double gone = (Clocks::current().monotonic().moment() - m_glideBegan).seconds();
     const double left = std::clamp(1.0 - gone / m_scrollTime, 0.0, 1.0);
     m_shift = std::round(m_shiftFrom * static_cast<float>(left * left));
-    if (left == 0.0) m_glideTimer.stop();
-    place();
+    if (left > 0.0) {
+        place();
+    } else {
+        m_glideTimer.stop();
+        layOut();  // a strip on its way out may have been clicked
+    }
     if (superview() != nullptr) superview()->setNeedsDisplay();
 }
 
@@ -111,6 +115,7 @@ void StripRow::scrollTo(int first) {
         const int heir = std::clamp(static_cast<int>(at), m_first, m_first + m_inSight - 1);
         if (heir != at) m_strips[static_cast<std::size_t>(heir)]->focusPart(strip->focusedPart());
     }
+    layOut();  // back, where the keyboard did not come along
     if (m_first != before && superview() != nullptr) superview()->setNeedsDisplay();
 }
 
