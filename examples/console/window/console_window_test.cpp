@@ -47,7 +47,7 @@ bool comesTrue(Condition condition) {
 
 TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     SKIP_WITHOUT_RECORDINGS();
-    const std::string six = synthetic("six.wav", 48000, "30 sine 300 gain -6 remix 1 1 1 1 1 1");
+    const std::string six = synthetic("six.wav", 48000, "120 sine 300 gain -6 remix 1 1 1 1 1 1");
     const std::string brief = synthetic("brief.wav", 48000, "0.05 sine 300");
     Player player(Device::Null);
     ConsoleWidget widget(player);
@@ -118,7 +118,7 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_TRUE(comesTrue([&] { return state().position == 0; }));
     QTest::keyClick(&widget, Qt::Key_L);
     EXPECT_TRUE(comesTrue([&] { return state().looping; }));
-    EXPECT_EQ(state().loopEnd, 30 * state().rate);  // all of the longest file
+    EXPECT_EQ(state().loopEnd, 120 * state().rate);  // all of the longest file
     EXPECT_NE(find(root, "Waveform of brief.wav, 1 onset"), nullptr);
 
     const auto entries = player.finish();
