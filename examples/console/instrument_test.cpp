@@ -112,9 +112,9 @@ TEST(Instrument, ANoteBeginsAtItsFrameWhateverTheBlocks) {
         for (int i = 0; i < 30; ++i)
             many.emplace(37 * i * i, pressed(45 + i % 20, 60 + i));
         const std::vector<float> reference = made(many, 30'000);
-        for (const std::size_t block : {1, 7, 64, 441, 1000, 4096}) {
+        for (const std::size_t block : {1U, 7U, 64U, 441U, 1000U, 4096U}) {
             EXPECT_EQ(made(many, block), reference) << block;
-            for (const std::size_t place : {1, 63, 64, 999, 5000}) {
+            for (const std::size_t place : {1U, 63U, 64U, 999U, 5000U}) {
                 const auto later =
                     made({{place, pressed(61, 90)}, {place + 6000, released(61)}}, block);
                 EXPECT_EQ(largest(std::span(later).first(place)), 0.0);
@@ -141,7 +141,7 @@ TEST(Instrument, SixteenNotesSoundAndTheOldestMakesRoomWithoutAClick) {
         ASSERT_LT(std::abs(gains[i] - gains[i - 1]), 1.1F / kAttack) << i;
     EXPECT_EQ(gains[7999], 8.0F);
     EXPECT_EQ(gains[16'300], 16.0F);
-    for (const std::size_t place : {19'999, 24'999, 25'999, 29'999})
+    for (const std::size_t place : {19'999U, 24'999U, 25'999U, 29'999U})
         EXPECT_NEAR(gains[place], 16.0F, 1e-5F) << place;
     EXPECT_NEAR(gains[26'000 + kAttack / 2], 16.0F, 0.1F);
 

@@ -132,7 +132,8 @@ private:
 Player::SoundSystems fickleSystems() {
     Player::SoundSystems systems;
     systems.open = [](const Device& device, std::int32_t rate, std::string& problem) {
-        const auto number = device.id == "auto" ? 0U : device.id.back() - unsigned{'0'};
+        const auto number =
+            device.id == "auto" ? 0U : static_cast<unsigned>(device.id.back() - '0');
         std::unique_ptr<AudioOutput> output;
         if (number >= fates.size() || fates[number] == Fate::Missing) {
             problem = device.id + ": is missing";
