@@ -55,10 +55,14 @@ TEST(Volumes, AreRemovableAsTheirDiskIs) {
 }
 
 TEST(Volumes, AreToBeHadOfThisMachine) {
+    // In a changed root there may be no mount that holds it.
+    const bool isRootMounted =
+        testing::textOf("/proc/self/mounts").find(" / ") != std::string::npos;
     const std::optional<Volume> root = Volumes::current().volumeOfPath("/");
+    ASSERT_EQ(root.has_value(), isRootMounted);
+    EXPECT_TRUE(!root || (root->path == "/" && !root->isUnmountable));
     const std::optional<Volume> processes = Volumes::current().volumeOfPath("/proc/self/status");
-    ASSERT_TRUE(root && processes);
-    EXPECT_TRUE(root->path == "/" && !root->isUnmountable);
+    ASSERT_TRUE(processes);
     EXPECT_TRUE(processes->type == "proc" && processes->path == "/proc");
     EXPECT_FALSE(Volumes::current().volumeOfPath("/no such item"));
 }
