@@ -15,6 +15,8 @@ constexpr float kWindowHeight = 720.0F;
 constexpr float kLeastWidth = 800.0F;
 constexpr float kMostWidth = 1440.0F;
 constexpr float kBridgeRoom = StripBridge::kHeight + 8.0F;
+constexpr float kGrid = 4.0F;
+constexpr float kTwoLinesFrom = 1400.0F;  // points of height
 constexpr float kMessageGap = 12.0F;
 constexpr float kMessageRoom = MessageBar::kHeight + kMessageGap;
 
@@ -76,8 +78,11 @@ void ConsoleView::layOut() {
     // narrower: as narrow as they may be only where that does not let all of them fit.
     const CardKind without = kindWith(0.0F);
     const CardKind with = kindWith(kBridgeRoom);
-    const bool hasBridge = !StripRow::doFit(m_known, areaIn(without), without);
-    const bool isNarrow = hasBridge && !StripRow::doFit(m_known, areaIn(with), with);
+    // A high window has two lines of them before that.
+    const bool isOneLine = StripRow::doFit(m_known, areaIn(without), without, 1);
+    const int lines = !isOneLine && size.height >= kTwoLinesFrom ? 2 : 1;
+    const bool hasBridge = !isOneLine && !StripRow::doFit(m_known, areaIn(without), without, lines);
+    const bool isNarrow = hasBridge && !StripRow::doFit(m_known, areaIn(with), with, lines);
     const CardKind narrowest = isNarrow ? with : without;
     const Margins margins = marginsFor(hasBridge ? with : without);
 
@@ -93,13 +98,14 @@ void ConsoleView::layOut() {
                            {size.width - 2.0F * margins.side, StripBridge::kHeight}});
         foot -= kBridgeRoom;
     }
-    const float height = std::max(foot - bar, 0.0F);
+    const float height = std::max(std::floor((foot - bar) / kGrid) * kGrid, 0.0F);
     const float right = size.width - margins.side;
     const float outputLeft = right - margins.output;
     m_output.setFrame({{outputLeft, bar}, {margins.output, height}});
     const Rect strips{{margins.side, bar},
                       {std::max(outputLeft - margins.beforeOutput - margins.side, 0.0F), height}};
     m_row.setNarrowest(narrowest);
+    m_row.setLines(lines);
     m_row.setFrame(strips);
     m_empty.setFrame(strips);
     m_row.setHidden(m_known.empty());

@@ -265,6 +265,47 @@ TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
     }
 }
 
+TEST(ConsoleLayout, TakesASecondLineInAHighWindowBeforeTheBridge) {
+    struct Row {
+        Size size;
+        int strips;
+        int lines;
+        bool hasBridge;
+    };
+    for (const Row& row : {Row{{1180, 1399}, 9, 1, true}, Row{{1180, 1400}, 3, 1, false},
+                           Row{{1180, 1400}, 9, 2, false}, Row{{1180, 1403}, 32, 2, true}}) {
+        SCOPED_TRACE(row.strips);
+        Desk desk(row.size, row.strips);
+        StripRow& strips = desk.view().row();
+        EXPECT_EQ(!desk.view().bridge().isHidden(), row.hasBridge);
+        for (const int first : {0, row.strips}) {
+            strips.scrollTo(first);
+            std::map<float, int> lines;  // strips, by where their line ends
+            for (int i = strips.first(); i < strips.first() + strips.inSight(); ++i) {
+                const StripView& strip = desk.strip(i);
+                EXPECT_EQ(strip.frame().united(strips.bounds()), strips.bounds());
+                EXPECT_EQ(strip.frame().size.height, desk.strip(0).frame().size.height);
+                ++lines[strip.frame().maxY()];
+                expectApart(strip);
+            }
+            EXPECT_EQ(static_cast<int>(lines.size()), row.lines);
+            EXPECT_EQ(lines.rbegin()->first, strips.bounds().size.height);
+            EXPECT_TRUE(first == 0 || strips.first() + strips.inSight() == row.strips);
+        }
+        if (row.lines == 1) continue;
+        // The first strip, by its name, behind the first of the second line.
+        strips.scrollTo(0);
+        int below = 0;
+        while (desk.strip(below).frame().minY() == 0.0F)
+            ++below;
+        const Rect from = inWindow(desk.strip(0));
+        const Rect to = inWindow(desk.strip(below));
+        desk.drag({from.minX() + 30.0F, from.maxY() - 20.0F},
+                  {to.center().x + 9.0F, to.center().y});
+        EXPECT_EQ(desk.notes.last, formatted("move 1 %d.0", below));
+    }
+}
+
 TEST(ConsoleLayout, IsTheSameAfterFortyOthers) {
     Desk desk({1180, 720}, 9);
     const std::vector<Rect> before = framesIn(desk.view());

@@ -26,26 +26,38 @@ StripRow::StripRow(ConsoleDelegate& delegate)
     m_drop.setHidden(true);
 }
 
-bool StripRow::doFit(std::span<const StripState> strips, float width, CardKind kind) {
-    float needed = -kGap;
-    for (const StripState& strip : strips)
-        needed += StripView::leastWidth(strip.format, kind) + kGap;
-    return needed <= width;
+bool StripRow::doFit(std::span<const StripState> strips, float width, CardKind kind, int lines) {
+    float room = width + kGap;
+    for (const StripState& strip : strips) {
+        const float needed = StripView::leastWidth(strip.format, kind) + kGap;
+        if (needed > room && --lines > 0) room = width + kGap;
+        room -= needed;
+        if (room < 0.0F) return false;
+    }
+    return true;
 }
 
 float StripRow::leastWidth(int index) const {
     return StripView::leastWidth(m_strips[static_cast<std::size_t>(index)]->format(), m_narrowest);
 }
 
-// How many fit, beginning with that one; at least one.
-int StripRow::countFrom(int first) const {
+// How many fit into one line, beginning with that one; at least one.
+int StripRow::countOfLine(int first) const {
     float room = bounds().size.width + kGap;
     int count = 0;
     for (int i = first; i < static_cast<int>(m_strips.size()); ++i, ++count) {
         room -= leastWidth(i) + kGap;
-        if (room < 0.0F) break;
+        if (room < 0.0F) return std::max(count, 1);
     }
-    return std::max(count, m_strips.empty() ? 0 : 1);
+    return count;
+}
+
+// The same, into all lines.
+int StripRow::countFrom(int first) const {
+    int end = first;
+    for (int line = 0; line < m_lines; ++line)
+        end += countOfLine(end);
+    return end - first;
 }
 
 // From which on all fit.
@@ -71,6 +83,12 @@ void StripRow::setNarrowest(CardKind kind) {
     layOut();
 }
 
+void StripRow::setLines(int lines) {
+    if (lines == m_lines) return;
+    m_lines = lines;
+    layOut();
+}
+
 void StripRow::setMeterKind(MeterKind kind) {
     m_meterKind = kind;
     for (StripView* const strip : m_strips)
@@ -78,7 +96,7 @@ void StripRow::setMeterKind(MeterKind kind) {
 }
 
 void StripRow::glideTo(int first) {
-    if (m_strips.empty()) return;
+    if (m_strips.empty() || m_lines > 1) return scrollTo(first);
     const View& one = *m_strips.front();
     const float before = one.frame().minX();
     scrollTo(first);
@@ -131,18 +149,48 @@ void StripRow::layOut() {
 // Each strip where it stands when m_first leads.
 void StripRow::place() {
     m_inSight = countFrom(m_first);
-    const float height = bounds().size.height;
-    const int end = m_first + m_inSight;
-    const auto count = static_cast<int>(m_strips.size());
+    const Size size = bounds().size;
+    const auto lines = static_cast<float>(m_lines);
+    // Lines stand on the grid; the last one stands on the foot.
+    const float share = (size.height - kGap * (lines - 1.0F)) / lines;
+    const float height = m_lines > 1 ? std::floor(share / kGrid) * kGrid : size.height;
+    float top = 0.0F;
+    float used = 0.0F;
+    int end = m_first;
+    for (int line = 0; line < m_lines; ++line) {
+        const int begin = end;
+        end += countOfLine(begin);
+        if (line > 0) top = size.height - height;
+        used = placeLine(begin, end, top, height);
+    }
+    float left = m_shift != 0.0F ? used + m_shift : std::max(used, size.width + kGap);
+    for (int i = end; i < static_cast<int>(m_strips.size()); ++i) {
+        const float width = leastWidth(i);
+        m_strips[static_cast<std::size_t>(i)]->setFrame({{left, top}, {width, height}});
+        left += width + kGap;
+    }
+    float right = m_shift - kGap;
+    for (int i = m_first - 1; i >= 0; --i) {
+        const float width = leastWidth(i);
+        m_strips[static_cast<std::size_t>(i)]->setFrame({{right - width, 0.0F}, {width, height}});
+        right -= width + kGap;
+    }
+    const float free = size.width - used;
+    m_drop.setHidden(free < kLeastForDrop || m_strips.empty());
+    m_drop.setFrame({{used, top}, {std::max(free, 0.0F), height}});
+    setNeedsDisplay();
+}
 
+// Returns where the next one would stand.
+float StripRow::placeLine(int begin, int end, float top, float height) {
     // What is left over goes to all alike, in steps of the grid, up to their maximum.
     float room = bounds().size.width + kGap;
-    for (int i = m_first; i < end; ++i)
+    for (int i = begin; i < end; ++i)
         room -= leastWidth(i) + kGap;
     std::vector<float> more(m_strips.size(), 0.0F);
     for (bool isChanged = true; isChanged && room >= kGrid;) {
         isChanged = false;
-        for (int i = m_first; i < end && room >= kGrid; ++i) {
+        for (int i = begin; i < end && room >= kGrid; ++i) {
             const auto at = static_cast<std::size_t>(i);
             if (leastWidth(i) + more[at] + kGrid > StripView::mostWidth(m_strips[at]->format()))
                 continue;
@@ -151,29 +199,14 @@ void StripRow::place() {
             isChanged = true;
         }
     }
-    float left = m_shift;
-    for (int i = m_first; i < count; ++i) {
-        if (i == end && m_shift == 0.0F) left = std::max(left, bounds().size.width + kGap);
+    float left = 0.0F;
+    for (int i = begin; i < end; ++i) {
         const auto at = static_cast<std::size_t>(i);
         const float width = leastWidth(i) + more[at];
-        m_strips[at]->setFrame({{left, 0.0F}, {width, height}});
+        m_strips[at]->setFrame({{left + m_shift, top}, {width, height}});
         left += width + kGap;
-        if (i == end - 1 && end == count) break;
     }
-    float right = m_shift - kGap;
-    for (int i = m_first - 1; i >= 0; --i) {
-        const float width = leastWidth(i);
-        m_strips[static_cast<std::size_t>(i)]->setFrame({{right - width, 0.0F}, {width, height}});
-        right -= width + kGap;
-    }
-    const float used =
-        m_strips.empty()
-            ? 0.0F
-            : m_strips[static_cast<std::size_t>(end - 1)]->frame().maxX() - m_shift + kGap;
-    const float free = bounds().size.width - used;
-    m_drop.setHidden(free < kLeastForDrop || m_strips.empty());
-    m_drop.setFrame({{used, 0.0F}, {std::max(free, 0.0F), height}});
-    setNeedsDisplay();
+    return left;
 }
 
 // Returns whether strips have come, gone or moved. The keyboard goes to the right neighbour of one
@@ -252,15 +285,10 @@ bool StripRow::takeKeyboard() {
 }
 
 bool StripRow::scrollRectToVisible(const Rect& rect) {
-    const auto count = static_cast<int>(m_strips.size());
-    for (int i = 0; i < count; ++i) {
-        const Rect& frame = m_strips[static_cast<std::size_t>(i)]->frame();
-        if (rect.center().x < frame.minX() || rect.center().x >= frame.maxX()) continue;
-        if (i >= m_first && i < m_first + m_inSight) return false;
-        glideTo(firstToSee(i));
-        return true;
-    }
-    return false;
+    const int index = indexAt(rect.center());
+    if (index < 0 || (index >= m_first && index < m_first + m_inSight)) return false;
+    glideTo(firstToSee(index));
+    return true;
 }
 
 void StripRow::scrollWheel(const Event& event) {
@@ -270,10 +298,9 @@ void StripRow::scrollWheel(const Event& event) {
     if (notches != 0.0F) scrollTo(m_first - static_cast<int>(notches));
 }
 
-int StripRow::indexAt(float x) const {
+int StripRow::indexAt(Point point) const {
     for (std::size_t i = 0; i < m_strips.size(); ++i) {
-        const Rect& frame = m_strips[i]->frame();
-        if (x >= frame.minX() && x < frame.maxX()) return static_cast<int>(i);
+        if (pointInRect(point, m_strips[i]->frame())) return static_cast<int>(i);
     }
     return -1;
 }
@@ -282,23 +309,26 @@ int StripRow::indexAt(float x) const {
 
 void StripRow::mouseDown(const Event& event) {
     const Point at = locationOf(event);
-    const int index = indexAt(at.x);
+    const int index = indexAt(at);
     m_dragged = 0;
     m_dropPlace = -1;
     if (index < 0) return;
     StripView& strip = *m_strips[static_cast<std::size_t>(index)];
     if (!strip.isHandle(strip.locationOf(event))) return;
     m_dragged = strip.key();
-    m_dragFrom = at.x;
+    m_dragFrom = at;
 }
 
 void StripRow::mouseDragged(const Event& event) {
     if (m_dragged == 0) return;
-    const float x = locationOf(event).x;
-    if (m_dropPlace < 0 && std::fabs(x - m_dragFrom) < kDragBegins) return;
+    const auto [x, y] = locationOf(event);
+    if (m_dropPlace < 0 && std::hypot(x - m_dragFrom.x, y - m_dragFrom.y) < kDragBegins) return;
     int place = m_first;
     for (int i = m_first; i < m_first + m_inSight; ++i) {
-        if (x > m_strips[static_cast<std::size_t>(i)]->frame().center().x) place = i + 1;
+        const Rect& frame = m_strips[static_cast<std::size_t>(i)]->frame();
+        const bool isAbove = frame.maxY() <= std::min(y, bounds().size.height - 1.0F);
+        const bool isInLine = frame.minY() <= std::max(y, 0.0F);
+        if (isAbove || (isInLine && x > frame.center().x)) place = i + 1;
     }
     if (place == m_dropPlace) return;
     m_dropPlace = place;
@@ -327,7 +357,7 @@ void StripRow::setHovered(const StripView* strip) {
 }
 
 void StripRow::mouseMoved(const Event& event) {
-    const int index = indexAt(locationOf(event).x);
+    const int index = indexAt(locationOf(event));
     setHovered(index < 0 ? nullptr : m_strips[static_cast<std::size_t>(index)]);
     View::mouseMoved(event);
 }
@@ -351,7 +381,7 @@ void StripRow::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
         m_strips[static_cast<std::size_t>(isLast ? m_dropPlace - 1 : m_dropPlace)]->frame();
     const float x = isLast ? beside.maxX() + kGap * 0.5F : beside.minX() - kGap * 0.5F;
     const float inside = std::clamp(x - 1.0F, 0.0F, bounds().size.width - 2.0F);
-    fillAligned(canvas, {{inside, 0.0F}, {2.0F, bounds().size.height}},
+    fillAligned(canvas, {{inside, beside.minY()}, {2.0F, beside.size.height}},
                 theme(effectiveAppearance()).accent);
 }
 

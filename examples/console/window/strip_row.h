@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The strips side by side. As many as fit stand there whole, beginning with any of them; the others
-// wait beyond the sides.
+// The strips side by side, in one line or in several. As many as fit stand there whole, beginning
+// with any of them; the others wait beyond the sides.
 #pragma once
 
 #include "drop_view.h"
@@ -20,20 +20,22 @@ public:
     // `delegate` must outlive the view.
     explicit StripRow(ConsoleDelegate& delegate);
 
-    // Whether all of them fit into `width` in cards of this kind.
-    static bool doFit(std::span<const StripState> strips, float width, CardKind kind);
+    // Whether all of them fit into `width` in cards of this kind, in so many lines.
+    static bool doFit(std::span<const StripState> strips, float width, CardKind kind, int lines);
 
     void update(const ConsoleState& state);
     const std::vector<StripView*>& strips() const noexcept { return m_strips; }
     void setMeterKind(MeterKind kind);  // also of strips that come later
     // The strips are as narrow as this kind of card allows, whatever the height.
     void setNarrowest(CardKind kind);
+    // One at first, at least one.
+    void setLines(int lines);
 
     // Which are in sight.
     int first() const noexcept { return m_first; }
     int inSight() const noexcept { return m_inSight; }
     void scrollTo(int first);
-    // The same, in a movement that takes the time of setScrollTime().
+    // The same, in a movement that takes the time of setScrollTime(). Several lines do not move.
     void glideTo(int first);
     // Seconds; 0, as at first: nothing moves.
     void setScrollTime(double seconds) { m_scrollTime = seconds; }
@@ -66,11 +68,13 @@ private:
     void orderViews();
     void layOut();
     void place();
+    float placeLine(int begin, int end, float top, float height);
     float leastWidth(int index) const;
+    int countOfLine(int first) const;
     int countFrom(int first) const;
     int lastFirst() const;
     int firstToSee(int index) const;
-    int indexAt(float x) const;
+    int indexAt(Point point) const;
     void glideOn();
 
     ConsoleDelegate& m_delegate;
@@ -78,6 +82,7 @@ private:
     std::vector<StripView*> m_strips;
     MeterKind m_meterKind = MeterKind::Peak;
     CardKind m_narrowest = CardKind::Full;
+    int m_lines = 1;
     int m_first = 0;
     int m_inSight = 0;
     double m_scrollTime = 0.0;
@@ -85,11 +90,11 @@ private:
     float m_shiftFrom = 0.0F;  // and did when the movement began
     Moment m_glideBegan;
     QkTimer m_glideTimer;
-    float m_wheel = 0.0F;     // parts of a notch
-    StripKey m_hovered = 0;   // 0: none
-    StripKey m_dragged = 0;   // that is being moved; 0: none
-    float m_dragFrom = 0.0F;  // where the press was
-    int m_dropPlace = -1;     // before which it would come; -1: it stays
+    float m_wheel = 0.0F;    // parts of a notch
+    StripKey m_hovered = 0;  // 0: none
+    StripKey m_dragged = 0;  // that is being moved; 0: none
+    Point m_dragFrom;        // where the press was
+    int m_dropPlace = -1;    // before which it would come; -1: it stays
 };
 
 }  // namespace veltra::console
