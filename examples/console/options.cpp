@@ -63,8 +63,8 @@ them all.
 
 K opens and closes the keyboard, which plays a tone or the file of the focused strip, at its own
 pitch on C3. There the keys in the places of A S D F G H J K L ; ' of an American keyboard are white
-keys, those of W E T Y U O P black ones, whatever the layout writes on them; Z and X lead an octave
-down and up. Arrows lead from key to key, Space plays, Escape closes.
+keys, those of W E T Y U O P black ones, whatever the layout writes on them; Z and X shift them an
+octave down and up. Arrows lead from key to key, Space plays, Escape closes.
 
 The report has a block for each file, in the order of the command line: the file's name, then the
 lines below, names in columns 3 to 14 and values from column 15; a blank line between blocks.

@@ -16,7 +16,7 @@ inline constexpr int kPositionKeys = 18;
 // Semitones above the C that the first key plays. `hardwareCode` is Event::keyCode.
 std::optional<int> semitoneOfKey(std::uint16_t hardwareCode);
 
-// -1 and 1 for the keys that lead an octave down and up, else 0.
+// -1 and 1 for the keys that shift by an octave, down and up, else 0.
 int octaveOfKey(std::uint16_t hardwareCode);
 
 // What the user's layout writes on each key, from the first one up, in capitals; empty where it

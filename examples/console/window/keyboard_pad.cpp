@@ -126,7 +126,7 @@ void KeyboardPad::showLabels() {
     const OctaveKeyLabels octaves = labelsOfOctaveKeys();
     m_hint.setText(octaves.down.empty()
                        ? std::string()
-                       : octaves.down + " and " + octaves.up + " lead an octave down and up");
+                       : octaves.down + " and " + octaves.up + ": an octave down and up");
 }
 
 // A note sounds while anything holds it.
