@@ -35,42 +35,48 @@ float limited(float sample) noexcept {
 }
 
 // A sample, or several side by side: a type that the compiler computes with on every processor.
+// Passed by reference, for which no processor needs registers of that size.
 using Floats [[gnu::vector_size(kLanes * sizeof(float))]] = float;
 
 template <typename Values>
-Values load(const float* samples) noexcept {
-    Values values;
+void load(Values& values, const float* samples) noexcept {
     std::memcpy(&values, samples, sizeof values);
-    return values;
 }
 
 template <typename Values>
-Values magnitude(Values values) noexcept {
-    return values < 0.0F ? -values : values;
+void makePositive(Values& values) noexcept {
+    values = values < 0.0F ? -values : values;
 }
 
 template <typename Values>
-Values larger(Values a, Values b) noexcept {
-    return a > b ? a : b;
+void raise(Values& peaks, const Values& values) noexcept {
+    peaks = peaks > values ? peaks : values;
 }
 
-// The highest at and before each of the samples from `newest` on; there are eleven before it.
+// By the highest at and before each of the samples from `newest` on; there are eleven before it.
 template <typename Values>
-Values highest(const float* newest) noexcept {
+void raiseToHighest(Values& peaks, const float* newest) noexcept {
     const float* const oldest = newest - 11;
     Values middle{};
     Values even{};
     Values odd{};
+    Values late{};
+    Values early{};
     for (std::ptrdiff_t pair = 0; pair < std::ssize(kTapsOfPair); ++pair) {
         const Taps& taps = kTapsOfPair[pair];
-        const auto late = load<Values>(newest - pair);
-        const auto early = load<Values>(oldest + pair);
+        load(late, newest - pair);
+        load(early, oldest + pair);
         middle += taps.middle * (late + early);
         even += taps.even * (late + early);
         odd += taps.odd * (late - early);
     }
-    const Values quarters = magnitude(even) + magnitude(odd);
-    return larger(larger(magnitude(middle), quarters), magnitude(load<Values>(newest)));
+    load(late, newest);
+    for (Values* const values : {&middle, &even, &odd, &late})
+        makePositive(*values);
+    even += odd;  // the higher of the sum and the difference
+    raise(peaks, middle);
+    raise(peaks, even);
+    raise(peaks, late);
 }
 
 }  // namespace
@@ -88,15 +94,15 @@ float TruePeak::add(const float* samples, std::size_t frames, std::size_t stride
             newest[i] = limited(samples[i * stride]);
         std::size_t i = 0;
         for (; i + kLanes <= count; i += kLanes)
-            peaks = larger(peaks, highest<Floats>(newest + i));
+            raiseToHighest(peaks, newest + i);
         for (; i < count; ++i)
-            peak = larger(peak, highest<float>(newest + i));
+            raiseToHighest(peak, newest + i);
         std::copy_n(line.data() + count, kBefore, m_before.begin());
         samples += count * stride;
         frames -= count;
     }
     for (std::size_t lane = 0; lane < kLanes; ++lane)
-        peak = larger(peak, peaks[lane]);
+        peak = std::max(peak, peaks[lane]);
     return peak;
 }
 
