@@ -140,6 +140,7 @@ void askForEverything(Engine& engine, const std::array<std::string, 4>& paths, T
         engine.setOutputBalance(isOdd ? 0.25F : 0.0F);
         engine.setDimmed(turn % 4 == 0);
         engine.setMono(turn % 6 == 0);
+        engine.setMeasuresTruePeaks(turn % 8 < 4);
         engine.setTempo(100.0 + turn % 60);
         engine.setMeter(3 + turn % 4, 8);
         if (turn % 30 == 0) engine.locate(100 * turn);
