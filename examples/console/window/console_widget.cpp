@@ -24,7 +24,9 @@ namespace veltra::console {
 namespace {
 
 constexpr double kFramesPerSecond = 60.0;
-constexpr std::uint32_t kBlocks[] = {128, 256, 512, 1024, 2048};
+// 0: what the device likes, what the first file has.
+constexpr std::uint32_t kBlocks[] = {0, 128, 256, 512, 1024, 2048};
+constexpr std::int32_t kRates[] = {0, 44100, 48000, 88200, 96000, 192000};
 constexpr char kFileFilter[] =
     "Audio files (*.wav *.wave *.aif *.aiff *.aifc *.flac *.ogg *.oga *.opus *.mp3 *.au *.caf "
     "*.w64);;"
@@ -290,10 +292,9 @@ void ConsoleWidget::stripMenuWasPressed(StripKey key, View& button) {
     offer("Re&move", true, [=, this] { removeStripWasPressed(key); });
 }
 
-void ConsoleWidget::chooseDevice(const std::string& id, std::uint32_t blockFrames) {
-    m_device = id;
-    m_blockFrames = blockFrames;
-    tell(m_player.chooseDevice(id, 0, blockFrames));
+void ConsoleWidget::chooseDevice(const Device& device) {
+    m_device = device;
+    tell(m_player.chooseDevice(device.id, device.rate, device.blockFrames));
     refresh();
 }
 
@@ -301,25 +302,42 @@ void ConsoleWidget::chooseDevice(const std::string& id, std::uint32_t blockFrame
 void ConsoleWidget::deviceMenuWasPressed(View& button) {
     m_player.askForDevices();
     m_deviceMenu = popUp(button);
-    const auto offer = [this](QMenu& where, const QString& name, const std::string& id,
-                              std::uint32_t block) { return offerDevice(where, name, id, block); };
-    offer(*m_deviceMenu, QStringLiteral("The default device"), "auto", m_blockFrames);
+    offerDevice(*m_deviceMenu, QStringLiteral("The default device"), "auto");
     m_beforeDevices = m_deviceMenu->addAction(QStringLiteral("Looking for devices\u2026"));
     m_beforeDevices->setEnabled(false);
-    offer(*m_deviceMenu, QStringLiteral("None: play in silence"), "null", m_blockFrames);
+    offerDevice(*m_deviceMenu, QStringLiteral("None: play in silence"), "null");
     QMenu* const sizes = m_deviceMenu->addMenu(QStringLiteral("Buffer"));
-    offer(*sizes, QStringLiteral("The device's own"), m_device, 0);
-    for (const std::uint32_t block : kBlocks)
-        offer(*sizes, QStringLiteral("%1 frames").arg(block), m_device, block);
+    for (const std::uint32_t block : kBlocks) {
+        Device device = m_device;
+        device.blockFrames = block;
+        offerSetting(*sizes,
+                     block == 0 ? QStringLiteral("The device's own")
+                                : QStringLiteral("%1 frames").arg(block),
+                     device);
+    }
+    QMenu* const rates = m_deviceMenu->addMenu(QStringLiteral("Sample rate"));
+    for (const std::int32_t rate : kRates) {
+        Device device = m_device;
+        device.rate = rate;
+        offerSetting(*rates,
+                     rate == 0 ? QStringLiteral("That of the first file")
+                               : QStringLiteral("%1 Hz").arg(rate),
+                     device);
+    }
 }
 
-QAction* ConsoleWidget::offerDevice(QMenu& where, const QString& name, const std::string& id,
-                                    std::uint32_t block) {
-    QAction* const entry =
-        where.addAction(name, this, [this, id, block] { chooseDevice(id, block); });
+QAction* ConsoleWidget::offerSetting(QMenu& where, const QString& name, const Device& device) {
+    QAction* const entry = where.addAction(name, this, [this, device] { chooseDevice(device); });
     entry->setCheckable(true);
-    entry->setChecked(id == m_device && block == m_blockFrames);
+    entry->setChecked(device.id == m_device.id && device.rate == m_device.rate &&
+                      device.blockFrames == m_device.blockFrames);
     return entry;
+}
+
+QAction* ConsoleWidget::offerDevice(QMenu& where, const QString& name, const std::string& id) {
+    Device device = m_device;
+    device.id = id;
+    return offerSetting(where, name, device);
 }
 
 void ConsoleWidget::showDevices() {
@@ -327,7 +345,7 @@ void ConsoleWidget::showDevices() {
     if (!devices || m_deviceMenu == nullptr) return;
     for (const DeviceInfo& device : *devices) {
         QAction* const entry =
-            offerDevice(*m_deviceMenu, textOf(printable(device.name)), device.id, m_blockFrames);
+            offerDevice(*m_deviceMenu, textOf(printable(device.name)), device.id);
         m_deviceMenu->insertAction(m_beforeDevices, entry);
     }
     m_deviceMenu->removeAction(m_beforeDevices);

@@ -43,9 +43,10 @@ private:
     QPoint below(const View& view) const;
     QMenu* popUp(const View& view);
     std::int64_t framesOf(double seconds) const;
-    void chooseDevice(const std::string& id, std::uint32_t blockFrames);
-    QAction* offerDevice(QMenu& where, const QString& name, const std::string& id,
-                         std::uint32_t block);
+    void chooseDevice(const Device& device);
+    // An entry for that device with these settings; for this device with the present ones.
+    QAction* offerSetting(QMenu& where, const QString& name, const Device& device);
+    QAction* offerDevice(QMenu& where, const QString& name, const std::string& id);
     void showDevices();
 
     void addFilesWasPressed() override;
@@ -73,8 +74,7 @@ private:
 
     Player& m_player;
     ConsoleView* m_view;
-    std::string m_device = "auto";
-    std::uint32_t m_blockFrames = 0;     // 0: the device's own
+    Device m_device;
     QPointer<QMenu> m_deviceMenu;        // null: not open
     QAction* m_beforeDevices = nullptr;  // where devices join it, while it is open
     KeyboardDesk m_keyboard;
