@@ -7,18 +7,12 @@
 #include "veltra/controls/number_editor/number_editor_control.h"
 #include "veltra/controls/sliders/log_slider_cell.h"
 #include "veltra/ui/button.h"
-#include "veltra/ui/keyed_coder.h"
+#include "veltra/ui/testing/archive_laws.h"
 
 using namespace veltra;
+using veltra::testing::archiveOf;
 
 namespace {
-
-template <typename Encodable>
-PropertyValue archiveOf(const Encodable& object) {
-    KeyedCoder coder;
-    object.encodeWithCoder(coder);
-    return coder.archive();
-}
 
 template <typename Encodable>
 void takeFrom(const PropertyValue& archive) {

@@ -13,18 +13,21 @@ case ${1-} in -h | --help) usage; exit 0 ;; esac
 
 # Where ccache is installed, a tree that was compiled before, here or in another folder, is not
 # compiled again. A launcher of your own stays.
-if command -v ccache >/dev/null; then
+use_compiler_cache() {
+    command -v ccache >/dev/null || return 0
     export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache}
     export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
     export CCACHE_BASEDIR=${CCACHE_BASEDIR-$PWD} CCACHE_NOHASHDIR=1
     export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}  # tests have a precompiled header
-fi
+}
+use_compiler_cache
 
 # Configures and builds one preset. On a terminal the progress shows; elsewhere only what went wrong
 # does.
 build() {
     local preset=$1
     shift
+    use_compiler_cache  # the script may just have installed it
     say "build $preset"
     cmake --preset "$preset" "$@" | grep -E '^--   VELTRA_|^-- Veltra|not found' || true
     if [ -t 1 ]; then

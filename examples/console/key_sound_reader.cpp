@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "key_sound_reader.h"
 
-#include <chrono>
+#include "background.h"
+
 #include <new>
-#include <thread>
 #include <utility>
 
 namespace veltra::console {
@@ -30,9 +30,7 @@ KeySoundReader::Result read(std::string path, const std::atomic<bool>& stop) {
 void KeySoundReader::request(const std::string& path) {
     cancel();
     m_stop = std::make_shared<std::atomic<bool>>(false);
-    std::packaged_task<Result()> task([path, stop = m_stop] { return read(path, *stop); });
-    m_reading = task.get_future();
-    std::thread(std::move(task)).detach();
+    m_reading = inBackground([path, stop = m_stop] { return read(path, *stop); });
 }
 
 void KeySoundReader::cancel() noexcept {
@@ -41,8 +39,7 @@ void KeySoundReader::cancel() noexcept {
 }
 
 std::optional<KeySoundReader::Result> KeySoundReader::take() {
-    if (!isReading() || m_reading.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-        return std::nullopt;
+    if (!isReady(m_reading)) return std::nullopt;
     return m_reading.get();
 }
 

@@ -125,7 +125,7 @@ void LiveOutput::tryToReturn() {
 
 // Looks whether the attempt has ended, and how.
 LiveOutput::News LiveOutput::takeBack() {
-    if (m_attempt.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return {};
+    if (!isReady(m_attempt)) return {};
     Playing playing = m_attempt.get();
     m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
     if (!playing.output || !letGo()) return {};

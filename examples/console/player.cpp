@@ -221,9 +221,7 @@ void Player::askForDevices() {
 }
 
 std::optional<std::vector<DeviceInfo>> Player::takeDevices() {
-    if (!m_devices.valid() ||
-        m_devices.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-        return std::nullopt;
+    if (!isReady(m_devices)) return std::nullopt;
     return m_devices.get();
 }
 

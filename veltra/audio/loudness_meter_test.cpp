@@ -122,7 +122,7 @@ TEST(LoudnessMeterTest, BeginsAgainWhileItMeasures) {
         isDone = true;
     });
     while (!isDone) {
-        EXPECT_LT(meter.read().truePeak, -29.0);
+        EXPECT_LT(meter.read().truePeak, -25.0);  // above -30: a tone cut anywhere rings
         EXPECT_TRUE(meter.reset());
     }
     audio.join();

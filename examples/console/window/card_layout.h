@@ -14,6 +14,8 @@
 
 namespace veltra::console {
 
+inline constexpr float kGrid = 4.0F;  // points, of all heights
+
 // What a card has room for.
 enum class CardKind : std::uint8_t {
     Mini,  // name, peak, meter, switches

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "console_view.h"
 
+#include "card_layout.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
 
@@ -15,7 +16,6 @@ constexpr float kWindowHeight = 720.0F;
 constexpr float kLeastWidth = 800.0F;
 constexpr float kMostWidth = 1440.0F;
 constexpr float kBridgeRoom = StripBridge::kHeight + 8.0F;
-constexpr float kGrid = 4.0F;
 constexpr float kTwoLinesFrom = 1400.0F;  // points of height
 constexpr float kMessageGap = 12.0F;
 constexpr float kMessageRoom = MessageBar::kHeight + kMessageGap;

@@ -196,14 +196,22 @@ void ConsoleWidget::showMeters(MeterKind kind) {
     if (kind != Settings::meterKind()) Settings::setMeterKind(kind);
 }
 
+// An entry that is ticked where it is the present choice.
+template <typename Action>
+QAction* ConsoleWidget::offerChoice(QMenu& menu, const QString& name, bool isChosen,
+                                    Action action) {
+    QAction* const entry = menu.addAction(name, this, std::move(action));
+    entry->setCheckable(true);
+    entry->setChecked(isChosen);
+    return entry;
+}
+
 void ConsoleWidget::offerMeterKinds(QMenu& menu) {
     constexpr const char* kNames[] = {"&Peaks", "&RMS levels, and peaks dimly", "&True peaks"};
     for (int i = 0; i < 3; ++i) {
         const auto kind = static_cast<MeterKind>(i);
-        QAction* const entry =
-            menu.addAction(QString::fromUtf8(kNames[i]), this, [this, kind] { showMeters(kind); });
-        entry->setCheckable(true);
-        entry->setChecked(kind == m_view->meterKind());
+        offerChoice(menu, QString::fromUtf8(kNames[i]), kind == m_view->meterKind(),
+                    [this, kind] { showMeters(kind); });
     }
 }
 
@@ -212,11 +220,9 @@ void ConsoleWidget::offerMusicalMeters(QMenu& menu) {
                                                {5, 8}, {6, 8}, {7, 8}, {9, 8}, {12, 8}};
     const ConsoleState& state = m_player.state();
     for (const auto& meter : kMeters) {
-        QAction* const entry =
-            menu.addAction(QStringLiteral("%1/%2").arg(meter.first).arg(meter.second), this,
-                           [this, meter] { meterWasSet(meter.first, meter.second); });
-        entry->setCheckable(true);
-        entry->setChecked(meter == std::pair(state.beatsPerBar, state.beatUnit));
+        offerChoice(menu, QStringLiteral("%1/%2").arg(meter.first).arg(meter.second),
+                    meter == std::pair(state.beatsPerBar, state.beatUnit),
+                    [this, meter] { meterWasSet(meter.first, meter.second); });
     }
 }
 
@@ -306,32 +312,25 @@ void ConsoleWidget::deviceMenuWasPressed(View& button) {
     m_beforeDevices = m_deviceMenu->addAction(QStringLiteral("Looking for devices\u2026"));
     m_beforeDevices->setEnabled(false);
     offerDevice(*m_deviceMenu, QStringLiteral("None: play in silence"), "null");
-    QMenu* const sizes = m_deviceMenu->addMenu(QStringLiteral("Buffer"));
-    for (const std::uint32_t block : kBlocks) {
-        Device device = m_device;
-        device.blockFrames = block;
-        offerSetting(*sizes,
-                     block == 0 ? QStringLiteral("The device's own")
-                                : QStringLiteral("%1 frames").arg(block),
-                     device);
-    }
-    QMenu* const rates = m_deviceMenu->addMenu(QStringLiteral("Sample rate"));
-    for (const std::int32_t rate : kRates) {
-        Device device = m_device;
-        device.rate = rate;
-        offerSetting(*rates,
-                     rate == 0 ? QStringLiteral("That of the first file")
-                               : QStringLiteral("%1 Hz").arg(rate),
-                     device);
-    }
+    const auto offerValues = [this](const QString& title, auto Device::*setting, const auto& values,
+                                    const QString& nameOfNone, const QString& nameOfOthers) {
+        QMenu* const menu = m_deviceMenu->addMenu(title);
+        for (const auto value : values) {
+            Device device = m_device;
+            device.*setting = value;
+            offerSetting(*menu, value == 0 ? nameOfNone : nameOfOthers.arg(value), device);
+        }
+    };
+    offerValues(QStringLiteral("Buffer"), &Device::blockFrames, kBlocks,
+                QStringLiteral("The device's own"), QStringLiteral("%1 frames"));
+    offerValues(QStringLiteral("Sample rate"), &Device::rate, kRates,
+                QStringLiteral("That of the first file"), QStringLiteral("%1 Hz"));
 }
 
 QAction* ConsoleWidget::offerSetting(QMenu& where, const QString& name, const Device& device) {
-    QAction* const entry = where.addAction(name, this, [this, device] { chooseDevice(device); });
-    entry->setCheckable(true);
-    entry->setChecked(device.id == m_device.id && device.rate == m_device.rate &&
-                      device.blockFrames == m_device.blockFrames);
-    return entry;
+    const bool isChosen = device.id == m_device.id && device.rate == m_device.rate &&
+                          device.blockFrames == m_device.blockFrames;
+    return offerChoice(where, name, isChosen, [this, device] { chooseDevice(device); });
 }
 
 QAction* ConsoleWidget::offerDevice(QMenu& where, const QString& name, const std::string& id) {

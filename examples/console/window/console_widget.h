@@ -34,6 +34,8 @@ private:
     void showAbout();
     void showRecent(QMenu& menu);
     void showMeters(MeterKind kind);
+    template <typename Action>
+    QAction* offerChoice(QMenu& menu, const QString& name, bool isChosen, Action action);
     void offerMeterKinds(QMenu& menu);
     void offerMusicalMeters(QMenu& menu);
     void escape();

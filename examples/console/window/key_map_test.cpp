@@ -3,35 +3,14 @@
 
 #include "test_layout.h"
 #include "veltra/base/testing/prelude.h"
-#include "veltra/platform/keyboard_layout.h"
 
 #include <map>
 
 #include <gtest/gtest.h>
 
 namespace veltra::console::testing {
-namespace {
-
-class Layout final : public KeyboardLayout {
-public:
-    Layout() { install(this); }
-    ~Layout() override { install(nullptr); }
-    std::optional<KeyTranslation> translate(std::uint16_t keyCode) const noexcept override {
-        constexpr std::u16string_view kTyped =
-            u"asdfhgyxcv<bqwerzt123465=97-80]ou[ip\rlj'k;\\,/nm.";
-        if (keyCode >= kTyped.size()) return std::nullopt;
-        return KeyTranslation{std::u16string(1, kTyped[keyCode]), false};
-    }
-};
-
-}  // namespace
-
-std::shared_ptr<void> germanKeys() {
-    return std::make_shared<Layout>();
-}
-
 TEST(KeyMap, KeysLieAsOnAPianoAndShowWhatTheLayoutWrites) {
-    const auto layout = germanKeys();
+    const GermanKeys layout;
     const std::string notes = "AWSEDFTGZHUJKOLP;'";
     const std::map<int, std::string> rows{{24, "QWERTZUIOP"}, {38, "ASDFGHJKL;'"}, {52, "YXCVBNM"}};
     const auto labels = labelsOfPositionKeys();

@@ -149,7 +149,7 @@ TEST(KeyboardPad, LetsEverythingGoWithTheKeysOfTheComputer) {
 }
 
 TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
-    const auto layout = germanKeys();
+    const GermanKeys layout;
     Board board;
     board.tools().showFile("", false);
     const auto find = [&](const std::string& name) -> AccessibilityElement* {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "keyboard_pad.h"
 
+#include "../key_voice.h"
 #include "key_map.h"
 #include "veltra/controls/keyboard/white_keys.h"
 #include "veltra/ui/drawing.h"
@@ -20,7 +21,6 @@ constexpr float kWhiteUp = 56.0F;  // from the foot of a key to the middle of wh
 constexpr float kBlackUp = 22.0F;
 constexpr int kOctave = 12;
 constexpr int kWhiteKeysOfOctave = 7;
-constexpr int kNotes = 128;
 constexpr auto kOthers = ModifierFlags(kControlKeyMask) | kAlternateKeyMask | kCommandKeyMask;
 
 }  // namespace

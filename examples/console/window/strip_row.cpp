@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "strip_row.h"
 
+#include "card_layout.h"
 #include "veltra/platform/clock.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
@@ -12,7 +13,6 @@ namespace veltra::console {
 
 namespace {
 
-constexpr float kGrid = 4.0F;
 constexpr float kLeastForDrop = 120.0F;  // points of room
 constexpr float kDragBegins = 6.0F;      // points
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/level_meters/level_meter_cell.h"
 
-#include "veltra/base/number_text.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/level_meters/detail/meter_drawing.h"
+#include "veltra/controls/level_meters/detail/spoken_level.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/localization.h"
 #include "veltra/ui/canvas.h"
@@ -33,10 +33,7 @@ Moment timeNow() noexcept {
 }
 
 std::string decibelText(double decibels) {
-    if (!(decibels > kQuietest)) return localizedString("silence");
-    const std::string digits(NumberText::fixed(std::fabs(decibels), 1).view());
-    const char* const sign = decibels < 0.0 && digits != "0.0" ? "\u2212" : "";
-    return sign + digits + ' ' + localizedString("dB");
+    return detail::spokenLevel(decibels, kQuietest, "dB");
 }
 
 }  // namespace

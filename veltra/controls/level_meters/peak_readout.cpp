@@ -3,6 +3,7 @@
 
 #include "veltra/base/number_text.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/controls/level_meters/detail/spoken_level.h"
 #include "veltra/platform/localization.h"
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/drawing.h"
@@ -125,11 +126,8 @@ std::string PeakReadout::accessibilityName() const {
 }
 
 std::string PeakReadout::accessibilityValueText() const {
-    if (!(m_decibels > kQuietest)) return localizedString("silence");
-    const std::string digits = magnitudeText(m_decibels);
-    const bool isNegative = m_decibels < 0.0 && digits != "0.0";
-    std::string words = (isNegative ? kMinus : "") + digits + ' ' + localizedString(m_unit);
-    if (m_isClipped) words += ", " + localizedString("clipped");
+    std::string words = detail::spokenLevel(m_decibels, kQuietest, m_unit);
+    if (m_decibels > kQuietest && m_isClipped) words += ", " + localizedString("clipped");
     return words;
 }
 
