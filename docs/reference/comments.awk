@@ -4,6 +4,7 @@
 #   - A comment above several declarations without a blank line between them speaks for each.
 #   - A comment behind a declaration speaks for it, together with the lines that go on below it.
 #   - Lines that are set in by three blanks or more are shown as they stand.
+#   - A comment for the linter speaks for nothing.
 # What stands in the bodies of functions is passed on untouched.
 
 # One line of a comment, without its slashes, in Doxygen's own writing.
@@ -49,7 +50,9 @@ function follow(code,    i, c) {
     for (i = 1; i <= length(code); ++i) {
         c = substr(code, i, 1)
         if (c == "{") {
-            if (kinds[depth] == "B" || statement ~ /[(=]/) kinds[++depth] = "B"
+            # The first = of a class template may belong to its parameters.
+            is_template = statement ~ /^template <[^()]*> *(class|struct) [^()=]*$/
+            if (kinds[depth] == "B" || (statement ~ /[(=]/ && !is_template)) kinds[++depth] = "B"
             else if (statement ~ /(^|[^A-Za-z_])enum([^A-Za-z_]|$)/) {
                 kinds[++depth] = "E"
                 opened = 1
@@ -86,6 +89,8 @@ in_head && /^\/\// {
 in_head { head = head close_verbatim("///"); printf "%s", head; in_head = 0 }
 
 kinds[depth] == "B" { follow(code_of($0)); print; next }
+
+/^[ \t]*\/\/ NOLINT/ { print; next }
 
 # Comments of their own, and the rest of a comment behind a declaration.
 /^[ \t]*\/\// {
