@@ -27,6 +27,8 @@ struct VELTRA_EXPORT StyledText {
     Font font;                                      // of the whole line
     Color color;                                    // of the whole line
     TextAlignment alignment = TextAlignment::Left;  // in the rectangle that it is drawn in
+
+    // Whether there are no letters. Blanks count as letters.
     bool isEmpty() const noexcept { return string.empty(); }
 
     // Width and height of the line as the port draws it, without rounding. Width 0 and the height
