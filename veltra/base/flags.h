@@ -55,17 +55,23 @@ public:
     // Whether both have the same bits.
     friend constexpr bool operator==(Flags left, Flags right) noexcept = default;
 
-    // What is in either set, in both, and all that is not in this one.
+    // What is in either set.
     friend constexpr Flags operator|(Flags left, Flags right) noexcept {
         return fromBits(static_cast<Bits>(left.m_bits | right.m_bits));
     }
+
+    // What is in both sets.
     friend constexpr Flags operator&(Flags left, Flags right) noexcept {
         return fromBits(static_cast<Bits>(left.m_bits & right.m_bits));
     }
+
+    // All bits that are not set here, also those that belong to no flag.
     constexpr Flags operator~() const noexcept { return fromBits(static_cast<Bits>(~m_bits)); }
 
-    // Adds the flags of the other set, or keeps only those that are in it too.
+    // Adds the flags of the other set.
     constexpr Flags& operator|=(Flags other) noexcept { return *this = *this | other; }
+
+    // Keeps only the flags that are in the other set, too.
     constexpr Flags& operator&=(Flags other) noexcept { return *this = *this & other; }
 
 private:
