@@ -7,7 +7,13 @@
 #pragma once
 
 #if defined(__GNUC__)
+// Marks a function, variable or class that the library exports. Empty where the compiler has no
+// such mark.
 #define VELTRA_EXPORT __attribute__((visibility("default")))
+
+// Marks a function that formats like printf(), so that the compiler checks its calls: which of its
+// parameters, counted from 1, is the format, and which the first value that it formats. Empty where
+// the compiler has no such mark.
 #define VELTRA_PRINTF(text, first) __attribute__((format(printf, text, first)))
 #else
 #define VELTRA_EXPORT
@@ -15,12 +21,16 @@
 #endif
 
 #ifdef __cplusplus
+// Stand before and behind the declarations: in C++ they open and close the namespace and the block
+// of functions with C linkage, in C they are empty.
 #define VELTRA_C_BEGIN \
     namespace veltra { \
     extern "C" {
 #define VELTRA_C_END \
     }                \
     }
+
+// Ends the declaration of a function that throws nothing: `noexcept` in C++, nothing in C.
 #define VELTRA_NOEXCEPT noexcept
 #else
 #define VELTRA_C_BEGIN

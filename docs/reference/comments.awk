@@ -4,6 +4,7 @@
 #   - A comment above several declarations without a blank line between them speaks for each.
 #   - A comment behind a declaration speaks for it, together with the lines that go on below it.
 #   - Lines that are set in by three blanks or more are shown as they stand.
+#   - A comment for the linter speaks for nothing.
 # What stands in the bodies of functions is passed on untouched.
 
 # One line of a comment, without its slashes, in Doxygen's own writing.
@@ -21,8 +22,8 @@ function written(text, mark,    is_verbatim, parts, count, i, result) {
     count = split(text, parts, "`")
     for (i = 1; i <= count; i += 2) {
         gsub(/[\\@<>#%]/, "\\\\&", parts[i])
-        sub(/^ Thread:/, "\n" mark " **Thread:**", parts[i])
-        sub(/Realtime-safe:/, "**Realtime-safe:**", parts[i])
+        sub(/^ Thread:/, "\n" mark " <b>Thread:</b>", parts[i])
+        sub(/Realtime-safe:/, "<b>Realtime-safe:</b>", parts[i])
     }
     text = parts[1]
     for (i = 2; i <= count; ++i) text = text "``" parts[i]
@@ -33,6 +34,17 @@ function close_verbatim(mark,    was) {
     was = verbatim
     verbatim = 0
     return was ? mark "\\endverbatim\n" : ""
+}
+
+# The comment as Doxygen is to see it. Of a line that is shown as it stands it would also show what is
+# left of its slashes: such a comment goes between the marks of C.
+function shown(comment) {
+    if (comment !~ /\\verbatim/ || comment ~ /\/\*|\*\//) return comment
+    gsub(/(^|\n)\/\/\//, "\n", comment)
+    sub(/^\n/, "", comment)
+    gsub(/\n+\\verbatim\n/, "\n\n\\verbatim\n", comment)
+    gsub(/\n+\\endverbatim\n/, "\n\\endverbatim\n\n", comment)
+    return "/**\n" comment "*/\n"
 }
 
 # The code of a line: no comment, nothing between quotes.
@@ -49,7 +61,9 @@ function follow(code,    i, c) {
     for (i = 1; i <= length(code); ++i) {
         c = substr(code, i, 1)
         if (c == "{") {
-            if (kinds[depth] == "B" || statement ~ /[(=]/) kinds[++depth] = "B"
+            # The first = of a class template may belong to its parameters.
+            is_template = statement ~ /^template <[^()]*> *(class|struct) [^()=]*$/
+            if (kinds[depth] == "B" || (statement ~ /[(=]/ && !is_template)) kinds[++depth] = "B"
             else if (statement ~ /(^|[^A-Za-z_])enum([^A-Za-z_]|$)/) {
                 kinds[++depth] = "E"
                 opened = 1
@@ -77,15 +91,17 @@ function follow(code,    i, c) {
 
 BEGIN { kinds[0] = "D" }
 
-FNR == 1 && /^\/\// { print; print "/// \\file"; in_head = 1; next }
+FNR == 1 && /^\/\// { print; in_head = 1; next }
 in_head && /^\/\// {
     line = written(substr($0, 3), "///")
     head = head line "\n"
     next
 }
-in_head { head = head close_verbatim("///"); printf "%s", head; in_head = 0 }
+in_head { head = head close_verbatim("///"); printf "%s", shown("/// \\file\n" head); in_head = 0 }
 
 kinds[depth] == "B" { follow(code_of($0)); print; next }
+
+/^[ \t]*\/\/ NOLINT/ { print; next }
 
 # Comments of their own, and the rest of a comment behind a declaration.
 /^[ \t]*\/\// {
@@ -111,8 +127,8 @@ kinds[depth] == "B" { follow(code_of($0)); print; next }
     # What follows is the declaration.
     if (block == "" && /^template <.*>$/) { print; next }
     if (starts && code !~ /^[ \t]*[})]/) {
-        if (block != "") printf "%s", block
-        else if (head != "" && line !~ /;/ && line ~ /^(typedef )?(class|struct|enum( class)?) /) printf "%s", head
+        if (block != "") printf "%s", shown(block)
+        else if (head != "" && line !~ /;/ && line ~ /^(typedef )?(class|struct|enum( class)?) /) printf "%s", shown(head)
     }
     if (code ~ /[^ \t]/ && match(line, /[^ \t].*[ \t]\/\/ /) && code !~ /^[ \t]*(#(if|else|endif)|}|namespace)/) {
         behind = index(line, "// ")

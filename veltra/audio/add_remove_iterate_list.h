@@ -49,9 +49,9 @@ public:
     // One node, made with `new`: an active entry, or a request (a removal has RemoveMark as its
     // callback).
     struct SEntry {
-        SEntry* next;
-        void* context;
-        Callback callback;
+        SEntry* next;   // the one after it; in a chain of requests the one before it; null: none
+        void* context;  // not owned; what a removal looks for
+        Callback callback;  // RemoveMark: a removal
     };
 
     // Thread: any. Realtime-safe: yes.

@@ -21,6 +21,7 @@
 
 VELTRA_C_BEGIN
 
+// A list of callbacks; hosts only ever hold pointers to one.
 typedef struct VLCallbackList VLCallbackList;
 
 // Called with the context that it was added with and the arguments of VLCallbackListIterate. It may
@@ -30,14 +31,14 @@ typedef void (*VLCallback)(void* context, uint32_t message, void* data);
 // Memory of the host's for one addition or one removal: a member of the context, for example. It
 // must not move, and not go away while it is in use or before the list does.
 typedef struct VLCallbackNode {
-    void* reserved[4];
+    void* reserved[4];  // the list's, not to be touched
 } VLCallbackNode;
 
 // Tells when the context of a removal may be destroyed. Copied freely. One that is all zero is
 // never safe.
 typedef struct VLCallbackTicket {
-    const void* list;
-    uint32_t pass;
+    const void* list;  // the list's, not to be touched, as the next
+    uint32_t pass;     // the pass that has to come
 } VLCallbackTicket;
 
 // The caller destroys it with VLCallbackListDestroy, when no other call is in progress. Destroying

@@ -15,6 +15,7 @@
 
 VELTRA_C_BEGIN
 
+// What stands between the audio callback and the meter; hosts only ever hold pointers to one.
 typedef struct VLLevelTap VLLevelTap;
 
 typedef struct VLLevelReading {

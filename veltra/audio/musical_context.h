@@ -55,6 +55,8 @@ public:
     std::int32_t m_meterNumerator = 4;
     std::int32_t m_meterDenominator = 4;
 
+    // The musical position that the calculator fills in: ticks from sample 0, ticks from a bar
+    // line, and samples to the next tick.
     std::int32_t m_positionInTicks = 0;
     std::int32_t m_positionInBarInTicks = 0;
     std::int32_t m_samplesToNextTick = 0;

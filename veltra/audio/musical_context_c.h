@@ -22,9 +22,9 @@ typedef struct VLMusicalContext {
     int32_t meterDenominator;      // 4; only stored
     int32_t positionInTicks;       // 0 until it is calculated, as the next two
     int32_t positionInBarInTicks;  // from the nearest bar line, so also negative
-    int32_t samplesToNextTick;
-    int32_t reserved[4];  // 0; the host's own
-    uint32_t last;        // 0; the host's own
+    int32_t samplesToNextTick;     // 0 to 2 by the built-in calculator
+    int32_t reserved[4];           // 0; the host's own
+    uint32_t last;                 // 0; the host's own
 } VLMusicalContext;
 
 // Fills in the musical position of `context`, whose fields hold the values above. It must not

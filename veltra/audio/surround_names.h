@@ -90,6 +90,8 @@ enum class ChannelLabel : std::uint32_t {
 // What GetAngleForChannel returns for a channel without a direction.
 inline constexpr float kNoDirection = 1000.0F;
 
+// The channel at each position of a layout, in the layout's order. Positions that it does not have
+// hold ChannelID::Left, which is 0.
 using ChannelMapping = std::array<ChannelID, 8>;
 
 // "5.1" and the like; "unknown" for a value that has no name.

@@ -62,6 +62,7 @@ public:
     bool AreSortedByPos() const noexcept;
     bool AreUniqueAndSortedByPos() const noexcept;
 
+    // By position, the lowest first; those at one position keep their order.
     void SortByPos() noexcept;
 
     // The weakest first; of equal energies the lowest position first. Energies that are NaN come
@@ -89,6 +90,7 @@ public:
     void TraceBrief() const;
 };
 
+// Writes the text of TraceStr, with numbers in the stream's own format, as above.
 VELTRA_EXPORT std::ostream& operator<<(std::ostream& stream, const CTransients& transients);
 
 // Writes a container as a block of trace output. Only the kinds below are defined.

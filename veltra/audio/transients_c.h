@@ -52,6 +52,7 @@ VELTRA_EXPORT bool VLTransientsAreSortedByPos(const VLTransient* transients,
 VELTRA_EXPORT bool VLTransientsAreUniqueAndSortedByPos(const VLTransient* transients,
                                                        size_t count) VELTRA_NOEXCEPT;
 
+// By position, the lowest first; those at one position keep their order.
 VELTRA_EXPORT void VLTransientsSortByPos(VLTransient* transients, size_t count) VELTRA_NOEXCEPT;
 
 // The weakest first; of equal energies the lowest position first. Energies that are NaN come last,

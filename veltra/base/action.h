@@ -104,6 +104,8 @@ inline constexpr ActionEntry actionEntry{&typeid(ActionName<Host, Method>), &res
 class Action {
 public:
     constexpr Action() noexcept = default;
+
+    // The null action, as the default is: it sends nothing.
     constexpr Action(std::nullptr_t) noexcept {}
 
     // Calls the member function on `target`. Returns false, and calls nothing, when the action or
@@ -119,7 +121,11 @@ public:
         return m_entry != nullptr && m_entry->respondsTo(target);
     }
 
+    // False for the null action.
     constexpr explicit operator bool() const noexcept { return m_entry != nullptr; }
+
+    // Whether both call the same member function, also when different libraries of the process made
+    // them. Two null actions are equal.
     friend bool operator==(Action left, Action right) noexcept {
         if (left.m_entry == right.m_entry) return true;
         return left && right && *left.m_entry->name == *right.m_entry->name;

@@ -21,6 +21,8 @@ namespace veltra {
 
 class AdaptiveLock {
 public:
+    // Waits until the lock is free, and takes it. A thread that holds it already waits for ever.
+    // Thread: any. Realtime-safe: no, it may sleep.
     void lock() noexcept {
         for (int turn = 0; turn < kTurns; ++turn) {
             int free = 0;
@@ -33,6 +35,8 @@ public:
             m_state.wait(2, std::memory_order_relaxed);
     }
 
+    // Gives the lock back and wakes one thread that sleeps for it, if any does.
+    // Thread: the one that holds it. Realtime-safe: no, waking is a system call.
     void unlock() noexcept {
         if (m_state.exchange(0, std::memory_order_release) == 2)  // with lock()
             m_state.notify_one();

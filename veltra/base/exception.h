@@ -20,16 +20,23 @@ namespace veltra {
 // Realtime-safe: no.
 class VELTRA_EXPORT Exception : public std::exception {
 public:
+    // What belongs to an exception besides its two texts, by key: a code, a path, the exception
+    // that led to it.
     using UserInfo = PropertyValue::Dictionary;
 
     // `userInfo` is shared, not copied, and may be null. Throws std::bad_alloc.
     Exception(std::string_view name, std::string_view reason,
               std::shared_ptr<UserInfo> userInfo = nullptr);
+
+    // The copy shares name, reason and user info.
     Exception(const Exception&) noexcept = default;
     Exception& operator=(const Exception&) noexcept = default;
     ~Exception() override;
 
+    // For programs: the kind of failure, the same in every language. May be empty.
     const std::string& name() const noexcept;
+
+    // For people: what went wrong, in a sentence. May be empty.
     const std::string& reason() const noexcept;
 
     // Null when none was given. What it points to may be changed, for all copies at once.
@@ -74,6 +81,7 @@ public:
     using Base::Base;
 
 protected:
+    // Throws a copy as a Derived.
     void throwThis() const override { throw static_cast<const Derived&>(*this); }
 };
 

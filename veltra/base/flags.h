@@ -20,6 +20,8 @@
 
 namespace veltra {
 
+// Whether two values of the enumeration `Flag` join to a set by `|`. False until the enumeration's
+// own header says otherwise, as above.
 template <typename Flag>
 inline constexpr bool isFlag = false;
 
@@ -28,9 +30,12 @@ class Flags {
     static_assert(std::is_enum_v<Flag>);
 
 public:
+    // The unsigned integer of the enumeration's size, one bit a flag.
     using Bits = std::make_unsigned_t<std::underlying_type_t<Flag>>;
 
     constexpr Flags() noexcept = default;  // the empty set
+
+    // The set of one flag.
     constexpr Flags(Flag flag) noexcept : m_bits(static_cast<Bits>(flag)) {}
 
     // The same set as a number, for files and other languages. Bits that belong to no flag stay as
@@ -42,21 +47,31 @@ public:
     }
     constexpr Bits bits() const noexcept { return m_bits; }
 
+    // Whether no bit is set, neither a flag's nor one that belongs to no flag.
     constexpr bool isEmpty() const noexcept { return m_bits == 0; }
     // Whether all of `flags` are in the set; true for the empty set.
     constexpr bool contains(Flags flags) const noexcept { return (*this & flags) == flags; }
 
+    // Whether both have the same bits.
     friend constexpr bool operator==(Flags left, Flags right) noexcept = default;
 
-    // What is in either set, in both, and all that is not in this one.
+    // What is in either set.
     friend constexpr Flags operator|(Flags left, Flags right) noexcept {
         return fromBits(static_cast<Bits>(left.m_bits | right.m_bits));
     }
+
+    // What is in both sets.
     friend constexpr Flags operator&(Flags left, Flags right) noexcept {
         return fromBits(static_cast<Bits>(left.m_bits & right.m_bits));
     }
+
+    // All bits that are not set here, also those that belong to no flag.
     constexpr Flags operator~() const noexcept { return fromBits(static_cast<Bits>(~m_bits)); }
+
+    // Adds the flags of the other set.
     constexpr Flags& operator|=(Flags other) noexcept { return *this = *this | other; }
+
+    // Keeps only the flags that are in the other set, too.
     constexpr Flags& operator&=(Flags other) noexcept { return *this = *this & other; }
 
 private:

@@ -17,9 +17,12 @@ enum ModifierFlag : std::uint32_t {
     kNumericPadKeyMask = 0x200000,
     kFunctionKeyMask = 0x800000,  // arrows and other keys without text
 };
+
+// The keys join to a set by `|`.
 template <>
 inline constexpr bool isFlag<ModifierFlag> = true;
 
+// The modifier keys that are held at one time, none included.
 using ModifierFlags = Flags<ModifierFlag>;
 
 }  // namespace veltra

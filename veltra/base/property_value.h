@@ -7,9 +7,8 @@
 // value of it, or use settingValueAtPath().
 //
 // Three things hold for every value, so that no reader needs to check them:
-//   - strings and keys are well-formed UTF-8 (ill-formed parts become U+FFFD; keep file names of
-//   unknown
-//     encoding as data);
+//   - strings and keys are well-formed UTF-8: ill-formed parts become U+FFFD (keep file names of
+//     unknown encoding as data);
 //   - containers nest at most kMaximumDepth deep;
 //   - integers fit 64 bits with sign (larger unsigned ones become reals).
 //
@@ -44,8 +43,11 @@ class VELTRA_EXPORT PropertyValue {
     struct DictionaryNode;
 
 public:
+    // What a value is. Integers and reals are two kinds, though they convert to one another.
     enum class Kind : std::uint8_t { Null, Bool, Integer, Real, String, Data, Array, Dictionary };
 
+    // The containers that values are made of and read as: bytes, values in order, and values by
+    // key.
     using Data = std::vector<std::uint8_t>;
     using Array = std::vector<PropertyValue>;
     using Dictionary = std::map<std::string, PropertyValue, std::less<>>;  // keys in byte order
@@ -65,6 +67,7 @@ public:
 
     constexpr PropertyValue() noexcept = default;
 
+    // A truth value; a pointer or a number does not become one by accident.
     template <std::same_as<bool> T>
     PropertyValue(T value) noexcept : m_value(value) {}
 
@@ -74,6 +77,7 @@ public:
         : m_value(std::in_range<std::int64_t>(value) ? Storage(static_cast<std::int64_t>(value))
                                                      : Storage(static_cast<double>(value))) {}
 
+    // A real number. A `long double` is rounded to a double.
     template <std::floating_point T>
     PropertyValue(T value) noexcept : m_value(static_cast<double>(value)) {}
 
@@ -88,6 +92,7 @@ public:
     // wins.
     PropertyValue(Dictionary members);
 
+    // Shares the content with the other.
     PropertyValue(const PropertyValue&) noexcept = default;
     PropertyValue& operator=(const PropertyValue&) noexcept = default;
     // What was moved from is null.
@@ -98,8 +103,14 @@ public:
     }
     ~PropertyValue() = default;
 
+    // What this value is; Null for one that was made without an argument or moved from.
     Kind kind() const noexcept { return static_cast<Kind>(m_value.index()); }
+
+    // Whether there is nothing here; what is looked up in vain is null, too.
     bool isNull() const noexcept { return kind() == Kind::Null; }
+
+    // How deep containers nest in it: 0 for null, numbers, text and data, 1 for an empty container,
+    // at most kMaximumDepth.
     std::uint32_t depth() const noexcept;
 
     // Conversions for readers of preferences, where it does not matter how a number was written:

@@ -20,6 +20,7 @@
 
 VELTRA_C_BEGIN
 
+// A string object, counted by references; callers only ever hold pointers to one.
 typedef struct VLString VLString;
 
 // A string object of the `length` bytes of UTF-8 at `bytes`; zero bytes are text like any

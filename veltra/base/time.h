@@ -24,12 +24,15 @@ namespace veltra {
 // A length of time, also a negative one, in whole nanoseconds; at most about 292 years.
 class Nanoseconds {
 public:
-    constexpr Nanoseconds() noexcept = default;
+    constexpr Nanoseconds() noexcept = default;  // no time at all
+
+    // A time of `count` nanoseconds.
     constexpr explicit Nanoseconds(std::int64_t count) noexcept : m_count(count) {}
 
     // The longest that there is.
     static constexpr Nanoseconds longest() noexcept { return Nanoseconds(kMost); }
 
+    // The number of nanoseconds.
     constexpr std::int64_t count() const noexcept { return m_count; }
     // The number of seconds, as near as a double comes.
     constexpr double seconds() const noexcept { return static_cast<double>(m_count) / 1e9; }
@@ -39,12 +42,17 @@ public:
         return m_count / kMillisecond + (m_count % kMillisecond > 0 ? 1 : 0);
     }
 
+    // The shorter is less, a negative one less than none.
     // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 in <=> for a pointer
     friend constexpr auto operator<=>(Nanoseconds left, Nanoseconds right) noexcept = default;
 
+    // The same time with the other sign. That of the lowest number is longest().
     constexpr Nanoseconds operator-() const noexcept {
         return Nanoseconds(m_count == kLeast ? kMost : -m_count);
     }
+
+    // Sum, difference and multiple. Where the true result does not fit, the end of the range that
+    // is nearest to it.
     friend constexpr Nanoseconds operator+(Nanoseconds left, Nanoseconds right) noexcept {
         if (right.m_count > 0 && left.m_count > kMost - right.m_count) return Nanoseconds(kMost);
         if (right.m_count < 0 && left.m_count < kLeast - right.m_count) return Nanoseconds(kLeast);
@@ -78,6 +86,7 @@ public:
         return Nanoseconds(whole.m_count % part.m_count);
     }
 
+    // Lengthens or shortens this time, within the range.
     constexpr Nanoseconds& operator+=(Nanoseconds other) noexcept { return *this = *this + other; }
     constexpr Nanoseconds& operator-=(Nanoseconds other) noexcept { return *this = *this - other; }
 
@@ -93,10 +102,12 @@ private:
     std::int64_t m_count = 0;
 };
 
+// So many microseconds, also a negative number, within the range.
 constexpr Nanoseconds microseconds(std::int64_t count) noexcept {
     return Nanoseconds(1'000) * count;
 }
 
+// So many milliseconds, likewise.
 constexpr Nanoseconds milliseconds(std::int64_t count) noexcept {
     return Nanoseconds(1'000'000) * count;
 }
@@ -118,25 +129,35 @@ constexpr Nanoseconds seconds(double count) noexcept {
 class Moment {
 public:
     constexpr Moment() noexcept = default;  // the clock's start
+
+    // The moment that is `sinceStart` after the clock's start; before it when negative.
     constexpr explicit Moment(Nanoseconds sinceStart) noexcept : m_sinceStart(sinceStart) {}
 
     // Later than all others.
     static constexpr Moment never() noexcept { return Moment(Nanoseconds::longest()); }
 
+    // How long after the clock's start it is.
     constexpr Nanoseconds sinceStart() const noexcept { return m_sinceStart; }
 
+    // The earlier is less.
     // NOLINTNEXTLINE(modernize-use-nullptr): as above
     friend constexpr auto operator<=>(Moment left, Moment right) noexcept = default;
 
+    // So much later, or so much earlier. A moment beyond the range is the first or the last there
+    // is.
     friend constexpr Moment operator+(Moment moment, Nanoseconds time) noexcept {
         return Moment(moment.m_sinceStart + time);
     }
     friend constexpr Moment operator-(Moment moment, Nanoseconds time) noexcept {
         return Moment(moment.m_sinceStart - time);
     }
+
+    // How long after `earlier` the moment `later` is; negative when it is before.
     friend constexpr Nanoseconds operator-(Moment later, Moment earlier) noexcept {
         return later.m_sinceStart - earlier.m_sinceStart;
     }
+
+    // Moves this moment to later, or to earlier, within the range.
     constexpr Moment& operator+=(Nanoseconds time) noexcept { return *this = *this + time; }
     constexpr Moment& operator-=(Nanoseconds time) noexcept { return *this = *this - time; }
 

@@ -51,6 +51,8 @@ private:
 class VELTRA_EXPORT Anchored {
 public:
     Anchored() noexcept = default;
+
+    // Takes over nothing: weak pointers to the other go on pointing to the other.
     Anchored(const Anchored& /*other*/) noexcept {}
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): assigns nothing at all
     Anchored& operator=(const Anchored& /*other*/) noexcept { return *this; }
@@ -75,15 +77,21 @@ template <typename T>
 class WeakPointer : private detail::WeakLink {
 public:
     WeakPointer() noexcept = default;
+
+    // Points to `object`, which may be null. Null also for an object whose anchor was cut.
     WeakPointer(T* object) noexcept { *this = object; }
+
+    // Points to the object of the other, if that still lives.
     WeakPointer(const WeakPointer& other) noexcept : detail::WeakLink() { *this = other.get(); }
     ~WeakPointer() = default;
 
+    // Lets go of the former object and points to that of the other, if it still lives.
     WeakPointer& operator=(const WeakPointer& other) noexcept {
         if (this != &other) *this = other.get();
         return *this;
     }
 
+    // Lets go of the former object and points to this one, which may be null.
     WeakPointer& operator=(T* object) noexcept {
         static_assert(std::is_base_of_v<Anchored, T>);
         unlink();
@@ -92,8 +100,13 @@ public:
         return *this;
     }
 
+    // The object; null when there is none, when it is gone or its anchor was cut.
     T* get() const noexcept { return isLinked() ? m_object : nullptr; }
+
+    // The object, to reach its members. May be null: look before, as with a plain pointer.
     T* operator->() const noexcept { return get(); }
+
+    // Whether the object still lives; false for none.
     explicit operator bool() const noexcept { return isLinked(); }
 
 private:

@@ -35,6 +35,8 @@ inline constexpr std::string_view kStackTraceKey = "NSStackTraceKey";
 // Thread: any. Realtime-safe: no.
 class VELTRA_EXPORT VLBacktracingException : public RaisedAs<VLBacktracingException> {
 public:
+    // A function that hears of exceptions which are raised for the first time, with the backtrace
+    // filled in.
     using SignificantRaiseHandler = void (*)(VLBacktracingException& exception);
 
     // Makes this the class of all exceptions that the framework raises (see

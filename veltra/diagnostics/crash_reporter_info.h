@@ -17,10 +17,10 @@
 
 VELTRA_C_BEGIN
 
-// The text as UTF-8 with a NUL at its end, owned by the framework; null until one is set. Meant for
-// debuggers. What a program reads here may be freed by the next VLSetCrashReporterInfo().
 // NOLINTBEGIN(bugprone-reserved-identifier): the name is what debuggers look for
 #ifdef __cplusplus
+// The text as UTF-8 with a NUL at its end, owned by the framework; null until one is set. Meant for
+// debuggers. What a program reads here may be freed by the next VLSetCrashReporterInfo().
 extern VELTRA_EXPORT std::atomic<char*> ___crashreporter_info__;
 #else
 extern VELTRA_EXPORT char* _Atomic ___crashreporter_info__;

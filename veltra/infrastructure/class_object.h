@@ -29,6 +29,7 @@ class Object;
 
 class VELTRA_EXPORT Class {
 public:
+    // A function that makes a new object of the class.
     using Factory = Object* (*)();
 
     // `name` is a string literal, or lives as long as one. `superclass` may be null. `factory`
@@ -85,6 +86,7 @@ Object* makeObject() {
 // Thread: any. Realtime-safe: no.
 class VELTRA_EXPORT ClassEntry {
 public:
+    // Makes `described` known, before all others of its name. It must outlive the entry.
     explicit ClassEntry(Class& described) noexcept;
     ClassEntry(const ClassEntry&) = delete;
     ClassEntry& operator=(const ClassEntry&) = delete;

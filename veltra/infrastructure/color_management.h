@@ -18,6 +18,7 @@
 
 VELTRA_C_BEGIN
 
+// A colour space; callers only ever hold pointers to one.
 typedef struct VLColorSpace VLColorSpace;
 
 // A colour. Without a space it is no colour; every function accepts it and returns no colour, or
@@ -30,10 +31,10 @@ typedef struct VLColor {
 
 // A colour as it is drawn: sRGB with straight alpha, each number from 0 to 1.
 typedef struct VLSrgbColor {
-    float red;
-    float green;
-    float blue;
-    float alpha;
+    float red;    // in the encoding of sRGB, not multiplied by alpha
+    float green;  // likewise
+    float blue;   // likewise
+    float alpha;  // 0 is transparent, 1 opaque
 } VLSrgbColor;
 
 // The space of the framework's own profile, "VLGenericRGBProfile.icc". Never null. The two names

@@ -18,7 +18,7 @@ class QKFlyweight;
 // Thread: any. Realtime-safe: no.
 class VELTRA_EXPORT _QKPoolOfFlyweights : public QKSingleton {
 public:
-    static SlotClass<> s_class;
+    static SlotClass<> s_class;  // "_QKPoolOfFlyweights"
     Class& classObject() const noexcept override { return s_class; }
 
     // Null when memory is out.

@@ -41,6 +41,8 @@ public:
     std::uint32_t cpuClockSpeed() const;
     std::uint64_t cpuFrequency() const;
 
+    // Whether the processor computes with vectors, and with floating-point numbers, as far as the
+    // system says.
     bool hasVectorUnit() const;
     bool hasFloatingPoint() const;
 

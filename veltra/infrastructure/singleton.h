@@ -93,7 +93,8 @@ class SlotClass final : public Base {
 public:
     using Base::Base;
 
-    // As above. Once the instance is ready: one load, no lock.
+    // The instance, made if there is none: see SingletonClass::sharedInstance(). Once it is ready:
+    // one load, no lock.
     Object* sharedInstance() {
         // With instanceIsReady(): what init() wrote is seen.
         if (Object* const ready = m_ready.load(std::memory_order_acquire)) return ready;
@@ -132,8 +133,8 @@ public:
     // One registered singleton.
     struct Living {
         const Class* classObject;  // null for one whose module is gone
-        std::string className;
-        std::uintptr_t madeBy;  // see SingletonClass::madeBy()
+        std::string className;     // copied, so that it outlives the module
+        std::uintptr_t madeBy;     // see SingletonClass::madeBy()
     };
 
     // The registered singletons, sorted by name: what releaseAllSingletons() would tear down. To

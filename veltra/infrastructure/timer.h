@@ -89,7 +89,10 @@ public:
     bool isValid() const noexcept;
     bool isActive() const noexcept;
 
+    // Whether it goes on firing until it is stopped, rather than fire once for each start.
     bool isRepeating() const noexcept { return m_repeats; }
+
+    // What the owner gave when it was made; the timer does not look at it.
     void* userInfo() const noexcept { return m_proxy.userInfo(); }
 
 private:

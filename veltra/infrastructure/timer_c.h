@@ -15,6 +15,7 @@
 
 VELTRA_C_BEGIN
 
+// One timer; hosts only ever hold pointers to one.
 typedef struct VLTimer VLTimer;
 
 // Called at each tick. It may start, stop and destroy timers, its own too, and run a nested loop.

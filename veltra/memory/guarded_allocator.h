@@ -25,6 +25,8 @@ enum {
     kMemExceptionRetry = 4  // asks the heap once more
 };
 
+// A failure handler: makes room if it can, and returns one of the numbers above. It is called on
+// the thread that wants the block.
 typedef int (*MemExceptionHandler)(void);
 
 // Marks the module as in use; the first call also sets the count of outstanding blocks to 0.

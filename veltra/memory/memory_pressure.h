@@ -37,6 +37,7 @@ class VELTRA_EXPORT MemoryPressure {
 public:
     static constexpr int kNone = -1;  // a level below 0: there is room
 
+    // Finds the process's control groups, and keeps a copy of `marks`.
     explicit MemoryPressure(const MemoryPressureMarks& marks = {}) noexcept;
     MemoryPressure(const MemoryPressure&) = delete;
     MemoryPressure& operator=(const MemoryPressure&) = delete;

@@ -40,7 +40,7 @@ struct Alert {
     // More than a day counts as a day: an alert that nobody sees must end by itself.
     Nanoseconds timeout{};
 
-    AlertStyle style = AlertStyle::Warning;
+    AlertStyle style = AlertStyle::Warning;  // how serious it is; a presenter's choice of icon
 };
 
 class AlertPresenter;

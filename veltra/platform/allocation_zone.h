@@ -28,6 +28,7 @@ namespace veltra {
 // One state of the table. The functions behave as those of C of the same purpose: null when memory
 // is out, errno set. They are noexcept in their type, so that a call compiles to a jump.
 struct ZoneEntries {
+    // The functions behind malloc, calloc, aligned_alloc, realloc, free and malloc_usable_size.
     using Allocate = void* (*)(std::size_t size) noexcept;
     using AllocateZeroed = void* (*)(std::size_t count, std::size_t size) noexcept;
     using AllocateAligned = void* (*)(std::size_t alignment, std::size_t size) noexcept;
@@ -35,11 +36,11 @@ struct ZoneEntries {
     using Free = void (*)(void* block) noexcept;
     using Size = std::size_t (*)(void* block) noexcept;
 
-    Allocate allocate = nullptr;
-    AllocateZeroed allocateZeroed = nullptr;
+    Allocate allocate = nullptr;                // bytes of any content
+    AllocateZeroed allocateZeroed = nullptr;    // all bytes 0; null when count times size overflows
     AllocateAligned allocateAligned = nullptr;  // alignment: a power of two
-    Reallocate reallocate = nullptr;
-    Free free = nullptr;
+    Reallocate reallocate = nullptr;            // may move the block; null for `block` allocates
+    Free free = nullptr;                        // nothing for null
     Size size = nullptr;  // bytes that the block holds, at least what was asked for; 0 for null
 };
 
@@ -50,6 +51,7 @@ extern template class VELTRA_EXPORT Installable<AllocationZone>;
 // Install one while no service has wrapped the zone.
 class VELTRA_EXPORT AllocationZone : public Installable<AllocationZone> {
 public:
+    // A zone with these entries, all of them set: callers jump through them unchecked.
     explicit constexpr AllocationZone(const ZoneEntries& entries) noexcept
         : allocate(entries.allocate),
           allocateZeroed(entries.allocateZeroed),

@@ -14,13 +14,14 @@ namespace veltra {
 // A moment of civil time: seconds since 1970-01-01 00:00:00 UTC and the nanoseconds within that
 // second (0 to 999,999,999, also before 1970).
 struct WallTime {
-    std::int64_t seconds = 0;
-    std::int32_t nanoseconds = 0;
+    std::int64_t seconds = 0;      // negative before 1970
+    std::int32_t nanoseconds = 0;  // later than `seconds`, before 1970 too
 };
 
 // What came of one attempt to read the monotonic clock: a moment, or why there is none.
 class ClockReading {
 public:
+    // The clock was read and told this moment.
     constexpr ClockReading(Moment moment) noexcept : m_moment(moment) {}
 
     // The clock could not be read. `errorNumber` is the system's (an errno value), not 0.
@@ -30,6 +31,7 @@ public:
         return reading;
     }
 
+    // Whether the clock could not be read.
     constexpr bool hasFailed() const noexcept { return m_errorNumber != 0; }
     constexpr int errorNumber() const noexcept { return m_errorNumber; }  // 0: none
 

@@ -19,9 +19,12 @@ public:
     // How much may be given to it at once, in bytes.
     static constexpr std::size_t kLargestPiece = std::size_t{1} << 30;
 
+    // Whether there is more to unpack, the stream has ended, or nothing came of the call.
     enum class State : std::uint8_t { More, End, Failed };
+
+    // What one call of inflate() has done.
     struct Step {
-        State state;
+        State state;        // after End the inflater is of no more use
         std::size_t taken;  // bytes of the stream that are used up
         std::size_t made;   // bytes that were written
     };

@@ -24,24 +24,29 @@ namespace veltra {
 class FileSystem;
 extern template class VELTRA_EXPORT Installable<FileSystem>;
 
+// What stands at a name. A link is a symbolic one; other are pipes, sockets and devices.
 enum class FileKind : std::uint8_t { File, Folder, Link, Other };
 
+// A moment of civil time, as file systems keep it.
 struct FileTime {
-    std::int64_t seconds = 0;  // since 1970
-    std::int32_t nanoseconds = 0;
+    std::int64_t seconds = 0;      // since 1970
+    std::int32_t nanoseconds = 0;  // 0 to 999,999,999, later than `seconds`
 
+    // Whether they are the same moment, to the nanosecond.
     friend bool operator==(const FileTime&, const FileTime&) = default;
 };
 
+// What the system keeps about one item besides its name and contents.
 struct FileFacts {
-    FileKind kind = FileKind::Other;
-    std::uint64_t device = 0;  // with `number`: which item this is, under whatever name
-    std::uint64_t number = 0;
-    std::uint64_t size = 0;         // bytes
-    std::uint32_t permissions = 0;  // the lower 12 bits of a POSIX mode
-    FileTime accessed;
-    FileTime modified;
+    FileKind kind = FileKind::Other;  // of the item itself
+    std::uint64_t device = 0;         // with `number`: which item this is, under whatever name
+    std::uint64_t number = 0;         // the item's own on its device
+    std::uint64_t size = 0;           // bytes
+    std::uint32_t permissions = 0;    // the lower 12 bits of a POSIX mode
+    FileTime accessed;                // when it was last read
+    FileTime modified;                // when its contents last changed
 
+    // Whether both are facts of one item, whatever its names, as long as it exists.
     bool isSameItem(const FileFacts& other) const noexcept {
         return device == other.device && number == other.number;
     }
@@ -52,17 +57,23 @@ struct FileFacts {
 // Thread: any. Realtime-safe: no.
 class VELTRA_EXPORT FileSystem : public Installable<FileSystem> {
 public:
-    using Handle = int;  // an open file or folder
-    static constexpr Handle kNone = -1;
+    using Handle = int;                  // an open file or folder
+    static constexpr Handle kNone = -1;  // no file and no folder
     // As the folder: names are relative to the process's working folder, or begin with "/".
     static constexpr Handle kWorkingFolder = -2;
 
-    enum class LastLink : std::uint8_t { Follow, Keep };  // a link in the last step of a name
+    // What a link in the last step of a name stands for: what it leads to, or itself.
+    enum class LastLink : std::uint8_t { Follow, Keep };
+
+    // What a file or folder is opened for.
     enum class Access : std::uint8_t {
         Read,  // of a file
         List,  // of a folder
         Pass,  // of a folder: only as the place of other items
     };
+
+    // What becomes of an item that has the new name already: it is replaced, it is kept and the
+    // call fails with std::errc::file_exists, or the two swap names.
     enum class Collision : std::uint8_t { Replace, Refuse, Exchange };
 
     virtual ~FileSystem();
@@ -103,6 +114,7 @@ public:
     // Returns when the file's contents are on the disk; may be refused likewise.
     virtual std::error_code flush(Handle file) noexcept = 0;
 
+    // The permissions of an open file or folder; the process's umask takes none of them away.
     virtual std::error_code setPermissions(Handle handle, std::uint32_t permissions) noexcept = 0;
     // Names as facts() does; a link gets the times itself.
     virtual std::error_code setTimes(Handle folder, const char* name, FileTime accessed,

@@ -11,14 +11,16 @@
 
 namespace veltra {
 
+// A date and a time of day, with no zone of its own.
 struct CivilTime {
-    std::int32_t year = 1970;
-    std::int32_t month = 1;   // 1 to 12
-    std::int32_t day = 1;     // 1 to 31
-    std::int32_t hour = 0;    // 0 to 23
-    std::int32_t minute = 0;  // 0 to 59
-    std::int32_t second = 0;  // 0 to 59, or 60 in a zone that counts leap seconds
+    std::int32_t year = 1970;  // of the Gregorian calendar
+    std::int32_t month = 1;    // 1 to 12
+    std::int32_t day = 1;      // 1 to 31
+    std::int32_t hour = 0;     // 0 to 23
+    std::int32_t minute = 0;   // 0 to 59
+    std::int32_t second = 0;   // 0 to 59, or 60 in a zone that counts leap seconds
 
+    // Whether all fields are the same.
     bool operator==(const CivilTime&) const = default;
 };
 

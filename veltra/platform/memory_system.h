@@ -26,19 +26,20 @@ extern template class VELTRA_EXPORT Installable<MemorySystem>;
 // events. A test puts texts of its own in their place; install one while nobody reads facts.
 class VELTRA_EXPORT MemorySystem : public Installable<MemorySystem> {
 public:
-    static constexpr std::uint64_t kNoLimit = UINT64_MAX;
+    static constexpr std::uint64_t kNoLimit = UINT64_MAX;  // bytes; any size is allowed
 
+    // What the process's address space may grow to.
     struct Limits {
         std::uint64_t current = kNoLimit;  // bytes; in force, may be changed up to `most`
-        std::uint64_t most = kNoLimit;
+        std::uint64_t most = kNoLimit;     // bytes; how far `current` may be raised
     };
 
     // Descriptors, -1 for none. `all` is readable when there is an event, also while `timer` and
     // `trigger` are looked at by nobody else.
     struct Events {
-        int all = -1;
-        int timer = -1;
-        int trigger = -1;
+        int all = -1;      // the one to wait for
+        int timer = -1;    // tells every period
+        int trigger = -1;  // tells of waits for memory
     };
 
     virtual ~MemorySystem();
@@ -71,7 +72,7 @@ struct MemoryFacts {
     std::optional<std::uint64_t> groupLimit;
     std::optional<std::uint64_t> groupRoom;
 
-    std::optional<std::uint64_t> addressSpaceUsed;
+    std::optional<std::uint64_t> addressSpaceUsed;   // by this process
     std::optional<std::uint64_t> addressSpaceLimit;  // empty also when there is none
 
     // Per cent of the last ten seconds in which some of the threads, or all of them at once, waited
@@ -94,6 +95,7 @@ struct MemoryFacts {
         return least(least(total, groupLimit), addressSpaceLimit);
     }
 
+    // The smaller of two sizes; one that is not known does not count. Empty when neither is known.
     static std::optional<std::uint64_t> least(std::optional<std::uint64_t> one,
                                               std::optional<std::uint64_t> other) noexcept {
         if (!one || !other) return one ? one : other;
@@ -107,6 +109,7 @@ class VELTRA_EXPORT MemoryFactsReader {
 public:
     MemoryFactsReader() noexcept;
 
+    // The facts at this moment, from MemorySystem::current().
     MemoryFacts read() const noexcept;
 
     // The file that tells of stalls, for MemorySystem::openEvents().

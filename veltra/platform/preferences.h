@@ -18,8 +18,8 @@ namespace veltra {
 // A preferences file that could not be understood. `keptAs` is where it was moved, empty when it
 // could not be moved and still lies there.
 struct DamagedPreferences {
-    std::string file;
-    std::string keptAs;
+    std::string file;    // its path
+    std::string keptAs;  // a path, too
 };
 
 class Preferences;

@@ -12,10 +12,13 @@ namespace veltra {
 // A feature is true only when both the processor and the operating system carry it: without
 // wide registers saved by the system, everything from `avx` on is false.
 struct VELTRA_EXPORT ProcessorFeatures {
+    // What kind of processor it is: which of the features below can be true.
     enum class Family : std::uint8_t { Other, X86, PowerPc, Arm };
+
+    // A function that finds out the features. It may be called on any thread, several at a time.
     using Query = ProcessorFeatures (*)() noexcept;
 
-    Family family = Family::Other;
+    Family family = Family::Other;  // Other: no feature is true
 
     // x86
     bool sse = false;

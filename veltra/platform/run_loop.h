@@ -56,6 +56,7 @@ public:
     // after it fire at the next call.
     int runDue();
 
+    // The innermost living scope's mode; Default outside of any.
     RunLoopMode mode() const noexcept { return m_mode; }
 
     // How many calls of runDue() are on the stack: 0 outside of any timer's action.
@@ -65,6 +66,7 @@ public:
     // beginning. A loop that dies first is left alone.
     class VELTRA_EXPORT ModeScope {
     public:
+        // Sets the mode of `loop`, which may die before the scope.
         ModeScope(RunLoop& loop, RunLoopMode mode) noexcept;
         ModeScope(const ModeScope&) = delete;
         ModeScope& operator=(const ModeScope&) = delete;

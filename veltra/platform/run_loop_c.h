@@ -16,6 +16,7 @@
 
 VELTRA_C_BEGIN
 
+// The loop of one thread; hosts only ever hold pointers to one.
 typedef struct VLRunLoop VLRunLoop;
 
 // The loop of the calling thread: the one that a host set from C++, such as Qt's; else one that is

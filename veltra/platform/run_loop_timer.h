@@ -22,10 +22,14 @@ enum class RunLoopMode : std::uint8_t {
     ModalPanel = 4,     // a modal panel runs
 };
 
+// Modes join to a set by `|`.
 template <>
 inline constexpr bool isFlag<RunLoopMode> = true;
 
+// The modes that a timer runs in. With none of them it never fires.
 using RunLoopModes = Flags<RunLoopMode>;
+
+// Whatever the user is doing.
 inline constexpr RunLoopModes kAllRunLoopModes =
     RunLoopMode::Default | RunLoopMode::EventTracking | RunLoopMode::ModalPanel;
 
@@ -35,8 +39,8 @@ struct TimerRequest {
     Anchored* target = nullptr;  // not retained; once it is gone the timer sends nothing
     Action action{};             // sent with the RunLoopTimer as sender
     void* userInfo = nullptr;    // the caller's
-    bool repeats = false;
-    RunLoopModes modes = RunLoopMode::Default;
+    bool repeats = false;        // false: fires once, then is invalid
+    RunLoopModes modes = RunLoopMode::Default;  // while the loop is in another, the timer waits
 };
 
 // Made by RunLoop::schedule(), which shares its ownership with the caller until the timer becomes
@@ -49,6 +53,7 @@ class VELTRA_EXPORT RunLoopTimer final : public Anchored,
     };
 
 public:
+    // Not for callers, who cannot name a Making: see RunLoop::schedule().
     RunLoopTimer(Making /*only RunLoop makes them*/, const TimerRequest& request) noexcept;
 
     // Whether it is still scheduled. False already inside the action of a timer that fires once.
@@ -66,7 +71,10 @@ public:
     // The time between two ticks, after the correction of TimerRequest. Realtime-safe: yes.
     Nanoseconds interval() const noexcept { return m_interval; }
 
+    // Whether it fires until it is invalidated, rather than once. Realtime-safe: yes.
     bool isRepeating() const noexcept { return m_repeats; }
+
+    // What the caller gave with the request; the timer does not look at it. Realtime-safe: yes.
     void* userInfo() const noexcept { return m_userInfo; }
 
 private:

@@ -16,6 +16,7 @@ extern template class VELTRA_EXPORT Installable<StandardError>;
 
 class VELTRA_EXPORT StandardError : public Installable<StandardError> {
 public:
+    // What lines written to the stream go to.
     enum class Kind {
         Unusable,  // closed, or the system tells nothing about it
         RegularFile,
@@ -24,10 +25,11 @@ public:
         Other,  // a terminal or another device
     };
 
+    // What is known about the stream at one moment.
     struct Status {
-        Kind kind = Kind::Unusable;
-        std::uint64_t device = 0;  // with `inode`: which file it is; both 0 when not asked for,
-        std::uint64_t inode = 0;   // which a regular file allows
+        Kind kind = Kind::Unusable;  // what it leads to
+        std::uint64_t device = 0;    // with `inode`: which file it is; both 0 when not asked for,
+        std::uint64_t inode = 0;     // which a regular file allows
     };
 
     // One line in up to three pieces; empty ones are left out.

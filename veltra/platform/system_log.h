@@ -14,13 +14,19 @@ namespace veltra {
 // One record. Keys keep these names and this order here; a transport that allows other names only
 // maps them when it sends.
 struct LogRecord {
+    // One key of a record, and its value.
     struct Field {
-        std::string_view key;
+        std::string_view key;                   // as listed below
         std::optional<std::string_view> value;  // none: the key is not set
     };
+
+    // Where each field stands in `fields`.
     enum Key { LocalTime, Thread, ReadUserId, Level, Message };
 
+    // What part of the program the record comes from; not a field of its own.
     std::string_view facility;
+
+    // The fields, in the order of Key.
     std::array<Field, 5> fields{{
         {"CFLog Local Time", std::nullopt},  // "2024-01-31 09:05:07.042"
         {"CFLog Thread", std::nullopt},      // lower-case hexadecimal

@@ -6,6 +6,7 @@
 
 namespace veltra {
 
+// A function that has the application end.
 using Terminator = void (*)() noexcept;
 
 // Lets `terminator` end the application when somebody asks for it: a host with an event loop of its

@@ -14,12 +14,12 @@ class Volumes;
 extern template class VELTRA_EXPORT Installable<Volumes>;
 
 struct Volume {
-    std::string path;          // where it is mounted, for instance "/media/disc"
-    bool isRemovable = false;  // the medium, or the drive with it, can be taken out
-    bool isWritable = false;   // not mounted read-only; a file's own permissions come on top
-    bool isUnmountable = false;
-    std::string description;  // what is mounted, for instance "/dev/sr0"
-    std::string type;         // the system's name for the kind of file system: "iso9660"
+    std::string path;            // where it is mounted, for instance "/media/disc"
+    bool isRemovable = false;    // the medium, or the drive with it, can be taken out
+    bool isWritable = false;     // not mounted read-only; a file's own permissions come on top
+    bool isUnmountable = false;  // can go while the system runs: not mounted at "/"
+    std::string description;     // what is mounted, for instance "/dev/sr0"
+    std::string type;            // the system's name for the kind of file system: "iso9660"
 };
 
 class VELTRA_EXPORT Volumes : public Installable<Volumes> {

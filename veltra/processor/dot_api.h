@@ -25,6 +25,8 @@ namespace veltra {
 // Realtime-safe: yes, if ProcessorFeatures::current is.
 class CDotAPI {
 public:
+    // The variants: two for x86 and one in reserve, two for PowerPC, the plain one, and that for
+    // debugging.
     enum EID : std::int32_t {
         eID_SSE = 0,
         eID_SSE3 = 1,
@@ -34,6 +36,8 @@ public:
         eID_Off = 5,
         eID_Debug = 6
     };
+
+    // How many there are; EIDs count from 0.
     static constexpr int kVariants = 7;
 
     CDotAPI() = delete;

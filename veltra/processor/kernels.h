@@ -47,6 +47,7 @@ public:
     // written, and `text` may be null.
     static std::size_t writeInForce(char* text, std::size_t capacity) noexcept;
 
+    // The family's name, such as "crc32": for find() and for VELTRA_KERNELS.
     const char* name() const noexcept { return m_name; }
 
     // The variants, best first; the last is "plain" and runs everywhere.
@@ -83,8 +84,10 @@ public:
     static bool prepareAll() noexcept;
 
 protected:
+    // Whether a variant runs on a processor with these features.
     using Test = bool (*)(const ProcessorFeatures& features) noexcept;
 
+    // A family of `variantCount` variants, "plain" included. `name` is a string literal.
     constexpr KernelFamily(const char* name, std::size_t variantCount) noexcept
         : m_name(name), m_variantCount(variantCount) {}
     ~KernelFamily() = default;

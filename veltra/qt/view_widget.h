@@ -35,9 +35,11 @@ public:
     // The views' window, which is this widget.
     Window& veltraWindow();
 
+    // The size that the content view had when it was set; without one, that of a plain QWidget.
     QSize sizeHint() const override;
 
 protected:
+    // Hands events to the views first, then to QWidget. The widget may be gone when it returns.
     bool event(QEvent* event) override;
 
 private:

@@ -18,6 +18,7 @@ namespace veltra {
 
 class View;
 
+// What an element is, which decides how a reader names it and what it offers.
 enum class AccessibilityRole : std::uint8_t {
     Ignored,  // not shown itself; its children are shown in its place
     Group,
@@ -28,10 +29,14 @@ enum class AccessibilityRole : std::uint8_t {
     StaticText,
 };
 
+// What a reader may do with an element, at its user's wish: change its value by one step, or press
+// it.
 enum class AccessibilityAction : std::uint8_t { Increment, Decrement, Press };
 
+// Which way an element's value runs.
 enum class AccessibilityOrientation : std::uint8_t { Unknown, Horizontal, Vertical };
 
+// What about an element has changed.
 enum class AccessibilityNotification : std::uint8_t {
     ValueChanged,
     NameChanged,
@@ -40,11 +45,12 @@ enum class AccessibilityNotification : std::uint8_t {
     ChildrenChanged,
 };
 
+// A value on a scale, in the element's own unit.
 struct AccessibilityNumber {
-    double value = 0.0;
-    double minimum = 0.0;
-    double maximum = 1.0;
-    double step = 0.0;  // of Increment and Decrement; 0 when there is none
+    double value = 0.0;    // the present one
+    double minimum = 0.0;  // the value never lies below it
+    double maximum = 1.0;  // nor above it
+    double step = 0.0;     // of Increment and Decrement; 0 when there is none
 };
 
 // One thing that a screen reader can speak of: a view or a cell. The defaults describe something
@@ -54,6 +60,7 @@ public:
     AccessibilityElement() noexcept = default;
     ~AccessibilityElement() override;
 
+    // What it is. A view or cell that is shown to readers overrides this.
     virtual AccessibilityRole accessibilityRole() const { return AccessibilityRole::Ignored; }
 
     // What a reader says first: the name set here, unless a subclass knows a better default.
@@ -63,26 +70,38 @@ public:
     virtual std::string accessibilityHelp() const { return m_accessibilityHelp; }
     void setAccessibilityHelp(std::string help) { m_accessibilityHelp = std::move(help); }
 
+    // Which way its number runs on screen; Unknown where that means nothing.
     virtual AccessibilityOrientation accessibilityOrientation() const {
         return AccessibilityOrientation::Unknown;
     }
 
+    // Its value and the limits; nothing when it has no number.
     virtual std::optional<AccessibilityNumber> accessibilityNumber() const { return std::nullopt; }
     // The value in words; empty when the number says it all.
     virtual std::string accessibilityValueText() const { return {}; }
+
+    // Its states: whether it works at present, whether keys go to it.
     virtual bool accessibilityIsEnabled() const { return true; }
     virtual bool accessibilityIsFocused() const { return false; }
     // Whether the keyboard can come to it; at first, whether it can come to its view.
     virtual bool accessibilityIsFocusable() const;
+
+    // Whether it is a switch that is on.
     virtual bool accessibilityIsChecked() const { return false; }
 
     // Returns false when the number cannot be set from outside.
     virtual bool setAccessibilityNumber(double /*value*/) { return false; }
+
+    // What performAccessibilityAction() can do.
     virtual std::vector<AccessibilityAction> accessibilityActions() const { return {}; }
     // Returns false when it has no such action or is disabled. May delete the element.
     virtual bool performAccessibilityAction(AccessibilityAction /*action*/) { return false; }
 
+    // The element that it is a part of, shown or not; null at the top.
     virtual AccessibilityElement* accessibilityParent() const { return nullptr; }
+
+    // Its parts in the order in which they are read, shown or not. They live as long as nobody
+    // changes the tree.
     virtual std::vector<AccessibilityElement*> accessibilityChildren() const { return {}; }
 
     // The view that it is, or is drawn in; null when it is in none.

@@ -11,6 +11,7 @@ namespace veltra {
 
 class VELTRA_EXPORT ActionCell : public Cell {
 public:
+    // With the value that a cell is given, and no action.
     using Cell::Cell;
 
     // Not retained. Null: whoever responds in the key window.

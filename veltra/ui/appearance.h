@@ -9,8 +9,10 @@
 
 namespace veltra {
 
+// Dark text on a light ground, or light text on a dark one.
 enum class Appearance : std::uint8_t { Light, Dark };
 
+// What a colour is for.
 enum class SystemColor : std::uint8_t {
     WindowBackground,
     ControlBackground,  // the face of a button, the inside of a group

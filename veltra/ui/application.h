@@ -18,6 +18,7 @@ namespace veltra {
 
 class VELTRA_EXPORT Application final : public Responder {
 public:
+    // The application. It is made on first use and lives as long as the process.
     static Application& current();
 
     // Sends the action to the target. Without a target it goes to the first that responds: the key

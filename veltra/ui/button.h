@@ -14,7 +14,10 @@ namespace veltra {
 
 class VELTRA_EXPORT ButtonCell : public Cell {
 public:
+    // Whether a click only sends the action, or switches the button on or off before.
     enum class Kind : std::uint8_t { Momentary, Toggle };
+
+    // What the button is for, which decides how it looks.
     enum class Style : std::uint8_t {
         Plain,
         Primary,  // what most users will press next; one in each part of a window
@@ -25,15 +28,23 @@ public:
     // Draws a symbol that fills a square of 16 points.
     using Icon = void (*)(Canvas& canvas, Point upperLeft, Color color);
 
+    // A button that is off, without an icon, in the Plain style.
     explicit ButtonCell(std::string_view title = {}, Kind kind = Kind::Momentary);
 
+    // As it was made; it never changes.
     Kind kind() const noexcept { return m_kind; }
+
+    // The title is the cell's text: setStringValue() changes it.
     std::string title() const { return stringValue(); }
+
+    // Whether it is on. A Momentary one is drawn as on, too, when it was set so. Setting it sends
+    // no action.
     bool isOn() const noexcept { return m_isOn; }
     void setOn(bool isOn);
     // The face when it is on; at first, and for nothing, the accent colour.
     void setOnColor(std::optional<Color> color);
 
+    // How it looks; Plain at first. Setting it draws the button again.
     Style style() const noexcept { return m_style; }
     void setStyle(Style style);
     // Stands before the title, or alone in the middle. Null, as at first: none.
@@ -91,12 +102,20 @@ private:
 // Space and Return press it when it has the keyboard.
 class VELTRA_EXPORT Button : public Control {
 public:
+    // A button of the system font, that is off and has no action yet.
     explicit Button(const Rect& frame, std::string_view title,
                     ButtonCell::Kind kind = ButtonCell::Kind::Momentary);
 
+    // Its cell, where icon, style and colour are set. It lives until setCell() puts another in its
+    // place, which must be a ButtonCell, too.
     ButtonCell& buttonCell() const noexcept { return static_cast<ButtonCell&>(*cell()); }
+
+    // Whether it is on. Setting it sends no action.
     bool isOn() const noexcept { return buttonCell().isOn(); }
     void setOn(bool isOn) { buttonCell().setOn(isOn); }
+
+    // As if it had been clicked: a toggle changes, then the action is sent. Nothing when disabled.
+    // May delete the button.
     void performClick() { buttonCell().performClick(); }
 
     bool acceptsFirstResponder() const override { return isEnabled(); }
@@ -105,6 +124,8 @@ public:
     void mouseExited(const Event& event) override;
     void viewDidMoveToWindow() override;
     Cursor cursorAt(Point point) const override;
+
+    // Its bounds, with the corners of its face.
     std::optional<FocusShape> focusShape() const override;
 };
 

@@ -23,11 +23,14 @@ class Canvas;
 class KeyedCoder;
 class View;
 
+// How large a control and its text are; what that means is each control's choice.
 enum class ControlSize : std::uint8_t { Regular, Small, Mini };
 
 class VELTRA_EXPORT Cell : public AccessibilityElement {
 public:
     Cell() = default;
+
+    // A cell whose value is this text.
     explicit Cell(std::string_view text) : m_value(std::string(text)) {}
     Cell(const Cell&) = delete;
     Cell& operator=(const Cell&) = delete;

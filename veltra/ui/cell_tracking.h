@@ -27,6 +27,8 @@ public:
     // happens at a release that stands for a lost pointer (clickCount 0).
     void cancel();
 
+    // Whether a press is under way: it has begun, and neither the cell nor the release has ended
+    // it.
     bool isActive() const noexcept { return m_isActive; }
     // The cell that is being tracked; null when there is none.
     Cell* cell() const noexcept { return m_isActive ? m_cell.get() : nullptr; }

@@ -11,10 +11,10 @@
 namespace veltra {
 
 struct Color {
-    float red = 0.0F;
-    float green = 0.0F;
-    float blue = 0.0F;
-    float alpha = 1.0F;
+    float red = 0.0F;    // not multiplied by alpha, as the next two
+    float green = 0.0F;  // 0 is none, 1 the most there is
+    float blue = 0.0F;   // in the encoding of sRGB, not linear in light
+    float alpha = 1.0F;  // 0 is clear, 1 opaque
 
     // 0xRRGGBB, opaque.
     static constexpr Color fromRgb(std::uint32_t rgb) noexcept {
@@ -23,6 +23,7 @@ struct Color {
                 static_cast<float>(rgb & 0xFFU) / 255.0F, 1.0F};
     }
 
+    // The same colour with another alpha, whatever its own is.
     constexpr Color withAlpha(float newAlpha) const noexcept {
         return {red, green, blue, newAlpha};
     }
@@ -34,9 +35,11 @@ struct Color {
                 mix(alpha, other.alpha)};
     }
 
+    // Whether all four components are equal. Clear colours may differ.
     friend constexpr bool operator==(Color left, Color right) noexcept = default;
 };
 
+// Opaque black and white, and a black that is not seen.
 inline constexpr Color kBlack{0.0F, 0.0F, 0.0F, 1.0F};
 inline constexpr Color kWhite{1.0F, 1.0F, 1.0F, 1.0F};
 inline constexpr Color kClear{0.0F, 0.0F, 0.0F, 0.0F};

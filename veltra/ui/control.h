@@ -20,6 +20,7 @@ public:
     explicit Control(const Rect& frame = {}, std::unique_ptr<Cell> cell = nullptr);
     ~Control() override;
 
+    // The cell that it draws and tracks with; null when it has none. The control owns it.
     Cell* cell() const noexcept { return m_cell.get(); }
     // The cell before is destroyed as soon as no event or timer is being handled any more. An
     // ActionCell without a target and an action of its own takes over those of the control.
@@ -31,6 +32,8 @@ public:
     virtual void setTarget(Anchored* target) { targetAction().setTarget(target); }
     virtual Action action() const { return targetAction().action(); }
     virtual void setAction(Action action) { targetAction().setAction(action); }
+
+    // A number of the client's own, 0 at first: to tell controls with one action apart.
     std::int32_t tag() const noexcept { return m_tag; }
     void setTag(std::int32_t tag) noexcept { m_tag = tag; }
 
@@ -50,9 +53,12 @@ public:
     ControlSize controlSize() const noexcept { return m_controlSize; }
     virtual void setControlSize(ControlSize size);
 
+    // The cell's value in three forms, which Cell describes: 0 or an empty text without a cell.
     std::int32_t intValue() const { return m_cell ? m_cell->intValue() : 0; }
     double doubleValue() const { return m_cell ? m_cell->doubleValue() : 0.0; }
     std::string stringValue() const { return m_cell ? m_cell->stringValue() : std::string(); }
+
+    // Sets the cell's value and draws it again; sends no action. Nothing without a cell.
     void setIntValue(std::int32_t value);
     void setDoubleValue(double value);
     void setStringValue(std::string_view value);

@@ -14,6 +14,8 @@ template <typename D>
 class DelegatePointer {
 public:
     DelegatePointer() noexcept = default;
+
+    // Points to `delegate`, which may be null and is looked at to learn whether it is Anchored.
     DelegatePointer(D* delegate) noexcept
         : m_delegate(delegate),
           m_anchor(dynamic_cast<Anchored*>(delegate)),

@@ -15,6 +15,7 @@ namespace veltra {
 
 class Window;
 
+// What happened.
 enum class EventType : std::uint16_t {
     LeftMouseDown = 1,
     LeftMouseUp = 1 << 1,
@@ -34,6 +35,7 @@ enum class EventType : std::uint16_t {
     TouchCancelled = 1 << 15,  // the finger is or may be gone, and no end will be told
 };
 
+// Types join to a mask by `|`.
 template <>
 inline constexpr bool isFlag<EventType> = true;
 
@@ -62,10 +64,11 @@ inline constexpr char16_t kHelpCharacter = 0xF746;
 // The course of a gesture on a pad or a fine wheel. A plain wheel has none.
 enum class ScrollPhase : std::uint8_t { None, Began, Changed, Ended, Momentum };
 
+// One event. What is not said to belong to its type is not set.
 struct Event {
-    EventType type = EventType::MouseMoved;
-    ModifierFlags modifierFlags;
-    Moment timestamp;
+    EventType type = EventType::MouseMoved;  // decides which of the rest is set
+    ModifierFlags modifierFlags;             // that were held when it happened
+    Moment timestamp;  // when the system says it happened, by the monotonic clock
 
     // Where the pointer or the finger is, in the window's coordinates: the origin is its lower left
     // corner.

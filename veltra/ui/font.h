@@ -11,14 +11,16 @@
 
 namespace veltra {
 
+// How heavy the strokes are. Where the family lacks a weight, the port takes the nearest.
 enum class FontWeight : std::uint8_t { Regular, Medium, SemiBold, Bold };
 
 struct VELTRA_EXPORT Font {
-    std::string name;    // of the family; empty: the system's
-    float size = 13.0F;  // points
-    FontWeight weight = FontWeight::Regular;
+    std::string name;                         // of the family; empty: the system's
+    float size = 13.0F;                       // points
+    FontWeight weight = FontWeight::Regular;  // of the strokes
     bool hasEqualDigits = false;  // figures of one width, for numbers that change in place
 
+    // What the system writes its own controls in, `size` points high.
     static Font systemFont(float size, FontWeight weight = FontWeight::Regular) {
         return {{}, size, weight, false};
     }
@@ -32,8 +34,10 @@ struct VELTRA_EXPORT Font {
                                             FontWeight weight = FontWeight::Regular,
                                             bool hasEqualDigits = false);
 
+    // The same font in another size, in points.
     Font withSize(float newSize) const { return {name, newSize, weight, hasEqualDigits}; }
 
+    // Whether all four fields are equal; nothing is asked of the port.
     friend bool operator==(const Font& left, const Font& right) = default;
 };
 

@@ -10,41 +10,55 @@
 
 namespace veltra {
 
+// A place in a plane, or the way from one place to another.
 struct Point {
-    float x = 0.0F;
-    float y = 0.0F;
+    float x = 0.0F;  // to the right
+    float y = 0.0F;  // up, or down in flipped coordinates
 
+    // Whether both coordinates are equal, exactly.
     friend constexpr bool operator==(Point left, Point right) noexcept = default;
+
+    // A place moved by a way, or the sum of two ways.
     friend constexpr Point operator+(Point left, Point right) noexcept {
         return {left.x + right.x, left.y + right.y};
     }
+
+    // The way from `right` to `left`.
     friend constexpr Point operator-(Point left, Point right) noexcept {
         return {left.x - right.x, left.y - right.y};
     }
 };
 
+// How wide and high something is.
 struct Size {
-    float width = 0.0F;
-    float height = 0.0F;
+    float width = 0.0F;   // 0 or below is empty, as the next
+    float height = 0.0F;  // along the y axis, either way that points
 
+    // Whether both are equal, exactly.
     friend constexpr bool operator==(Size left, Size right) noexcept = default;
 };
 
 // `origin` is the corner with the least coordinates: top left in a flipped view, bottom left in any
 // other. A rectangle without width or height is empty: it contains and meets nothing.
 struct Rect {
-    Point origin;
-    Size size;
+    Point origin;  // the corner with the least x and y
+    Size size;     // to the opposite corner
 
+    // The sides: the least and the greatest coordinate along each axis.
     constexpr float minX() const noexcept { return origin.x; }
     constexpr float minY() const noexcept { return origin.y; }
     constexpr float maxX() const noexcept { return origin.x + size.width; }
     constexpr float maxY() const noexcept { return origin.y + size.height; }
+
+    // The point in the middle.
     constexpr Point center() const noexcept {
         return {origin.x + size.width * 0.5F, origin.y + size.height * 0.5F};
     }
+
+    // Whether width or height is not above 0; true for NaN.
     constexpr bool isEmpty() const noexcept { return !(size.width > 0.0F && size.height > 0.0F); }
 
+    // Whether they share some area. Rectangles that only touch do not.
     constexpr bool intersects(const Rect& other) const noexcept {
         return !isEmpty() && !other.isEmpty() && minX() < other.maxX() && other.minX() < maxX() &&
                minY() < other.maxY() && other.minY() < maxY();
@@ -75,8 +89,10 @@ struct Rect {
                 {size.width - 2.0F * horizontal, size.height - 2.0F * vertical}};
     }
 
+    // The same size elsewhere: `offset` is added to the origin.
     constexpr Rect movedBy(Point offset) const noexcept { return {origin + offset, size}; }
 
+    // Whether origin and size are equal, exactly; two empty ones may differ.
     friend constexpr bool operator==(const Rect& left, const Rect& right) noexcept = default;
 };
 

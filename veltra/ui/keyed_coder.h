@@ -24,7 +24,10 @@ public:
     // Reads the archive() of another coder. Any value but a dictionary counts as an empty archive.
     explicit KeyedCoder(const PropertyValue& archive) : m_values(archive.asDictionary()) {}
 
+    // All that was encoded, as a dictionary: what to keep, and to make another coder of.
     PropertyValue archive() const { return m_values; }
+
+    // Whether there is a value for this key, null included.
     bool contains(std::string_view key) const { return m_values.find(key) != m_values.end(); }
 
     // A key that is there already gets the new value.

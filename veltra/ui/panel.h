@@ -10,9 +10,12 @@ namespace veltra {
 
 class Panel : public Window {
 public:
+    // A panel of the system, not on screen yet, with its content at `contentRect` in screen
+    // coordinates. The style's isPanel is set in any case.
     explicit Panel(const Rect& contentRect, WindowStyle style = {})
         : Window(contentRect, asPanel(style)) {}
 
+    // What its minimise button does.
     virtual void performMiniaturize() { miniaturize(); }
 
 private:

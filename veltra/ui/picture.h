@@ -25,6 +25,7 @@ public:
     PictureWindow& operator=(const PictureWindow&) = delete;
     ~PictureWindow();
 
+    // The window to put views into. It lives as long as this object.
     Window& window() noexcept { return *m_window; }
 
     // All of the window as it is at present, with the tool tip of a value. Null where

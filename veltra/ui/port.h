@@ -25,12 +25,13 @@
 
 namespace veltra {
 
+// What a window of the system has around its content.
 struct WindowStyle {
-    bool isTitled = true;
-    bool isClosable = true;
-    bool isMiniaturizable = true;
-    bool isResizable = true;
-    bool isPanel = false;  // stays above the application's windows, is in no task list
+    bool isTitled = true;          // a bar with the title; nothing around it without
+    bool isClosable = true;        // a button in it that closes the window
+    bool isMiniaturizable = true;  // likewise, that minimises it
+    bool isResizable = true;       // the user may change its size
+    bool isPanel = false;          // stays above the application's windows, is in no task list
 };
 
 // The place where one Window appears: a window of the system, or a part of a toolkit's widget.
@@ -51,7 +52,10 @@ public:
     virtual void takeKeyboard() = 0;
     virtual bool passKeyboard(bool forward) = 0;
 
+    // What the pointer looks like over this surface, until the next call.
     virtual void setCursor(Cursor cursor) = 0;
+
+    // Device pixels a point; Window::appearanceDidChange() tells when it changes.
     virtual float scale() const = 0;
 
     // Of no effect where the surface is a part of something else.
@@ -78,6 +82,8 @@ class VELTRA_EXPORT UiPort : public Installable<UiPort> {
 public:
     virtual ~UiPort();
 
+    // A window of the system, not on screen yet, that calls back into `window`. Null is not
+    // allowed.
     virtual std::unique_ptr<WindowPort> makeWindow(Window& window, const Rect& contentRect,
                                                    const WindowStyle& style) = 0;
 
@@ -90,10 +96,17 @@ public:
     // Ends the toolkit's main event loop.
     virtual void terminate() = 0;
 
+    // What the user chose for the system; each window is told when it changes.
     virtual Appearance appearance() const = 0;
 
+    // Whether fonts of this family are installed.
     virtual bool hasFontFamily(const std::string& name) const = 0;
+
+    // Width and height of one line, in points, without rounding: see StyledText::size().
     virtual Size textSize(const StyledText& text) const = 0;
+
+    // A picture from a file, or drawn on a clear ground: see Image::load() and Image::drawn(),
+    // which pass sizes above 0 and not above 32,767. Null when that is not possible.
     virtual std::shared_ptr<const Image> loadImage(const std::string& path, float scale) = 0;
     virtual std::shared_ptr<const Image> drawImage(
         std::int32_t pixelWidth, std::int32_t pixelHeight, float scale,
@@ -109,6 +122,7 @@ public:
     virtual std::string clipboardText() const { return {}; }
     virtual void setClipboardText(const std::string& /*text*/) {}
 
+    // Tells screen readers, at once or later, what has changed about a living element.
     virtual void accessibilityChanged(AccessibilityElement& element,
                                       AccessibilityNotification notification) = 0;
     // The element must not be used any more, only its address.

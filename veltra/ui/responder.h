@@ -15,6 +15,7 @@ namespace veltra {
 // Every event handler may delete the responder it is called on.
 class VELTRA_EXPORT Responder : public AccessibilityElement {
 public:
+    // A member function of this class that takes an event.
     using Handler = void (Responder::*)(const Event&);
 
     Responder() noexcept = default;

@@ -21,6 +21,8 @@ public:
     // Without a cell it gets a plain SliderCell.
     explicit Slider(const Rect& frame = {}, std::unique_ptr<SliderCell> cell = nullptr);
 
+    // Its cell, where limits and tick marks are set. It lives until replaceCell() or setCell() puts
+    // another in its place, which must be a SliderCell, too.
     SliderCell& sliderCell() const noexcept { return static_cast<SliderCell&>(*cell()); }
     // Puts another cell in the place of the one before, with its value, limits, tick marks,
     // orientation, step, target, action and settings. Null is passed over.

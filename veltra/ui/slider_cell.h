@@ -10,8 +10,10 @@ namespace veltra {
 
 class VELTRA_EXPORT SliderCell : public ActionCell {
 public:
+    // From 0 to 1 at 0, without tick marks.
     SliderCell();
 
+    // The limits of the value; the maximum is never below the minimum. At first 0 and 1.
     double minValue() const noexcept { return m_minValue; }
     double maxValue() const noexcept { return m_maxValue; }
     // The value is kept within the new limits, without setDoubleValue(). A maximum below the
@@ -25,6 +27,7 @@ public:
     void setIntValue(std::int32_t value) override { setDoubleValue(value); }
     void setStringValue(std::string_view value) override;
 
+    // How many tick marks there are, 0 at first.
     std::int32_t numberOfTickMarks() const noexcept { return m_numberOfTickMarks; }
     // Kept within 0 and kMaximumTickMarks.
     static constexpr std::int32_t kMaximumTickMarks = 65536;
@@ -85,6 +88,7 @@ public:
     void encodeWithCoder(KeyedCoder& coder) const override;
     void decodeWithCoder(const KeyedCoder& coder) override;
 
+    // A slider whose orientation is that on screen, and whose step is that of the arrow keys.
     AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Slider; }
     AccessibilityOrientation accessibilityOrientation() const override;
     std::optional<AccessibilityNumber> accessibilityNumber() const override;

@@ -12,18 +12,23 @@
 
 namespace veltra {
 
+// Where a line stands in the width of a rectangle.
 enum class TextAlignment : std::uint8_t { Left, Center, Right };
 // In the height of a rectangle: the line in the middle; the top of the line at the upper side; the
 // capitals in the middle and their foot on a border between device pixels.
 enum class TextPlacement : std::uint8_t { Center, Top, Capitals };
+
+// Which part of a line that is too long gives way to an ellipsis.
 enum class TextTruncation : std::uint8_t { End, Middle };
 
+// A line, and all that decides how it looks.
 struct VELTRA_EXPORT StyledText {
-    std::string string;  // UTF-8
-    Font font;
-    Color color;
-    TextAlignment alignment = TextAlignment::Left;
+    std::string string;                             // UTF-8
+    Font font;                                      // of the whole line
+    Color color;                                    // of the whole line
+    TextAlignment alignment = TextAlignment::Left;  // in the rectangle that it is drawn in
 
+    // Whether there are no letters. Blanks count as letters.
     bool isEmpty() const noexcept { return string.empty(); }
 
     // Width and height of the line as the port draws it, without rounding. Width 0 and the height

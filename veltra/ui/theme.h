@@ -15,9 +15,9 @@ namespace veltra {
 
 // A zone of levels: from its low to its high end while lit, and while not.
 struct SignalColors {
-    Color low;
-    Color high;
-    Color off;
+    Color low;   // lit, at the zone's low end
+    Color high;  // lit, at its high end
+    Color off;   // not lit
 };
 
 struct Theme {
@@ -43,9 +43,9 @@ struct Theme {
     Color accent;      // focus, what is on, what has been played
     Color onAccent;    // text on it
     Color accentSoft;  // the ground of what is in an accented state
-    Color alert;
-    Color alertSoft;
-    Color wave;  // a waveform that has not been played yet
+    Color alert;       // what has gone wrong
+    Color alertSoft;   // the ground of a text about it
+    Color wave;        // a waveform that has not been played yet
 
     // Caps of faders and sliders.
     Color cap;

@@ -36,6 +36,7 @@ enum class ToolTipSide : std::uint8_t { Above, Beside };
 // The one tool tip of the process that is moved by hand.
 class VELTRA_EXPORT ToolTipWindow {
 public:
+    // The one that there is. It lives as long as the process.
     static ToolTipWindow& shared();
 
     // Shows the text that `object` (not retained, asked again at each update) has for `tag`, so
@@ -52,11 +53,13 @@ public:
     void updateToolTipPosition(Point position, View& view);
     void updateToolTipPosition(const Rect& around, View& view);
 
+    // Closes the tool tip, whoever has opened it. Nothing when none is open.
     void closeToolTipWindow();
 
     // The view leaves its window or is hidden: closes the tool tip of it, or of a view inside it.
     void viewLeaves(const View& view);
 
+    // Whether a tool tip is open and its view still lives.
     bool isOpen() const noexcept { return m_isOpen && m_view; }
 
     // Whether it is this object's, for this view: others share the tool tip.
@@ -64,9 +67,9 @@ public:
 
     // What is shown at present, for pictures of a window.
     struct Shown {
-        std::string text;
-        Rect around;  // in the coordinates of the window
-        ToolTipSide side = ToolTipSide::Above;
+        std::string text;                       // UTF-8
+        Rect around;                            // in the coordinates of the window
+        ToolTipSide side = ToolTipSide::Above;  // of `around` that was asked for
     };
     // Nothing when no tool tip is open in this window.
     std::optional<Shown> shownIn(const Window& window) const;

@@ -24,11 +24,15 @@ struct VELTRA_EXPORT ValueTip {
     static ValueTip placed(const std::string& text, const Rect& around, const Rect& room,
                            ToolTipSide side);
 
-    Rect plate;
-    Rect reach;  // with arrow and shadow
-    Point arrow[3];
+    Rect plate;      // with the text in its middle
+    Rect reach;      // with arrow and shadow
+    Point arrow[3];  // its corners
 
+    // The same tip in other coordinates: `offset` is added to every point.
     ValueTip movedBy(Point offset) const;
+
+    // Draws shadow, plate, arrow and text on a flipped canvas, in the colours of the appearance.
+    // The text is that which the tip was placed for.
     void draw(Canvas& canvas, const std::string& text, Appearance appearance) const;
 };
 

@@ -44,6 +44,8 @@ enum AutoresizingFlag : std::uint32_t {
     kViewHeightSizable = 16,
     kViewMaxYMargin = 32,
 };
+
+// The parts join to a mask by `|`.
 template <>
 inline constexpr bool isFlag<AutoresizingFlag> = true;
 
@@ -52,6 +54,7 @@ inline constexpr bool isFlag<AutoresizingFlag> = true;
 using AutoresizingMask = Flags<AutoresizingFlag>;
 inline constexpr AutoresizingMask kViewNotSizable{};
 
+// What the pointer looks like.
 enum class Cursor : std::uint8_t {
     Arrow,
     PointingHand,
@@ -64,13 +67,19 @@ enum class Cursor : std::uint8_t {
 
 class VELTRA_EXPORT View : public Responder {
 public:
+    // A view in no window, at `frame` in the coordinates of its later superview.
     explicit View(const Rect& frame = {});
     ~View() override;
 
     // The tree.
 
+    // The view around it; null for the topmost one of a window, and outside of any tree.
     View* superview() const noexcept { return m_superview; }
+
+    // The window that it is shown in, directly or inside others; null in none.
     Window* window() const noexcept { return m_window; }
+
+    // The views in it, the lowest first, which is also the order of the key-view loop.
     const std::vector<std::unique_ptr<View>>& subviews() const noexcept { return m_subviews; }
 
     // Takes ownership; the view lies above those before it. It must have no superview.
@@ -108,8 +117,12 @@ public:
 
     // Geometry.
 
+    // Where it lies, in the coordinates of its superview.
     const Rect& frame() const noexcept { return m_frame; }
+
+    // The same in its own coordinates: from 0, with the frame's size.
     Rect bounds() const noexcept { return {{}, m_frame.size}; }
+
     // Resizes the subviews as their masks say. Override frameDidChange() to lay out by hand.
     void setFrame(const Rect& frame);
     void setFrameOrigin(Point origin) { setFrame({origin, m_frame.size}); }
@@ -118,8 +131,12 @@ public:
     // Whether the y axis points down. Must answer the same for as long as the view lives.
     virtual bool isFlipped() const { return false; }
 
+    // What gives when its superview is resized; kViewNotSizable at first.
     AutoresizingMask autoresizingMask() const noexcept { return m_autoresizingMask; }
     void setAutoresizingMask(AutoresizingMask mask) noexcept { m_autoresizingMask = mask; }
+
+    // Whether a change of size resizes the subviews as their masks say. A view that lays them out
+    // itself returns false.
     virtual bool autoresizesSubviews() const { return true; }
 
     // Convert between this view's coordinates and those of another view of the same window. Null
@@ -148,6 +165,8 @@ public:
 
     // Drawing.
 
+    // Whether it was hidden itself. What is hidden, with all inside, is not drawn and gets no
+    // event.
     bool isHidden() const noexcept { return m_isHidden; }
     // What is hidden loses the pointer, the fingers and the keyboard: a drag in it ends as if the
     // pointer had been lost, with a synthetic release.
@@ -212,11 +231,14 @@ public:
     // the view showsFocus(), above all views; views around it cut it off, other than those that lie
     // inside of the shape. Nothing: no ring.
     struct FocusShape {
-        Rect rect;
+        Rect rect;            // in the view's coordinates
         float radius = 0.0F;  // of its corners
 
+        // Whether the ring would be the same.
         friend bool operator==(const FocusShape&, const FocusShape&) = default;
     };
+
+    // The bounds, with small corners; a control returns the shape of what is drawn.
     virtual std::optional<FocusShape> focusShape() const { return FocusShape{bounds(), 4.0F}; }
 
     // The key-view loop: where Tab leads. Without a next view set, in the order of the tree. A view

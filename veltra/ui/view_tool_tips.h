@@ -14,9 +14,10 @@ namespace veltra {
 
 class VELTRA_EXPORT ViewToolTips {
 public:
+    // A tool tip to show.
     struct Found {
-        std::string text;
-        Rect rect;  // while the pointer stays in it, the tool tip stays
+        std::string text;  // UTF-8, not empty
+        Rect rect;         // while the pointer stays in it, the tool tip stays
     };
 
     // Returns a tag above 0 for removeToolTip(). `rect` is in the view's coordinates.

@@ -31,6 +31,7 @@ public:
     Window(WindowPort& port, Size contentSize);
     ~Window() override;
 
+    // Whether it was made with isPanel in its style; Panel sets it.
     bool isPanel() const noexcept { return m_isPanel; }
 
     // The topmost view, which fills the window. The one before, if any, is destroyed as soon as no
@@ -53,13 +54,23 @@ public:
     virtual void setMinSize(Size size);
     virtual void setMaxSize(Size size);
 
+    // UTF-8; empty at first. A surface that somebody else provides keeps it, but shows none.
     const std::string& title() const noexcept { return m_title; }
     void setTitle(const std::string& title);
 
+    // Whether it is on screen, as far as the port has told. A window that others cover is.
     bool isVisible() const noexcept { return m_isVisible; }
+
+    // Puts it on screen above the application's other windows. The keyboard stays where it is.
     void orderFront();
+
+    // The same, and gives it the keyboard.
     void makeKeyAndOrderFront();
+
+    // Takes it off the screen; what it holds stays as it is.
     void orderOut();
+
+    // Minimises it, as the system does.
     void miniaturize() { m_port.miniaturize(); }
 
     // What the close button does: asks shouldClose(), then orders out and calls didClose().
@@ -72,6 +83,7 @@ public:
     bool worksWhenModal() const noexcept { return m_worksWhenModal; }
     void setWorksWhenModal(bool works) noexcept { m_worksWhenModal = works; }
 
+    // Device pixels a point, at present.
     float scale() const { return m_port.scale(); }
 
     // The one set here, else the system's.
@@ -84,6 +96,7 @@ public:
 
     // Keys.
 
+    // Whether keys come to this window.
     bool isKeyWindow() const noexcept { return m_isKey; }
     // Whether the user works in this window: it is the application's main window, or a part of a
     // toolkit's window that is active.
@@ -105,7 +118,11 @@ public:
 
     // Events. See Application.
 
+    // The event that is being handled, in whatever window; see Application::currentEvent().
     const Event* currentEvent() const;
+
+    // Takes the application's next event of the mask; see Application::nextEvent(). It may be
+    // another window's.
     Event nextEvent(EventMask mask, RunLoopMode mode = RunLoopMode::EventTracking);
 
     // Dispatches one event: a press, the wheel and the pointer go to the view under it, drags and

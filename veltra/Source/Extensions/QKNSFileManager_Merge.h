@@ -21,6 +21,7 @@ namespace veltra {
 
 // Something of the source that is not in the target, or not as it should be.
 struct MergeProblem {
+    // What kept an item from being merged, or from being merged in full.
     enum class Reason : std::uint8_t {
         Failed,             // `error` says why; the item was left out. Folders more than 200 levels
                             // deep are: std::errc::filename_too_long
@@ -34,12 +35,21 @@ struct MergeProblem {
     };
 
     std::string_view sourcePath;  // the views are good until the handler returns
+
+    // Where the item was to go.
     std::string_view targetPath;
+
+    // Of several that fit, what was found first.
     Reason reason = Reason::Failed;
+
+    // What the system said; no error when it was not the system that refused.
     std::error_code error;
+
+    // The hidden item that could not be removed; empty but for LeftBehind.
     std::string_view leftBehind;
 };
 
+// What a handler wants: that the merge goes on to the next item, or ends here.
 enum class MergeAnswer : std::uint8_t { GoOn, Stop };
 
 // Hears about a merge while it runs, on the thread that called for it. Each function may stop the

@@ -16,8 +16,8 @@ namespace veltra {
 
 // Code points from `first` to `last`, both included.
 struct CharacterRange {
-    char32_t first;
-    char32_t last;
+    char32_t first;  // a code point, as the next
+    char32_t last;   // below `first`: the range has no characters
 };
 
 // Thread: any; one set may be read by several threads. Realtime-safe: contains(), yes; the rest,
@@ -40,6 +40,8 @@ public:
     // All code points up to U+10FFFF that are not in this one.
     CharacterSet inverted() const;
 
+    // Whether this code point is in the set. Takes as many steps as the logarithm of the number of
+    // ranges.
     bool contains(char32_t character) const noexcept;
 
 private:

@@ -22,6 +22,7 @@
 
 namespace veltra {
 
+// How to compare and search. None is also a choice: what it means is said above.
 enum class CompareOption : std::uint8_t {
     CaseInsensitive = 1,  // large and small letters are the same, in no particular language
     Literal = 2,          // code point for code point
@@ -30,15 +31,20 @@ enum class CompareOption : std::uint8_t {
     Numeric = 64,         // runs of digits 0 to 9 equal by value: "Take 7", "Take 007"; only
                           // equals() looks at it
 };
+
+// Options join to a set by `|`.
 template <>
 inline constexpr bool isFlag<CompareOption> = true;
+
+// Any number of options, none included.
 using CompareOptions = Flags<CompareOption>;
 
 // In bytes of UTF-8, from the start of a text.
 struct TextRange {
-    std::size_t position;
-    std::size_t length;
+    std::size_t position;  // of the first byte
+    std::size_t length;    // 0 is an empty range
 
+    // Whether they begin and end at the same bytes.
     friend constexpr bool operator==(const TextRange&, const TextRange&) noexcept = default;
 };
 

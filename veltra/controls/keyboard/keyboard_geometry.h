@@ -18,14 +18,15 @@ namespace veltra {
 // `range` are the white keys that are shown, counted from that of `firstNote` (see white_keys.h);
 // it should end at the last note at the latest.
 struct VELTRA_EXPORT KeyboardGeometry {
-    Size size;
-    KeyRange range;
-    std::int32_t firstNote = 0;
+    Size size;                   // of the whole keyboard, in points
+    KeyRange range;              // of white keys
+    std::int32_t firstNote = 0;  // the MIDI note of white key 0
 
     // The lowest and the highest note that is shown. -1 when there is none.
     std::int32_t lowestNote() const noexcept;
     std::int32_t highestNote() const noexcept;
 
+    // In points, 0 when no key is shown. That of black keys is whole.
     float whiteKeyWidth() const noexcept;
     float blackKeyWidth() const noexcept;
 
@@ -38,6 +39,7 @@ struct VELTRA_EXPORT KeyboardGeometry {
     // How hard a key is struck there: from 1 at its far end to 127 at its foot; 1 outside of it.
     std::int32_t velocityAt(std::int32_t note, Point point) const noexcept;
 
+    // Whether every key of the two lies in the same place.
     friend bool operator==(const KeyboardGeometry&, const KeyboardGeometry&) = default;
 };
 

@@ -12,6 +12,7 @@ namespace veltra {
 
 class VELTRA_EXPORT KeyboardToolbarView : public View {
 public:
+    // At `frame` in the coordinates of its later superview, with nothing in it.
     explicit KeyboardToolbarView(const Rect& frame);
     ~KeyboardToolbarView() override;
 

@@ -13,11 +13,15 @@
 
 namespace veltra {
 
+// Some white keys side by side.
 struct KeyRange {
     std::uint32_t location = 0;  // the first key
     std::uint32_t length = 0;    // how many keys
 
+    // The key behind the last one.
     constexpr std::uint32_t end() const noexcept { return location + length; }
+
+    // Whether both begin and end at the same keys.
     friend constexpr bool operator==(KeyRange left, KeyRange right) noexcept = default;
 };
 
@@ -28,6 +32,7 @@ struct VELTRA_EXPORT OctaveRow {
     float totalWidth = 0.0F;  // of all keys; above 0
     std::uint32_t count = 0;  // of the keys; above 0
 
+    // In points, not rounded.
     float keyWidth() const noexcept { return totalWidth / static_cast<float>(count); }
 
     // The two sides of a range, in whole points from the margin. The line between two keys belongs

@@ -36,7 +36,11 @@ public:
 
     // The strip. A toolbar view is not necessary: without one the strip is empty.
 
+    // Whether the strip is shown. At first it is not.
     bool toolbarVisible() const noexcept { return m_toolbarVisible; }
+
+    // Shows the strip when it is hidden, and hides it when it is shown. Nothing while that is being
+    // done already.
     void toggleToolbar();
     // Nothing when it is shown, or hidden, already.
     void showToolbar();

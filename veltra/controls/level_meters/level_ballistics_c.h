@@ -21,6 +21,7 @@
 
 VELTRA_C_BEGIN
 
+// One meter's motion; hosts only ever hold pointers to one.
 typedef struct VLLevelBallistics VLLevelBallistics;
 
 // The caller destroys it with VLLevelBallisticsDestroy. Null when memory is out.

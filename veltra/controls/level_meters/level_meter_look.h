@@ -33,8 +33,8 @@ VELTRA_EXPORT float meterPositionOfDecibels(double decibels, LevelMeterLevels le
 
 // In points. "Length" runs with the level, "thickness" across.
 struct LevelMeterMeasures {
-    float length = 0.0F;  // of the bar; 0: as long as there is room
-    float thickness = 0.0F;
+    float length = 0.0F;       // of the bar; 0: as long as there is room
+    float thickness = 0.0F;    // of the bar and the clip light, without the glass
     float lightLength = 0.0F;  // of the clip light; 0: it has none
     float lightGap = 0.0F;     // between the bar and the clip light
     float glass = 0.0F;        // the edge of glass that a view leaves around its meters
@@ -42,30 +42,31 @@ struct LevelMeterMeasures {
 
 // The bar, or the clip light, of one meter.
 struct LevelMeterPictureRequest {
-    std::int32_t length = 0;  // device pixels
-    std::int32_t thickness = 0;
-    float scale = 1.0F;  // device pixels a point
-    LevelMeterOrientation orientation = LevelMeterOrientation::Vertical;
-    Appearance appearance = Appearance::Light;
-    std::uint32_t ledCount = 0;  // 0: a continuous bar, unless there is a pitch
-    std::int32_t ledPitch = 0;   // device pixels from LED to LED; 0: the count decides
-    LevelMeterLevels levels = LevelMeterLevels::Amplitude;
-    bool isMuted = false;  // the signal is not heard
+    std::int32_t length = 0;                                              // device pixels
+    std::int32_t thickness = 0;                                           // device pixels
+    float scale = 1.0F;                                                   // device pixels a point
+    LevelMeterOrientation orientation = LevelMeterOrientation::Vertical;  // which way `length` runs
+    Appearance appearance = Appearance::Light;  // of the window that it is for
+    std::uint32_t ledCount = 0;                 // 0: a continuous bar, unless there is a pitch
+    std::int32_t ledPitch = 0;  // device pixels from LED to LED; 0: the count decides
+    LevelMeterLevels levels = LevelMeterLevels::Amplitude;  // decides where the zones lie
+    bool isMuted = false;                                   // the signal is not heard
 
+    // Whether one picture serves both.
     friend bool operator==(const LevelMeterPictureRequest&,
                            const LevelMeterPictureRequest&) = default;
 };
 
 // A part of a bar, in device pixels from the low end.
 struct LevelMeterSpan {
-    std::int32_t low = 0;
-    std::int32_t high = 0;
+    std::int32_t low = 0;   // the first pixel
+    std::int32_t high = 0;  // the one after the last
 };
 
 // Both images have the same size; null where they cannot be drawn, and then nothing is.
 struct LevelMeterPicture {
-    std::shared_ptr<const Image> off;
-    std::shared_ptr<const Image> on;
+    std::shared_ptr<const Image> off;  // nothing lit
+    std::shared_ptr<const Image> on;   // all lit
     // Of a bar: the part that levels from 0 to 1 light, in device pixels from the low end. With
     // LEDs it holds ledCount of them, all of one length; a gap belongs to the LED above it.
     std::int32_t start = 0;
@@ -79,6 +80,7 @@ struct LevelMeterPicture {
                                             // is shown; in rising order
 };
 
+// The base of all looks. Meters share one; it lives as long as any of them shows it.
 class VELTRA_EXPORT LevelMeterLook {
 public:
     LevelMeterLook() = default;
@@ -86,6 +88,7 @@ public:
     LevelMeterLook& operator=(const LevelMeterLook&) = delete;
     virtual ~LevelMeterLook();
 
+    // The sizes of a meter that lies or stands. The same at every call.
     virtual LevelMeterMeasures measures(LevelMeterOrientation orientation) const = 0;
 
     // How much of the room for a bar, request.length, the bar fills without a rest. What is left
@@ -102,8 +105,8 @@ public:
 
 // Colours from a level on. Where that lies on the bar depends on what the levels are.
 struct LevelMeterZone {
-    double decibels;  // minus infinity for the lowest zone
-    SignalColors colors;
+    double decibels;      // minus infinity for the lowest zone
+    SignalColors colors;  // lit and unlit
 };
 
 // Green, amber from -12 dB, red from -3 dB. They differ in lightness as well as in hue: amber is
@@ -115,10 +118,10 @@ VELTRA_EXPORT std::vector<LevelMeterZone> defaultLevelMeterZones();
 struct LevelMeterStyle {
     std::vector<LevelMeterZone> zones = defaultLevelMeterZones();  // in rising order, not empty
     bool isContinuous = false;                                     // also where LEDs are asked for
-    float thickness = 9.0F;
-    float glass = 4.0F;
-    float lightLength = 8.0F;
-    float lightGap = 8.0F;
+    float thickness = 9.0F;    // of the bar and of the clip light
+    float glass = 4.0F;        // the edge that a view leaves around its meters
+    float lightLength = 8.0F;  // of the clip light; 0: it has none
+    float lightGap = 8.0F;     // between the bar and the clip light
 };
 
 // LEDs or a continuous bar on glass, in the colours of the theme. A double gap parts the zones;

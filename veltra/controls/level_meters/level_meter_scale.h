@@ -19,8 +19,9 @@ namespace veltra {
 VELTRA_EXPORT std::int32_t levelMeterRowsBelow(double decibels, std::int32_t rows,
                                                LevelMeterLevels levels) noexcept;
 
+// One tick of the scale.
 struct LevelMeterTick {
-    double decibels = 0.0;
+    double decibels = 0.0;  // relative to full scale
     // From the place of full scale downwards (to the left, of a lying meter), in points. With LEDs
     // it is the upper edge of the LED below; the tick fills the gap above that edge.
     float edge = 0.0F;
@@ -31,7 +32,7 @@ struct LevelMeterTick {
 class VELTRA_EXPORT LevelMeterScale {
 public:
     static constexpr float kUprightDistance = 15.0F;  // points from label to label
-    static constexpr float kLyingDistance = 26.0F;
+    static constexpr float kLyingDistance = 26.0F;    // the same, of a lying meter
 
     // A bar `length` points long with `rows` LEDs; without LEDs (0) ticks lie on whole device
     // pixels, of which `scale` make a point. Labels stand at least `distance` points apart.

@@ -22,6 +22,7 @@ public:
     static constexpr float kHeight = 20.0F;     // points, that it is made for
     static constexpr double kQuietest = -70.0;  // decibels; at and below it shows "−∞"
 
+    // In silence, neither clipped nor muted.
     explicit PeakReadout(const Rect& frame = {});
 
     // A peak, linear, 1 at full scale; its sign does not count, NaN counts as silence. What is

@@ -19,6 +19,7 @@ class DfNumberEditorControlDelegate;
 
 class VELTRA_EXPORT QkCellGroupControl : public Control, public QkNumberEditorCellDelegate {
 public:
+    // A control without cells, that draws no background.
     explicit QkCellGroupControl(const Rect& frame = {});
     ~QkCellGroupControl() override;
 

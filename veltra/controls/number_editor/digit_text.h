@@ -14,6 +14,7 @@
 
 namespace veltra {
 
+// The maximum of shadow eights, and of places that zeros are put before a number for.
 inline constexpr std::uint32_t kMostShadowEights = 20;
 inline constexpr std::uint32_t kMostLeadingZeros = 255;
 
@@ -30,9 +31,11 @@ VELTRA_EXPORT std::string zeroPadded(std::int32_t number, std::uint32_t places);
 
 // The zeros that a text begins with, and what follows them. A text of zeros alone has no rest.
 struct SplitDigits {
-    std::string_view zeros;
-    std::string_view rest;
+    std::string_view zeros;  // what is drawn faintly
+    std::string_view rest;   // from the first other character on
 };
+
+// Splits `digits`, which both parts then point into: empty parts, too.
 VELTRA_EXPORT SplitDigits splitLeadingZeros(std::string_view digits) noexcept;
 
 // So many eights, at most 20.
@@ -45,9 +48,9 @@ VELTRA_EXPORT std::string linedUpWithEights(std::int32_t number, std::uint32_t e
 
 // What is left free around the digits of a cell, in points.
 struct DigitInsets {
-    float left = 1.0F;
-    float right = 1.0F;
-    float vertical = 0.0F;
+    float left = 1.0F;      // before the digits
+    float right = 1.0F;     // behind them
+    float vertical = 0.0F;  // above and, once more, below
 };
 
 // Where in the frame of a cell the line of digits stands: in the middle of the height, on a whole

@@ -16,10 +16,11 @@
 
 namespace veltra {
 
+// What is to be fitted, and into what.
 struct FontFitting {
-    float width = 0.0F;   // what there is room for, in points
-    float insets = 0.0F;  // what is needed besides the strings
-    std::vector<std::string> strings;
+    float width = 0.0F;                // what there is room for, in points
+    float insets = 0.0F;               // what is needed besides the strings
+    std::vector<std::string> strings;  // UTF-8; those that stand side by side
     Font font;  // all but the size; where no family of its name is installed, the system's
 };
 

@@ -21,9 +21,9 @@ namespace veltra {
 
 // One of the groups of digits that a NumberDisplay is set up with.
 struct NumberDisplayGroup {
-    std::uint32_t places = 1;  // digits that have room, and that can be typed
-    std::string name;          // for a screen reader, such as "bar"
-    bool hasLeadingZeros = false;
+    std::uint32_t places = 1;      // digits that have room, and that can be typed
+    std::string name;              // for a screen reader, such as "bar"
+    bool hasLeadingZeros = false;  // zeros fill the places before the number
 };
 
 class VELTRA_EXPORT NumberDisplay : public View {
@@ -33,6 +33,8 @@ public:
                            float fontSize = 20.0F);
     ~NumberDisplay() override;
 
+    // The editor that lies on the ground, for value, target and action. It lives as long as this
+    // view.
     DfNumberEditorControl& editor() noexcept { return *m_editor; }
     const DfNumberEditorControl& editor() const noexcept { return *m_editor; }
 

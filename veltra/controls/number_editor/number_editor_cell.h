@@ -44,6 +44,8 @@ public:
 
 class VELTRA_EXPORT QkNumberEditorCell : public ActionCell {
 public:
+    // A cell of the Plain look, with `text` as its value. It cannot be edited until
+    // setEditable(true).
     explicit QkNumberEditorCell(std::string_view text = {});
     ~QkNumberEditorCell() override;
 
@@ -75,8 +77,11 @@ public:
     const MaybeColor& leadingZerosColor() const noexcept { return m_leadingZerosColor; }
     void setLeadingZerosColor(const MaybeColor& color) { change(m_leadingZerosColor, color); }
 
+    // Whether backgroundColor() is drawn behind the digits, if there is one. At first not.
     bool drawsBackground() const noexcept { return m_drawsBackground; }
     void setDrawsBackground(bool draws) { change(m_drawsBackground, draws); }
+
+    // Whether digits have hard edges, as in old displays. At first not.
     bool disablesFontSmoothing() const noexcept { return m_disableFontSmoothing; }
     void setDisablesFontSmoothing(bool disables) { change(m_disableFontSmoothing, disables); }
 

@@ -71,6 +71,8 @@ public:
     void setLeadingZerosOfEditorCellAtIndex(std::uint32_t places, std::int32_t index);
     void setShadowEightsOfEditorCellAtIndex(std::uint32_t count, std::int32_t index);
 
+    // What stands between two groups: the separator at an index lies behind the group of that
+    // index.
     void setStringOfSeparatorCellAtIndex(std::string_view text, std::int32_t index);
     std::string stringOfSeparatorCellAtIndex(std::int32_t index) const;
     // In points; of the present frame. A width that is set lasts while custom widths are on, else
@@ -80,6 +82,7 @@ public:
     bool useCustomSeparatorWidths() const noexcept { return m_useCustomSeparatorWidths; }
     void setUseCustomSeparatorWidths(bool uses);
 
+    // The colour of the shadow eights; nothing, as at first: that of the look.
     const MaybeColor& shadowEightColor() const noexcept { return m_shadowEightColor; }
     void setShadowEightColor(const MaybeColor& color);  // for all cells
     // A look for all cells, at first Plain; the others leave more room around the digits. With a
@@ -167,6 +170,8 @@ protected:
     void mouseButtonWentUp() override;
     void frameDidChange() override;
 
+    // Add a separator, or a group that shows `text` as its number, behind the cells that are there.
+    // Groups and separators take turns, with a group first: subclasses keep that.
     void ____addSeparatorCell(std::string_view text);
     void ____addEditableCellWithText(std::string_view text);
 

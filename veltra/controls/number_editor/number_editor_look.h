@@ -13,23 +13,26 @@
 
 namespace veltra {
 
+// What a number editor looks like where no colour is set.
 enum class NumberEditorLook : std::uint8_t {
     Plain,  // black digits, for hosts that set all colours themselves
     Glass,  // a read-out: on the dark ground of the theme's glass
     Field,  // a setting: on the theme's field
 };
 
+// What each part of a number editor is drawn in.
 struct NumberEditorColors {
-    Color text;
-    Color editBackground;
-    Color editText;
-    Color shadowEight;
+    Color text;                             // the digits
+    Color editBackground;                   // the ground of the group that is being edited
+    Color editText;                         // its digits
+    Color shadowEight;                      // the eights behind the digits
     std::optional<Color> leadingZeros;      // nothing: as the text
     std::optional<Color> editLeadingZeros;  // the same while editing
-    Color separator;
-    Color hover;  // over the ground, under the digits
+    Color separator;                        // what stands between groups
+    Color hover;                            // over the ground, under the digits
 };
 
+// The colours of a look in a light or a dark window.
 VELTRA_EXPORT NumberEditorColors numberEditorColors(NumberEditorLook look,
                                                     Appearance appearance) noexcept;
 

@@ -17,6 +17,7 @@
 
 namespace veltra {
 
+// What one group counts.
 struct NumberGroup {
     // How many values it takes before it carries into the group to its left. Does not count for the
     // first group, which has no limit; below 1 counts as 1.
@@ -26,6 +27,7 @@ struct NumberGroup {
 
 class VELTRA_EXPORT NumberGroups {
 public:
+    // The groups from the left: each counts the overflow of the one to its right.
     explicit NumberGroups(std::vector<NumberGroup> groups) : m_groups(std::move(groups)) {}
 
     // The values of the groups. A number below 0 goes below `first` in the first group alone. What

@@ -43,6 +43,7 @@ VELTRA_EXPORT std::int32_t numberChangedBy(std::int32_t number, std::int64_t cha
 // steps taken never differ from the way gone by one or more.
 class VELTRA_EXPORT WholeSteps {
 public:
+    // Forgets what is left over: before a new movement.
     void reset() noexcept { m_rest = 0.0F; }
 
     // `way` more: what to step by now, rounded up, with what is left over from before.

@@ -24,6 +24,7 @@ namespace veltra {
 
 class VELTRA_EXPORT QkLogSliderCell : public SliderCell {
 public:
+    // A plain slider's cell, without a curve and not inverted.
     using SliderCell::SliderCell;
 
     // 0, as at first: marks at equal distances. 2: close together at the maximum. Any other number
@@ -65,6 +66,7 @@ public:
     bool performAccessibilityAction(AccessibilityAction action) override;
 
 protected:
+    // Whether values go by stops: only marks are allowed, and there are two or more of them.
     bool stopsOnly() const { return allowsTickMarkValuesOnly() && numberOfTickMarks() > 1; }
 
 private:

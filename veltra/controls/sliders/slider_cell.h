@@ -194,8 +194,13 @@ public:
     // Drawing.
 
     void drawBar(Canvas& canvas, const Rect& track, View& view) override;
+
+    // What drawBar() calls: the image of the track, else the slot, and on an enabled slider its
+    // coloured part between the default and the value.
     virtual void drawBarInside(Canvas& canvas, const Rect& track, bool isFlipped);
     void drawTickMarks(Canvas& canvas, View& view) override;
+
+    // What drawTickMarks() calls: the marks that were set, or else one for each tick mark.
     virtual void drawTickmarks(Canvas& canvas);
     void drawKnob(Canvas& canvas, const Rect& knob, View& view) override;
 

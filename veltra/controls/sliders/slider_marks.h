@@ -13,7 +13,9 @@
 
 namespace veltra {
 
+// One mark beside the track.
 struct SliderMark {
+    // How the mark is drawn.
     enum class Kind : std::uint8_t {
         Major,
         Minor,      // shorter and quieter
@@ -21,10 +23,11 @@ struct SliderMark {
         Reference,  // the same, strong: the value that all others are compared with
     };
 
-    double value = 0.0;  // of the cell
-    Kind kind = Kind::Major;
-    std::string label{};  // empty: none
+    double value = 0.0;       // of the cell
+    Kind kind = Kind::Major;  // how it is drawn
+    std::string label{};      // empty: none
 
+    // Whether value, kind and label are equal.
     friend bool operator==(const SliderMark&, const SliderMark&) = default;
 };
 

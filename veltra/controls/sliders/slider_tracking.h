@@ -14,12 +14,12 @@ namespace veltra {
 
 // The way of a knob along its track. All lengths in points.
 struct VELTRA_EXPORT SliderTravel {
-    Rect track;         // what the knob as a whole moves in
-    float knob = 0.0F;  // length of the knob along the track
-    bool isVertical = false;
-    bool isFlipped = false;  // the y axis points down
-    double minimum = 0.0;
-    double maximum = 1.0;
+    Rect track;               // what the knob as a whole moves in
+    float knob = 0.0F;        // length of the knob along the track
+    bool isVertical = false;  // the knob moves along the y axis
+    bool isFlipped = false;   // the y axis points down
+    double minimum = 0.0;     // the value at one end of the track
+    double maximum = 1.0;     // at the other end; not below `minimum`
 
     // Of a point or a rectangle, along the track.
     float along(Point point) const noexcept { return isVertical ? point.y : point.x; }
