@@ -38,14 +38,13 @@ build() {
     fi
 }
 
-# Reads ctest's log, one line a test: sets p (passed), s (skipped) and f (failed).
+# Reads the end of ctest's log: sets p (passed), s (skipped) and f (failed).
 count_tests() {
     local total
-    p=$(grep -cE '^ *[0-9]+/[0-9]+ Test .* Passed ' "$1" || true)
-    s=$(grep -cE '^ *[0-9]+/[0-9]+ Test .*\*\*\*Skipped ' "$1" || true)
-    total=$(sed -nE 's/.* tests failed out of ([0-9]+)$/\1/p' "$1")
+    read -r f total < <(sed -nE 's/.* ([0-9]+) tests failed out of ([0-9]+)$/\1 \2/p' "$1") || true
     [ "${total:-0}" -gt 0 ] || { cat "$1"; fail "no test ran: $1"; }
-    f=$((total - p - s))
+    s=$(grep -cE '^[[:space:]]+[0-9]+ - .* \(Skipped\)$' "$1" || true)
+    p=$((total - s - f))
 }
 
 # What such a log says beside the tests that passed.
