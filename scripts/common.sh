@@ -56,3 +56,15 @@ tell_skips() {
     sed 's/.*<system-out>//; s/&apos;/'\''/g; s/&quot;/"/g' "$@" |
         awk '/: Skipped$/ { getline; print } sub(/^Skipped: /, "")' | sort | uniq -c | sort -rn
 }
+
+# MAJOR, MINOR or PATCH of the tree's version.
+version_part() { sed -n "s/^#define VELTRA_VERSION_$1 //p" veltra/version.h; }
+
+# What needs a configured tree makes do with the one there is.
+configure_dev() { [ -f build/dev/CMakeCache.txt ] || cmake --preset dev >/dev/null; }
+
+# The headers that the tree would install, below a folder; nothing is compiled.
+install_headers() {
+    configure_dev
+    cmake --install build/dev --component headers --prefix "$1" >/dev/null
+}
