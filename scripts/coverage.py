@@ -12,7 +12,7 @@ import sys
 def table(folder):
     modules = collections.defaultdict(lambda: [0, 0, 0, 0])
     for found in json.load(sys.stdin)["data"][0]["files"]:
-        name = os.path.relpath(found["filename"], folder)
+        name = os.path.relpath(os.path.normpath(found["filename"]), folder)
         if name.startswith(".."):
             continue
         counts = [found["summary"][what][part]

@@ -18,7 +18,8 @@ namespace veltra {
 
 namespace {
 
-VELTRA_NEVER_ALLOCATED constinit thread_local bool probeWasReached = false;
+// Volatile, because compilers know of strdup and its like that they change no variable.
+VELTRA_NEVER_ALLOCATED constinit thread_local volatile bool probeWasReached = false;
 
 // Forwards to the allocator below every wrapper rather than to what it replaced: two probes that
 // overlap then cannot call one another for ever.
