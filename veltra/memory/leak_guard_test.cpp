@@ -78,7 +78,8 @@ TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
         give(takeInScope(50));
         EXPECT_EQ(printed([] { QKLeakGuard::ResetHistory(true); }),
                   "LLD: no leaking bytes detected\n");
-        void* const block = takeInScope(100);
+        void* block = nullptr;
+        std::thread([&] { block = takeInScope(100); }).join();  // with few frames
         const auto report = printed([] { QKResetLeakGuardHistory(true); });
         std::vector<std::uintptr_t> callers;
         const std::string start = "LLD:         0x";
@@ -86,6 +87,7 @@ TEST(LeakGuard, ReportsEachLeakWithItsCallersAndTheSum) {
             callers.push_back(std::strtoul(&report[at + start.size()], nullptr, 16));
         ASSERT_EQ(callers.size(), 16U);
         EXPECT_NE(callers[5], 0U);
+        EXPECT_EQ(callers[15], 0U);
         EXPECT_LT(callers[1] - reinterpret_cast<std::uintptr_t>(&takeInScope), 400U);
         const auto stack = printed([&] {
             QKLeakGuardPrintStack(callers.data(), 16, true);
@@ -184,21 +186,29 @@ template <std::size_t Size>
 [[gnu::noinline]] void recursive(int depth) {
     const QKLeakGuard guard;
     if (depth > 0) recursive(depth - 1);
+    give(take(1));
     (void)take(1);
+}
+// With more frames between scope and block than are kept.
+[[gnu::noinline]] void deep(int frames) {
+    QKLeakGuard* const scope = frames == 20 ? QKOpenLeakGuardScope() : nullptr;
+    frames > 0 ? deep(frames - 1) : sibling(1);
+    QKCloseLeakGuardScope(scope);
 }
 
 TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
     guarded([](auto&) {
         QKLeakGuard* scope = openForCaller();
         sibling(3);
-        delete scope;
+        std::thread([&] { delete scope; }).join();
         sibling(1000);
         EXPECT_EQ(leaking(), 3);
         // Functions at one depth, whose scopes outlive them.
         scope = openOrTake<10>(true);
         QKLeakGuard* const other = openOrTake<200>(true);
         sibling(1000);
-        EXPECT_EQ(leaking(), 210);
+        deep(25);  // below scopes that do not count
+        EXPECT_EQ(leaking(), 211);
         QKCloseLeakGuardScope(scope);
         openOrTake<10>(false);
         openOrTake<200>(false);
@@ -207,6 +217,8 @@ TEST(LeakGuard, RecordsWhatTheScopesFunctionCallsAndNothingElse) {
         for (int i = 0; i < 40; ++i)
             openOrTake<0>(true);
         recursive(0);  // one scope among many that do not count
+        EXPECT_EQ(leaking(), 1);
+        deep(25);
         EXPECT_EQ(leaking(), 1);
         recursive(100);
         EXPECT_EQ(leaking(), 101);

@@ -25,8 +25,10 @@ struct StackFrame {
     friend bool operator==(const StackFrame&, const StackFrame&) noexcept = default;
 };
 
-// False ends the walk.
-using FrameVisitor = bool (*)(void* context, const StackFrame& frame) noexcept;
+// Returns which frame is wanted next: the first with a canonical frame address of at least that.
+using FrameVisitor = std::uintptr_t (*)(void* context, const StackFrame& frame) noexcept;
+inline constexpr std::uintptr_t kNextFrame = 0;
+inline constexpr std::uintptr_t kNoMoreFrames = UINTPTR_MAX;  // ends the walk
 
 // Visits the frames outside the code that stands between a caller and the allocator
 // (zone_code.h): everything up to and with the innermost run of such code is left out, so there

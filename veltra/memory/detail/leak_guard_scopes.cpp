@@ -24,12 +24,14 @@ std::size_t OpenScopes::find(const FrameIdentity& frame) const noexcept {
 OpenScope* OpenScopes::append(const OpenScope& scope, OpenScope* larger) noexcept {
     std::copy_n(m_scopes, m_count, larger);
     larger[m_count++] = scope;
+    change();
     return std::exchange(m_scopes, larger);
 }
 
 OpenScope* OpenScopes::remove(std::size_t index, OpenScope* smaller) noexcept {
     std::copy(m_scopes + index + 1, m_scopes + m_count, m_scopes + index);
     --m_count;
+    change();
     if (smaller == nullptr && m_count > 0) return nullptr;
     std::copy_n(m_scopes, m_count, smaller);
     return std::exchange(m_scopes, smaller);
@@ -40,20 +42,26 @@ ScopesAround::ScopesAround(const OpenScopes& scopes, std::uint32_t thread,
     for (std::size_t i = 0; i < scopes.m_count; ++i) {
         const OpenScope& scope = scopes.m_scopes[i];
         if (scope.thread != thread) continue;
-        m_hasThread = true;
-        if (scope.frame.cfa <= address) continue;
-        m_highest = std::max(m_highest, scope.frame.cfa);
-        if (m_count < m_frames.size()) {
-            m_frames[m_count++] = scope.frame;
-        } else {
-            m_isComplete = false;
-        }
+        ++m_own;
+        if (scope.frame.cfa > address) add(scope.frame);
     }
 }
 
-bool ScopesAround::contains(const FrameIdentity& frame) const noexcept {
-    return std::find(m_frames.begin(), m_frames.begin() + m_count, frame) !=
-           m_frames.begin() + m_count;
+void ScopesAround::add(const FrameIdentity& frame) noexcept {
+    m_highest = std::max(m_highest, frame.cfa);
+    m_isComplete = m_count < kMost;
+    if (!m_isComplete) return;
+    m_cfas[m_count] = frame.cfa;
+    m_functions[m_count++] = frame.function;
+}
+
+std::uintptr_t ScopesAround::nextAbove(std::uintptr_t address) const noexcept {
+    if (address >= m_highest) return kNoMoreFrames;
+    if (!m_isComplete) return kNextFrame;
+    std::uintptr_t next = m_highest;
+    for (std::size_t i = 0; i < m_count; ++i)
+        if (m_cfas[i] > address) next = std::min(next, m_cfas[i]);
+    return next;
 }
 
 }  // namespace veltra::detail

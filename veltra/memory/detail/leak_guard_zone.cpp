@@ -10,6 +10,10 @@
 //     before the block is handed out and cleared before it is given back, by whoever owns the block
 //     at that moment: the host's own order between the two threads covers it.
 //
+// Inside a scope, a thread that has this one alone keeps a copy of it, and looks at the scopes
+// again when their version has changed: a change that the thread was told of it sees, and another
+// thread's that it was not told of it may as well see later.
+//
 // Everything else happens under one lock. Under it nothing is allocated or freed and no stack is
 // walked, so that it may be taken inside any allocation, by a callback of the memory reserve that
 // runs in the middle of one too. Hence arrays and records are made before and freed after; a block
@@ -38,6 +42,8 @@ struct ThreadState {
     std::uint32_t number = 0;  // 0: never opened a scope
     bool mayHaveScopes = false;
     bool isUnrecorded = false;
+    std::uint64_t looked = 0;  // the version of the scopes that it has seen
+    FrameIdentity only;        // its scope there, if it had one alone
 };
 VELTRA_NEVER_ALLOCATED constinit thread_local ThreadState thread;
 
@@ -67,25 +73,42 @@ struct CallStack {
     explicit CallStack(std::uintptr_t address) noexcept : around(look(address)) {}
 
     static ScopesAround look(std::uintptr_t address) noexcept {
+        if (thread.looked == scopes.version() && thread.only.cfa > address)
+            return ScopesAround(thread.only);
         const std::lock_guard lock(guardLock);
-        return {scopes, thread.number, address};
+        const ScopesAround around(scopes, thread.number, address);
+        thread.looked = scopes.version();
+        thread.only = around.only();
+        return around;
     }
 
-    bool isOpen(const FrameIdentity& frame) const noexcept {
-        if (around.contains(frame)) return true;
-        if (around.isComplete()) return false;
+    [[gnu::noinline]] static bool isOpenNow(const FrameIdentity& frame) noexcept {
         const std::lock_guard lock(guardLock);
         return scopes.contain({frame, thread.number});
     }
 
-    bool visit(const StackFrame& frame) noexcept {
+    // Every frame is wanted while there is room for its address, and those of scopes until one is
+    // found.
+    std::uintptr_t visit(const StackFrame& frame) noexcept {
         if (count < returnAddresses.size()) returnAddresses[count++] = frame.returnAddress;
-        isGuarded = isGuarded || isOpen(frame.identity);
-        return isGuarded ? count < returnAddresses.size() : frame.identity.cfa < around.highest();
+        if (frame.identity.cfa >= next) {
+            isGuarded = around.contains(frame.identity) ||
+                        (!around.isComplete() && isOpenNow(frame.identity));
+            next = isGuarded ? kNoMoreFrames : around.nextAbove(frame.identity.cfa);
+        }
+        return count < returnAddresses.size() ? kNextFrame : next;
+    }
+
+    std::array<std::uintptr_t, kLeakGuardAddresses> addresses() const noexcept {
+        std::array<std::uintptr_t, kLeakGuardAddresses> all;
+        for (std::size_t i = 0; i < all.size(); ++i)
+            all[i] = i < count ? returnAddresses[i] : 0;
+        return all;
     }
 
     ScopesAround around;
-    std::array<std::uintptr_t, kLeakGuardAddresses> returnAddresses{};
+    std::uintptr_t next = 0;  // from here on a frame may be that of a scope
+    std::array<std::uintptr_t, kLeakGuardAddresses> returnAddresses;  // `count` of them
     std::size_t count = 0;
     bool isGuarded = false;
 };
@@ -104,10 +127,11 @@ void keep(void* block, std::size_t size, const CallStack& stack, LeakRecord* kno
     if (record == nullptr) {
         void* const memory = saved.allocate(sizeof(LeakRecord));
         if (memory == nullptr) return;
-        record = new (memory) LeakRecord;
+        record = new (memory) LeakRecord{.size = size, .returnAddresses = stack.addresses()};
+    } else {
+        record->size = size;
+        record->returnAddresses = stack.addresses();
     }
-    record->size = size;
-    record->returnAddresses = stack.returnAddresses;
     LeakTail tail(block, saved.size(block));
 
     std::unique_lock lock(guardLock);

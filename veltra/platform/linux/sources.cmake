@@ -40,6 +40,7 @@ set(PORT_SOURCES
     table_walk.cpp
     terminal_text.cpp
     thread_end.cpp
+    unwind_rules.cpp
     unwind_table.cpp
     volumes.cpp
     work_memory.cpp)

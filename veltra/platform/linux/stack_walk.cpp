@@ -15,7 +15,8 @@ namespace {
 struct Walk {
     FrameVisitor visit;
     void* context;
-    std::size_t visited;
+    std::size_t leftOut;
+    std::uintptr_t wanted;
     StackFrame frame;
     ZoneExit zone;
     bool isWaiting = false;  // `frame` is to be visited
@@ -24,10 +25,11 @@ struct Walk {
 _Unwind_Reason_Code step(_Unwind_Context* unwinder, void* argument) noexcept {
     Walk& walk = *static_cast<Walk*>(argument);
     walk.frame.identity.cfa = _Unwind_GetCFA(unwinder);
-    if (walk.isWaiting && walk.visited > 0) {
-        --walk.visited;
-    } else if (walk.isWaiting && !walk.visit(walk.context, walk.frame)) {
-        return _URC_END_OF_STACK;
+    if (walk.isWaiting && walk.leftOut > 0) {
+        --walk.leftOut;
+    } else if (walk.isWaiting && walk.frame.identity.cfa >= walk.wanted) {
+        walk.wanted = walk.visit(walk.context, walk.frame);
+        if (walk.wanted == kNoMoreFrames) return _URC_END_OF_STACK;
     }
     walk.frame.returnAddress = _Unwind_GetIP(unwinder);
     walk.frame.identity.function = _Unwind_GetRegionStart(unwinder);
@@ -61,14 +63,14 @@ bool ZoneExit::isZone(std::uintptr_t returnAddress) noexcept {
     return isZoneCode(returnAddress - 1);
 }
 
-void walkByUnwinder(FrameVisitor visit, void* context, std::size_t visited) noexcept {
-    Walk walk{visit, context, visited, {}, {}};
+void walkByUnwinder(FrameVisitor visit, void* context, const TableWalk& before) noexcept {
+    Walk walk{visit, context, before.passed, before.wanted, {}, {}};
     _Unwind_Backtrace(step, &walk);
 }
 
 void walkCallers(FrameVisitor visit, void* context) noexcept {
     const TableWalk walk = walkByTables(visit, context);
-    if (!walk.isDone) walkByUnwinder(visit, context, walk.visited);
+    if (!walk.isDone) walkByUnwinder(visit, context, walk);
 }
 
 [[gnu::noinline]] std::size_t captureCalls(std::span<std::uintptr_t> addresses,
@@ -87,9 +89,9 @@ FrameIdentity callerFrame(int up) noexcept {
     walkCallers(
         [](void* context, const StackFrame& frame) noexcept {
             auto& state = *static_cast<Search*>(context);
-            if (state.left-- > 0) return true;
+            if (state.left-- > 0) return kNextFrame;
             state.found = frame.identity;
-            return false;
+            return kNoMoreFrames;
         },
         &search);
     return search.found;

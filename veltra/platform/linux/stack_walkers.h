@@ -8,14 +8,14 @@
 
 namespace veltra {
 
-// By the unwinder of the compiler's runtime: goes everywhere. Leaves out the first `visited`
-// frames.
-void walkByUnwinder(FrameVisitor visit, void* context, std::size_t visited) noexcept;
-
 struct TableWalk {
-    bool isDone = false;      // the outermost frame was reached, or the visitor ended the walk
-    std::size_t visited = 0;  // so many frames, and the rest is up to the unwinder
+    bool isDone = false;     // the outermost frame was reached, or the visitor ended the walk
+    std::size_t passed = 0;  // so many frames, and the rest is up to the unwinder
+    std::uintptr_t wanted = kNextFrame;  // what the visitor said last
 };
+
+// By the unwinder of the compiler's runtime: goes everywhere. Goes on where `before` gave up.
+void walkByUnwinder(FrameVisitor visit, void* context, const TableWalk& before) noexcept;
 
 // By the unwinding tables and a cache of what they said: several times faster. Gives up where it
 // meets anything unusual, a signal's frame among others, and at once on other processors than

@@ -361,10 +361,7 @@ UnwindTable::UnwindTable(const unsigned char* header) noexcept {
     m_count = readAt<std::uint32_t>(header + 8);
 }
 
-std::uint32_t UnwindTable::find(std::uintptr_t address, std::uint32_t hint) const noexcept {
-    if (hint < m_count && isAtOrBelow(hint, address) &&
-        (hint + 1 == m_count || !isAtOrBelow(hint + 1, address)))
-        return hint;
+std::uint32_t UnwindTable::find(std::uintptr_t address) const noexcept {
     std::uint32_t first = 0;
     for (std::uint32_t left = m_count; left > 1;) {
         const std::uint32_t half = left / 2;

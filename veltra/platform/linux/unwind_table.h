@@ -3,9 +3,9 @@
 // or 64-bit ARM whose caller can be found with stack and frame pointer alone, which is nearly every
 // one.
 //
-// They are read here, with a cache above (table_walk.cpp), because the leak guard walks the stack
-// at every allocation: 20 frames take 0.8 to 1.4 us this way and 10.7 to 13.2 us by the unwinder of
-// the compiler's runtime, 8 to 16 times as long. The unwinder serves wherever this code gives up.
+// They are read here, with a cache above (unwind_rules.h), because the leak guard walks the stack
+// at every allocation: 20 frames take 0.14 to 0.36 us this way and 4.2 to 4.4 us by the unwinder of
+// the compiler's runtime. The unwinder serves wherever this code gives up.
 #pragma once
 
 #include <cstdint>
@@ -44,8 +44,14 @@ public:
 
     bool isUsable() const noexcept { return m_count != 0; }
 
-    // The entry of the function that `address` may lie in; `hint` is tried first.
-    std::uint32_t find(std::uintptr_t address, std::uint32_t hint) const noexcept;
+    // The entry of the function that `address` may lie in.
+    std::uint32_t find(std::uintptr_t address) const noexcept;
+
+    // Whether find() would return `entry`.
+    bool isFound(std::uintptr_t address, std::uint32_t entry) const noexcept {
+        return entry < m_count && isAtOrBelow(entry, address) &&
+               (entry + 1 == m_count || !isAtOrBelow(entry + 1, address));
+    }
 
     // The description of an entry's function.
     const unsigned char* description(std::uint32_t entry) const noexcept {
