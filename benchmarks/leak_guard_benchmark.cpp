@@ -135,8 +135,8 @@ constexpr Ratio kRatios[] = {
     {"40 frames : libgcc's walk", "guard, in scope/40", "walk by libgcc/40", 0.5},
     {"10 frames : heaptrack", "guard, process/10", "heaptrack/10", 0},
     {"40 frames : heaptrack", "guard, process/40", "heaptrack/40", 0},
-    {"10 frames : LeakSanitizer", "guard, process/10", "LeakSanitizer/10", 0},
-    {"40 frames : LeakSanitizer", "guard, process/40", "LeakSanitizer/40", 0},
+    {"10 frames : LeakSanitizer", "guard, process/10", "LeakSanitizer/10", 3},
+    {"40 frames : LeakSanitizer", "guard, process/40", "LeakSanitizer/40", 3},
 };
 
 }  // namespace
