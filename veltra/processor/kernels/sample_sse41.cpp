@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/processor/kernels/float_environment.h"
 #include "veltra/processor/kernels/sample_vector16.h"
 #include "veltra/processor/kernels/ssse3_memory.h"
 
@@ -61,8 +62,49 @@ struct Sse41Words : Ssse3Memory {
     }
 };
 
+// With fewer steps, for which the thread's arithmetic is changed for a while: what lies at or
+// beyond 1.0 may become the least integer.
+struct Sse41Long : SampleVector16<Sse41Words> {
+    using Environment = QuietArithmetic;
+
+    template <std::size_t bytes, std::size_t count>
+    [[gnu::always_inline]] static bool fractionsWithin(Register (&samples)[count]) {
+        if constexpr (bytes > 2) return wideFractionsWithin(samples);
+        narrowFractionsOf(samples);
+        return true;
+    }
+
+private:
+    // Below -1.0 the least integer is right, its lowest byte does not count. The multiplication in
+    // the exponent is one of halves, which saturates there, to a NaN with the sample's sign.
+    template <std::size_t count>
+    [[gnu::always_inline]] static void narrowFractionsOf(Register (&samples)[count]) {
+        for (Register& sample : samples) {
+            const Register clipped = _mm_min_epi32(sample, _mm_set1_epi32(0x3F7F'FFFF));
+            const Register scaled = _mm_adds_epu16(clipped, _mm_set1_epi32(31 << 23));
+            sample = _mm_cvttps_epi32(_mm_castsi128_ps(scaled));
+        }
+    }
+
+    // Nothing else becomes the least integer, and few blocks have such samples.
+    template <std::size_t count>
+    [[gnu::always_inline]] static bool wideFractionsWithin(Register (&samples)[count]) {
+        for (Register& sample : samples)
+            sample = _mm_cvttps_epi32(_mm_mul_ps(_mm_castsi128_ps(sample), _mm_set1_ps(0x1p31F)));
+        Register least = samples[0];
+        for (std::size_t i = 1; i < count; ++i)
+            least = _mm_min_epi32(least, samples[i]);
+        return _mm_movemask_epi8(_mm_cmpeq_epi32(least, _mm_set1_epi32(INT32_MIN))) == 0;
+    }
+};
+
+struct Sse41 : SampleVector16<Sse41Words> {
+    using Long = Sse41Long;
+    static constexpr std::size_t kLongRun = 256;
+};
+
 }  // namespace
 
-constexpr SampleKernels kSamplesSse41 = makeSampleKernels<SampleVector16<Sse41Words>>();
+constexpr SampleKernels kSamplesSse41 = makeSampleKernels<Sse41>();
 
 }  // namespace veltra::kernels

@@ -96,6 +96,13 @@ concept SampleVector = requires(typename Vector::Register r, typename Vector::Re
     { Vector::template packed<Sample, 2, 0>(words) } -> RegisterOf<Vector>;
 };
 
+// Vectors that also have a quicker fractionsOf, which may return false where samples lie outside
+// the range from -1.0 to 1.0.
+template <class Vector, class Sample>
+concept HasFractionsWithin = !Sample::kIsFloat && requires(typename Vector::Register(&words)[1]) {
+    { Vector::template fractionsWithin<Sample::kSize>(words) } -> std::same_as<bool>;
+};
+
 // Runs steps over frames: step.whole<n>(frame) for n blocks, step.part(frame, frames) for less than
 // one.
 template <SampleVector Vector, bool backwards, std::size_t blocks, class Step>
@@ -233,13 +240,26 @@ private:
     template <std::size_t blocks, bool isPart>
     [[gnu::always_inline]] void run(std::size_t frame, std::size_t frames) const {
         Register words[blocks * channels];
-        for (std::size_t block = 0; block < blocks; ++block) {
-            for (std::size_t channel = 0; channel < channels; ++channel) {
-                words[block * channels + channel] = loadSome<Vector, 4 * Vector::kLanes, isPart>(
-                    sources[channel] + 4 * (frame + block * Vector::kLanes), 4 * frames);
+        const auto read = [&]() __attribute__((always_inline)) {
+            for (std::size_t block = 0; block < blocks; ++block) {
+                for (std::size_t channel = 0; channel < channels; ++channel) {
+                    words[block * channels + channel] =
+                        loadSome<Vector, 4 * Vector::kLanes, isPart>(
+                            sources[channel] + 4 * (frame + block * Vector::kLanes), 4 * frames);
+                }
             }
+        };
+        read();
+        if constexpr (HasFractionsWithin<Vector, Sample>) {
+            if (!Vector::template fractionsWithin<Sample::kSize>(words)) [[unlikely]] {
+                // From memory, or the compiler would keep the samples in registers it is short of.
+                __asm__ volatile("" : : : "memory");
+                read();
+                Vector::template fractionsOf<Sample::kSize>(words);
+            }
+        } else if constexpr (!Sample::kIsFloat) {
+            Vector::template fractionsOf<Sample::kSize>(words);
         }
-        if constexpr (!Sample::kIsFloat) Vector::template fractionsOf<Sample::kSize>(words);
         if constexpr (!isPart && Vector::kGroup == blocks * channels) {
             return writeGroup<0>(destination + kFrameSize * frame, words);
         }

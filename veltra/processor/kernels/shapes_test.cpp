@@ -10,8 +10,8 @@ namespace veltra {
 namespace {
 
 constexpr std::size_t kEach = 200;  // every count up to here, and some of long runs
-constexpr std::size_t kLonger[] = {255, 256, 257, 1000};
-constexpr std::size_t kLongest = 1000;
+constexpr std::size_t kLonger[] = {255, 256, 257, 1003};
+constexpr std::size_t kLongest = 1003;
 constexpr std::size_t kLargest = 8 * kLongest;
 
 // Three buffers with the same contents in each arena.
