@@ -22,19 +22,36 @@ use_compiler_cache() {
 }
 use_compiler_cache
 
-# Configures and builds one preset. On a terminal the progress shows; elsewhere only what went wrong
-# does.
+# Reads what ninja says: prints how far it is at each tenth, with the minutes since the beginning, and
+# all that is not about its steps.
+tenths() { # NAME
+    local line tenth shown=0 begin=$SECONDS time
+    while IFS= read -r line; do
+        if [[ $line =~ ^\[([0-9]+)/([0-9]+)\]\  ]]; then
+            tenth=$((BASH_REMATCH[1] * 10 / BASH_REMATCH[2]))
+            [ "$tenth" -gt "$shown" ] || continue
+            shown=$tenth time=$((SECONDS - begin))
+            printf '%s: %d %%  %d:%02d\n' "$1" $((tenth * 10)) $((time / 60)) $((time % 60))
+        elif [ "$line" != 'ninja: no work to do.' ]; then
+            printf '%s\n' "$line"
+        fi
+    done
+}
+
+# Configures and builds one preset. A terminal shows each step, anything else every tenth. The
+# switches are printed when they are new.
 build() {
-    local preset=$1
+    local preset=$1 told='^--   VELTRA_|^-- Veltra|not found'
     shift
     use_compiler_cache  # the script may just have installed it
     say "build $preset"
-    cmake --preset "$preset" "$@" | grep -E '^--   VELTRA_|^-- Veltra|not found' || true
+    mkdir -p "build/$preset" 2>/dev/null || fail "$PWD/build cannot be written to; copy the tree to where it can"
+    [ ! -f "build/$preset/CMakeCache.txt" ] || told='^-- Veltra|not found'
+    cmake --preset "$preset" "$@" | grep -E "$told" || true
     if [ -t 1 ]; then
         cmake --build --preset "$preset" --parallel "$(nproc)"
     else
-        cmake --build --preset "$preset" --parallel "$(nproc)" |
-            { grep -vE '^\[[0-9]+/[0-9]+\] |^ninja: no work to do' || true; }
+        cmake --build --preset "$preset" --parallel "$(nproc)" | tenths "build $preset"
     fi
 }
 
