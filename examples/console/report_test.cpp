@@ -4,7 +4,7 @@
 
 #include "options.h"
 #include "requests.h"
-#include "status_line.h"
+#include "status_lines.h"
 #include "terminal_progress.h"
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
@@ -195,6 +195,19 @@ TEST(Options, ProgressIsToldOnlyToThoseWhoAsk) {
     const std::vector<ProgressLine> lines{{"a.wav", 0.4}, {"b", -1.0}};
     EXPECT_EQ(progressText(lines, 100), "a.wav 40 %  b");
     EXPECT_EQ(progressText(lines, 7), "a.wav 4");
+}
+
+TEST(StatusLines, TellLevelsInDecibelsAndFitTheTerminal) {
+    const std::vector<StripLine> strips{{"a.wav", {"L", "R"}, {0.5F, 0.1F}, 0.5F, 0},
+                                        {"quité-a-long-name.wav", {"M"}, {0.0F}, 2.0F, 3},
+                                        {"six", {"L", "R", "LFE"}, {0.0F, 0.0F, 1.0F}, 1.0F, 0}};
+    EXPECT_THAT(statusLines(3.4, 10.7, strips, {60, 24, false}),
+                ElementsAre("0:03.4 / 0:10.7", "a.wav             -6.0 dB  L ######. R ####...",
+                            "quité-a..me.wav    6.0 dB  M ....... clipped gaps: 3",
+                            "six                0.0 dB  LFE  #######"));
+    EXPECT_THAT(statusLines(0.0, 0.0, strips, {20, 4, false}),
+                ElementsAre("0:00.0", "a.wav      -6.0 dB", "and 2 more   6.0 dB"));
+    EXPECT_THAT(statusLines(0.0, 0.0, strips, {60, 24, true})[2], HasSubstr("\033[31m clipped"));
 }
 
 TEST(Requests, TheExceptionLetsTheUserStopTheProgram) {

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <array>
 
+#include <unistd.h>
+
 namespace veltra::console {
 
 namespace {
@@ -135,12 +137,12 @@ void Session::tick() {
     } else if (!news.text.empty()) {
         note(news.text);
     }
-    if (m_status.isShown()) m_status.show(m_engine->musicalPosition(), m_engine->meters());
+    m_status.show(*m_engine, m_output->rate());
 }
 
 void Session::collect() {
     for (StripResult& result : m_engine->collect()) {
-        if (!result.problem.empty()) complain(result.path + ": " + result.problem);
+        if (!result.problem.empty()) complainOf(result.path, result.problem);
         m_entries[m_entryOfStrip[result.id]].result = std::move(result);
     }
 }
@@ -160,22 +162,31 @@ std::unique_ptr<AudioFile> Session::openNextFile() {
     while (m_opened < m_entries.size()) {
         ReportEntry& entry = m_entries[m_opened++];
         if (auto file = AudioFile::open(entry.path, entry.error)) return file;
-        complain(entry.path + ": " + entry.error);
+        complainOf(entry.path, entry.error);
     }
     return nullptr;
 }
 
+// Of a file, which its report tells of, too: once will do where both go to one terminal.
+void Session::complainOf(const std::string& path, const std::string& problem) {
+    m_hasProblems = true;
+    const bool isReportBeside = m_options.headless && m_options.report == "-" &&
+                                ::isatty(STDOUT_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+    if (!isReportBeside) complain(path + ": " + problem);
+}
+
+// Without date and time, as programs of the command line speak; the system log adds them.
 void Session::note(const std::string& text) {
     m_status.clear();
     if (m_progress) m_progress->clear();
-    QKLogCString(kLogNotice, QKLogWithSyslogBanner(), kLogTag, "%s", printable(text).c_str());
+    QKLogCString(kLogNotice, false, kLogTag, "veltra-console: %s", printable(text).c_str());
 }
 
 void Session::complain(const std::string& problem) {
     m_status.clear();
     if (m_progress) m_progress->clear();
     m_hasProblems = true;
-    QKLogCString(kLogError, QKLogWithSyslogBanner(), kLogTag, "%s", printable(problem).c_str());
+    QKLogCString(kLogError, false, kLogTag, "veltra-console: %s", printable(problem).c_str());
 }
 
 }  // namespace veltra::console

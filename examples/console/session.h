@@ -7,7 +7,7 @@
 #include "live_output.h"
 #include "options.h"
 #include "report.h"
-#include "status_line.h"
+#include "status_lines.h"
 #include "terminal_progress.h"
 #include "veltra/base/weak_anchor.h"
 
@@ -36,6 +36,7 @@ private:
     bool addNextFile();
     std::unique_ptr<AudioFile> openNextFile();
     void complain(const std::string& problem);
+    void complainOf(const std::string& path, const std::string& problem);
 
     const Options m_options;
     std::vector<ReportEntry> m_entries;       // one for each file, in the order of the command line
@@ -45,7 +46,7 @@ private:
     std::optional<TerminalProgress> m_progress;  // before the engine, whose strips tell it
     std::unique_ptr<Engine> m_engine;
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
-    StatusLine m_status;
+    StatusLines m_status;
     bool m_hasProblems = false;
 };
 

@@ -3,8 +3,8 @@
 #include "console_view.h"
 
 #include "../text.h"
+#include "../times.h"
 #include "settings.h"
-#include "times.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/sliders/fader_scale.h"

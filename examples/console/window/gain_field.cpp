@@ -2,7 +2,7 @@
 #include "gain_field.h"
 
 #include "../console_state.h"
-#include "times.h"
+#include "../times.h"
 #include "veltra/controls/level_meters/peak_readout.h"
 #include "veltra/controls/sliders/fader_scale.h"
 #include "veltra/ui/drawing.h"

@@ -2,8 +2,8 @@
 #include "strip_view.h"
 
 #include "../text.h"
+#include "../times.h"
 #include "icons.h"
-#include "times.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
 

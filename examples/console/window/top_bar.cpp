@@ -2,8 +2,8 @@
 #include "top_bar.h"
 
 #include "../text.h"
+#include "../times.h"
 #include "icons.h"
-#include "times.h"
 #include "veltra/controls/number_editor/number_groups.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"

@@ -2,7 +2,7 @@
 #include "waveform_view.h"
 
 #include "../text.h"
-#include "times.h"
+#include "../times.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
 

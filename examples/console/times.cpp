@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "times.h"
 
-#include "../text.h"
+#include "text.h"
 
 #include <algorithm>
 #include <array>

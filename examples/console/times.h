@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbers and seconds as the window writes them, the same in every locale.
+// Numbers and seconds as the window and the terminal write them, the same in every locale.
 #pragma once
 
 #include <string>
