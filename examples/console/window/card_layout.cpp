@@ -23,15 +23,17 @@ constexpr float kLeastForFader = 116.0F;
 constexpr float kLeastForGain = 128.0F;
 constexpr float kGrownFrom = 140.0F;  // width of a card
 constexpr float kMostBar = 16.0F;
+constexpr float kLeastBar = 2.0F;
+constexpr float kLeastGap = 1.0F;
 
 float widthOfBars(const CardLayout& layout, float count) {
     return 2.0F * CardLayout::kGlass + count * layout.bar + (count - 1.0F) * layout.barGap;
 }
 
-float naturalBar(float card, int channels) {
-    if (channels > 2) return card >= 204.0F ? 12.0F : 7.0F;
+float naturalBar(float card, int bars) {
+    if (bars > 2) return card >= 204.0F ? 12.0F : 7.0F;
     const float grown = std::floor(std::max(card - kGrownFrom, 0.0F) / 10.0F);
-    return std::min((channels == 1 ? 10.0F : 9.0F) + grown, kMostBar);
+    return std::min((bars == 1 ? 10.0F : 9.0F) + grown, kMostBar);
 }
 
 float pictureHeight(CardKind kind, float card) {
@@ -48,7 +50,16 @@ CardKind cardKind(float height) noexcept {
                               : CardKind::Mini;
 }
 
-CardLayout CardLayout::make(Size card, int channels, float bar) {
+float CardLayout::widthFor(int bars, bool hasFader) noexcept {
+    CardLayout narrowest;
+    narrowest.bar = kLeastBar;
+    narrowest.barGap = kLeastGap;
+    const float width = 2.0F * kMargin + (hasFader ? kCapWidth : 0.0F) + kScaleWidth +
+                        widthOfBars(narrowest, static_cast<float>(bars));
+    return std::ceil(width / kGrid) * kGrid;
+}
+
+CardLayout CardLayout::make(Size card, int bars, float bar) {
     CardLayout layout;
     layout.kind = cardKind(card.height);
     const bool isTall = layout.isTall();
@@ -82,15 +93,15 @@ CardLayout CardLayout::make(Size card, int channels, float bar) {
     }
 
     // Across: gain and fader at the left, the meter at the right.
-    const auto count = static_cast<float>(channels);
-    const bool hasFader = isTall || card.width >= kLeastForFader;
+    const auto count = static_cast<float>(bars);
+    const bool hasFader = isTall || card.width >= std::max(kLeastForFader, widthFor(bars, true));
     const float faderWidth = isTall ? kFaderWidth : hasFader ? kCapWidth : 0.0F;
-    layout.bar = bar > 0.0F ? bar : naturalBar(card.width, channels);
+    layout.bar = bar > 0.0F ? bar : naturalBar(card.width, bars);
     const float room = width - faderWidth - kScaleWidth;
     if (widthOfBars(layout, count) > room) {
         const float forBars = room - 2.0F * kGlass - (count - 1.0F) * layout.barGap;
-        layout.bar = std::max(std::floor(forBars / count), 2.0F);
-        if (widthOfBars(layout, count) > room) layout.barGap = 1.0F;
+        layout.bar = std::max(std::floor(forBars / count), kLeastBar);
+        if (widthOfBars(layout, count) > room) layout.barGap = kLeastGap;
     }
     const float glass = std::min(widthOfBars(layout, count), width - kScaleWidth);
     const float group = isTall ? std::min(width, 108.0F + glass) : width;

@@ -26,9 +26,11 @@ enum class CardKind : std::uint8_t {
 CardKind cardKind(float height) noexcept;
 
 struct CardLayout {
-    // `channels` have a bar each; bars grow where there is room, up to `bar` points when that is
-    // above 0.
-    static CardLayout make(Size card, int channels, float bar = 0.0F);
+    // The meter has `bars`; they grow where there is room, up to `bar` points when that is above 0.
+    static CardLayout make(Size card, int bars, float bar = 0.0F);
+
+    // Of a card that is not tall, so that so many bars find room beside a fader, or without one.
+    static float widthFor(int bars, bool hasFader) noexcept;
 
     bool isTall() const noexcept { return kind >= CardKind::Mid; }
 

@@ -49,13 +49,14 @@ struct Notes final : ConsoleDelegate {
     void dimWasSwitched(bool isOn) override { note("dim", 0, isOn); }
 };
 
-// Strips 1, 2, 3, … with one, two and six channels in turn, each 10 seconds long.
+// Strips 1, 2, 3, … with one, two and six channels in turn, but the sixth with 300, each 10 seconds
+// long.
 ConsoleState stateOf(int count) {
     ConsoleState state;
     state.rate = 48000;
     for (int i = 0; i < count; ++i) {
         StripState& strip = state.strips.emplace_back();
-        const int channels = i % 3 == 2 ? 6 : i % 3 + 1;
+        const int channels = i == 5 ? 300 : i % 3 == 2 ? 6 : i % 3 + 1;
         strip.key = i + 1;
         strip.path = "/music/A file with quite a long name " + std::to_string(i + 1) + ".wav";
         strip.format.rate = 48000;
@@ -251,6 +252,7 @@ TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
                 EXPECT_NEAR(own.size.height * scale,
                             static_cast<float>(cell.LEDCount()) * 4.0F * scale, 0.01F);
                 EXPECT_LE(strip.frame().maxX(), row.bounds().size.width + 0.01F) << i;
+                EXPECT_LE(strip.meters().opaqueRect().maxX(), strip.meters().bounds().maxX());
                 if (strip.fader().isHidden()) continue;
                 const float expected =
                     own.minY() + own.size.height * static_cast<float>(FaderScale::kZeroTravel);
@@ -261,6 +263,9 @@ TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
                 expectApart(strip);
             }
             expectApart(output);
+            desk.state.strips[5].meter.peaks.back() = 2.0F;
+            desk.update();
+            EXPECT_TRUE(desk.strip(5).meters().hasClipped());
         }
     }
 }

@@ -27,9 +27,11 @@ Words wordsOf(MeterKind kind) {
 }
 
 // As much of a name as fits into the pitch of the bars: all of it, its first two letters, nothing.
+// A part of a number would be another one.
 StyledText fitting(StyledText name, float pitch) {
     if (name.size().width + 1.0F <= pitch) return name;
-    name.string.resize(std::min<std::size_t>(name.string.size(), 2));
+    const bool isNumber = name.string.find_first_not_of("0123456789") == std::string::npos;
+    name.string.resize(isNumber ? 0 : std::min<std::size_t>(name.string.size(), 2));
     if (name.size().width + 1.0F > pitch) name.string.clear();
     return name;
 }
@@ -40,15 +42,26 @@ std::string unitOfPeaks(MeterKind kind) {
     return kind == MeterKind::TruePeak ? "dBTP" : "dB";
 }
 
+int MeterGroup::bars(int channels) noexcept {
+    constexpr int kMostBars = 24;  // as the narrowest tall card has room for
+    return std::clamp(channels, 1, kMostBars);
+}
+
 MeterGroup::MeterGroup(int channels, const ChannelPlan& plan) {
-    for (int channel = 0; channel < std::max(channels, 1); ++channel) {
-        m_channelNames.push_back(
-            channels == 1 ? "M" : plan.channelName(static_cast<std::size_t>(channel)));
+    const auto count = static_cast<std::size_t>(bars(channels));
+    const auto all = static_cast<std::size_t>(std::max(channels, 1));
+    for (std::size_t bar = 0, first = 0; bar < count; first = m_ends[bar++]) {
+        m_ends.push_back((bar + 1) * all / count);
+        const std::size_t last = m_ends[bar] - 1;
+        m_channelNames.push_back(channels == 1 ? "M" : plan.channelName(first));
+        std::string description = "channel " + m_channelNames.back();
+        if (last > first)
+            description = "channels " + m_channelNames.back() + " to " + plan.channelName(last);
         auto cell = std::make_unique<QkLevelMeterCell>();
         cell->setOrientation(LevelMeterOrientation::Vertical);
         cell->setLevelScale(LevelMeterLevels::Decibels);
         cell->setLEDPitch(CardLayout::kPitch);
-        cell->setAccessibilityDescription("channel " + m_channelNames.back());
+        cell->setAccessibilityDescription(description);
         cell->setAccessibilityParent(this);
         m_cells.push_back(std::move(cell));
         m_averages.emplace_back(kLooksASecond);
@@ -74,9 +87,10 @@ void MeterGroup::layOut() {
             {{left, inside.minY()}, {m_bar, std::max(inside.size.height, 0.0F)}}, *this);
         left += m_bar + m_gap;
     }
+    const char* const share = m_ends.back() > m_cells.size() ? " of the loudest of neighbours" : "";
     toolTips().removeAllToolTips();
-    toolTips().addToolTipRect(glassRect(),
-                              std::string(wordsOf(m_kind).level) + "; a click resets clip lights");
+    toolTips().addToolTipRect(
+        glassRect(), std::string(wordsOf(m_kind).level) + share + "; a click resets clip lights");
     setNeedsDisplay();
 }
 
@@ -85,9 +99,17 @@ void MeterGroup::viewDidMoveToWindow() {
     layOut();
 }
 
+float MeterGroup::loudestOf(std::size_t bar, std::span<const float> levels) const {
+    float loudest = 0.0F;
+    const std::size_t end = std::min(m_ends[bar], levels.size());
+    for (std::size_t channel = bar > 0 ? m_ends[bar - 1] : 0; channel < end; ++channel)
+        loudest = std::max(loudest, levels[channel]);
+    return loudest;
+}
+
 void MeterGroup::setPeaks(std::span<const float> peaks) {
     for (std::size_t i = 0; i < m_cells.size(); ++i) {
-        const float peak = i < peaks.size() ? peaks[i] : 0.0F;
+        const float peak = loudestOf(i, peaks);
         m_cells[i]->setLevel(meterPositionForAmplitude(peak));
         // What is above full scale by less than a position can say has clipped, too.
         if (peak > 1.0F && !m_cells[i]->peak()) m_cells[i]->setPeak(true);
@@ -97,8 +119,7 @@ void MeterGroup::setPeaks(std::span<const float> peaks) {
 void MeterGroup::setSquares(std::span<const float> squares) {
     if (m_kind != MeterKind::Rms) return;
     for (std::size_t i = 0; i < m_cells.size(); ++i) {
-        const float square = i < squares.size() ? squares[i] : 0.0F;
-        const float rms = m_averages[i].add({.meanSquare = square, .frames = 1});
+        const float rms = m_averages[i].add({.meanSquare = loudestOf(i, squares), .frames = 1});
         m_cells[i]->setRms(meterPositionForAmplitude(rms));
     }
 }

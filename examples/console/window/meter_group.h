@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The meters of one file or of the output, a channel each, on one glass, with their names below.
+// The meters of one file or of the output on one glass, with the names of their channels below: a
+// bar for each channel, or for the loudest of neighbours where there are very many.
 #pragma once
 
 #include "../channel_plan.h"
@@ -29,6 +30,9 @@ std::string unitOfPeaks(MeterKind kind);
 // A click or Return puts the clip lights out and sends the action. Thread: main.
 class MeterGroup final : public Control {
 public:
+    // For so many channels.
+    static int bars(int channels) noexcept;
+
     // `plan` names the channels, below the meters and for screen readers.
     MeterGroup(int channels, const ChannelPlan& plan);
 
@@ -79,10 +83,12 @@ protected:
 
 private:
     Rect glassRect() const;
+    float loudestOf(std::size_t bar, std::span<const float> levels) const;
     void layOut();
     void drawNames(Canvas& canvas) const;
 
     std::vector<std::unique_ptr<QkLevelMeterCell>> m_cells;
+    std::vector<std::size_t> m_ends;          // one for each: the channel after those that it shows
     std::vector<std::string> m_channelNames;  // one for each
     std::vector<RmsAverage> m_averages;       // one for each
     std::string m_name;

@@ -48,6 +48,7 @@ std::string channelNames(const FileFormat& format, bool areLeftOut) {
 }
 
 std::string foldText(const FileFormat& format) {
+    if (format.plan.order.empty()) return "Folded to stereo: odd channels left, even ones right";
     const std::string leftOut = channelNames(format, true);
     return "Folded to stereo by its channels:" + channelNames(format, false) +
            (leftOut.empty() ? "" : "; not heard:" + leftOut);
@@ -56,8 +57,9 @@ std::string foldText(const FileFormat& format) {
 }  // namespace
 
 float StripView::leastWidth(const FileFormat& format, CardKind kind) {
-    if (kind == CardKind::Mini) return 96.0F;
-    if (kind == CardKind::Low) return 116.0F;
+    const int bars = MeterGroup::bars(format.channels);
+    if (kind == CardKind::Mini) return std::max(96.0F, CardLayout::widthFor(bars, false));
+    if (kind == CardKind::Low) return std::max(116.0F, CardLayout::widthFor(bars, true));
     return format.channels > 2 ? 208.0F : 140.0F;
 }
 
@@ -142,7 +144,7 @@ bool StripView::isHandle(Point point) const {
 }
 
 void StripView::frameDidChange() {
-    m_layout = CardLayout::make(bounds().size, m_format.channels);
+    m_layout = CardLayout::make(bounds().size, MeterGroup::bars(m_format.channels));
     const auto place = [](View& view, const Rect& rect) {
         view.setHidden(rect.isEmpty());
         view.setFrame(rect);
