@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -23,19 +24,38 @@ std::string objection(const std::string& path) {
     }
     if (error) return error.message() + "; check the file's folder and permissions";
     if (fs::is_directory(status)) return "this is a folder; name the audio files in it";
+    if (fs::is_fifo(status))
+        return "a pipe, not a regular file; save what it carries in a file and name that";
     if (!fs::is_regular_file(status)) return "not a regular file; copy it into one";
     if (fs::file_size(path, error) == 0 && !error)
         return "the file is empty; record or copy it again";
     return {};
 }
 
+// libsndfile's own words without their frame, as in "System error : Permission denied.". Empty when
+// they are about the library, or wrong: what an MP3 decoder has found has no words.
+std::string wordsOf(std::string_view libraryText) {
+    if (libraryText.find("SF_INFO struct incomplete") != std::string_view::npos)
+        return "no channels or no sample rate";
+    if (libraryText.find("nternal error") != std::string_view::npos ||
+        libraryText.starts_with("File does not exist"))
+        return {};
+    for (const std::string_view frame : {"System error : ", "Error : "}) {
+        if (libraryText.starts_with(frame)) libraryText.remove_prefix(frame.size());
+    }
+    while (libraryText.ends_with('.'))
+        libraryText.remove_suffix(1);
+    return std::string(libraryText);
+}
+
 std::string refusal(int error, const char* libraryText) {
-    const std::string text = libraryText;
-    if (error == SF_ERR_SYSTEM) return text + "; check the file's permissions";
+    const std::string words = wordsOf(libraryText);
+    if (error == SF_ERR_SYSTEM) return words + "; check the file's permissions";
     if (error == SF_ERR_UNRECOGNISED_FORMAT) {
         return "not an audio file of a known format; convert it to WAV, AIFF or FLAC";
     }
-    return "a damaged or unusual audio file (" + text + "); copy or convert it again";
+    return "a damaged or unusual audio file" + (words.empty() ? "" : " (" + words + ")") +
+           "; copy or convert it again";
 }
 
 std::unique_ptr<FrameReader> makeReader(SoundHandle handle, const FileFormat& format) {

@@ -43,10 +43,12 @@ std::uint32_t number(const char* bytes, bool bigEndian) {
     return value;
 }
 
-std::uint64_t missing(std::uint32_t announced, std::uint64_t start, std::uint64_t fileSize) {
-    if (announced == 0 || announced >= kStreamedSize) return 0;
+void compareSizes(std::uint32_t announced, std::uint64_t start, std::uint64_t fileSize,
+                  ContainerCheck& result) {
     const std::uint64_t there = fileSize > start ? fileSize - start : 0;
-    return announced > there ? announced - there : 0;
+    const bool isShort = announced > there;
+    result.openLength = announced == 0 ? there > 0 : isShort && announced >= kStreamedSize;
+    if (isShort && !result.openLength) result.missingBytes = announced - there;
 }
 
 }  // namespace
@@ -56,13 +58,14 @@ ContainerCheck checkContainer(const std::string& path) {
     std::array<char, 12> head{};
     if (!file.read(0, head)) return {};
     const std::string_view kind(head.data(), 4);
+    ContainerCheck result;
     if (kind == ".snd") {
-        return {false, missing(number(&head[8], true), number(&head[4], true), file.size())};
+        compareSizes(number(&head[8], true), number(&head[4], true), file.size(), result);
+        return result;
     }
     if (kind != "RIFF" && kind != "RIFX" && kind != "FORM") return {};
 
     const bool bigEndian = kind != "RIFF";
-    ContainerCheck result;
     result.compressedAiff = std::string_view(&head[8], 4) == "AIFC";
     std::array<char, 8> chunk{};
     for (std::uint64_t position = head.size(); file.read(position, chunk);) {
@@ -70,7 +73,7 @@ ContainerCheck checkContainer(const std::string& path) {
         const std::uint32_t size = number(&chunk[4], bigEndian);
         position += chunk.size();
         if (name == "data" || name == "SSND") {
-            result.missingBytes = missing(size, position, file.size());
+            compareSizes(size, position, file.size(), result);
             break;
         }
         position += std::uint64_t{size} + size % 2;  // chunks are padded to an even length

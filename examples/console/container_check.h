@@ -11,10 +11,12 @@ namespace veltra::console {
 struct ContainerCheck {
     bool compressedAiff = false;     // FORM type "AIFC", the form that also holds floats
     std::uint64_t missingBytes = 0;  // sample data that the header announces and the file lacks
+    bool openLength = false;         // it announces none, or what a streaming writer left there
 };
 
 // Looks at RIFF and RIFX (WAV), FORM (AIFF, AIFF-C) and AU headers; other files answer {}. A size
-// that a streaming writer left open (zero, or close to 2 or 4 GiB) announces nothing.
+// that a streaming writer left open announces nothing: zero, or above nearly 2 GiB where the file
+// ends before.
 ContainerCheck checkContainer(const std::string& path);
 
 }  // namespace veltra::console

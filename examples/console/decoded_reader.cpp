@@ -4,6 +4,28 @@
 
 #include <vector>
 
+#include <dlfcn.h>
+
+// libmpg123 writes what it thinks of a damaged file to standard error unless it is told not to, and
+// libsndfile, which loads it, has no word for that. So its decoders are made here, quiet from the
+// beginning. Nothing calls this where libsndfile does without that library.
+extern "C" {
+struct mpg123_handle_struct;
+[[gnu::visibility("default")]] mpg123_handle_struct* mpg123_new(const char* decoder, int* error);
+}
+
+mpg123_handle_struct* mpg123_new(const char* decoder, int* error) {
+    constexpr int kAddFlags = 2;   // MPG123_ADD_FLAGS
+    constexpr long kQuiet = 0x20;  // MPG123_QUIET
+    using New = mpg123_handle_struct*(const char*, int*);
+    using SetParameter = int(mpg123_handle_struct*, int, long, double);
+    static const auto create = reinterpret_cast<New*>(::dlsym(RTLD_NEXT, "mpg123_new"));
+    static const auto set = reinterpret_cast<SetParameter*>(::dlsym(RTLD_NEXT, "mpg123_param"));
+    mpg123_handle_struct* const decoding = create != nullptr ? create(decoder, error) : nullptr;
+    if (decoding != nullptr && set != nullptr) set(decoding, kAddFlags, kQuiet, 0.0);
+    return decoding;
+}
+
 namespace veltra::console {
 
 namespace {

@@ -79,6 +79,7 @@ FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path)
         format.frames = static_cast<std::uint64_t>(info.frames);
     }
     format.missingBytes = check.missingBytes;
+    format.openLength = check.openLength;
 
     for (const Encoding& encoding : kEncodings) {
         if (encoding.subtype != subtype) continue;

@@ -33,6 +33,7 @@ struct FileFormat {
     std::uint64_t frames = 0;        // as many as the file announces and libsndfile finds
     bool lengthUnknown = false;      // a stream without its end mark: `frames` says nothing
     std::uint64_t missingBytes = 0;  // of sample data that the header announces
+    bool openLength = false;         // the header does not tell how many there are
 };
 
 // Reads the description of an open file. `path` is looked at once more, for what the header

@@ -24,7 +24,7 @@ its channels, with constant power; its LFE channel is left out of that.
 
   --headless      read and measure only, as fast as possible; the report goes to standard output
                   unless --report says otherwise
-  --terminal      no window
+  --terminal      no window, but meters in the terminal; without colours where NO_COLOR is set
   --picture FILE  draw the window at the loudest moment into a PNG file, without a display
   --scale N       of the picture: pixels a point, 1 to 4 (1)
   --size WxH      of the picture, in points, such as 1180x720 (as its files want it)
@@ -81,12 +81,12 @@ lines below, names in columns 3 to 14 and values from column 15; a blank line be
   full scale  number of samples whose magnitude is that of the format's largest value or more, but
               for formats finer than 16 bits that of 16 bits (32767/32768)
   loudest     only with more than two channels: the loudest one of each second, "L 0-1, R 2 s"
-  end         bar.beat.tick where the file ends: 120 beats a minute, 4 beats to the bar, 15360
-              ticks to the beat; bars and beats count from 1
+  end         bar.beat.tick where the file would end at the tempo and meter that follow, as files
+              say nothing of theirs: 15360 ticks to the beat; bars and beats count from 1
   underruns   blocks of audio for which the disk was too slow, and the frames that were missing
   device      only when there was any: how often the device got its audio too late, in all the run
-  note        only when there is something to say: the file breaks off, samples that are no
-              numbers, ended early
+  note        only when there is something to say: the file breaks off, its header leaves the
+              length open, samples that are no numbers, ended early
 
 A file that cannot be read has one line instead: error, and the reason. All measurements are of the
 file's own samples, before any change of sample rate.
@@ -163,6 +163,10 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
     bool onlyFiles = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
+        if (argument == "-" && !onlyFiles) {
+            error = "standard input cannot be read, save it in a file and name that";
+            return std::nullopt;
+        }
         if (onlyFiles || argument.empty() || argument.front() != '-') {
             options.files.emplace_back(argument);
             continue;

@@ -14,7 +14,7 @@ std::string line(const char* name, const std::string& value) {
 }
 
 std::string level(double amplitude) {
-    const std::string linear = formatted("%-12.9f", amplitude);
+    const std::string linear = formatted(amplitude < 1e6 ? "%-11.9f " : "%-11.6g ", amplitude);
     if (amplitude <= 0.0) return linear + "-inf dBFS";
     return linear + formatted("%.2f dBFS", decibels(amplitude));
 }
@@ -73,7 +73,10 @@ std::string block(const StripResult& result, std::uint64_t deviceUnderruns) {
     text += line("full scale",
                  formatted("%llu samples", static_cast<unsigned long long>(measured.fullScale)));
     if (format.channels > 2) text += line("loudest", loudest(result));
-    text += line("end", toText(result.end));
+    const Metre metre;
+    text += line(
+        "end", toText(result.end) + formatted("  at %g beats a minute, %d/%d", metre.tempo / 1000.0,
+                                              metre.beatsPerBar, metre.beatUnit));
     text += line("underruns", formatted("%llu blocks  %llu frames",
                                         static_cast<unsigned long long>(result.underruns),
                                         static_cast<unsigned long long>(result.missedFrames)));
@@ -83,6 +86,8 @@ std::string block(const StripResult& result, std::uint64_t deviceUnderruns) {
     }
     if (!result.complete) text += line("note", "ended early, before the end of the file");
     if (!result.problem.empty()) text += line("note", result.problem);
+    if (format.openLength)
+        text += line("note", "its header leaves the length open; all that is there was read");
     if (measured.notFinite > 0) {
         text += line("note", formatted("%llu samples are no numbers and count as silence",
                                        static_cast<unsigned long long>(measured.notFinite)));

@@ -44,16 +44,14 @@ int showWindow(const Options& options) {
 }
 
 // Qt ends the program where the display does not answer, as one of a session that is gone: the
-// terminal takes over. Until the application stands, that is all that Qt has to say.
+// terminal takes over, but not from a picture. What else Qt has to say of a picture, or before the
+// application stands, is of no use to anybody, unless it is the end.
 std::span<char*> commandLine;
 
-void onMessageOfQt(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+void onMessageOfQt(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type != QtFatalMsg && type != QtCriticalMsg) return;
     if (type == QtFatalMsg) becomeTerminal(commandLine);
-}
-
-void playInTerminalWithoutDisplay(int argc, char** argv) {
-    commandLine = {argv, static_cast<std::size_t>(argc)};
-    qInstallMessageHandler(onMessageOfQt);
+    std::fprintf(stderr, "veltra-console: %s\n", qUtf8Printable(text));
 }
 
 }  // namespace
@@ -71,14 +69,16 @@ int main(int argc, char** argv) try {
         std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
         return 2;
     }
-    if (options->picture.empty()) playInTerminalWithoutDisplay(argc, argv);
-    if (!options->picture.empty()) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool hasWindow = options->picture.empty();
+    if (hasWindow) commandLine = {argv, static_cast<std::size_t>(argc)};
+    if (!hasWindow) qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(onMessageOfQt);
     QApplication application(argc, argv);
-    qInstallMessageHandler(nullptr);
+    if (hasWindow) qInstallMessageHandler(nullptr);
     QApplication::setApplicationDisplayName(QStringLiteral("Veltra Console"));
     QApplication::setDesktopFileName(QStringLiteral("org.veltra.console"));
     veltra::installQtPort();
-    if (options->picture.empty()) return showWindow(*options);
+    if (hasWindow) return showWindow(*options);
     std::optional<TerminalProgress> progress;
     if (options->progress || TerminalProgress::isTerminal()) progress.emplace();
     const auto problems = writeLoudestPicture(*options);
