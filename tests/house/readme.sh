@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$1"
 status=0
-mapfile -t documents < <(ls README.md CONTRIBUTING.md CHANGELOG.md docs/*.md python/*.md)
+mapfile -t documents < <(ls README.md CONTRIBUTING.md CHANGELOG.md SECURITY.md docs/*.md python/*.md)
 /usr/bin/env python3 - "${documents[@]}" <<'PYTHON' || status=1
 import glob, os, re, sys
 
