@@ -96,7 +96,8 @@ TEST(Report, BadFilesGetALineEachAndTheOthersStillRun) {
     const std::string cut = cutShort(good, 0.5, "cut.aiff");
     writeFile(folder() + "empty.wav", "");
     writeFile(folder() + "text.wav", "no sound in here\n");
-    const std::array<const char*, 4> bad{"missing.wav", "empty.wav", "text.wav", ""};
+    writeFile(folder() + "noise.mp3", "\xFF\xFB\x90\x64" + std::string(9000, 'x'));
+    const std::array<const char*, 5> bad{"missing.wav", "empty.wav", "text.wav", "noise.mp3", ""};
     std::string arguments = " --report " + folder() + "report " + cut + " " + good;
     for (const char* name : bad)
         arguments.append(" ").append(folder()).append(name);
@@ -105,7 +106,7 @@ TEST(Report, BadFilesGetALineEachAndTheOthersStillRun) {
         const Outcome run = console(mode + arguments);
         EXPECT_EQ(run.status, 1);
         EXPECT_THAT(run.output, IsEmpty());
-        EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 5) << run.log;
+        EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 6) << run.log;
         const std::string report = contents(folder() + "report");
         for (const char* name : bad) {
             EXPECT_THAT(value(report, folder() + name, "error"), HasSubstr("; ")) << name;

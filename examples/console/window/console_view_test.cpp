@@ -270,6 +270,23 @@ TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
     }
 }
 
+TEST(ConsoleLayout, HasRoomForEachBarBesideScaleAndFader) {
+    for (const float height : {220.0F, 320.0F, 420.0F, 600.0F}) {
+        FileFormat format;
+        for (format.channels = 1; format.channels <= 30; ++format.channels) {
+            const int bars = MeterGroup::bars(format.channels);
+            float width = StripView::leastWidth(format, cardKind(height));
+            for (; width <= StripView::mostWidth(format); width += kGrid) {
+                const CardLayout card = CardLayout::make({width, height}, bars);
+                const float pitch = card.bar + card.barGap;
+                EXPECT_LE(static_cast<float>(bars) * pitch - card.barGap,
+                          card.meter.size.width - 2.0F * CardLayout::kGlass);
+                EXPECT_LE(card.fader.maxX(), card.scale.minX());
+            }
+        }
+    }
+}
+
 TEST(ConsoleLayout, TakesASecondLineInAHighWindowBeforeTheBridge) {
     struct Row {
         Size size;
