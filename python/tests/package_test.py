@@ -202,7 +202,8 @@ class Values(unittest.TestCase):
 
     def test_the_library_is_the_one_named_and_of_one_version(self):
         self.assertEqual(veltra.library_version(), veltra.__version__)
-        self.assertEqual(veltra.LIBRARY_PATH, os.environ["VELTRA_LIBRARY"])
+        if "VELTRA_LIBRARY" in os.environ:  # an installed package finds its own
+            self.assertEqual(veltra.LIBRARY_PATH, os.environ["VELTRA_LIBRARY"])
         newer = ("import sys, types; sys.modules['veltra._version'] = v = types.ModuleType('v'); "
                  "v.__version__ = '99.0.0'; ")
         for path, before, words in (("/nowhere/libveltra.so", "", "set VELTRA_LIBRARY"),
