@@ -49,15 +49,17 @@ veltra_find_library(UDEV libudev "optical drives are read from the system's fold
 veltra_find_library(LCMS lcms2 "only the built-in colour spaces exist")
 veltra_find_library(EBUR128 libebur128 "there is no loudness and no true peak")
 
-# Where the processor has no 64-bit atomic words, the compiler's own library makes them.
+# Where the processor has no atomic bytes or no atomic words of 64 bits, the compiler's own library
+# makes them.
 include(CheckCXXSourceCompiles)
 check_cxx_source_compiles("
     #include <atomic>
     #include <cstdint>
     std::atomic<std::uint64_t> word;
-    int main() { return static_cast<int>(word.exchange(1)); }
-" VELTRA_HAS_WIDE_ATOMICS)
-if(NOT VELTRA_HAS_WIDE_ATOMICS)
+    std::atomic<bool> byte;
+    int main() { return byte.exchange(true) ? 0 : static_cast<int>(word.exchange(1)); }
+" VELTRA_HAS_ALL_ATOMICS)
+if(NOT VELTRA_HAS_ALL_ATOMICS)
     list(APPEND VELTRA_LIBRARIES atomic)
     list(APPEND VELTRA_LINK_NAMES -latomic)
 endif()

@@ -286,7 +286,7 @@ TEST(LeakGuard, MakesBlocksLargerByATailAndKeepsTheirContents) {
         EXPECT_EQ(lastRequest, sizeof(LeakRecord));
         const auto* tail = block + ::malloc_usable_size(const_cast<char*>(block)) - LeakTail::kSize;
         EXPECT_EQ(std::string(tail, 52),
-                  std::string(32, '\0') + "VLLeakDebug" + std::string(9, '\0'));
+                  std::string(32, '\0').append("VLLeakDebug").append(9, '\0'));
         using Sizes = std::array<std::size_t, 3>;
         for (const auto& [count, size, asked] :
              {Sizes{1, 10, 98}, Sizes{3, 10, 120}, Sizes{2, 100, 300}, Sizes{7, 0, 89}}) {

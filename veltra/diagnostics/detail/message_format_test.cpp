@@ -108,7 +108,7 @@ TEST(MessageFormat, NothingIsMadeThatIsCutOffInTheEnd) {
     const std::string cut = formatted("%s%d", music.c_str(), 5);
     EXPECT_EQ(cut, music.substr(0, cut.size() - mark.size()) + mark);
     EXPECT_EQ((cut.size() - mark.size()) % 3, 1U) << "a character was split";
-    EXPECT_EQ(formatted("%1048575s", "x"), std::string(1048574, ' ') + "x");
+    EXPECT_EQ(formatted("%1048575s", "x"), std::string(1048574, ' ').append("x"));
 }
 
 }  // namespace

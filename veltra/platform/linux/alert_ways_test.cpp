@@ -99,7 +99,7 @@ TEST(TerminalAlert, TypedLinesAreAnswers) {
           Scene{.typed = " 3\t\n", .answer = AlertAnswer::Other},
           Scene{.typed = "\n", .answer = AlertAnswer::Default},
           Scene{.typed = "4\n22\nno\n3\n", .timeout = 0.2, .otherButton = ""},
-          Scene{.typed = std::string(100, '2') + "\n2\n", .answer = AlertAnswer::Alternate},
+          Scene{.typed = std::string(100, '2').append("\n2\n"), .answer = AlertAnswer::Alternate},
           Scene{.typed = "2\n", .typedBefore = "3\n", .answer = AlertAnswer::Alternate},
           Scene{.timeout = 0.2}, Scene{.typed = "\x04"}})  // end of file
         play(scene);

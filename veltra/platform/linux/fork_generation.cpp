@@ -4,7 +4,6 @@
 #include <atomic>
 #include <new>
 
-#include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -14,37 +13,48 @@ namespace {
 
 using Word = std::atomic<std::uint32_t>;
 
-// The number of this process, 0 until somebody asks; 0 again in every child: the kernel hands the
-// page to children filled with zeros, or, where it does not know how to, a fork handler clears it.
-constinit Word* word = nullptr;
+// A page with the number of this process, 0 until somebody asks.
+struct Page {
+    Word* word = nullptr;
+    // The kernel hands the page to each child filled with zeros. Where it cannot, numbers begin
+    // with the id of their process, which costs a question to the system each time.
+    bool isClearedInChildren = false;
+};
+
+// Of a number that begins with the id of a process: ids have 22 bits at most.
+constexpr unsigned kCountBits = 10;
 
 // The last number given away, inherited by children so that theirs are new.
 constinit Word lastGiven{0};
 
-Word* findWord() noexcept {
+Page makePage() noexcept {
     const auto size = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
     void* const page =
         ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (page == MAP_FAILED) return nullptr;
-    word = new (page) Word(0);
-    if (::madvise(page, size, MADV_WIPEONFORK) == 0) return word;
-    const auto clear = [] { word->store(0, std::memory_order_relaxed); };
-    return ::pthread_atfork(nullptr, nullptr, clear) == 0 ? word : nullptr;
+    if (page == MAP_FAILED) return {};
+    // Emulators may accept any advice and follow none: a yes counts where nonsense gets a no.
+    constexpr int kNonsense = -1;
+    const bool isCleared =
+        ::madvise(page, size, kNonsense) != 0 && ::madvise(page, size, MADV_WIPEONFORK) == 0;
+    return {new (page) Word(0), isCleared};
 }
 
 }  // namespace
 
 std::uint32_t forkGeneration() noexcept {
-    static Word* const known = findWord();
-    if (known == nullptr) return 0;
+    static const Page page = makePage();
+    if (page.word == nullptr) return 0;
     // Relaxed throughout: the number publishes nothing.
-    std::uint32_t generation = known->load(std::memory_order_relaxed);
-    if (generation != 0) return generation;
+    std::uint32_t number = page.word->load(std::memory_order_relaxed);
+    const bool hasId = !page.isClearedInChildren;
+    const auto id = hasId ? static_cast<std::uint32_t>(::getpid()) : 0;
+    if (hasId ? number >> kCountBits == id : number != 0) return number;
+    std::uint32_t next = lastGiven.fetch_add(1, std::memory_order_relaxed) + 1;
+    if (hasId) next = id << kCountBits | next % (1U << kCountBits);
     // Threads that come here together agree on the number that is there first.
-    const std::uint32_t next = lastGiven.fetch_add(1, std::memory_order_relaxed) + 1;
     const bool isFirst =
-        known->compare_exchange_strong(generation, next, std::memory_order_relaxed);
-    return isFirst ? next : generation;
+        page.word->compare_exchange_strong(number, next, std::memory_order_relaxed);
+    return isFirst ? next : number;
 }
 
 }  // namespace veltra

@@ -60,8 +60,9 @@ TEST(ForkHandlers, ChildrenFindLocksFreeAndStateWholeAndCountTheirForks) {
         EXPECT_TRUE(testing::holdsInChild([&] {
             const std::lock_guard guard(resetLock);
             const std::lock_guard whole(heldLock);
-            return halves[0] == halves[1] && forkGeneration() == generation + 1 &&
-                   calls.load() == before + 2;
+            const std::uint32_t own = forkGeneration();
+            return halves[0] == halves[1] && own != generation && own == forkGeneration() &&
+                   own != 0 && calls.load() == before + 2;
         }));
         ended.store(round);
     }

@@ -152,7 +152,7 @@ TEST_F(JournalLogTest, WithoutAJournalTheTraditionalDaemonGetsTheLine) {
     const std::string tag = "tag[" + std::to_string(::getpid()) + "]: ";
     log.send(record("hello"));
     EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + "hello");
-    log.send(record(std::string(8191, 'y') + "\u00FC" + std::string(1 << 20, 'y')));
+    log.send(record(std::string(8191, 'y').append("\u00FC").append(1 << 20, 'y')));
     EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + std::string(8191, 'y'));
     handTime.time.reset();
     log.send(record("hello"));

@@ -39,7 +39,7 @@ TEST(OpticalDrives, DISABLED_ListOfThisProcess) {
 }
 
 // A drive as the device manager knows it.
-std::string drive(const char* name, const char* properties) {
+[[maybe_unused]] std::string drive(const char* name, const char* properties) {
     return std::string("P: /devices/pci0/ata1/block/") + name + "\nN: " + name +
            "\nE: DEVNAME=/dev/" + name + "\nE: SUBSYSTEM=block\nE: DEVTYPE=disk\n" + properties +
            "A: removable=1\n\n";

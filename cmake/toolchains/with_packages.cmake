@@ -1,0 +1,21 @@
+# SPDX-License-Identifier: MIT
+# What toolchains have in common whose libraries are Debian's, unpacked in build/sysroot/HOST. Each
+# sets `host`, `processor`, `triplet` and `emulator`, and includes this file.
+get_filename_component(sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/${host}" ABSOLUTE)
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR ${processor})
+set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
+set(CMAKE_C_COMPILER ${triplet}-gcc)
+set(CMAKE_CXX_COMPILER ${triplet}-g++)
+set(CMAKE_SYSROOT "${sysroot}")
+set(libraries "${sysroot}/usr/lib/${triplet}:${sysroot}/lib/${triplet}")
+foreach(kind EXE SHARED MODULE)
+    set(CMAKE_${kind}_LINKER_FLAGS_INIT "-Wl,-rpath-link,${libraries}")
+endforeach()
+set(CMAKE_CROSSCOMPILING_EMULATOR ${emulator} -L "${sysroot}")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} "${sysroot}")
+set(ENV{PKG_CONFIG_LIBDIR} "${sysroot}/usr/lib/${triplet}/pkgconfig:${sysroot}/usr/share/pkgconfig")
