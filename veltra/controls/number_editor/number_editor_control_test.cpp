@@ -139,6 +139,7 @@ TEST_F(NumberEditors, BeginAsOneGroupAndStandInAsManyAsTheyAreGiven) {
     EXPECT_EQ(control->valueText(), "1/1.0000");
     for (const std::int32_t none : {-1, 3}) {
         EXPECT_EQ(control->editorCellAtIndex(none), nullptr);
+        EXPECT_EQ(control->maxEditStringLenOfEditorCellAtIndex(none), 0U);
         control->setWidthOfSeparatorCellAtIndex(5, none);
         control->removeCellAtIndex(2 * none);
     }
