@@ -3,6 +3,7 @@
 
 #include "text.h"
 #include "times.h"
+#include "veltra/base/utf8.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 
 #include <algorithm>
@@ -36,8 +37,7 @@ std::string variable(const char* name) {
 std::string fitted(const std::string& text, std::size_t columns) {
     std::vector<std::string> characters;
     for (const char byte : text) {
-        const bool continues = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-        if (!continues || characters.empty()) characters.emplace_back();
+        if (!continuesCharacter(byte) || characters.empty()) characters.emplace_back();
         characters.back() += byte;
     }
     std::string result;
