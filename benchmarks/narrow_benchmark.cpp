@@ -101,8 +101,7 @@ const Row kRows[] = {
          volk_32f_s32f_convert_16i_manual(stream<std::int16_t>(b), b.left, 0x1p15F, kCount,
                                           "a_sse2");
      },
-     1.55},  // rounding as it does takes fewer steps than truncating exactly
-
+     1.3},  // rounding as it does takes fewer steps than truncating exactly
     {"f32>s32",
      {4, false, false, false},
      [](Buffers& b) {
@@ -115,8 +114,7 @@ const Row kRows[] = {
          volk_32f_x2_s32f_interleave_16ic_manual(stream<lv_16sc_t>(b), b.left, b.right, 0x1p15F,
                                                  kCount, "a_sse2");
      },
-     1.2},
-
+     1.1},
 };
 
 struct SwapRow {

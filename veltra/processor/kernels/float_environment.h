@@ -19,7 +19,7 @@ public:
     Arithmetic(const Arithmetic&) = delete;
     Arithmetic& operator=(const Arithmetic&) = delete;
 
-private:
+protected:
     // Arithmetic on what is read from and written to memory stays on its side of these.
     static unsigned current() noexcept {
         unsigned control = 0;
@@ -30,10 +30,12 @@ private:
         __asm__ volatile("ldmxcsr %0" : : "m"(control) : "memory");
     }
 
+private:
     const unsigned m_before;
 };
 
 enum Control : unsigned {
+    kInvalid = 0x0001,
     kDenormalsAreZero = 0x0040,
     kNoTraps = 0x1F80,
     kRoundingMode = 0x6000,
@@ -43,6 +45,19 @@ enum Control : unsigned {
 // Denormals count as 0 and nothing traps. Without it a multiplication of denormals, what a
 // reverberation fades to, takes a hundred times as long.
 using QuietArithmetic = Arithmetic<kDenormalsAreZero | kNoTraps, 0>;
+
+// The same, and tells what became no integer: NaNs and what is too large.
+class WatchedArithmetic : public Arithmetic<kDenormalsAreZero | kNoTraps, kInvalid> {
+public:
+    // Whether there was any since it was last asked. Waits for what the processor has under way, so
+    // ask once for a thousand samples.
+    bool takeInvalid() const noexcept {
+        const unsigned control = current();
+        if ((control & kInvalid) == 0) return false;
+        load(control & ~unsigned{kInvalid});
+        return true;
+    }
+};
 
 // What a program starts with: to nearest, denormals kept, no traps.
 using DefaultArithmetic = Arithmetic<kNoTraps, kDenormalsAreZero | kRoundingMode | kFlushToZero>;

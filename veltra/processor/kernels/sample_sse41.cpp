@@ -22,10 +22,10 @@ struct Sse41Words : Ssse3Memory {
 
     template <int channels>
     static Register tops(Register one, Register other) {
-        if constexpr (channels == 2)
-            return _mm_blend_epi16(_mm_srli_epi32(one, 16), other, 0xAA);
-        else
-            return _mm_packs_epi32(_mm_srai_epi32(one, 16), _mm_srai_epi32(other, 16));
+        const Register inTurns = _mm_blend_epi16(_mm_srli_epi32(one, 16), other, 0xAA);
+        if constexpr (channels == 2) return inTurns;
+        static constexpr Places16 kOneFirst{{0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15}};
+        return shuffled(inTurns, kOneFirst);
     }
     static Register topBytes(Register one, Register other) {
         return _mm_packs_epi16(_mm_srai_epi16(one, 8), _mm_srai_epi16(other, 8));
@@ -62,39 +62,34 @@ struct Sse41Words : Ssse3Memory {
     }
 };
 
-// With fewer steps, for which the thread's arithmetic is changed for a while: what lies at or
-// beyond 1.0 may become the least integer.
+// With fewer steps, for which the thread's arithmetic is changed for a while. What lies beyond 1.0
+// or -1.0, and 1.0 itself, becomes the least integer.
 struct Sse41Long : SampleVector16<Sse41Words> {
-    using Environment = QuietArithmetic;
+    using Environment = WatchedArithmetic;
 
+    // In two bytes and less the least integer is right for -1.0, too. All others are told.
     template <std::size_t bytes, std::size_t count>
-    [[gnu::always_inline]] static bool fractionsWithin(Register (&samples)[count]) {
-        if constexpr (bytes > 2) return wideFractionsWithin(samples);
-        narrowFractionsOf(samples);
-        return true;
+    [[gnu::always_inline]] static void fractionsOf(Register (&samples)[count]) {
+        if constexpr (bytes > 2) return Sse41Words::fractionsOf<bytes>(samples);
+        scale(samples);
     }
 
-private:
-    // Below -1.0 the least integer is right, its lowest byte does not count. The multiplication in
-    // the exponent is one of halves, which saturates there, to a NaN with the sample's sign.
-    template <std::size_t count>
-    [[gnu::always_inline]] static void narrowFractionsOf(Register (&samples)[count]) {
-        for (Register& sample : samples) {
-            const Register clipped = _mm_min_epi32(sample, _mm_set1_epi32(0x3F7F'FFFF));
-            const Register scaled = _mm_adds_epu16(clipped, _mm_set1_epi32(31 << 23));
-            sample = _mm_cvttps_epi32(_mm_castsi128_ps(scaled));
-        }
-    }
-
-    // Nothing else becomes the least integer, and few blocks have such samples.
-    template <std::size_t count>
-    [[gnu::always_inline]] static bool wideFractionsWithin(Register (&samples)[count]) {
-        for (Register& sample : samples)
-            sample = _mm_cvttps_epi32(_mm_mul_ps(_mm_castsi128_ps(sample), _mm_set1_ps(0x1p31F)));
+    // In more bytes -1.0 is not. Few blocks have such samples.
+    template <std::size_t bytes, std::size_t count>
+    requires(bytes > 2)
+        [[gnu::always_inline]] static bool fractionsWithin(Register (&samples)[count]) {
+        scale(samples);
         Register least = samples[0];
         for (std::size_t i = 1; i < count; ++i)
             least = _mm_min_epi32(least, samples[i]);
         return _mm_movemask_epi8(_mm_cmpeq_epi32(least, _mm_set1_epi32(INT32_MIN))) == 0;
+    }
+
+private:
+    template <std::size_t count>
+    [[gnu::always_inline]] static void scale(Register (&samples)[count]) {
+        for (Register& sample : samples)
+            sample = _mm_cvttps_epi32(_mm_mul_ps(_mm_castsi128_ps(sample), _mm_set1_ps(0x1p31F)));
     }
 };
 

@@ -103,6 +103,13 @@ concept HasFractionsWithin = !Sample::kIsFloat && requires(typename Vector::Regi
     { Vector::template fractionsWithin<Sample::kSize>(words) } -> std::same_as<bool>;
 };
 
+// Vectors whose fractionsOf for long runs is wrong for what its environment tells.
+template <class Vector, class Sample>
+concept IsWatched = Sample::kSize <= 2 &&
+                    requires(const typename Vector::Long::Environment& environment) {
+    { environment.takeInvalid() } -> std::same_as<bool>;
+};
+
 // Runs steps over frames: step.whole<n>(frame) for n blocks, step.part(frame, frames) for less than
 // one.
 template <SampleVector Vector, bool backwards, std::size_t blocks, class Step>
@@ -323,6 +330,28 @@ template <SampleVector Vector, class Sample>
     }
 }
 
+// Piece by piece, with fewer steps; a piece that had samples outside of the range from -1.0 to 1.0
+// is made again. One that lies over its own source could not be.
+template <SampleVector Vector, class Sample>
+[[gnu::always_inline]] inline void encodePieces(unsigned char* to, const unsigned char* from,
+                                                const unsigned char* secondFrom,
+                                                std::size_t count) {
+    constexpr std::size_t kPiece = 2048;
+    const std::size_t frameSize = Sample::kSize * (secondFrom != nullptr ? 2 : 1);
+    const typename Vector::Long::Environment environment;
+    for (std::size_t start = 0; start < count; start += kPiece) {
+        const std::size_t frames = count - start < kPiece ? count - start : kPiece;
+        unsigned char* const pieceTo = to + frameSize * start;
+        const unsigned char* const piece = from + 4 * start;
+        const unsigned char* const second =
+            secondFrom != nullptr ? secondFrom + 4 * start : nullptr;
+        const bool isOverSource = to == from && frameSize * (start + frames) > 4 * start;
+        if (!isOverSource) encode<typename Vector::Long, Sample>(pieceTo, piece, second, frames);
+        if (isOverSource || environment.takeInvalid())
+            encode<Vector, Sample>(pieceTo, piece, second, frames);
+    }
+}
+
 template <SampleVector Vector, class Sample>
 static void fromFloat(void* destination, const float* source, std::size_t count,
                       const float* secondSource) noexcept {
@@ -333,6 +362,8 @@ static void fromFloat(void* destination, const float* source, std::size_t count,
     const auto* const secondFrom = reinterpret_cast<const unsigned char*>(secondSource);
     if constexpr (!Sample::kIsFloat && Vector::kLongRun > 0) {
         if (count >= Vector::kLongRun) {
+            if constexpr (IsWatched<Vector, Sample>)
+                return encodePieces<Vector, Sample>(to, from, secondFrom, count);
             [[maybe_unused]] const typename Vector::Long::Environment environment;
             return encode<typename Vector::Long, Sample>(to, from, secondFrom, count);
         }
