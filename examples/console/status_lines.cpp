@@ -5,8 +5,10 @@
 #include "times.h"
 #include "veltra/base/utf8.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
+#include "veltra/controls/level_meters/level_meter_look.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -24,8 +26,8 @@ constexpr std::size_t kRemarkColumns = 8;  // "clipped "
 constexpr std::size_t kLabelColumns = 4;   // "LFE", "1024"
 constexpr std::size_t kLeastBar = 4;
 
-// Colours as the meters of the window have them: green, amber, red.
-constexpr std::string_view kGreen = "\033[32m", kAmber = "\033[33m", kRed = "\033[31m";
+// Those of the zones that the meters of the window have: green, amber, red.
+constexpr std::array<std::string_view, 3> kZoneColors{"\033[32m", "\033[33m", "\033[31m"};
 constexpr std::string_view kPlain = "\033[0m";
 
 std::string variable(const char* name) {
@@ -59,14 +61,17 @@ std::string bar(float peak, std::size_t width, bool hasColor) {
         return static_cast<std::size_t>(std::clamp(std::ceil(position * steps), 0.0, steps));
     };
     const std::size_t lit = at(static_cast<double>(meterPositionForAmplitude(peak)));
-    const std::size_t amber = at(static_cast<double>(meterPositionForDecibels(-12.0)));
-    const std::size_t red = at(static_cast<double>(meterPositionForDecibels(-3.0)));
     std::string text = std::string(lit, '#') + std::string(width - lit, '.');
     if (!hasColor) return text;
     text.insert(lit, kPlain);
-    if (lit > red) text.insert(red, kRed);
-    if (lit > amber) text.insert(amber, kAmber);
-    return std::string(kGreen) + text;
+    // The last one first: the places in front of it stay.
+    static const std::vector<LevelMeterZone> kZones = defaultLevelMeterZones();
+    for (std::size_t zone = kZoneColors.size(); zone-- > 0;) {
+        const float begin = meterPositionForDecibels(kZones[zone].decibels);
+        const std::size_t column = at(static_cast<double>(begin));
+        if (zone == 0 || lit > column) text.insert(column, kZoneColors[zone]);
+    }
+    return text;
 }
 
 // "-12.3 dB" in as many columns as the lowest needs.
@@ -100,7 +105,7 @@ std::string stripText(const StripLine& strip, const TerminalLook& look) {
     std::string remarks = strip.highest > 1.0F ? " clipped" : "";
     if (strip.underruns > 0) remarks += " gaps: " + std::to_string(strip.underruns);
     if (remarks.empty() || !look.hasColor) return text + remarks;
-    return text.append(kRed).append(remarks).append(kPlain);
+    return text.append(kZoneColors.back()).append(remarks).append(kPlain);
 }
 
 winsize terminalSize() {
