@@ -210,6 +210,19 @@ TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
     EXPECT_EQ(host.view.cellL().accessibilityValueText(), "\u22124.4 dB, RMS \u22124.4 dB, muted");
 }
 
+TEST_F(LevelMeterTest, AMutedBarIsThinButLitHoweverThinItIs) {
+    const std::pair<std::int32_t, float> kRows[] = {{1, 1}, {2, 2},  {3, 1},
+                                                    {4, 2}, {11, 3}, {20, 8}};
+    for (const auto& [thickness, lit] : kRows) {
+        LevelMeterPictureRequest request{.length = 40, .thickness = thickness};
+        request.isMuted = true;
+        const auto picture = levelMeterLook(kLevelMeterImageBar)->bar(request);
+        const auto& last =
+            static_cast<const testing::RecordedImage&>(*picture.on).canvas.calls.back();
+        EXPECT_EQ(last.rect, (Rect{{(static_cast<float>(thickness) - lit) / 2, 0}, {lit, 1}}));
+    }
+}
+
 TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
     struct Cell : QkLevelMeterCell {};
     DfStereoLevelMeterView view({{}, {26, 180}}, cellFactory<Cell>());

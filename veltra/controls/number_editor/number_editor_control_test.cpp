@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/number_editor/number_editor_control.h"
 
+#include "veltra/controls/number_editor/number_display.h"
 #include "veltra/controls/number_editor/number_groups.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/ui/testing/archive_laws.h"
@@ -186,6 +187,26 @@ TEST_F(NumberEditors, FitTheirFontToTheirWidthHoweverOftenTheyAreLaidOut) {
     control->adjustCellsAndControlSizeToFontSize(true);
     EXPECT_EQ(control->bounds().size, (Size{79, 20}));
     EXPECT_EQ(control->font().size, 10.0F);
+}
+
+TEST_F(NumberEditors, AreShownWholeOnADisplayOfTheSizeThatFits) {
+    for (const NumberEditorLook look : {NumberEditorLook::Glass, NumberEditorLook::Field}) {
+        for (const float captions : {0.0F, 12.0F}) {
+            NumberDisplay display({}, look);
+            display.setGroups({{3, "bars"}, {2, "ticks", true}}, ":");
+            if (captions > 0.0F) display.setCaptions({"BAR", "TICK"});
+            const Size size = display.sizeThatFits();
+            display.setFrameSize(size);
+            const Rect place = display.editor().frame();
+            EXPECT_EQ(place.size, (Size{size.width - 8.0F, 28.0F}));  // 1.4 of the font's size
+            EXPECT_GE(place.minY(), captions);
+            EXPECT_LE(place.maxY(), size.height);
+            EXPECT_EQ(display.editor().frameOfCellAtIndex(2).maxX(), place.size.width);
+            EXPECT_EQ(display.editor().valueText(), "0:00");
+            EXPECT_EQ(display.editor().editorCellAtIndex(1)->accessibilityName(), "ticks");
+            EXPECT_EQ(display.editor().maxEditStringLenOfEditorCellAtIndex(0), 3U);
+        }
+    }
 }
 
 TEST_F(NumberEditors, TakeAChangeToTheDelegateAndBackAndThenSendIt) {

@@ -499,12 +499,15 @@ TEST_F(SliderCellTest, DrawsACapOnItsSlotAndTheWayFromTheDefault) {
     SliderHost on(true, false, 36.0F);
     setUpFader(on.cell);
     const auto& colors = theme(Appearance::Light);
-    const auto has = [&](Color color) {
+    const auto count = [&](Color color) {
         const auto calls = on.host.display();
-        return std::any_of(calls.begin(), calls.end(),
-                           [&](const auto& call) { return call.color == color; });
+        return std::count_if(calls.begin(), calls.end(),
+                             [&](const auto& call) { return call.color == color; });
     };
+    const auto has = [&](Color color) { return count(color) > 0; };
     const auto redraw = [&] { on.slider().setNeedsDisplay(); };
+    redraw();
+    EXPECT_EQ(count(colors.line), 8) << "minor marks";
     redraw();
     EXPECT_FALSE(has(colors.accent)) << "at its default";
     on.cell.setDoubleValue(0.3);
