@@ -2,7 +2,8 @@
 # The part of scripts/coverage that reads the sources with their counts, as llvm-cov shows them.
 # Usage: coverage.py FOLDER MISSED   prints how much of each module of FOLDER was reached; MISSED gets
 #                                    the lines and branches that were not
-# A line or a branch of a template counts once, however many types it was compiled for.
+# A line or a branch of a template counts once, however many types it was compiled for. What no case
+# of a switch names is no branch: compilers see to it that there is a case for each value.
 import collections
 import os
 import re
@@ -22,9 +23,13 @@ def read(shown):
             place = file, int(line[1])
             if line[2]:
                 lines[place] = line[2] != "0", line[3].strip()
+            code = line[3]
         elif branch := re.search(r"Branch \(\d+:(\d+)\): \[True: (\S+), False: (\S+)\]", text):
-            before = branches[place].get(int(branch[1]), (False, False))
-            branches[place][int(branch[1])] = tuple(
+            column = int(branch[1])
+            if code.startswith("switch", column - 1):
+                continue
+            before = branches[place].get(column, (False, False))
+            branches[place][column] = tuple(
                 reached or times != "0" for reached, times in zip(before, branch.groups()[1:]))
     return lines, branches
 

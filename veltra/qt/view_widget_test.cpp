@@ -170,6 +170,12 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
     button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_TRUE(widget.isNull());
     EXPECT_FALSE(button->isValid()) << "it is there until the reader has returned";
+    auto* const actions = static_cast<QAccessibleActionInterface*>(
+        button->interface_cast(QAccessible::ActionInterface));
+    EXPECT_TRUE(actions == nullptr && button->parent() == nullptr && button->window() == nullptr);
+    EXPECT_TRUE(button->childCount() == 0 && button->childAt(5, 5) == nullptr);
+    EXPECT_TRUE(button->rect().isEmpty() && button->text(QAccessible::Name).isEmpty());
+    EXPECT_TRUE(button->role() == QAccessible::NoRole && button->state().invalid);
 }
 
 }  // namespace

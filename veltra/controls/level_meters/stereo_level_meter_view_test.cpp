@@ -33,7 +33,8 @@ TEST_F(LevelMeterTest, ACellNeedsNoViewAndItsTimersStandInForCallsThatStayAway) 
     cell.setFallBackStepTime(0.05);
     cell.setMaxLevelHoldTime(1.0);
     cell.setLevel(1.0F);
-    EXPECT_EQ(cell.cellHeight(), 173.0F);
+    EXPECT_EQ(cell.cellSizeForBounds({{}, {500, 500}}).height, 173.0F);
+    EXPECT_TRUE(cell.rectOfLevels().isEmpty() && cell.levelMeterOffImage() == nullptr);
     cell.setLevel(0.35F);
     loop.advance(0.04);
     cell.setLevel(0.35F);  // postpones the tick that was due at 0.05
@@ -223,6 +224,38 @@ TEST_F(LevelMeterTest, AMutedBarIsThinButLitHoweverThinItIs) {
     }
 }
 
+TEST_F(LevelMeterTest, SettingsReachBothChannels) {
+    Shown<DfStereoLevelMeterView> host(Rect{{}, {60, 180}});
+    DfStereoLevelMeterView& view = host.view;
+    view.setImageIDs(kLevelMeterImageBar, kLevelMeterImageSlim);
+    view.setFallBackStep(0.2F);
+    view.setMaxLevelHoldTime(3.0);
+    view.setLEDPitch(-1.0F);
+    view.setOnStateLEDInset(-1.0F);
+    view.setLevelScale(LevelMeterLevels::Decibels);
+    view.setMuted(true);
+    view.setLevelL(0.25F, 0.25F);
+    for (const QkLevelMeterCell* const cell : {&view.cellL(), &view.cellR()}) {
+        EXPECT_EQ(cell->levelMeterImageID(), kLevelMeterImageBar);
+        EXPECT_EQ(cell->peakLEDImageID(), kLevelMeterImageSlim);
+        EXPECT_TRUE(cell->fallBackStep() == 0.2F && cell->maxLevelHoldTime() == 3.0);
+        EXPECT_TRUE(cell->LEDPitch() == 0.0F && cell->onStateLEDInset() == 0.0F);
+        EXPECT_TRUE(cell->levelScale() == LevelMeterLevels::Decibels && cell->isMuted());
+    }
+    EXPECT_EQ(view.levelL() + view.levelR(), 0.5F);
+    for (const std::int32_t padding : {6, 0}) {
+        view.setPadding(padding > 0 ? padding : -1);
+        EXPECT_EQ(view.padding(), padding);
+        EXPECT_EQ(view.cellR().cellFrame().minX() - view.cellL().cellFrame().maxX(),
+                  static_cast<float>(padding));
+    }
+    view.setOrientation(LevelMeterOrientation::Horizontal);
+    EXPECT_EQ(view.cellR().cellFrame().size.width, view.cellL().cellFrame().size.width);
+    EXPECT_LT(view.cellR().cellFrame().minY(), view.cellL().cellFrame().minY());
+    EXPECT_EQ(view.cellL().accessibilityOrientation(), AccessibilityOrientation::Horizontal);
+    EXPECT_EQ(view.accessibilityActions().size(), 1U);
+}
+
 TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
     struct Cell : QkLevelMeterCell {};
     DfStereoLevelMeterView view({{}, {26, 180}}, cellFactory<Cell>());
@@ -242,7 +275,10 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     host.view.setOnStateLEDInset(1.0F);
     host.view.setLevelL(0.3F, 0.0F);
     EXPECT_EQ(host.view.cellL().cellHeight(), 108.0F);
-    EXPECT_EQ(host.view.cellL().levelMeterOffImage(), off);
+    const QkLevelMeterCell& cell = host.view.cellL();
+    EXPECT_TRUE(cell.levelMeterOffImage() == off && cell.levelMeterOnImage() == on);
+    EXPECT_TRUE(cell.peakLedOffImage() == light && cell.peakLedOnImage() == light);
+    EXPECT_EQ(cell.cellSizeForBounds({{}, {500, 500}}), (Size{10, 108}));
     const auto calls = images(host);
     ASSERT_EQ(calls.size(), 6U);
     EXPECT_EQ(calls[2].image, on.get());
@@ -252,6 +288,17 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     host.view.setLEDCount(0xFFFFFFFF);  // more than there are pixels: a continuous bar
     host.view.setLevelL(0.6F, 0.0F);
     EXPECT_EQ(images(host)[2].source, (Rect{{1, 41}, {8, 58}}));
+
+    host.view.setLEDPitch(25.0F);  // four of them
+    EXPECT_EQ(cell.LEDCount(), 4U);
+    // Lying, without a picture of what is not lit.
+    registerLevelMeterLook(78, levelMeterLookOfImages(nullptr, off, nullptr, light));
+    host.view.setImageIDs(78, 78);
+    host.view.setOrientation(LevelMeterOrientation::Horizontal);
+    EXPECT_EQ(cell.cellSizeForBounds({{}, {500, 500}}), (Size{10, 100}));
+    EXPECT_TRUE(cell.opaqueRect().isEmpty() && host.view.opaqueRect().isEmpty());
+    EXPECT_EQ(images(host)[0].image, off.get());
+    registerLevelMeterLook(78, nullptr);
 
     registerLevelMeterLook(77, nullptr);
     EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));
