@@ -26,7 +26,7 @@ def read(shown):
             code = line[3]
         elif branch := re.search(r"Branch \(\d+:(\d+)\): \[True: (\S+), False: (\S+)\]", text):
             column = int(branch[1])
-            if code.startswith("switch", column - 1):
+            if code[:column - 1].endswith("switch ("):
                 continue
             before = branches[place].get(column, (False, False))
             branches[place][column] = tuple(

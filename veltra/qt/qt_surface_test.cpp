@@ -34,28 +34,6 @@ TEST_F(OnQt, AViewThatEditsGetsItsKeysBeforeTheShortcutsAround) {
     EXPECT_EQ(editor.events.size(), 2U);
 }
 
-TEST_F(OnQt, EachCursorHasItsShape) {
-    struct Pointed final : View {
-        using View::View;
-        Cursor cursor = Cursor::Arrow;
-        Cursor cursorAt(Point) const override { return cursor; }
-    };
-    auto& view = host(std::make_unique<Pointed>(Rect{{}, {100, 50}}));
-    const std::pair<Cursor, Qt::CursorShape> rows[] = {
-        {Cursor::PointingHand, Qt::PointingHandCursor},
-        {Cursor::OpenHand, Qt::OpenHandCursor},
-        {Cursor::ClosedHand, Qt::ClosedHandCursor},
-        {Cursor::ResizeUpDown, Qt::SizeVerCursor},
-        {Cursor::ResizeLeftRight, Qt::SizeHorCursor},
-        {Cursor::IBeam, Qt::IBeamCursor},
-        {Cursor::Arrow, Qt::ArrowCursor}};
-    for (const auto& [cursor, shape] : rows) {
-        view.cursor = cursor;
-        drag({10, 10}, Qt::NoButton);
-        EXPECT_EQ(widget->cursor().shape(), shape);
-    }
-}
-
 TEST_F(OnQt, ALockedPointerDragsWithoutEnd) {
     auto& probe = host(std::make_unique<Probe>(Rect{{}, {100, 50}}));
     EXPECT_FALSE(widget->veltraWindow().lockPointer(true)) << "no button is down";

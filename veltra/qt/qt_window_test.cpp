@@ -94,10 +94,8 @@ TEST(QtPort, WindowsAreAsTheirStyleSays) {
     constexpr auto kClose = Qt::WindowCloseButtonHint, kMinimize = Qt::WindowMinimizeButtonHint,
                    kMaximize = Qt::WindowMaximizeButtonHint, kNone = Qt::FramelessWindowHint;
     const std::pair<WindowStyle, Qt::WindowFlags> rows[] = {
-        {{}, kClose | kMinimize | kMaximize},
-        {{.isClosable = false}, kMinimize | kMaximize},
         {{.isMiniaturizable = false}, kClose | kMaximize},
-        {{.isResizable = false}, kClose | kMinimize},
+        {{.isClosable = false, .isResizable = false}, kMinimize},
         {{.isTitled = false}, kNone}};
     for (const auto& [style, hints] : rows) {
         Window window({{100, 100}, {200, 100}}, style);

@@ -17,29 +17,6 @@ __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
 namespace veltra::testing {
 namespace {
 
-TEST_F(OnQt, DrawsTheViewsThatHaveChangedAndNoOthers) {
-    auto& all = host(std::make_unique<View>(Rect{{}, {400, 200}}));
-    std::vector<Probe*> meters;
-    for (int i = 0; i < 200; ++i) {
-        const int row = i / 20;
-        const Point at{static_cast<float>(i % 20 * 20), static_cast<float>(row * 20)};
-        meters.push_back(&all.addSubview(std::make_unique<Probe>(Rect{at, {18, 18}})));
-    }
-    widget->repaint();
-    for (Probe* meter : meters)
-        meter->draws = 0;
-    for (std::size_t i = 0; i < 200; i += 20) {
-        meters[i]->color = Color::fromRgb(0x0000FF);
-        meters[i]->setNeedsDisplay();
-    }
-    widget->veltraWindow().displayIfNeeded();
-    for (std::size_t i = 0; i < 200; ++i)
-        EXPECT_EQ(meters[i]->draws, i % 20 == 0 ? 1 : 0) << i;
-    const QImage picture = widget->grab().toImage();
-    EXPECT_EQ(picture.pixelColor(9, 191), QColor(Qt::blue));  // the lowest row
-    EXPECT_EQ(picture.pixelColor(29, 191), QColor(Qt::red));
-}
-
 // Paints beyond what it is asked for, and counts.
 struct Painting final : View {
     using View::View;

@@ -201,12 +201,10 @@ TEST(LevelBallistics, MovesInCAsInCpp) {
     VLLevelBallisticsSetPeak(none, true);
     VLLevelBallisticsDropMaximum(none);
     VLLevelBallisticsDestroy(none);
-    for (const double value :
-         {double{VLLevelBallisticsFallBackStep(none)}, VLLevelBallisticsFallBackStepTime(none),
-          VLLevelBallisticsMaxLevelHoldTime(none), double{VLLevelBallisticsLevel(none)},
-          double{VLLevelBallisticsDisplayLevel(none)},
-          double{VLLevelBallisticsMaxDisplayLevel(none)}})
-        EXPECT_EQ(value, 0.0);
+    EXPECT_EQ(VLLevelBallisticsFallBackStep(none) + VLLevelBallisticsLevel(none) +
+                  VLLevelBallisticsDisplayLevel(none) + VLLevelBallisticsMaxDisplayLevel(none),
+              0.0F);
+    EXPECT_EQ(VLLevelBallisticsFallBackStepTime(none) + VLLevelBallisticsMaxLevelHoldTime(none), 0);
     EXPECT_FALSE(VLLevelBallisticsSetLevel(none, 1.0F, true, 0) || VLLevelBallisticsTick(none, 0) ||
                  VLLevelBallisticsPeak(none));
     EXPECT_EQ(VLLevelBallisticsTimeToTick(none, 0), -1);
