@@ -57,6 +57,13 @@ TEST_F(OnQt, DrawsAllChangesOfATurnAtOnceAndNothingBesideThem) {
             EXPECT_EQ(colorAt(2 * i + 1, 99 - i), QColor(i < 10 ? Qt::blue : Qt::red)) << i;
         }
     }
+    view.color = Color::fromRgb(0x00FF00);
+    for (const float x : {0.0F, 150.0F})  // in the turns after that, too
+        view.setNeedsDisplayInRect({{x, 0}, {10, 10}});
+    QCoreApplication::processEvents();
+    if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+        EXPECT_TRUE(colorAt(5, 95) == colorAt(155, 95) && colorAt(5, 95) == QColor(Qt::green));
+    view.draws = 2;
     view.isOpaque = false;
     view.setNeedsDisplay();
     view.window()->displayIfNeeded();

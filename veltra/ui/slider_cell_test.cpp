@@ -19,6 +19,7 @@ struct Magnetic final : SliderCell {
 
 TEST(SliderCellValues, KeepToLimitsAndTicks) {
     SliderCell slider;
+    EXPECT_EQ(slider.stringValue(), "0");
     slider.setMaxValue(100.0);
     slider.setNumberOfTickMarks(5);
     slider.setAllowsTickMarkValuesOnly(true);
@@ -57,6 +58,7 @@ TEST(SliderCellValues, FollowThePointerInEveryDirectionAndStandAtTheirMarks) {
             const Point knob = cell.knobRectFlipped(isFlipped).center();
             const Point mark = cell.rectOfTickMarkAtIndex(3, isFlipped).origin;
             EXPECT_EQ(isVertical ? knob.y : knob.x, isVertical ? mark.y : mark.x);
+            EXPECT_EQ(isVertical ? knob.x : knob.y, 10.0F);
         }
     }
 }
