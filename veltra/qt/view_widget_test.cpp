@@ -61,8 +61,10 @@ TEST_F(OnQt, DrawsAllChangesOfATurnAtOnceAndNothingBesideThem) {
     for (const float x : {0.0F, 150.0F})  // in the turns after that, too
         view.setNeedsDisplayInRect({{x, 0}, {10, 10}});
     QCoreApplication::processEvents();
-    if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
-        EXPECT_TRUE(colorAt(5, 95) == colorAt(155, 95) && colorAt(5, 95) == QColor(Qt::green));
+    for (const int x : {5, 155}) {
+        const bool isOffscreen = QGuiApplication::platformName() == QStringLiteral("offscreen");
+        EXPECT_TRUE(!isOffscreen || colorAt(x, 95) == QColor(Qt::green)) << x;
+    }
     view.draws = 2;
     view.isOpaque = false;
     view.setNeedsDisplay();
