@@ -1,48 +1,71 @@
 # SPDX-License-Identifier: MIT
-# The part of scripts/coverage that reads what llvm-cov tells, from standard input.
-# Usage: coverage.py table FOLDER   its summary: lines and branches of each module of FOLDER
-#        coverage.py missed         its sources: the lines and branches that no test reached
+# The part of scripts/coverage that reads the sources with their counts, as llvm-cov shows them.
+# Usage: coverage.py FOLDER MISSED   prints how much of each module of FOLDER was reached; MISSED gets
+#                                    the lines and branches that were not
+# A line or a branch of a template counts once, however many types it was compiled for. What no case
+# of a switch names is no branch: compilers see to it that there is a case for each value.
 import collections
-import json
 import os
 import re
 import sys
 
 
-def table(folder):
-    modules = collections.defaultdict(lambda: [0, 0, 0, 0])
-    for found in json.load(sys.stdin)["data"][0]["files"]:
-        name = os.path.relpath(os.path.normpath(found["filename"]), folder)
-        if name.startswith(".."):
+def read(shown):
+    """The lines that count, by file and number: whether they were reached, and their text. The
+    branches of each, by column: whether they were ever true, and ever false."""
+    lines = {}
+    branches = collections.defaultdict(dict)
+    place = None
+    for text in shown:
+        if source := re.match(r"(/.*):$", text):
+            file = source[1]
+        elif line := re.match(r" *(\d+)\| *([\d.]+[kMGTPE]?)?\|(.*)", text):
+            place = file, int(line[1])
+            if line[2]:
+                lines[place] = line[2] != "0", line[3].strip()
+            code = line[3]
+        elif branch := re.search(r"Branch \(\d+:(\d+)\): \[True: (\S+), False: (\S+)\]", text):
+            column = int(branch[1])
+            if code[:column - 1].endswith("switch ("):
+                continue
+            before = branches[place].get(column, (False, False))
+            branches[place][column] = tuple(
+                reached or times != "0" for reached, times in zip(before, branch.groups()[1:]))
+    return lines, branches
+
+
+def missed(lines, branches):
+    never = {(False, False): "asked", (False, True): "true", (True, False): "false"}
+    for (file, number), (is_reached, text) in sorted(lines.items()):
+        name = f"{os.path.relpath(file)}:{number}"
+        if not is_reached:
+            yield f"{name}: {text}"
             continue
-        counts = [found["summary"][what][part]
-                  for what in ("lines", "branches") for part in ("covered", "count")]
-        for module in (os.path.dirname(name) or ".", "all"):
-            modules[module] = [a + b for a, b in zip(modules[module], counts)]
+        for column, sides in sorted(branches[file, number].items()):
+            if sides in never:
+                yield f"{name}: never {never[sides]} from column {column}: {text}"
+
+
+def table(lines, branches, folder):
+    modules = collections.defaultdict(lambda: [0, 0, 0, 0])
+    for place, (is_reached, _) in lines.items():
+        module = os.path.dirname(os.path.relpath(place[0], folder)).removesuffix("/detail") or "."
+        sides = [side for both in branches[place].values() for side in both]
+        for name in (module, "all"):
+            counts = (is_reached, 1, sum(sides), len(sides))
+            modules[name] = [a + b for a, b in zip(modules[name], counts)]
     print(f"{'module':24}{'lines':>8}{'reached':>10}{'branches':>10}{'reached':>10}")
     for module in sorted(modules, key=lambda module: (module == "all", module)):
-        lines, all_lines, branches, all_branches = modules[module]
-        print(f"{module:24}{all_lines:8}{share(lines, all_lines):>10}"
-              f"{all_branches:10}{share(branches, all_branches):>10}")
+        reached_lines, all_lines, reached_sides, all_sides = modules[module]
+        print(f"{module:24}{all_lines:8}{share(reached_lines, all_lines):>10}"
+              f"{all_sides:10}{share(reached_sides, all_sides):>10}")
 
 
 def share(part, whole):
     return f"{100 * part / whole:.1f} %" if whole else "-"
 
 
-def missed():
-    file = line = text = ""
-    for shown in sys.stdin:
-        if source := re.match(r"(/.*):$", shown):
-            file = os.path.relpath(source[1])
-        elif counted := re.match(r" *(\d+)\| *([\d.]+[kMGTPE]?)?\|(.*)", shown):
-            line, times, text = counted.groups()
-            if times == "0":
-                print(f"{file}:{line}: {text.strip()}")
-        elif branch := re.search(r"Branch \(\d+:(\d+)\): \[True: (\S+), False: (\S+)\]", shown):
-            column, true, false = branch.groups()
-            if (true == "0") != (false == "0"):
-                print(f"{file}:{line}: never {'true' if true == '0' else 'false'} from column {column}: {text.strip()}")
-
-
-table(sys.argv[2]) if sys.argv[1] == "table" else missed()
+found = read(sys.stdin)
+with open(sys.argv[2], "w") as list_of_missed:
+    list_of_missed.writelines(text + "\n" for text in missed(*found))
+table(*found, sys.argv[1])

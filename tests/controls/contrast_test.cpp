@@ -11,7 +11,7 @@
 #include "veltra/controls/number_editor/number_display.h"
 #include "veltra/controls/sliders/slider_presets.h"
 #include "veltra/ui/button.h"
-#include "veltra/ui/testing/sight.h"
+#include "veltra/ui/testing/recording_canvas.h"
 #include "veltra/ui/value_tip.h"
 
 #include <functional>
@@ -35,49 +35,23 @@ Pixels shown(const Setting& setting, const Show& show) {
     return picture.draw();
 }
 
-// Notes what of each text cannot be seen.
-class CutTexts final : public CanvasPort {
-public:
-    explicit CutTexts(float scale) : m_scale(scale) {}
-    int count = 0;
+// Which of the texts, on a card, cannot be seen whole.
+std::string cutOff(const std::vector<RecordingCanvas::Call>& texts) {
     std::string cut;
-
-    void saveState() override { m_saved.push_back(m_clip); }
-    void restoreState() override {
-        m_clip = m_saved.back();
-        m_saved.pop_back();
-    }
-    void clipTo(const Rect& rect) override { m_clip = m_clip.intersection(rect); }
-    void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) override {
-        const Size size = text.size();
-        const float room = rect.size.width - size.width;
+    for (const RecordingCanvas::Call& call : texts) {
+        const StyledText& text = call.styled;
+        const float width = text.size().width, room = call.rect.size.width - width;
         const bool isCentred = text.alignment == TextAlignment::Center;
         const float left = text.alignment == TextAlignment::Left ? 0.0F : room;
-        const float capitals = 0.74F * text.font.size;
-        const float low = rect.center().y - capitals / 2;
-        const Rect seen = placement == TextPlacement::Top ? Rect{{0, rect.minY()}, {0, size.height}}
-                                                          : Rect{{0, low}, {0, capitals}};
-        const Rect place{{rect.minX() + (isCentred ? room / 2 : left), seen.minY()},
-                         {size.width, seen.size.height}};
-        const bool isWhole = m_clip.united(place.inset(0.01F, 0.01F)) == m_clip;
-        ++count;
+        const float height = call.isAtTop ? call.rect.size.height : 0.74F * text.font.size;
+        const float top = call.isAtTop ? call.rect.minY() : call.rect.center().y - height / 2;
+        const Rect place{{call.rect.minX() + (isCentred ? room / 2 : left), top}, {width, height}};
+        const Rect seen = call.clip.intersection({{}, {480, 220}});
+        const bool isWhole = seen.united(place.inset(0.01F, 0.01F)) == seen;
         if (room < 0.0F || !isWhole) cut += "'" + text.string + "' ";
     }
-
-    float scale() const override { return m_scale; }
-    Rect alignedToDevice(const Rect& rect) const override { return rect; }
-    void setFontSmoothing(bool) override {}
-    void fillRect(const Rect&, Color) override {}
-    void fillPath(const Path&, Color) override {}
-    void fillPath(const Path&, const LinearGradient&) override {}
-    void strokePath(const Path&, Color, float) override {}
-    void drawImage(const Image&, const Rect&, const Rect&, float) override {}
-
-private:
-    const float m_scale;
-    Rect m_clip{{}, {480, 220}};
-    std::vector<Rect> m_saved;
-};
+    return cut;
+}
 
 // Of what differs most from the colour that there is most of.
 double contrastIn(const Pixels& pixels, const Rect& rect, float scale) {
@@ -263,11 +237,12 @@ TEST(Texts, AreNotCutOff) {
         for (const auto& [what, show] : rows) {
             CardPicture picture({480, 220}, setting);
             show(picture);
-            CutTexts texts(setting.scale);
+            RecordingCanvas canvas(setting.scale);
             const Rect whole{{}, {480, 220}};
-            picture.window.display(texts, {&whole, 1});
-            EXPECT_EQ(texts.cut, "") << what << ", " << nameOf(setting);
-            EXPECT_GT(texts.count, 0) << what;
+            picture.window.display(canvas, {&whole, 1});
+            const auto texts = RecordingCanvas::only(RecordingCanvas::What::Text, canvas.calls);
+            EXPECT_EQ(cutOff(texts), "") << what << ", " << nameOf(setting);
+            EXPECT_FALSE(texts.empty()) << what;
         }
     }
 }

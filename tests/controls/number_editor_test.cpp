@@ -68,22 +68,5 @@ TEST(NumberEditorPictures, GroundAndRingAreSharpAtEveryScale) {
     }
 }
 
-TEST(NumberEditorPictures, AllIsInPlaceAgainAfterAnyNumberOfLayouts) {
-    for (const Setting& setting : settings()) {
-        Shown shown(setting);
-        const auto frames = [&] {
-            std::vector<Rect> all{shown.editor().frame()};
-            for (std::int32_t i = 0; i < shown.editor().cellCount(); ++i)
-                all.push_back(shown.editor().frameOfCellAtIndex(i));
-            return all;
-        };
-        const auto first = frames();
-        for (int i = 0; i < 40; ++i)
-            shown.display.setFrameSize({i % 2 != 0 ? 164.0F : 90.7F, 40});
-        EXPECT_EQ(frames(), first);
-        EXPECT_LE(first.back().maxX(), first.front().size.width);  // nothing is cut off
-    }
-}
-
 }  // namespace
 }  // namespace veltra::testing

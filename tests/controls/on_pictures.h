@@ -4,6 +4,7 @@
 
 #include "veltra/qt/qt_port.h"
 #include "veltra/ui/picture.h"
+#include "veltra/ui/testing/sight.h"
 #include "veltra/ui/theme.h"
 
 #include <QApplication>
@@ -51,13 +52,6 @@ inline std::vector<Setting> settings() {
 inline std::string nameOf(const Setting& setting) {
     return (setting.appearance == Appearance::Dark ? "dark, scale " : "light, scale ") +
            std::to_string(setting.scale);
-}
-
-inline std::uint32_t rgbOf(Color color) {
-    const auto part = [](float value) {
-        return static_cast<std::uint32_t>(std::lround(value * 255));
-    };
-    return part(color.red) << 16U | part(color.green) << 8U | part(color.blue);
 }
 
 class Pixels {

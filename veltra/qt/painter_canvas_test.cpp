@@ -76,6 +76,64 @@ TEST_F(CanvasOfQt, PartsOfImagesAreCopiedPixelByPixel) {
     }
 }
 
+// Of another port than Qt's.
+struct Grey final : Image {
+    Size size() const noexcept override { return {2, 2}; }
+    float scale() const noexcept override { return 1.0F; }
+    std::uint32_t pixelAt(std::int32_t, std::int32_t) const noexcept override { return 0xFF808080; }
+    bool writePng(const std::string&) const override { return false; }
+};
+
+TEST_F(CanvasOfQt, ForeignImagesAreStretchedMovedAndFaded) {
+    const auto image = drawn(1.0F, [](Canvas& canvas) {
+        canvas.drawImage(Grey(), {{}, {2, 2}}, {{4, 4}, {8, 8}}, 0.5F);
+        canvas.drawImage(Grey(), {{}, {2, 2}}, {{0.5F, 0.5F}, {2, 2}});
+    });
+    const auto alphaAt = [&](std::int32_t x, std::int32_t y) {
+        return image->pixelAt(x, y) >> 24U;
+    };
+    EXPECT_NEAR(alphaAt(8, 8), 128, 1);
+    EXPECT_EQ(image->pixelAt(1, 1), 0xFF808080U);
+    EXPECT_EQ(alphaAt(3, 3) + alphaAt(12, 12), 0U);
+}
+
+TEST_F(CanvasOfQt, WhereNoClipIsLeftNothingIsDrawn) {
+    const auto image = drawn(1.0F, [](Canvas& canvas) {
+        for (const float x : {0.0F, 10.0F})
+            canvas.clipTo({{x, 0}, {10, 20}});
+        const Rect rect{{0.5F, 0.5F}, {19, 19}};
+        const Path path = Path::roundedRect(rect, 2.0F);
+        canvas.fillRect({{}, {20, 20}}, kBlack);
+        canvas.fillRect(rect, kBlack);
+        canvas.fillPath(path, kBlack);
+        canvas.fillPath(path, LinearGradient{kBlack, kWhite, {0, 0}, {20, 20}});
+        canvas.strokePath(path, kBlack, 2.0F);
+        canvas.drawImage(Grey(), {{}, {2, 2}}, rect);
+        canvas.drawText({"MM", Font::systemFont(12.0F), kBlack}, rect, TextPlacement::Center);
+    });
+    for (std::int32_t i = 0; i < 400; ++i)
+        EXPECT_EQ(image->pixelAt(i % 20, i / 20), 0U) << i;
+}
+
+TEST_F(CanvasOfQt, TextsStandWhereTheyArePlacedAndEndWithTheirRoom) {
+    const auto rows = [](TextPlacement placement, float width) {
+        StyledText text{"HHH", Font::systemFont(10.0F), kBlack};
+        const auto image = drawn(2.0F, [&](Canvas& canvas) {
+            canvas.drawText(text, {{4, 2}, {width, text.size().height}}, placement);
+        });
+        std::vector<std::uint32_t> all;
+        for (std::int32_t i = 0; i < 1600; ++i)
+            all.push_back(image->pixelAt(i % 40, i / 40));
+        return all;
+    };
+    const auto whole = rows(TextPlacement::Top, 16.0F);
+    EXPECT_EQ(whole, rows(TextPlacement::Center, 16.0F)) << "there is no more than its height";
+    const auto cut = rows(TextPlacement::Top, 6.0F);
+    for (std::size_t i = 0; i < 1600; ++i)
+        EXPECT_EQ(cut[i], i % 40 < 20 ? whole[i] : 0U) << i;
+    EXPECT_NE(cut, whole);
+}
+
 // Capitals stand in the middle, with their foot on a border between pixels.
 TEST_F(CanvasOfQt, CapitalsAreCenteredAndStandOnAPixel) {
     for (float size = 10.0F; size < 16.0F; size += 0.5F) {

@@ -42,6 +42,51 @@ TEST_F(OnQt, ReadersSeeAndMoveTheCells) {
     EXPECT_EQ(root->childCount(), 0);
 }
 
+// A group as a container of cells is, with a name and a help of its own.
+struct Group final : View {
+    using View::View;
+    AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Group; }
+    std::string accessibilityValueText() const override { return "all"; }
+};
+
+TEST_F(OnQt, ReadersFindTheirWayThroughGroupsAndWidgetsAround) {
+    auto& all = host(std::make_unique<View>(Rect{{}, {300, 50}}));
+    auto& group = all.addSubview(std::make_unique<Group>(Rect{{0, 0}, {200, 50}}));
+    group.setAccessibilityHelp("of four");
+    auto& slider = static_cast<SliderCell&>(*addSlider(group, {{10, 10}, {20, 30}}).cell());
+    slider.setAltIncrementValue(0.25);
+    QLineEdit field(widget);
+    field.setGeometry(250, 10, 40, 20);
+    field.show();
+    auto* const root = QAccessible::queryAccessibleInterface(widget.data());
+    auto* const inner = QAccessible::queryAccessibleInterface(&field);
+    ASSERT_EQ(root->childCount(), 2);  // the elements, then the widgets
+    QAccessibleInterface* const shown = root->child(0);
+    EXPECT_TRUE(root->child(1) == inner && root->child(2) == nullptr);
+    EXPECT_TRUE(root->indexOfChild(inner) == 1 && root->indexOfChild(root) == -1);
+    ASSERT_EQ(shown->childCount(), 1);
+    QAccessibleInterface* const knob = shown->child(0);
+    EXPECT_TRUE(knob->parent() == shown && shown->parent() == root);
+    EXPECT_TRUE(shown->indexOfChild(knob) == 0 && shown->indexOfChild(inner) == -1);
+    EXPECT_EQ(knob->window(), outside.windowHandle());
+    const auto at = [&](QAccessibleInterface* where, QPoint point) {
+        const QPoint onScreen = widget->mapToGlobal(point);
+        return where->childAt(onScreen.x(), onScreen.y());
+    };
+    EXPECT_TRUE(at(root, {260, 20}) == inner && at(root, {220, 20}) == nullptr);
+    EXPECT_TRUE(at(shown, {15, 20}) == knob && at(shown, {100, 20}) == nullptr);
+    EXPECT_EQ(shown->text(QAccessible::Help), "of four");
+    EXPECT_EQ(shown->text(QAccessible::Value), "all");
+    EXPECT_EQ(knob->text(QAccessible::Value), "0");
+    EXPECT_EQ(knob->text(QAccessible::Description), "vertical");
+    EXPECT_EQ(knob->text(QAccessible::Accelerator), "");
+    EXPECT_EQ(knob->valueInterface()->minimumStepSize().toDouble(), 0.25);
+    EXPECT_TRUE(knob->actionInterface()->keyBindingsForAction("press").isEmpty());
+    knob->actionInterface()->doAction("no such action");
+    EXPECT_EQ(slider.doubleValue(), 0.0);
+    EXPECT_TRUE(shown->valueInterface() == nullptr && shown->actionInterface() == nullptr);
+}
+
 std::vector<std::pair<QAccessible::Event, QAccessible::Role>> heard;
 
 TEST_F(OnQt, ReadersHearOfChanges) {

@@ -35,6 +35,18 @@ TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
     EXPECT_THAT(probe.events, ElementsAre(clicks(1), clicks(2), clicks(3)));
     EXPECT_EQ(probe.events.back().eventNumber, last + 3);
 
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, {50, 20});
+    probe.events.clear();
+    for (const auto button : {Qt::RightButton, Qt::MiddleButton}) {  // nobody hears of the latter
+        QTest::mousePress(widget, button, {}, {10, 20});
+        drag({13, 16}, button);
+        QTest::mouseRelease(widget, button, {}, {13, 16});
+    }
+    const auto is = [](EventType type) { return Field(&Event::type, type); };
+    EXPECT_THAT(probe.events,
+                ElementsAre(is(EventType::RightMouseDown), is(EventType::RightMouseDragged),
+                            is(EventType::RightMouseUp)));
+
     EXPECT_TRUE(turn({0, 24}));
     EXPECT_FLOAT_EQ(probe.events.back().deltaY, 0.2F);
     EXPECT_TRUE(turn({-120, 0}, Qt::AltModifier));  // as systems that swap the axes send it
@@ -48,11 +60,21 @@ TEST_F(OnQt, TheWheelTellsWhetherItIsFine) {
     turn({0, 120});
     EXPECT_FALSE(probe.events.back().hasPreciseScrollingDeltas);
     EXPECT_EQ(probe.events.back().scrollPhase, ScrollPhase::None);
-    QWheelEvent fine(QPointF(5, 5), widget->mapToGlobal(QPointF(5, 5)), {0, 3}, {0, 18},
-                     Qt::NoButton, Qt::NoModifier, Qt::ScrollUpdate, false);
-    QApplication::sendEvent(widget, &fine);
-    EXPECT_TRUE(probe.events.back().hasPreciseScrollingDeltas);
-    EXPECT_EQ(probe.events.back().scrollPhase, ScrollPhase::Changed);
+    const std::pair<Qt::ScrollPhase, ScrollPhase> phases[] = {
+        {Qt::ScrollBegin, ScrollPhase::Began},
+        {Qt::ScrollUpdate, ScrollPhase::Changed},
+        {Qt::ScrollMomentum, ScrollPhase::Momentum},
+        {Qt::ScrollEnd, ScrollPhase::Ended}};
+    for (const auto& [phase, told] : phases) {
+        for (const int angle : {0, 18}) {  // some devices tell pixels alone
+            QWheelEvent fine(QPointF(5, 5), widget->mapToGlobal(QPointF(5, 5)), {0, 3}, {0, angle},
+                             Qt::NoButton, Qt::NoModifier, phase, false);
+            QApplication::sendEvent(widget, &fine);
+            EXPECT_TRUE(probe.events.back().hasPreciseScrollingDeltas);
+            EXPECT_EQ(probe.events.back().scrollPhase, told);
+            EXPECT_FLOAT_EQ(probe.events.back().deltaY, 0.15F);
+        }
+    }
 }
 
 TEST_F(OnQt, TellsKeysAsCharactersThatControlsKnow) {
@@ -66,6 +88,9 @@ TEST_F(OnQt, TellsKeysAsCharactersThatControlsKnow) {
         {Qt::Key_A, {}, "a", u"a", u"a", {}},
         {Qt::Key_A, Qt::ShiftModifier, "A", u"A", u"A", kShiftKeyMask},
         {Qt::Key_A, Qt::ControlModifier, "\x01", u"\x01", u"a", kControlKeyMask},
+        {Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier, "\x01", u"\x01", u"A",
+         kControlKeyMask | kShiftKeyMask},
+        {Qt::Key_Dead_Acute, Qt::ControlModifier, "", u"", u"", kControlKeyMask},
         {Qt::Key_Up, {}, "", u"\uF700", u"\uF700", kFunctionKeyMask},
         {Qt::Key_F3, Qt::MetaModifier, "", u"\uF706", u"\uF706",
          kFunctionKeyMask | kCommandKeyMask},
@@ -85,6 +110,11 @@ TEST_F(OnQt, TellsKeysAsCharactersThatControlsKnow) {
         EXPECT_EQ(event.modifierFlags, row.flags) << row.key;
         EXPECT_EQ(event.keyCode, 38) << row.key;
         EXPECT_EQ(event.type == EventType::FlagsChanged, row.key == Qt::Key_Shift);
+    }
+    for (const bool repeats : {true, false}) {
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_Shift, Qt::ShiftModifier, {}, repeats);
+        QApplication::sendEvent(widget, &release);
+        EXPECT_EQ(probe.events.back().modifierFlags.isEmpty(), !repeats);
     }
 }
 

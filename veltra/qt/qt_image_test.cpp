@@ -4,6 +4,8 @@
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/testing/on_qt.h"
 
+#include <filesystem>
+
 namespace veltra::testing {
 namespace {
 
@@ -20,6 +22,15 @@ TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
     const auto opaque = Image::drawn({1, 1}, 2.0F, draw);
     EXPECT_EQ(toQImage(*opaque).format(), QImage::Format_RGB32);
     EXPECT_EQ(fromQImage(toQImage(*opaque))->size(), (Size{1, 1}));
+    const std::string path = ::testing::TempDir() + "picture.png";
+    ASSERT_TRUE(image->writePng(path));
+    const auto read = Image::load(path, 4.0F);
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->size(), (Size{1, 0.5F}));
+    EXPECT_EQ(read->pixelAt(1, 1), 0xFF336699U);
+    std::filesystem::remove(path);
+    EXPECT_EQ(Image::load(path), nullptr);
+    EXPECT_EQ(fromQImage({}), nullptr);
 }
 
 }  // namespace

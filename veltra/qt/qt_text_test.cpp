@@ -39,6 +39,8 @@ TEST_F(OnQt, TextIsLaidOutOnceForAllSizesOfAFont) {
         sizes.sizeOf(text);
     }
     EXPECT_LE(sizes.count(), 1000U);
+    sizes.forget();
+    EXPECT_EQ(sizes.count(), 0U);
 }
 
 }  // namespace

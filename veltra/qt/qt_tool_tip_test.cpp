@@ -22,12 +22,32 @@ TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
     EXPECT_TRUE(tip->isVisible());
     EXPECT_EQ(tip->text(), "7");
     EXPECT_FALSE(tip->geometry().contains(widget->mapToGlobal(QPoint(50, 25))));
+    const auto rest = [this](QPoint at) {
+        QHelpEvent event(QEvent::ToolTip, at, widget->mapToGlobal(at));
+        QApplication::sendEvent(widget, &event);
+    };
+    rest({5, 5});
+    EXPECT_EQ(tip->text(), "7") << "a value that is being changed stays";
     ToolTipWindow::shared().closeToolTipWindow();
     EXPECT_FALSE(tip->isVisible());
-    QHelpEvent rest(QEvent::ToolTip, {5, 5}, widget->mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(widget, &rest);
-    EXPECT_EQ(tip->text(), "resting");
-    drag({60, 5}, Qt::NoButton);
+    const std::function<void()> ends[] = {[this] {
+                                              drag({60, 5}, Qt::NoButton);
+                                          },
+                                          [this] { QTest::keyPress(widget, Qt::Key_A); },
+                                          [this] {
+                                              turn({0, 120});
+                                          }};
+    for (const auto& end : ends) {
+        rest({5, 5});
+        EXPECT_EQ(tip->text(), "resting");
+        drag({6, 5}, Qt::NoButton);  // still in its rectangle
+        EXPECT_TRUE(tip->isVisible());
+        const QImage shown = tip->grab().toImage();
+        EXPECT_NE(shown.pixelColor(shown.width() / 2, 3), shown.pixelColor(0, 0)) << "a plate";
+        end();
+        EXPECT_FALSE(tip->isVisible()) << &end - ends;
+    }
+    rest({60, 5});  // where nothing is described
     EXPECT_FALSE(tip->isVisible());
 }
 

@@ -78,20 +78,20 @@ QtUiPort::QtUiPort() = default;
 QtUiPort::~QtUiPort() = default;
 
 void QtUiPort::remove(QtSurface& surface) {
-    if (surface.widget() != nullptr) m_toolTip.close(*surface.widget());
+    m_toolTip.close(*surface.widget());
     m_surfaces.erase(std::remove(m_surfaces.begin(), m_surfaces.end(), &surface), m_surfaces.end());
 }
 
 QtSurface* QtUiPort::surfaceOf(const Window* window) const {
-    const auto found = std::find_if(m_surfaces.begin(), m_surfaces.end(), [&](QtSurface* surface) {
-        return surface->widget() != nullptr && &surface->window() == window;
+    const auto found = std::find_if(m_surfaces.begin(), m_surfaces.end(), [=](QtSurface* surface) {
+        return &surface->window() == window;
     });
     return found != m_surfaces.end() ? *found : nullptr;
 }
 
 QtSurface* QtUiPort::surfaceOf(const QObject* widget) const {
-    const auto found = std::find_if(m_surfaces.begin(), m_surfaces.end(), [&](QtSurface* surface) {
-        return surface->widget() != nullptr && surface->widget() == widget;
+    const auto found = std::find_if(m_surfaces.begin(), m_surfaces.end(), [=](QtSurface* surface) {
+        return surface->widget() == widget;
     });
     return found != m_surfaces.end() ? *found : nullptr;
 }
@@ -131,9 +131,8 @@ std::unique_ptr<WindowPort> QtUiPort::makeWindow(Window& window, const Rect& con
 }
 
 bool QtUiPort::hasVisibleSurface() const {
-    return std::any_of(m_surfaces.begin(), m_surfaces.end(), [](const QtSurface* surface) {
-        return surface->widget() != nullptr && surface->widget()->isVisible();
-    });
+    return std::any_of(m_surfaces.begin(), m_surfaces.end(),
+                       [](const QtSurface* surface) { return surface->widget()->isVisible(); });
 }
 
 bool QtUiPort::waitForEvent() {

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/qt/qt_window.h"
 
+#include "veltra/platform/termination.h"
 #include "veltra/qt/qt_port.h"
 #include "veltra/qt/testing/on_qt.h"
 #include "veltra/ui/panel.h"
 
+#include <QTimer>
 #include <QWindow>
 
 namespace veltra::testing {
@@ -85,6 +87,50 @@ TEST(QtPort, LimitsHoldFromTheNextSizeOn) {
         top->resize(row.wish);  // as the user does
         EXPECT_TRUE(comesTo(row.got)) << top->width();
     }
+}
+
+TEST(QtPort, WindowsAreAsTheirStyleSays) {
+    const Running running;
+    constexpr auto kClose = Qt::WindowCloseButtonHint, kMinimize = Qt::WindowMinimizeButtonHint,
+                   kMaximize = Qt::WindowMaximizeButtonHint, kNone = Qt::FramelessWindowHint;
+    const std::pair<WindowStyle, Qt::WindowFlags> rows[] = {
+        {{.isMiniaturizable = false}, kClose | kMaximize},
+        {{.isClosable = false, .isResizable = false}, kMinimize},
+        {{.isTitled = false}, kNone}};
+    for (const auto& [style, hints] : rows) {
+        Window window({{100, 100}, {200, 100}}, style);
+        window.setTitle("Mixer");
+        window.setMaxSize({250, 250});
+        QWidget* const top = show(window);
+        EXPECT_EQ(top->windowFlags() & (kClose | kMinimize | kMaximize | kNone), hints);
+        EXPECT_EQ(top->windowTitle(), "Mixer");
+        const auto comesTo = [&](QSize size) {
+            return QTest::qWaitFor([&] { return top->size() == size; }, kPatience);
+        };
+        window.setFrame({{100, 100}, {220, 120}});
+        EXPECT_TRUE(comesTo({220, 120}));
+        top->resize(400, 400);  // as the user does
+        EXPECT_TRUE(comesTo(style.isResizable ? QSize(250, 250) : QSize(220, 120)));
+        window.miniaturize();
+        EXPECT_TRUE(top->isMinimized());
+    }
+}
+
+TEST(QtPort, EndsTheEventLoopUnlessTheHostHasItsOwnWay) {
+    static int asked = 0;
+    const Terminator hosts = []() noexcept { ++asked; };
+    installTerminator(hosts);
+    {
+        const Running running;
+        askToTerminate();
+    }
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(installTerminator(nullptr), hosts);
+    const Running running;
+    QTimer::singleShot(0, [] { Application::current().terminate(); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    askToTerminate();
+    EXPECT_EQ(asked, 1);
 }
 
 TEST(QtPort, OnlyWindowsThatWorkWhenModalHearOfClicksBesideAModalOne) {

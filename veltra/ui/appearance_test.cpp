@@ -7,13 +7,6 @@
 namespace veltra::testing {
 namespace {
 
-std::uint32_t rgbOf(Color color) {
-    const auto part = [](float value) {
-        return static_cast<std::uint32_t>(std::lround(value * 255.0F));
-    };
-    return part(color.red) << 16U | part(color.green) << 8U | part(color.blue);
-}
-
 TEST(Appearance, ItsColorsCanBeReadOnEachOther) {
     using enum SystemColor;
     const std::tuple<SystemColor, SystemColor, double> least[] = {

@@ -79,6 +79,12 @@ TEST(ButtonLook, FollowsStyleStateAndPointer) {
         EXPECT_EQ(drawn.ink, ink) << static_cast<int>(style) << isOn << isHovered;
     }
     EXPECT_EQ(drawn.place, (Point{22, 20}));  // in the middle; y points up
+    const auto width = [&cell] { return cell.cellSizeForBounds({{}, {200, 200}}).width; };
+    EXPECT_EQ(width(), 16.0F + 24.0F);  // the icon alone
+    cell.setStringValue("Mute");
+    EXPECT_EQ(width(), 16.0F + 8.0F + 26.0F + 24.0F);
+    cell.setIcon(nullptr);
+    EXPECT_EQ(width(), 26.0F + 24.0F);
 }
 
 }  // namespace

@@ -20,8 +20,10 @@ TEST(CellValues, ReadTheNumberThatATextBeginsWith) {
         {100.0, {"1e2"}},
         {0.0,
          {"", "   ", "dB", "info", "Nandu", "-inf", "+-5", "--5", ".", "+", "0x10", "1e-999",
-          "0." + zeros + "1"}},
-        {kMost, {nines, "1e999", zeros + nines, "0." + zeros + "1e900", "1e99999999999999999999"}},
+          "1E-99999999999999999999", "0." + zeros + "1"}},
+        {kMost,
+         {nines, nines + ".5", "0." + zeros + "1E+900", "1e999", zeros + nines,
+          "0." + zeros + "1e900", "1e99999999999999999999"}},
         {-kMost, {"-" + nines, "-1e999"}}};
     for (const auto& [number, texts] : rows)
         for (const std::string& text : texts)

@@ -40,5 +40,32 @@ TEST(ControlActions, OneClickSendsOneActionWhereverTargetAndActionWereSet) {
     }
 }
 
+TEST(ControlActions, WithoutACellLeaveAllToWhatIsAround) {
+    struct Around final : View {
+        using View::View;
+        std::string told;
+        void mouseDown(const Event&) override { told += 'd'; }
+        void mouseDragged(const Event&) override { told += '>'; }
+        void mouseUp(const Event&) override { told += 'u'; }
+        void scrollWheel(const Event&) override { told += 'w'; }
+    };
+    const ScriptedPort port;
+    Shown<Around> host(Rect{{}, {20, 20}});
+    auto& control = host.view.addSubview(std::make_unique<Control>(Rect{{}, {20, 20}}));
+    control.setIntValue(3);
+    control.setDoubleValue(4.5);
+    control.setStringValue("5");
+    control.sizeToFit();
+    EXPECT_TRUE(control.intValue() == 0 && control.doubleValue() == 0.0);
+    EXPECT_EQ(control.stringValue(), "");
+    EXPECT_FALSE(control.wantsKey(host.keyEvent(u' ')));
+    host.press({5, 5});
+    host.drag({6, 5});
+    host.release({6, 5});
+    host.wheel({5, 5}, 1.0F);
+    EXPECT_EQ(host.view.told, "d>uw");
+    EXPECT_TRUE(host.display().empty());
+}
+
 }  // namespace
 }  // namespace veltra::testing

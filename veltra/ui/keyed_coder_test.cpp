@@ -20,6 +20,10 @@ TEST(KeyedArchive, GivesBackWhatWasPutIn) {
     EXPECT_EQ(read.decodeRect("rect"), (Rect{{1, 2}, {3, 4}}));
     EXPECT_EQ(read.decodeInt64("low"), INT64_MIN);
     EXPECT_EQ(read.decodeRect("color", {{9, 9}, {9, 9}}).size.width, 1.0F);
+    coder.encodeValue(PropertyValue::Array{1, 2, 3}, "three");
+    coder.encodeValue(PropertyValue::Array{1, 2, 3, "four"}, "text");
+    for (const char* key : {"three", "text", "low", "missing"})
+        EXPECT_EQ(coder.decodeRect(key, {{9, 9}, {9, 9}}), (Rect{{9, 9}, {9, 9}})) << key;
 }
 
 TEST(KeyedArchive, KeepsObjectsAndFontsApartFromTheirSurroundings) {

@@ -37,7 +37,7 @@ constexpr std::size_t rowOf(EventType type) noexcept {
     return static_cast<std::size_t>(std::countr_zero(EventMask(type).bits()));
 }
 
-constexpr bool isInOrder() {
+consteval bool isInOrder() {
     for (std::size_t i = 0; i < kHandlers.size(); ++i) {
         if (rowOf(kHandlers[i].type) != i) return false;
     }

@@ -17,10 +17,9 @@ struct Magnetic final : SliderCell {
     Rect drawn;
 };
 
-TEST(SliderCellValues, KeepToLimitsAndTicksAndTheKnobToThePointer) {
-    const ScriptedPort port;
-    auto cell = std::make_unique<SliderCell>();
-    SliderCell& slider = *cell;
+TEST(SliderCellValues, KeepToLimitsAndTicks) {
+    SliderCell slider;
+    EXPECT_EQ(slider.stringValue(), "0");
     slider.setMaxValue(100.0);
     slider.setNumberOfTickMarks(5);
     slider.setAllowsTickMarkValuesOnly(true);
@@ -30,15 +29,38 @@ TEST(SliderCellValues, KeepToLimitsAndTicksAndTheKnobToThePointer) {
         slider.setDoubleValue(given);
         EXPECT_EQ(slider.doubleValue(), kept) << given;
     }
-    slider.setAllowsTickMarkValuesOnly(false);
-    HostedView host(std::make_unique<Control>(Rect{{}, {114, 20}}, std::move(cell)));
-    host.display();
-    host.press({10, 10});  // on the knob, right of its middle: it does not jump
-    EXPECT_EQ(slider.doubleValue(), 0.0);
-    host.drag({60, 10});
-    EXPECT_EQ(slider.doubleValue(), 50.0);
-    host.release({500, 10});
-    EXPECT_EQ(slider.doubleValue(), 50.0);
+}
+
+struct Flipped final : Slider {
+    using Slider::Slider;
+    bool isFlipped() const override { return true; }
+};
+
+TEST(SliderCellValues, FollowThePointerInEveryDirectionAndStandAtTheirMarks) {
+    const ScriptedPort port;
+    for (const bool isVertical : {false, true}) {
+        for (const bool isFlipped : {false, true}) {
+            const Rect frame{{}, isVertical ? Size{20, 114} : Size{114, 20}};
+            HostedView host(isFlipped ? std::make_unique<Flipped>(frame)
+                                      : std::make_unique<Slider>(frame));
+            SliderCell& cell = static_cast<Slider&>(*host.window.contentView()).sliderCell();
+            cell.setMaxValue(100.0);
+            cell.setNumberOfTickMarks(5);
+            EXPECT_EQ(host.drawn(RecordingCanvas::What::FillRect).size(), 5U);
+            // Points of the window, whose y axis points up: flipped or not, up is more.
+            const auto at = [&](float way) { return isVertical ? Point{10, way} : Point{way, 10}; };
+            host.press(at(10));  // on the knob, beyond its middle: it does not jump
+            EXPECT_EQ(cell.doubleValue(), 0.0);
+            host.drag(at(85));
+            EXPECT_EQ(cell.doubleValue(), 75.0);
+            host.release(at(500));
+            EXPECT_EQ(cell.doubleValue(), 75.0);
+            const Point knob = cell.knobRectFlipped(isFlipped).center();
+            const Point mark = cell.rectOfTickMarkAtIndex(3, isFlipped).origin;
+            EXPECT_EQ(isVertical ? knob.y : knob.x, isVertical ? mark.y : mark.x);
+            EXPECT_EQ(isVertical ? knob.x : knob.y, 10.0F);
+        }
+    }
 }
 
 TEST(SliderCellValues, ChangesOfTheRangeDoNotCountAsNewValues) {

@@ -7,7 +7,7 @@ namespace veltra {
 
 namespace {
 
-constexpr Color rgb(std::uint32_t value) noexcept {
+consteval Color rgb(std::uint32_t value) noexcept {
     return Color::fromRgb(value);
 }
 
@@ -57,7 +57,7 @@ constexpr Theme kDark{
 };
 
 // Signals and what lies on glass are as in the dark.
-constexpr Theme makeLight() noexcept {
+consteval Theme makeLight() noexcept {
     Theme light = kDark;
     light.window = rgb(0xE9E7E2);
     light.card = rgb(0xF8F7F4);

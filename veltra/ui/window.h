@@ -104,7 +104,8 @@ public:
     // Null: the window itself.
     Responder* firstResponder() const noexcept { return m_firstResponder.get(); }
     // Returns false, and changes nothing, when the present first responder does not resign, or the
-    // other does not accept or become it. A responder of another window is refused.
+    // other does not accept it. A responder of another window is refused. False, too, when the
+    // other does not become it: nobody is then.
     bool makeFirstResponder(Responder* responder);
     // The same for a view, which is brought into sight first. Returns false, and changes nothing,
     // where nothing of the view can be seen even then.

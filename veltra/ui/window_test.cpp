@@ -26,18 +26,19 @@ struct Listener final : View {
 };
 
 // Writes down each finger: + > - x for its beginning, movement, end and loss.
-struct Touched final : View {
+struct Touched : View {
     using View::View;
     std::string told;
-    std::function<void()> react;
+    std::function<void(const std::string&)> react;
     bool acceptsTouches() const override { return true; }
     void touchBegan(const Event& event) override { tell('+', event); }
     void touchMoved(const Event& event) override { tell('>', event); }
     void touchEnded(const Event& event) override { tell('-', event); }
     void touchCancelled(const Event& event) override { tell('x', event); }
-    void tell(char what, const Event& event) {
-        told += what + std::to_string(event.finger);
-        if (const auto reaction = react) reaction();  // may delete this view
+    void tell(char what, const Event& event) { tell(what + std::to_string(event.finger)); }
+    void tell(const std::string& what) {
+        told += what;
+        if (const auto reaction = react) reaction(what);  // may delete this view
     }
 };
 
@@ -76,10 +77,44 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     host.port.hasNeighbours = true;
     host.key(kBackTabCharacter);
     EXPECT_TRUE(host.port.isKeyboardPassed);
-    buttons[2]->setNextKeyView(buttons[0]);
+    buttons[2]->setNextKeyView(buttons[1]);  // cannot take keys: the one that it names is next
+    buttons[1]->setNextKeyView(buttons[0]);
     host.window.makeFirstResponder(buttons[2]);
     EXPECT_EQ(reached(kTabCharacter), buttons[0]);
+    buttons[2]->setNextKeyView(buttons[0]);
+    EXPECT_EQ(reached(kBackTabCharacter), buttons[2]) << "who names it";
+    EXPECT_EQ(reached(kTabCharacter), buttons[0]);
     buttons[0]->setHidden(true);
+    EXPECT_EQ(host.window.firstResponder(), nullptr);
+}
+
+TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
+    struct Moody final : View {
+        using View::View;
+        bool accepts = true, becomes = true, resigns = true;
+        bool acceptsFirstResponder() const override { return accepts; }
+        bool becomeFirstResponder() override { return becomes; }
+        bool resignFirstResponder() override { return resigns; }
+    };
+    const ScriptedPort port;
+    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    View& root = *host.window.contentView();
+    auto& one = root.addSubview(std::make_unique<Moody>(Rect{{}, {50, 50}}));
+    auto& other = root.addSubview(std::make_unique<Moody>(Rect{{50, 0}, {50, 50}}));
+    Moody elsewhere({{}, {50, 50}});
+    const auto gives = [&](Responder* to) { return host.window.makeFirstResponder(to); };
+    EXPECT_TRUE(gives(&one));
+    other.accepts = false;
+    EXPECT_FALSE(gives(&elsewhere) || gives(&other));
+    other.accepts = true;
+    one.resigns = false;
+    EXPECT_FALSE(gives(&other) || gives(&host.window));
+    EXPECT_EQ(host.window.firstResponder(), &one);
+    one.resigns = true;
+    other.becomes = false;
+    EXPECT_FALSE(gives(&other));
+    EXPECT_EQ(host.window.firstResponder(), nullptr);
+    EXPECT_TRUE(gives(&one) && gives(&host.window));
     EXPECT_EQ(host.window.firstResponder(), nullptr);
 }
 
@@ -184,7 +219,7 @@ TEST(Touches, AreCancelledOnceWhenTheirViewOrWindowGoes) {
         all.touch(EventType::TouchBegan, 1, 10);
         EXPECT_EQ(all.left->told, "+1+2x1x2+1") << &lose - losses;
         // The view may go in each of them.
-        all.left->react = [&all] {
+        all.left->react = [&all](const std::string&) {
             if (Touched* const view = std::exchange(all.left, nullptr)) view->removeFromSuperview();
         };
         lose(all);
@@ -219,6 +254,90 @@ TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
         lose();
         EXPECT_FALSE(listener.isEntered) << &lose - losses;
     }
+}
+
+// Hands on what else it hears, to somebody who may destroy it.
+struct Fatal final : Touched {
+    using Touched::tell, Touched::Touched;
+    bool acceptsFirstResponder() const override { return true; }
+    void mouseEntered(const Event&) override { tell("entered"); }
+    void mouseExited(const Event&) override { tell("exited"); }
+    void mouseDown(const Event&) override { tell("press"); }
+    void windowStateDidChange() override { tell("state"); }
+    void appearanceDidChange() override { tell("appearance"); }
+    void viewDidMoveToWindow() override { tell("moved"); }
+    void frameDidChange() override { tell("frame"); }
+    bool becomeFirstResponder() override { return tell("become"), true; }
+    bool resignFirstResponder() override { return tell("resign"), true; }
+};
+
+// The window is destroyed, or its view taken out, in each call out.
+TEST(Windows, MayGoInWhateverTheirViewsDo) {
+    const ScriptedPort port;
+    std::unique_ptr<HostedView> host;
+    const auto touch = [&] {
+        Event event = host->eventAt(EventType::TouchBegan, {5, 5});
+        event.finger = 3;
+        Application::current().postEvent(event);
+    };
+    const std::function<void()> acts[] = {[&] {
+                                              host->move({5, 5});
+                                          },
+                                          [&] {
+                                              host->press({5, 5});
+                                          },
+                                          [&] { host->window.makeFirstResponder(nullptr); },
+                                          touch,
+                                          [&] { host->window.keyStateDidChange(false); },
+                                          [&] { host->window.keyStateDidChange(true); },
+                                          [&] { host->window.setAppearance(Appearance::Dark); },
+                                          [&] {
+                                              host->window.frameDidChange({{}, {90, 90}});
+                                          },
+                                          [&] {
+                                              host->move({500, 500});
+                                          },
+                                          [&] { host->window.cancelTracking(); },
+                                          touch,
+                                          [&] { host->window.contentView()->setHidden(true); }};
+    for (const std::string place : {"entered", "exited", "press", "+3", "x3", "state", "appearance",
+                                    "moved", "frame", "become", "resign"}) {
+        for (const bool isTaken : {true, false}) {
+            for (const std::size_t first : {0U, 3U}) {  // by the pointer, or by a finger
+                SCOPED_TRACE(place + std::to_string(isTaken) + std::to_string(first));
+                auto made = std::make_unique<Fatal>(Rect{{}, {100, 100}});
+                const WeakPointer<View> view(made.get());
+                int calls = 0;
+                made->react = [&](const std::string& what) {
+                    if (what != place || ++calls > 1) return;
+                    if (isTaken && host) host->window.takeContentView().reset();
+                    if (!isTaken) host.reset();
+                };
+                host = std::make_unique<HostedView>(std::make_unique<View>(Rect{{}, {9, 9}}));
+                host->window.setContentView(std::move(made));
+                for (std::size_t i = first; i < std::size(acts) && host && view; ++i)
+                    acts[i]();
+                EXPECT_TRUE(calls > 0 || first > 0);
+                EXPECT_EQ(!view, calls > 0);
+                host.reset();
+            }
+        }
+    }
+}
+
+TEST(Windows, WithoutContentHearAndShowNothing) {
+    const ScriptedPort port;
+    Window window(Rect{{0, 0}, {300, 200}});
+    window.keyboardArrives(true);
+    window.selectPreviousKeyView();
+    EXPECT_FALSE(window.toolTipAt({5, 5}) || window.firstResponder() != nullptr);
+    Event event;
+    event.type = EventType::MouseMoved;
+    event.window = &window;
+    EXPECT_TRUE(Application::current().postEvent(event));
+    window.setAppearance(Appearance::Dark);
+    window.setTitle("Mixer");
+    EXPECT_EQ(window.title(), "Mixer");
 }
 
 TEST(Windows, KeepToTheirLimitsAndPanelsLeaveTheMainWindowAlone) {

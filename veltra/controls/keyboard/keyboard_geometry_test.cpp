@@ -31,6 +31,7 @@ TEST(KeyboardGeometry, EveryNoteIsFoundWhereItLiesFromEveryFirstNote) {
             EXPECT_NEAR(end, 868.0F, 0.01F);
             EXPECT_EQ(geometry.noteAt({-1, 5}), -1);
             EXPECT_EQ(geometry.noteAt({868, 5}), -1);
+            EXPECT_EQ(geometry.noteAt({std::nextafter(868.0F, 0.0F), 209}), geometry.highestNote());
             EXPECT_EQ(geometry.noteAt({5, 210}), -1);
         }
     }

@@ -194,9 +194,21 @@ TEST(LevelBallistics, MovesInCAsInCpp) {
     VLLevelBallisticsDropMaximum(ofC);
     EXPECT_EQ(VLLevelBallisticsMaxDisplayLevel(ofC), 0.0F);
     VLLevelBallisticsDestroy(ofC);
-    EXPECT_FALSE(VLLevelBallisticsSetLevel(nullptr, 1.0F, true, 0) ||
-                 VLLevelBallisticsTick(nullptr, 0));
-    EXPECT_EQ(VLLevelBallisticsTimeToTick(nullptr, 0), -1);
+    VLLevelBallistics* const none = nullptr;
+    VLLevelBallisticsSetFallBackStep(none, 1.0F);
+    VLLevelBallisticsSetFallBackStepTime(none, 1.0);
+    VLLevelBallisticsSetMaxLevelHoldTime(none, 1.0);
+    VLLevelBallisticsSetPeak(none, true);
+    VLLevelBallisticsDropMaximum(none);
+    VLLevelBallisticsDestroy(none);
+    EXPECT_EQ(VLLevelBallisticsFallBackStep(none) + VLLevelBallisticsLevel(none) +
+                  VLLevelBallisticsDisplayLevel(none) + VLLevelBallisticsMaxDisplayLevel(none),
+              0.0F);
+    EXPECT_EQ(VLLevelBallisticsFallBackStepTime(none) + VLLevelBallisticsMaxLevelHoldTime(none), 0);
+    EXPECT_FALSE(VLLevelBallisticsSetLevel(none, 1.0F, true, 0) || VLLevelBallisticsTick(none, 0) ||
+                 VLLevelBallisticsPeak(none));
+    EXPECT_EQ(VLLevelBallisticsTimeToTick(none, 0), -1);
+    EXPECT_EQ(VLLevelBallisticsTimeToHoldEnd(none, 0), -1);
     EXPECT_EQ(VLMeterPositionForAmplitude(-0.3F), meterPositionForAmplitude(-0.3F));
     EXPECT_EQ(VLMeterPositionForDecibels(-33.0), meterPositionForDecibels(-33.0));
     EXPECT_EQ(VLDecibelsForMeterPosition(0.3F), decibelsForMeterPosition(0.3F));

@@ -36,6 +36,21 @@ std::string decibelText(double decibels) {
     return detail::spokenLevel(decibels, kQuietest, "dB");
 }
 
+bool isFlipped(const View* view) {
+    return view != nullptr && view->isFlipped();
+}
+
+float scaleOf(const View* view) {
+    const Window* const window = view != nullptr ? view->window() : nullptr;
+    return window != nullptr ? window->scale() : 1.0F;
+}
+
+// Empty without a drawing.
+template <typename Part>
+auto partOf(const detail::MeterDrawing* drawn, Part part) {
+    return drawn != nullptr ? part(*drawn) : decltype(part(*drawn))();
+}
+
 }  // namespace
 
 struct QkLevelMeterCell::Drawing : detail::MeterDrawing {};
@@ -237,19 +252,16 @@ LevelMeterPictureRequest QkLevelMeterCell::request(float scale, Appearance appea
 const QkLevelMeterCell::Drawing* QkLevelMeterCell::drawingOfFrame() const {
     if (cellFrame().isEmpty()) return nullptr;
     const View* const view = controlView();
-    const Window* const window = view != nullptr ? view->window() : nullptr;
-    return &drawing(cellFrame().size, window != nullptr ? window->scale() : 1.0F,
+    return &drawing(cellFrame().size, scaleOf(view),
                     view != nullptr ? view->effectiveAppearance() : Appearance::Light);
 }
 
 Rect QkLevelMeterCell::rectOfPart(bool isLight) const {
-    const View* const view = controlView();
-    const Window* const window = view != nullptr ? view->window() : nullptr;
     const auto layout = detail::MeterLayout::make(
         cellFrame().size, *levelMeterLook(m_levelMeterImageID), *levelMeterLook(m_peakLEDImageID),
-        request(window != nullptr ? window->scale() : 1.0F, Appearance::Light));
+        request(scaleOf(controlView()), Appearance::Light));
     return layout.inView(isLight ? layout.light : layout.bar, cellFrame(),
-                         view != nullptr && view->isFlipped());
+                         isFlipped(controlView()));
 }
 
 Rect QkLevelMeterCell::levelMeterRect() const {
@@ -261,24 +273,21 @@ Rect QkLevelMeterCell::peakLEDRect() const {
 }
 
 Rect QkLevelMeterCell::rectOfLevels() const {
-    const Drawing* const drawn = drawingOfFrame();
-    const View* const view = controlView();
-    return drawn != nullptr ? drawn->rectOfLevels(cellFrame(), view != nullptr && view->isFlipped())
-                            : Rect{};
+    return partOf(drawingOfFrame(), [this](const detail::MeterDrawing& drawn) {
+        return drawn.rectOfLevels(cellFrame(), isFlipped(controlView()));
+    });
 }
 
 Rect QkLevelMeterCell::rectOfMeter() const {
-    const Drawing* const drawn = drawingOfFrame();
-    const View* const view = controlView();
-    return drawn != nullptr ? drawn->rectOfMeter(cellFrame(), view != nullptr && view->isFlipped())
-                            : Rect{};
+    return partOf(drawingOfFrame(), [this](const detail::MeterDrawing& drawn) {
+        return drawn.rectOfMeter(cellFrame(), isFlipped(controlView()));
+    });
 }
 
 Rect QkLevelMeterCell::opaqueRect() const {
-    const Drawing* const drawn = drawingOfFrame();
-    const View* const view = controlView();
-    return drawn != nullptr ? drawn->opaqueRect(cellFrame(), view != nullptr && view->isFlipped())
-                            : Rect{};
+    return partOf(drawingOfFrame(), [this](const detail::MeterDrawing& drawn) {
+        return drawn.opaqueRect(cellFrame(), isFlipped(controlView()));
+    });
 }
 
 LevelMeterScale QkLevelMeterCell::scale() const {
@@ -292,23 +301,23 @@ LevelMeterScale QkLevelMeterCell::scale() const {
 }
 
 std::shared_ptr<const Image> QkLevelMeterCell::levelMeterOffImage() const {
-    const Drawing* const drawn = drawingOfFrame();
-    return drawn != nullptr ? drawn->bar().off : nullptr;
+    return partOf(drawingOfFrame(),
+                  [](const detail::MeterDrawing& drawn) { return drawn.bar().off; });
 }
 
 std::shared_ptr<const Image> QkLevelMeterCell::levelMeterOnImage() const {
-    const Drawing* const drawn = drawingOfFrame();
-    return drawn != nullptr ? drawn->bar().on : nullptr;
+    return partOf(drawingOfFrame(),
+                  [](const detail::MeterDrawing& drawn) { return drawn.bar().on; });
 }
 
 std::shared_ptr<const Image> QkLevelMeterCell::peakLedOffImage() const {
-    const Drawing* const drawn = drawingOfFrame();
-    return drawn != nullptr ? drawn->light().off : nullptr;
+    return partOf(drawingOfFrame(),
+                  [](const detail::MeterDrawing& drawn) { return drawn.light().off; });
 }
 
 std::shared_ptr<const Image> QkLevelMeterCell::peakLedOnImage() const {
-    const Drawing* const drawn = drawingOfFrame();
-    return drawn != nullptr ? drawn->light().on : nullptr;
+    return partOf(drawingOfFrame(),
+                  [](const detail::MeterDrawing& drawn) { return drawn.light().on; });
 }
 
 void QkLevelMeterCell::drawInteriorWithFrame(Canvas& canvas, const Rect& frame, View& view) {

@@ -33,7 +33,8 @@ TEST_F(LevelMeterTest, ACellNeedsNoViewAndItsTimersStandInForCallsThatStayAway) 
     cell.setFallBackStepTime(0.05);
     cell.setMaxLevelHoldTime(1.0);
     cell.setLevel(1.0F);
-    EXPECT_EQ(cell.cellHeight(), 173.0F);
+    EXPECT_EQ(cell.cellSizeForBounds({{}, {500, 500}}).height, 173.0F);
+    EXPECT_TRUE(cell.rectOfLevels().isEmpty() && cell.levelMeterOffImage() == nullptr);
     cell.setLevel(0.35F);
     loop.advance(0.04);
     cell.setLevel(0.35F);  // postpones the tick that was due at 0.05
@@ -210,6 +211,48 @@ TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
     EXPECT_EQ(host.view.cellL().accessibilityValueText(), "\u22124.4 dB, RMS \u22124.4 dB, muted");
 }
 
+TEST_F(LevelMeterTest, AMutedBarIsThinButLitHoweverThinItIs) {
+    const std::pair<std::int32_t, float> kRows[] = {{1, 1}, {2, 2},  {3, 1},
+                                                    {4, 2}, {11, 3}, {20, 8}};
+    for (const auto& [thickness, lit] : kRows) {
+        LevelMeterPictureRequest request{.length = 40, .thickness = thickness};
+        request.isMuted = true;
+        const auto picture = levelMeterLook(kLevelMeterImageBar)->bar(request);
+        const auto& last =
+            static_cast<const testing::RecordedImage&>(*picture.on).canvas.calls.back();
+        EXPECT_EQ(last.rect, (Rect{{(static_cast<float>(thickness) - lit) / 2, 0}, {lit, 1}}));
+    }
+}
+
+TEST_F(LevelMeterTest, SettingsReachBothChannels) {
+    Shown<DfStereoLevelMeterView> host(Rect{{}, {60, 180}});
+    DfStereoLevelMeterView& view = host.view;
+    view.setImageIDs(kLevelMeterImageBar, kLevelMeterImageSlim);
+    view.setFallBackStep(0.2F);
+    view.setMaxLevelHoldTime(3.0);
+    view.setLEDPitch(-1.0F);
+    view.setOnStateLEDInset(-1.0F);
+    view.setLevelScale(LevelMeterLevels::Decibels);
+    view.setMuted(true);
+    view.setLevelL(0.25F, 0.25F);
+    for (const QkLevelMeterCell* const cell : {&view.cellL(), &view.cellR()}) {
+        EXPECT_EQ(cell->levelMeterImageID(), kLevelMeterImageBar);
+        EXPECT_EQ(cell->peakLEDImageID(), kLevelMeterImageSlim);
+        EXPECT_TRUE(cell->fallBackStep() == 0.2F && cell->maxLevelHoldTime() == 3.0);
+        EXPECT_TRUE(cell->LEDPitch() == 0.0F && cell->onStateLEDInset() == 0.0F);
+        EXPECT_TRUE(cell->levelScale() == LevelMeterLevels::Decibels && cell->isMuted());
+    }
+    EXPECT_EQ(view.levelL() + view.levelR(), 0.5F);
+    view.setPadding(6);
+    EXPECT_EQ(view.cellR().cellFrame().minX() - view.cellL().cellFrame().maxX(), 6.0F);
+    view.setPadding(-1);
+    EXPECT_EQ(view.padding(), 0);
+    view.setOrientation(LevelMeterOrientation::Horizontal);
+    EXPECT_EQ(view.cellR().cellFrame().maxY(), view.cellL().cellFrame().minY());
+    EXPECT_EQ(view.cellL().accessibilityOrientation(), AccessibilityOrientation::Horizontal);
+    EXPECT_EQ(view.accessibilityActions().size(), 1U);
+}
+
 TEST_F(LevelMeterTest, ASubclassBringsItsOwnCells) {
     struct Cell : QkLevelMeterCell {};
     DfStereoLevelMeterView view({{}, {26, 180}}, cellFactory<Cell>());
@@ -229,7 +272,10 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     host.view.setOnStateLEDInset(1.0F);
     host.view.setLevelL(0.3F, 0.0F);
     EXPECT_EQ(host.view.cellL().cellHeight(), 108.0F);
-    EXPECT_EQ(host.view.cellL().levelMeterOffImage(), off);
+    const QkLevelMeterCell& cell = host.view.cellL();
+    EXPECT_TRUE(cell.levelMeterOffImage() == off && cell.levelMeterOnImage() == on);
+    EXPECT_TRUE(cell.peakLedOffImage() == light && cell.peakLedOnImage() == light);
+    EXPECT_EQ(cell.cellSizeForBounds({{}, {500, 500}}), (Size{10, 108}));
     const auto calls = images(host);
     ASSERT_EQ(calls.size(), 6U);
     EXPECT_EQ(calls[2].image, on.get());
@@ -239,6 +285,17 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     host.view.setLEDCount(0xFFFFFFFF);  // more than there are pixels: a continuous bar
     host.view.setLevelL(0.6F, 0.0F);
     EXPECT_EQ(images(host)[2].source, (Rect{{1, 41}, {8, 58}}));
+
+    host.view.setLEDPitch(25.0F);  // four of them
+    EXPECT_EQ(cell.LEDCount(), 4U);
+    // Lying, without a picture of what is not lit.
+    registerLevelMeterLook(78, levelMeterLookOfImages(nullptr, off, nullptr, light));
+    host.view.setImageIDs(78, 78);
+    host.view.setOrientation(LevelMeterOrientation::Horizontal);
+    EXPECT_EQ(cell.cellSizeForBounds({{}, {500, 500}}), (Size{10, 100}));
+    EXPECT_TRUE(cell.opaqueRect().isEmpty() && host.view.opaqueRect().isEmpty());
+    EXPECT_EQ(images(host)[0].image, off.get());
+    registerLevelMeterLook(78, nullptr);
 
     registerLevelMeterLook(77, nullptr);
     EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/controls/number_editor/number_editor_control.h"
 
+#include "veltra/controls/number_editor/number_display.h"
 #include "veltra/controls/number_editor/number_groups.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/ui/testing/archive_laws.h"
@@ -140,6 +141,15 @@ TEST_F(NumberEditors, BeginAsOneGroupAndStandInAsManyAsTheyAreGiven) {
     for (const std::int32_t none : {-1, 3}) {
         EXPECT_EQ(control->editorCellAtIndex(none), nullptr);
         EXPECT_EQ(control->maxEditStringLenOfEditorCellAtIndex(none), 0U);
+        EXPECT_EQ(control->placeHolderStringOfEditorCellAtIndex(none), "");
+        EXPECT_EQ(control->stringOfSeparatorCellAtIndex(none), "");
+        EXPECT_EQ(control->widthOfSeparatorCellAtIndex(none), 0.0F);
+        EXPECT_EQ(control->cellAtIndex(2 * none), nullptr);
+        control->setMaxEditStringLenOfEditorCellAtIndex(9, none);
+        control->setPlaceHolderStringOfEditorCellAtIndex("000000", none);
+        control->setLeadingZerosOfEditorCellAtIndex(9, none);
+        control->setShadowEightsOfEditorCellAtIndex(9, none);
+        control->setStringOfSeparatorCellAtIndex(";", none);
         control->setWidthOfSeparatorCellAtIndex(5, none);
         control->removeCellAtIndex(2 * none);
     }
@@ -186,6 +196,67 @@ TEST_F(NumberEditors, FitTheirFontToTheirWidthHoweverOftenTheyAreLaidOut) {
     control->adjustCellsAndControlSizeToFontSize(true);
     EXPECT_EQ(control->bounds().size, (Size{79, 20}));
     EXPECT_EQ(control->font().size, 10.0F);
+    control->setLook(NumberEditorLook::Plain, 10.0F);
+    control->setFitsFontSize(false);
+    control->setFrameSize({300, 20});
+    EXPECT_EQ(control->font().size, 10.0F);
+}
+
+TEST_F(NumberEditors, StandInAGroupThatFollowsThePointerAndDrawsItsGround) {
+    struct Brief final : QkNumberEditorCell {  // one drag, and it is enough
+        bool continueTracking(Point, Point, View&) override { return false; }
+        void stopTracking(Point, Point, View&, bool isUp) override { ended += isUp ? 'u' : 'x'; }
+        std::string ended;
+    };
+    Shown<QkCellGroupControl> group(Rect{{}, {100, 20}});
+    QkCellGroupControl& view = group.view;
+    view.setFontSize(10.0F);
+    for (const char* const text : {"12", "345"}) {
+        auto cell = std::make_unique<Brief>();
+        cell->setStringValue(text);
+        cell->setEditable(true);
+        view.addCell(std::move(cell), 50.0F);
+    }
+    view.recalculateCellPositionsAndSizes();
+    EXPECT_EQ(view.frameOfCellAtIndex(0), (Rect{{0, 0}, {12, 20}}));
+    EXPECT_EQ(view.frameOfCellAtIndex(1), (Rect{{12, 0}, {17, 20}}));
+    view.setBackgroundColor(kBlack);
+    view.setDrawsBackground(true);
+    const auto grounds = group.drawn(RecordingCanvas::What::FillRect);
+    ASSERT_EQ(grounds.size(), 3U);  // of the group, then of the cells
+    EXPECT_EQ(grounds[0].rect, (Rect{{}, {100, 20}}));
+    auto& cell = dynamic_cast<Brief&>(*view.cellAtIndex(0));
+    group.press({5, 5});
+    for (const float y : {6.0F, 7.0F})
+        group.drag({5, y});
+    group.release({5, 7});
+    EXPECT_EQ(cell.ended, "x");
+    group.press({5, 5});
+    view.removeCellAtIndex(0);  // while it follows the pointer
+    group.drag({5, 9});
+    group.release({5, 9});
+    group.wheel({90, 5}, 1.0F);  // where no cell is
+    EXPECT_EQ(view.cellCount(), 1);
+}
+
+TEST_F(NumberEditors, AreShownWholeOnADisplayOfTheSizeThatFits) {
+    for (const NumberEditorLook look : {NumberEditorLook::Glass, NumberEditorLook::Field}) {
+        for (const float captions : {0.0F, 12.0F}) {
+            NumberDisplay display({}, look);
+            display.setGroups({{3, "bars"}, {2, "ticks", true}}, ":");
+            if (captions > 0.0F) display.setCaptions({"BAR", "TICK"});
+            const Size size = display.sizeThatFits();
+            display.setFrameSize(size);
+            const Rect place = display.editor().frame();
+            EXPECT_EQ(place.size, (Size{size.width - 8.0F, 28.0F}));  // 1.4 of the font's size
+            EXPECT_GE(place.minY(), captions);
+            EXPECT_LE(place.maxY(), size.height);
+            EXPECT_EQ(display.editor().frameOfCellAtIndex(2).maxX(), place.size.width);
+            EXPECT_EQ(display.editor().valueText(), "0:00");
+            EXPECT_EQ(display.editor().editorCellAtIndex(1)->accessibilityName(), "ticks");
+            EXPECT_EQ(display.editor().maxEditStringLenOfEditorCellAtIndex(0), 3U);
+        }
+    }
 }
 
 TEST_F(NumberEditors, TakeAChangeToTheDelegateAndBackAndThenSendIt) {

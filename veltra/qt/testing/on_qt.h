@@ -44,6 +44,8 @@ public:
     void mouseDragged(const Event& event) override { note(event); }
     void mouseUp(const Event& event) override { note(event); }
     void rightMouseDown(const Event& event) override { note(event); }
+    void rightMouseDragged(const Event& event) override { note(event); }
+    void rightMouseUp(const Event& event) override { note(event); }
     void keyDown(const Event& event) override {
         View::keyDown(event);
         note(event);

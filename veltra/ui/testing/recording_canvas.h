@@ -24,6 +24,8 @@ public:
         Rect source{};
         std::string text{};
         bool isSmoothed = true;
+        StyledText styled{};
+        bool isAtTop = false;
     };
 
     explicit RecordingCanvas(float scale = 1.0F) : m_scale(scale) {}
@@ -78,6 +80,8 @@ public:
             note(What::Text,
                  {rect.origin, {rect.size.width, isAtTop ? text.size().height : rect.size.height}});
         call.text = text.string;
+        call.styled = text;
+        call.isAtTop = isAtTop;
         call.color = text.color;
     }
 

@@ -2,6 +2,8 @@
 // How far colours, 0xRRGGBB, can be told apart.
 #pragma once
 
+#include "veltra/ui/color.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -21,6 +23,13 @@ inline Light lightOf(std::uint32_t rgb) {
     return {linear(16), linear(8), linear(0)};
 }
 
+inline std::uint32_t rgbOf(Color color) {
+    const auto part = [](float value) {
+        return static_cast<std::uint32_t>(std::lround(value * 255.0F));
+    };
+    return part(color.red) << 16U | part(color.green) << 8U | part(color.blue);
+}
+
 // Of text to its ground and the like: 1 to 21.
 inline double contrast(std::uint32_t one, std::uint32_t other) {
     const auto luminance = [](std::uint32_t rgb) {
@@ -29,6 +38,10 @@ inline double contrast(std::uint32_t one, std::uint32_t other) {
     };
     const double a = luminance(one), b = luminance(other);
     return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+inline double contrast(Color one, Color other) {
+    return contrast(rgbOf(one), rgbOf(other));
 }
 
 // Eyes with all three kinds of cones, and those that lack one.

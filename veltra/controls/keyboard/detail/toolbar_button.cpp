@@ -28,25 +28,9 @@ void drawKeyboard(Canvas& canvas, const Rect& box, Color color) {
 }  // namespace
 
 ToolbarButton::ToolbarButton() : Button(kFrame, "", ButtonCell::Kind::Toggle) {
+    buttonCell().setCornerRadius(kRadius);
     cell()->setAccessibilityName(localizedString("toolbar"));
     toolTips().addToolTipRect(bounds(), localizedString("Show or hide the toolbar"));
-}
-
-void ToolbarButton::mouseEntered(const Event& /*event*/) {
-    setHovered(true);
-}
-
-void ToolbarButton::mouseExited(const Event& /*event*/) {
-    setHovered(false);
-}
-
-void ToolbarButton::setHovered(bool isHovered) {
-    m_isHovered = isHovered;
-    setNeedsDisplay();
-}
-
-std::optional<View::FocusShape> ToolbarButton::focusShape() const {
-    return FocusShape{bounds(), kRadius};
 }
 
 void ToolbarButton::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
@@ -55,7 +39,7 @@ void ToolbarButton::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
         fillRounded(canvas, bounds(), kRadius, colors.controlPressed);
     } else if (isOn()) {
         fillRounded(canvas, bounds(), kRadius, colors.accentSoft);
-    } else if (m_isHovered) {
+    } else if (buttonCell().isHovered()) {
         fillRounded(canvas, bounds(), kRadius, colors.controlHover);
     }
     const Rect box = bounds().inset(8.0F, 7.0F);

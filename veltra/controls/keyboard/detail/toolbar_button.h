@@ -12,15 +12,7 @@ class ToolbarButton final : public Button {
 public:
     ToolbarButton();
 
-    void mouseEntered(const Event& event) override;
-    void mouseExited(const Event& event) override;
     void drawRect(Canvas& canvas, const Rect& dirty) override;
-    std::optional<FocusShape> focusShape() const override;
-
-private:
-    void setHovered(bool isHovered);
-
-    bool m_isHovered = false;
 };
 
 }  // namespace veltra::detail

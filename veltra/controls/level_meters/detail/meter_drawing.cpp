@@ -20,7 +20,7 @@ LevelMeterPicture pictureOf(const std::shared_ptr<const LevelMeterLook>& look, M
     if (area.isEmpty()) return {};
     request.length = area.high - area.low;
     request.thickness = area.far - area.near;
-    return meterPicture({look, nullptr, part, 0, request}, [&] {
+    return meterPicture({look, part, request}, [&] {
         return part == MeterPart::Bar ? look->bar(request) : look->light(request);
     });
 }
@@ -58,7 +58,7 @@ LevelMeterPicture MeterDrawing::sharedColumn() const {
     request.length = bar.high - bar.low;
     request.thickness = bar.far - bar.near;
     const std::int32_t rest = bar.low - column().low;
-    return meterPicture({m_looks.bar, m_looks.light, MeterPart::Column, rest, request}, [this] {
+    return meterPicture({m_looks.bar, MeterPart::Column, request, m_looks.light, rest}, [this] {
         return LevelMeterPicture{columnPicture(*m_bar.off), columnPicture(*m_bar.on)};
     });
 }

@@ -16,10 +16,10 @@ enum class MeterPart : std::uint8_t { Bar, Light, Column };
 // from two looks and begins with the ground.
 struct MeterPictureKey {
     std::shared_ptr<const LevelMeterLook> look;
-    std::shared_ptr<const LevelMeterLook> light;  // of a column
     MeterPart part;
-    std::int32_t rest;  // of a column: how much ground, device pixels
     LevelMeterPictureRequest request;
+    std::shared_ptr<const LevelMeterLook> light{};  // of a column
+    std::int32_t rest = 0;                          // of a column: how much ground, device pixels
 
     friend bool operator==(const MeterPictureKey&, const MeterPictureKey&) = default;
 };
