@@ -62,6 +62,7 @@ set(PORT_TESTS
     symbol_names_test.cpp
     symboliser_test.cpp
     system_queries_test.cpp
+    unwind_table_test.cpp
     volumes_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
