@@ -5,8 +5,9 @@
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/fake_memory_system.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-#include "veltra/platform/text_services.h"
+#include "veltra/platform/testing/plain_text_services.h"
 
 #include <gmock/gmock.h>
 
@@ -74,6 +75,13 @@ TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
     EXPECT_FALSE(isDeadKey);
     layout.answer = KeyTranslation{u"\u00DF", false};
     EXPECT_EQ(Converter::translateKeyCode(0x1B), "\u00DF");
+
+    const testing::PlainTextServices services;
+    layout.answer = KeyTranslation{u"az{\u00E9", false};
+    EXPECT_EQ(Converter::translateKeyCode(0x1B), "AZ{\u00E9");
+    layout.answer = KeyTranslation{u"\u00E9", false};
+    EXPECT_EQ(Converter::keyCharForKeyCode(0x1B), '?');
+    EXPECT_EQ(Converter::stringForMacRomanCharCode(0x8E, 0), std::nullopt);
 }
 
 // A key that acts is the same key by its code, its Mac Roman code and its key character.
@@ -140,6 +148,20 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     EXPECT_EQ(Converter::keyCharForKeyCode(0x00), '?');
     use("no such layout");
     EXPECT_EQ(Converter::stringForKeycode(0x00, kAll), kAllSigns);
+}
+
+TEST_F(KeyCodeConverter, WhereNoLayoutIsNamedThatOfTheMachineCounts) {
+    if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
+    testing::FakeMemorySystem machine;
+    for (const auto& [text, letter] :
+         {std::pair("# Keyboard\nXKBMODEL=\"pc105\"\nXKBLAYOUT=\"fr\"\nXKBVARIANT=\"\"\n", "A"),
+          {"XKBLAYOUT='us'\nXKBVARIANT=dvorak\nXKBOPTIONS=\"\"", "'"},
+          {"XKBLAYOUT=\"\nXKBVARIANT", "Q"},
+          {"XKBLAYOUT=none-such", "Q"}}) {
+        machine.files["/etc/default/keyboard"] = text;
+        use(nullptr);
+        EXPECT_EQ(Converter::translateKeyCode(0x0C), letter) << text;
+    }
 }
 
 // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread

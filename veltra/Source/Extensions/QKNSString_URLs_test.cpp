@@ -85,6 +85,8 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
         {"x://\uFB01x.de:", "x://fix.de:"},
         {"x://\u03C2.gr/", "x://xn--4xa.gr/"},
         {"x://\u65E5\u672C\u8A9E\u3002jp", "x://xn--wgv71a119e.jp"},
+        {"x://\u00FC.\u00FC.\u00FC.\u00FC.\u00FC.\u00FC",
+         "x://xn--tda.xn--tda.xn--tda.xn--tda.xn--tda.xn--tda"},
         {"x://\uFF21\uFF22\uFF23.com", "x://abc.com"}};
     for (const auto& [url, converted] : kPairs)
         EXPECT_EQ(stringByConvertingToPunycode(url), converted);

@@ -63,7 +63,8 @@ set(PORT_TESTS
     symboliser_test.cpp
     system_queries_test.cpp
     unwind_table_test.cpp
-    volumes_test.cpp)
+    volumes_test.cpp
+    x86_answers_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()
