@@ -33,6 +33,7 @@ TEST(Objects, LiveAsLongAsTheyAreReferredTo) {
     EXPECT_EQ(object->retainCount(), 2u);
     EXPECT_EQ(object->copyWithZone(nullptr), nullptr);
     EXPECT_TRUE(object->isEqual(object) && !object->isEqual(nullptr));
+    EXPECT_EQ(object->hash(), object->hash());
     object->release();
     EXPECT_EQ(living, 1);
     object->release();
@@ -65,10 +66,11 @@ TEST(Classes, AreFoundByNameWhileTheyHaveAnEntry) {
     static constinit PlainClass late("Late", &Plain::s_class, nullptr);
     EXPECT_EQ(Class::named("Late"), nullptr);
     {
-        const ClassEntry entry(late);
+        std::optional<ClassEntry> entry(std::in_place, late);
         EXPECT_EQ(Class::named("Late"), &late);
         static constinit PlainClass other("Late", nullptr, nullptr);
         const ClassEntry newer(other);
+        entry.reset();
         EXPECT_EQ(Class::named("Late"), &other);
         EXPECT_EQ(Class::named("Plain"), &Plain::s_class);
     }

@@ -3,6 +3,7 @@
 
 #include "veltra/Source/Extensions/testing/made_up_texts.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/plain_text_services.h"
 
 #include <regex>
 
@@ -99,6 +100,9 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
     for (std::string url = "x://\u00FC"; stringByConvertingToPunycode(url) != url; url += 'a')
         converted = stringByConvertingToPunycode(url);
     EXPECT_EQ(converted.size(), 4U + 63U) << converted;
+    const testing::PlainTextServices without;
+    EXPECT_EQ(stringByConvertingToPunycode("x://\u00FC.gr"), "x://\u00FC.gr");
+    EXPECT_FALSE(stringLooksLikeValidEmailAddress("me@x.com"));
 }
 
 TEST(UrlScheme, IsPrependedOnceAndEscapingKeepsWhatIsEscaped) {
