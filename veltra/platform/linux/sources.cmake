@@ -53,6 +53,7 @@ set(PORT_TESTS
     local_time_test.cpp
     machine_lines_test.cpp
     memory_facts_test.cpp
+    no_descriptors_test.cpp
     optical_drives_test.cpp
     os_release_test.cpp
     poll_run_loop_test.cpp
