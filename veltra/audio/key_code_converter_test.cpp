@@ -99,6 +99,11 @@ TEST_F(KeyCodeConverter, CodesAndCharactersOfKeysThatActAgree) {
         EXPECT_EQ(AppKitFunctionKey2MacRomanCharCode(converted), macRoman);
         EXPECT_TRUE(Converter::stringForKeyCharFromTable(converted).has_value());
     }
+    int number = 0;
+    for (const std::uint16_t code : std::initializer_list<std::uint16_t>{
+             0x7A, 0x78, 0x63, 0x76, 0x60, 0x61, 0x62, 0x64, 0x65, 0x6D, 0x67, 0x6F, 0x69, 0x6B,
+             0x71, 0x6A, 0x40, 0x4F, 0x50})
+        EXPECT_EQ(Converter::stringForKeycode(code, 0), "F" + std::to_string(++number));
     EXPECT_EQ(MacRomanCharacterCode2AppKitCode(0x1B), 0xF739);
     EXPECT_EQ(MacRomanCharacterCode2AppKitCode('A'), 'A');
     const std::pair<std::uint16_t, unsigned> codes[] = {

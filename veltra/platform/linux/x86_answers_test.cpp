@@ -6,61 +6,47 @@
 namespace veltra {
 namespace {
 
-using Features = ProcessorFeatures;
-
-constexpr X86Answers kEverything{~0U, ~0U, ~0U, ~0U, 0xE7};
-
-// As the processor's manual numbers the bits: a feature, where it is told, and how many others
-// nobody has without it.
-constexpr struct {
-    bool Features::*feature;
-    unsigned X86Answers::*word;
-    unsigned bit;
-    int dependents = 0;
-} kBits[] = {
-    {&Features::sse, &X86Answers::basicD, 25},
-    {&Features::sse2, &X86Answers::basicD, 26},
-    {&Features::sse3, &X86Answers::basicC, 0},
-    {&Features::pclmulqdq, &X86Answers::basicC, 1},
-    {&Features::ssse3, &X86Answers::basicC, 9},
-    {&Features::sse41, &X86Answers::basicC, 19},
-    {&Features::sse42, &X86Answers::basicC, 20},
-    {&Features::avx, &X86Answers::basicC, 28, 10},
-    {&Features::bmi, &X86Answers::extendedB, 3},
-    {&Features::avx2, &X86Answers::extendedB, 5},
-    {&Features::bmi2, &X86Answers::extendedB, 8},
-    {&Features::avx512f, &X86Answers::extendedB, 16, 5},
-    {&Features::avx512dq, &X86Answers::extendedB, 17},
-    {&Features::avx512bw, &X86Answers::extendedB, 30},
-    {&Features::avx512vl, &X86Answers::extendedB, 31},
-    {&Features::avx512vbmi, &X86Answers::extendedC, 1},
-    {&Features::avx512vbmi2, &X86Answers::extendedC, 6},
-    {&Features::gfni, &X86Answers::extendedC, 8},
-    {&Features::vpclmulqdq, &X86Answers::extendedC, 10},
-    // What the system saves: the halves of the registers that AVX has, then those of AVX-512.
-    {&Features::avx, &X86Answers::saved, 1, 10},
-    {&Features::avx, &X86Answers::saved, 2, 10},
-    {&Features::avx512f, &X86Answers::saved, 5, 5},
-    {&Features::avx512f, &X86Answers::saved, 6, 5},
-    {&Features::avx512f, &X86Answers::saved, 7, 5},
-};
-
-std::ptrdiff_t countOf(const Features& features) {
-    return std::count_if(std::begin(kBits), std::begin(kBits) + 19,
-                         [&](const auto& row) { return features.*row.feature; });
+// A row of digits: what needs no wide registers, what needs those of AVX, those of AVX-512.
+std::string digits(std::initializer_list<int> features) {
+    std::string text;
+    for (const int is : features)
+        text += is != 0 ? '1' : '0';
+    return text.insert(13, " ").insert(8, " ");
 }
 
-TEST(X86Answers, EachFeatureHangsOnItsBitAndOnWhatTheSystemSaves) {
-    EXPECT_EQ(countOf(featuresOf(kEverything)), 19);
-    EXPECT_EQ(countOf(featuresOf({})), 0);
-    for (const auto& [feature, word, bit, dependents] : kBits) {
-        X86Answers answers = kEverything;
-        answers.*word &= ~(1U << bit);
-        const Features features = featuresOf(answers);
-        EXPECT_FALSE(features.*feature) << bit;
-        EXPECT_EQ(countOf(features), 18 - dependents) << bit;
-    }
+std::string told(const ProcessorFeatures& f) {
+    return digits({f.sse, f.sse2, f.sse3, f.ssse3, f.sse41, f.sse42, f.pclmulqdq, f.gfni, f.avx,
+                   f.avx2, f.bmi, f.bmi2, f.vpclmulqdq, f.avx512f, f.avx512bw, f.avx512dq,
+                   f.avx512vl, f.avx512vbmi, f.avx512vbmi2});
 }
+
+TEST(X86Answers, WideRegistersCountWhereTheSystemSavesThemAndTheirParentsAreThere) {
+    const char *all = "11111111 11111 111111", *avx = "11111111 11111 000000",
+               *none = "11111111 00000 000000";
+    for (const auto& [saved, expected] : {std::pair(0xE7U, all),
+                                          {0xE6U, all},
+                                          {0xC7U, avx},
+                                          {0xA7U, avx},
+                                          {0x67U, avx},
+                                          {0x07U, avx},
+                                          {0xE5U, none},
+                                          {0xE3U, none},
+                                          {0U, none}})
+        EXPECT_EQ(told(featuresOf({~0U, ~0U, ~0U, ~0U, saved})), expected) << saved;
+    EXPECT_EQ(told(featuresOf({~(1U << 28), ~0U, ~0U, ~0U, 0xE7})), none);
+    EXPECT_EQ(told(featuresOf({~0U, ~0U, ~(1U << 16), ~0U, 0xE7})), avx);
+}
+
+#if defined(__x86_64__)
+TEST(X86Answers, TheCompilersRuntimeSaysTheSameOfThisProcessor) {
+#define IS(feature) __builtin_cpu_supports(feature)
+    EXPECT_EQ(told(ProcessorFeatures::current()),
+              digits({IS("sse"), IS("sse2"), IS("sse3"), IS("ssse3"), IS("sse4.1"), IS("sse4.2"),
+                      IS("pclmul"), IS("gfni"), IS("avx"), IS("avx2"), IS("bmi"), IS("bmi2"),
+                      IS("vpclmulqdq"), IS("avx512f"), IS("avx512bw"), IS("avx512dq"),
+                      IS("avx512vl"), IS("avx512vbmi"), IS("avx512vbmi2")}));
+}
+#endif
 
 }  // namespace
 }  // namespace veltra
