@@ -85,6 +85,7 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
         {"x://fa\u00DF.de", "x://fass.de"},
         {"x://\uFB01x.de:", "x://fix.de:"},
         {"x://\u03C2.gr/", "x://xn--4xa.gr/"},
+        {"x://\u00FC:80", "x://xn--tda:80"},
         {"x://\u65E5\u672C\u8A9E\u3002jp", "x://xn--wgv71a119e.jp"},
         {"x://\u00FC.\u00FC.\u00FC.\u00FC.\u00FC.\u00FC",
          "x://xn--tda.xn--tda.xn--tda.xn--tda.xn--tda.xn--tda"},

@@ -16,50 +16,39 @@ namespace veltra {
 namespace {
 
 // Each opens what it opens, and tells whether it answered as it should without any descriptor.
-constexpr std::pair<const char*, bool (*)()> kServices[] = {
-    {"events of memory",
-     [] {
-         MemorySystem& system = MemorySystem::current();
-         const auto events = system.openEvents("/proc/pressure/memory", seconds(1.0));
-         system.closeEvents(events);
-         return events.all < 0 && events.timer < 0 && events.trigger < 0;
-     }},
-    {"preferences",
-     [] {
-         JsonPreferences preferences("/proc/none/host.json");
-         preferences.setValue("key", 1);
-         return preferences.reload() == std::errc::too_many_files_open &&
-                preferences.synchronise() == std::errc::too_many_files_open;
-     }},
-    {"log",
-     [] {
-         JournalLog log("/none", "/none");
-         log.send({});
-         return log.descriptor() < 0;
-     }},
-    {"symboliser",
-     [] {
-         const std::uintptr_t address = 1;
-         return symbolisedBy("cat", {&address, 1}, seconds(1.0)).empty();
-     }},
-    {"alert",
-     [] {
-         return !askHelper({"", "", "", "", "", seconds(1.0)}, "/bin/true");
-     }},
-    {"folder",
-     [] {
-         FileSystem& files = FileSystem::current();
-         FileSystem::Handle folder = FileSystem::kNone;
-         std::vector<std::string> names;
-         const bool isRefused =
-             files.open(FileSystem::kWorkingFolder, "/", FileSystem::Access::List,
-                        FileSystem::LastLink::Follow, folder) == std::errc::too_many_files_open;
-         if (isRefused) return true;
-         files.list(folder, names);
-         files.close(folder);
-         return false;
-     }},
-};
+constexpr bool (*kServices[])() = {
+    [] {
+        MemorySystem& system = MemorySystem::current();
+        const auto events = system.openEvents("/proc/pressure/memory", seconds(1.0));
+        system.closeEvents(events);
+        return events.all < 0 && events.timer < 0 && events.trigger < 0;
+    },
+    [] {
+        JsonPreferences preferences("/proc/none/host.json");
+        preferences.setValue("key", 1);
+        return preferences.reload() == std::errc::too_many_files_open &&
+               preferences.synchronise() == std::errc::too_many_files_open;
+    },
+    [] {
+        JournalLog log("/none", "/none");
+        log.send({});
+        return log.descriptor() < 0;
+    },
+    [] {
+        const std::uintptr_t address = 1;
+        return symbolisedBy("cat", {&address, 1}, seconds(1.0)).empty() &&
+               !askHelper({"", "", "", "", "", seconds(1.0)}, "/bin/true");
+    },
+    [] {
+        FileSystem& files = FileSystem::current();
+        FileSystem::Handle folder = FileSystem::kNone;
+        std::vector<std::string> names;
+        const auto error = files.open(FileSystem::kWorkingFolder, "/", FileSystem::Access::List,
+                                      FileSystem::LastLink::Follow, folder);
+        files.list(folder, names);
+        files.close(folder);
+        return error == std::errc::too_many_files_open && names.empty();
+    }};
 
 std::ptrdiff_t countOfOpen() {
     std::ptrdiff_t count = 0;
@@ -72,9 +61,9 @@ TEST(WithoutDescriptors, ServicesAnswerForNothingAndLeaveNoneOpen) {
 #ifdef VELTRA_SANITIZED
     GTEST_SKIP() << "sanitizers need descriptors of their own";
 #endif
-    for (const auto& [name, isNothing] : kServices)
+    for (const auto& service : kServices)
         for (rlim_t left = 0; left < 4; ++left)
-            EXPECT_TRUE(testing::holdsInChild([left, isNothing = isNothing] {
+            EXPECT_TRUE(testing::holdsInChild([left, service] {
                 const int next = ::dup(STDERR_FILENO);
                 ::close(next);
                 const std::ptrdiff_t before = countOfOpen();
@@ -82,9 +71,9 @@ TEST(WithoutDescriptors, ServicesAnswerForNothingAndLeaveNoneOpen) {
                 ::getrlimit(RLIMIT_NOFILE, &limit);
                 limit.rlim_cur = static_cast<rlim_t>(next) + left;
                 const bool isLimited = ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
-                const bool isRight = isNothing() || left > 0;
+                const bool isRight = service() || left > 0;
                 return isLimited && isRight && countOfOpen() == before;
-            })) << name
+            })) << &service - kServices
                 << ", left " << left;
 }
 

@@ -35,6 +35,7 @@ TEST(X86Answers, WideRegistersCountWhereTheSystemSavesThemAndTheirParentsAreTher
         EXPECT_EQ(told(featuresOf({~0U, ~0U, ~0U, ~0U, saved})), expected) << saved;
     EXPECT_EQ(told(featuresOf({~(1U << 28), ~0U, ~0U, ~0U, 0xE7})), none);
     EXPECT_EQ(told(featuresOf({~0U, ~0U, ~(1U << 16), ~0U, 0xE7})), avx);
+    EXPECT_EQ(told(featuresOf({~0U, ~0U, 1U << 16, 0U, 0xE7})), "11111110 10000 100000");
 }
 
 #if defined(__x86_64__)
