@@ -325,6 +325,14 @@ std::map<std::string, std::string> textsIn(const std::filesystem::path& root) {
     return texts;
 }
 
+struct Problems : MergeHandler {
+    MergeAnswer couldNotMerge(const MergeProblem& problem) noexcept override {
+        areTold |= problem.reason != MergeProblem::Reason::AttributesNotKept;
+        return MergeAnswer::GoOn;
+    }
+    bool areTold = false;
+};
+
 // Each item of the target is the old one or the new one, and a package is whole or not there.
 const Scenario mergedFolders("merged folders", NeverThrows, [] {
     const auto paths = unfailing([] {
@@ -337,7 +345,8 @@ const Scenario mergedFolders("merged folders", NeverThrows, [] {
                           (root / "to/both").string()};
     });
     const auto& [from, to, both] = paths;
-    const bool isMerged = mergePath(from, to, true, nullptr);
+    Problems problems;
+    const bool isMerged = mergePath(from, to, true, &problems);
     const auto listed = contentPathsAtPath(to, true);
     const auto unique = uniqueFileNameAtPath(to, "both", "");
     const bool isVisible = isFileVisible(both);
@@ -349,7 +358,7 @@ const Scenario mergedFolders("merged folders", NeverThrows, [] {
     const bool isKnown = std::all_of(texts.begin(), texts.end(), [](const auto& text) {
         return text.second == "new" || (text.first == "both" && text.second == "old");
     });
-    const bool isSound = isKnown && texts.contains("both") &&
+    const bool isSound = isKnown && problems.areTold == !isMerged && texts.contains("both") &&
                          texts.contains("Kit.app/a") == texts.contains("Kit.app/b") &&
                          (!isMerged || texts.size() == 4) && textsIn(paths[0]).size() == 4;
     return oneOf(isRight && isSound, isSound);

@@ -178,8 +178,17 @@ TEST(CallbackList, FromCNullIsRefusedAndAFailedRemovalIsNeverSafe) {
                  VLCallbackListAddWithNode(list, nullptr, &context, note) ||
                  VLCallbackListRemove(list, nullptr, &ticket) ||
                  VLCallbackListRemoveWithNode(list, nullptr, &context, &ticket) ||
-                 VLCallbackNodeIsFree(nullptr) || VLCallbackTicketIsSafe(nullptr));
+                 VLCallbackNodeIsFree(nullptr) || VLCallbackTicketIsSafe(nullptr) ||
+                 VLCallbackListAddWithNode(nullptr, &node, &context, note) ||
+                 VLCallbackListAddWithNode(list, &node, nullptr, note) ||
+                 VLCallbackListAddWithNode(list, &node, &context, nullptr) ||
+                 VLCallbackListRemove(nullptr, &context, &ticket) ||
+                 VLCallbackListRemoveWithNode(nullptr, &node, &context, &ticket) ||
+                 VLCallbackListRemoveWithNode(list, &node, nullptr, &ticket) ||
+                 !VLCallbackNodeIsFree(&node));
     std::vector<const void*> contexts;
+    VLCallbackNodeInit(nullptr);
+    VLCallbackListIterate(nullptr, 0, &contexts);
     VLCallbackListIterate(list, 0, &contexts);
     EXPECT_FALSE(VLCallbackTicketIsSafe(&ticket) || !contexts.empty());
 

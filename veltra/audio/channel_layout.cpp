@@ -88,7 +88,7 @@ constexpr Labelled kLs{LeftSurround, Label::LeftSurround}, kRs{RightSurround, La
 constexpr Labelled kCs{CentreSurround, Label::CentreSurround};
 constexpr Labelled kC{Centre, Label::Centre}, kLfe{Lfe, Label::Lfe};
 constexpr Labelled kLc{LeftCentre, Label::LeftCentre}, kRc{RightCentre, Label::RightCentre};
-constexpr Labelled unlabelled(ChannelID channel) { return {channel, Label::UseCoordinates}; }
+consteval Labelled unlabelled(ChannelID channel) { return {channel, Label::UseCoordinates}; }
 
 constexpr LabelRecord kLabels[kFormats] = {
     {Format::Mono,             1, {{{Left, Label::Mono}}}},

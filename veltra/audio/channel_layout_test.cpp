@@ -68,7 +68,9 @@ TEST(ChannelLayout, LabelsAndAnglesBelongToChannelsThatTheFormatHolds) {
         {{7, 4}, -110}, {{8, 0}, -45}, {{8, 4}, -135}, {{8, 9}, -22.5F}};
     for (std::uint32_t format = 0; format < 12; ++format) {
         const std::uint32_t mask = GetChannelIDBitMask(format);
+        const auto named = static_cast<SurroundFormat>(format);
         EXPECT_EQ(mask != 0, format >= 1 && format <= 8);
+        EXPECT_EQ(GetChannelIDBitMask(named), mask);
         for (std::uint32_t channel = 0; channel < 14; ++channel) {
             const bool isHeld = (mask >> channel & 1U) != 0;
             const std::uint32_t label = isHeld && format != 7 ? kPublished[channel] : 100;
@@ -80,6 +82,10 @@ TEST(ChannelLayout, LabelsAndAnglesBelongToChannelsThatTheFormatHolds) {
             if (own != left.end()) angle = own->second;
             if (mirrored != left.end()) angle = -mirrored->second;
             EXPECT_EQ(GetAngleForChannel(format, channel), angle) << format << " " << channel;
+            const auto id = static_cast<ChannelID>(channel);
+            EXPECT_EQ(GetAngleForChannel(named, id), angle);
+            EXPECT_EQ(GetLabelForChannelID(named, id),
+                      ChannelLabel(GetLabelForChannelID(format, channel)));
         }
     }
 }
@@ -113,7 +119,9 @@ TEST(SurroundNames, ARemapSaysWhereEveryChannelComesFrom) {
     const auto narrowed = remapChannels(Format::Surround51, LayoutTag::Mpeg51B, LayoutTag::Mpeg50B);
     EXPECT_TRUE(narrowed->words.ends_with("C from 5, LFE dropped"));
     EXPECT_FALSE(remapChannels(Format::Stereo, LayoutTag::Mono, LayoutTag::Stereo).has_value());
+    EXPECT_FALSE(remapChannels(Format::Stereo, LayoutTag::Stereo, LayoutTag::Mono).has_value());
     EXPECT_STREQ(nameOf(static_cast<Format>(99)), "unknown");
+    EXPECT_STREQ(nameOf(static_cast<LayoutTag>(99)), "unknown");
 }
 
 }  // namespace

@@ -5,8 +5,9 @@
 #include "veltra/platform/keyboard_layout.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
+#include "veltra/platform/testing/fake_memory_system.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-#include "veltra/platform/text_services.h"
+#include "veltra/platform/testing/plain_text_services.h"
 
 #include <gmock/gmock.h>
 
@@ -74,6 +75,13 @@ TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
     EXPECT_FALSE(isDeadKey);
     layout.answer = KeyTranslation{u"\u00DF", false};
     EXPECT_EQ(Converter::translateKeyCode(0x1B), "\u00DF");
+
+    const testing::PlainTextServices services;
+    layout.answer = KeyTranslation{u"az{\u00E9", false};
+    EXPECT_EQ(Converter::translateKeyCode(0x1B), "AZ{\u00E9");
+    layout.answer = KeyTranslation{u"\u00E9", false};
+    EXPECT_EQ(Converter::keyCharForKeyCode(0x1B), '?');
+    EXPECT_EQ(Converter::stringForMacRomanCharCode(0x8E, 0), std::nullopt);
 }
 
 // A key that acts is the same key by its code, its Mac Roman code and its key character.
@@ -91,6 +99,11 @@ TEST_F(KeyCodeConverter, CodesAndCharactersOfKeysThatActAgree) {
         EXPECT_EQ(AppKitFunctionKey2MacRomanCharCode(converted), macRoman);
         EXPECT_TRUE(Converter::stringForKeyCharFromTable(converted).has_value());
     }
+    int number = 0;
+    for (const std::uint16_t code : std::initializer_list<std::uint16_t>{
+             0x7A, 0x78, 0x63, 0x76, 0x60, 0x61, 0x62, 0x64, 0x65, 0x6D, 0x67, 0x6F, 0x69, 0x6B,
+             0x71, 0x6A, 0x40, 0x4F, 0x50})
+        EXPECT_EQ(Converter::stringForKeycode(code, 0), "F" + std::to_string(++number));
     EXPECT_EQ(MacRomanCharacterCode2AppKitCode(0x1B), 0xF739);
     EXPECT_EQ(MacRomanCharacterCode2AppKitCode('A'), 'A');
     const std::pair<std::uint16_t, unsigned> codes[] = {
@@ -140,6 +153,20 @@ TEST_F(KeyCodeConverter, TypingKeysFollowTheLayoutAndDeadKeysSayTheirAccent) {
     EXPECT_EQ(Converter::keyCharForKeyCode(0x00), '?');
     use("no such layout");
     EXPECT_EQ(Converter::stringForKeycode(0x00, kAll), kAllSigns);
+}
+
+TEST_F(KeyCodeConverter, WhereNoLayoutIsNamedThatOfTheMachineCounts) {
+    if (!hasLayouts()) GTEST_SKIP() << "no keyboard layouts on this machine";
+    testing::FakeMemorySystem machine;
+    for (const auto& [text, letter] :
+         {std::pair("# Keyboard\nXKBMODEL=\"pc105\"\nXKBLAYOUT=\"fr\"\nXKBVARIANT=\"\"\n", "A"),
+          {"XKBLAYOUT='us'\nXKBVARIANT=dvorak\nXKBOPTIONS=\"\"", "'"},
+          {"XKBLAYOUT=\"\nXKBVARIANT", "Q"},
+          {"XKBLAYOUT=none-such", "Q"}}) {
+        machine.files["/etc/default/keyboard"] = text;
+        use(nullptr);
+        EXPECT_EQ(Converter::translateKeyCode(0x0C), letter) << text;
+    }
 }
 
 // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread

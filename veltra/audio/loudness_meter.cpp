@@ -101,13 +101,12 @@ void LoudnessMeter::collect() noexcept {
 }
 
 // The other side only takes the whole list: when the exchange fails, the list is empty, and nobody
-// but this side fills it.
+// but this side fills it, so that the second one succeeds.
 void LoudnessMeter::giveBack(Analysis* analysis) noexcept {
     analysis->nextSpent = m_spent.load(std::memory_order_relaxed);
-    if (!m_spent.compare_exchange_strong(analysis->nextSpent, analysis, std::memory_order_release,
-                                         std::memory_order_relaxed)) {  // with collect()
-        analysis->nextSpent = nullptr;
-        m_spent.store(analysis, std::memory_order_release);  // with collect()
+    while (!m_spent.compare_exchange_strong(analysis->nextSpent, analysis,
+                                            std::memory_order_release,  // with collect()
+                                            std::memory_order_relaxed)) {
     }
 }
 

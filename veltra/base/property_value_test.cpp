@@ -50,6 +50,21 @@ TEST(PropertyValue, IsNeverDeeperThanItsLimit) {
     EXPECT_TRUE(PropertyValue(Dictionary{{"", value}}).isNull());
 }
 
+TEST(PropertyValue, IsSetAndTakenAwayAtAPath) {
+    using Path = std::vector<std::string_view>;
+    const PropertyValue before = Dictionary{{"a", Dictionary{{"b", 1}, {"c", 2}}}, {"d", 3}};
+    const std::tuple<Path, PropertyValue, PropertyValue> cases[] = {
+        {{}, 7, 7},
+        {{"a", "b"}, 7, Dictionary{{"a", Dictionary{{"b", 7}, {"c", 2}}}, {"d", 3}}},
+        {{"a", "b"}, nullptr, Dictionary{{"a", Dictionary{{"c", 2}}}, {"d", 3}}},
+        {{"a"}, nullptr, Dictionary{{"d", 3}}},
+        {{"d", "e"}, 7, Dictionary{{"a", before["a"]}, {"d", Dictionary{{"e", 7}}}}},
+        {{"d", "e"}, nullptr, before},
+        {Path(200'000, "x"), 7, nullptr}};
+    for (const auto& [path, value, after] : cases)
+        EXPECT_EQ(before.settingValueAtPath(path, value), after) << &path - &std::get<0>(cases[0]);
+}
+
 TEST(PropertyValue, HoldsOnlyWellFormedText) {
     // U+FFFD for the longest start of a sequence that could have been one, else for a single byte.
     const std::pair<const char*, const char*> rows[] = {

@@ -41,8 +41,14 @@ TEST(StringObject, IllFormedInputMakesNoObject) {
         EXPECT_EQ(VLStringCreateWithUtf8(bytes.data(), bytes.size()), nullptr);
     const std::array<std::uint16_t, 2> reversedPair{0xDC00, 0xD800};
     EXPECT_EQ(VLStringCreateWithUtf16(reversedPair.data(), 2), nullptr);
-    EXPECT_EQ(VLStringCreateWithUtf8(nullptr, 1), nullptr);
-    EXPECT_EQ(VLStringCreateWithCString(nullptr), nullptr);
+    std::array<std::uint16_t, 2> units{7, 7};
+    EXPECT_FALSE(VLStringCreateWithUtf8(nullptr, 1) || VLStringCreateWithCString(nullptr) ||
+                 VLStringCreateWithUtf16(nullptr, 1) || VLStringCopyUtf8(nullptr, nullptr, 1) ||
+                 VLStringCopyUtf16(nullptr, units.data(), 2) || units[0] != 7);
+    const VLString* const empty = VLStringCreateWithUtf16(nullptr, 0);
+    EXPECT_EQ(textOf(empty), "");
+    EXPECT_EQ(VLStringCopyUtf16(empty, nullptr, 1) + VLStringLength(nullptr), 0U);
+    VLStringRelease(empty);
 }
 
 TEST(StringObject, ACopyIsCutBetweenCharactersAndSaysWhatItNeeds) {

@@ -46,6 +46,8 @@ TEST(Time, CalculatesExactlyAndStaysAtTheEndsOfTheRange) {
             EXPECT_EQ(Moment(left) - Moment(right), left - right);
             EXPECT_EQ(Moment(left) + right, Moment(left + right));
             EXPECT_EQ(Moment(left) - right, Moment(left - right));
+            Nanoseconds changed = left;
+            EXPECT_EQ((changed += right, changed -= left), left + right - left);
         }
     }
     EXPECT_EQ(Nanoseconds(kLeast) / Nanoseconds(-1), kMost);

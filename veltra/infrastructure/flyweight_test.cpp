@@ -98,19 +98,30 @@ TEST_F(Flyweights, AreNotFoundHalfMade) {
     }
     bare->release();
 
-    std::atomic<bool> isSetUp{false}, hasBegun{false};
-    A::s_setUp = [&](A&) {
-        hasBegun = true;
-        for (int i = 0; i < 100; ++i)
+    for (const std::uint32_t hash : {4U, 5U}) {  // the latter comes to nothing
+        std::atomic<bool> isSetUp{false}, hasBegun{false};
+        A::s_setUps = 0;
+        A::s_setUp = [&](A&) {
+            if (hasBegun.exchange(true)) return;
+            for (int i = 0; i < 100; ++i)
+                std::this_thread::yield();
+            isSetUp = true;
+            if (hash == 5) throw 5;
+        };
+        const std::jthread maker([hash] {
+            try {
+                A::get(hash)->release();
+            } catch (int) {
+                EXPECT_EQ(hash, 5U);
+            }
+        });
+        while (!hasBegun)
             std::this_thread::yield();
-        isSetUp = true;
-    };
-    const std::jthread maker([] { A::get(4)->release(); });
-    while (!hasBegun)
-        std::this_thread::yield();
-    A* const found = A::get(4);
-    EXPECT_TRUE(isSetUp);
-    found->release();
+        A* const found = A::get(hash);
+        EXPECT_TRUE(isSetUp);
+        if (found != nullptr) found->release();
+        EXPECT_EQ(found != nullptr, hash == 4 || A::s_setUps == 2);
+    }
 }
 
 // Threads that ask, switch and release beside one that drops the pool: what anybody

@@ -65,10 +65,11 @@ TEST(Classes, AreFoundByNameWhileTheyHaveAnEntry) {
     static constinit PlainClass late("Late", &Plain::s_class, nullptr);
     EXPECT_EQ(Class::named("Late"), nullptr);
     {
-        const ClassEntry entry(late);
+        std::optional<ClassEntry> entry(std::in_place, late);
         EXPECT_EQ(Class::named("Late"), &late);
         static constinit PlainClass other("Late", nullptr, nullptr);
         const ClassEntry newer(other);
+        entry.reset();
         EXPECT_EQ(Class::named("Late"), &other);
         EXPECT_EQ(Class::named("Plain"), &Plain::s_class);
     }

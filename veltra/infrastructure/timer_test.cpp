@@ -33,6 +33,7 @@ TEST_F(QkTimerTest, RunsInEveryModeFromStartToStopAndKeepsItsStoredInterval) {
     meter.timer->stop();
     EXPECT_FALSE(meter.timer->isValid());
     EXPECT_EQ(meter.timer->userInfo(), &meter);
+    EXPECT_EQ(loop.descriptor(), -1);  // one that its tests drive
 
     meter.timer->startWithTimeInterval(0.5);
     meter.timer->startWithTimeInterval(0.01);  // ignored: it runs

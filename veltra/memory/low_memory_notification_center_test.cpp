@@ -54,6 +54,7 @@ TEST_F(LowMemoryCenter, IsOffUnlessThePreferencesWantAReserve) {
          {PropertyValue(), PropertyValue("much"), PropertyValue(0), PropertyValue(kReserve)}) {
         prefer(reserve);
         EXPECT_EQ(Center::InitializeLMNotificationCenter(), 0);
+        EXPECT_EQ(Center::IsLMNotificationCenterInitialized(), 0);
     }
     EXPECT_EQ(Center::CheckPoint(kReserve), 1);
     EXPECT_EQ(Center::CheckMemory(kReserve), 0);
@@ -61,7 +62,9 @@ TEST_F(LowMemoryCenter, IsOffUnlessThePreferencesWantAReserve) {
     EXPECT_EQ(Center::AddLMObserver(hear, a) + Center::RemoveLMObserver(hear, a), 0);
     EXPECT_TRUE(Center::EnterCriticalOperation() && Center::LeaveCriticalOperation());
     preferences.stored = PropertyValue::Dictionary{{"LowMemoryReserve", 10 * testing::kMiB}};
-    EXPECT_EQ(Center::InitializeLMNotificationCenter(), 1);
+    for (int time = 0; time < 2; ++time)
+        EXPECT_EQ(Center::InitializeLMNotificationCenter(), 1);
+    EXPECT_EQ(Center::IsLMNotificationCenterInitialized(), 1);
     EXPECT_EQ(eventsOf(1, Center::CheckPoint(10)), "!!!");
     EXPECT_EQ(LimitedHeap::last, 100);
 }

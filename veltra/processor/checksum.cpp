@@ -67,7 +67,7 @@ struct Variants {
 };
 
 template <kernels::CrcKernel Rung::*kernel>
-constexpr auto variantsOf() noexcept {
+consteval auto variantsOf() noexcept {
     constexpr auto has = [](const Rung& rung) { return kernel != &Rung::crc16 || rung.hasCrc16; };
     Variants<std::count_if(std::begin(kRungs), std::end(kRungs), has)> variants{};
     std::size_t next = 0;

@@ -33,7 +33,7 @@ alignas(64) constexpr EnableTable s_afEnableDebug = {
 };
 
 // Each variant's menu offers the variant itself, and to switch optimizations off.
-constexpr bool offersItself(const EnableTable& table) noexcept {
+consteval bool offersItself(const EnableTable& table) noexcept {
     for (int variant = 0; variant < kVariants; ++variant) {
         if (table[variant][variant] == 0 || table[variant][CDotAPI::eID_Off] == 0) return false;
     }
@@ -58,7 +58,7 @@ constexpr Variant kVariantTable[] = {
     {CDotAPI::eID_Debug, "debug mode", 4, 1},
 };
 
-constexpr bool isInOrder() noexcept {
+consteval bool isInOrder() noexcept {
     int index = 0;
     for (const Variant& variant : kVariantTable) {
         if (variant.id != index++) return false;

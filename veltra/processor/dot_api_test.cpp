@@ -135,6 +135,11 @@ TEST_F(DotAPI, AnOverrideIsInForceWhenTheMenuOffersItAndIsKeptWhenNot) {
     play(x86(true, true), true);  // past the end means variant 0, which this menu has
     VLDotAPISetSelection(9);
     EXPECT_TRUE(VLDotAPIID() == 0 && VLDotAPIGetSelection() == 0);
+    EXPECT_TRUE(CDotAPI::UpdateHistory());
+    CDotAPI::DisableHistoryUpdate();
+    EXPECT_FALSE(CDotAPI::UpdateHistory());
+    CDotAPI::EnableHistoryUpdate();
+    EXPECT_TRUE(CDotAPI::UpdateHistory());
 }
 
 }  // namespace

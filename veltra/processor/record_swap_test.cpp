@@ -54,18 +54,26 @@ TEST(RecordSwap, EveryFieldAtEveryLimitFollowsTheRulesAloneAndInRuns) {
         ASSERT_TRUE(run == single) << int{code};
     }
     SetPIntelLimit(UINTPTR_MAX);
+    const GuardedMemory pages;  // nothing is read behind the end of a description
     for (const std::size_t size : {2U, 4U, 8U})
-        for (const std::size_t fields : {1U, 7U, 16U, 17U, 1040U, 2500U})
+        for (const std::size_t fields : {1U, 7U, 16U, 17U, 1040U, 2501U})
             for (const std::size_t start : {60U, 97U, 100U, 101U, 109U, 30'100U}) {
-                std::vector<std::int8_t> sizes(fields + 2, static_cast<std::int8_t>(size));
-                sizes.back() = 0;
+                auto* const sizes =
+                    reinterpret_cast<std::int8_t*>(pages.at(Place::End, fields + 2));
+                std::fill_n(sizes, fields, static_cast<std::int8_t>(size));
+                const bool isCut = fields % 2 == 0;
+                const bool isFollowed = fields == 17;  // by a field that is kept as it is
+                sizes[fields] = isCut ? static_cast<std::int8_t>(size)
+                                      : static_cast<std::int8_t>(isFollowed ? -1 : 0);
+                sizes[fields + 1] = 0;
                 single = run = original;
-                SwapData(&run[start], &run[100], sizes.data(), size * (fields + 1) - 1);
+                SwapData(&run[start], &run[100], sizes, isCut ? size * (fields + 1) - 1 : 30'000);
                 for (std::size_t i = 0; i < fields; ++i) {
                     unsigned char* const to = &single[start + i * size];
                     std::memmove(to, &single[100 + i * size], size);
                     std::reverse(to, to + size);
                 }
+                if (isFollowed) single[start + fields * size] = single[100 + fields * size];
                 ASSERT_TRUE(run == single) << size << ' ' << fields << ' ' << start;
             }
 }

@@ -81,7 +81,13 @@ TEST(Utf8Text, NullAndNoRoomHaveNeutralAnswers) {
     char byte = '#';
     EXPECT_EQ(utf8_strlen(nullptr), 0U);
     EXPECT_EQ(utf8_check(nullptr) + utf8_is_ascii(nullptr, 0) + utf8_verify(), 0);
-    EXPECT_EQ(utf8_strncpy(nullptr, "a", 1), nullptr);
+    const VLString* lost = nullptr;
+    EXPECT_FALSE(utf8_strncpy(nullptr, "a", 1) || utf8_strlcpy(nullptr, "a", 1) ||
+                 utf8_to_fileSystemRepresentation(nullptr, "a", 1) ||
+                 utf8_to_fsspecFileSystemCString(nullptr, "a", 1, &lost) ||
+                 utf8_to_fsspecFileSystemPascalString(nullptr, "a", 1, &lost) || lost);
+    utf8_from_cfstring(nullptr, nullptr, 1);
+    utf8_from_cfstring(&byte, nullptr, 0);
     EXPECT_EQ(*utf8_strlcpy(&byte, "a", 0), '#');
     EXPECT_EQ(utf8_to_cfstring(""), nullptr);
     EXPECT_EQ(utf8_to_nsstring("\xED\xA0\x80"), nullptr);

@@ -204,6 +204,11 @@ TEST(FileManager, KnowsWherePluginsMayBe) {
               (Names{desktop.folder / "data/Kit/Plug-ins", "/one/Kit/Plug-ins", "/two/Kit/Plug-ins",
                      program + "/Kit/Plug-ins"}));
     EXPECT_EQ(pluginSearchPaths("").size(), 4U);
+    setEnvironment("XDG_DATA_HOME", "//");
+    EXPECT_EQ(pluginSearchPaths("Kit").front(), "/Kit");
+    setEnvironment("XDG_DATA_HOME", nullptr);
+    setEnvironment("HOME", nullptr);
+    EXPECT_TRUE(pluginSearchPaths("Kit").front().ends_with("/.local/share/Kit"));
     for (const char* name : {"/x", "..", "a/../../b"})
         EXPECT_TRUE(pluginSearchPaths(name).empty());
 }

@@ -3,6 +3,7 @@
 
 #include "veltra/Source/Extensions/testing/failing_file_system.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
@@ -61,10 +62,11 @@ struct Log : MergeHandler {
         ++counts[problem.reason];
         last = std::string(problem.sourcePath);
         if (problem.reason == Reason::LeftBehind) leftBehind = problem.leftBehind;
-        return MergeAnswer::GoOn;
+        return onProblem;
     }
     int seen = 0;
     int stopAt = -1;
+    MergeAnswer onProblem = MergeAnswer::GoOn;
     std::map<Reason, int> counts;
     std::string last;
     std::string leftBehind;
@@ -263,6 +265,12 @@ TEST(MergePath, TellsWhatItLeavesOut) {
 
     // Stopped, and paths that lead nowhere.
     const TemporaryFolder empty;
+    Log stopped;
+    stopped.onProblem = MergeAnswer::Stop;
+    EXPECT_FALSE(mergePath(from.string(), to.string(), true, &stopped));
+    EXPECT_EQ(stopped.counts, (std::map<Reason, int>{{Reason::KindsDiffer, 1}}));
+    MergeHandler deaf;
+    EXPECT_FALSE(mergePath(from.string(), to.string(), true, &deaf));
     Log stopping;
     stopping.stopAt = 2;
     EXPECT_FALSE(mergePath(from.string(), empty / "to", true, &stopping));
@@ -289,6 +297,13 @@ TEST(MergePath, TakesAnyName) {
     EXPECT_EQ(treeOf(folder.path / "to"), treeOf(folder.path / "from"));
     EXPECT_TRUE(mergePath(folder / "from/ / ", folder / "file", false, nullptr));
     EXPECT_EQ(textOf(folder / "file"), " ");
+    EXPECT_TRUE(testing::holdsInChild([&folder] {
+        fs::current_path(folder.path);
+        return mergePath("from", "near", false, nullptr) &&
+               mergePath("from/..//near/.", "../" + folder.path.filename().string() + "/far", true,
+                         nullptr) &&
+               treeOf("far", false) == treeOf("from", false);
+    }));
 }
 
 TEST(MergePath, GivesWayToThoseWhoAreFaster) {

@@ -3,6 +3,7 @@
 
 #include "veltra/Source/Extensions/testing/made_up_texts.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/plain_text_services.h"
 
 #include <regex>
 
@@ -84,7 +85,10 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
         {"x://fa\u00DF.de", "x://fass.de"},
         {"x://\uFB01x.de:", "x://fix.de:"},
         {"x://\u03C2.gr/", "x://xn--4xa.gr/"},
+        {"x://\u00FC:80", "x://xn--tda:80"},
         {"x://\u65E5\u672C\u8A9E\u3002jp", "x://xn--wgv71a119e.jp"},
+        {"x://\u00FC.\u00FC.\u00FC.\u00FC.\u00FC.\u00FC",
+         "x://xn--tda.xn--tda.xn--tda.xn--tda.xn--tda.xn--tda"},
         {"x://\uFF21\uFF22\uFF23.com", "x://abc.com"}};
     for (const auto& [url, converted] : kPairs)
         EXPECT_EQ(stringByConvertingToPunycode(url), converted);
@@ -97,6 +101,9 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
     for (std::string url = "x://\u00FC"; stringByConvertingToPunycode(url) != url; url += 'a')
         converted = stringByConvertingToPunycode(url);
     EXPECT_EQ(converted.size(), 4U + 63U) << converted;
+    const testing::PlainTextServices without;
+    EXPECT_EQ(stringByConvertingToPunycode("x://\u00FC.gr"), "x://\u00FC.gr");
+    EXPECT_FALSE(stringLooksLikeValidEmailAddress("me@x.com"));
 }
 
 TEST(UrlScheme, IsPrependedOnceAndEscapingKeepsWhatIsEscaped) {

@@ -2,7 +2,7 @@
 #include "veltra/Source/Extensions/string_compare.h"
 
 #include "veltra/base/testing/prelude.h"
-#include "veltra/platform/text_services.h"
+#include "veltra/platform/testing/plain_text_services.h"
 
 namespace veltra {
 
@@ -22,6 +22,13 @@ bool hasForms() {
     return TextServices::current().decomposed(u"a").has_value();
 }
 
+template <typename Body>
+void withAndWithoutServices(Body body) {
+    body();
+    const testing::PlainTextServices services;
+    body();
+}
+
 TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
     const struct {
         const char *text, *sought;
@@ -39,6 +46,8 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
                   {"aaa", "aa", kBackwards, {{1, 2}}},
                   {"Take 007", "TAKE 7", kCase | kNumeric, {}},
                   {"a tapE", "TaPe", kCase | kLiteral, {{2, 4}}},
+                  {"tapE a", "TaPe", kCase | kAnchored, {{0, 4}}},
+                  {"tapE a", "TaPe", kCase | kAnchored | kBackwards, {}},
                   {"a\xC3\xA9", "\xC3\xA9", kLiteral, {{1, 2}}},
                   {"a\xC3\xA9", "\xA9", kLiteral, {}},  // a byte is no part of a character
                   {"a\xC3\xA9\xFF", "\xFF", {}, {{3, 1}}},
@@ -56,11 +65,13 @@ TEST(StringCompare, FindsTheWantedPlaceInBytesOfTheText) {
                   {"\xC3\x9Fs", "ss", kCase | kBackwards, {{0, 2}}, true},
                   {"\xEA\xB0\x80", "\xE1\x84\x80\xE1\x85\xA1", {}, {{0, 3}}, true},
                   {"\xE1\x84\x80\xE1\x85\xA1", "\xEA\xB0\x80", kBackwards, {{0, 6}}, true}};
-    for (const auto& one : kCases) {
-        if (one.needsForms && !hasForms()) continue;
-        EXPECT_EQ(find(one.text, one.sought, one.options), one.range)
-            << one.text << " / " << one.sought;
-    }
+    withAndWithoutServices([&] {
+        for (const auto& one : kCases) {
+            if (one.needsForms && !hasForms()) continue;
+            EXPECT_EQ(find(one.text, one.sought, one.options), one.range)
+                << one.text << " / " << one.sought;
+        }
+    });
 }
 
 TEST(StringCompare, FindsEachPlaceOfLittleWords) {
@@ -127,11 +138,13 @@ TEST(StringCompare, EqualIsWhatAReaderTakesForEqual) {
         {"\xFF", "\xFF", kCase, true},
         {"\xFF", "\xFE", {}, false},
         {"\xC3", "\xEF\xBF\xBD", {}, false}};
-    for (const auto& one : kCases) {
-        if (one.needsForms && !hasForms()) continue;
-        EXPECT_EQ(equals(one.one, one.other, one.options), one.isEqual) << one.one << one.other;
-        EXPECT_EQ(equals(one.other, one.one, one.options), one.isEqual) << one.one << one.other;
-    }
+    withAndWithoutServices([&] {
+        for (const auto& one : kCases) {
+            if (one.needsForms && !hasForms()) continue;
+            EXPECT_EQ(equals(one.one, one.other, one.options), one.isEqual) << one.one << one.other;
+            EXPECT_EQ(equals(one.other, one.one, one.options), one.isEqual) << one.one << one.other;
+        }
+    });
 }
 
 }  // namespace

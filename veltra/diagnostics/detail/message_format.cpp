@@ -68,7 +68,7 @@ constexpr std::string_view kIntegers = "diouxX";
 constexpr std::string_view kReals = "aAeEfFgG";
 
 template <typename Integer>
-constexpr Kind integers(std::string_view modifier) noexcept {
+consteval Kind integers(std::string_view modifier) noexcept {
     return {kIntegers, modifier, kTypeOf<Integer>, Form::Integer, sizeof(Integer)};
 }
 

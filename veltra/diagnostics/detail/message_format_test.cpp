@@ -90,6 +90,7 @@ TEST(MessageFormat, FromWhatIsNotUnderstoodOnTheRestIsCopied) {
     EXPECT_EQ(formatted("%d%% %y %d%%", 5, 6), "5% %y %d%%");
     EXPECT_EQ(formatted("%1$d: only %3$s, %1$d", 7, 2.5, "text"), "7: only %3$s, %1$d");
     EXPECT_EQ(formatted("%1$d %1$s %1$c", 65), "65 %1$s A") << "one argument, two types";
+    EXPECT_EQ(formatted("%1$s %2$*1$d %2$.*1$d %2$d", "text", 5), "text %2$*1$d %2$.*1$d 5");
 }
 
 TEST(MessageFormat, NothingIsMadeThatIsCutOffInTheEnd) {

@@ -116,6 +116,13 @@ TEST_F(AlertHelperTest, IsFoundBesideTheLibraryInstalledAndInABuildTreeWhenItCan
         fs::permissions(nearest, fs::perms(unfit));
         EXPECT_NE(findAlertHelperNear(library.c_str()), nearest);
     }
+    fs::permissions(nearest, fs::perms(0755));
+    EXPECT_EQ(findAlertHelperNear(library.c_str()), nearest);
+    const bool isStrangers = ::chown(nearest.c_str(), 12345, 0) == 0;  // as root alone
+    EXPECT_EQ(findAlertHelperNear(library.c_str()) != nearest, isStrangers);
+    fs::remove(nearest);
+    fs::create_directory(nearest);
+    EXPECT_NE(findAlertHelperNear(library.c_str()), nearest);
 }
 
 // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread

@@ -41,14 +41,16 @@ private:
     // The host may have closed any of 0 to 2, so that the descriptor itself may have such a number:
     // it moves to 1 before anything is put on 0 and 2.
     bool redirect(int descriptor, ChildInput input) noexcept {
-        return ::posix_spawn_file_actions_adddup2(&m_actions, descriptor, STDOUT_FILENO) == 0 &&
-               (input == ChildInput::SameAsOutput
-                    ? ::posix_spawn_file_actions_adddup2(&m_actions, STDOUT_FILENO, STDIN_FILENO)
-                    : ::posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null",
-                                                         O_RDONLY, 0)) == 0 &&
-               ::posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY,
-                                                  0) == 0 &&
-               ::posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1) == 0;
+        posix_spawn_file_actions_t* const actions = &m_actions;
+        int errors = ::posix_spawn_file_actions_adddup2(actions, descriptor, STDOUT_FILENO);
+        errors |= input == ChildInput::SameAsOutput
+                      ? ::posix_spawn_file_actions_adddup2(actions, STDOUT_FILENO, STDIN_FILENO)
+                      : ::posix_spawn_file_actions_addopen(actions, STDIN_FILENO, "/dev/null",
+                                                           O_RDONLY, 0);
+        errors |=
+            ::posix_spawn_file_actions_addopen(actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        errors |= ::posix_spawn_file_actions_addclosefrom_np(actions, STDERR_FILENO + 1);
+        return errors == 0;
     }
 
     bool resetSignals() noexcept {
@@ -58,9 +60,10 @@ private:
         ::sigfillset(&all);
         constexpr short kFlags =
             POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_RESETIDS;
-        return ::posix_spawnattr_setsigmask(&m_attributes, &none) == 0 &&
-               ::posix_spawnattr_setsigdefault(&m_attributes, &all) == 0 &&
-               ::posix_spawnattr_setflags(&m_attributes, kFlags) == 0;
+        int errors = ::posix_spawnattr_setsigmask(&m_attributes, &none);
+        errors |= ::posix_spawnattr_setsigdefault(&m_attributes, &all);
+        errors |= ::posix_spawnattr_setflags(&m_attributes, kFlags);
+        return errors == 0;
     }
 
     posix_spawn_file_actions_t m_actions{};

@@ -12,11 +12,8 @@ class Descriptor {
 public:
     Descriptor() = default;
     explicit Descriptor(int number) noexcept : m_number(number) {}
-    Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(m_number, other.m_number);
-        return *this;
-    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() { close(); }
 
     int number() const noexcept { return m_number; }

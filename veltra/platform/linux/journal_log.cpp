@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -36,16 +37,19 @@ sockaddr_un addressOf(const char* path) noexcept {
     return address;
 }
 
+bool isOneOf(std::initializer_list<int> errors, int error) noexcept {
+    return std::ranges::find(errors, error) != errors.end();
+}
+
 bool nobodyListens(int error) noexcept {
-    return error == ENOENT || error == ENOTDIR || error == ECONNREFUSED || error == EPROTOTYPE ||
-           error == EACCES;
+    return isOneOf({ENOENT, ENOTDIR, ECONNREFUSED, EPROTOTYPE, EACCES}, error);
 }
 
 // What a descriptor answers that is not our socket. Our own, given an address of its own family,
 // answers none of these.
 bool isForeign(int error) noexcept {
-    return error == EBADF || error == ENOTSOCK || error == EAFNOSUPPORT || error == EINVAL ||
-           error == EISCONN || error == EOPNOTSUPP || error == EDESTADDRREQ;
+    return isOneOf({EBADF, ENOTSOCK, EAFNOSUPPORT, EINVAL, EISCONN, EOPNOTSUPP, EDESTADDRREQ},
+                   error);
 }
 
 // A datagram socket honours the address or refuses it; connected sockets of other types ignore it,

@@ -149,13 +149,14 @@ TEST_F(JournalLogTest, WithoutAJournalTheTraditionalDaemonGetsTheLine) {
     } handTime;
     LocalTime::install(&handTime);
     Service syslog(syslogPath);
+    JournalLog unheard(std::string(200, 'j').c_str(), syslogPath.c_str());  // too long for a socket
     const std::string tag = "tag[" + std::to_string(::getpid()) + "]: ";
-    log.send(record("hello"));
+    unheard.send(record("hello"));
     EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + "hello");
-    log.send(record(std::string(8191, 'y').append("\u00FC").append(1 << 20, 'y')));
+    unheard.send(record(std::string(8191, 'y').append("\u00FC").append(1 << 20, 'y')));
     EXPECT_EQ(syslog.take(), "<11>Jan  5 09:05:07 " + tag + std::string(8191, 'y'));
     handTime.time.reset();
-    log.send(record("hello"));
+    unheard.send(record("hello"));
     EXPECT_EQ(syslog.take(), "<11>" + tag + "hello");
     LocalTime::install(nullptr);
 }

@@ -36,6 +36,23 @@ constexpr FileCalls kFailingCalls{
     [](int) { return failed(); },
     [](const char* from, const char* to) { return failed() != 0 ? -1 : ::rename(from, to); }};
 
+// Every other call is interrupted by a signal.
+bool s_isInterrupted = false;
+
+bool isInterrupted() {
+    errno = EINTR;
+    return s_isInterrupted = !s_isInterrupted;
+}
+
+constexpr FileCalls kInterruptedCalls{
+    [](int file, void* text, std::size_t size) {
+        return isInterrupted() ? -1 : ::read(file, text, size);
+    },
+    [](int file, const void* text, std::size_t size) {
+        return isInterrupted() ? -1 : ::write(file, text, std::min<std::size_t>(size, 5));
+    },
+    [](int) { return isInterrupted() ? -1 : 0; }, ::rename};
+
 using testing::textOf;
 
 class JsonPreferencesTest : public ::testing::Test {
@@ -117,6 +134,46 @@ TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsThe
     EXPECT_EQ(failures, static_cast<int>(after.size() + 4) / 5 + 2);  // writes, flush, rename
 }
 
+TEST_F(JsonPreferencesTest, InterruptedCallsAreRepeatedAndWhatIsThereIsNotWrittenAgain) {
+    JsonPreferences interrupted(m_file.string(), kInterruptedCalls);
+    interrupted.setValue("key", "a long value");
+    EXPECT_FALSE(interrupted.synchronise() || interrupted.reload());
+    EXPECT_EQ(interrupted.value("key"), "a long value");
+    JsonPreferences same(m_file.string(), kFailingCalls);
+    same.setValue("key", "a long value");
+    same.setValue("none", nullptr);
+    failAfter(0, EIO);
+    EXPECT_FALSE(same.synchronise());
+}
+
+TEST_F(JsonPreferencesTest, LinksLeadToTheFileAndWhatIsNoFileIsLeftAlone) {
+    const fs::path folder = m_file.parent_path(), real = m_folder.path / "real/kept.json";
+    fs::create_directories(folder / "dots");
+    fs::create_symlink("dots/link", m_file);
+    fs::create_symlink(real, folder / "dots/link");
+    m_preferences.setValue("key", 1);
+    EXPECT_FALSE(m_preferences.synchronise());
+    EXPECT_TRUE(fs::is_symlink(m_file) && fs::is_symlink(folder / "dots/link"));
+    EXPECT_EQ(textOf(real), jsonFromDictionary({{"key", 1}}));
+
+    store("");
+    fs::resize_file(m_file, PreferencesFile::kMaximumSize + 1);
+    EXPECT_EQ(m_preferences.reload(), std::errc::file_too_large);
+    m_preferences.setValue("key", 2);
+    for (const auto& [put, error] :
+         {std::pair(
+              +[](const fs::path& file) { fs::create_symlink(file.filename(), file); },
+              std::errc::too_many_symbolic_link_levels),
+          {+[](const fs::path& file) { fs::create_directory(file); },
+           std::errc::invalid_argument}}) {
+        fs::remove(m_file);
+        put(m_file);
+        EXPECT_EQ(m_preferences.reload(), error);
+        EXPECT_EQ(m_preferences.synchronise(), error);
+        EXPECT_EQ(m_preferences.value("key"), 2);
+    }
+}
+
 TEST_F(JsonPreferencesTest, ADamagedFileIsKeptAsideReportedOnceAndReadAsEmpty) {
     const std::string sound = R"({"text": "\u00e4\ud834\udd1e", "list": [1, -2.5e3, true, null]})";
     for (std::size_t length = 0; length < sound.size(); ++length) {
@@ -157,7 +214,7 @@ TEST_F(JsonPreferencesTest, BelongsToTheProgramInTheFolderOfTheUser) {
 
     JsonPreferences preferences;
     const std::string longName(201, 'a');
-    for (const std::string_view name : {"", ".", "a/b", "a\n", longName.c_str()})
+    for (const std::string_view name : {"", ".", "a/b", "a\n", "a\x7F", longName.c_str()})
         EXPECT_FALSE(preferences.setApplicationName(name)) << name;
     EXPECT_TRUE(preferences.setApplicationName("My Host"));
     EXPECT_EQ(preferences.path(), "/etc/me/My Host.json");

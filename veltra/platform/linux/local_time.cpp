@@ -18,9 +18,9 @@ namespace {
 constexpr std::int64_t kQuarter = 900;  // seconds
 
 // One word says where the clock stands in one quarter of an hour: the number of the quarter since
-// 1970 in the upper 24 bits (enough until 2448), the distance from UTC in the lower 8, in quarters,
-// from 1 up. 0 says nothing yet. A word is only made for quarters throughout which the zone keeps
-// one distance that is a whole number of quarters, and where the C library agrees with the
+// 1970 in the upper 24 bits (enough until 2448), the distance from UTC in the lower 8, in quarters
+// and 128 more. 0 says nothing yet. A word is only made for quarters throughout which the zone
+// keeps one distance that is a whole number of quarters, and where the C library agrees with the
 // arithmetic below at both ends; every other moment is left to the C library.
 using QuarterWord = std::uint32_t;
 constexpr std::int64_t kLastQuarter = 0xFFFFFF;
@@ -63,7 +63,7 @@ QuarterWord wordFor(std::int64_t quarter) noexcept {
     const std::optional<CivilTime> lastTime = askSystem(last, &atLast);
     if (!firstTime || !lastTime || atFirst != atLast || atFirst % kQuarter != 0) return 0;
     const std::int64_t distance = atFirst / kQuarter + kUtc;
-    if (distance < 1 || distance > 255) return 0;
+    if (static_cast<std::uint8_t>(distance) != distance) return 0;
     if (*firstTime != civilFrom(first, atFirst) || *lastTime != civilFrom(last, atLast)) return 0;
     return static_cast<QuarterWord>(quarter << 8 | distance);
 }

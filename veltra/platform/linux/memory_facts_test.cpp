@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/fake_memory_system.h"
 
 #include <poll.h>
@@ -17,7 +18,8 @@ TEST(MemoryFacts, SayNothingWhereTheSystemSaysNothing) {
     FakeMemorySystem system;
     const std::string junk =
         std::string(5000, 'x') + "\n" + std::string("MemTotal: \0 kB\n\n:", 18);
-    for (const std::string& text : {std::string(), junk, std::string("0::\n-\nsome avg10=nan\n")}) {
+    for (const std::string& text : {std::string(), junk, std::string("0::\n-\nsome avg10=nan\n"),
+                                    std::string("some avg10=101\nfull avg60=1\n")}) {
         for (const char* path : {"/proc/meminfo", "/proc/self/cgroup", "/proc/self/mountinfo",
                                  "/proc/self/status", "/proc/pressure/memory"})
             system.files[path] = text;
@@ -95,6 +97,8 @@ TEST(MemoryFacts, FollowTheControlGroupsUpTheTree) {
          "/cg/in/limit_in_bytes=100;/cg/in/usage_in_bytes=1", 100, 99},
         {"another part is mounted", "4:memory:/docker/12\n", container,
          "/cg/limit_in_bytes=100;/cg/usage_in_bytes=2", 100, 98},
+        {"just that part is mounted", "4:memory:/docker/1\n", container,
+         "/cg/limit_in_bytes=100;/cg/usage_in_bytes=3", 100, 97},
         {"both kinds", "4:memory:/g\n0::/a\n", legacy + unified,
          "/my m/g/limit_in_bytes=100;/my m/g/usage_in_bytes=1;/u/a/max=90;/u/a/current=80", 90, 10},
         {"too long a name", "0::/" + std::string(3000, 'a') + "\n", unified, "", kNone, kNone}};
@@ -120,6 +124,18 @@ TEST(MemoryFacts, TakeTheGroupsOwnStallsWhereItTellsThem) {
     system.files.erase("/sys/fs/cgroup/a/memory.pressure");
     EXPECT_STREQ(MemoryFactsReader().pressurePath(), "/proc/pressure/memory");
     EXPECT_EQ(MemoryFactsReader().read().allStalled, 8.0);
+}
+
+TEST(MemorySystem, LimitsTheAddressSpaceOfThisProcess) {
+    EXPECT_TRUE(testing::holdsInChild([] {
+        MemorySystem& system = MemorySystem::current();
+        const auto isSet = [&system](std::uint64_t bytes) {
+            return system.setAddressSpaceLimit(bytes) &&
+                   system.addressSpaceLimits().current == bytes;
+        };
+        return isSet(std::uint64_t{1} << 30) && !isSet(MemorySystem::kNoLimit - 1) &&
+               isSet(MemorySystem::kNoLimit);
+    }));
 }
 
 TEST(MemoryFacts, AreToBeHadOfThisMachine) {

@@ -84,7 +84,6 @@ public:
     }
 
     void takeEvents(const Events& events) noexcept override {
-        if (events.all < 0) return;
         std::uint64_t ticks = 0;
         [[maybe_unused]] const ssize_t taken = ::read(events.timer, &ticks, sizeof ticks);
         // A stall is over when it was told.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/platform/linux/x86_answers.h"
 #include "veltra/platform/port.h"
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -13,10 +14,6 @@ namespace {
 
 #if defined(__x86_64__) || defined(__i386__)
 
-constexpr bool bit(unsigned word, unsigned index) noexcept {
-    return (word >> index & 1U) != 0;
-}
-
 // The registers that the operating system saves when it switches threads.
 unsigned savedState() noexcept {
     unsigned low = 0;
@@ -26,41 +23,22 @@ unsigned savedState() noexcept {
 }
 
 ProcessorFeatures query() noexcept {
-    constexpr unsigned kYmmState = 0x06;  // SSE and AVX
-    constexpr unsigned kZmmState = 0xE6;  // and masks, upper halves, upper sixteen
-
-    ProcessorFeatures features;
-    features.family = ProcessorFeatures::Family::X86;
+    X86Answers answers;
     unsigned a = 0;
     unsigned b = 0;
     unsigned c = 0;
     unsigned d = 0;
-    if (__get_cpuid(1, &a, &b, &c, &d) == 0) return features;
-    features.sse = bit(d, 25);
-    features.sse2 = bit(d, 26);
-    features.sse3 = bit(c, 0);
-    features.pclmulqdq = bit(c, 1);
-    features.ssse3 = bit(c, 9);
-    features.sse41 = bit(c, 19);
-    features.sse42 = bit(c, 20);
-
-    const unsigned saved = bit(c, 27) ? savedState() : 0;
-    const bool ymm = (saved & kYmmState) == kYmmState && bit(c, 28);
-    const bool zmm = (saved & kZmmState) == kZmmState && ymm;
-    features.avx = ymm;
-    if (__get_cpuid_count(7, 0, &a, &b, &c, &d) == 0) return features;
-    features.gfni = bit(c, 8);
-    features.bmi = ymm && bit(b, 3);
-    features.avx2 = ymm && bit(b, 5);
-    features.bmi2 = ymm && bit(b, 8);
-    features.vpclmulqdq = ymm && bit(c, 10);
-    features.avx512f = zmm && bit(b, 16);
-    features.avx512dq = features.avx512f && bit(b, 17);
-    features.avx512bw = features.avx512f && bit(b, 30);
-    features.avx512vl = features.avx512f && bit(b, 31);
-    features.avx512vbmi = features.avx512f && bit(c, 1);
-    features.avx512vbmi2 = features.avx512f && bit(c, 6);
-    return features;
+    if (__get_cpuid(1, &a, &b, &c, &d) != 0) {
+        answers.basicC = c;
+        answers.basicD = d;
+        constexpr unsigned kSystemSavesState = 1U << 27;
+        if ((c & kSystemSavesState) != 0) answers.saved = savedState();
+    }
+    if (__get_cpuid_count(7, 0, &a, &b, &c, &d) != 0) {
+        answers.extendedB = b;
+        answers.extendedC = c;
+    }
+    return featuresOf(answers);
 }
 
 #elif defined(__powerpc__)

@@ -53,6 +53,7 @@ set(PORT_TESTS
     local_time_test.cpp
     machine_lines_test.cpp
     memory_facts_test.cpp
+    no_descriptors_test.cpp
     optical_drives_test.cpp
     os_release_test.cpp
     poll_run_loop_test.cpp
@@ -62,7 +63,9 @@ set(PORT_TESTS
     symbol_names_test.cpp
     symboliser_test.cpp
     system_queries_test.cpp
-    volumes_test.cpp)
+    unwind_table_test.cpp
+    volumes_test.cpp
+    x86_answers_test.cpp)
 if(VELTRA_BACKTRACE)
     list(APPEND PORT_SOURCES backtrace_tables.cpp)
 else()

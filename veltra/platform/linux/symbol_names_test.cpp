@@ -66,14 +66,20 @@ TEST(SymbolNames, AreReadByAThreadThatIsToBeCancelled) {
 }
 
 TEST(SymbolNames, KnowModulesThatAreLoadedLater) {
-    symbolNameOf(addressOf(here));
-    void* const module = ::dlopen(VELTRA_NAMED_MODULE, RTLD_NOW);
-    ASSERT_NE(module, nullptr) << ::dlerror();
-    auto* const address = reinterpret_cast<std::uintptr_t (*)()>(::dlsym(module, "hiddenAddress"));
-    const SymbolName name = symbolNameOf(address());
-    EXPECT_TRUE(isNamed(name, "(anonymous namespace)::hidden()", "named_module.cpp"));
-    EXPECT_TRUE(view(name.object).ends_with("named_module.so")) << name.object.data();
-    ::dlclose(module);
+    SymbolName name = symbolNameOf(addressOf(here));
+    for (int time = 0; time < 10; ++time) {  // the tables are read eight times at most
+        void* const module = ::dlopen(VELTRA_NAMED_MODULE, RTLD_NOW);
+        ASSERT_NE(module, nullptr) << ::dlerror();
+        auto* const address =
+            reinterpret_cast<std::uintptr_t (*)()>(::dlsym(module, "hiddenAddress"));
+        name = symbolNameOf(address());
+        EXPECT_TRUE(time > 0 ||
+                    isNamed(name, "(anonymous namespace)::hidden()", "named_module.cpp"));
+        EXPECT_TRUE(view(name.object).ends_with("named_module.so")) << name.object.data();
+        EXPECT_GT(symbolNameOf(addressOf(here)).line, 5);
+        ::dlclose(module);
+    }
+    EXPECT_EQ(name.line, 0);
 }
 #endif
 

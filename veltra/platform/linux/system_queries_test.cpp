@@ -49,7 +49,7 @@ TEST(SystemQueries, TakeTheFrequencyFromTheBestSourceThereIs) {
         {{{kBase, "0\n"}, {kHighest, "fast\n"}, {"/proc/cpuinfo", list}}, 7, 7},
         {{{"/proc/cpuinfo", list}}, 0, 2599998000},
         {{{"/proc/cpuinfo", "clock\t\t: 1999.999999MHz\n"}}, 0, 1999999999},
-        {{{"/proc/cpuinfo", "cpu MHz : nan\ncpu MHz : -1\ncpu MHz : 1e99\nclock : 5\n"}},
+        {{{"/proc/cpuinfo", "none\ncpu MHz : nan\ncpu MHz : -1\ncpu MHz : 1e99\nclock : 5\n"}},
          0,
          5000000},
         {Files(), 0, {}},
@@ -130,6 +130,13 @@ TEST(SystemQueries, AgreeWithThisMachine) {
     EXPECT_EQ(queries.text(SystemKey::KernelRelease), names.release);
     EXPECT_GT(*queries.number(SystemKey::ProcessorFrequency), 100'000'000U);
     EXPECT_EQ(queries.number(SystemKey::HasFloatingPoint), 1U);
+    const ProcessorIdentity& identity = ProcessorIdentity::current();
+    EXPECT_EQ(queries.number(SystemKey::ProcessorType), processorType(identity));
+    EXPECT_EQ(queries.number(SystemKey::ProcessorSubtype), processorSubtype(identity));
+    EXPECT_EQ(queries.number(SystemKey::ProcessorFamily), processorFamily(identity));
+    EXPECT_EQ(queries.number(SystemKey::NativeProcessorType), nativeProcessorType(identity));
+    EXPECT_EQ(queries.number(SystemKey::PowerPcFeatures).has_value(),
+              identity.kind == Kind::PowerPc);
 }
 
 TEST(SystemQueries, CountTheProcessorsOfTheMainThreadForEveryThread) {

@@ -162,7 +162,7 @@ CommonPart readCommonPart(Reader reader) noexcept {
         }
     }
     part.program = reader;
-    part.isUsable = isRelative && reader.isSound() && details.isSound();
+    part.isUsable = isRelative && details.isSound();
     return part;
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "veltra/platform/linux/system_files.h"
 #include "veltra/platform/linux/xkb_keymap.h"
 #include "veltra/platform/process.h"
 
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,8 +37,8 @@ void readLine(std::string_view line, Names& names) {
 
 Names configuredNames() {
     Names names;
-    std::ifstream file(kConfiguration);
-    for (std::string line; std::getline(file, line);)
+    SystemFileLines lines(kConfiguration);
+    for (std::string_view line; lines.next(line);)
         readLine(line, names);
     return names;
 }

@@ -33,17 +33,18 @@ constexpr std::uint16_t kNewKeyboard = 1, kMap = 2, kState = 4, kGroup = 16;
 
 class X11Library {
 public:
-    X11Library() noexcept : m_handle(::dlopen("libxkbcommon-x11.so.0", RTLD_NOW | RTLD_LOCAL)) {
+    X11Library() noexcept {
         // The library brings libxcb along, whose names are found through it, too.
-        m_isComplete = m_handle != nullptr && load("xcb_connect", connect) &&
-                       load("xcb_connection_has_error", hasError) &&
-                       load("xcb_disconnect", disconnect) && load("xcb_flush", flush) &&
-                       load("xcb_poll_for_event", pollForEvent) &&
-                       load("xcb_xkb_select_events", selectEvents) &&
-                       load("xkb_x11_setup_xkb_extension", setUp) &&
-                       load("xkb_x11_get_core_keyboard_device_id", coreKeyboard) &&
-                       load("xkb_x11_keymap_new_from_device", newKeymap) &&
-                       load("xkb_x11_state_new_from_device", newState);
+        load("xcb_connect", connect);
+        load("xcb_connection_has_error", hasError);
+        load("xcb_disconnect", disconnect);
+        load("xcb_flush", flush);
+        load("xcb_poll_for_event", pollForEvent);
+        load("xcb_xkb_select_events", selectEvents);
+        load("xkb_x11_setup_xkb_extension", setUp);
+        load("xkb_x11_get_core_keyboard_device_id", coreKeyboard);
+        load("xkb_x11_keymap_new_from_device", newKeymap);
+        load("xkb_x11_state_new_from_device", newState);
     }
 
     bool isComplete() const noexcept { return m_isComplete; }
@@ -61,13 +62,13 @@ public:
 
 private:
     template <typename Function>
-    bool load(const char* name, Function*& function) noexcept {
+    void load(const char* name, Function*& function) noexcept {
         function = reinterpret_cast<Function*>(::dlsym(m_handle, name));
-        return function != nullptr;
+        m_isComplete &= function != nullptr;
     }
 
-    void* m_handle;
-    bool m_isComplete;
+    void* const m_handle = ::dlopen("libxkbcommon-x11.so.0", RTLD_NOW | RTLD_LOCAL);
+    bool m_isComplete = m_handle != nullptr;
 };
 
 class Session {

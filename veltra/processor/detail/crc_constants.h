@@ -25,7 +25,7 @@ struct alignas(16) Multipliers {
 // Mirrored, the product of two words a and c stands for a * c * x^33 when c is in the lower half of
 // its word, which the exponent makes up for.
 template <class Crc>
-static constexpr Multipliers moveBy(int bytes) {
+static consteval Multipliers moveBy(int bytes) {
     constexpr int kShift = kMirrored<Crc> ? 33 : 0;
     const std::uint32_t first = powerOfX<Crc>(8 * bytes + 64 - kShift);
     const std::uint32_t second = powerOfX<Crc>(8 * bytes - kShift);
@@ -47,7 +47,7 @@ struct EndTable {
 };
 
 template <class Crc>
-static constexpr EndTable makeEndTable() {
+static consteval EndTable makeEndTable() {
     constexpr int kShift = kMirrored<Crc> ? 1 : 0;
     EndTable table{};
     for (int odd = 0; odd < 8; ++odd) {
@@ -71,7 +71,7 @@ struct Division {
 };
 
 template <class Crc>
-static constexpr Division makeDivision() {
+static consteval Division makeDivision() {
     const std::uint32_t scaled = Crc::kPolynomial << (32 - Crc::kDegree);
     Division division{};
     if constexpr (kMirrored<Crc>) {

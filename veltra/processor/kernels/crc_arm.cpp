@@ -18,7 +18,7 @@ struct MovingTable {
     std::uint32_t row[4][256];
 };
 
-constexpr MovingTable makeMovingTable() {
+consteval MovingTable makeMovingTable() {
     MovingTable table{};
     std::uint32_t power = detail::powerOfX<detail::Crc32>(8 * static_cast<int>(kRun));
     for (unsigned bit = 32; bit-- > 0; power = detail::timesX<detail::Crc32>(power))

@@ -31,7 +31,7 @@ struct SlicingTable {
 };
 
 template <class Crc>
-constexpr SlicingTable<Crc> makeTable() {
+consteval SlicingTable<Crc> makeTable() {
     using Register = typename Crc::Register;
     SlicingTable<Crc> table{};
     auto& row = table.row;

@@ -9,7 +9,7 @@ namespace {
 using Places = Avx2Memory::Places;
 
 template <class Sample, int channels, int channel>
-constexpr Places spreadPlaces() {
+consteval Places spreadPlaces() {
     constexpr int kSize = static_cast<int>(Sample::kSize);
     Places places;
     for (int byte = 0; byte < 32; ++byte) {
@@ -22,7 +22,7 @@ constexpr Places spreadPlaces() {
 }
 
 template <class Sample>
-constexpr Places packPlaces() {
+consteval Places packPlaces() {
     constexpr int kSize = static_cast<int>(Sample::kSize);
     Places places;
     for (int byte = 0; byte < 32; ++byte) {

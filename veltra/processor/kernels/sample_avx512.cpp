@@ -15,7 +15,7 @@ struct alignas(64) Places {
 
 // The samples begin `start` bytes into the register.
 template <class Sample, int channels, int channel, int start>
-constexpr Places spreadPlaces() {
+consteval Places spreadPlaces() {
     Places places;
     for (int byte = 0; byte < 64; ++byte) {
         const int memory = Sample::memoryByte(byte % 4);
@@ -36,7 +36,7 @@ struct alignas(64) PackPlaces {
 };
 
 template <class Sample, int channels, int start>
-constexpr PackPlaces packPlaces() {
+consteval PackPlaces packPlaces() {
     constexpr int kSize = static_cast<int>(Sample::kSize);
     PackPlaces places;
     for (int byte = 0; byte < 64; ++byte) {

@@ -34,7 +34,7 @@ concept SampleWords16 = Memory16<Words> &&
 
 // The samples begin `start` bytes into the register.
 template <class Sample, int channels, int channel, int start>
-constexpr Places16 spreadPlaces16() {
+consteval Places16 spreadPlaces16() {
     Places16 places;
     for (int byte = 0; byte < 16; ++byte) {
         const int memory = Sample::memoryByte(byte % 4);
@@ -47,7 +47,7 @@ constexpr Places16 spreadPlaces16() {
 
 // The bytes of samples side by side, those from the word `split` on at the end of the register.
 template <class Sample, int split>
-constexpr Places16 packPlaces16() {
+consteval Places16 packPlaces16() {
     constexpr int kSize = static_cast<int>(Sample::kSize);
     Places16 places;
     for (unsigned char& from : places.from)

@@ -8,7 +8,7 @@ namespace veltra::kernels {
 namespace {
 
 template <int size>
-constexpr Avx2Memory::Places reversingPlaces() {
+consteval Avx2Memory::Places reversingPlaces() {
     Avx2Memory::Places places;
     for (int byte = 0; byte < 32; ++byte) {
         const int inHalf = byte % 16;

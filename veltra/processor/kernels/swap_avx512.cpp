@@ -11,7 +11,7 @@ struct alignas(64) Places {
 };
 
 template <int size>
-constexpr Places reversingPlaces() {
+consteval Places reversingPlaces() {
     Places places;
     for (int byte = 0; byte < 64; ++byte) {
         const int group = byte / size * size;

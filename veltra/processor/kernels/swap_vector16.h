@@ -8,7 +8,7 @@ namespace veltra::kernels {
 
 // What does not belong to a whole group stays as it is.
 template <int size>
-constexpr Places16 reversingPlaces16() {
+consteval Places16 reversingPlaces16() {
     Places16 places;
     for (int byte = 0; byte < 16; ++byte) {
         const int group = byte / size * size;

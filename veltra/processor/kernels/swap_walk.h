@@ -56,7 +56,7 @@ static void swapGroups(unsigned char* destination, const unsigned char* source,
 }
 
 template <SwapVector Vector, SwapVector SampleVector = Vector>
-constexpr SwapKernels makeSwapKernels() {
+consteval SwapKernels makeSwapKernels() {
     return {swapGroups<Vector, 2>, swapGroups<Vector, 4>, swapGroups<Vector, 8>,
             swapGroups<SampleVector, 3>, swapGroups<Vector, 1>};
 }

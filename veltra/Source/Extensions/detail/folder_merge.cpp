@@ -30,7 +30,7 @@ SplitPath split(std::string_view path) {
         path.remove_suffix(1);
     const std::size_t slash = path.rfind('/');
     const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
-    if (name.empty() || name == "." || name == "..") return {std::string(path), "."};
+    if (name.empty() || name == "..") return {std::string(path), "."};
     if (slash == std::string_view::npos) return {".", std::string(name)};
     return {std::string(path.substr(0, std::max<std::size_t>(slash, 1))), std::string(name)};
 }

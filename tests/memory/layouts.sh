@@ -144,5 +144,81 @@ for kind in "-fPIE -pie" "-fno-pie -no-pie"; do
     ./origin 2>err | grep -q 'libveltra' || fail "$kind: malloc before the other allocator is not the library's"
     grep -q "framework's zone: operator new (from .*libother.so)" err || fail "$kind: half told: $(cat err)"
 done
+
+# A dynamic linker that allocates while it looks names up, and knows of no calloc but the library's.
+cat >looking.cpp <<'C'
+#include "veltra/platform/allocation_zone.h"
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <malloc.h>
+extern "C" {
+void* __libc_malloc(std::size_t);
+void* __libc_calloc(std::size_t, std::size_t);
+void* __libc_memalign(std::size_t, std::size_t);
+void* __libc_realloc(void*, std::size_t);
+void __libc_free(void*);
+}
+static char *text, *zeros, *aligned, *grown;
+static int wrong = -1;
+static volatile std::size_t most = SIZE_MAX;
+static std::size_t sizeOf(void* block) { return veltra::AllocationZone::process().size.load()(block); }
+static void check(bool isRight, int number) { if (!isRight && wrong == 0) wrong = number; }
+static char* filled(const char* with) {
+    auto* block = static_cast<char*>(std::malloc(std::strlen(with) + 1));
+    return block != nullptr ? std::strcpy(block, with) : block;
+}
+static void allocate() {
+    wrong = 0;
+    text = filled("text");
+    zeros = static_cast<char*>(std::calloc(3, 100));
+    aligned = static_cast<char*>(memalign(1024, 1));
+    grown = static_cast<char*>(std::realloc(filled("grown"), 1000));
+    std::free(filled("free"));
+    std::free(&wrong);  // nobody's: left alone
+    check(text != nullptr && aligned != nullptr && reinterpret_cast<std::uintptr_t>(aligned) % 1024 == 0, 1);
+    check(zeros != nullptr && zeros[0] == 0 && zeros[299] == 0, 2);
+    check(grown != nullptr && std::strcmp(grown, "grown") == 0 && sizeOf(grown) == 1000, 3);
+    check(std::realloc(nullptr, 10) != nullptr && sizeOf(nullptr) == 0 && sizeOf(&wrong) == 0, 4);
+    errno = 0;
+    check(std::calloc(most / 2 + 2, 2) == nullptr && errno == ENOMEM, 5);
+    check(std::malloc(9000) == nullptr && memalign(16384, 1) == nullptr, 6);
+    int large = 0, small = 0;
+    while (std::malloc(4096) != nullptr)
+        ++large;
+    while (std::malloc(100) != nullptr)
+        ++small;
+    check(large == 1 && small < 10, 7);
+}
+extern "C" void* dlsym(void* __restrict handle, const char* __restrict name) noexcept {
+    if (wrong < 0) allocate();
+    const auto is = [name](const char* other) { return std::strcmp(name, other) == 0; };
+    if (is("malloc")) return reinterpret_cast<void*>(&__libc_malloc);
+    if (is("calloc")) return handle == RTLD_NEXT ? nullptr : reinterpret_cast<void*>(&std::calloc);
+    if (is("__libc_calloc")) return reinterpret_cast<void*>(&__libc_calloc);
+    if (is("memalign")) return reinterpret_cast<void*>(&__libc_memalign);
+    if (is("realloc")) return reinterpret_cast<void*>(&__libc_realloc);
+    if (is("free")) return reinterpret_cast<void*>(&__libc_free);
+    return is("malloc_usable_size") ? reinterpret_cast<void*>(&malloc_usable_size) : nullptr;
+}
+int main() {
+    check(std::strcmp(text, "text") == 0 && sizeOf(text) == 5 && std::strcmp(grown, "grown") == 0, 8);
+    text = static_cast<char*>(std::realloc(text, 100));
+    check(std::strcmp(text, "text") == 0 && sizeOf(text) >= 100, 9);
+    text = static_cast<char*>(std::realloc(text, 100'000));
+    check(std::strcmp(text, "text") == 0 && sizeOf(text) >= 100'000, 10);
+    auto* const more = static_cast<char*>(std::calloc(1000, 100));
+    check(more != nullptr && more[99'999] == 0, 11);
+    for (char* block : {text, zeros, aligned, grown, more})
+        std::free(block);
+    std::printf("wrong: %d\n", wrong);
+}
+C
+"$cxx" -std=c++20 -fno-builtin looking.cpp "${veltra[@]}" -o looking
+told=$(./looking) || fail "a linker that allocates: status $?"
+[ "$told" = "wrong: 0" ] || fail "a linker that allocates: $told"
 [ "$failures" = 0 ] || exit 1
 echo "every layout runs and tells what it sees"
