@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Audio devices through RtAudio: a module of its own, see audio_output.h.
 #include "audio_output.h"
+#include "rtaudio_versions.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cctype>
 #include <memory>
+#include <stdexcept>
 
 #include <alsa/asoundlib.h>
-#include <rtaudio/RtAudio.h>
 #ifdef CONSOLE_HAS_PULSE
 #include <pulse/pulseaudio.h>
 #endif
@@ -23,9 +24,8 @@ constexpr int kGoOn = 0;
 constexpr int kStopAtOnce = 2;  // what is in the device's buffers is not played
 
 // Sound libraries like to tell standard error about every device they do not find. RtAudio silences
-// JACK by itself and has a switch and a handler for its own texts; ALSA has a handler.
+// JACK by itself, and rtaudio_versions.h silences RtAudio; ALSA has a handler.
 void ignoreAlsa(const char*, int, const char*, int, const char*, ...) {}
-void ignoreRtAudio(RtAudioError::Type, const std::string&) {}
 
 // RtAudio crashes when it asks a PulseAudio server that has no sink for its devices: the server is
 // asked for its default one first.
@@ -94,7 +94,7 @@ public:
         return std::any_of(systems.begin(), systems.end(), [&](RtAudio::Api system) {
             try {
                 return openOn(system, wanted, rate);
-            } catch (const RtAudioError&) {
+            } catch (const std::runtime_error&) {
                 return false;
             }
         });
@@ -109,32 +109,30 @@ public:
     bool start(Callback callback, void* context) override try {
         m_callback = callback;
         m_context = context;
-        m_device->startStream();
-        return true;
-    } catch (const RtAudioError&) {
+        return startStream(*m_device);
+    } catch (const std::runtime_error&) {
         return false;
     }
 
     void stop() override try {
         if (m_device->isStreamRunning()) m_device->stopStream();
-    } catch (const RtAudioError&) {
+    } catch (const std::runtime_error&) {
         // The device is gone: nothing runs any more, which was the wish.
     }
 
 private:
     bool openOn(RtAudio::Api system, const Device& wanted, std::int32_t rate) {
-        m_device = std::make_unique<RtAudio>(system);
-        m_device->showWarnings(false);
-        const unsigned count = m_device->getDeviceCount();
-        if (count == 0) return false;
-        unsigned number = m_device->getDefaultOutputDevice();
-        RtAudio::DeviceInfo device = m_device->getDeviceInfo(number);
-        for (unsigned i = 0; wanted.id != "auto" && !isWanted(wanted.id, system, device); ++i) {
-            if (i == count) return false;
-            number = i;
-            device = m_device->getDeviceInfo(number);
+        m_device = connectTo(system);
+        const std::vector<unsigned> ids = deviceIds(*m_device);
+        if (ids.empty()) return false;
+        unsigned id = m_device->getDefaultOutputDevice();
+        RtAudio::DeviceInfo device = m_device->getDeviceInfo(id);
+        for (std::size_t i = 0; wanted.id != "auto" && !isWanted(wanted.id, system, device); ++i) {
+            if (i == ids.size()) return false;
+            id = ids[i];
+            device = m_device->getDeviceInfo(id);
         }
-        if (!device.probed || device.outputChannels == 0) return false;
+        if (!canPlay(device)) return false;
 
         const auto& rates = device.sampleRates;
         unsigned chosen = device.preferredSampleRate;
@@ -143,17 +141,18 @@ private:
             if (std::find(rates.begin(), rates.end(), number32) != rates.end()) chosen = number32;
         }
         m_outputs = std::min(device.outputChannels, kMostOutputs);
-        RtAudio::StreamParameters parameters;
-        parameters.deviceId = number;
-        parameters.nChannels = m_outputs;
-        RtAudio::StreamOptions options;
-        options.flags = RTAUDIO_NONINTERLEAVED | RTAUDIO_SCHEDULE_REALTIME;
-        options.streamName = "veltra-console";
-        unsigned frames = wanted.blockFrames > 0 ? wanted.blockFrames : kUsualBlockFrames;
-        m_device->openStream(&parameters, nullptr, RTAUDIO_FLOAT32, chosen, &frames, &render, this,
-                             &options, &ignoreRtAudio);
+        RtStream stream{};
+        stream.output.deviceId = id;
+        stream.output.nChannels = m_outputs;
+        stream.rate = chosen;
+        stream.frames = wanted.blockFrames > 0 ? wanted.blockFrames : kUsualBlockFrames;
+        stream.render = &render;
+        stream.userData = this;
+        stream.options.flags = RTAUDIO_NONINTERLEAVED | RTAUDIO_SCHEDULE_REALTIME;
+        stream.options.streamName = "veltra-console";
+        if (!openStream(*m_device, stream)) return false;
         m_rate = static_cast<std::int32_t>(m_device->getStreamSampleRate());
-        m_blockFrames = frames;
+        m_blockFrames = stream.frames;
         m_name = device.name + " (" + RtAudio::getApiDisplayName(system) + ")";
         return true;
     }
@@ -184,12 +183,10 @@ private:
 };
 
 void listDevicesOf(RtAudio::Api system, std::vector<DeviceInfo>& devices) {
-    RtAudio asked(system);
-    asked.showWarnings(false);
-    const unsigned count = asked.getDeviceCount();
-    for (unsigned number = 0; number < count; ++number) {
-        const RtAudio::DeviceInfo device = asked.getDeviceInfo(number);
-        if (!device.probed || device.outputChannels == 0) continue;
+    const auto asked = connectTo(system);
+    for (const unsigned id : deviceIds(*asked)) {
+        const RtAudio::DeviceInfo device = asked->getDeviceInfo(id);
+        if (!canPlay(device)) continue;
         DeviceInfo& info = devices.emplace_back();
         info.id = idOf(system, device);
         info.name = device.name + " (" + RtAudio::getApiDisplayName(system) + ")";
@@ -211,7 +208,7 @@ extern "C" __attribute__((visibility("default"))) void veltraConsoleListDevices(
     for (const RtAudio::Api system : soundSystems()) {
         try {
             listDevicesOf(system, devices);
-        } catch (const RtAudioError&) {
+        } catch (const std::runtime_error&) {
             // This system does not run: it has no devices.
         }
     }
