@@ -58,6 +58,18 @@ target_compile_options(veltra_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wcast-align -Wundef -Wvla
     $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast>
     $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Files of more than 2 GiB, times after January 2038. And unwinding tables also for what throws
+    # nothing, which compilers for some processors of that width leave out: stack walks end there.
+    target_compile_definitions(veltra_flags INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+    target_compile_options(veltra_flags INTERFACE -funwind-tables)
+    # On 32-bit ARM linkers make one function of neighbours that are unwound alike.
+    include(CheckLinkerFlag)
+    check_linker_flag(CXX LINKER:--no-merge-exidx-entries VELTRA_HAS_EXIDX)
+    if(VELTRA_HAS_EXIDX)
+        target_link_options(veltra_flags INTERFACE LINKER:--no-merge-exidx-entries)
+    endif()
+endif()
 if(VELTRA_WERROR)
     target_compile_options(veltra_flags INTERFACE -Werror)
 endif()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# 32-bit little-endian; x86-64 runs it, through the sysroot's own loader.
+# 32-bit little-endian; x86-64 runs it, with the sysroot's own loader.
 set(host i386)
 set(processor i386)
 set(triplet i386-linux-gnu)
@@ -8,5 +8,6 @@ set(CMAKE_C_COMPILER gcc)
 set(CMAKE_CXX_COMPILER g++)
 set(CMAKE_C_FLAGS_INIT -m32)
 set(CMAKE_CXX_FLAGS_INIT -m32)
-set(CMAKE_CROSSCOMPILING_EMULATOR
-    "${sysroot}/lib/${triplet}/ld-linux.so.2" --library-path "${libraries}")
+unset(CMAKE_CROSSCOMPILING_EMULATOR)
+string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -Wl,--dynamic-linker,${sysroot}/lib/${triplet}/ld-linux.so.2"
+    " -Wl,-rpath,${libraries} -Wl,--disable-new-dtags")  # also for libraries that libraries need

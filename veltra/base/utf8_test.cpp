@@ -11,7 +11,7 @@ namespace {
 TEST(Utf8, DecodesExactlyWhatItEncodes) {
     for (char32_t code = 0; code <= 0x10FFFF; ++code) {
         char bytes[4];
-        char16_t units[2];
+        char16_t units[2]{};
         putUtf8(bytes, code);
         putUtf16(units, code);
         const bool isSurrogate = isHighSurrogate(code) || isLowSurrogate(code);

@@ -27,13 +27,18 @@ struct Blunt final : Symboliser {  // fails while it reports
     throw std::runtime_error("half");
 }
 
+#ifdef __arm__
+constexpr const char* kThrower = "";  // the walk ends in the runtime, at std::terminate()
+#else
+constexpr const char* kThrower = "throwsForTheReport";
+#endif
+
 TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
     const std::tuple<void (*)(), const char*, const char*> cases[] = {
         {[] { raiseException("Name", "reason"); }, "Not caught: Name: reason\n", ""},
         {throwsForTheReport, "Not caught: std::runtime_error: half\n", ""},
-        {[] { std::thread(throwsForTheReport).join(); }, "std::runtime_error: half\n",
-         "throwsForTheReport"},  // clang unwinds up to a noexcept first, but not to a thread's
-                                 // start
+        // clang unwinds up to a noexcept first, but not to a thread's start
+        {[] { std::thread(throwsForTheReport).join(); }, "std::runtime_error: half\n", kThrower},
         {[] { throw 7; }, "Not caught: int\n", ""},
         {[] { std::terminate(); }, "Terminated without an exception of C++.\n", ""},
         {[] { veltraCallFromCWithoutTables([](void*) { throwsForTheReport(); }, nullptr); },

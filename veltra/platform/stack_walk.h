@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Who called: the frames of the calling thread's stack, from the innermost outwards. Needs no frame
-// pointers, follows the unwinding tables that every compiler writes, and ends at code without them.
+// pointers, follows the unwinding tables that compilers write, and ends at code without them.
 #pragma once
 
 #include <cstddef>

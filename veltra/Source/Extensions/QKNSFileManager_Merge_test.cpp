@@ -21,12 +21,15 @@ using testing::TemporaryFolder;
 using testing::textOf;
 using Reason = MergeProblem::Reason;
 
-void setTime(const fs::path& item, long seconds) {
+void setTime(const fs::path& item, time_t seconds) {
     const timespec times[2] = {{seconds, 5}, {seconds, 123456789}};
     ::utimensat(AT_FDCWD, item.c_str(), times, AT_SYMLINK_NOFOLLOW);
 }
 
-void put(const fs::path& file, std::string_view text, ::mode_t mode = 0644, long seconds = 1000) {
+constexpr time_t kFarAway = 5'000'000'000;  // beyond 32 bits
+
+void put(const fs::path& file, std::string_view text, ::mode_t mode = 0644,
+         time_t seconds = kFarAway) {
     testing::putText(file, text);
     ::chmod(file.c_str(), mode);
     setTime(file, seconds);

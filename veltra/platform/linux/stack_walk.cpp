@@ -10,6 +10,17 @@ namespace veltra {
 
 namespace {
 
+// The canonical frame address of the frame before.
+std::uintptr_t stackPointerIn(_Unwind_Context* unwinder) noexcept {
+#ifdef __ARM_EABI_UNWINDER__
+    // 32-bit ARM has tables of its own, whose runtime answers any number there.
+    constexpr int kStackPointer = 13;
+    return _Unwind_GetGR(unwinder, kStackPointer);
+#else
+    return _Unwind_GetCFA(unwinder);
+#endif
+}
+
 // The unwinder shows a frame while its stack pointer is known, which is the canonical frame address
 // of the frame before: every frame is visited one step late.
 struct Walk {
@@ -24,7 +35,7 @@ struct Walk {
 
 _Unwind_Reason_Code step(_Unwind_Context* unwinder, void* argument) noexcept {
     Walk& walk = *static_cast<Walk*>(argument);
-    walk.frame.identity.cfa = _Unwind_GetCFA(unwinder);
+    walk.frame.identity.cfa = stackPointerIn(unwinder);
     if (walk.isWaiting && walk.leftOut > 0) {
         --walk.leftOut;
     } else if (walk.isWaiting && walk.frame.identity.cfa >= walk.wanted) {
