@@ -11,44 +11,6 @@ namespace {
 
 using namespace testing;
 
-TEST(Engine, OfflineTheMixIsTheSumOfItsFilesAndEachIsMeasuredWhole) {
-    SKIP_WITHOUT_RECORDINGS();
-    const std::string stereo = recording("loop_tabla", "-b 24", "stereo.aiff");
-    const std::string mono = recording("guit_em9", "-b 16", "mono.wav", "remix 1");
-    Planar expected = readAll(stereo);
-    const Planar single = readAll(mono);
-    const std::size_t frames = std::max(expected[0].size(), single[0].size());
-    for (auto& channel : expected) {
-        channel.resize(frames);
-        for (std::size_t i = 0; i < single[0].size(); ++i)
-            channel[i] += single[0][i];
-    }
-
-    Engine engine(Engine::Feeding::ByCaller, 44100);
-    engine.add(mustOpen(stereo));
-    engine.add(mustOpen(mono));
-    std::vector<StripResult> results;
-    Planar mix(2, std::vector<float>(frames + 5000));
-    for (std::size_t at = 0; engine.stripCount() > 0; at += 1000) {
-        const std::array<float*, 2> outputs{&mix[0].at(at), &mix[1].at(at)};
-        engine.feed(1000);
-        engine.processBlock(outputs.data(), 2, 1000);
-        for (StripResult& result : engine.collect())
-            results.push_back(std::move(result));
-    }
-    for (auto& channel : mix)
-        channel.resize(frames);
-    EXPECT_EQ(mix, expected);
-    ASSERT_EQ(results.size(), 2U);
-    for (const StripResult& result : results) {
-        EXPECT_TRUE(result.complete);
-        EXPECT_EQ(result.underruns, 0U);
-        EXPECT_EQ(result.framesRead, result.format.frames);
-        EXPECT_EQ(result.measurement.samples,
-                  result.framesRead * static_cast<std::uint64_t>(result.format.channels));
-    }
-}
-
 StripSetup setupAt(double rate, std::size_t ring, std::size_t reserve = 0) {
     StripSetup setup;
     setup.outputRate = rate;
@@ -260,16 +222,15 @@ TEST(Transport, LoopsToTheFrameLocatesWithAFadeAndStopsAtTheEndOfTheLongest) {
     take.engine.locate(20'000);  // beyond the loop: no more jumps
     EXPECT_EQ(take.engine.position(), 20'000);
     take.play(7'000);
-    for (std::size_t i = 0; i < kRamp; ++i)
-        ASSERT_NEAR(take.left[i], countAt(before + i) * (1.0F - static_cast<float>(i + 1) / kRamp),
-                    1e-5F);
     const auto sounds = [](float sample) { return sample != 0.0F; };
     const auto there = static_cast<std::size_t>(
         std::find_if(take.left.begin() + kRamp, take.left.end(), sounds) - take.left.begin());
     EXPECT_LT(there, 3000U);
-    for (std::size_t i = 0; i < kRamp; ++i)
-        ASSERT_NEAR(take.left[there + i], countAt(20'000 + i) * static_cast<float>(i + 1) / kRamp,
-                    1e-5F);
+    for (std::size_t i = 0; i < kRamp; ++i) {
+        const float rising = static_cast<float>(i + 1) / kRamp;
+        ASSERT_NEAR(take.left[i], countAt(before + i) * (1.0F - rising), 1e-5F);
+        ASSERT_NEAR(take.left[there + i], countAt(20'000 + i) * rising, 1e-5F);
+    }
     take.expectFrom(there + kRamp, 20'000 + kRamp, 7'000 - there - kRamp);
 
     take.engine.setPlaying(false);
@@ -319,9 +280,11 @@ TEST(Engine, SoloLeavesTheOthersOutAndMuteWins) {
     const struct {
         std::array<bool, 3> soloed, muted;
         float expected;
-    } rows[] = {{{}, {}, 0.875F},           {{}, {true}, 0.375F},
-                {{false, true}, {}, 0.25F}, {{false, true, true}, {false, true}, 0.125F},
-                {{true}, {true}, 0.0F},     {{}, {}, 0.875F}};
+    } rows[] = {{{}, {true}, 0.375F},
+                {{false, true}, {}, 0.25F},
+                {{false, true, true}, {false, true}, 0.125F},
+                {{true}, {true}, 0.0F},
+                {{}, {}, 0.875F}};
     for (const auto& row : rows) {
         for (StripId id = 1; id <= 3; ++id) {
             take.engine.setSoloed(id, row.soloed.at(id - 1));
@@ -348,27 +311,18 @@ TEST(Engine, SoloLeavesTheOthersOutAndMuteWins) {
     EXPECT_EQ(take.left.back(), take.right.back());
 }
 
-// The output runs all the while; some strips come to their end, the others are taken out before.
 TEST(Engine, PeaksAreTrueOnesWhenAsked) {
     // No sample above 0.7071, and between them 1.
-    const std::string path = synthetic("between.wav", 44100, "1 sine 11025 0 12.5");
-    Engine engine(Engine::Feeding::ByCallerResampled, 44100);
-    engine.add(mustOpen(path));
-    std::vector<float> samples(1024);
-    float* const outputs[] = {samples.data(), samples.data() + 512};
+    Take take{synthetic("between.wav", 44100, "1 sine 11025 0 12.5")};
     for (const bool areTrue : {false, true, false}) {
-        engine.setMeasuresTruePeaks(areTrue);
-        for (int blocks = 0; blocks < 10; ++blocks) {
-            if (blocks == 5) {  // from here on, without what the change brings
-                engine.meters();
-                engine.takeOutputLevels();
-            }
-            engine.feed(512);
-            engine.processBlock(outputs, 2, 512);
-        }
+        take.engine.setMeasuresTruePeaks(areTrue);
+        take.play(2560);
+        take.engine.meters();  // from here on, without what the change brings
+        take.engine.takeOutputLevels();
+        take.play(2560);
         const float expected = areTrue ? 1.0F : 0.7071F;
-        EXPECT_NEAR(engine.meters()[0].peak, expected, 0.02F);
-        EXPECT_NEAR(engine.takeOutputLevels().peaks[1], expected, 0.02F);
+        EXPECT_NEAR(take.engine.meters()[0].peak, expected, 0.02F);
+        EXPECT_NEAR(take.engine.takeOutputLevels().peaks[1], expected, 0.02F);
     }
 }
 
@@ -393,13 +347,12 @@ TEST(ReaderPool, GoesOnWithTheOthersWhileFilesHang) {
     const std::string path = synthetic("three.wav", 44100, "3 sine 300");
     const auto hangs = std::make_shared<std::atomic<bool>>(true);
     Engine engine(Engine::Feeding::ByThread, 44100, Engine::AtEnd::Stays);
-    std::vector<StripId> hanging;
-    std::vector<StripId> good;
+    FileFormat format;
+    format.rate = 44100;
+    format.channels = 1;
+    format.lengthUnknown = true;
+    std::vector<StripId> hanging, good;
     for (int i = 0; i < 3; ++i) {
-        FileFormat format;
-        format.rate = 44100;
-        format.channels = 1;
-        format.lengthUnknown = true;
         hanging.push_back(engine.add(
             std::make_unique<AudioFile>("hangs", format, std::make_unique<HangingReader>(hangs))));
         good.push_back(engine.add(mustOpen(path)));
@@ -417,10 +370,9 @@ TEST(ReaderPool, GoesOnWithTheOthersWhileFilesHang) {
         const auto meters = engine.meters();
         if (std::all_of(meters.begin(), meters.end(), hasEnded)) break;
     }
-    for (const StripId id : good)
-        engine.remove(id);
-    for (const StripId id : hanging)
-        engine.remove(id);
+    for (const auto* const ids : {&good, &hanging})
+        for (const StripId id : *ids)
+            engine.remove(id);
     std::vector<StripId> gone;
     const auto collect = [&](std::size_t count) {
         for (int i = 0; i < 5000 && gone.size() < count; ++i) {
@@ -439,6 +391,7 @@ TEST(ReaderPool, GoesOnWithTheOthersWhileFilesHang) {
     EXPECT_EQ(gone.size(), 6U);
 }
 
+// The output runs all the while; some strips come to their end, the others are taken out before.
 TEST(Engine, StripsComeAndGoWhileTheOutputRuns) {
     SKIP_WITHOUT_RECORDINGS();
     const std::string path = recording("loop_tabla", "-b 16", "short.wav", "trim 2 0.1");

@@ -7,11 +7,7 @@
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
 
-#include <cmath>
-#include <functional>
-#include <map>
 #include <numbers>
-#include <thread>
 
 namespace veltra::console {
 namespace {

@@ -3,10 +3,8 @@
 
 #include "player.h"
 #include "test_recordings.h"
+#include "testing/fake_output.h"
 #include "veltra/base/testing/prelude.h"
-
-#include <chrono>
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -58,50 +56,6 @@ TEST(PaceWatch, ForgivesHonestWorkAndTellsTheRestWithinTwoSeconds) {
         EXPECT_EQ(watch.look(Moment(seconds(time)), 0), Pace::Steady);
 }
 
-// A device that does what its world says.
-struct World {
-    std::atomic<int> speed{1};  // 0: stands still, -1: ends by itself
-    std::atomic<bool> isThere{true};
-    std::atomic<bool> hangs{false};  // in stop()
-    std::atomic<int> rate{48000};
-};
-
-class FakeOutput final : public AudioOutput {
-public:
-    explicit FakeOutput(std::shared_ptr<World> world) : m_world(std::move(world)) {}
-    ~FakeOutput() override { stop(); }
-    std::string name() const override { return "fake"; }
-    std::int32_t rate() const override { return m_world->rate; }
-    std::uint32_t blockFrames() const override { return 480; }
-    std::uint64_t underruns() const override { return 3; }
-    bool isRunning() const override { return m_isRunning; }
-    bool start(Callback callback, void* context) override {
-        m_isRunning = true;
-        m_thread = std::thread([this, callback, context] {
-            std::vector<float> samples(960);
-            const std::array<float*, 2> outputs{samples.data(), samples.data() + 480};
-            while (m_isRunning && m_world->speed >= 0) {
-                for (int i = 0; i < m_world->speed; ++i)
-                    callback(context, outputs.data(), 2, 480);
-                std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            }
-            m_isRunning = false;
-        });
-        return true;
-    }
-    void stop() override {
-        while (m_world->hangs)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        m_isRunning = false;
-        if (m_thread.joinable()) m_thread.join();
-    }
-
-private:
-    const std::shared_ptr<World> m_world;
-    std::atomic<bool> m_isRunning{false};
-    std::thread m_thread;
-};
-
 // As a front end does it, until there are news; how long that took.
 Seconds newsOf(LiveOutput& output, LiveOutput::News& news) {
     const auto begin = std::chrono::steady_clock::now();
@@ -123,7 +77,8 @@ TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
         const auto world = std::make_shared<World>();
         const auto open = [world](const Device&, std::int32_t, std::string& problem) {
             if (!world->isThere) problem = "no";
-            return world->isThere ? std::make_unique<FakeOutput>(world) : nullptr;
+            return world->isThere ? std::make_unique<FakeOutput>(world, "fake", world->rate, 480)
+                                  : nullptr;
         };
         std::string notice;
         LiveOutput output(Device::Auto, 44100, notice, open);
@@ -182,38 +137,37 @@ TEST(Player, PlaysStopsAtTheEndTakesBackARemovalAndChangesItsRate) {
     EXPECT_THAT(player.add(brief), IsEmpty());
     EXPECT_THAT(player.add(longer), IsEmpty());
     EXPECT_THAT(player.add("/nowhere.wav"), HasSubstr("no such file"));
+    const ConsoleState& state = player.look();
     const auto waitFor = [&player](auto condition) {
         for (int i = 0; i < 400; ++i) {
             player.tick();
-            if (condition(player.look())) return true;
+            player.look();
+            if (condition()) return true;
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         return false;
     };
-    EXPECT_TRUE(waitFor([](const ConsoleState& state) {
-        return state.playing && state.strips[0].ended && !state.strips[1].ended;
-    }));
-    const StripKey first = player.look().strips[0].key;
-    const StripKey second = player.look().strips[1].key;
+    EXPECT_TRUE(
+        waitFor([&] { return state.playing && state.strips[0].ended && !state.strips[1].ended; }));
+    const StripKey first = state.strips[0].key, second = state.strips[1].key;
     player.setGain(second, -12.0);
     player.setPan(second, -1.0);
     player.setSoloed(second, true);
-    EXPECT_TRUE(waitFor([](const ConsoleState& state) {
-        return !state.strips[0].heard && state.outputPeaks[0] > 0.1F &&
-               state.outputPeaks[1] == 0.0F;
-    }));
+    const auto isOnTheLeft = [&] {
+        return state.outputPeaks[0] > 0.1F && state.outputPeaks[1] == 0.0F;
+    };
+    EXPECT_TRUE(waitFor([&] { return !state.strips[0].heard && isOnTheLeft(); }));
     player.move(second, 0);
     EXPECT_EQ(player.look().strips[1].key, first);
     player.remove(second);
-    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return !state.playing; }));
+    EXPECT_TRUE(waitFor([&] { return !state.playing; }));
     EXPECT_TRUE(player.undoRemove());
     player.locate(0);
     player.setLoop(true, 0, 24'000);
     player.setPlaying(true);
-    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return state.position > 12'000; }));
+    EXPECT_TRUE(waitFor([&] { return state.position > 12'000; }));
     EXPECT_THAT(player.chooseDevice("null", 24'000, 256), IsEmpty());
-    EXPECT_TRUE(waitFor([](const ConsoleState& state) { return state.position > 9'000; }));
-    const ConsoleState& state = player.look();
+    EXPECT_TRUE(waitFor([&] { return state.position > 9'000; }));
     EXPECT_EQ(state.rate, 24'000);
     EXPECT_EQ(state.blockFrames, 256U);
     EXPECT_EQ(state.loopEnd, 12'000);
@@ -221,9 +175,7 @@ TEST(Player, PlaysStopsAtTheEndTakesBackARemovalAndChangesItsRate) {
     EXPECT_EQ(state.strips[0].key, second);
     EXPECT_EQ(state.strips[0].gainDecibels, -12.0);
     EXPECT_FALSE(state.strips[1].heard);
-    EXPECT_TRUE(waitFor([](const ConsoleState& now) {
-        return now.outputPeaks[0] > 0.1F && now.outputPeaks[1] == 0.0F;
-    }));
+    EXPECT_TRUE(waitFor(isOnTheLeft));
     const auto entries = player.finish();
     ASSERT_EQ(entries.size(), 4U);
     EXPECT_TRUE(entries[0].result->complete);

@@ -7,8 +7,6 @@
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
 
-#include <functional>
-
 namespace veltra::console {
 namespace {
 
@@ -36,11 +34,9 @@ TEST(OnsetDetector, FindsWhereTonesBeginAndTheirPitch) {
         const std::vector<float> samples = tones(rate, hertz, 0.6);
         OnsetDetector whole(rate), inPieces(rate);
         whole.push(samples);
-        for (std::span<const float> rest(samples); !rest.empty();) {
-            const std::size_t size = std::min<std::size_t>(777, rest.size());
-            inPieces.push(rest.first(size));
-            rest = rest.subspan(size);
-        }
+        for (std::size_t at = 0; at < samples.size(); at += 777)
+            inPieces.push(
+                std::span(samples).subspan(at, std::min(samples.size() - at, std::size_t{777})));
         ASSERT_EQ(whole.onsets().size(), hertz.size()) << rate;
         EXPECT_TRUE(whole.onsets().AreUniqueAndSortedByPos());
         for (std::size_t i = 0; i < hertz.size(); ++i) {

@@ -7,14 +7,8 @@
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
 
-#include <algorithm>
-#include <array>
-#include <atomic>
 #include <chrono>
 #include <csignal>
-#include <string>
-#include <thread>
-#include <vector>
 
 #ifndef VELTRA_SANITIZED
 #include <dlfcn.h>

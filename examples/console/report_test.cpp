@@ -12,7 +12,6 @@
 #include "veltra/platform/testing/fake_user.h"
 
 #include <chrono>
-#include <thread>
 
 #include <gmock/gmock.h>
 

@@ -3,8 +3,6 @@
 
 #include "veltra/base/testing/prelude.h"
 
-#include <cmath>
-
 namespace veltra::console {
 namespace {
 

@@ -5,19 +5,12 @@
 #include "../text.h"
 #include "../times.h"
 #include "settings.h"
+#include "testing/pictured.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/controls/sliders/fader_scale.h"
-#include "veltra/platform/clock.h"
-#include "veltra/platform/preferences.h"
-#include "veltra/ui/picture.h"
-
-#include <algorithm>
-#include <cmath>
-#include <map>
-#include <numeric>
-
-#include <gtest/gtest.h>
+#include "veltra/memory/testing/fake_preferences.h"
+#include "veltra/platform/testing/manual_run_loop.h"
 
 namespace veltra::console::testing {
 namespace {
@@ -49,6 +42,10 @@ struct Notes final : ConsoleDelegate {
     void dimWasSwitched(bool isOn) override { note("dim", 0, isOn); }
 };
 
+std::string nameOf(int key) {
+    return "A file with quite a long name " + std::to_string(key) + ".wav";
+}
+
 // Strips 1, 2, 3, … with one, two and six channels in turn, but the sixth with 300, each 10 seconds
 // long.
 ConsoleState stateOf(int count) {
@@ -56,97 +53,48 @@ ConsoleState stateOf(int count) {
     state.rate = 48000;
     for (int i = 0; i < count; ++i) {
         StripState& strip = state.strips.emplace_back();
-        const int channels = i == 5 ? 300 : i % 3 == 2 ? 6 : i % 3 + 1;
+        const std::size_t channels = i == 5 ? 300 : i % 3 == 2 ? 6 : i % 3 + 1;
         strip.key = i + 1;
-        strip.path = "/music/A file with quite a long name " + std::to_string(i + 1) + ".wav";
+        strip.path = "/music/" + nameOf(strip.key);
         strip.format.rate = 48000;
-        strip.format.channels = channels;
-        const std::vector<int> positions(static_cast<std::size_t>(channels), 0);
-        strip.format.plan = channelPlan(positions);
-        strip.meter.peaks.assign(static_cast<std::size_t>(channels), 0.1F);
+        strip.format.channels = static_cast<int>(channels);
+        strip.format.plan = channelPlan(std::vector<int>(channels));
+        strip.meter.peaks.assign(channels, 0.1F);
         strip.meter.framesTotal = 480'000;
     }
     return state;
 }
 
-// A second goes by with each look, so that meters fall to where the signal is.
-class SteadyClock final : public Clocks {
-public:
-    SteadyClock() noexcept : m_before(Clocks::install(this)) {}
-    ~SteadyClock() override { Clocks::install(m_before); }
-    void goOn() noexcept { m_now = m_now + seconds(1.0); }
-    ClockReading monotonic() const noexcept override { return m_now; }
-    WallTime wall() const noexcept override { return {}; }
-
-private:
-    Moment m_now;
-    const Clocks* m_before;
-};
-
-class Desk {
+class Desk : public Pictured {
 public:
     Desk(Size size, int strips, float scale = 1.0F)
-        : state(stateOf(strips)), m_picture(size, scale, Appearance::Dark) {
-        auto owned = std::make_unique<ConsoleView>(Rect{{}, size}, notes);
-        m_view = owned.get();
-        window().setContentView(std::move(owned));
-        window().visibilityDidChange(true);
-        window().keyStateDidChange(true);
+        : Pictured(size, scale),
+          state(stateOf(strips)),
+          m_view(show(std::make_unique<ConsoleView>(Rect{{}, size}, notes))) {
         update();
     }
+    ~Desk() { window().setContentView(nullptr); }
 
+    // A second goes by with each look, so that meters fall to where the signal is.
     void update() {
-        m_clock.goOn();
+        m_clocks.now += seconds(1.0);
         view().update(state);
     }
 
     Notes notes;
     ConsoleState state;
-    ConsoleView& view() { return *m_view; }
-    Window& window() { return m_picture.window(); }
+    ConsoleView& view() { return m_view; }
     StripView& strip(int index) { return *view().row().strips()[static_cast<std::size_t>(index)]; }
-    std::shared_ptr<const Image> draw() { return m_picture.draw(); }
 
-    void send(EventType type, Point point, ModifierFlags flags = {}, int clicks = 1) {
-        Event event;
-        event.type = type;
-        event.locationInWindow = point;
-        event.modifierFlags = flags;
-        event.clickCount = clicks;
-        event.window = &window();
-        event.deltaX = point.x - m_pointer.x;
-        event.deltaY = point.y - m_pointer.y;
-        m_pointer = point;
-        window().sendEvent(event);
-    }
-    void click(Point point, int clicks = 1) {
-        send(EventType::LeftMouseDown, point, {}, clicks);
-        send(EventType::LeftMouseUp, point, {}, clicks);
-    }
-    void drag(Point from, Point to, ModifierFlags flags = {}) {
-        send(EventType::LeftMouseDown, from, flags);
-        send(EventType::LeftMouseDragged, to, flags);
-        send(EventType::LeftMouseUp, to, flags);
-    }
     void wheel(Point point, float notches) {
         Event event;
         event.type = EventType::ScrollWheel;
         event.locationInWindow = point;
         event.deltaY = notches;
-        event.window = &window();
-        window().sendEvent(event);
-    }
-    void key(char16_t character, ModifierFlags flags = {}) {
-        Event event;
-        event.type = EventType::KeyDown;
-        event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
-        event.modifierFlags = flags;
-        event.window = &window();
-        window().sendEvent(event);
+        post(event);
     }
 
-    // What a screen reader finds by its name.
-    AccessibilityElement* find(const std::string& name) { return find(view(), name); }
+    AccessibilityElement* find(const std::string& name) { return testing::find(view(), name); }
     Point middleOf(const std::string& name) {
         AccessibilityElement* const found = find(name);
         EXPECT_NE(found, nullptr) << name;
@@ -160,24 +108,9 @@ public:
     }
 
 private:
-    static AccessibilityElement* find(const AccessibilityElement& element,
-                                      const std::string& name) {
-        for (AccessibilityElement* child : shownAccessibilityChildren(element)) {
-            if (child->accessibilityName() == name) return child;
-            if (AccessibilityElement* found = find(*child, name)) return found;
-        }
-        return nullptr;
-    }
-
-    SteadyClock m_clock;
-    PictureWindow m_picture;
-    ConsoleView* m_view;
-    Point m_pointer;
+    veltra::testing::ManualClocks m_clocks;
+    ConsoleView& m_view;
 };
-
-std::string nameOf(int key) {
-    return "A file with quite a long name " + std::to_string(key) + ".wav";
-}
 
 Rect inWindow(const View& view) {
     return view.convertRectToView(view.bounds(), nullptr);
@@ -232,10 +165,8 @@ TEST(ConsoleLayout, AgreesAcrossCardsAtEveryScaleAndSize) {
     for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F}) {
         for (const Size size : sizes) {
             Desk desk(size, 6, scale);
-            const std::string where =
-                formatted("%g at %g x %g", static_cast<double>(scale),
-                          static_cast<double>(size.width), static_cast<double>(size.height));
-            SCOPED_TRACE(where);
+            SCOPED_TRACE(::testing::Message()
+                         << scale << " at " << size.width << " x " << size.height);
             StripRow& row = desk.view().row();
             const OutputView& output = desk.view().output();
             const Rect levels = levelsOf(output.meters());
@@ -373,36 +304,34 @@ TEST(ConsoleLook, HasNoColourAtRest) {
 
 TEST(ConsoleInput, AsksTheDelegate) {
     Desk desk({1180, 720}, 3);
-    const auto expect = [&](const std::string& last) { EXPECT_EQ(desk.notes.last, last); };
     const std::string one = nameOf(1);
-    desk.click(desk.middleOf("Mute " + one));
-    expect("mute 1 1.0");
-    desk.click(desk.middleOf("Solo " + nameOf(2)));
-    expect("solo 2 1.0");
-    desk.click(desk.middleOf("Menu of " + nameOf(3)));
-    expect("menu 3 0.0");
-    const Point wave = desk.middleOf("Waveform of " + one);
-    desk.click(wave);
-    expect("place 0 5.0");
-    desk.drag(wave, {wave.x + 500.0F, wave.y}, kShiftKeyMask);
-    expect("loop of 5 10.0");
-    desk.click(desk.middleOf("Return to start"));
-    expect("place 0 0.0");
-    desk.click(desk.middleOf("Play"));
-    expect("play 0 1.0");
-    desk.click(desk.middleOf("Loop"));
-    expect("loop 0 1.0");
-    desk.click(desk.middleOf("Dim"));
-    expect("dim 0 1.0");
-    desk.click(desk.middleOf("Add files"));
-    expect("add");
-    const Point name = inWindow(desk.strip(0)).center();
-    const float top = inWindow(desk.strip(0)).maxY() - 20.0F;
-    desk.drag({name.x, top}, {inWindow(desk.strip(2)).center().x + 30.0F, top});
-    expect("move 1 2.0");
-    const Point gain = desk.middleOf("gain of " + one);
-    desk.drag(gain, {gain.x, gain.y + 12.0F});
-    expect("gain 1 1.2");
+    const std::pair<std::string, const char*> clicks[] = {{"Mute " + one, "mute 1 1.0"},
+                                                          {"Solo " + nameOf(2), "solo 2 1.0"},
+                                                          {"Menu of " + nameOf(3), "menu 3 0.0"},
+                                                          {"Waveform of " + one, "place 0 5.0"},
+                                                          {"Return to start", "place 0 0.0"},
+                                                          {"Play", "play 0 1.0"},
+                                                          {"Loop", "loop 0 1.0"},
+                                                          {"Dim", "dim 0 1.0"},
+                                                          {"Add files", "add"}};
+    for (const auto& [name, expected] : clicks) {
+        desk.click(desk.middleOf(name));
+        EXPECT_EQ(desk.notes.last, expected) << name;
+    }
+    const Rect first = inWindow(desk.strip(0));
+    const float toThird = inWindow(desk.strip(2)).center().x - first.center().x;
+    const struct {
+        Point from, way;
+        ModifierFlags flags;
+        const char* expected;
+    } drags[] = {
+        {desk.middleOf("Waveform of " + one), {500.0F, 0.0F}, kShiftKeyMask, "loop of 5 10.0"},
+        {{first.center().x, first.maxY() - 20.0F}, {toThird + 30.0F, 0.0F}, {}, "move 1 2.0"},
+        {desk.middleOf("gain of " + one), {0.0F, 12.0F}, {}, "gain 1 1.2"}};
+    for (const auto& [from, way, flags, expected] : drags) {
+        desk.drag(from, {from.x + way.x, from.y + way.y}, flags);
+        EXPECT_EQ(desk.notes.last, expected);
+    }
 }
 
 TEST(ConsoleInput, HasAKeyForEverything) {
@@ -508,15 +437,12 @@ TEST(ConsoleClips, AgreeAndGoOutTogether) {
     Desk desk({1180, 720}, 3);
     ConsoleView& view = desk.view();
     const auto clip = [&] {
-        const float justAbove = std::nextafter(1.0F, 2.0F);
-        desk.state.strips[0].meter.peaks = {justAbove};
-        desk.state.strips[0].meter.peak = justAbove;
-        desk.state.outputPeaks = {1.2F, 0.5F};
-        desk.update();
-        desk.state.strips[0].meter.peaks = {0.1F};
-        desk.state.strips[0].meter.peak = 0.1F;
-        desk.state.outputPeaks = {};
-        desk.update();
+        for (const float peak : {std::nextafter(1.0F, 2.0F), 0.1F}) {
+            desk.state.strips[0].meter.peaks = {peak};
+            desk.state.strips[0].meter.peak = peak;
+            desk.state.outputPeaks = {peak > 1.0F ? 1.2F : 0.0F, 0.5F};
+            desk.update();
+        }
     };
     const std::string peak = "peak of " + nameOf(1);
     clip();
@@ -560,33 +486,26 @@ TEST(ConsoleMeters, ShowAndTellWhatIsAskedFor) {
 
 TEST(ConsoleTransport, CountsInTheMeterThatIsSet) {
     Desk desk({1180, 720}, 1);
-    const auto step = [&](const char* group, char16_t key) {
-        desk.notes.last.clear();
-        auto* const editor = desk.find("meter");
-        ASSERT_NE(editor, nullptr);
-        desk.find(group)->performAccessibilityAction(key == kUpArrowCharacter
-                                                         ? AccessibilityAction::Increment
-                                                         : AccessibilityAction::Decrement);
-    };
+    const auto up = AccessibilityAction::Increment, down = AccessibilityAction::Decrement;
     const struct {
         const char* group;
-        char16_t key;
+        AccessibilityAction action;
         int beats, unit;  // before
         const char* expected;
-    } kRows[] = {{"beats a bar", kUpArrowCharacter, 4, 4, "meter 5 4.0"},
-                 {"beats a bar", kDownArrowCharacter, 1, 4, "meter 1 4.0"},
-                 {"beats a bar", kUpArrowCharacter, 64, 4, "meter 64 4.0"},
-                 {"beat unit", kUpArrowCharacter, 4, 4, "meter 4 8.0"},
-                 {"beat unit", kDownArrowCharacter, 4, 8, "meter 4 4.0"},
-                 {"beat unit", kDownArrowCharacter, 4, 1, "meter 4 1.0"},
-                 {"beat unit", kUpArrowCharacter, 4, 64, "meter 4 64.0"}};
+    } kRows[] = {
+        {"beats a bar", up, 4, 4, "meter 5 4.0"},   {"beats a bar", down, 1, 4, "meter 1 4.0"},
+        {"beats a bar", up, 64, 4, "meter 64 4.0"}, {"beat unit", up, 4, 4, "meter 4 8.0"},
+        {"beat unit", down, 4, 8, "meter 4 4.0"},   {"beat unit", down, 4, 1, "meter 4 1.0"},
+        {"beat unit", up, 4, 64, "meter 4 64.0"}};
     for (const auto& row : kRows) {
         desk.state.beatsPerBar = row.beats;
         desk.state.beatUnit = row.unit;
         desk.update();
-        step(row.group, row.key);
+        desk.notes.last.clear();
+        desk.find(row.group)->performAccessibilityAction(row.action);
         EXPECT_EQ(desk.notes.last, row.expected);
     }
+    EXPECT_NE(desk.find("meter"), nullptr);
     desk.state.beatsPerBar = 12;
     desk.state.place = {3, 11, 480 * CMusicalContext::kTicksPerBeat / 960};
     desk.update();
@@ -625,23 +544,7 @@ TEST(ConsoleTimes, AreWrittenAsMusiciansReadThem) {
 }
 
 TEST(ConsoleSettings, KeepTheNewestFilesAndTheSize) {
-    struct Memory final : Preferences {
-        Memory() : before(install(this)) {}
-        ~Memory() override { install(before); }
-        PropertyValue value(std::string_view key) const noexcept override {
-            const auto found = values.find(std::string(key));
-            return found != values.end() ? found->second : PropertyValue();
-        }
-        bool setValue(std::string_view key, const PropertyValue& value) noexcept override {
-            values[std::string(key)] = value;
-            return true;
-        }
-        std::error_code synchronise() noexcept override { return ++written, std::error_code(); }
-        std::error_code reload() noexcept override { return {}; }
-        std::map<std::string, PropertyValue> values;
-        int written = 0;
-        Preferences* const before;
-    } memory;
+    const veltra::testing::FakePreferences preferences;
     EXPECT_EQ(Settings::windowSize(), std::nullopt);
     Settings::setWindowSize({900.0F, 600.0F});
     EXPECT_EQ(Settings::windowSize(), (Size{900.0F, 600.0F}));
@@ -657,9 +560,9 @@ TEST(ConsoleSettings, KeepTheNewestFilesAndTheSize) {
     EXPECT_EQ(files[0], "/file 7");
     EXPECT_EQ(files[1], "/file 9");
     EXPECT_EQ(std::count(files.begin(), files.end(), "/file 7"), 1);
-    EXPECT_EQ(memory.written, 0);  // nobody waits for a disk while the window is used
+    EXPECT_EQ(preferences.synchronised, 0);  // nobody waits for a disk while the window is used
     Settings::write();
-    EXPECT_EQ(memory.written, 1);
+    EXPECT_EQ(preferences.synchronised, 1);
 }
 
 }  // namespace

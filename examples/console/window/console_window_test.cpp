@@ -2,8 +2,9 @@
 #include "../requests.h"
 #include "../test_recordings.h"
 #include "console_widget.h"
+#include "testing/pictured.h"
 #include "veltra/base/testing/prelude.h"
-#include "veltra/platform/alert.h"
+#include "veltra/platform/testing/fake_user.h"
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>
@@ -22,15 +23,6 @@ namespace veltra::console::testing {
 namespace {
 
 using ::testing::HasSubstr;
-
-// What a screen reader finds under `element` by its name.
-AccessibilityElement* find(const AccessibilityElement& element, const std::string& name) {
-    for (AccessibilityElement* child : shownAccessibilityChildren(element)) {
-        if (child->accessibilityName() == name) return child;
-        if (AccessibilityElement* found = find(*child, name)) return found;
-    }
-    return nullptr;
-}
 
 void click(ViewWidget& widget, const AccessibilityElement& element) {
     const Point middle = accessibilityFrameInWindow(element).center();
@@ -129,15 +121,8 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
 }
 
 TEST(ConsoleWindow, ShowsACrashReportFromItsMenu) {
-    struct Presenter final : AlertPresenter {
-        Presenter() { install(this); }
-        ~Presenter() override { install(nullptr); }
-        AlertAnswer present(const Alert& alert) noexcept override {
-            message = alert.message;
-            return AlertAnswer::Alternate;
-        }
-        std::string message;
-    } presenter;
+    veltra::testing::FakeUser user;
+    user.answer = AlertAnswer::Alternate;
     Player player(Device::Null);
     ConsoleWidget widget(player);
     widget.show();
@@ -148,7 +133,7 @@ TEST(ConsoleWindow, ShowsACrashReportFromItsMenu) {
     QContextMenuEvent asked(QContextMenuEvent::Keyboard, QPoint(5, 5),
                             widget.mapToGlobal(QPoint(5, 5)));
     QApplication::sendEvent(&widget, &asked);
-    EXPECT_THAT(presenter.message, HasSubstr("raised on purpose"));
+    EXPECT_THAT(user.text, HasSubstr("raised on purpose"));
 }
 
 TEST(ConsolePicture, ShowsTheLoudestMomentAtItsScale) {

@@ -4,10 +4,6 @@
 #include "test_layout.h"
 #include "veltra/base/testing/prelude.h"
 
-#include <map>
-
-#include <gtest/gtest.h>
-
 namespace veltra::console::testing {
 TEST(KeyMap, KeysLieAsOnAPianoAndShowWhatTheLayoutWrites) {
     const GermanKeys layout;

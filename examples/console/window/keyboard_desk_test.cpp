@@ -6,14 +6,12 @@
 #include "keyboard_pad.h"
 #include "settings.h"
 #include "test_layout.h"
+#include "testing/pictured.h"
 #include "veltra/base/testing/prelude.h"
-#include "veltra/ui/picture.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QtTest>
-
-#include <gtest/gtest.h>
 
 namespace veltra::console::testing {
 namespace {
@@ -36,48 +34,27 @@ struct Notes final : KeyboardDelegate {
 };
 
 // The keyboard window without a window of the system.
-class Board {
+class Board : public Pictured {
 public:
-    Board() : m_picture({900, 292}, 1.0F, Appearance::Dark) {
+    Board() : Pictured({900, 292}) {
         auto tools = std::make_unique<KeyboardTools>(Rect{{0, 262}, {900, 30}}, notes);
-        auto pad = std::make_unique<KeyboardPad>(Rect{{}, {900, 262}}, notes, *tools);
         m_tools = tools.get();
-        m_pad = pad.get();
-        window().setContentView(std::move(pad));
+        m_pad = &show(std::make_unique<KeyboardPad>(Rect{{}, {900, 262}}, notes, *m_tools));
         m_pad->addSubview(std::move(tools));
         window().makeFirstResponder(&m_pad->keys());
-        window().visibilityDidChange(true);
-        window().keyStateDidChange(true);
     }
     ~Board() { window().setContentView(nullptr); }
 
     Notes notes;
     KeyboardPad& pad() { return *m_pad; }
     KeyboardTools& tools() { return *m_tools; }
-    Window& window() { return m_picture.window(); }
-    std::shared_ptr<const Image> draw() { return m_picture.draw(); }
 
-    void key(std::uint16_t code, bool isDown = true, bool isRepeat = false,
-             ModifierFlags flags = {}, char16_t character = u'?') {
-        Event event;
-        event.type = isDown ? EventType::KeyDown : EventType::KeyUp;
-        event.keyCode = code;
-        event.isRepeat = isRepeat;
-        event.modifierFlags = flags;
-        event.characters = event.charactersIgnoringModifiers = std::u16string(1, character);
-        event.window = &window();
-        window().sendEvent(event);
-    }
-    void press(EventType type, Point point) {
-        Event event;
-        event.type = type;
-        event.locationInWindow = point;
-        event.window = &window();
-        window().sendEvent(event);
-    }
+    // The key at a place of the hardware.
+    void press(std::uint16_t code, ModifierFlags flags = {}) { key(u'?', flags, code); }
+    void repeat(std::uint16_t code) { key(u'?', {}, code, EventType::KeyDown, true); }
+    void release(std::uint16_t code) { key(u'?', {}, code, EventType::KeyUp); }
 
 private:
-    PictureWindow m_picture;
     KeyboardPad* m_pad;
     KeyboardTools* m_tools;
 };
@@ -85,65 +62,65 @@ private:
 TEST(KeyboardPad, PlaysByThePlacesOfKeysOnceForEachPress) {
     Board board;
     const auto told = [&] { return board.notes.take(); };
-    board.key(kA);
-    board.key(kA, true, true);
-    board.key(kApostrophe);
+    board.press(kA);
+    board.repeat(kA);
+    board.press(kApostrophe);
     EXPECT_EQ(told(), "60:100 77:100");
     EXPECT_EQ(board.pad().keys().accessibilityValueText(), "F4 pressed");
     EXPECT_FALSE(board.pad().keys().focusShape());
-    board.key(0, true, false, {}, kLeftArrowCharacter);
+    board.key(kLeftArrowCharacter);
     EXPECT_EQ(board.pad().keys().accessibilityValueText(), "E4");
     EXPECT_TRUE(board.pad().keys().focusShape());
     EXPECT_TRUE(board.pad().keys().isNotePressed(60));
     // A key keeps its note while the octave changes.
-    board.key(kX);
-    board.key(kX, true, true);
+    board.press(kX);
+    board.repeat(kX);
     EXPECT_EQ(board.pad().firstKey(), 35U);
     EXPECT_EQ(board.tools().picker().keyRange(), (KeyRange{35, KeyboardPad::kWhiteKeys}));
     EXPECT_EQ(board.pad().lowestPlayed(), 72);
     board.tools().setVelocity(31);
-    board.key(kS);
-    board.key(kA, false);
-    board.key(kS, false);
+    board.press(kS);
+    board.release(kA);
+    board.release(kS);
     EXPECT_EQ(told(), "74:31 -60 -74");
-    board.key(kA, true, false, kControlKeyMask);
-    board.key(kA, false);
+    board.press(kA, kControlKeyMask);
+    board.release(kA);
     EXPECT_EQ(told(), "");
     // Two keys and the pointer on one note: the last one ends it.
-    board.key(kA);
-    board.key(kZ);
-    board.key(kK);
+    board.press(kA);
+    board.press(kZ);
+    board.press(kK);
     const Point onC4{16.0F + 868.0F / 22.0F * 14.5F, 30.0F};
-    board.press(EventType::LeftMouseDown, onC4);
-    board.key(kA, false);
-    board.key(kK, false);
+    board.send(EventType::LeftMouseDown, onC4);
+    board.release(kA);
+    board.release(kK);
     EXPECT_EQ(told(), "72:31");
     EXPECT_TRUE(board.pad().keys().isNotePressed(72));
-    board.press(EventType::LeftMouseUp, onC4);
+    board.send(EventType::LeftMouseUp, onC4);
     EXPECT_EQ(told(), "-72");
     // The ends of the keyboard.
     for (int i = 0; i < 12; ++i)
-        board.key(kX);
+        board.press(kX);
     EXPECT_EQ(board.pad().lowestPlayed(), 108);
     for (int i = 0; i < 12; ++i)
-        board.key(kZ);
+        board.press(kZ);
     EXPECT_EQ(board.pad().firstKey(), 0U);
-    board.key(0, true, false, {}, kEscapeCharacter);
+    board.key(kEscapeCharacter);
     EXPECT_EQ(told(), "closed");
 }
 
 TEST(KeyboardPad, LetsEverythingGoWithTheKeysOfTheComputer) {
     Board board;
-    board.key(kA);
-    board.key(kS);
-    board.press(EventType::LeftMouseDown, {30.0F, 30.0F});
+    board.press(kA);
+    board.press(kS);
+    board.send(EventType::LeftMouseDown, {30.0F, 30.0F});
     board.notes.take();
     board.window().keyStateDidChange(false);
     const std::string told = board.notes.take();
     for (const char* const note : {"-60", "-62", "-48", "all"})
         EXPECT_NE(told.find(note), std::string::npos) << told;
     EXPECT_FALSE(board.pad().keys().isNotePressed(60));
-    board.key(kA, false);
+    board.release(kA);
     board.window().activeStateDidChange(true);
     EXPECT_EQ(board.notes.take(), "");
 }
@@ -152,14 +129,10 @@ TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
     const GermanKeys layout;
     Board board;
     board.tools().showFile("", false);
-    const auto find = [&](const std::string& name) -> AccessibilityElement* {
-        for (AccessibilityElement* const child : shownAccessibilityChildren(board.tools()))
-            if (child->accessibilityName() == name) return child;
-        return nullptr;
-    };
-    const auto click = [&](const std::string& name) {
-        ASSERT_NE(find(name), nullptr) << name;
-        find(name)->performAccessibilityAction(AccessibilityAction::Press);
+    const auto part = [&](const char* name) { return find(board.tools(), name); };
+    const auto click = [&](const char* name) {
+        ASSERT_NE(part(name), nullptr) << name;
+        part(name)->performAccessibilityAction(AccessibilityAction::Press);
     };
     click("Sustain");
     click("Play a file at pitch");  // there is none
@@ -167,12 +140,12 @@ TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
     click("Play a file at pitch");
     EXPECT_EQ(board.notes.take(), "pedal file");
     board.tools().showFile("loop.wav", false);
-    EXPECT_NE(find("loop.wav"), nullptr);
+    EXPECT_NE(part("loop.wav"), nullptr);
     click("Play a file at pitch");
     EXPECT_EQ(board.notes.take(), "tone");
-    find("key range")->setAccessibilityNumber(30);
+    part("key range")->setAccessibilityNumber(30);
     EXPECT_EQ(board.pad().lowestPlayed(), 72);
-    find("key range")->setAccessibilityNumber(28);
+    part("key range")->setAccessibilityNumber(28);
     for (const int velocity : {0, 64, 900}) {
         board.tools().setVelocity(velocity);
         EXPECT_EQ(board.tools().velocity(), std::clamp(velocity, 1, 127));
@@ -198,7 +171,7 @@ TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
     EXPECT_GT(inkAt(7), 8);  // A, on the second C
     EXPECT_EQ(inkAt(18), 0);
     const auto before = colorAt(7, 12, 30);
-    board.key(kA);
+    board.press(kA);
     EXPECT_GT(inkAt(7), 8);
     EXPECT_NE(colorAt(7, 12, 30), before);
 }

@@ -7,9 +7,10 @@
 // What is done depends on the seed alone; when, on the machine. A hang ends the program with the
 // stack of the main thread.
 #include "../test_recordings.h"
+#include "../testing/fake_output.h"
 #include "console_widget.h"
 #include "veltra/base/testing/prelude.h"
-#include "veltra/platform/alert.h"
+#include "veltra/platform/testing/fake_user.h"
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>
@@ -85,49 +86,8 @@ private:
 };
 
 // Devices whose fate the test decides.
-enum class Fate { Steady, Stands, RunsAway, Ends, Missing, Last };
-std::array<std::atomic<Fate>, 3> fates{};
-
-class FickleOutput final : public AudioOutput {
-public:
-    FickleOutput(std::size_t number, std::int32_t rate, std::uint32_t block)
-        : m_number(number), m_rate(rate), m_block(block) {}
-    ~FickleOutput() override { end(); }
-    std::string name() const override { return "device " + std::to_string(m_number); }
-    std::int32_t rate() const override { return m_rate; }
-    std::uint32_t blockFrames() const override { return m_block; }
-    bool isRunning() const override { return m_runs; }
-    void stop() override { end(); }
-    bool start(Callback callback, void* context) override {
-        m_runs = true;
-        m_thread = std::jthread([=, this](const std::stop_token& stop) {
-            std::vector<float> samples(std::size_t{2} * m_block);
-            const std::array<float*, 2> outputs{samples.data(), samples.data() + m_block};
-            while (!stop.stop_requested()) {
-                const Fate fate = fates[m_number];
-                if (fate == Fate::Ends || fate == Fate::Missing) break;
-                if (fate != Fate::Stands && !callback(context, outputs.data(), 2, m_block)) break;
-                std::this_thread::sleep_for(fate == Fate::RunsAway
-                                                ? std::chrono::duration<double>(1e-4)
-                                                : std::chrono::duration<double>(m_block) / m_rate);
-            }
-            m_runs = false;
-        });
-        return true;
-    }
-
-private:
-    void end() {
-        m_thread.request_stop();
-        if (m_thread.joinable()) m_thread.join();
-    }
-
-    const std::size_t m_number;
-    const std::int32_t m_rate;
-    const std::uint32_t m_block;
-    std::atomic<bool> m_runs{false};
-    std::jthread m_thread;
-};
+const std::array worlds{std::make_shared<World>(), std::make_shared<World>(),
+                        std::make_shared<World>()};
 
 Player::SoundSystems fickleSystems() {
     Player::SoundSystems systems;
@@ -135,11 +95,12 @@ Player::SoundSystems fickleSystems() {
         const auto number =
             device.id == "auto" ? 0U : static_cast<unsigned>(device.id.back() - '0');
         std::unique_ptr<AudioOutput> output;
-        if (number >= fates.size() || fates[number] == Fate::Missing) {
+        if (number >= worlds.size() || !worlds[number]->isThere) {
             problem = device.id + ": is missing";
         } else {
             const std::uint32_t block = device.blockFrames > 0 ? device.blockFrames : 512;
-            output = std::make_unique<FickleOutput>(number, rate, block);
+            output = std::make_unique<FakeOutput>(worlds[number],
+                                                  "device " + std::to_string(number), rate, block);
         }
         return output;
     };
@@ -153,22 +114,13 @@ Player::SoundSystems fickleSystems() {
     return systems;
 }
 
-// Somebody always decides to go on.
-struct Resume final : AlertPresenter {
-    Resume() { install(this); }
-    ~Resume() override { install(nullptr); }
-    AlertAnswer present(const Alert&) noexcept override { return AlertAnswer::Alternate; }
-};
-
-constexpr Qt::Key kKeys[] = {Qt::Key_Space,     Qt::Key_Home,    Qt::Key_End,    Qt::Key_L,
-                             Qt::Key_C,         Qt::Key_M,       Qt::Key_S,      Qt::Key_F6,
-                             Qt::Key_Tab,       Qt::Key_Backtab, Qt::Key_Left,   Qt::Key_Right,
-                             Qt::Key_Up,        Qt::Key_Down,    Qt::Key_PageUp, Qt::Key_PageDown,
-                             Qt::Key_Return,    Qt::Key_Enter,   Qt::Key_Escape, Qt::Key_Delete,
-                             Qt::Key_Backspace, Qt::Key_O,       Qt::Key_Z,      Qt::Key_E,
-                             Qt::Key_F1,        Qt::Key_0,       Qt::Key_1,      Qt::Key_5,
-                             Qt::Key_9,         Qt::Key_Period,  Qt::Key_Minus,  Qt::Key_Plus,
-                             Qt::Key_V,         Qt::Key_A,       Qt::Key_X,      Qt::Key_K};
+// Each letter, digit and sign is its own key.
+constexpr std::string_view kSigns = " LCMSOZE0159.-+VAXK";
+constexpr Qt::Key kKeys[] = {Qt::Key_Home,     Qt::Key_End,     Qt::Key_F6,     Qt::Key_Tab,
+                             Qt::Key_Left,     Qt::Key_Backtab, Qt::Key_Right,  Qt::Key_Up,
+                             Qt::Key_Down,     Qt::Key_PageUp,  Qt::Key_Return, Qt::Key_PageDown,
+                             Qt::Key_F1,       Qt::Key_Enter,   Qt::Key_Escape, Qt::Key_Delete,
+                             Qt::Key_Backspace};
 
 class User {
 public:
@@ -338,8 +290,10 @@ private:
         QApplication::sendEvent(m_widget.get(), &event);
     }
     void key() {
-        const Qt::Key which = kKeys[below(static_cast<int>(std::size(kKeys)))];
-        QTest::keyClick(window(), which, modifiers());
+        const int which = below(static_cast<int>(std::size(kKeys) + kSigns.size()));
+        const auto sign = static_cast<std::size_t>(which) - std::size(kKeys);
+        QTest::keyClick(window(), sign < kSigns.size() ? Qt::Key(kSigns[sign]) : kKeys[which],
+                        modifiers());
     }
     void drop() {
         QMimeData dropped;
@@ -367,9 +321,12 @@ private:
         m_widget->resize(460 + below(1500), 320 + below(1400));
     }
     void turnFate() {
-        const auto which = static_cast<std::size_t>(below(static_cast<int>(fates.size())));
-        fates[which] =
-            chance(50) ? Fate::Steady : static_cast<Fate>(below(static_cast<int>(Fate::Last)));
+        // Is steady, stands still, runs away, ends, is missing.
+        constexpr std::array kSpeeds{1, 0, 100, -1, -1};
+        const auto fate = static_cast<std::size_t>(chance(50) ? 0 : below(5));
+        World& world = *worlds[static_cast<std::size_t>(below(static_cast<int>(worlds.size())))];
+        world.speed = kSpeeds[fate];
+        world.isThere = fate != 4;
     }
     void remove() {
         const auto& strips = m_player->state().strips;
@@ -421,7 +378,8 @@ private:
 TEST(ConsoleWindow, SurvivesRandomUse) {
     SKIP_WITHOUT_RECORDINGS();
     const Watchdog watchdog;
-    const Resume resume;
+    veltra::testing::FakeUser resuming;
+    resuming.answer = AlertAnswer::Alternate;
     User user(seed);
     user.run(secondsToRun);
     user.report();
