@@ -22,6 +22,10 @@ TEST_F(OnQt, PicturesKeepTheirPixelsAndScale) {
     const auto opaque = Image::drawn({1, 1}, 2.0F, draw);
     EXPECT_EQ(toQImage(*opaque).format(), QImage::Format_RGB32);
     EXPECT_EQ(fromQImage(toQImage(*opaque))->size(), (Size{1, 1}));
+    const auto foot = Image::drawn({1, 2}, 1.0F, [](Canvas& canvas) {
+        canvas.fillRect({{0, 1}, {1, 1}}, kBlack);
+    });
+    EXPECT_EQ(foot->pixelAt(0, 0), 0U) << "clear in its first row alone";
     const std::string path = ::testing::TempDir() + "picture.png";
     ASSERT_TRUE(image->writePng(path));
     const auto read = Image::load(path, 4.0F);

@@ -51,6 +51,7 @@ TEST(QtPort, WindowsOutliveTheApplication) {
         EXPECT_TRUE(window->wasClosed);
         EXPECT_FALSE(window->isVisible());
         window->orderFront();
+        EXPECT_TRUE(window->isVisible());
     }
     EXPECT_FALSE(window->isVisible());
     window->contentView()->setNeedsDisplay();

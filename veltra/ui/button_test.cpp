@@ -75,7 +75,8 @@ TEST(ButtonLook, FollowsStyleStateAndPointer) {
         cell.setOn(isOn);
         host.move(isHovered ? Point{10, 10} : Point{500, 500});
         EXPECT_EQ(cell.isHovered(), isHovered);
-        host.drawn(RecordingCanvas::What::Text);
+        const auto faces = host.drawn(RecordingCanvas::What::FillPath);
+        EXPECT_EQ(faces.empty(), style == Bare && !isHovered);
         EXPECT_EQ(drawn.ink, ink) << static_cast<int>(style) << isOn << isHovered;
     }
     EXPECT_EQ(drawn.place, (Point{22, 20}));  // in the middle; y points up

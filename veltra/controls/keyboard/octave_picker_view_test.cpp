@@ -3,6 +3,7 @@
 
 #include "veltra/ui/image_registry.h"
 #include "veltra/ui/testing/scripted_port.h"
+#include "veltra/ui/theme.h"
 
 #include <sstream>
 
@@ -178,6 +179,7 @@ TEST_F(OctavePicker, DrawsTheImagesOfTheHostAndTheRestItself) {
         return host.window->drawn(what);
     };
     EXPECT_EQ(drawn(RecordingCanvas::What::Text).size(), 11U);
+    EXPECT_EQ(drawn(RecordingCanvas::What::FillPath).at(0).color, theme(Appearance::Light).field);
     const auto keys = std::make_shared<testing::RecordedImage>(904, 60, 2.0F);
     const auto part = std::make_shared<testing::RecordedImage>(4, 26, 1.0F);
     const char* const names[] = {"octave-glyphKeys", "octave-L_edge", "octave-fill",

@@ -150,6 +150,8 @@ TEST_F(MeterLookTest, AContinuousBarHasItsZonesAtTheSamePlaces) {
     const auto on = fills(picture.on, 1.0F);
     EXPECT_EQ(on.size(), 171U + 54U + 18U);
     EXPECT_EQ(on.back().color, theme(Appearance::Light).red.high);
+    const auto fine = drawnLevelMeterLook({})->bar({.length = 8, .thickness = 9, .ledCount = 8});
+    EXPECT_EQ(fills(fine.off, 1.0F).size(), 8U) << "LEDs of a pixel have no gaps";
 }
 
 // The held maximum is never lost in the gap under a zone.
@@ -212,6 +214,16 @@ TEST_F(MeterLookTest, TheScaleStandsWhereTheMeterIsAndFollowsIt) {
     meter.setFrameOrigin({28, 40});
     host.display();
     EXPECT_THAT(host.port.invalid, ::testing::Contains(whole));
+    // Lying, the ticks and then the labels are below it, in the middle of each other.
+    meter.setFrame({{0, 40}, {100, 28}});
+    scale.setFrame({{0, 5}, {100, 30}});
+    host.port.invalid.clear();
+    scale.setNeedsDisplay();
+    const auto lying = host.display();
+    const Rect tick = RecordingCanvas::only(RecordingCanvas::What::FillRect, lying).at(0).rect;
+    const Rect label = RecordingCanvas::only(RecordingCanvas::What::Text, lying).at(0).rect;
+    EXPECT_EQ(label.center().x, tick.center().x);
+    EXPECT_GE(label.minY(), tick.maxY());
     meter.removeFromSuperview();
     EXPECT_TRUE(draw(RecordingCanvas::What::FillRect).empty());
     EXPECT_EQ(scale.meter(), nullptr);

@@ -197,6 +197,8 @@ TEST_F(Cells, DrawTheirDigitsAsTheSettingsSay) {
     EXPECT_EQ(texts[0].text + '|' + texts[1].text, "888|  5");
     EXPECT_EQ(texts[0].color, (Color{0.8F, 0.8F, 0.8F, 0.5F}));
     EXPECT_EQ(texts[0].rect, texts[1].rect);
+    cell.setShadowEightColor(red);
+    EXPECT_EQ(drawn()[0].color, red);
     cell.setBackgroundColor(grey);
     EXPECT_TRUE(drawn(What::FillRect).empty());
     cell.setDrawsBackground(true);
