@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/audio/key_code_converter.h"
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/keyboard_layout.h"
+#include "veltra/platform/none/no_text_services.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/fake_memory_system.h"
 #include "veltra/platform/testing/manual_run_loop.h"
-#include "veltra/platform/testing/plain_text_services.h"
 
 #include <gmock/gmock.h>
 
@@ -76,7 +77,7 @@ TEST_F(KeyCodeConverter, KeysThatActHaveNamesSignsAndGlyphsWithoutAnyLayout) {
     layout.answer = KeyTranslation{u"\u00DF", false};
     EXPECT_EQ(Converter::translateKeyCode(0x1B), "\u00DF");
 
-    const testing::PlainTextServices services;
+    const testing::InForce<NoTextServices> services;
     layout.answer = KeyTranslation{u"az{\u00E9", false};
     EXPECT_EQ(Converter::translateKeyCode(0x1B), "AZ{\u00E9");
     layout.answer = KeyTranslation{u"\u00E9", false};

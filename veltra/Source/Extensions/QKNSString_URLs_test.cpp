@@ -2,8 +2,9 @@
 #include "veltra/Source/Extensions/QKNSString_URLs.h"
 
 #include "veltra/Source/Extensions/testing/made_up_texts.h"
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
-#include "veltra/platform/testing/plain_text_services.h"
+#include "veltra/platform/none/no_text_services.h"
 
 #include <regex>
 
@@ -101,7 +102,7 @@ TEST(Punycode, IsThePublishedOneOfTheHostAlone) {
     for (std::string url = "x://\u00FC"; stringByConvertingToPunycode(url) != url; url += 'a')
         converted = stringByConvertingToPunycode(url);
     EXPECT_EQ(converted.size(), 4U + 63U) << converted;
-    const testing::PlainTextServices without;
+    const testing::InForce<NoTextServices> without;
     EXPECT_EQ(stringByConvertingToPunycode("x://\u00FC.gr"), "x://\u00FC.gr");
     EXPECT_FALSE(stringLooksLikeValidEmailAddress("me@x.com"));
 }

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/string_compare.h"
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
-#include "veltra/platform/testing/plain_text_services.h"
+#include "veltra/platform/none/no_text_services.h"
 
 namespace veltra {
 
@@ -25,7 +26,7 @@ bool hasForms() {
 template <typename Body>
 void withAndWithoutServices(Body body) {
     body();
-    const testing::PlainTextServices services;
+    const testing::InForce<NoTextServices> services;
     body();
 }
 

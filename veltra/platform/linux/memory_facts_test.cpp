@@ -17,7 +17,7 @@ constexpr Bytes kNone;
 TEST(MemoryFacts, SayNothingWhereTheSystemSaysNothing) {
     FakeMemorySystem system;
     const std::string junk =
-        std::string(5000, 'x') + "\n" + std::string("MemTotal: \0 kB\n\n:", 18);
+        std::string(5000, 'x') + "\n" + std::string("MemTotal: \0 kB\n\n:", 17);
     for (const std::string& text : {std::string(), junk, std::string("0::\n-\nsome avg10=nan\n"),
                                     std::string("some avg10=101\nfull avg60=1\n")}) {
         for (const char* path : {"/proc/meminfo", "/proc/self/cgroup", "/proc/self/mountinfo",

@@ -19,12 +19,8 @@ struct Common {
     std::string program = "\x0C\x07\x08\x90\x01";  // CFA = stack pointer + 8, return address at -8
 };
 
-std::string sized(const std::string& bytes) {
-    return std::string(1, static_cast<char>(bytes.size())) + bytes;
-}
-
-std::string block(const std::string& bytes) {
-    return std::string(1, static_cast<char>(bytes.size())) + "\0\0\0"s + bytes;
+std::string sized(const std::string& bytes, const std::string& behindSize = {}) {
+    return static_cast<char>(bytes.size()) + behindSize + bytes;
 }
 
 // Like "S8 A-8 =": where the CFA is, the return address, and the frame pointer of the caller.
@@ -48,9 +44,10 @@ std::string bytesOf(std::string_view digits) {
 
 // What holds `at` bytes into a function of 64 that a program describes.
 std::string ruleOf(const std::string& program, const Common& part = {}, int at = 4) {
-    const std::string common = block("\0\0\0\0"s + part.version + part.letters + "\0\x01\x78"s +
-                                     part.returnAddress + sized(part.details) + part.program);
-    const std::string own = block("\0\0\0\0\0\0\0\0\x40\0\0\0\0"s + program);
+    const std::string common = sized("\0\0\0\0"s + part.version + part.letters + "\0\x01\x78"s +
+                                         part.returnAddress + sized(part.details) + part.program,
+                                     "\0\0\0"s);
+    const std::string own = sized("\0\0\0\0\0\0\0\0\x40\0\0\0\0"s + program, "\0\0\0"s);
     const auto start = [](const std::string& text) {
         return reinterpret_cast<const unsigned char*>(text.data());
     };

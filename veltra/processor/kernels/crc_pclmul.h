@@ -25,9 +25,11 @@ struct Pclmul {
     }
     template <class Crc>
     static Block inOrder(Block bytes) noexcept {
-        if constexpr (detail::kMirrored<Crc>) return bytes;
         const Block reverse = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-        return _mm_shuffle_epi8(bytes, reverse);
+        if constexpr (detail::kMirrored<Crc>)
+            return bytes;
+        else
+            return _mm_shuffle_epi8(bytes, reverse);
     }
     template <int halves>
     static Block product(Block one, Block other) noexcept {

@@ -14,9 +14,11 @@ struct TwoBlocks {
     template <class Crc>
     static Register load(const unsigned char* bytes) noexcept {
         const Register blocks = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
-        if constexpr (detail::kMirrored<Crc>) return blocks;
         const __m128i reverse = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-        return _mm256_shuffle_epi8(blocks, _mm256_broadcastsi128_si256(reverse));
+        if constexpr (detail::kMirrored<Crc>)
+            return blocks;
+        else
+            return _mm256_shuffle_epi8(blocks, _mm256_broadcastsi128_si256(reverse));
     }
     static Register widened(__m128i block) noexcept { return _mm256_zextsi128_si256(block); }
     template <class Crc, int distance>

@@ -23,14 +23,18 @@ constexpr long long kReverseBits = static_cast<long long>(0x8040201008040201);
 
 template <class Crc>
 __m128i inBitOrder(__m128i bytes) noexcept {
-    if constexpr (!kReversesBits<Crc>) return bytes;
-    return _mm_gf2p8affine_epi64_epi8(bytes, _mm_set1_epi64x(kReverseBits), 0);
+    if constexpr (kReversesBits<Crc>)
+        return _mm_gf2p8affine_epi64_epi8(bytes, _mm_set1_epi64x(kReverseBits), 0);
+    else
+        return bytes;
 }
 
 template <class Crc>
 __m512i inBitOrder(__m512i bytes) noexcept {
-    if constexpr (!kReversesBits<Crc>) return bytes;
-    return _mm512_gf2p8affine_epi64_epi8(bytes, _mm512_set1_epi64(kReverseBits), 0);
+    if constexpr (kReversesBits<Crc>)
+        return _mm512_gf2p8affine_epi64_epi8(bytes, _mm512_set1_epi64(kReverseBits), 0);
+    else
+        return bytes;
 }
 
 template <class Crc>

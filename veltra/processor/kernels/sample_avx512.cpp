@@ -134,15 +134,20 @@ struct Avx512 : Avx512Memory {
     template <class Sample, int channels, int index>
     static Register packed(const Register* words) {
         constexpr int kBytes = 16 * channels * Sample::kSize / kFrameRegisters<Sample, channels>;
-        if constexpr (kMoves<Sample, channels>) return words[index];
-        return gathered<kPack<Sample, channels, index * kBytes>, channels>(words,
-                                                                           _mm512_setzero_si512());
+        if constexpr (kMoves<Sample, channels>)
+            return words[index];
+        else
+            return gathered<kPack<Sample, channels, index * kBytes>, channels>(
+                words, _mm512_setzero_si512());
     }
 
     template <class Sample, int channels, int index>
     static Register packedGroup(const Register (&words)[kGroup]) {
-        if constexpr (kMoves<Sample, channels>) return words[index];
-        return gathered<kPack<Sample, channels, index * 64>, kGroup>(words, _mm512_setzero_si512());
+        if constexpr (kMoves<Sample, channels>)
+            return words[index];
+        else
+            return gathered<kPack<Sample, channels, index * 64>, kGroup>(words,
+                                                                         _mm512_setzero_si512());
     }
 
 private:

@@ -196,8 +196,10 @@ void eachFrame(std::size_t count, bool buffersApart, Step step) noexcept {
 
 template <class Sample>
 std::uint32_t decodeFollowed(const unsigned char* bytes) noexcept {
-    if constexpr (Sample::kSize == 3) return Sample::decodeFollowed(bytes);
-    return Sample::decode(bytes);
+    if constexpr (Sample::kSize == 3)
+        return Sample::decodeFollowed(bytes);
+    else
+        return Sample::decode(bytes);
 }
 
 // Decodes most of a stream whose buffers lie apart, and answers how many frames: all but the last

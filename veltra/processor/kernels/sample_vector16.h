@@ -109,8 +109,10 @@ struct SampleVector16 : Words {
         } else if constexpr (Sample::kSize == 2) {
             const Register tops =
                 Words::template tops<channels>(words[2 * index], words[2 * index + 1]);
-            if constexpr (Sample::kOrder == detail::kHostOrder) return tops;
-            return Words::shuffled(tops, kSwapped16);
+            if constexpr (Sample::kOrder == detail::kHostOrder)
+                return tops;
+            else
+                return Words::shuffled(tops, kSwapped16);
         } else if constexpr (Sample::kSize == 3) {
             return Words::template joined<4 * (index + 1)>(
                 ordered<Sample, index>(interleaved<channels, index>(words)),
@@ -130,8 +132,10 @@ private:
 
     template <class Sample, int split>
     static Register ordered(Register words) {
-        if constexpr (kIsNative<Sample>) return words;
-        return Words::shuffled(words, kPack16<Sample, split>);
+        if constexpr (kIsNative<Sample>)
+            return words;
+        else
+            return Words::shuffled(words, kPack16<Sample, split>);
     }
 
     // Register `index` of the words of a stream.

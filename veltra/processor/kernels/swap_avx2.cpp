@@ -24,8 +24,10 @@ constexpr Avx2Memory::Places kReversing = reversingPlaces<size>();
 struct Avx2 : Avx2Memory {
     template <int size>
     static Register swapped(Register bytes) {
-        if constexpr (size == 1) return flipped(bytes);
-        return shuffled(bytes, kReversing<size>);
+        if constexpr (size == 1)
+            return flipped(bytes);
+        else
+            return shuffled(bytes, kReversing<size>);
     }
 };
 

@@ -27,17 +27,24 @@ struct Avx512 : Avx512Memory {
     // Without a mask: the block behind could not be loaded before a masked store is through.
     template <std::size_t bytes>
     static void store(unsigned char* to, Register value) {
-        if constexpr (bytes == 64) return Avx512Memory::store<64>(to, value);
-        Avx512Memory::store<32>(to, value);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 32), _mm512_extracti32x4_epi32(value, 2));
+        if constexpr (bytes == 64) {
+            Avx512Memory::store<64>(to, value);
+        } else {
+            Avx512Memory::store<32>(to, value);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 32),
+                             _mm512_extracti32x4_epi32(value, 2));
+        }
     }
 
     template <int size>
     static Register swapped(Register bytes) {
-        if constexpr (size == 1) return flipped(bytes);
         const Register places = _mm512_load_si512(kReversing<size>.from);
-        return size == 3 ? _mm512_permutexvar_epi8(places, bytes)
-                         : _mm512_shuffle_epi8(bytes, places);
+        if constexpr (size == 1)
+            return flipped(bytes);
+        else if constexpr (size == 3)
+            return _mm512_permutexvar_epi8(places, bytes);
+        else
+            return _mm512_shuffle_epi8(bytes, places);
     }
 };
 

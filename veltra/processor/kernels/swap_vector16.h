@@ -28,8 +28,10 @@ struct SwapVector16 : Memory {
 
     template <int size>
     static Register swapped(Register bytes) {
-        if constexpr (size == 1) return Memory::flipped(bytes);
-        return Memory::shuffled(bytes, kReversing16<size>);
+        if constexpr (size == 1)
+            return Memory::flipped(bytes);
+        else
+            return Memory::shuffled(bytes, kReversing16<size>);
     }
 
     // Three times five samples and a byte that the next store puts right; then the last four bytes.

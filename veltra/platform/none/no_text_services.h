@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The text services of a build without any, in force while they live.
+// The text services of a build without a library for them: what each answers for nothing.
 #pragma once
 
-#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/text_services.h"
 
-namespace veltra::testing {
+namespace veltra {
 
-struct PlainTextServices final : InForce<TextServices> {
+class NoTextServices : public TextServices {
+public:
     std::optional<std::size_t> toLegacy(std::u16string_view, char,
                                         std::span<char>) const noexcept override {
         return std::nullopt;
@@ -17,4 +17,4 @@ struct PlainTextServices final : InForce<TextServices> {
     }
 };
 
-}  // namespace veltra::testing
+}  // namespace veltra
