@@ -30,15 +30,6 @@ TEST(Drawing, LinesAreWholePixelsInsideTheShapeAtEveryScale) {
     }
 }
 
-TEST(Drawing, NothingIsDrawnForAnEmptyShape) {
-    RecordingCanvas port;
-    Canvas canvas(port);
-    const Rect empty{{5, 5}, {0, 10}};
-    fillAligned(canvas, empty, kBlack);
-    drawPlate(canvas, empty, 4.0F, kWhite, kBlack);
-    EXPECT_TRUE(port.calls.empty());
-}
-
 TEST(Drawing, ShadowsFallDownwardsInBothDirections) {
     for (const bool isFlipped : {true, false}) {
         RecordingCanvas port;

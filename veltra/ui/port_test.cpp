@@ -24,8 +24,6 @@ TEST(WithoutAPort, TextIsMeasuredByItsCharactersAndNothingIsShownOrAwaited) {
     EXPECT_FALSE(UiPort::current().waitForEvent() || window.lockPointer(true));
     EXPECT_EQ(Image::drawn({5, 5}, 1.0F, [](Canvas&) { ADD_FAILURE(); }), nullptr);
     EXPECT_EQ(Image::load("picture.png"), nullptr);
-    EXPECT_FALSE(Font::fontWithName("Known", 10.0F));
-    EXPECT_EQ(UiPort::current().clipboardText(), "");
 }
 
 }  // namespace

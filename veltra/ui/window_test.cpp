@@ -325,21 +325,6 @@ TEST(Windows, MayGoInWhateverTheirViewsDo) {
     }
 }
 
-TEST(Windows, WithoutContentHearAndShowNothing) {
-    const ScriptedPort port;
-    Window window(Rect{{0, 0}, {300, 200}});
-    window.keyboardArrives(true);
-    window.selectPreviousKeyView();
-    EXPECT_FALSE(window.toolTipAt({5, 5}) || window.firstResponder() != nullptr);
-    Event event;
-    event.type = EventType::MouseMoved;
-    event.window = &window;
-    EXPECT_TRUE(Application::current().postEvent(event));
-    window.setAppearance(Appearance::Dark);
-    window.setTitle("Mixer");
-    EXPECT_EQ(window.title(), "Mixer");
-}
-
 TEST(Windows, KeepToTheirLimitsAndPanelsLeaveTheMainWindowAlone) {
     ScriptedPort port;
     Window window(Rect{{0, 0}, {300, 200}});

@@ -196,9 +196,6 @@ TEST(LevelBallistics, MovesInCAsInCpp) {
     VLLevelBallisticsDestroy(ofC);
     VLLevelBallistics* const none = nullptr;
     VLLevelBallisticsSetFallBackStep(none, 1.0F);
-    VLLevelBallisticsSetFallBackStepTime(none, 1.0);
-    VLLevelBallisticsSetMaxLevelHoldTime(none, 1.0);
-    VLLevelBallisticsSetPeak(none, true);
     VLLevelBallisticsDropMaximum(none);
     VLLevelBallisticsDestroy(none);
     EXPECT_EQ(VLLevelBallisticsFallBackStep(none) + VLLevelBallisticsLevel(none) +

@@ -234,7 +234,6 @@ TEST_F(LevelMeterTest, SettingsReachBothChannels) {
     view.setOnStateLEDInset(-1.0F);
     view.setLevelScale(LevelMeterLevels::Decibels);
     view.setMuted(true);
-    view.setLevelL(0.25F, 0.25F);
     for (const QkLevelMeterCell* const cell : {&view.cellL(), &view.cellR()}) {
         EXPECT_EQ(cell->levelMeterImageID(), kLevelMeterImageBar);
         EXPECT_EQ(cell->peakLEDImageID(), kLevelMeterImageSlim);
@@ -242,7 +241,6 @@ TEST_F(LevelMeterTest, SettingsReachBothChannels) {
         EXPECT_TRUE(cell->LEDPitch() == 0.0F && cell->onStateLEDInset() == 0.0F);
         EXPECT_TRUE(cell->levelScale() == LevelMeterLevels::Decibels && cell->isMuted());
     }
-    EXPECT_EQ(view.levelL() + view.levelR(), 0.5F);
     view.setPadding(6);
     EXPECT_EQ(view.cellR().cellFrame().minX() - view.cellL().cellFrame().maxX(), 6.0F);
     view.setPadding(-1);
