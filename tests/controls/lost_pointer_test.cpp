@@ -143,7 +143,7 @@ public:
         move({1, 1}, Qt::NoButton);
         move(m_specimen.from, Qt::NoButton);
         if (m_specimen.kind == Kind::Touch) {
-            QTest::touchEvent(&widget, m_screen.get()).press(3, at(m_specimen.from));
+            QTest::touchEvent(&widget, screen.get()).press(3, at(m_specimen.from));
         } else {
             QTest::mousePress(&widget, Qt::LeftButton, {}, at(m_specimen.from));
         }
@@ -151,28 +151,16 @@ public:
     }
     void release() {
         if (m_specimen.kind == Kind::Touch) {
-            QTest::touchEvent(&widget, m_screen.get()).release(3, at(m_specimen.to));
+            QTest::touchEvent(&widget, screen.get()).release(3, at(m_specimen.to));
         } else {
             QTest::mouseRelease(&widget, Qt::LeftButton, {}, at(m_specimen.to));
         }
     }
     void goOn() { go(m_specimen.from); }
-    void tell(QEvent::Type type) {
-        QEvent event(type);
-        QApplication::sendEvent(&widget, &event);
-    }
-    void tellMenu(QEvent::Type type) {
-        QFocusEvent event(type, Qt::PopupFocusReason);
-        QApplication::sendEvent(&widget, &event);
-    }
-    void cancelTouch() {
-        QTouchEvent event(QEvent::TouchCancel, m_screen.get());
-        QApplication::sendEvent(&widget, &event);
-    }
+    void tell(QEvent&& event) { QApplication::sendEvent(&widget, &event); }
     void move(QPoint to, Qt::MouseButtons held) {
-        QMouseEvent event(QEvent::MouseMove, at(to), widget.mapToGlobal(at(to)), Qt::NoButton, held,
-                          Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
+        tell(QMouseEvent(QEvent::MouseMove, at(to), widget.mapToGlobal(at(to)), Qt::NoButton, held,
+                         Qt::NoModifier));
     }
     const std::string& told() const { return m_told.text; }
     // At rest, with the pointer elsewhere.
@@ -187,19 +175,19 @@ public:
     View* frame = nullptr;
     View* control = nullptr;
     std::unique_ptr<View> kept;
+    const std::unique_ptr<QPointingDevice> screen{QTest::createTouchDevice()};
 
 private:
     static QPoint at(QPoint inControl) { return inControl + QPoint(20, 20); }
     void go(QPoint to) {
         if (m_specimen.kind == Kind::Touch) {
-            QTest::touchEvent(&widget, m_screen.get()).move(3, at(to));
+            QTest::touchEvent(&widget, screen.get()).move(3, at(to));
         } else {
             move(to, Qt::LeftButton);
         }
     }
 
     const Specimen& m_specimen;
-    const std::unique_ptr<QPointingDevice> m_screen{QTest::createTouchDevice()};
     Told m_told;
 };
 
@@ -224,14 +212,16 @@ constexpr Loss kLosses[] = {
      [](Stage& on) { on.outside.show(); }},
     {"the widget is disabled", [](Stage& on) { on.widget.setEnabled(false); },
      [](Stage& on) { on.widget.setEnabled(true); }},
-    {"another window is active", [](Stage& on) { on.tell(QEvent::WindowDeactivate); },
-     [](Stage& on) { on.tell(QEvent::WindowActivate); }},
-    {"a dialog opens", [](Stage& on) { on.tell(QEvent::WindowBlocked); },
-     [](Stage& on) { on.tell(QEvent::WindowUnblocked); }},
-    {"a menu opens", [](Stage& on) { on.tellMenu(QEvent::FocusOut); },
-     [](Stage& on) { on.tellMenu(QEvent::FocusIn); }},
-    {"the grab is lost", [](Stage& on) { on.tell(QEvent::UngrabMouse); }, [](Stage&) {}},
-    {"the screen cancels its touches", [](Stage& on) { on.cancelTouch(); }, [](Stage&) {}},
+    {"another window is active", [](Stage& on) { on.tell(QEvent(QEvent::WindowDeactivate)); },
+     [](Stage& on) { on.tell(QEvent(QEvent::WindowActivate)); }},
+    {"a dialog opens", [](Stage& on) { on.tell(QEvent(QEvent::WindowBlocked)); },
+     [](Stage& on) { on.tell(QEvent(QEvent::WindowUnblocked)); }},
+    {"a menu opens",
+     [](Stage& on) { on.tell(QFocusEvent(QEvent::FocusOut, Qt::PopupFocusReason)); },
+     [](Stage& on) { on.tell(QFocusEvent(QEvent::FocusIn, Qt::PopupFocusReason)); }},
+    {"the grab is lost", [](Stage& on) { on.tell(QEvent(QEvent::UngrabMouse)); }, [](Stage&) {}},
+    {"the screen cancels its touches",
+     [](Stage& on) { on.tell(QTouchEvent(QEvent::TouchCancel, on.screen.get())); }, [](Stage&) {}},
 };
 
 TEST(LostPointers, EndEachDragOnceAndAsAReleaseDoes) {

@@ -58,14 +58,12 @@ TEST(LoudnessMeterTest, MeetsTheCasesOfTheStandard) {
         for (int i = 0; i < row.rounds; ++i)
             play(meter, row.parts);
         const LoudnessReading reading = meter.read();
-        const auto check = [&](double value, double expected) {
-            if (expected != kAny) {
-                EXPECT_NEAR(value, expected, 0.1) << row.parts.size() << ' ' << row.rounds;
-            }
-        };
-        check(reading.momentary, row.momentary);
-        check(reading.shortTerm, row.shortTerm);
-        check(reading.integrated, row.integrated);
+        for (const auto& [value, expected] : {std::pair(reading.momentary, row.momentary),
+                                              {reading.shortTerm, row.shortTerm},
+                                              {reading.integrated, row.integrated}}) {
+            if (expected == kAny) continue;
+            EXPECT_NEAR(value, expected, 0.1) << row.parts.size() << ' ' << row.rounds;
+        }
     }
 }
 

@@ -59,17 +59,15 @@ TEST(ReportSections, EndAtTheirLimitAndComeAndGoOnEveryThread) {
     EXPECT_FALSE(addReportSection(many.back()));
     std::for_each(many.begin(), many.end(), removeReportSection);
 
-    std::vector<std::jthread> threads;
-    for (const ReportSection& section : kSections)
-        threads.emplace_back([&section] {
-            for (int round = 0; round < 200; ++round) {
-                EXPECT_TRUE(addReportSection(section));
-                const bool isListed = reportSections().find(section.name) != std::string::npos;
-                EXPECT_EQ(isListed, &section != &kSections[2]);
-                removeReportSection(section);
-            }
-        });
-    threads.clear();
+    testing::onThreads(std::size(kSections), [](int thread) {
+        const ReportSection& section = kSections[thread];
+        for (int round = 0; round < 200; ++round) {
+            EXPECT_TRUE(addReportSection(section));
+            const bool isListed = reportSections().find(section.name) != std::string::npos;
+            EXPECT_EQ(isListed, thread != 2);
+            removeReportSection(section);
+        }
+    });
     EXPECT_EQ(reportSections().find("test"), std::string::npos);
 }
 

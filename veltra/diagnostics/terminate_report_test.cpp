@@ -33,6 +33,22 @@ constexpr const char* kThrower = "";  // the walk ends in the runtime, at std::t
 constexpr const char* kThrower = "throwsForTheReport";
 #endif
 
+// Forks while it reports.
+struct Forking final : Symboliser {
+    std::string symbolise(std::span<const std::uintptr_t>) noexcept override {
+        Symboliser::install(nullptr);
+        EndedChild other;
+        std::thread([&other] { other = testing::endedChild(throwsForTheReport); }).join();
+        const EndedChild own = testing::endedChild([] { std::terminate(); });
+        const auto says = [](const EndedChild& child, const char* text) {
+            return child.wasKilledBy(SIGABRT) && child.log.find(text) != child.log.npos;
+        };
+        const bool isAsItShould = says(other, "Not caught: std::runtime_error: half\n") &&
+                                  says(own, "") && !says(own, "****");
+        return isAsItShould ? "children reported" : "children did not report";
+    }
+};
+
 TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
     const std::tuple<void (*)(), const char*, const char*> cases[] = {
         {[] { raiseException("Name", "reason"); }, "Not caught: Name: reason\n", ""},
@@ -48,6 +64,18 @@ TEST(TerminateReport, TellsWhatNobodyCaughtAndGoesOnAsBefore) {
              throwsForTheReport();
          },
          "std::runtime_error: half\n", ""},
+        {[] {  // handlers that call each other
+             static const std::terminate_handler ours = std::set_terminate([] { ours(); });
+             VLInstallTerminateHandler();
+             throwsForTheReport();
+         },
+         "std::runtime_error: half\n", ""},
+        {[] {
+             static Forking forking;
+             Symboliser::install(&forking);
+             throwsForTheReport();
+         },
+         "std::runtime_error: half\n", "children reported"},
     };
     for (const auto& [fail, text, inStack] : cases) {
         const EndedChild ended = testing::endedChild([fail = fail]() noexcept {
@@ -73,44 +101,6 @@ TEST(TerminateReport, LeavesTheEndToTheHandlerBefore) {
         EXPECT_TRUE(ended.hasExited(5));
         EXPECT_THAT(ended.log, HasSubstr("half"));
     }
-}
-
-// Forks while it reports.
-struct Forking final : Symboliser {
-    std::string symbolise(std::span<const std::uintptr_t>) noexcept override {
-        Symboliser::install(nullptr);
-        EndedChild other;
-        std::thread([&other] { other = testing::endedChild(throwsForTheReport); }).join();
-        const EndedChild own = testing::endedChild([] { std::terminate(); });
-        const auto says = [](const EndedChild& child, const char* text) {
-            return child.wasKilledBy(SIGABRT) && child.log.find(text) != child.log.npos;
-        };
-        const bool isAsItShould = says(other, "Not caught: std::runtime_error: half\n") &&
-                                  says(own, "") && !says(own, "****");
-        return isAsItShould ? "children reported" : "children did not report";
-    }
-};
-
-TEST(TerminateReport, IsWrittenByAChildOnItsOwn) {
-    const EndedChild ended = testing::endedChild([]() noexcept {
-        Forking forking;
-        Symboliser::install(&forking);
-        VLInstallTerminateHandler();
-        throwsForTheReport();
-    });
-    EXPECT_TRUE(ended.wasKilledBy(SIGABRT));
-    EXPECT_THAT(ended.log, HasSubstr("children reported"));
-}
-
-TEST(TerminateReport, EndsAlsoWhereHandlersCallEachOther) {
-    const EndedChild ended = testing::endedChild([]() noexcept {
-        VLInstallTerminateHandler();
-        static const std::terminate_handler ours = std::set_terminate([] { ours(); });
-        VLInstallTerminateHandler();
-        throwsForTheReport();
-    });
-    EXPECT_TRUE(ended.wasKilledBy(SIGABRT));
-    EXPECT_THAT(ended.log, HasSubstr("half"));
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include "veltra/platform/resources.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <fstream>
 #include <latch>
 
 namespace veltra {
@@ -32,7 +31,7 @@ struct Resources {
     ~Resources() { setResourceFolder({}); }
 
     void put(const std::string& name, const std::string& bytes) const {
-        std::ofstream(folder.path / name, std::ios::binary) << bytes;
+        testing::putText(folder.path / name, bytes);
     }
 
     const testing::TemporaryFolder folder;
@@ -130,7 +129,6 @@ TEST(ColorManagement, DamagedAndMisplacedProfilesMakeNoSpace) {
     ofInk.replace(16, 4, "CMYK");
     resources.put("ink.icc", ofInk);
     resources.put("longer.icc", kProfile + '\0');
-    std::filesystem::create_directory(resources.folder.path / "folder");
     resources.put("folder/inside.icc", kProfile);
     using namespace std::string_literals;
     for (const std::string& name : {"large.icc"s, "ink.icc"s, "longer.icc"s, "missing.icc"s, ""s,

@@ -13,8 +13,6 @@
 #include "veltra/platform/testing/fake_system_queries.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <fstream>
-
 namespace veltra {
 namespace {
 
@@ -74,12 +72,12 @@ TEST(Environment, StringObjectsSayWhatTheTextsSay) {
 TEST(Environment, BundlesAreFoldersAndNothingOutsideOfThemIsFound) {
     const testing::TemporaryFolder folder;
     for (const char* name : {"knob.png", "knob_pro.png", "knob.tiff", "plain"})
-        std::ofstream(folder / name) << name;
+        testing::putText(folder / name);
     std::filesystem::create_directories(folder / "in/conf.d");
     QKBundle* const bundle = QKCreateBundleAtPath(Text(folder / "in").string);
     ASSERT_NE(bundle, nullptr);
     EXPECT_EQ(taken(QKBundlePath(bundle)), folder / "in");
-    std::ofstream(folder / "in/a.txt") << 1;
+    testing::putText(folder / "in/a.txt");
     using namespace std::string_view_literals;
     const auto resource = [bundle](std::string_view name, std::string_view type) {
         return taken(QKBundlePathOfResource(bundle, Text(name).string, Text(type).string));

@@ -128,14 +128,8 @@ TEST_F(Singletons, WithoutASlotSaySo) {
         {[] { slotless.sharedInstance(); }, "ESSingleton: +singleton not implemented"},
         {[] { slotless.setSingleton(nullptr); }, "ESSingleton: +setSingleton: not implemented"},
         {[] { slotless.alloc(); }, "ESSingleton: +singleton not implemented"}};
-    for (const auto& [call, what] : calls) {
-        try {
-            call();
-            ADD_FAILURE() << what;
-        } catch (const Exception& exception) {
-            EXPECT_STREQ(exception.what(), what);
-        }
-    }
+    for (const auto& [call, what] : calls)
+        EXPECT_THAT(call, ::testing::ThrowsMessage<Exception>(what));
 }
 
 // Eight threads make, use their own and release, and one tears all down again and again. Only its

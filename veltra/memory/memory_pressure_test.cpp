@@ -70,23 +70,20 @@ TEST_F(MemoryPressureTest, AsksLevelByLevelUntilThereIsRoom) {
 
 TEST_F(MemoryPressureTest, TellsALevelThatStaysOnceASecondAndOneThatComesBackAtOnce) {
     MemoryPressure pressure;
-    available(60);
-    EXPECT_EQ(relieved(pressure, 0), "0");
-    EXPECT_EQ(relieved(pressure, 0), "");
-    clocks.now += Nanoseconds(999'999'999);
-    EXPECT_EQ(relieved(pressure, 0), "");
-    clocks.now += Nanoseconds(1);
-    EXPECT_EQ(relieved(pressure, 0), "0");
-    available(10);
-    EXPECT_EQ(relieved(pressure, 2), "12");
-    available(40);
-    EXPECT_EQ(relieved(pressure, 1), "");
-    available(10);
-    EXPECT_EQ(relieved(pressure, 2), "2");
-    available(800);
-    EXPECT_EQ(relieved(pressure, MemoryPressure::kNone), "");
-    available(60);
-    EXPECT_EQ(relieved(pressure, 0), "0");
+    const struct {
+        int nanoseconds, available, level;
+        const char* told;
+    } steps[] = {{0, 60, 0, "0"},          {0, 60, 0, ""},
+                 {999'999'999, 60, 0, ""}, {1, 60, 0, "0"},
+                 {0, 10, 2, "12"},         {0, 40, 1, ""},
+                 {0, 10, 2, "2"},          {0, 800, MemoryPressure::kNone, ""},
+                 {0, 60, 0, "0"}};
+    for (const auto& step : steps) {
+        SCOPED_TRACE(&step - steps);
+        clocks.now += Nanoseconds(step.nanoseconds);
+        available(step.available);
+        EXPECT_EQ(relieved(pressure, step.level), step.told);
+    }
     Center::ShutdownLMNotificationCenter();
     available(10);
     EXPECT_EQ(relieved(pressure, 2), "");

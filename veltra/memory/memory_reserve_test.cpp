@@ -198,10 +198,7 @@ TEST_F(MemoryReserve, ThreadsThatFailTogetherCostOneReserveAndTheCallbackMayFail
         levels.clear();
         enter();
         std::array<void*, 4> blocks{};
-        std::vector<std::jthread> threads;
-        for (void*& block : blocks)
-            threads.emplace_back([&] { block = take(10); });
-        threads.clear();
+        testing::onThreads(4, [&](std::size_t thread) { blocks[thread] = take(10); });
         EXPECT_EQ(levels, "1");
         EXPECT_EQ(LimitedHeap::available, 10);
         LimitedHeap::available = 0;

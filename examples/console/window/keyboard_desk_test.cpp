@@ -17,7 +17,8 @@ namespace veltra::console::testing {
 namespace {
 
 // Places of keys, on the hardware.
-constexpr std::uint16_t kA = 38, kS = 39, kK = 45, kApostrophe = 48, kZ = 52, kX = 53;
+const std::map<char, std::uint16_t> kPlaces{{'a', 38},  {'s', 39}, {'k', 45},
+                                            {'\'', 48}, {'z', 52}, {'x', 53}};
 
 struct Notes final : KeyboardDelegate {
     std::string told;  // since it was looked at
@@ -49,10 +50,15 @@ public:
     KeyboardPad& pad() { return *m_pad; }
     KeyboardTools& tools() { return *m_tools; }
 
-    // The key at a place of the hardware.
-    void press(std::uint16_t code, ModifierFlags flags = {}) { key(u'?', flags, code); }
-    void repeat(std::uint16_t code) { key(u'?', {}, code, EventType::KeyDown, true); }
-    void release(std::uint16_t code) { key(u'?', {}, code, EventType::KeyUp); }
+    // Presses, repeats and releases keys: "+a *a -a". Returns what was told.
+    std::string play(const std::string& script, ModifierFlags flags = {}) {
+        std::istringstream words(script);
+        for (std::string word; words >> word;) {
+            const EventType type = word[0] == '-' ? EventType::KeyUp : EventType::KeyDown;
+            key(u'?', flags, kPlaces.at(word[1]), type, word[0] == '*');
+        }
+        return notes.take();
+    }
 
 private:
     KeyboardPad* m_pad;
@@ -61,11 +67,7 @@ private:
 
 TEST(KeyboardPad, PlaysByThePlacesOfKeysOnceForEachPress) {
     Board board;
-    const auto told = [&] { return board.notes.take(); };
-    board.press(kA);
-    board.repeat(kA);
-    board.press(kApostrophe);
-    EXPECT_EQ(told(), "60:100 77:100");
+    EXPECT_EQ(board.play("+a *a +'"), "60:100 77:100");
     EXPECT_EQ(board.pad().keys().accessibilityValueText(), "F4 pressed");
     EXPECT_FALSE(board.pad().keys().focusShape());
     board.key(kLeftArrowCharacter);
@@ -73,46 +75,35 @@ TEST(KeyboardPad, PlaysByThePlacesOfKeysOnceForEachPress) {
     EXPECT_TRUE(board.pad().keys().focusShape());
     EXPECT_TRUE(board.pad().keys().isNotePressed(60));
     // A key keeps its note while the octave changes.
-    board.press(kX);
-    board.repeat(kX);
+    EXPECT_EQ(board.play("+x *x"), "");
     EXPECT_EQ(board.pad().firstKey(), 35U);
     EXPECT_EQ(board.tools().picker().keyRange(), (KeyRange{35, KeyboardPad::kWhiteKeys}));
     EXPECT_EQ(board.pad().lowestPlayed(), 72);
     board.tools().setVelocity(31);
-    board.press(kS);
-    board.release(kA);
-    board.release(kS);
-    EXPECT_EQ(told(), "74:31 -60 -74");
-    board.press(kA, kControlKeyMask);
-    board.release(kA);
-    EXPECT_EQ(told(), "");
+    EXPECT_EQ(board.play("+s -a -s"), "74:31 -60 -74");
+    EXPECT_EQ(board.play("+a", kControlKeyMask) + board.play("-a"), "");
     // Two keys and the pointer on one note: the last one ends it.
-    board.press(kA);
-    board.press(kZ);
-    board.press(kK);
+    EXPECT_EQ(board.play("+a +z +k"), "72:31");
     const Point onC4{16.0F + 868.0F / 22.0F * 14.5F, 30.0F};
     board.send(EventType::LeftMouseDown, onC4);
-    board.release(kA);
-    board.release(kK);
-    EXPECT_EQ(told(), "72:31");
+    EXPECT_EQ(board.play("-a -k"), "");
     EXPECT_TRUE(board.pad().keys().isNotePressed(72));
     board.send(EventType::LeftMouseUp, onC4);
-    EXPECT_EQ(told(), "-72");
+    EXPECT_EQ(board.notes.take(), "-72");
     // The ends of the keyboard.
     for (int i = 0; i < 12; ++i)
-        board.press(kX);
+        EXPECT_EQ(board.play("+x"), "");
     EXPECT_EQ(board.pad().lowestPlayed(), 108);
     for (int i = 0; i < 12; ++i)
-        board.press(kZ);
+        EXPECT_EQ(board.play("+z"), "");
     EXPECT_EQ(board.pad().firstKey(), 0U);
     board.key(kEscapeCharacter);
-    EXPECT_EQ(told(), "closed");
+    EXPECT_EQ(board.notes.take(), "closed");
 }
 
 TEST(KeyboardPad, LetsEverythingGoWithTheKeysOfTheComputer) {
     Board board;
-    board.press(kA);
-    board.press(kS);
+    board.play("+a +s");
     board.send(EventType::LeftMouseDown, {30.0F, 30.0F});
     board.notes.take();
     board.window().keyStateDidChange(false);
@@ -120,7 +111,7 @@ TEST(KeyboardPad, LetsEverythingGoWithTheKeysOfTheComputer) {
     for (const char* const note : {"-60", "-62", "-48", "all"})
         EXPECT_NE(told.find(note), std::string::npos) << told;
     EXPECT_FALSE(board.pad().keys().isNotePressed(60));
-    board.release(kA);
+    EXPECT_EQ(board.play("-a"), "");
     board.window().activeStateDidChange(true);
     EXPECT_EQ(board.notes.take(), "");
 }
@@ -171,7 +162,7 @@ TEST(KeyboardPad, ToolsAskAndKeysLightUp) {
     EXPECT_GT(inkAt(7), 8);  // A, on the second C
     EXPECT_EQ(inkAt(18), 0);
     const auto before = colorAt(7, 12, 30);
-    board.press(kA);
+    board.play("+a");
     EXPECT_GT(inkAt(7), 8);
     EXPECT_NE(colorAt(7, 12, 30), before);
 }
@@ -196,9 +187,9 @@ TEST(KeyboardDesk, IsHeardAndRemembersWhatWasSet) {
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, 60'000));
         QTest::keyClick(&widget, Qt::Key_K);
         ASSERT_NE(keyboard(), nullptr);
-        send(QEvent::KeyPress, Qt::Key_Q, kA);  // another layout's letter
+        send(QEvent::KeyPress, Qt::Key_Q, kPlaces.at('a'));  // another layout's letter
         EXPECT_TRUE(waitFor([&] { return player.look().outputPeaks[0] > 0.01F; }));
-        send(QEvent::KeyRelease, Qt::Key_Q, kA);
+        send(QEvent::KeyRelease, Qt::Key_Q, kPlaces.at('a'));
         EXPECT_TRUE(waitFor([&] { return player.look().outputPeaks[0] == 0.0F; }));
         EXPECT_FALSE(player.look().playing);
         // The first file still chooses the rate, and is played as soon as it is read.
@@ -211,7 +202,7 @@ TEST(KeyboardDesk, IsHeardAndRemembersWhatWasSet) {
         player.keys().playFile("/nowhere.wav");
         EXPECT_TRUE(waitFor([&] { return !player.keys().isReading(); }));
         EXPECT_EQ(player.keys().file(), file);
-        send(QEvent::KeyPress, Qt::Key_X, kX);
+        send(QEvent::KeyPress, Qt::Key_X, kPlaces.at('x'));
         widget.close();
         EXPECT_EQ(keyboard(), nullptr);
     }

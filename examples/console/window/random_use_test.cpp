@@ -9,6 +9,7 @@
 #include "../test_recordings.h"
 #include "../testing/fake_output.h"
 #include "console_widget.h"
+#include "testing/pictured.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/testing/fake_user.h"
 #include "veltra/qt/qt_port.h"
@@ -238,18 +239,11 @@ private:
         return chance(75) ? Qt::KeyboardModifiers() : Qt::KeyboardModifiers(kAll[below(3)]);
     }
 
-    static void collect(const AccessibilityElement& element,
-                        std::vector<AccessibilityElement*>& all) {
-        for (AccessibilityElement* child : shownAccessibilityChildren(element)) {
-            m_heard += child->accessibilityName().size() + child->accessibilityValueText().size();
-            all.push_back(child);
-            collect(*child, all);
-        }
-    }
     // Mostly on something.
     QPoint somewhere() {
-        std::vector<AccessibilityElement*> all;
-        collect(*m_widget->contentView(), all);
+        const auto all = allUnder(*m_widget->contentView());
+        for (const AccessibilityElement* const each : all)
+            m_heard += each->accessibilityName().size() + each->accessibilityValueText().size();
         if (all.empty() || chance(20)) return {below(m_widget->width()), below(m_widget->height())};
         const auto which = static_cast<std::size_t>(below(static_cast<int>(all.size())));
         const Rect frame = accessibilityFrameInWindow(*all[which]);
@@ -372,7 +366,7 @@ private:
     std::unique_ptr<ConsoleWidget> m_widget;
     std::map<std::string, int> m_done;
     int m_events = 0;
-    static inline std::size_t m_heard = 0;
+    std::size_t m_heard = 0;
 };
 
 TEST(ConsoleWindow, SurvivesRandomUse) {

@@ -3,6 +3,7 @@
 // remember what they were given.
 #pragma once
 
+#include "veltra/base/testing/in_force.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/local_time.h"
 #include "veltra/platform/process.h"
@@ -16,31 +17,16 @@
 
 namespace veltra {
 
-class LogWorld final : private Clocks,
-                       private LocalTime,
-                       private Process,
-                       private SystemLog,
-                       private StandardError {
+class LogWorld final : private testing::InForce<Clocks>,
+                       private testing::InForce<LocalTime>,
+                       private testing::InForce<Process>,
+                       private testing::InForce<SystemLog>,
+                       private testing::InForce<StandardError> {
 public:
     struct Record {
         std::string facility;
         std::vector<std::pair<std::string, std::optional<std::string>>> fields;
     };
-
-    LogWorld() {
-        Clocks::install(this);
-        LocalTime::install(this);
-        Process::install(this);
-        SystemLog::install(this);
-        StandardError::install(this);
-    }
-    ~LogWorld() override {
-        Clocks::install(nullptr);
-        LocalTime::install(nullptr);
-        Process::install(nullptr);
-        SystemLog::install(nullptr);
-        StandardError::install(nullptr);
-    }
 
     using Kind = StandardError::Kind;
 

@@ -7,12 +7,19 @@
 
 namespace veltra::console::testing {
 
-// What a screen reader finds under `element` by its name.
-inline AccessibilityElement* find(const AccessibilityElement& element, const std::string& name) {
+// What a screen reader finds under `element`, in its order.
+inline std::vector<AccessibilityElement*> allUnder(const AccessibilityElement& element) {
+    std::vector<AccessibilityElement*> all;
     for (AccessibilityElement* const child : shownAccessibilityChildren(element)) {
-        if (child->accessibilityName() == name) return child;
-        if (AccessibilityElement* const found = find(*child, name)) return found;
+        all.push_back(child);
+        const auto below = allUnder(*child);
+        all.insert(all.end(), below.begin(), below.end());
     }
+    return all;
+}
+inline AccessibilityElement* find(const AccessibilityElement& element, const std::string& name) {
+    for (AccessibilityElement* const each : allUnder(element))
+        if (each->accessibilityName() == name) return each;
     return nullptr;
 }
 
