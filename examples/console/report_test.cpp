@@ -207,7 +207,10 @@ TEST(StatusLines, TellLevelsInDecibelsAndFitTheTerminal) {
                             "six                0.0 dB  LFE  #######"));
     EXPECT_THAT(statusLines(0.0, 0.0, strips, {20, 4, false}),
                 ElementsAre("0:00.0", "a.wav      -6.0 dB", "and 2 more   6.0 dB"));
-    EXPECT_THAT(statusLines(0.0, 0.0, strips, {60, 24, true})[2], HasSubstr("\033[31m clipped"));
+    const std::vector<std::string> colored = statusLines(0.0, 0.0, strips, {60, 24, true});
+    EXPECT_THAT(colored[2], HasSubstr("\033[31m clipped"));
+    EXPECT_THAT(colored[3], HasSubstr("\033[32m#####\033[33m##\033[0m"));
+    EXPECT_THAT(statusLines(0.0, 0.0, strips, {90, 24, true})[3], HasSubstr("#\033[31m#"));
 }
 
 TEST(Requests, TheExceptionLetsTheUserStopTheProgram) {

@@ -53,13 +53,13 @@ ConsoleState stateOf(int count) {
     state.rate = 48000;
     for (int i = 0; i < count; ++i) {
         StripState& strip = state.strips.emplace_back();
-        const std::size_t channels = i == 5 ? 300 : i % 3 == 2 ? 6 : i % 3 + 1;
+        const int channels = i == 5 ? 300 : i % 3 == 2 ? 6 : i % 3 + 1;
         strip.key = i + 1;
         strip.path = "/music/" + nameOf(strip.key);
         strip.format.rate = 48000;
-        strip.format.channels = static_cast<int>(channels);
-        strip.format.plan = channelPlan(std::vector<int>(channels));
-        strip.meter.peaks.assign(channels, 0.1F);
+        strip.format.channels = channels;
+        strip.meter.peaks.assign(static_cast<std::size_t>(channels), 0.1F);
+        strip.format.plan = channelPlan(std::vector<int>(strip.meter.peaks.size()));
         strip.meter.framesTotal = 480'000;
     }
     return state;
