@@ -15,11 +15,13 @@ struct Listener final : View {
     bool takesFirstMouse = true;
     bool movesWindow = false;
     int presses = 0;
-    bool isEntered = false;
+    bool isEntered = false, isHeld = false;
     std::vector<bool> mainStates;
     bool acceptsFirstMouse(const Event*) const override { return takesFirstMouse; }
     bool mouseDownCanMoveWindow() const override { return movesWindow; }
-    void mouseDown(const Event&) override { ++presses; }
+    void mouseDown(const Event&) override { ++presses, isHeld = true; }
+    void mouseDragged(const Event&) override { isHeld = true; }
+    void mouseUp(const Event&) override { isHeld = false; }
     void mouseEntered(const Event&) override { isEntered = true; }
     void mouseExited(const Event&) override { isEntered = false; }
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
@@ -225,16 +227,21 @@ TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
     Shown<View> host(Rect{{}, {100, 100}});
     View& frame = host.view.addSubview(std::make_unique<View>(Rect{{}, {99, 99}}));
     auto& listener = frame.addSubview(std::make_unique<Listener>(Rect{{50, 0}, {40, 40}}));
-    std::unique_ptr<View> taken;
-    const std::function<void()> losses[] = {[&] { listener.setHidden(true); },
-                                            [&] { taken = frame.takeFromSuperview(); }};
-    for (const auto& lose : losses) {
-        listener.setHidden(false);
+    for (View* const hidden : {static_cast<View*>(&listener), &frame}) {
         host.move({55, 5});
-        EXPECT_TRUE(listener.isEntered);
-        lose();
-        EXPECT_FALSE(listener.isEntered) << &lose - losses;
+        host.press({55, 5});
+        EXPECT_TRUE(listener.isEntered && listener.isHeld);
+        hidden->setHidden(true);
+        EXPECT_FALSE(listener.isEntered || listener.isHeld);
+        hidden->setHidden(false);
+        host.drag({56, 5});
+        EXPECT_FALSE(listener.isHeld) << "the drag is over";
+        host.release({56, 5});
     }
+    host.move({55, 5});
+    EXPECT_TRUE(listener.isEntered);
+    const std::unique_ptr<View> taken = frame.takeFromSuperview();
+    EXPECT_FALSE(listener.isEntered);
 }
 
 // Hands on what else it hears, to somebody who may destroy it.
