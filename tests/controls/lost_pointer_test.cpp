@@ -31,11 +31,8 @@ struct Told final : Anchored, KeyboardViewDelegate {
     void keyboardViewDidReleaseNote(KeyboardView&, std::int32_t note) override {
         text += "-" + std::to_string(note) + " ";
     }
-    static void began(void* self, const VLString*, const void*) {
-        static_cast<Told*>(self)->text += "start ";
-    }
-    static void ended(void* self, const VLString*, const void*) {
-        static_cast<Told*>(self)->text += "stop ";
+    static void tracked(void* self, const VLString* name, const void*) {
+        static_cast<Told*>(self)->text += name == kSliderStartTracking ? "start " : "stop ";
     }
 };
 
@@ -58,8 +55,8 @@ std::unique_ptr<View> slider(int width, int height, void (*setUp)(QkSliderCell&)
         setUp(cell);
         cell.setMovableToolTip(&cell, 0);
         auto& center = NotificationCenter::local();
-        center.addObserver(&told, &Told::began, kSliderStartTracking, &cell);
-        center.addObserver(&told, &Told::ended, kSliderStopTracking, &cell);
+        for (const VLString* name : {kSliderStartTracking, kSliderStopTracking})
+            center.addObserver(&told, &Told::tracked, name, &cell);
     }
     return telling(std::move(made), told);
 }
@@ -142,19 +139,15 @@ public:
     void begin() {
         move({1, 1}, Qt::NoButton);
         move(m_specimen.from, Qt::NoButton);
-        if (m_specimen.kind == Kind::Touch) {
-            QTest::touchEvent(&widget, screen.get()).press(3, at(m_specimen.from));
-        } else {
-            QTest::mousePress(&widget, Qt::LeftButton, {}, at(m_specimen.from));
-        }
+        const QPoint from = at(m_specimen.from);
+        if (isTouch()) touch().press(3, from);
+        if (!isTouch()) QTest::mousePress(&widget, Qt::LeftButton, {}, from);
         go(m_specimen.to);
     }
     void release() {
-        if (m_specimen.kind == Kind::Touch) {
-            QTest::touchEvent(&widget, screen.get()).release(3, at(m_specimen.to));
-        } else {
-            QTest::mouseRelease(&widget, Qt::LeftButton, {}, at(m_specimen.to));
-        }
+        const QPoint to = at(m_specimen.to);
+        if (isTouch()) touch().release(3, to);
+        if (!isTouch()) QTest::mouseRelease(&widget, Qt::LeftButton, {}, to);
     }
     void goOn() { go(m_specimen.from); }
     void tell(QEvent&& event) { QApplication::sendEvent(&widget, &event); }
@@ -179,12 +172,11 @@ public:
 
 private:
     static QPoint at(QPoint inControl) { return inControl + QPoint(20, 20); }
+    bool isTouch() const { return m_specimen.kind == Kind::Touch; }
+    QTest::QTouchEventWidgetSequence touch() { return QTest::touchEvent(&widget, screen.get()); }
     void go(QPoint to) {
-        if (m_specimen.kind == Kind::Touch) {
-            QTest::touchEvent(&widget, screen.get()).move(3, at(to));
-        } else {
-            move(to, Qt::LeftButton);
-        }
+        if (isTouch()) touch().move(3, at(to));
+        if (!isTouch()) move(to, Qt::LeftButton);
     }
 
     const Specimen& m_specimen;

@@ -5,8 +5,6 @@
 #include "veltra/controls/level_meters/stereo_level_meter_view.h"
 #include "veltra/ui/testing/sight.h"
 
-#include <set>
-
 namespace veltra::testing {
 namespace {
 
@@ -49,40 +47,27 @@ TEST(Pictures, TicksStandInTheGapsOfLedsAtEveryScale) {
         const auto at = [&](float points) {
             return static_cast<std::int32_t>(std::lround(points * setting.scale));
         };
-        const std::int32_t top = at(36.0F), bottom = at(36.0F + 248.0F);
-        // Down the first bar: where each LED begins.
-        std::vector<std::int32_t> begins;
-        std::set<std::int32_t> gaps;
-        for (std::int32_t y = top; y < bottom; ++y) {
-            const bool isGap = pixels.rgbAt(at(46.0F), y) == rgbOf(colors.glass);
-            if (isGap) {
-                gaps.insert(y);
-            } else if (y == top || gaps.count(y - 1) != 0) {
-                begins.push_back(y);
-            }
-        }
-        ASSERT_EQ(begins.size(), 62U);
-        const auto gap = static_cast<std::int32_t>(setting.scale);
-        for (std::size_t i = 0; i < begins.size(); ++i)
-            EXPECT_EQ(begins[i], top + at(4.0F) * static_cast<std::int32_t>(i));
+        const std::int32_t top = at(36.0F), bottom = at(36.0F + 248.0F), pitch = at(4.0F);
+        // Down the first bar: where each of 62 LEDs begins.
+        const auto isGap = [&](std::int32_t y) {
+            return pixels.rgbAt(at(46.0F), y) == rgbOf(colors.glass);
+        };
+        ASSERT_EQ(bottom - top, 62 * pitch);
+        for (std::int32_t y = top; y < bottom; ++y)
+            EXPECT_EQ(!isGap(y) && (y == top || isGap(y - 1)), (y - top) % pitch == 0) << y;
         // Ticks end 2 points before the glass; the first just above the first LED.
-        std::vector<std::int32_t> ticks;
+        const auto gap = static_cast<std::int32_t>(setting.scale);
+        std::int32_t count = 0;
         for (std::int32_t y = top - at(10.0F); y < bottom; ++y) {
             const std::uint32_t color = pixels.rgbAt(at(36.5F), y);
-            if (color == rgbOf(colors.strong) || color == rgbOf(colors.label)) ticks.push_back(y);
+            if (color != rgbOf(colors.strong) && color != rgbOf(colors.label)) continue;
+            EXPECT_TRUE(count++ < gap ? y == top - gap + count - 1 : isGap(y)) << y;
         }
-        ASSERT_EQ(ticks.size(), static_cast<std::size_t>(10 * gap));
-        for (std::size_t i = 0; i < ticks.size(); ++i) {
-            if (i < static_cast<std::size_t>(gap)) {
-                EXPECT_EQ(ticks[i], top - gap + static_cast<std::int32_t>(i));
-            } else {
-                EXPECT_EQ(gaps.count(ticks[i]), 1U) << i;
-            }
-        }
+        EXPECT_EQ(count, 10 * gap);
         // Neighbouring zones can be told apart where they meet.
-        for (const std::size_t lowest : {4U, 18U}) {
-            const std::uint32_t above = pixels.rgbAt(at(46.0F), begins[lowest]);
-            const std::uint32_t below = pixels.rgbAt(at(46.0F), begins[lowest + 1]);
+        for (const std::int32_t lowest : {4, 18}) {
+            const std::uint32_t above = pixels.rgbAt(at(46.0F), top + lowest * pitch);
+            const std::uint32_t below = pixels.rgbAt(at(46.0F), top + (lowest + 1) * pitch);
             for (const Sight sight : kSights)
                 EXPECT_GE(distance(above, below, sight), sight == Sight::Ordinary ? 50.0 : 25.0);
         }

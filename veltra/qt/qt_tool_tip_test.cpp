@@ -30,13 +30,10 @@ TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
     EXPECT_EQ(tip->text(), "7") << "a value that is being changed stays";
     ToolTipWindow::shared().closeToolTipWindow();
     EXPECT_FALSE(tip->isVisible());
-    const std::function<void()> ends[] = {[this] {
-                                              drag({60, 5}, Qt::NoButton);
-                                          },
-                                          [this] { QTest::keyPress(widget, Qt::Key_A); },
-                                          [this] {
-                                              turn({0, 120});
-                                          }};
+    constexpr QPoint kElsewhere{60, 5}, kNotch{0, 120};
+    const std::function<void()> ends[] = {[&] { drag(kElsewhere, Qt::NoButton); },
+                                          [&] { QTest::keyPress(widget, Qt::Key_A); },
+                                          [&] { turn(kNotch); }};
     for (const auto& end : ends) {
         rest({5, 5});
         EXPECT_EQ(tip->text(), "resting");
@@ -47,7 +44,7 @@ TEST_F(OnQt, TheToolTipStaysClearOfWhatItDescribes) {
         end();
         EXPECT_FALSE(tip->isVisible()) << &end - ends;
     }
-    rest({60, 5});  // where nothing is described
+    rest(kElsewhere);  // where nothing is described
     EXPECT_FALSE(tip->isVisible());
 }
 

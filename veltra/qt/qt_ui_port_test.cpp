@@ -15,13 +15,12 @@ TEST_F(OnQt, APullEndsWhenTheReleaseCannotComeAnyMore) {
         QEvent lost(type);
         QApplication::sendEvent(widget, &lost);
     };
-    const std::function<void()> ends[] = {[this] { widget->hide(); },
-                                          [this] { delete widget.data(); },
+    constexpr QPoint kElsewhere{30, 30};
+    const std::function<void()> ends[] = {[&] { widget->hide(); },
+                                          [&] { delete widget.data(); },
                                           [&] { lose(QEvent::WindowDeactivate); },
                                           [&] { lose(QEvent::UngrabMouse); },
-                                          [this] {
-                                              drag({30, 30}, Qt::NoButton);
-                                          },
+                                          [&] { drag(kElsewhere, Qt::NoButton); },
                                           [] { QCoreApplication::quit(); }};
     host(std::make_unique<Probe>(Rect{{}, {50, 50}}));
     for (const auto& end : ends) {

@@ -29,6 +29,16 @@ QWidget* show(Window& window) {
     return top;
 }
 
+// A display tells sizes late: those of before may come in between.
+bool comesTo(const QWidget& top, const Window& window, QSize size) {
+    QCoreApplication::processEvents();
+    const auto width = static_cast<float>(size.width());
+    return comesTrue([&] {
+        return top.size() == size && window.frame().size.width == width &&
+               window.contentView()->frame().size.width == width;
+    });
+}
+
 TEST(QtPort, WindowsOutliveTheApplication) {
     struct Closing final : Panel {
         using Panel::Panel;
@@ -70,23 +80,12 @@ TEST(QtPort, LimitsHoldFromTheNextSizeOn) {
     } rows[] = {{{230, 50}, {900, 900}, {200, 100}, {210, 100}, {230, 100}},
                 {{0, 0}, {170, 900}, {230, 100}, {200, 100}, {170, 100}},
                 {{0, 0}, {900, 900}, {170, 100}, {300, 300}, {300, 300}}};
-    // A display tells sizes late: those of before may come in between.
-    const auto comesTo = [&](QSize size) {
-        QCoreApplication::processEvents();
-        const auto width = static_cast<float>(size.width());
-        return QTest::qWaitFor(
-            [&] {
-                return top->size() == size && window.frame().size.width == width &&
-                       window.contentView()->frame().size.width == width;
-            },
-            kPatience);
-    };
     for (const auto& row : rows) {
         window.setMinSize(row.minimum);
         window.setMaxSize(row.maximum);
-        EXPECT_TRUE(comesTo(row.kept)) << top->width();
+        EXPECT_TRUE(comesTo(*top, window, row.kept)) << top->width();
         top->resize(row.wish);  // as the user does
-        EXPECT_TRUE(comesTo(row.got)) << top->width();
+        EXPECT_TRUE(comesTo(*top, window, row.got)) << top->width();
     }
 }
 
@@ -101,13 +100,10 @@ TEST(QtPort, WindowsAreAsTheirStyleSays) {
         EXPECT_EQ(top->windowFlags().testFlag(Qt::FramelessWindowHint), !style.isTitled);
         EXPECT_FALSE(style.isTitled && top->windowFlags().testFlag(Qt::WindowCloseButtonHint));
         EXPECT_EQ(top->windowTitle(), "Mixer");
-        const auto comesTo = [&](QSize size) {
-            return QTest::qWaitFor([&] { return top->size() == size; }, kPatience);
-        };
         window.setFrame({{100, 100}, {220, 120}});
-        EXPECT_TRUE(comesTo({220, 120}));
+        EXPECT_TRUE(comesTo(*top, window, {220, 120}));
         top->resize(400, 400);  // as the user does
-        EXPECT_TRUE(comesTo(style.isResizable ? QSize(250, 250) : QSize(220, 120)));
+        EXPECT_TRUE(comesTo(*top, window, style.isResizable ? QSize(250, 250) : QSize(220, 120)));
         window.miniaturize();
         EXPECT_TRUE(top->isMinimized());
     }

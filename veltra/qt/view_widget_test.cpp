@@ -3,7 +3,7 @@
 
 #include "veltra/platform/run_loop.h"
 #include "veltra/qt/testing/on_qt.h"
-#include "veltra/ui/control.h"
+#include "veltra/ui/button.h"
 
 #include <QAccessible>
 #include <QScreen>
@@ -106,18 +106,6 @@ TEST_F(OnQt, TabLeadsThroughTheKeyViewsAndOn) {
 }
 
 TEST_F(OnQt, MayBeDeletedInEveryCallback) {
-    struct Deleter final : Control {
-        using Control::Control;
-        bool performAccessibilityAction(AccessibilityAction /*action*/) override {
-            delete victim.data();
-            return true;
-        }
-        AccessibilityRole accessibilityRole() const override { return AccessibilityRole::Button; }
-        std::vector<AccessibilityAction> accessibilityActions() const override {
-            return {AccessibilityAction::Press};
-        }
-        QPointer<ViewWidget> victim;
-    };
     const auto show = [this] {
         widget = new ViewWidget;
         widget->setContentView(std::make_unique<Probe>(Rect{{}, {50, 50}}));
@@ -146,10 +134,11 @@ TEST_F(OnQt, MayBeDeletedInEveryCallback) {
     EXPECT_TRUE(comesTrue([this] { return widget.isNull(); }));
     timer->invalidate();
 
-    show();
-    auto deleter = std::make_unique<Deleter>(Rect{{}, {50, 50}});
-    deleter->victim = widget;
-    widget->setContentView(std::move(deleter));
+    Probe* const around = show();
+    around->react = [this](const Event& /*event*/) { delete widget.data(); };
+    auto& pressed = around->addSubview(std::make_unique<Button>(Rect{{}, {50, 50}}, "Close"));
+    pressed.setTarget(around);
+    pressed.setAction(action<&Probe::tick>());
     auto* const root = QAccessible::queryAccessibleInterface(widget.data());
     ASSERT_EQ(root->childCount(), 1);
     QAccessibleInterface* const button = root->child(0);

@@ -16,13 +16,13 @@ struct Named final : View {
 
 TEST(Accessibility, FindsOnlyWhatCanBeSeen) {
     ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& row = host.window.contentView()->addSubview(
+    Shown<View> host(Rect{{}, {100, 100}});
+    View& row = host.view.addSubview(
         std::make_unique<View>(Rect{{0, 0}, {50, 100}}));  // ignored, and cuts off
     Named& seen = row.addSubview(std::make_unique<Named>(Rect{{10, 10}, {20, 20}}));
     Named& cut = row.addSubview(std::make_unique<Named>(Rect{{40, 10}, {40, 20}}));
     Named& out = row.addSubview(std::make_unique<Named>(Rect{{60, 50}, {20, 20}}));
-    AccessibilityElement& root = *host.window.contentView();
+    AccessibilityElement& root = host.view;
     EXPECT_THAT(shownAccessibilityChildren(root), ElementsAre(&seen, &cut, &out));
     EXPECT_EQ(accessibilityElementAt(root, {15, 15}), &seen);
     EXPECT_EQ(accessibilityElementAt(root, {45, 15}), &cut);

@@ -57,9 +57,9 @@ TEST(CellValues, AreTheSameKindOfThingAfterAnArchive) {
 
 TEST(CellDrawing, IsAskedForByWhatChangesAndCutOffAtTheFrame) {
     ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 50}}));
+    Shown<View> host(Rect{{}, {100, 50}});
     Cell cell("text");
-    cell.calculateInternalsFromCellFrame({{10, 10}, {30, 20}}, *host.window.contentView());
+    cell.calculateInternalsFromCellFrame({{10, 10}, {30, 20}}, host.view);
     host.port.invalid.clear();
     cell.setHighlighted(false);
     cell.setAlignment(TextAlignment::Left);
@@ -70,7 +70,7 @@ TEST(CellDrawing, IsAskedForByWhatChangesAndCutOffAtTheFrame) {
     EXPECT_EQ(host.port.invalid[0], (Rect{{10, 20}, {30, 20}}));
     RecordingCanvas surface;
     Canvas canvas(surface);
-    cell.drawWithFrame(canvas, {{5, 5}, {30, 20}}, *host.window.contentView());
+    cell.drawWithFrame(canvas, {{5, 5}, {30, 20}}, host.view);
     ASSERT_EQ(surface.calls.size(), 2U);
     EXPECT_EQ(surface.calls[1].clip, (Rect{{5, 5}, {30, 20}}));
     EXPECT_EQ(cell.cellFrame(), (Rect{{5, 5}, {30, 20}}));

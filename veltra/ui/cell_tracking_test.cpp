@@ -33,7 +33,7 @@ TEST(Tracking, EndsAsItsPolicySays) {
         {false, true, "d0 d0 u0", "sdx", false},    {false, true, "w u0", "swu", true},
         {true, false, "o d0 o u0", "sdu", true},    {true, false, "d0 c u0", "sdx", false}};
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 50}}));
+    Shown<View> host(Rect{{}, {100, 50}});
     for (const auto& row : rows) {
         Traced cell;
         cell.stopsEarly = row.stopsEarly;
@@ -42,7 +42,7 @@ TEST(Tracking, EndsAsItsPolicySays) {
         event.locationInWindow = {5, 5};
         event.eventNumber = 7;
         event.clickCount = 1;
-        View& view = *host.window.contentView();
+        View& view = host.view;
         ASSERT_TRUE(tracking.press(cell, view, {{0, 0}, {10, 10}}, row.untilMouseUp, event));
         for (const char* step = row.events; *step != '\0'; ++step) {
             Event next = event;
@@ -61,7 +61,7 @@ TEST(Tracking, EndsAsItsPolicySays) {
     }
     Traced disabled;
     disabled.setEnabled(false);
-    EXPECT_FALSE(CellTracking().press(disabled, *host.window.contentView(), {}, true, Event()));
+    EXPECT_FALSE(CellTracking().press(disabled, host.view, {}, true, Event()));
 }
 
 }  // namespace

@@ -2,25 +2,17 @@
 #include "veltra/ui/path.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/ui/testing/recording_canvas.h"
 
 namespace veltra::testing {
 namespace {
-
-Rect around(const Path& path) {
-    Rect all;
-    for (const Path::Element& element : path.elements()) {
-        const Point end = element.points[element.verb == Path::Verb::Curve ? 2 : 0];
-        if (element.verb != Path::Verb::Close) all = all.united({end, {1e-3F, 1e-3F}});
-    }
-    return all;
-}
 
 TEST(Paths, TouchTheSidesOfTheirRectangleAndTurnItsCorners) {
     const Rect rect{{3, 4}, {20, 10}};
     for (const float radius : {-1.0F, 0.0F, 2.0F, 5.0F, 99.0F}) {
         const Path path = Path::roundedRect(rect, radius);
-        EXPECT_NEAR(around(path).maxX(), rect.maxX(), 0.01F);
-        EXPECT_NEAR(around(path).minY(), rect.minY(), 0.01F);
+        EXPECT_NEAR(RecordingCanvas::around(path).maxX(), rect.maxX(), 1e-3F);
+        EXPECT_NEAR(RecordingCanvas::around(path).minY(), rect.minY(), 1e-3F);
         EXPECT_EQ(path.elements().size(), radius > 0.0F ? 10U : 5U);
         EXPECT_FLOAT_EQ(path.elements()[0].points[0].x, 3.0F + std::clamp(radius, 0.0F, 5.0F));
     }

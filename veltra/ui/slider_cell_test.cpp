@@ -31,17 +31,12 @@ TEST(SliderCellValues, KeepToLimitsAndTicks) {
     }
 }
 
-struct Flipped final : Slider {
-    using Slider::Slider;
-    bool isFlipped() const override { return true; }
-};
-
 TEST(SliderCellValues, FollowThePointerInEveryDirectionAndStandAtTheirMarks) {
     const ScriptedPort port;
     for (const bool isVertical : {false, true}) {
         for (const bool isFlipped : {false, true}) {
             const Rect frame{{}, isVertical ? Size{20, 114} : Size{114, 20}};
-            HostedView host(isFlipped ? std::make_unique<Flipped>(frame)
+            HostedView host(isFlipped ? std::make_unique<Flipped<Slider>>(frame)
                                       : std::make_unique<Slider>(frame));
             SliderCell& cell = static_cast<Slider&>(*host.window.contentView()).sliderCell();
             cell.setMaxValue(100.0);

@@ -10,16 +10,15 @@ namespace {
 TEST(ToolTips, GoWithTheirViewAndTheirText) {
     ScriptedPort port;
     TaggedTip source;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
+    Shown<View> host(Rect{{}, {100, 100}});
     ToolTipWindow& tip = ToolTipWindow::shared();
-    View& root = *host.window.contentView();
     const std::function<void(View&, View&)> ends[] = {
         [](View& outer, View&) { outer.removeFromSuperview(); },
         [](View&, View& inner) { inner.takeFromSuperview().reset(); },
         [](View& outer, View&) { outer.setHidden(true); },
         [&](View&, View&) { tip.closeToolTipWindow(); }};
     for (const auto& end : ends) {
-        View& outer = root.addSubview(std::make_unique<View>(Rect{{10, 10}, {50, 50}}));
+        View& outer = host.view.addSubview(std::make_unique<View>(Rect{{10, 10}, {50, 50}}));
         View& inner = outer.addSubview(std::make_unique<View>(Rect{{5, 5}, {20, 20}}));
         tip.showToolTipWindowForView(inner, &source, 1, {2, 3});
         EXPECT_EQ(port.toolTip, "71");

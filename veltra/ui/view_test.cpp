@@ -9,11 +9,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-struct Flipped : View {
-    using View::View;
-    bool isFlipped() const override { return true; }
-};
-
 // Draws what it is asked for, takes keys, and scrolls its subviews where it may.
 struct Spot final : View {
     using View::View;
@@ -31,9 +26,9 @@ struct Spot final : View {
 
 TEST(ViewTree, ConvertsAndResizesThroughEveryMixOfDirections) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {200, 100}}));
+    Shown<View> host(Rect{{}, {200, 100}});
     View* const flipped =
-        &host.window.contentView()->addSubview(std::make_unique<Flipped>(Rect{{50, 20}, {40, 60}}));
+        &host.view.addSubview(std::make_unique<Flipped<View>>(Rect{{50, 20}, {40, 60}}));
     View& inner = flipped->addSubview(std::make_unique<View>(Rect{{5, 10}, {20, 30}}));
     inner.setAutoresizingMask(kViewWidthSizable | kViewMinYMargin);
     flipped->setAutoresizingMask(kViewWidthSizable | kViewHeightSizable);
@@ -41,7 +36,7 @@ TEST(ViewTree, ConvertsAndResizesThroughEveryMixOfDirections) {
     EXPECT_EQ(inner.convertPointToView({0, 0}, nullptr), (Point{55, 40}));
     EXPECT_EQ(inner.convertPointFromView({0, 0}, flipped), (Point{-5, 40}));
     EXPECT_EQ(inner.convertRectToView({{2, 3}, {4, 5}}, flipped), (Rect{{7, 32}, {4, 5}}));
-    EXPECT_EQ(host.window.contentView()->hitTest({56, 41}), &inner);
+    EXPECT_EQ(host.view.hitTest({56, 41}), &inner);
     host.window.frameDidChange({{}, {240, 150}});
     EXPECT_EQ(flipped->frame(), (Rect{{50, 20}, {80, 110}})) << "shares go to what gives";
     EXPECT_EQ(inner.frame(), (Rect{{5, 60}, {60, 30}}));
@@ -49,10 +44,9 @@ TEST(ViewTree, ConvertsAndResizesThroughEveryMixOfDirections) {
 
 TEST(ViewTree, DrawsExactlyWhatIsInvalidAndSeen) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
-    View& left = root.addSubview(std::make_unique<Spot>(Rect{{0, 0}, {50, 50}}));
-    View& right = root.addSubview(std::make_unique<Spot>(Rect{{50, 0}, {50, 50}}));
+    Shown<View> host(Rect{{}, {100, 100}});
+    View& left = host.view.addSubview(std::make_unique<Spot>(Rect{{0, 0}, {50, 50}}));
+    View& right = host.view.addSubview(std::make_unique<Spot>(Rect{{50, 0}, {50, 50}}));
     View& deep = right.addSubview(std::make_unique<Spot>(Rect{{40, 40}, {50, 50}}));
     EXPECT_EQ(host.display().size(), 3U);
     left.setNeedsDisplayInRect({{10, 10}, {5, 5}});
@@ -80,7 +74,7 @@ TEST(ViewTree, DrawsNothingBeneathWhatAViewCovers) {
     HostedView host(std::make_unique<Spot>(Rect{{}, {100, 100}}));
     View& root = *host.window.contentView();
     root.addSubview(std::make_unique<Spot>(Rect{{0, 0}, {60, 60}}));
-    View& box = root.addSubview(std::make_unique<Flipped>(Rect{{10, 10}, {40, 40}}));
+    View& box = root.addSubview(std::make_unique<Flipped<View>>(Rect{{10, 10}, {40, 40}}));
     Cover& cover = box.addSubview(std::make_unique<Cover>(Rect{{0, 0}, {50, 20}}));
     cover.opaque = {{0, 0}, {50, 10}};
     View& above = root.addSubview(std::make_unique<Spot>(Rect{{45, 0}, {30, 90}}));
@@ -134,9 +128,9 @@ TEST(ViewTree, TellsPlaceAndMovementOfThePointerAlongItsOwnAxes) {
         }
     };
     for (const bool isFlipped : {false, true}) {
-        HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-        auto& grip = host.window.contentView()->addSubview(
-            std::make_unique<Grip>(Rect{{10, 20}, {50, 50}}, isFlipped));
+        Shown<View> host(Rect{{}, {100, 100}});
+        auto& grip =
+            host.view.addSubview(std::make_unique<Grip>(Rect{{10, 20}, {50, 50}}, isFlipped));
         host.press({20, 30});
         host.drag({25, 42});
         host.drag({21, 35});
@@ -148,21 +142,20 @@ TEST(ViewTree, TellsPlaceAndMovementOfThePointerAlongItsOwnAxes) {
 
 TEST(ViewTree, PutsSubviewsWhereTheyAreWanted) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
+    Shown<View> host(Rect{{}, {100, 100}});
     const auto make = [] { return std::make_unique<Spot>(Rect{{}, {10, 10}}); };
-    View& top = root.addSubview(make());
-    View& low = root.insertSubview(make(), 0);
-    View& middle = root.insertSubview(make(), 1);
+    View& top = host.view.addSubview(make());
+    View& low = host.view.insertSubview(make(), 0);
+    View& middle = host.view.insertSubview(make(), 1);
     auto made = make();
     const View* const replaced = made.get();
-    const auto taken = root.replaceSubview(middle, std::move(made));
+    const auto taken = host.view.replaceSubview(middle, std::move(made));
     EXPECT_EQ(taken.get(), &middle);
     EXPECT_EQ(taken->window(), nullptr);
-    EXPECT_EQ(root.hitTest({5, 5}), &top);
-    EXPECT_EQ(root.replaceSubview(middle, make()), nullptr) << "it is no subview any more";
+    EXPECT_EQ(host.view.hitTest({5, 5}), &top);
+    EXPECT_EQ(host.view.replaceSubview(middle, make()), nullptr) << "it is no subview any more";
     std::vector<const View*> order;
-    for (const auto& view : root.subviews())
+    for (const auto& view : host.view.subviews())
         order.push_back(view.get());
     EXPECT_THAT(order, ElementsAre(&low, replaced, &top));
 }

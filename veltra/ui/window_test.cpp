@@ -15,11 +15,13 @@ struct Listener final : View {
     bool takesFirstMouse = true;
     bool movesWindow = false;
     int presses = 0;
-    bool isEntered = false;
+    bool isEntered = false, isHeld = false;
     std::vector<bool> mainStates;
     bool acceptsFirstMouse(const Event*) const override { return takesFirstMouse; }
     bool mouseDownCanMoveWindow() const override { return movesWindow; }
-    void mouseDown(const Event&) override { ++presses; }
+    void mouseDown(const Event&) override { ++presses, isHeld = true; }
+    void mouseDragged(const Event&) override { isHeld = true; }
+    void mouseUp(const Event&) override { isHeld = false; }
     void mouseEntered(const Event&) override { isEntered = true; }
     void mouseExited(const Event&) override { isEntered = false; }
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
@@ -48,9 +50,7 @@ struct TouchedWindow {
     Touched* left = &frame.addSubview(std::make_unique<Touched>(Rect{{}, {40, 99}}));
     Touched* right = &frame.addSubview(std::make_unique<Touched>(Rect{{40, 0}, {40, 99}}));
     bool touch(EventType type, std::int64_t finger, float x) {
-        Event event = host.eventAt(type, {x, 50});
-        event.finger = finger;
-        return Application::current().postEvent(event);
+        return host.touch(type, {x, 50}, finger);
     }
 };
 
@@ -63,8 +63,8 @@ std::vector<Button*> addButtons(View& root, std::initializer_list<float> places)
 
 TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    const auto buttons = addButtons(*host.window.contentView(), {0.0F, 30.0F, 60.0F});
+    Shown<View> host(Rect{{}, {100, 100}});
+    const auto buttons = addButtons(host.view, {0.0F, 30.0F, 60.0F});
     const auto reached = [&host](char16_t key) {
         host.key(key);
         return host.window.firstResponder();
@@ -97,10 +97,9 @@ TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
         bool resignFirstResponder() override { return resigns; }
     };
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& root = *host.window.contentView();
-    auto& one = root.addSubview(std::make_unique<Moody>(Rect{{}, {50, 50}}));
-    auto& other = root.addSubview(std::make_unique<Moody>(Rect{{50, 0}, {50, 50}}));
+    Shown<View> host(Rect{{}, {100, 100}});
+    auto& one = host.view.addSubview(std::make_unique<Moody>(Rect{{}, {50, 50}}));
+    auto& other = host.view.addSubview(std::make_unique<Moody>(Rect{{50, 0}, {50, 50}}));
     Moody elsewhere({{}, {50, 50}});
     const auto gives = [&](Responder* to) { return host.window.makeFirstResponder(to); };
     EXPECT_TRUE(gives(&one));
@@ -120,51 +119,47 @@ TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
 
 TEST(FocusRing, FollowsItsViewWhileKeysLeadBeyondItsBounds) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& frame =
-        host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {100, 50}}));
+    Shown<View> host(Rect{{}, {100, 100}});
+    View& frame = host.view.addSubview(std::make_unique<View>(Rect{{}, {100, 50}}));
     const auto buttons = addButtons(frame, {10.0F, 50.0F});
-    const auto rings = [&] { return host.drawn(RecordingCanvas::What::StrokePath); };
+    const auto rings = [&](bool isAllInvalid = true) {
+        if (isAllInvalid) host.window.invalidate({{}, {100, 100}});
+        return host.drawn(RecordingCanvas::What::StrokePath);
+    };
     host.click({15, 15});
     EXPECT_FALSE(buttons[0]->showsFocus());
     host.window.makeFirstResponder(buttons[0]);
-    host.window.invalidate({{}, {100, 100}});
     const std::size_t lines = rings().size();  // of the two buttons
     host.key(kTabCharacter);
     EXPECT_TRUE(buttons[1]->showsFocus());
-    host.window.invalidate({{}, {100, 100}});
     auto drawn = rings();
     ASSERT_EQ(drawn.size(), lines + 1);
     EXPECT_EQ(drawn.back().rect, (Rect{{47, 67}, {36, 36}}));  // the middle of its line
     EXPECT_EQ(drawn.back().clip, (Rect{{0, 50}, {100, 50}}));  // of the view around
     buttons[1]->setFrameOrigin({60, 10});
     host.display();
-    drawn = rings();  // asked for by the drawing before
+    drawn = rings(false);  // asked for by the drawing before
     ASSERT_FALSE(drawn.empty());
     EXPECT_EQ(drawn.back().rect.origin, (Point{57, 57}));
     host.press({5, 90});
     EXPECT_THAT(host.port.invalid, ::testing::Contains(Rect{{56, 56}, {38, 38}}));
-    host.window.invalidate({{}, {100, 100}});
     EXPECT_EQ(rings().size(), lines);
     host.key(kTabCharacter);
     host.window.keyStateDidChange(false);
-    host.window.invalidate({{}, {100, 100}});
     EXPECT_EQ(rings().size(), lines);
     // A view that its shape covers is a part of it.
     host.window.keyStateDidChange(true);
-    View& ground =
-        host.window.contentView()->addSubview(std::make_unique<View>(Rect{{20, 60}, {30, 20}}));
+    View& ground = host.view.addSubview(std::make_unique<View>(Rect{{20, 60}, {30, 20}}));
     host.window.makeFirstResponder(addButtons(ground, {0.0F})[0]);
     ground.subviews()[0]->setFrame(ground.bounds());
-    host.window.invalidate({{}, {100, 100}});
     EXPECT_EQ(rings().back().clip, (Rect{{}, {100, 100}}));
 }
 
 TEST(KeyViewLoop, PassesOverWhatIsOutOfSightAndInheritsWhatGoes) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    const auto buttons = addButtons(*host.window.contentView(),
-                                    {0.0F, 120.0F, 30.0F, 60.0F});  // the second is out of sight
+    Shown<View> host(Rect{{}, {100, 100}});
+    const auto buttons =
+        addButtons(host.view, {0.0F, 120.0F, 30.0F, 60.0F});  // the second is out of sight
     host.window.keyboardArrives(true);
     host.key(kTabCharacter);
     EXPECT_EQ(host.window.firstResponder(), buttons[2]);
@@ -229,31 +224,24 @@ TEST(Touches, AreCancelledOnceWhenTheirViewOrWindowGoes) {
 
 TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
     const ScriptedPort port;
-    HostedView host(std::make_unique<View>(Rect{{}, {100, 100}}));
-    View& frame = host.window.contentView()->addSubview(std::make_unique<View>(Rect{{}, {99, 99}}));
-    Button& button = *addButtons(frame, {0.0F})[0];
-    for (View* const hidden : {static_cast<View*>(&button), &frame}) {
-        host.move({5, 5});
-        host.press({5, 5});
-        EXPECT_TRUE(button.cell()->isHighlighted());
-        hidden->setHidden(true);
-        EXPECT_FALSE(button.cell()->isHighlighted());
-        hidden->setHidden(false);
-        host.drag({6, 6});
-        EXPECT_FALSE(button.cell()->isHighlighted()) << "the drag is over";
-        host.release({6, 6});
-    }
+    Shown<View> host(Rect{{}, {100, 100}});
+    View& frame = host.view.addSubview(std::make_unique<View>(Rect{{}, {99, 99}}));
     auto& listener = frame.addSubview(std::make_unique<Listener>(Rect{{50, 0}, {40, 40}}));
-    std::unique_ptr<View> taken;
-    const std::function<void()> losses[] = {[&] { listener.setHidden(true); },
-                                            [&] { taken = frame.takeFromSuperview(); }};
-    for (const auto& lose : losses) {
-        listener.setHidden(false);
+    for (View* const hidden : {static_cast<View*>(&listener), &frame}) {
         host.move({55, 5});
-        EXPECT_TRUE(listener.isEntered);
-        lose();
-        EXPECT_FALSE(listener.isEntered) << &lose - losses;
+        host.press({55, 5});
+        EXPECT_TRUE(listener.isEntered && listener.isHeld);
+        hidden->setHidden(true);
+        EXPECT_FALSE(listener.isEntered || listener.isHeld);
+        hidden->setHidden(false);
+        host.drag({56, 5});
+        EXPECT_FALSE(listener.isHeld) << "the drag is over";
+        host.release({56, 5});
     }
+    host.move({55, 5});
+    EXPECT_TRUE(listener.isEntered);
+    const std::unique_ptr<View> taken = frame.takeFromSuperview();
+    EXPECT_FALSE(listener.isEntered);
 }
 
 // Hands on what else it hears, to somebody who may destroy it.
@@ -275,30 +263,19 @@ struct Fatal final : Touched {
 TEST(Windows, MayGoInWhateverTheirViewsDo) {
     const ScriptedPort port;
     std::unique_ptr<HostedView> host;
-    const auto touch = [&] {
-        Event event = host->eventAt(EventType::TouchBegan, {5, 5});
-        event.finger = 3;
-        Application::current().postEvent(event);
-    };
-    const std::function<void()> acts[] = {[&] {
-                                              host->move({5, 5});
-                                          },
-                                          [&] {
-                                              host->press({5, 5});
-                                          },
+    constexpr Point kInside{5, 5}, kOutside{500, 500};
+    constexpr Rect kSmaller{{}, {90, 90}};
+    const std::function<void()> acts[] = {[&] { host->move(kInside); },
+                                          [&] { host->press(kInside); },
                                           [&] { host->window.makeFirstResponder(nullptr); },
-                                          touch,
+                                          [&] { host->touch(EventType::TouchBegan, kInside, 3); },
                                           [&] { host->window.keyStateDidChange(false); },
                                           [&] { host->window.keyStateDidChange(true); },
                                           [&] { host->window.setAppearance(Appearance::Dark); },
-                                          [&] {
-                                              host->window.frameDidChange({{}, {90, 90}});
-                                          },
-                                          [&] {
-                                              host->move({500, 500});
-                                          },
+                                          [&] { host->window.frameDidChange(kSmaller); },
+                                          [&] { host->move(kOutside); },
                                           [&] { host->window.cancelTracking(); },
-                                          touch,
+                                          [&] { host->touch(EventType::TouchBegan, kInside, 3); },
                                           [&] { host->window.contentView()->setHidden(true); }};
     for (const std::string place : {"entered", "exited", "press", "+3", "x3", "state", "appearance",
                                     "moved", "frame", "become", "resign"}) {

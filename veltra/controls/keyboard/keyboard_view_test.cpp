@@ -9,6 +9,7 @@ namespace {
 
 using testing::HostedView;
 using testing::RecordingCanvas;
+using testing::Shown;
 
 struct Player : Anchored, KeyboardViewDelegate {
     void keyboardViewDidPressNote(KeyboardView&, std::int32_t note, std::int32_t force) override {
@@ -26,7 +27,7 @@ struct Player : Anchored, KeyboardViewDelegate {
     std::int32_t velocity = 0;
     int callsToLive = 0;
     std::function<void()> react;  // to the next one
-    std::unique_ptr<HostedView> window;
+    std::unique_ptr<Shown<KeyboardView>> window;
 };
 
 class OnScreenKeyboard : public ::testing::Test {
@@ -39,11 +40,10 @@ protected:
     OnScreenKeyboard() { show(); }
     // An octave and a C from middle C, white keys of 50 points.
     void show() {
-        auto made = std::make_unique<KeyboardView>(Rect{{}, {400, 100}});
-        keys = made.get();
+        player.window = std::make_unique<Shown<KeyboardView>>(Rect{{}, {400, 100}});
+        keys = &player.window->view;
         keys->setKeyRange({35, 8});
         keys->setDelegate(&player);
-        player.window = std::make_unique<HostedView>(std::move(made));
         player.window->window.makeFirstResponder(keys);
         player.take();
     }
@@ -96,23 +96,16 @@ TEST_F(OnScreenKeyboard, FingersShareANoteUntilTheLastOneLetsGo) {
 TEST_F(OnScreenKeyboard, NoNoteHangsAndItSurvivesItsDeletionInEachCallback) {
     const auto press = [&] { host().press(foot(0)); };
     const auto hold = [&] { space(EventType::KeyDown); };
-    const auto touch = [&](EventType type) {
-        Event event = host().eventAt(type, foot(0));
-        event.finger = 5;
-        Application::current().postEvent(event);
-    };
-    const auto tap = [&] { touch(EventType::TouchBegan); };
+    constexpr KeyRange kLower{34, 8};
+    const auto tap = [&] { host().touch(EventType::TouchBegan, foot(0), 5); };
     const std::pair<std::function<void()>, std::function<void()>> acts[] = {
-        {tap, [&] { touch(EventType::TouchEnded); }},
-        {tap, [&] { touch(EventType::TouchCancelled); }},
+        {tap, [&] { host().touch(EventType::TouchEnded, foot(0), 5); }},
+        {tap, [&] { host().touch(EventType::TouchCancelled, foot(0), 5); }},
         {tap, [&] { keys->setHidden(true); }},
         {press, [&] { keys->setHidden(true); }},
         {press, [&] { host().window.visibilityDidChange(false); }},
         {press, [&] { keys->setEnabled(false); }},
-        {press,
-         [&] {
-             keys->setKeyRange({34, 8});
-         }},
+        {press, [&] { keys->setKeyRange(kLower); }},
         {press, [&] { keys->setFirstNote(2); }},
         {press, [&] { host().window.setContentView(nullptr); }},
         {press, [&] { player.window = nullptr; }},

@@ -10,8 +10,8 @@
 namespace veltra {
 namespace {
 
-using testing::HostedView;
 using testing::RecordingCanvas;
+using testing::Shown;
 
 struct Host : Anchored {
     void rangeChanged(DfOctavePickerView& sender) {
@@ -25,7 +25,7 @@ struct Host : Anchored {
     std::size_t requests = 0;  // for redrawing, before the last action
     int callsToLive = 0;
     bool hides = false;
-    std::unique_ptr<HostedView> window;
+    std::unique_ptr<Shown<DfOctavePickerView>> window;
 };
 
 class OctavePicker : public ::testing::Test {
@@ -36,12 +36,11 @@ protected:
 
     OctavePicker() { show(); }
     void show() {
-        auto made = std::make_unique<DfOctavePickerView>(
+        host.window = std::make_unique<Shown<DfOctavePickerView>>(
             Rect{{}, DfOctavePickerView::naturalSize(true)}, true);
-        picker = made.get();
+        picker = &host.window->view;
         picker->setTarget(&host);
         picker->setAction(action<&Host::rangeChanged>());
-        host.window = std::make_unique<HostedView>(std::move(made));
         host.window->window.makeFirstResponder(picker);
         host.window->display();
         host.told.clear();

@@ -11,11 +11,7 @@ namespace {
 
 constexpr AutoresizingMask kStretches = AutoresizingMask(kViewWidthSizable) | kViewHeightSizable;
 constexpr Rect kKeys{{10, 20}, {280, 160}};
-
-struct Flipped : View {
-    using View::View;
-    bool isFlipped() const override { return true; }
-};
+constexpr Rect kLarger{{}, {700, 500}};
 
 // Calls out at whatever happens to it.
 struct Witness : View {
@@ -121,7 +117,7 @@ TEST_F(KeyboardWindows, TheStripMovesOverToANewContentWhereverYPoints) {
     window->setContentView(nullptr);
     window->toggleToolbar();
     window->toggleToolbar();
-    window->setContentView(content<Flipped>());
+    window->setContentView(content<testing::Flipped<View>>());
     EXPECT_EQ(keys->frame(), kKeys.movedBy({0, 30}));
     EXPECT_EQ(strip->frame(), (Rect{{49, 0}, {201, 30}}));
     EXPECT_EQ(window->toolbarButton(), nullptr) << "it has gone with its content";
@@ -188,10 +184,7 @@ TEST_F(KeyboardWindows, SurviveDeletionAndNewContentInEachCallback) {
         {true, [&] { window->hideToolbar(); }},
         {true, [&] { window->setToolbarView(nullptr); }},
         {true, [&] { window->setContentView(content<View>()); }},
-        {true,
-         [&] {
-             window->setFrame({{}, {700, 500}});
-         }},
+        {true, [&] { window->setFrame(kLarger); }},
         {false, [&] { window->toolbarButton()->performClick(); }},
     };
     // Each calls out a number of times, each of which may be the last.
@@ -205,7 +198,7 @@ TEST_F(KeyboardWindows, SurviveDeletionAndNewContentInEachCallback) {
                 strip->callback = keys->callback = [&] {
                     if (calls++ != last || !window) return;
                     if (dies) return Application::current().discard(std::move(window));
-                    window->setContentView(content<Flipped>());
+                    window->setContentView(content<testing::Flipped<View>>());
                 };
                 act();
                 const bool isOver = calls <= last;

@@ -7,8 +7,7 @@
 namespace veltra {
 namespace {
 
-using testing::HostedView;
-using testing::RecordingCanvas;
+using testing::Shown;
 
 TEST(PeakReadoutTest, WritesSignsAndOneDecimal) {
     const std::pair<double, const char*> kRows[] = {
@@ -21,12 +20,9 @@ TEST(PeakReadoutTest, WritesSignsAndOneDecimal) {
 class PeakReadoutViewTest : public ::testing::Test {
 protected:
     testing::ScriptedPort port;
-    PeakReadout* readout = nullptr;
-    std::unique_ptr<HostedView> host = [this] {
-        auto made = std::make_unique<PeakReadout>(Rect{{}, {54, 20}});
-        readout = made.get();
-        return std::make_unique<HostedView>(std::move(made));
-    }();
+    std::unique_ptr<Shown<PeakReadout>> host =
+        std::make_unique<Shown<PeakReadout>>(Rect{{}, {54, 20}});
+    PeakReadout* const readout = &host->view;
 
     // The colours of ground and text.
     std::pair<Color, Color> colors() {
@@ -70,28 +66,17 @@ TEST_F(PeakReadoutViewTest, HoldsTheHighestLevelAndTurnsRedWhenItClips) {
     EXPECT_EQ(colors().second, theme.strong) << "a line around it";
 }
 
-struct Target : Anchored {
-    void cleared(PeakReadout& sender) {
-        ++count;
-        EXPECT_EQ(sender.decibels(), -INFINITY);
-        if (victim != nullptr) victim->reset();
-    }
-    int count = 0;
-    std::unique_ptr<HostedView>* victim = nullptr;
-};
-
 TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
-    Target target;
+    testing::Receiver target;
+    target.react = [&] { EXPECT_EQ(readout->decibels(), -INFINITY); };
     readout->setTarget(&target);
-    readout->setAction(action<&Target::cleared>());
+    readout->setAction(action<&testing::Receiver::act>());
     host->window.makeFirstResponder(readout);
     const auto& told = port.notifications[AccessibilityNotification::ValueChanged];
     int expected = 0;
+    constexpr Point kInside{5, 5};
     const std::function<void()> kWays[] = {
-        [&] {
-            host->click({5, 5});
-        },
-        [&] { host->key(u'\r'); }, [&] { host->key(u' '); },
+        [&] { host->click(kInside); }, [&] { host->key(u'\r'); }, [&] { host->key(u' '); },
         [&] { readout->performAccessibilityAction(AccessibilityAction::Press); }};
     for (const auto& way : kWays) {
         readout->setDecibels(1.25);
@@ -114,7 +99,7 @@ TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
     EXPECT_EQ(readout->accessibilityValueText(), "\u22123.0 LUFS");
     EXPECT_EQ(readout->accessibilityName(), "peak");
     readout->setEnabled(true);
-    target.victim = &host;  // the action deletes the read-out and its window
+    target.react = [&] { host.reset(); };  // the action deletes the read-out and its window
     host->press({5, 5});
     EXPECT_EQ(target.count, expected + 1);
 }

@@ -18,11 +18,6 @@ protected:
     testing::ScriptedPort port;
 };
 
-struct Flipped : DfStereoLevelMeterView {
-    using DfStereoLevelMeterView::DfStereoLevelMeterView;
-    bool isFlipped() const override { return true; }
-};
-
 std::vector<RecordingCanvas::Call> images(HostedView& host, float scale = 1.0F) {
     return host.drawn(RecordingCanvas::What::Image, scale);
 }
@@ -139,7 +134,8 @@ TEST_F(LevelMeterTest, DrawsWholeLedsOnWholeDevicePixelsInEveryDirection) {
             for (const Size size : {Size{27, 131}, Size{141, 29}}) {
                 SCOPED_TRACE(std::to_string(scale) + ' ' + std::to_string(imageID));
                 check(std::make_unique<DfStereoLevelMeterView>(), scale, imageID, size);
-                check(std::make_unique<Flipped>(), scale, imageID, size);
+                check(std::make_unique<testing::Flipped<DfStereoLevelMeterView>>(), scale, imageID,
+                      size);
             }
         }
     }
@@ -299,23 +295,13 @@ TEST_F(LevelMeterTest, ImageIdentifiersChooseAmongRegisteredLooks) {
     EXPECT_EQ(levelMeterLook(77), levelMeterLook(kLevelMeterImageLED));
 }
 
-struct Target : Anchored {
-    void clicked(DfStereoLevelMeterView& sender) {
-        ++clicks;
-        EXPECT_FALSE(sender.cellL().peak() || sender.cellR().peak());
-        if (victim != nullptr) victim->reset();
-    }
-    int clicks = 0;
-    std::unique_ptr<HostedView>* victim = nullptr;
-};
-
 TEST_F(LevelMeterTest, AClickOrAPressPutsOutBothClipLightsAndSendsTheAction) {
-    auto made = std::make_unique<DfStereoLevelMeterView>(Rect{{}, {26, 183}});
-    DfStereoLevelMeterView& view = *made;
-    auto host = std::make_unique<HostedView>(std::move(made));
-    Target target;
+    auto host = std::make_unique<Shown<DfStereoLevelMeterView>>(Rect{{}, {26, 183}});
+    DfStereoLevelMeterView& view = host->view;
+    testing::Receiver target;
+    target.react = [&] { EXPECT_FALSE(view.cellL().peak() || view.cellR().peak()); };
     view.setTarget(&target);
-    view.setAction(action<&Target::clicked>());
+    view.setAction(action<&testing::Receiver::act>());
     view.setToolTips("level", "clip");
     EXPECT_EQ(host->window.toolTipAt({5, 100})->text, "level");
     EXPECT_EQ(host->window.toolTipAt({20, 174})->text, "clip");
@@ -330,14 +316,14 @@ TEST_F(LevelMeterTest, AClickOrAPressPutsOutBothClipLightsAndSendsTheAction) {
     view.setEnabled(true);
     host->display();
     host->click({5, 5});
-    EXPECT_EQ(target.clicks, 1);
+    EXPECT_EQ(target.count, 1);
     const auto onSurface = [&](const Rect& rect) {
         return Rect{{rect.minX(), view.bounds().size.height - rect.maxY()}, rect.size};
     };
     EXPECT_THAT(host->port.invalid,
                 ::testing::ElementsAre(onSurface(view.cellL().cellFrame()),
                                        onSurface(view.cellR().cellFrame()), view.bounds()));
-    target.victim = &host;  // the action deletes the view
+    target.react = [&] { host.reset(); };  // the action deletes the view
     view.setPeakR(true);
     EXPECT_TRUE(view.performAccessibilityAction(AccessibilityAction::Press));
 }

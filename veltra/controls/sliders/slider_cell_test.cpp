@@ -16,15 +16,11 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Log = std::vector<std::string>;
 
-struct FlippedSlider final : Slider {
-    bool isFlipped() const override { return true; }
-};
-
 // A slider of a value a point, and a note of everything that it tells.
 class SliderHost final : public Anchored, public ToolTipSource {
 public:
     explicit SliderHost(bool isVertical = false, bool isFlipped = false, float knob = 16.0F)
-        : host(isFlipped ? std::make_unique<FlippedSlider>() : std::make_unique<Slider>()),
+        : host(isFlipped ? std::make_unique<Flipped<Slider>>() : std::make_unique<Slider>()),
           cell(QkSliderCell::replacedCellInSlider(slider())) {
         host.window.frameDidChange({{}, isVertical ? Size{40, 104 + knob} : Size{104 + knob, 40}});
         cell.setMaxValue(104.0);

@@ -41,6 +41,24 @@ public:
         return found;
     }
 
+    // The rectangle around the points of a path.
+    static Rect around(const Path& path) {
+        constexpr int kPoints[] = {1, 1, 3, 0};
+        float left = 1e9F;
+        float top = 1e9F;
+        float right = -1e9F;
+        float bottom = -1e9F;
+        for (const Path::Element& element : path.elements()) {
+            for (int i = 0; i < kPoints[static_cast<int>(element.verb)]; ++i) {
+                left = std::min(left, element.points[i].x);
+                right = std::max(right, element.points[i].x);
+                top = std::min(top, element.points[i].y);
+                bottom = std::max(bottom, element.points[i].y);
+            }
+        }
+        return {{left, top}, {right - left, bottom - top}};
+    }
+
     void saveState() override { m_states.push_back(m_state); }
     void restoreState() override {
         m_state = m_states.back();
@@ -95,23 +113,6 @@ private:
         calls.push_back({what, rect, m_state.clip});
         calls.back().isSmoothed = m_state.isSmoothed;
         return calls.back();
-    }
-
-    static Rect around(const Path& path) {
-        constexpr int kPoints[] = {1, 1, 3, 0};
-        float left = 1e9F;
-        float top = 1e9F;
-        float right = -1e9F;
-        float bottom = -1e9F;
-        for (const Path::Element& element : path.elements()) {
-            for (int i = 0; i < kPoints[static_cast<int>(element.verb)]; ++i) {
-                left = std::min(left, element.points[i].x);
-                right = std::max(right, element.points[i].x);
-                top = std::min(top, element.points[i].y);
-                bottom = std::max(bottom, element.points[i].y);
-            }
-        }
-        return {{left, top}, {right - left, bottom - top}};
     }
 
     const float m_scale;

@@ -117,9 +117,21 @@ private:
 
 // What actions go to.
 struct Receiver final : Anchored {
-    void act(Control& sender) { ++count, last = &sender; }
+    void act(Control& sender) {
+        ++count;
+        last = &sender;
+        if (react) react();
+    }
     int count = 0;
     Control* last = nullptr;
+    std::function<void()> react;  // may delete the sender
+};
+
+// A view whose y axis points down.
+template <typename V>
+struct Flipped final : V {
+    using V::V;
+    bool isFlipped() const override { return true; }
 };
 
 // A view that fills a window with the keyboard. Points are in the window's coordinates.
@@ -156,6 +168,11 @@ public:
     }
     void key(char16_t character, ModifierFlags flags = {}) {
         Application::current().postEvent(keyEvent(character, flags));
+    }
+    bool touch(EventType type, Point point, std::int64_t finger) {
+        Event event = eventAt(type, point);
+        event.finger = finger;
+        return Application::current().postEvent(std::move(event));
     }
     Event keyEvent(char16_t character, ModifierFlags flags = {}) {
         Event event = eventAt(EventType::KeyDown, m_last);
