@@ -11,33 +11,32 @@ constexpr double kInfinite = std::numeric_limits<double>::infinity();
 constexpr std::int64_t kCounts[] = {kLeast, kLeast + 1, -1'000'000'000'000'000, -7,   -1, 0, 1, 2,
                                     999,    1'000'000,  std::int64_t{1} << 62,  kMost};
 
-// What the compiler calculates with a check of its own; beyond the range the end on that side.
-enum class Kind { Sum, Difference, Product };
+// What the compiler calculates with a check of its own: whether it is beyond the range.
+using Calculate = bool (*)(std::int64_t a, std::int64_t b, std::int64_t* exact);
+constexpr Calculate kSum = [](auto a, auto b, auto* c) { return __builtin_add_overflow(a, b, c); };
+constexpr Calculate kLess = [](auto a, auto b, auto* c) { return __builtin_sub_overflow(a, b, c); };
+constexpr Calculate kTimes = [](auto a, auto b, auto* c) {
+    return __builtin_mul_overflow(a, b, c);
+};
 
-std::int64_t expected(Kind kind, std::int64_t a, std::int64_t b) {
+// Beyond the range the end on that side.
+std::int64_t expected(Calculate calculate, std::int64_t a, std::int64_t b, bool isBelow) {
     std::int64_t exact = 0;
-    switch (kind) {
-        case Kind::Sum:
-            return !__builtin_add_overflow(a, b, &exact) ? exact : a < 0 ? kLeast : kMost;
-        case Kind::Difference:
-            return !__builtin_sub_overflow(a, b, &exact) ? exact : a < 0 ? kLeast : kMost;
-        case Kind::Product:
-            break;
-    }
-    return !__builtin_mul_overflow(a, b, &exact) ? exact : (a < 0) != (b < 0) ? kLeast : kMost;
+    return !calculate(a, b, &exact) ? exact : isBelow ? kLeast : kMost;
 }
 
 TEST(Time, CalculatesExactlyAndStaysAtTheEndsOfTheRange) {
     for (const std::int64_t a : kCounts) {
         const Nanoseconds left(a);
-        EXPECT_EQ((-left).count(), expected(Kind::Difference, 0, a));
+        EXPECT_EQ((-left).count(), expected(kLess, 0, a, false));
         const Nanoseconds shown = milliseconds(left.wholeMilliseconds());
         EXPECT_TRUE(shown >= left && shown - left < milliseconds(1)) << a;
         for (const std::int64_t b : kCounts) {
             const Nanoseconds right(b);
-            EXPECT_EQ((left + right).count(), expected(Kind::Sum, a, b)) << a << ' ' << b;
-            EXPECT_EQ((left - right).count(), expected(Kind::Difference, a, b)) << a << ' ' << b;
-            EXPECT_EQ((left * b).count(), expected(Kind::Product, a, b)) << a << ' ' << b;
+            EXPECT_EQ((left + right).count(), expected(kSum, a, b, a < 0)) << a << ' ' << b;
+            EXPECT_EQ((left - right).count(), expected(kLess, a, b, a < 0)) << a << ' ' << b;
+            EXPECT_EQ((left * b).count(), expected(kTimes, a, b, (a < 0) != (b < 0)))
+                << a << ' ' << b;
             if (b != 0 && !(a == kLeast && b == -1)) {
                 EXPECT_EQ(left / right, a / b);
                 EXPECT_EQ(left % right, Nanoseconds(a % b));

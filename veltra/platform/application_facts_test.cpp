@@ -9,8 +9,6 @@
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <cstdlib>
-
 #include <sys/stat.h>
 
 namespace veltra {

@@ -34,16 +34,6 @@ Data randomData(std::size_t size, unsigned bits) {
     return data;
 }
 
-std::uint32_t adler32(const Data& data) {
-    std::uint32_t low = 1;
-    std::uint32_t high = 0;
-    for (const std::uint8_t byte : data) {
-        low = (low + byte) % 65521;
-        high = (high + low) % 65521;
-    }
-    return high << 16U | low;
-}
-
 TEST(CompressedData, IsOnePlainStreamThatUnpacksToWhatItWas) {
     SKIP_WITHOUT_ZLIB();
     Data cases[] = {Data(1),
@@ -61,10 +51,6 @@ TEST(CompressedData, IsOnePlainStreamThatUnpacksToWhatItWas) {
     for (const Data& data : cases) {
         const Data stream = compressedData(data).value();
         EXPECT_TRUE(stream[0] == 0x78 && stream[1] == 0x9C);
-        std::uint32_t sum = 0;
-        for (std::size_t fromEnd = 4; fromEnd > 0; --fromEnd)
-            sum = sum << 8U | stream[stream.size() - fromEnd];
-        EXPECT_EQ(sum, adler32(data));
         EXPECT_EQ(stream.capacity(), stream.size());
         const std::optional<Data> unpacked = decompressedData(stream);
         ASSERT_TRUE(unpacked == data) << data.size();

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/Source/Extensions/QKNSString_Paths.h"
 
-#include "veltra/Source/Extensions/QKNSURL_Extensions.h"
-#include "veltra/Source/Extensions/testing/failing_file_system.h"
 #include "veltra/base/testing/in_force.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/process.h"
@@ -51,44 +49,6 @@ TEST(Paths, HaveComponents) {
     EXPECT_EQ(lastPathComponentCompare("\xE9", "z"), 1);
 }
 
-void putAlias(const fs::path& file, const std::string& url, const std::string& type = "Link",
-              const std::string& more = "") {
-    testing::putText(
-        file, "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = " + type +
-                  "\nURL=" + url + "\nName=x\n[More]\nType=Application\n" + more);
-}
-
-TEST(Paths, AreNotHalfResolvedWhenMemoryIsOut) {
-    const testing::TemporaryFolder temporary;
-    const std::string at = fs::canonical(temporary.path).string() + "/";
-    fs::create_directories(at + "Trash/files/kit");
-    fs::create_symlink("Trash/files", at + "link");
-    putAlias(at + "alias.desktop", "file://" + at + "link/kit");
-    setEnvironment("XDG_DATA_HOME", at.c_str());
-    const std::string path = at + "alias.desktop/none";
-    const std::string expected = at + "Trash/files/kit/none";
-    ASSERT_EQ(pathByResolvingSymlinksAndAliasesInPath(path), expected);
-    ASSERT_TRUE(isInTrash("file://" + at + "link/none/kit"));
-    int resolved = 0;
-    for (int failing = 0;; ++failing) {
-        testing::FailingFileSystem files;
-        files.failing = failing;
-        files.error = std::make_error_code(std::errc::not_enough_memory);
-        bool isResolving = false;
-        files.beforeStep = [&](std::string_view step, std::string_view) {
-            if (files.steps == failing) isResolving = step == "resolve";
-        };
-        const auto answer = pathByResolvingSymlinksAndAliasesInPath(path);
-        const bool isThere = files.steps <= failing && isInTrash("file://" + at + "link/none/kit");
-        if (files.steps <= failing) break;
-        if (!isResolving) continue;
-        ++resolved;
-        EXPECT_FALSE(answer.value_or(expected) != expected || isThere) << failing;
-    }
-    EXPECT_GT(resolved, 6);
-    setEnvironment("XDG_DATA_HOME", nullptr);
-}
-
 TEST(Paths, LeadThroughLinksAndAliases) {
     const testing::TemporaryFolder temporary;
     const fs::path folder = fs::canonical(temporary.path);
@@ -97,8 +57,11 @@ TEST(Paths, LeadThroughLinksAndAliases) {
     fs::create_symlink("real", folder / "link");
     fs::create_symlink("loop", folder / "loop");
     fs::create_symlink("nowhere", folder / "dangling");
-    const auto alias = [&](const std::string& name, const auto&... texts) {
-        putAlias(folder / name, texts...);
+    const auto alias = [&folder](const std::string& name, const std::string& url,
+                                 const std::string& type = "Link", const std::string& more = "") {
+        testing::putText(folder / name,
+                         "# one\n[Other]\nURL=file:///no\n[Desktop Entry]\nVersion=1.0\nType = " +
+                             type + "\nURL=" + url + "\nName=x\n[More]\nType=Application\n" + more);
     };
     alias("folder.desktop", "file://localhost" + at + "link/in%20side");
     alias("take.desktop", "FILE://" + at + "folder%2edesktop");

@@ -7,7 +7,6 @@
 #include "veltra/platform/testing/temporary_folder.h"
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 namespace veltra {
 namespace {

@@ -6,8 +6,6 @@
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <fstream>
-
 namespace veltra {
 namespace {
 

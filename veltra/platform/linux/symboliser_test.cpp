@@ -6,9 +6,6 @@
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <filesystem>
-#include <fstream>
-
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -4,8 +4,6 @@
 #include "veltra/platform/linux/mount_table.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
-#include <fstream>
-
 #include <gtest/gtest.h>
 
 namespace veltra {

@@ -64,8 +64,8 @@ struct BoundedModel {
     std::vector<unsigned char> record;
     std::size_t taken = 0;
     bool isComplete = false;
-    bool isInside =
-        true;  // and LimitTabIntelSwap, with the record's end as limit, stays inside too
+    // And LimitTabIntelSwap, with the record's end as limit, stays inside too.
+    bool isInside = true;
 
     BoundedModel(std::vector<unsigned char> bytes, const std::vector<unsigned char>& table)
         : record(std::move(bytes)) {

@@ -13,85 +13,82 @@ namespace veltra::testing {
 
 class FailingFileSystem final : public InForce<FileSystem> {
 public:
+    using Error = std::error_code;
+
     int steps = 0;     // so far
     int failing = -1;  // the step that fails, once, with `error`
-    std::error_code error;
+    Error error;
     bool isOld = false;        // knows neither how to exchange, nor to refuse, nor to copy
     std::size_t most = 65536;  // bytes that one call writes
     int writes = 0;            // steps so far that change something
     std::function<void(std::string_view step, std::string_view name)> beforeStep;
 
-    std::error_code facts(Handle folder, const char* name, LastLink lastLink,
-                          FileFacts& facts) noexcept override {
+    Error facts(Handle folder, const char* name, LastLink lastLink,
+                FileFacts& facts) noexcept override {
         return failed("facts", name) ? error : m_real.facts(folder, name, lastLink, facts);
     }
-    std::error_code readLink(Handle folder, const char* name,
-                             std::string& target) noexcept override {
+    Error readLink(Handle folder, const char* name, std::string& target) noexcept override {
         return failed("readLink", name) ? error : m_real.readLink(folder, name, target);
     }
-    std::error_code resolve(const char* path, std::string& resolved) noexcept override {
+    Error resolve(const char* path, std::string& resolved) noexcept override {
         return failed("resolve", path) ? error : m_real.resolve(path, resolved);
     }
-    std::error_code open(Handle folder, const char* name, Access access, LastLink lastLink,
-                         Handle& opened) noexcept override {
+    Error open(Handle folder, const char* name, Access access, LastLink lastLink,
+               Handle& opened) noexcept override {
         return failed("open", name) ? error : m_real.open(folder, name, access, lastLink, opened);
     }
-    std::error_code close(Handle handle) noexcept override {
-        const std::error_code real = m_real.close(handle);
+    Error close(Handle handle) noexcept override {
+        const Error real = m_real.close(handle);
         return failed("close", "") ? error : real;
     }
-    std::error_code createFile(Handle folder, const char* name, std::uint32_t permissions,
-                               Handle& opened) noexcept override {
+    Error createFile(Handle folder, const char* name, std::uint32_t permissions,
+                     Handle& opened) noexcept override {
         return changed("createFile", name) ? error
                                            : m_real.createFile(folder, name, permissions, opened);
     }
-    std::error_code makeFolder(Handle folder, const char* name,
-                               std::uint32_t permissions) noexcept override {
+    Error makeFolder(Handle folder, const char* name, std::uint32_t permissions) noexcept override {
         return changed("makeFolder", name) ? error : m_real.makeFolder(folder, name, permissions);
     }
-    std::error_code makeLink(Handle folder, const char* name,
-                             const char* target) noexcept override {
+    Error makeLink(Handle folder, const char* name, const char* target) noexcept override {
         return changed("makeLink", name) ? error : m_real.makeLink(folder, name, target);
     }
-    std::error_code list(Handle folder, std::vector<std::string>& names) noexcept override {
+    Error list(Handle folder, std::vector<std::string>& names) noexcept override {
         return failed("list", "") ? error : m_real.list(folder, names);
     }
-    std::error_code read(Handle file, std::span<std::byte> bytes,
-                         std::size_t& count) noexcept override {
+    Error read(Handle file, std::span<std::byte> bytes, std::size_t& count) noexcept override {
         return failed("read", "") ? error : m_real.read(file, bytes, count);
     }
-    std::error_code write(Handle file, std::span<const std::byte> bytes,
-                          std::size_t& count) noexcept override {
+    Error write(Handle file, std::span<const std::byte> bytes,
+                std::size_t& count) noexcept override {
         return changed("write", "")
                    ? error
                    : m_real.write(file, bytes.first(std::min(most, bytes.size())), count);
     }
-    std::error_code copyPart(Handle from, Handle to, std::size_t& count) noexcept override {
+    Error copyPart(Handle from, Handle to, std::size_t& count) noexcept override {
         if (isOld) return std::make_error_code(std::errc::not_supported);
         return changed("copyPart", "") ? error : m_real.copyPart(from, to, count);
     }
-    std::error_code flush(Handle) noexcept override {
-        return failed("flush", "") ? error : std::error_code();  // no test takes the power away
+    Error flush(Handle) noexcept override {
+        return failed("flush", "") ? error : Error();  // no test takes the power away
     }
-    std::error_code setPermissions(Handle handle, std::uint32_t permissions) noexcept override {
+    Error setPermissions(Handle handle, std::uint32_t permissions) noexcept override {
         return changed("setPermissions", "") ? error : m_real.setPermissions(handle, permissions);
     }
-    std::error_code setTimes(Handle folder, const char* name, FileTime accessed,
-                             FileTime modified) noexcept override {
+    Error setTimes(Handle folder, const char* name, FileTime accessed,
+                   FileTime modified) noexcept override {
         return changed("setTimes", name) ? error
                                          : m_real.setTimes(folder, name, accessed, modified);
     }
-    std::error_code rename(Handle folder, const char* name, const char* newName,
-                           Collision collision) noexcept override {
+    Error rename(Handle folder, const char* name, const char* newName,
+                 Collision collision) noexcept override {
         if (isOld && collision != Collision::Replace)
             return std::make_error_code(std::errc::not_supported);
         return changed("rename", newName) ? error : m_real.rename(folder, name, newName, collision);
     }
-    std::error_code addName(Handle folder, const char* name,
-                            const char* newName) noexcept override {
+    Error addName(Handle folder, const char* name, const char* newName) noexcept override {
         return changed("addName", newName) ? error : m_real.addName(folder, name, newName);
     }
-    std::error_code remove(Handle folder, const char* name, FileKind kind) noexcept override {
+    Error remove(Handle folder, const char* name, FileKind kind) noexcept override {
         return changed("remove", name) ? error : m_real.remove(folder, name, kind);
     }
     std::string homeFolder(const std::string& user) noexcept override {
