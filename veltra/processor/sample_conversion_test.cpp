@@ -108,6 +108,29 @@ TEST(SampleConversion, IntegersBecomeTheirExactFractionAndFloatsTheTruncatedClip
                      [&] { std::for_each(kIntegers.begin(), kIntegers.end(), expectExact); });
 }
 
+// All 2^32 floats and 32-bit samples, in runs that take either way. Takes minutes:
+//     veltra_processor_test --gtest_also_run_disabled_tests --gtest_filter=*EveryPattern*
+TEST(SampleConversion, DISABLED_EveryPatternIsConvertedAlikeByEveryVariant) {
+    Bytes stream(4 * 4096);
+    for (std::uint64_t first = 0; first < 1ULL << 32; first += 4096) {
+        for (std::uint32_t i = 0; i < 4096; ++i) {
+            const std::uint32_t pattern = static_cast<std::uint32_t>(first) + i;
+            std::memcpy(&stream[i * sizeof pattern], &pattern, sizeof pattern);
+        }
+        const Floats floats = toFloats(kFloat, stream);
+        for (const Form form : kIntegers) {
+            ASSERT_TRUE(detail::sampleKernels.use("plain"));
+            const Bytes expected = fromFloats(form, floats);
+            const Bytes samples = fromFloats(kFloat, toFloats(form, stream));
+            withEveryVariant(detail::sampleKernels, [&] {
+                for (const std::size_t run : {128U, 4096U})
+                    ASSERT_EQ(fromFloats(form, floats, run), expected) << form.format << first;
+                ASSERT_EQ(fromFloats(kFloat, toFloats(form, stream)), samples) << form.format;
+            });
+        }
+    }
+}
+
 // Bits of floats, halves of their distance and the neighbours of both, below and above the floats.
 std::vector<double> doublesOfAllKinds() {
     std::vector<double> doubles;
