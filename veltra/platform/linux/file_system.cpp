@@ -40,8 +40,7 @@ std::error_code answer(bool isDone) noexcept {
 // For calls that only some file systems know, and that refuse in several ways.
 std::error_code answerOfRareCall(bool isDone) noexcept {
     if (isDone) return {};
-    constexpr std::array kRefusals{EINVAL, ENOSYS, EOPNOTSUPP, EXDEV};
-    const bool isUnknown = std::ranges::find(kRefusals, errno) != kRefusals.end();
+    const bool isUnknown = errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
     return isUnknown ? std::make_error_code(std::errc::not_supported) : errorOf(errno);
 }
 
@@ -193,6 +192,7 @@ public:
         const ssize_t result = uninterrupted(
             [&] { return ::copy_file_range(from, nullptr, to, nullptr, kLargestPart, 0); });
         count = static_cast<std::size_t>(std::max<ssize_t>(result, 0));
+        if (result < 0 && errno == EXDEV) return std::make_error_code(std::errc::not_supported);
         return answerOfRareCall(result >= 0);
     }
 
