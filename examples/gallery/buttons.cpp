@@ -2,6 +2,7 @@
 #include "sheets.h"
 #include "user.h"
 #include "veltra/ui/button.h"
+#include "veltra/ui/canvas.h"
 #include "veltra/ui/theme.h"
 
 namespace veltra::gallery {
@@ -21,6 +22,30 @@ Specimen button(std::string caption, const char* title, ButtonCell::Kind kind,
                 return made;
             },
             std::move(drive)};
+}
+
+void drawPlaySymbol(Canvas& canvas, Point upperLeft, Color color) {
+    const float down = canvas.isFlipped() ? 1.0F : -1.0F;
+    Path path;
+    path.moveTo(upperLeft + Point{4.0F, 2.5F * down});
+    path.lineTo(upperLeft + Point{13.0F, 8.0F * down});
+    path.lineTo(upperLeft + Point{4.0F, 13.5F * down});
+    path.close();
+    canvas.fillPath(path, color);
+}
+
+// As large as it asks to be.
+Specimen withSymbol(std::string caption, const char* title, ButtonCell::Style style, bool isOn,
+                    std::function<void(Window&)> drive = {}) {
+    const auto make = [=] {
+        auto made = std::make_unique<Button>(Rect{}, title, ButtonCell::Kind::Toggle);
+        made->buttonCell().setIcon(drawPlaySymbol);
+        made->buttonCell().setStyle(style);
+        made->setOn(isOn);
+        made->setFont(themeFont(12.0F, FontWeight::Medium));
+        return made;
+    };
+    return {std::move(caption), make()->buttonCell().cellSize(), make, std::move(drive)};
 }
 
 }  // namespace
@@ -54,7 +79,11 @@ Sheet buttonSheet() {
               button("pressed", "M", Toggle, on(colors.mute), pressed),
               button("focused", "M", Toggle, on(colors.mute), focus),
               button("solo", "S", Toggle, on(colors.solo)), button("on", "Dim", Toggle, on({})),
-              button("disabled", "M", Toggle, disabled)}}};
+              button("disabled", "M", Toggle, disabled)},
+             {withSymbol("symbol", "", Plain, false), withSymbol("and title", "Play", Plain, false),
+              withSymbol("on", "Play", Plain, true), withSymbol("mode off", "", Mode, false),
+              withSymbol("mode on", "", Mode, true), withSymbol("bare", "", Bare, false),
+              withSymbol("bare, hover", "", Bare, false, over)}}};
 }
 
 }  // namespace veltra::gallery

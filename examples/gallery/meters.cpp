@@ -28,11 +28,13 @@ struct Shown {
     std::int32_t look = kLevelMeterImageLED;
     bool isMuted = false;
     std::optional<double> rms = {};
+    float pitch = 4.0F;  // from LED to LED, in points
 };
 
 void show(QkLevelMeterCell& cell, double decibels, double held, const Shown& shown) {
     cell.setLevelScale(LevelMeterLevels::Decibels);
     cell.setImageIDs(shown.look, shown.look);
+    cell.setLEDPitch(shown.pitch);
     cell.setFallBackStepTime(0.0);
     cell.setMaxLevelHoldTime(std::numeric_limits<double>::infinity());
     cell.setLevel(meterPositionForDecibels(held));
@@ -192,10 +194,33 @@ Sheet meterSheet() {
           strip({"72 high", -9.0, -10.9, -2.1, -4.0, -2.1, 72.0F}),
           mono({"one channel", -18.0, kSilent, -18.0, kSilent, kSilent, 144.0F}),
           mono({"72 high", -14.0, kSilent, -14.0, kSilent, kSilent, 72.0F, kLevelMeterImageBar}),
-          strip({"slim", -9.0, -10.9, -2.1, -4.0, -2.1, 120.0F, kLevelMeterImageSlim})},
+          strip({"slim", -9.0, -10.9, -2.1, -4.0, -2.1, 120.0F, kLevelMeterImageSlim}),
+          strip({.caption = "slim, muted",
+                 .left = -16.0,
+                 .right = -17.5,
+                 .height = 120.0F,
+                 .look = kLevelMeterImageSlim,
+                 .isMuted = true}),
+          strip({.caption = "fine LEDs",
+                 .left = -7.2,
+                 .right = -8.9,
+                 .heldLeft = -2.1,
+                 .heldRight = -4.0,
+                 .peak = -2.1,
+                 .height = 120.0F,
+                 .pitch = 2.0F}),
+          strip({.caption = "large LEDs",
+                 .left = -7.2,
+                 .right = -8.9,
+                 .heldLeft = -2.1,
+                 .heldRight = -4.0,
+                 .peak = -2.1,
+                 .height = 120.0F,
+                 .pitch = 8.0F})},
          {lying, readout("peak", -2.1), readout("hover", -2.1, {}, over),
           readout("focused", -2.1, {}, focus), readout("clipped", 1.8),
-          readout("disabled", -2.1, disable), readout("silent", kSilent)}}};
+          readout("disabled", -2.1, disable), readout("silent", kSilent),
+          readout("quiet", -60.0)}}};
 }
 
 }  // namespace veltra::gallery

@@ -77,6 +77,26 @@ std::unique_ptr<NumberDisplay> makeVelocity(NumberEditorLook look) {
     return made;
 }
 
+// The digits of old equipment, in colours of the host's own.
+std::unique_ptr<DfNumberEditorControl> makeSegments() {
+    constexpr Color kGreen = Color::fromRgb(0x3DE06B);
+    auto made = std::make_unique<DfNumberEditorControl>(Rect{{}, {64.0F, 24.0F}});
+    made->setFont(themeFont(18.0F, FontWeight::Medium));
+    made->setPlaceHolderStringOfEditorCellAtIndex("8888", 0);
+    made->setShadowEightsOfEditorCellAtIndex(4, 0);
+    made->editorCellAtIndex(0)->setHorizontalTextInsets(5.0F);
+    made->recalculateFontSize();
+    made->QkCellGroupControl::setDrawsBackground(true);
+    made->setBackgroundColor(Color::fromRgb(0x0E140E));
+    made->setTextColor(kGreen);
+    made->setShadowEightColor(kGreen.withAlpha(0.15F));
+    made->setEditTextColor(kBlack);
+    made->setEditBackgroundColor(kGreen);
+    made->setAccessibilityName("segments");
+    made->setValue(128);
+    return made;
+}
+
 template <typename Make>
 Specimen specimen(std::string caption, Size size, Make make,
                   const std::function<void(NumberDisplay&)>& set = {},
@@ -114,6 +134,7 @@ Sheet numberEditorSheet() {
     const auto glass = [] { return makeVelocity(NumberEditorLook::Glass); };
     const auto field = [] { return makeVelocity(NumberEditorLook::Field); };
     const Size small{56.0F, 20.0F};
+    const Size segments{64.0F, 24.0F};
     const auto editFirst = [=](Window& window) { startEditing(window, firstGroup); };
     const auto editSmall = [](Window& window) { startEditing(window, {36.0F, 18.0F}); };
     const auto typeDigits = [](const std::u16string& digits, Point point) {
@@ -144,7 +165,9 @@ Sheet numberEditorSheet() {
               specimen("editing", small, field, {}, editSmall),
               specimen("typed", small, field, {}, typeDigits(u"64", {36.0F, 18.0F})),
               specimen("focused", small, field, {}, focus),
-              specimen("disabled", small, field, disabled), specimen("glass", small, glass)}}};
+              specimen("disabled", small, field, disabled), specimen("glass", small, glass)},
+             {Specimen{"colours of your own", segments, makeSegments, {}},
+              Specimen{"editing", segments, makeSegments, editSmall}}}};
 }
 
 }  // namespace veltra::gallery

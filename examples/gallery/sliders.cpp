@@ -79,6 +79,20 @@ SetUp pan(double position, bool isEnabled = true) {
     };
 }
 
+// The plain cell, which hosts give marks and a look of their own.
+Specimen plain(std::string caption, Size size, const std::function<void(Slider&)>& set,
+               const std::function<void(Window&)>& drive = {}) {
+    return {std::move(caption), size,
+            [=] {
+                auto made = std::make_unique<Slider>(Rect{{}, size});
+                made->sliderCell().setMaxValue(100.0);
+                made->setDoubleValue(30.0);
+                if (set) set(*made);
+                return made;
+            },
+            drive};
+}
+
 // Marks on a curve, at which the knob stops.
 SetUp stops(std::int32_t curve, double value) {
     return [=](QkSliderCell& cell) {
@@ -100,6 +114,10 @@ Sheet sliderSheet() {
     const Size tall{64.0F, 186.0F};
     const Size flat{84.0F, 28.0F};
     const Size wide{200.0F, 32.0F};
+    const Size lying{100.0F, 24.0F};
+    const Size upright{24.0F, 100.0F};
+    const auto marks = [](Slider& made) { made.sliderCell().setNumberOfTickMarks(5); };
+    const auto disabled = [](Slider& made) { made.setEnabled(false); };
     return {
         "sliders",
         "Faders, pan controls, sliders",
@@ -113,7 +131,10 @@ Sheet sliderSheet() {
           slider("dragging", flat, pan(0.0), dragKnob({11.0F, 0.0F}), {0.0F, 64.0F}),
           slider("focused", flat, pan(0.7), focus), slider("disabled", flat, pan(0.3, false))},
          {slider("even stops", wide, stops(0, 50.0)), slider("dense below", wide, stops(1, 50.0)),
-          slider("dense above", wide, stops(2, 50.0), focus)}}};
+          slider("dense above", wide, stops(2, 50.0), focus)},
+         {plain("plain", lying, {}), plain("marks", lying, marks),
+          plain("focused", lying, {}, focus), plain("disabled", lying, disabled),
+          plain("upright", upright, {}), plain("marks", upright, marks)}}};
 }
 
 }  // namespace veltra::gallery

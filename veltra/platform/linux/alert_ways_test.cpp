@@ -68,7 +68,7 @@ std::string play(const Scene& scene) {
     const auto isAnsweredRight = [&scene] {
         ::setpgid(0, 0);
         return scene.answer ==
-               askOnTerminal({std::string(505, '=') + "Header, cut",
+               askOnTerminal({std::string(505, '=').append("Header, cut"),
                               "evil \x1b[2J\t\u00E4\n<\u202E\u0085\u2066\u200E\u200F\xFF>\n",
                               "Resume", "Debugger", scene.otherButton, seconds(scene.timeout)});
     };

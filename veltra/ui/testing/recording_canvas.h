@@ -26,6 +26,9 @@ public:
         bool isSmoothed = true;
         StyledText styled{};
         bool isAtTop = false;
+        // Another number for other points of a path, end of a gradient, line width or alpha.
+        double fingerprint = 0.0;
+        std::vector<Call> drawn{};  // what is on an image that was drawn on such a surface
     };
 
     explicit RecordingCanvas(float scale = 1.0F) : m_scale(scale) {}
@@ -78,20 +81,19 @@ public:
         note(What::FillRect, rect).color = color;
     }
     void fillPath(const Path& path, Color color) override {
-        note(What::FillPath, around(path)).color = color;
+        note(What::FillPath, path, {}).color = color;
     }
     void fillPath(const Path& path, const LinearGradient& gradient) override {
-        note(What::FillPath, around(path)).color = gradient.from;
+        const auto& [from, to, start, end] = gradient;
+        note(What::FillPath, path,
+             {to.red, to.green, to.blue, to.alpha, start.x, start.y, end.x, end.y})
+            .color = from;
     }
-    void strokePath(const Path& path, Color color, float /*lineWidth*/) override {
-        note(What::StrokePath, around(path)).color = color;
+    void strokePath(const Path& path, Color color, float lineWidth) override {
+        note(What::StrokePath, path, {lineWidth}).color = color;
     }
     void drawImage(const veltra::Image& image, const Rect& source, const Rect& destination,
-                   float /*alpha*/) override {
-        Call& call = note(What::Image, destination);
-        call.image = &image;
-        call.source = source;
-    }
+                   float alpha) override;
     void drawText(const StyledText& text, const Rect& rect, TextPlacement placement) override {
         const bool isAtTop = placement == TextPlacement::Top;
         Call& call =
@@ -113,6 +115,16 @@ private:
         calls.push_back({what, rect, m_state.clip});
         calls.back().isSmoothed = m_state.isSmoothed;
         return calls.back();
+    }
+    Call& note(What what, const Path& path, std::vector<float> numbers) {
+        for (const Path::Element& element : path.elements()) {
+            for (const Point point : element.points)
+                numbers.insert(numbers.end(), {point.x, point.y});
+        }
+        Call& call = note(what, around(path));
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            call.fingerprint += static_cast<double>(numbers[i]) * static_cast<double>(i + 1);
+        return call;
     }
 
     const float m_scale;
@@ -138,5 +150,15 @@ public:
 private:
     const Size m_size;
 };
+
+inline void RecordingCanvas::drawImage(const veltra::Image& image, const Rect& source,
+                                       const Rect& destination, float alpha) {
+    Call& call = note(What::Image, destination);
+    call.image = &image;
+    call.source = source;
+    call.fingerprint = static_cast<double>(alpha);
+    if (const auto* recorded = dynamic_cast<const RecordedImage*>(&image))
+        call.drawn = recorded->canvas.calls;
+}
 
 }  // namespace veltra::testing
