@@ -138,6 +138,15 @@ TEST_F(JsonPreferencesTest, InterruptedCallsAreRepeatedAndWhatIsThereIsNotWritte
     interrupted.setValue("key", "a long value");
     EXPECT_FALSE(interrupted.synchronise() || interrupted.reload());
     EXPECT_EQ(interrupted.value("key"), "a long value");
+    FileCalls calls = kInterruptedCalls;
+    calls.write = [](int, const void*, std::size_t) {
+        errno = EINTR;
+        return ssize_t{0};
+    };
+    JsonPreferences stuck(m_file.string(), calls);
+    stuck.setValue("key", 1);
+    EXPECT_EQ(stuck.synchronise(), std::errc::io_error)
+        << "nothing is written, whatever errno says";
     JsonPreferences same(m_file.string(), kFailingCalls);
     same.setValue("key", "a long value");
     same.setValue("none", nullptr);
@@ -154,6 +163,11 @@ TEST_F(JsonPreferencesTest, LinksLeadToTheFileAndWhatIsNoFileIsLeftAlone) {
     EXPECT_FALSE(m_preferences.synchronise());
     EXPECT_TRUE(fs::is_symlink(m_file) && fs::is_symlink(folder / "dots/link"));
     EXPECT_EQ(textOf(real), jsonFromDictionary({{"key", 1}}));
+    constexpr fs::perms kForTheGroup{0640};
+    fs::permissions(real, kForTheGroup);
+    m_preferences.setValue("key", 3);
+    EXPECT_FALSE(m_preferences.synchronise());
+    EXPECT_EQ(fs::status(real).permissions(), kForTheGroup);
 
     store("");
     fs::resize_file(m_file, PreferencesFile::kMaximumSize + 1);
