@@ -29,6 +29,9 @@ NOT_CODE = re.compile(r"^\s*(#|//|static_assert|namespace|using|case \d|template
 BLANKED = re.compile(r'//.*$|"(\\.|[^"\\])*"|\'(\\.|[^\'\\])+\'')
 NOT_NOTICED, NOT_COMPILED = "-", "!"
 
+# What is no part of the library, and compared with its file by a test without GoogleTest.
+TOOLS = {"veltra/infrastructure/profiles/make_profile.cpp"}
+
 # A changed program sees the file system, but writes to /tmp alone, which is its own; it sees no other
 # process, and none outlives it.
 SANDBOX = ["unshare", *(["--user", "--map-root-user"] if os.geteuid() else []), "--mount", "--pid",
@@ -46,6 +49,8 @@ def candidates(tree, folders):
     for path in sorted(tree.glob("veltra/**/*.cpp")):
         name = str(path.relative_to(tree))
         if name.endswith("_test.cpp") or "/testing/" in name or f"/{name}\"" not in compiled:
+            continue
+        if name in TOOLS:
             continue
         if folders and not any(name.startswith(folder) for folder in folders):
             continue
