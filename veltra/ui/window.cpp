@@ -598,7 +598,8 @@ void Window::viewLeaves(View& view) {
     }
     if (m_hovered.get() == &view) endHovering();
     if (!leaving) return;
-    if (m_pressed.get() == &view) m_pressed = nullptr;
+    if (m_pressed.get() == &view) releaseLostButton();
+    if (!leaving) return;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
     ToolTipWindow::shared().viewLeaves(view);
     cancelTouches(&view);

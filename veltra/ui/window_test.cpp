@@ -239,9 +239,10 @@ TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
         host.release({56, 5});
     }
     host.move({55, 5});
-    EXPECT_TRUE(listener.isEntered);
+    host.press({55, 5});
+    EXPECT_TRUE(listener.isEntered && listener.isHeld);
     const std::unique_ptr<View> taken = frame.takeFromSuperview();
-    EXPECT_FALSE(listener.isEntered);
+    EXPECT_FALSE(listener.isEntered || listener.isHeld);
 }
 
 // Hands on what else it hears, to somebody who may destroy it.
