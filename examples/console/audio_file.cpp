@@ -138,7 +138,7 @@ std::string AudioFile::problem() const {
     std::string reason;
     if (m_format.missingBytes > 0) {
         reason = std::to_string(m_format.missingBytes) + " bytes of its samples are missing";
-    } else if (m_sawEnd && m_format.lengthUnknown) {
+    } else if (m_sawEnd && m_format.endIsMissing) {
         reason = "its end mark is missing";
     } else if (m_sawEnd && m_framesRead < m_format.frames) {
         reason = "only " + std::to_string(m_framesRead) + " of " + std::to_string(m_format.frames) +

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "container_check.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <fstream>
@@ -11,6 +12,12 @@ namespace veltra::console {
 namespace {
 
 constexpr std::uint32_t kStreamedSize = 0x7FFF0000;  // sizes from here on mean "until it ends"
+
+// An Ogg page: a head, a table with the sizes of its parts, the parts.
+constexpr std::size_t kPageHead = 27;
+constexpr std::size_t kLargestPage = kPageHead + 255 + 255 * 255;
+constexpr std::size_t kFlagsAt = 5;
+constexpr unsigned kEndsStream = 4;
 
 class HeaderFile {
 public:
@@ -27,6 +34,14 @@ public:
         if (position > m_size || m_size - position < count) return false;
         m_stream.seekg(static_cast<std::streamoff>(position));
         return static_cast<bool>(m_stream.read(bytes.data(), count));
+    }
+
+    // The last bytes, `most` of them at most.
+    std::string tail(std::uint64_t most) {
+        std::string bytes(static_cast<std::size_t>(std::min(m_size, most)), '\0');
+        m_stream.seekg(static_cast<std::streamoff>(m_size - bytes.size()));
+        m_stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return bytes;
     }
 
 private:
@@ -51,6 +66,19 @@ void compareSizes(std::uint32_t announced, std::uint64_t start, std::uint64_t fi
     if (isShort && !result.openLength) result.missingBytes = announced - there;
 }
 
+bool endsWithItsLastPage(const std::string& tail) {
+    const auto byteAt = [&tail](std::size_t at) { return static_cast<unsigned char>(tail[at]); };
+    const std::size_t page = tail.rfind(std::string_view("OggS\0", 5));
+    if (page == std::string::npos || tail.size() - page < kPageHead) return false;
+    const std::size_t sizes = page + kPageHead;
+    const std::size_t parts = sizes + byteAt(sizes - 1);
+    if (tail.size() < parts) return false;
+    std::size_t end = parts;
+    for (std::size_t at = sizes; at < parts; ++at)
+        end += byteAt(at);
+    return end <= tail.size() && (byteAt(page + kFlagsAt) & kEndsStream) != 0;
+}
+
 }  // namespace
 
 ContainerCheck checkContainer(const std::string& path) {
@@ -61,6 +89,10 @@ ContainerCheck checkContainer(const std::string& path) {
     ContainerCheck result;
     if (kind == ".snd") {
         compareSizes(number(&head[8], true), number(&head[4], true), file.size(), result);
+        return result;
+    }
+    if (kind == "OggS") {
+        result.endIsMissing = !endsWithItsLastPage(file.tail(2 * kLargestPage));
         return result;
     }
     if (kind != "RIFF" && kind != "RIFX" && kind != "FORM") return {};

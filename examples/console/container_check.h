@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A look at a file's own chunks, for what libsndfile mends without a word: it shortens a truncated
-// file to what is there.
+// A look at a file's own chunks and pages, for what libsndfile mends without a word: it shortens a
+// truncated file to what is there.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,11 @@ struct ContainerCheck {
     bool compressedAiff = false;     // FORM type "AIFC", the form that also holds floats
     std::uint64_t missingBytes = 0;  // sample data that the header announces and the file lacks
     bool openLength = false;         // it announces none, or what a streaming writer left there
+    bool endIsMissing = false;       // its last page is cut off, or does not end the stream
 };
 
-// Looks at RIFF and RIFX (WAV), FORM (AIFF, AIFF-C) and AU headers; other files answer {}. A size
+// Looks at RIFF and RIFX (WAV), FORM (AIFF, AIFF-C) and AU headers, and at the last page of an Ogg
+// file; other files answer {}. A size
 // that a streaming writer left open announces nothing: zero, or above nearly 2 GiB where the file
 // ends before.
 ContainerCheck checkContainer(const std::string& path);

@@ -79,6 +79,7 @@ FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path)
         format.frames = static_cast<std::uint64_t>(info.frames);
     }
     format.missingBytes = check.missingBytes;
+    format.endIsMissing = check.endIsMissing || format.lengthUnknown;
     format.openLength = check.openLength;
 
     for (const Encoding& encoding : kEncodings) {

@@ -31,7 +31,8 @@ struct FileFormat {
     int channels = 0;
     ChannelPlan plan;                // what they are
     std::uint64_t frames = 0;        // as many as the file announces and libsndfile finds
-    bool lengthUnknown = false;      // a stream without its end mark: `frames` says nothing
+    bool lengthUnknown = false;      // `frames` says nothing
+    bool endIsMissing = false;       // a stream without its end mark
     std::uint64_t missingBytes = 0;  // of sample data that the header announces
     bool openLength = false;         // the header does not tell how many there are
 };

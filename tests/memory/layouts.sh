@@ -154,6 +154,7 @@ cat >looking.cpp <<'C'
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <initializer_list>
 #include <malloc.h>
 extern "C" {
 void* __libc_malloc(std::size_t);

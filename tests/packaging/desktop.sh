@@ -5,7 +5,11 @@
 set -euo pipefail
 console=$1 data=$2/examples/console/data
 if command -v desktop-file-validate >/dev/null; then desktop-file-validate "$data"/*.desktop; fi
-if command -v appstreamcli >/dev/null; then appstreamcli validate --no-net --pedantic "$data"/*.metainfo.xml; fi
+validate() { appstreamcli validate --no-net --pedantic "$@" "$data"/*.metainfo.xml; }
+if command -v appstreamcli >/dev/null; then
+    # There is no homepage to name. An old tool does not know the rule.
+    told=$(validate --override=url-homepage-missing=info 2>&1) || validate || { echo "$told"; exit 1; }
+fi
 entry=$(sed -n 's/^\(Exec\|Icon\)=//p' "$data/org.veltra.console.desktop" | paste -sd ' ')
 is() { [ "$1" = "$2" ] || { echo "'$1', not '$2'"; exit 1; }; }
 is "$entry" "veltra-console %F org.veltra.console"

@@ -2,6 +2,7 @@
 #include "veltra/base/property_value.h"
 
 #include "veltra/base/ascii_case.h"
+#include "veltra/base/immortal.h"
 #include "veltra/base/text_parts.h"
 #include "veltra/base/well_formed_utf8.h"
 
@@ -148,22 +149,22 @@ std::span<const std::uint8_t> PropertyValue::asData() const& noexcept {
 }
 
 const PropertyValue::Array& PropertyValue::asArray() const& noexcept {
-    static const Array kNone;
+    static const Immortal<Array> kNone;
     const auto* node = held<ArrayNode>();
-    return node != nullptr ? node->items : kNone;
+    return node != nullptr ? node->items : *kNone;
 }
 
 const PropertyValue::Dictionary& PropertyValue::asDictionary() const& noexcept {
-    static const Dictionary kNone;
+    static const Immortal<Dictionary> kNone;
     const auto* node = held<DictionaryNode>();
-    return node != nullptr ? node->members : kNone;
+    return node != nullptr ? node->members : *kNone;
 }
 
 const PropertyValue& PropertyValue::operator[](std::string_view key) const& noexcept {
-    static const PropertyValue kNull;
+    static const Immortal<PropertyValue> kNull;
     const Dictionary& members = asDictionary();
     const auto found = members.find(key);
-    return found != members.end() ? found->second : kNull;
+    return found != members.end() ? found->second : *kNull;
 }
 
 PropertyValue PropertyValue::valueAtPath(std::span<const std::string_view> path) const noexcept {
