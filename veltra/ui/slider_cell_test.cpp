@@ -109,6 +109,7 @@ TEST(Sliders, FollowTheWheelAndTheKeyboard) {
     EXPECT_EQ(host.view.doubleValue(), 50.0);
     host.view.setEnabled(false);
     host.wheel({5, 5}, 3.0F);
+    EXPECT_FALSE(host.view.sliderCell().performKey(host.keyEvent(kUpArrowCharacter)));
     EXPECT_EQ(host.view.doubleValue(), 50.0);
 }
 

@@ -308,14 +308,17 @@ TEST_F(NumberEditors, FollowThePointerUpAndDownOnAnyScreen) {
 TEST_F(NumberEditors, ALongClickEndsTheDragAndIsSent) {
     control->setSendsActionContinuous(false);
     control->setLongClickAction(action<&Host::longClick>());
+    control->setLocksPointer(true);
     const RunLoop::ModeScope tracking(loop, RunLoopMode::EventTracking);
     host.press(ticks);
     host.drag(above(ticks, 2));
+    EXPECT_EQ(host.port.locks, "+");
     told.take();
     loop.advance(0.59);
     EXPECT_THAT(told.take(), ElementsAre());
     loop.advance(0.02);
     EXPECT_THAT(told.take(), ElementsAre("action 2", "up", "long click"));
+    EXPECT_EQ(host.port.locks, "+-");
     host.drag(above(ticks, 5));  // still held
     host.release(ticks);
     host.click(ticks);  // too short

@@ -30,7 +30,12 @@ public:
     Size maximum;
     bool canMove = false;
     bool isMiniaturized = false;
+    std::string locks;  // of the pointer: + and -
 
+    bool lockPointer(bool isLocked) override {
+        locks += isLocked ? '+' : '-';
+        return isLocked;
+    }
     void miniaturize() override { isMiniaturized = true; }
     bool startMove() override { return canMove; }
     void invalidate(const Rect& surfaceRect) override { invalid.push_back(surfaceRect); }
