@@ -22,6 +22,7 @@ TEST(WithoutAPort, TextIsMeasuredByItsCharactersAndNothingIsShownOrAwaited) {
     EXPECT_EQ(window.contentSize(), (Size{100, 50}));
     EXPECT_EQ(window.scale(), 1.0F);
     EXPECT_FALSE(UiPort::current().waitForEvent() || window.lockPointer(true));
+    EXPECT_FALSE(UiPort::current().hasFontFamily("Any"));
     EXPECT_EQ(Image::drawn({5, 5}, 1.0F, [](Canvas&) { ADD_FAILURE(); }), nullptr);
     EXPECT_EQ(Image::load("picture.png"), nullptr);
 }
