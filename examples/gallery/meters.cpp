@@ -28,13 +28,15 @@ struct Shown {
     std::int32_t look = kLevelMeterImageLED;
     bool isMuted = false;
     std::optional<double> rms = {};
-    float pitch = 4.0F;  // from LED to LED, in points
+    float pitch = 4.0F;       // from LED to LED, in points
+    std::uint32_t count = 0;  // of LEDs, instead of a pitch
 };
 
 void show(QkLevelMeterCell& cell, double decibels, double held, const Shown& shown) {
     cell.setLevelScale(LevelMeterLevels::Decibels);
     cell.setImageIDs(shown.look, shown.look);
     cell.setLEDPitch(shown.pitch);
+    if (shown.count > 0) cell.setLEDCount(shown.count);
     cell.setFallBackStepTime(0.0);
     cell.setMaxLevelHoldTime(std::numeric_limits<double>::infinity());
     cell.setLevel(meterPositionForDecibels(held));
@@ -127,6 +129,25 @@ Specimen mono(const Shown& shown) {
             {}};
 }
 
+// The meters alone: which way the y axis of their view points cannot be seen.
+template <bool isDownward>
+class Bare final : public DfStereoLevelMeterView {
+public:
+    explicit Bare(const Shown& shown) : DfStereoLevelMeterView(Rect{{}, {27.0F, shown.height}}) {
+        show(cellL(), shown.left, shown.heldLeft, shown);
+        show(cellR(), shown.right, shown.heldRight, shown);
+    }
+    bool isFlipped() const override { return isDownward; }
+};
+
+template <bool isDownward>
+Specimen bare(const Shown& shown) {
+    return {shown.caption,
+            {27.0F, shown.height},
+            [=] { return std::make_unique<Bare<isDownward>>(shown); },
+            {}};
+}
+
 class Lying final : public View {
 public:
     explicit Lying(const Shown& shown)
@@ -169,6 +190,16 @@ Sheet meterSheet() {
                        return std::make_unique<Lying>(Shown{"", -7.2, -8.9, -2.1, -4.0});
                    },
                    {}};
+    // Levels at the beginning of an LED and just above it.
+    const auto twentyLeds = [](std::string caption) {
+        return Shown{.caption = std::move(caption),
+                     .left = -20.0,
+                     .right = -19.9,
+                     .heldLeft = 0.5,
+                     .heldRight = -4.0,
+                     .height = 131.0F,
+                     .count = 20};
+    };
     return {
         "meters",
         "Level meters",
@@ -216,7 +247,8 @@ Sheet meterSheet() {
                  .heldRight = -4.0,
                  .peak = -2.1,
                  .height = 120.0F,
-                 .pitch = 8.0F})},
+                 .pitch = 8.0F}),
+          bare<false>(twentyLeds("20 LEDs")), bare<true>(twentyLeds("y downward"))},
          {lying, readout("peak", -2.1), readout("hover", -2.1, {}, over),
           readout("focused", -2.1, {}, focus), readout("clipped", 1.8),
           readout("disabled", -2.1, disable), readout("silent", kSilent),
