@@ -8,6 +8,7 @@
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/theme.h"
 
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -30,19 +31,26 @@ struct Shown {
     std::optional<double> rms = {};
     float pitch = 4.0F;       // from LED to LED, in points
     std::uint32_t count = 0;  // of LEDs, instead of a pitch
+    LevelMeterLevels levels = LevelMeterLevels::Decibels;
 };
 
+float positionOf(double decibels, LevelMeterLevels levels) {
+    return levels == LevelMeterLevels::Decibels
+               ? meterPositionForDecibels(decibels)
+               : static_cast<float>(std::pow(10.0, decibels / 20.0));
+}
+
 void show(QkLevelMeterCell& cell, double decibels, double held, const Shown& shown) {
-    cell.setLevelScale(LevelMeterLevels::Decibels);
+    cell.setLevelScale(shown.levels);
     cell.setImageIDs(shown.look, shown.look);
     cell.setLEDPitch(shown.pitch);
     if (shown.count > 0) cell.setLEDCount(shown.count);
     cell.setFallBackStepTime(0.0);
     cell.setMaxLevelHoldTime(std::numeric_limits<double>::infinity());
-    cell.setLevel(meterPositionForDecibels(held));
-    cell.setLevel(meterPositionForDecibels(decibels));
+    cell.setLevel(positionOf(held, shown.levels));
+    cell.setLevel(positionOf(decibels, shown.levels));
     cell.setMuted(shown.isMuted);
-    if (shown.rms) cell.setRms(meterPositionForDecibels(decibels + *shown.rms));
+    if (shown.rms) cell.setRms(positionOf(decibels + *shown.rms, shown.levels));
 }
 
 void drawNames(Canvas& canvas, const Theme& colors, std::span<const std::string> names,
@@ -220,7 +228,14 @@ Sheet meterSheet() {
                  .heldRight = -4.0,
                  .peak = -2.1,
                  .rms = -9.0}),
-          strip({"silent"})},
+          strip({"silent"}),
+          strip({.caption = "amplitudes",
+                 .left = -7.2,
+                 .right = -8.9,
+                 .heldLeft = -2.1,
+                 .heldRight = -4.0,
+                 .peak = -2.1,
+                 .levels = LevelMeterLevels::Amplitude})},
          {strip({"120 high", -7.2, -8.9, -2.1, -4.0, -2.1, 120.0F}),
           strip({"72 high", -9.0, -10.9, -2.1, -4.0, -2.1, 72.0F}),
           mono({"one channel", -18.0, kSilent, -18.0, kSilent, kSilent, 144.0F}),
