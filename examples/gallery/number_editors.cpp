@@ -90,7 +90,7 @@ std::unique_ptr<DfNumberEditorControl> makeSegments() {
     made->setBackgroundColor(Color::fromRgb(0x0E140E));
     made->setTextColor(kGreen);
     made->setShadowEightColor(kGreen.withAlpha(0.15F));
-    made->setEditTextColor(kBlack);
+    made->setEditTextColor(Color::fromRgb(0x082811));
     made->setEditBackgroundColor(kGreen);
     made->setAccessibilityName("segments");
     made->setValue(128);
@@ -162,7 +162,7 @@ Sheet numberEditorSheet() {
                            press(window, lastGroup);
                            drag(window, {lastGroup.x, lastGroup.y + 44.0F});
                        })},
-             {position("editing", editFirst), position("typed", typeDigits(u"12", firstGroup)),
+             {position("editing", editFirst), position("typed", typeDigits(u"012", firstGroup)),
               position("focused", focus)},
              {position("disabled: nothing but the glass", {}, disabled),
               specimen("with captions", {164.0F, 52.0F}, makePosition, withCaptions),

@@ -11,6 +11,11 @@ namespace {
 
 using What = RecordingCanvas::What;
 
+TEST(Drawing, LinesAreNeverThinnerThanAPixel) {
+    RecordingCanvas port(1.25F);
+    EXPECT_FLOAT_EQ(deviceWidth(Canvas(port), 0.1F) * 1.25F, 1.0F);
+}
+
 TEST(Drawing, ShadowsFallDownwardsInBothDirections) {
     for (const bool isFlipped : {true, false}) {
         RecordingCanvas port;

@@ -103,22 +103,17 @@ TEST_F(LevelMeterTest, ThePitchOfLedsIsTheSameAfterEveryLayout) {
     EXPECT_EQ(host.view.cellL().LEDCount(), 7U);
 }
 
-TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
+TEST_F(LevelMeterTest, ASecondValueOfNoneDimsTheLevelAndAHigherOneDoesNot) {
     Shown<DfStereoLevelMeterView> host(Rect{{}, {28, 184}});
     host.view.setFallBackStepTime(0.0);
     host.view.setLevelL(0.6F, 0.0F);
-    const std::pair<float, std::vector<float>> kRows[] = {
-        {0.25F, {40.0F, 56.0F, 4.0F}},
-        {0.0F, {96.0F, 4.0F}},
-        {NAN, {96.0F, 4.0F}},
-        {0.9F, {96.0F, 4.0F}}};  // lit, dim, maximum; 40 LEDs
-    for (const auto& [rms, heights] : kRows) {
+    for (const auto& [rms, isLit] : {std::pair{0.0F, false}, {NAN, false}, {0.9F, true}}) {
         host.view.setRmsL(rms, std::nullopt);
         host.view.setNeedsDisplay();
         const auto calls = images(host);
-        ASSERT_EQ(calls.size(), heights.size() + 2) << rms;
-        for (std::size_t i = 0; i < heights.size(); ++i)
-            EXPECT_EQ(calls[i + 1].rect.size.height, heights[i]) << rms;
+        ASSERT_EQ(calls.size(), 4U) << rms;
+        EXPECT_EQ(calls[1].rect.size.height, 96.0F) << "24 of 40 LEDs";
+        EXPECT_EQ(calls[1].fingerprint == 1.0, isLit) << "the alpha";
     }
     host.port.invalid.clear();
     host.view.setRmsL(0.9F, std::nullopt);
@@ -126,6 +121,19 @@ TEST_F(LevelMeterTest, TheSecondValueIsLitInFullAndTheRestOfTheLevelDimly) {
     host.view.setMuted(true);
     EXPECT_EQ(host.port.invalid.size(), 2U);
     EXPECT_EQ(host.view.cellL().accessibilityValueText(), "\u22124.4 dB, RMS \u22124.4 dB, muted");
+}
+
+TEST_F(LevelMeterTest, AMutedBarIsThinButLitHoweverThinItIs) {
+    const std::pair<std::int32_t, float> kRows[] = {{1, 1}, {2, 2},  {3, 1},
+                                                    {4, 2}, {11, 3}, {20, 8}};
+    for (const auto& [thickness, lit] : kRows) {
+        LevelMeterPictureRequest request{.length = 40, .thickness = thickness};
+        request.isMuted = true;
+        const auto picture = levelMeterLook(kLevelMeterImageBar)->bar(request);
+        const auto& last =
+            static_cast<const testing::RecordedImage&>(*picture.on).canvas.calls.back();
+        EXPECT_EQ(last.rect, (Rect{{(static_cast<float>(thickness) - lit) / 2, 0}, {lit, 1}}));
+    }
 }
 
 TEST_F(LevelMeterTest, SettingsReachBothChannels) {

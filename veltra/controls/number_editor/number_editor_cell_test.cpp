@@ -169,7 +169,8 @@ TEST_F(Cells, HaveTheColoursOfPlainTextWithoutALook) {
     cell.setShadowEights(3);
     EXPECT_EQ(drawn()[0].color, (Color{0.8F, 0.8F, 0.8F, 0.5F}));
     cell.setHovered(true);
-    EXPECT_TRUE(drawn(What::FillPath).empty());
+    cell.setBackgroundColor(kWhite);
+    EXPECT_TRUE(drawn(What::FillPath).empty() && drawn(What::FillRect).empty());
     cell.startEditing();
     EXPECT_EQ(drawn(What::FillPath)[0].color,
               systemColor(SystemColor::SelectedTextBackground, Appearance::Light));
