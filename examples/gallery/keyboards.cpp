@@ -91,6 +91,9 @@ Sheet keyboardSheet() {
     constexpr float kRoomForTip = 40.0F;
     constexpr Point kOnShortRange{182.0F + kRoomForTip, 12.0F + kRoomForTip};
     constexpr Point kOnKey{60.0F, 24.0F};
+    const auto over = [](KeyRange range) {
+        return [range](DfOctavePickerView& made) { made.setKeyRange(range); };
+    };
     const auto overRange = [=](Window& window) { hover(window, kOnRange); };
     const auto dragged = [=](Window& window) {
         press(window, kOnShortRange);
@@ -110,10 +113,10 @@ Sheet keyboardSheet() {
                    {}};
     return {"keyboard",
             "Octave picker and keyboard",
-            {{picker("large", true, {}), picker("short", false, {})},
+            {{picker("large", true, {}), picker("short", false, over({17, 12}))},
              {picker("under the pointer", true, {}, overRange),
               picker("dragged", false, {}, dragged, kRoomForTip)},
-             {picker("focused", true, {}, focus),
+             {picker("focused", true, over({23, 7}), focus),
               picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
              {keys("at rest", {}),
               keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
