@@ -533,35 +533,26 @@ TEST_F(SliderCellTest, DrawsWhatAHostRegisters) {
         registerImage(part, nullptr);
 }
 
-TEST_F(SliderCellTest, LaysItsPartsOut) {
+TEST_F(SliderCellTest, HasMarksBesideItsTrackAndATrackInWhateverRoomIsLeft) {
     for (const bool isFlipped : {false, true}) {
-        SliderHost on(true, isFlipped);  // 40 x 120
-        on.cell.setMinSideInset(10.0F);
-        on.cell.setMaxSideInset(20.0F);
-        on.cell.setMinSideSliderInset(1.0F);
-        on.cell.setMaxSideSliderInset(2.0F);
-        on.cell.setTrackYInset(6.0F);
-        on.cell.setTickMarkYPosition(9.0F, 3.0F);
-        on.cell.setNumberOfTickMarks(3);
-        const Rect track{{6, isFlipped ? 22.0F : 11.0F}, {34, 87}};
-        EXPECT_EQ(on.cell.trackRect(), track);
-        for (int i = 0; i < 40; ++i)
-            on.cell.calculateInternalsFromCellFrame(on.slider().bounds(), on.slider());
-        EXPECT_EQ(on.cell.trackRect(), track);
-        EXPECT_EQ(on.cell.rectOfTickMarkAtIndex(0, isFlipped).origin,
-                  (Point{11, (isFlipped ? track.maxY() - 8 : track.minY() + 8) - 0.5F}));
-        EXPECT_EQ(on.cell.rectOfTickMarkAtIndex(1, isFlipped).size, (Size{3, 1}));
-        EXPECT_TRUE(on.cell.rectOfTickMarkAtIndex(3, isFlipped).isEmpty());
-        SliderHost lying(false, isFlipped);  // 120 x 40
-        lying.cell.setTickMarkYPosition(9.0F, 3.0F);
-        lying.cell.setNumberOfTickMarks(3);
+        SliderHost on(true, isFlipped), lying(false, isFlipped);  // 40 x 120, and the reverse
+        for (SliderHost* const host : {&on, &lying}) {
+            host->cell.setTickMarkYPosition(9.0F, 3.0F);
+            host->cell.setNumberOfTickMarks(3);
+        }
+        EXPECT_EQ(on.cell.rectOfTickMarkAtIndex(0, isFlipped),
+                  (Rect{{8, isFlipped ? 111.5F : 7.5F}, {3, 1}}));
         EXPECT_EQ(lying.cell.rectOfTickMarkAtIndex(1, isFlipped),
                   (Rect{{59.5F, isFlipped ? 29.0F : 8.0F}, {1, 3}}));
-        on.cell.setMinSideInset(NAN);
-        EXPECT_EQ(on.cell.trackRect().size.height, 97.0F);
-        on.cell.setMinSideInset(1e9F);
-        on.host.display();
-        EXPECT_EQ(on.cell.trackRect().size.height, 0.0F);
+        EXPECT_TRUE(on.cell.rectOfTickMarkAtIndex(3, isFlipped).isEmpty());
+        on.cell.setMaxSideInset(20.0F);
+        for (const auto& [inset, height] : {std::pair{10.0F, 90.0F}, {NAN, 100.0F}, {1e9F, 0.0F}}) {
+            on.cell.setMinSideInset(inset);
+            for (int i = 0; i < 3; ++i)
+                on.cell.calculateInternalsFromCellFrame(on.slider().bounds(), on.slider());
+            on.host.display();
+            EXPECT_EQ(on.cell.trackRect().size.height, height);
+        }
     }
 }
 
