@@ -176,7 +176,8 @@ private:
     LevelMeterScaleView& m_scale;
 };
 
-Specimen readout(std::string caption, double decibels, std::function<void(PeakReadout&)> set = {},
+Specimen readout(std::string caption, double decibels,
+                 const std::function<void(PeakReadout&)>& set = {},
                  std::function<void(Window&)> drive = {}) {
     return {std::move(caption),
             {54.0F, PeakReadout::kHeight},

@@ -142,6 +142,7 @@ TEST_F(CanvasOfQt, TextsStandWhereTheyArePlacedAndEndWithTheirRoom) {
             canvas.drawText(text, {{4, 2}, {width, text.size().height}}, placement);
         });
         std::vector<std::uint32_t> all;
+        all.reserve(1600);
         for (std::int32_t i = 0; i < 1600; ++i)
             all.push_back(image->pixelAt(i % 40, i / 40));
         return all;
@@ -156,7 +157,8 @@ TEST_F(CanvasOfQt, TextsStandWhereTheyArePlacedAndEndWithTheirRoom) {
 
 // Capitals stand in the middle, with their foot on a border between pixels.
 TEST_F(CanvasOfQt, CapitalsAreCenteredAndStandOnAPixel) {
-    for (float size = 10.0F; size < 16.0F; size += 0.5F) {
+    for (int halves = 20; halves < 32; ++halves) {
+        const float size = static_cast<float>(halves) / 2.0F;
         const auto image = drawn(2.0F, [size](Canvas& canvas) {
             canvas.drawText({"H", Font::systemFont(size, FontWeight::Bold), kBlack}, {{}, {20, 20}},
                             TextPlacement::Capitals);

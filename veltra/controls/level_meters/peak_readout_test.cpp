@@ -27,13 +27,12 @@ protected:
 TEST_F(PeakReadoutViewTest, HoldsTheHighestLevelAndThatItHasClipped) {
     const struct {
         float amplitude;
-        bool isDrawn;
+        bool isDrawn, isClipped;
         double decibels;
-        bool isClipped;
-    } kRows[] = {{0.5F, true, -6.02, false},  {0.1F, false, -6.02, false},
-                 {-1.0F, true, 0.0, false},   {NAN, false, 0.0, false},
-                 {1.0001F, true, 0.0, true},  // the number is the same
-                 {1.0002F, false, 0.0, true}, {2.0F, true, 6.02, true}};
+    } kRows[] = {{0.5F, true, false, -6.02},  {0.1F, false, false, -6.02},
+                 {-1.0F, true, false, 0.0},   {NAN, false, false, 0.0},
+                 {1.0001F, true, true, 0.0},  // the number is the same
+                 {1.0002F, false, true, 0.0}, {2.0F, true, true, 6.02}};
     for (const auto& row : kRows) {
         readout->raise(row.amplitude);
         EXPECT_EQ(!host->port.invalid.empty(), row.isDrawn) << row.amplitude;
