@@ -9,19 +9,19 @@ namespace veltra::gallery {
 
 namespace {
 
+// Switches have a size of the host's, buttons are as large as they ask to be.
 Specimen button(std::string caption, const char* title, ButtonCell::Kind kind,
                 const std::function<void(Button&)>& set, std::function<void(Window&)> drive = {}) {
     const bool isToggle = kind == ButtonCell::Kind::Toggle;
-    const Size size = isToggle ? Size{32.0F, 24.0F} : Size{88.0F, 28.0F};
-    return {std::move(caption), size,
-            [=] {
-                auto made = std::make_unique<Button>(Rect{{}, size}, title, kind);
-                made->setFont(isToggle ? themeFont(11.0F, FontWeight::SemiBold)
-                                       : themeFont(12.0F, FontWeight::Medium));
-                if (set) set(*made);
-                return made;
-            },
-            std::move(drive)};
+    const auto make = [=] {
+        auto made = std::make_unique<Button>(Rect{}, title, kind);
+        made->setFont(isToggle ? themeFont(11.0F, FontWeight::SemiBold)
+                               : themeFont(12.0F, FontWeight::Medium));
+        if (set) set(*made);
+        return made;
+    };
+    const Size size = isToggle ? Size{32.0F, 24.0F} : make()->buttonCell().cellSize();
+    return {std::move(caption), size, make, std::move(drive)};
 }
 
 void drawPlaySymbol(Canvas& canvas, Point upperLeft, Color color) {
@@ -34,7 +34,6 @@ void drawPlaySymbol(Canvas& canvas, Point upperLeft, Color color) {
     canvas.fillPath(path, color);
 }
 
-// As large as it asks to be.
 Specimen withSymbol(std::string caption, const char* title, ButtonCell::Style style, bool isOn,
                     std::function<void(Window&)> drive = {}) {
     const auto make = [=] {

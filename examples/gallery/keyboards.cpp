@@ -3,6 +3,7 @@
 #include "user.h"
 #include "veltra/controls/keyboard/keyboard_toolbar_view.h"
 #include "veltra/controls/keyboard/keyboard_view.h"
+#include "veltra/controls/keyboard/keyboard_window.h"
 #include "veltra/controls/keyboard/octave_picker_view.h"
 #include "veltra/ui/button.h"
 #include "veltra/ui/drawing.h"
@@ -68,6 +69,20 @@ Specimen keys(std::string caption, const std::function<void(KeyboardView&)>& set
             std::move(drive)};
 }
 
+// The button that a window has for its strip.
+Specimen stripButton(std::string caption, bool isOn, std::function<void(Window&)> drive = {}) {
+    const Size size{52.0F, 40.0F};
+    return {std::move(caption), size,
+            [=] {
+                DfKeyboardWindow window(Rect{{}, size});
+                window.setContentView(std::make_unique<View>(Rect{{}, size}));
+                window.df_addToolbarWidget();
+                window.toolbarButton()->setOn(isOn);
+                return window.takeContentView();
+            },
+            std::move(drive)};
+}
+
 }  // namespace
 
 Sheet keyboardSheet() {
@@ -76,11 +91,17 @@ Sheet keyboardSheet() {
     constexpr float kRoomForTip = 40.0F;
     constexpr Point kOnShortRange{182.0F + kRoomForTip, 12.0F + kRoomForTip};
     constexpr Point kOnKey{60.0F, 24.0F};
+    const auto over = [](KeyRange range) {
+        return [range](DfOctavePickerView& made) { made.setKeyRange(range); };
+    };
     const auto overRange = [=](Window& window) { hover(window, kOnRange); };
     const auto dragged = [=](Window& window) {
         press(window, kOnShortRange);
         drag(window, kOnShortRange + Point{5.0F, 0.0F});
     };
+    constexpr Point kOnButton{30.0F, 30.0F};
+    const auto overButton = [=](Window& window) { hover(window, kOnButton); };
+    const auto pressed = [=](Window& window) { press(window, kOnButton); };
     Specimen whole{"window with its strip",
                    {722.0F, 190.0F},
                    [] {
@@ -92,16 +113,19 @@ Sheet keyboardSheet() {
                    {}};
     return {"keyboard",
             "Octave picker and keyboard",
-            {{picker("large", true, {}), picker("short", false, {})},
+            {{picker("large", true, {}), picker("short", false, over({17, 12}))},
              {picker("under the pointer", true, {}, overRange),
               picker("dragged", false, {}, dragged, kRoomForTip)},
-             {picker("focused", true, {}, focus),
+             {picker("focused", true, over({23, 7}), focus),
               picker("disabled", false, [](auto& made) { made.setEnabled(false); })},
              {keys("at rest", {}),
               keys("under the pointer", {}, [=](Window& window) { hover(window, kOnKey); }),
               keys("played", {}, [=](Window& window) { press(window, kOnKey); }),
               keys("focused", {}, focus)},
-             {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole}}};
+             {keys("disabled", [](auto& made) { made.setEnabled(false); }), whole},
+             {stripButton("strip hidden", false), stripButton("hover", false, overButton),
+              stripButton("pressed", false, pressed), stripButton("focused", false, focus),
+              stripButton("strip shown", true)}}};
 }
 
 }  // namespace veltra::gallery

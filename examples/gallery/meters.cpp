@@ -8,6 +8,7 @@
 #include "veltra/ui/canvas.h"
 #include "veltra/ui/theme.h"
 
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -28,19 +29,28 @@ struct Shown {
     std::int32_t look = kLevelMeterImageLED;
     bool isMuted = false;
     std::optional<double> rms = {};
-    float pitch = 4.0F;  // from LED to LED, in points
+    float pitch = 4.0F;       // from LED to LED, in points
+    std::uint32_t count = 0;  // of LEDs, instead of a pitch
+    LevelMeterLevels levels = LevelMeterLevels::Decibels;
 };
 
+float positionOf(double decibels, LevelMeterLevels levels) {
+    return levels == LevelMeterLevels::Decibels
+               ? meterPositionForDecibels(decibels)
+               : static_cast<float>(std::pow(10.0, decibels / 20.0));
+}
+
 void show(QkLevelMeterCell& cell, double decibels, double held, const Shown& shown) {
-    cell.setLevelScale(LevelMeterLevels::Decibels);
+    cell.setLevelScale(shown.levels);
     cell.setImageIDs(shown.look, shown.look);
     cell.setLEDPitch(shown.pitch);
+    if (shown.count > 0) cell.setLEDCount(shown.count);
     cell.setFallBackStepTime(0.0);
     cell.setMaxLevelHoldTime(std::numeric_limits<double>::infinity());
-    cell.setLevel(meterPositionForDecibels(held));
-    cell.setLevel(meterPositionForDecibels(decibels));
+    cell.setLevel(positionOf(held, shown.levels));
+    cell.setLevel(positionOf(decibels, shown.levels));
     cell.setMuted(shown.isMuted);
-    if (shown.rms) cell.setRms(meterPositionForDecibels(decibels + *shown.rms));
+    if (shown.rms) cell.setRms(positionOf(decibels + *shown.rms, shown.levels));
 }
 
 void drawNames(Canvas& canvas, const Theme& colors, std::span<const std::string> names,
@@ -127,6 +137,27 @@ Specimen mono(const Shown& shown) {
             {}};
 }
 
+// The meters alone: which way the y axis of their view points cannot be seen. They stand between
+// pixels at 1.25 and 1.75 pixels a point.
+template <bool isDownward>
+class Bare final : public DfStereoLevelMeterView {
+public:
+    explicit Bare(const Shown& shown) : DfStereoLevelMeterView(Rect{{}, {27.0F, shown.height}}) {
+        show(cellL(), shown.left, shown.heldLeft, shown);
+        show(cellR(), shown.right, shown.heldRight, shown);
+    }
+    bool isFlipped() const override { return isDownward; }
+};
+
+template <bool isDownward>
+Specimen bare(const Shown& shown) {
+    return {shown.caption,
+            {27.0F, shown.height},
+            [=] { return std::make_unique<Bare<isDownward>>(shown); },
+            {},
+            9.0F};
+}
+
 class Lying final : public View {
 public:
     explicit Lying(const Shown& shown)
@@ -145,7 +176,8 @@ private:
     LevelMeterScaleView& m_scale;
 };
 
-Specimen readout(std::string caption, double decibels, std::function<void(PeakReadout&)> set = {},
+Specimen readout(std::string caption, double decibels,
+                 const std::function<void(PeakReadout&)>& set = {},
                  std::function<void(Window&)> drive = {}) {
     return {std::move(caption),
             {54.0F, PeakReadout::kHeight},
@@ -169,6 +201,16 @@ Sheet meterSheet() {
                        return std::make_unique<Lying>(Shown{"", -7.2, -8.9, -2.1, -4.0});
                    },
                    {}};
+    // Levels at the beginning of an LED and just above it.
+    const auto twentyLeds = [](std::string caption) {
+        return Shown{.caption = std::move(caption),
+                     .left = -20.0,
+                     .right = -19.9,
+                     .heldLeft = 0.5,
+                     .heldRight = -4.0,
+                     .height = 131.0F,
+                     .count = 20};
+    };
     return {
         "meters",
         "Level meters",
@@ -189,7 +231,14 @@ Sheet meterSheet() {
                  .heldRight = -4.0,
                  .peak = -2.1,
                  .rms = -9.0}),
-          strip({"silent"})},
+          strip({"silent"}),
+          strip({.caption = "amplitudes",
+                 .left = -7.2,
+                 .right = -8.9,
+                 .heldLeft = -2.1,
+                 .heldRight = -4.0,
+                 .peak = -2.1,
+                 .levels = LevelMeterLevels::Amplitude})},
          {strip({"120 high", -7.2, -8.9, -2.1, -4.0, -2.1, 120.0F}),
           strip({"72 high", -9.0, -10.9, -2.1, -4.0, -2.1, 72.0F}),
           mono({"one channel", -18.0, kSilent, -18.0, kSilent, kSilent, 144.0F}),
@@ -216,7 +265,8 @@ Sheet meterSheet() {
                  .heldRight = -4.0,
                  .peak = -2.1,
                  .height = 120.0F,
-                 .pitch = 8.0F})},
+                 .pitch = 8.0F}),
+          bare<false>(twentyLeds("20 LEDs")), bare<true>(twentyLeds("y downward"))},
          {lying, readout("peak", -2.1), readout("hover", -2.1, {}, over),
           readout("focused", -2.1, {}, focus), readout("clipped", 1.8),
           readout("disabled", -2.1, disable), readout("silent", kSilent),

@@ -90,7 +90,7 @@ std::unique_ptr<DfNumberEditorControl> makeSegments() {
     made->setBackgroundColor(Color::fromRgb(0x0E140E));
     made->setTextColor(kGreen);
     made->setShadowEightColor(kGreen.withAlpha(0.15F));
-    made->setEditTextColor(kBlack);
+    made->setEditTextColor(Color::fromRgb(0x082811));
     made->setEditBackgroundColor(kGreen);
     made->setAccessibilityName("segments");
     made->setValue(128);
@@ -135,6 +135,16 @@ Sheet numberEditorSheet() {
     const auto field = [] { return makeVelocity(NumberEditorLook::Field); };
     const Size small{56.0F, 20.0F};
     const Size segments{64.0F, 24.0F};
+    const auto withZeros = [](TextAlignment alignment, std::int64_t value) {
+        return [=](NumberDisplay& made) {
+            QkNumberEditorCell& cell = *made.editor().editorCellAtIndex(0);
+            made.editor().setAlignment(alignment);
+            cell.setLeadingZeros(4);
+            cell.setLeadingZerosColor(theme(Appearance::Dark).accent);
+            made.editor().setValue(value);
+        };
+    };
+    const std::u16string emptied{u'1', kDeleteCharacter};
     const auto editFirst = [=](Window& window) { startEditing(window, firstGroup); };
     const auto editSmall = [](Window& window) { startEditing(window, {36.0F, 18.0F}); };
     const auto typeDigits = [](const std::u16string& digits, Point point) {
@@ -152,7 +162,7 @@ Sheet numberEditorSheet() {
                            press(window, lastGroup);
                            drag(window, {lastGroup.x, lastGroup.y + 44.0F});
                        })},
-             {position("editing", editFirst), position("typed", typeDigits(u"12", firstGroup)),
+             {position("editing", editFirst), position("typed", typeDigits(u"012", firstGroup)),
               position("focused", focus)},
              {position("disabled: nothing but the glass", {}, disabled),
               specimen("with captions", {164.0F, 52.0F}, makePosition, withCaptions),
@@ -164,10 +174,17 @@ Sheet numberEditorSheet() {
                        }),
               specimen("editing", small, field, {}, editSmall),
               specimen("typed", small, field, {}, typeDigits(u"64", {36.0F, 18.0F})),
+              specimen("emptied", small, field, {}, typeDigits(emptied, {36.0F, 18.0F})),
               specimen("focused", small, field, {}, focus),
               specimen("disabled", small, field, disabled), specimen("glass", small, glass)},
              {Specimen{"colours of your own", segments, makeSegments, {}},
-              Specimen{"editing", segments, makeSegments, editSmall}}}};
+              Specimen{"editing", segments, makeSegments, editSmall},
+              specimen("coloured zeros", small, field, withZeros(TextAlignment::Right, 100)),
+              specimen("at the left", small, field, withZeros(TextAlignment::Left, 100)),
+              specimen("zero", small, field, withZeros(TextAlignment::Right, 0)),
+              specimen("not smoothed", small, field, [](NumberDisplay& made) {
+                  made.editor().setDisablesFontSmoothing(true);
+              })}}};
 }
 
 }  // namespace veltra::gallery

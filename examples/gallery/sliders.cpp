@@ -3,6 +3,7 @@
 #include "user.h"
 #include "veltra/controls/sliders/fader_scale.h"
 #include "veltra/controls/sliders/slider_presets.h"
+#include "veltra/ui/theme.h"
 
 namespace veltra::gallery {
 
@@ -108,6 +109,47 @@ SetUp stops(std::int32_t curve, double value) {
     };
 }
 
+// In a view whose y axis points down, where it looks the same.
+class Downward final : public Slider {
+public:
+    using Slider::Slider;
+    bool isFlipped() const override { return true; }
+};
+
+// Every length set, names at both ends and marks of the host's own.
+template <typename S>
+Specimen labelled(std::string caption, Size size, bool isEnabled = true) {
+    return {std::move(caption),
+            size,
+            [=] {
+                auto made = std::make_unique<S>(Rect{{}, size});
+                QkSliderCell& cell = QkSliderCell::replacedCellInSlider(*made);
+                const bool isUpright = size.height > size.width;
+                cell.setMaxValue(100.0);
+                cell.setEndLabels("min", "max");
+                cell.setMinSideInset(isUpright ? 14.0F : 28.0F);
+                cell.setMaxSideInset(isUpright ? 18.0F : 34.0F);
+                cell.setMinSideSliderInset(2.0F);
+                cell.setMaxSideSliderInset(6.0F);
+                cell.setTrackYInset(isUpright ? 18.0F : 4.0F);
+                cell.setLabelsYInset(isUpright ? 18.0F : 4.0F);
+                cell.setTickMarkYPosition(10.0F, 4.0F);
+                cell.setTickMarkDisabledColor(theme(Appearance::Dark).alert);
+                cell.setKnobRectInset({1.0F, 2.0F});
+                if (isEnabled) {
+                    using enum SliderMark::Kind;
+                    cell.setMarks({{0.0}, {30.0, Minor}, {50.0, Reference, "mid"}, {100.0}}, "%");
+                } else {
+                    cell.setNumberOfTickMarks(5);
+                }
+                cell.setDefaultValue(50.0);
+                cell.setDoubleValue(80.0);
+                cell.setEnabled(isEnabled);
+                return made;
+            },
+            {}};
+}
+
 }  // namespace
 
 Sheet sliderSheet() {
@@ -116,6 +158,8 @@ Sheet sliderSheet() {
     const Size wide{200.0F, 32.0F};
     const Size lying{100.0F, 24.0F};
     const Size upright{24.0F, 100.0F};
+    const Size tallLabels{56.0F, 150.0F};
+    const Size wideLabels{170.0F, 72.0F};
     const auto marks = [](Slider& made) { made.sliderCell().setNumberOfTickMarks(5); };
     const auto disabled = [](Slider& made) { made.setEnabled(false); };
     return {
@@ -134,7 +178,10 @@ Sheet sliderSheet() {
           slider("dense above", wide, stops(2, 50.0), focus)},
          {plain("plain", lying, {}), plain("marks", lying, marks),
           plain("focused", lying, {}, focus), plain("disabled", lying, disabled),
-          plain("upright", upright, {}), plain("marks", upright, marks)}}};
+          plain("upright", upright, {}), plain("marks", upright, marks)},
+         {labelled<Slider>("labels", tallLabels), labelled<Downward>("y downward", tallLabels),
+          labelled<Slider>("labels", wideLabels), labelled<Downward>("y downward", wideLabels),
+          labelled<Slider>("disabled", wideLabels, false)}}};
 }
 
 }  // namespace veltra::gallery

@@ -2,33 +2,11 @@
 #include "on_pictures.h"
 #include "veltra/controls/keyboard/keyboard_view.h"
 #include "veltra/controls/keyboard/keyboard_window.h"
-#include "veltra/controls/keyboard/octave_picker_view.h"
 
 #include <QWidget>
 
 namespace veltra::testing {
 namespace {
-
-// Both ends of the range lie on borders between keys, in whole pixels at every scale.
-TEST(Pictures, TheRangeOfThePickerBeginsAndEndsBetweenKeys) {
-    for (const Setting& setting : settings()) {
-        for (const bool isLarge : {true, false}) {
-            const Size size = DfOctavePickerView::naturalSize(isLarge);
-            CardPicture picture(size, setting);
-            auto& picker = picture.add<DfOctavePickerView>(Rect{{}, size}, isLarge);
-            const Color accent = theme(setting.appearance).accent;
-            for (const KeyRange range : {KeyRange{0, 10}, KeyRange{31, 11}, KeyRange{64, 10}}) {
-                picker.setKeyRange(range);
-                const auto edges = picture.draw().inRow(size.height / 2, accent);
-                const auto width = std::lround(3 * setting.scale - 0.01F);
-                ASSERT_EQ(edges.size(), 2U * static_cast<std::size_t>(width)) << setting.scale;
-                const Rect rect = picker.rangeRect();
-                EXPECT_EQ(edges.front(), std::lround((rect.minX() - 2) * setting.scale));
-                EXPECT_EQ(edges.back() + 1, std::lround((rect.maxX() + 3) * setting.scale));
-            }
-        }
-    }
-}
 
 // The strip comes and goes in a window of the toolkit as the model has it.
 TEST(KeyboardWindows, ShowAndHideTheirStripOnTheToolkit) {

@@ -70,33 +70,16 @@ public:
         return rgbAt(static_cast<std::int32_t>(place.x * scale),
                      static_cast<std::int32_t>(place.y * scale));
     }
-    // Where the row or the column of pixels at that place in points has that colour.
-    std::vector<std::int32_t> inRow(float place, Color color) const {
-        const auto y = static_cast<std::int32_t>(place * m_image->scale());
-        return found(width(), color, [&](std::int32_t x) { return rgbAt(x, y); });
-    }
-    std::vector<std::int32_t> inColumn(float place, Color color) const {
-        const auto x = static_cast<std::int32_t>(place * m_image->scale());
-        return found(height(), color, [&](std::int32_t y) { return rgbAt(x, y); });
-    }
-    // How many pixels differ, and the column of the leftmost one.
-    std::pair<int, std::int32_t> differences(const Pixels& other) const {
-        std::pair<int, std::int32_t> result{0, width()};
-        for (std::int32_t x = width(); x-- > 0;) {
-            for (std::int32_t y = 0; y < height(); ++y)
-                if (rgbAt(x, y) != other.rgbAt(x, y)) result = {result.first + 1, x};
+    bool operator==(const Pixels& other) const {
+        bool isEqual = width() == other.width() && height() == other.height();
+        for (std::int32_t x = 0; isEqual && x < width(); ++x) {
+            for (std::int32_t y = 0; isEqual && y < height(); ++y)
+                isEqual = rgbAt(x, y) == other.rgbAt(x, y);
         }
-        return result;
+        return isEqual;
     }
 
 private:
-    template <typename At>
-    static std::vector<std::int32_t> found(std::int32_t end, Color color, At at) {
-        std::vector<std::int32_t> places;
-        for (std::int32_t i = 0; i < end; ++i)
-            if (at(i) == rgbOf(color)) places.push_back(i);
-        return places;
-    }
     std::int32_t pixels(float points) const {
         return static_cast<std::int32_t>(std::lround(points * m_image->scale()));
     }

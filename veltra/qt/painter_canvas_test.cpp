@@ -14,6 +14,17 @@ std::shared_ptr<const Image> drawn(float scale, const std::function<void(Canvas&
     return Image::drawn({20.0F, 20.0F}, scale, draw);
 }
 
+// Of red pixels, and of those that are red in part.
+std::pair<std::int32_t, std::int32_t> counts(const Image& image) {
+    std::pair<std::int32_t, std::int32_t> result;
+    for (std::int32_t i = 0; i < 1600; ++i) {
+        const std::uint32_t pixel = image.pixelAt(i % 40, i / 40);
+        result.first += pixel == kRed;
+        result.second += pixel != kRed && pixel != 0;
+    }
+    return result;
+}
+
 class CanvasOfQt : public OnQt {
 protected:
     CanvasOfQt() { host(std::make_unique<testing::Probe>(Rect{{}, {10, 10}})); }
@@ -27,19 +38,28 @@ TEST_F(CanvasOfQt, AlignedRectanglesHaveNoSoftEdgeAtAnyScale) {
             aligned = canvas.alignedToDevice(rect);
             canvas.fillRect(aligned, Color::fromRgb(0xFF0000));
         });
-        std::int32_t red = 0;
-        std::int32_t soft = 0;
-        for (std::int32_t y = 0; y < 40; ++y) {
-            for (std::int32_t x = 0; x < 40; ++x) {
-                const std::uint32_t pixel = image->pixelAt(x, y);
-                red += pixel == kRed;
-                soft += pixel != kRed && pixel != 0;
-            }
-        }
+        const auto [red, soft] = counts(*image);
         EXPECT_EQ(soft, 0) << scale;
         const auto width = std::lround(12.4F * scale) - std::lround(3.3F * scale);
         EXPECT_EQ(red, width) << scale;  // one row: never thinner than a pixel
         EXPECT_NEAR(aligned.size.height * scale, 1.0F, 1e-4F);
+    }
+}
+
+TEST_F(CanvasOfQt, LinesFillWholePixelsAndRoundShapesHaveSoftEdges) {
+    const Color red = Color::fromRgb(0xFF0000);
+    for (const float scale : {1.0F, 1.25F, 1.5F, 1.75F, 2.0F}) {
+        const float pixel = 1.0F / scale;
+        const Rect rect{{2 * pixel, 3 * pixel}, {10 * pixel, 6 * pixel}};
+        const auto lines = drawn(scale, [&](Canvas& canvas) {
+            canvas.strokePath(Path::rect(rect.inset(pixel, pixel)), red, 2 * pixel);
+        });
+        EXPECT_EQ(counts(*lines), std::pair(10 * 6 - 6 * 2, 0)) << scale;
+        const std::function<void(Canvas&)> rounds[] = {
+            [&](Canvas& canvas) { canvas.fillPath(Path::ellipse(rect), red); },
+            [&](Canvas& canvas) { canvas.strokePath(Path::ellipse(rect), red, pixel); }};
+        for (const auto& round : rounds)
+            EXPECT_GT(counts(*drawn(scale, round)).second, 4) << scale;
     }
 }
 
@@ -122,6 +142,7 @@ TEST_F(CanvasOfQt, TextsStandWhereTheyArePlacedAndEndWithTheirRoom) {
             canvas.drawText(text, {{4, 2}, {width, text.size().height}}, placement);
         });
         std::vector<std::uint32_t> all;
+        all.reserve(1600);
         for (std::int32_t i = 0; i < 1600; ++i)
             all.push_back(image->pixelAt(i % 40, i / 40));
         return all;
@@ -136,7 +157,8 @@ TEST_F(CanvasOfQt, TextsStandWhereTheyArePlacedAndEndWithTheirRoom) {
 
 // Capitals stand in the middle, with their foot on a border between pixels.
 TEST_F(CanvasOfQt, CapitalsAreCenteredAndStandOnAPixel) {
-    for (float size = 10.0F; size < 16.0F; size += 0.5F) {
+    for (int halves = 20; halves < 32; ++halves) {
+        const float size = static_cast<float>(halves) / 2.0F;
         const auto image = drawn(2.0F, [size](Canvas& canvas) {
             canvas.drawText({"H", Font::systemFont(size, FontWeight::Bold), kBlack}, {{}, {20, 20}},
                             TextPlacement::Capitals);

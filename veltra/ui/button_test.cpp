@@ -53,40 +53,5 @@ TEST(ButtonPress, ClaimsItsKeysAndKeepsItsState) {
     EXPECT_TRUE(host.view.cell()->accessibilityActions().empty());
 }
 
-struct Drawn {
-    Point place;
-    Color ink;
-} drawn;
-
-TEST(ButtonLook, FollowsStyleStateAndPointer) {
-    const ScriptedPort port;
-    Shown<Button> host(Rect{{}, {60, 24}}, "", ButtonCell::Kind::Toggle);
-    ButtonCell& cell = host.view.buttonCell();
-    cell.setIcon([](Canvas&, Point place, Color ink) { drawn = {place, ink}; });
-    const Theme& colors = theme(host.window.appearance());
-    using enum ButtonCell::Style;
-    const std::tuple<ButtonCell::Style, bool, bool, Color> rows[] = {
-        {Plain, false, false, colors.text},    {Bare, false, true, colors.text},
-        {Plain, true, false, colors.onAccent}, {Primary, false, false, colors.onAccent},
-        {Danger, false, true, colors.alert},   {Mode, false, false, colors.text},
-        {Mode, true, true, colors.accent},     {Bare, false, false, colors.label}};
-    for (const auto& [style, isOn, isHovered, ink] : rows) {
-        cell.setStyle(style);
-        cell.setOn(isOn);
-        host.move(isHovered ? Point{10, 10} : Point{500, 500});
-        EXPECT_EQ(cell.isHovered(), isHovered);
-        const auto faces = host.drawn(RecordingCanvas::What::FillPath);
-        EXPECT_EQ(faces.empty(), style == Bare && !isHovered);
-        EXPECT_EQ(drawn.ink, ink) << static_cast<int>(style) << isOn << isHovered;
-    }
-    EXPECT_EQ(drawn.place, (Point{22, 20}));  // in the middle; y points up
-    const auto width = [&cell] { return cell.cellSizeForBounds({{}, {200, 200}}).width; };
-    EXPECT_EQ(width(), 16.0F + 24.0F);  // the icon alone
-    cell.setStringValue("Mute");
-    EXPECT_EQ(width(), 16.0F + 8.0F + 26.0F + 24.0F);
-    cell.setIcon(nullptr);
-    EXPECT_EQ(width(), 26.0F + 24.0F);
-}
-
 }  // namespace
 }  // namespace veltra::testing

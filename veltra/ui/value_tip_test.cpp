@@ -18,12 +18,12 @@ TEST(ValueTips, StayInTheRoomAndClearOfTheKnobThatTheirArrowPointsTo) {
     };
     using enum ToolTipSide;
     const Case cases[] = {
-        {{{50, 40}, {24, 36}}, Beside, {82, 46}, {77, 58}},    // at the right
-        {{{150, 40}, {24, 36}}, Beside, {84, 46}, {147, 58}},  // at the left for lack of room
-        {{{50, 0}, {24, 12}}, Beside, {82, 0}, {77, 11}},      // as high as it can be
-        {{{94, 60}, {12, 20}}, Above, {71, 28}, {100, 57}},    // above
-        {{{94, 10}, {12, 20}}, Above, {71, 38}, {100, 33}},    // below
-        {{{0, 60}, {12, 20}}, Above, {0, 28}, {11, 57}},       // not beyond the side
+        {{{50, 40}, {24, 37}}, Beside, {82, 47}, {77, 58.5F}},  // at the right
+        {{{150, 40}, {24, 36}}, Beside, {84, 46}, {147, 58}},   // at the left for lack of room
+        {{{50, 0}, {24, 12}}, Beside, {82, 0}, {77, 11}},       // as high as it can be
+        {{{94, 60}, {13, 20}}, Above, {72, 28}, {100.5F, 57}},  // above
+        {{{94, 10}, {12, 20}}, Above, {71, 38}, {100, 33}},     // below
+        {{{0, 60}, {12, 20}}, Above, {0, 28}, {11, 57}},        // not beyond the side
     };
     for (const Case& row : cases) {
         const ValueTip tip = ValueTip::placed("-3.0 dB", row.knob, room, row.side);

@@ -4,6 +4,7 @@
 // with VELTRA_ACCEPT_DRAWINGS=1 and commit the files.
 #include "../../../examples/gallery/sheet_view.h"
 #include "veltra/platform/testing/manual_run_loop.h"
+#include "veltra/processor/checksum.h"
 #include "veltra/ui/testing/scripted_port.h"
 
 #include <charconv>
@@ -71,24 +72,40 @@ private:
     std::map<std::string, std::size_t> m_images;
 };
 
+// Line by line; accepts what is drawn instead where that is wanted.
+void compare(const std::string& text, const std::string& name) {
+    const std::string path = VELTRA_DRAWINGS "/" + name + ".txt";
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
+    if (std::getenv("VELTRA_ACCEPT_DRAWINGS") != nullptr) std::ofstream(path) << text;
+    std::istringstream drawn(text);
+    std::ifstream accepted(path);
+    std::string now, before;
+    for (int number = 1; std::getline(drawn, now); ++number) {
+        ASSERT_TRUE(std::getline(accepted, before)) << path << " ends before " << now;
+        ASSERT_EQ(now, before) << path << ':' << number;
+    }
+    EXPECT_FALSE(std::getline(accepted, before)) << path << " goes on: " << before;
+}
+
+// The dark sheets at one scale in full, of all others a checksum.
 TEST(Drawings, AreThoseThatWereAccepted) {
     const ManualRunLoop loop;
     const ScriptedPort port;
+    std::ostringstream sums;
     for (const gallery::Sheet& sheet : gallery::sheets()) {
-        const auto picture = gallery::pictureOf(sheet, 1.5F, Appearance::Dark);
-        const auto& canvas = dynamic_cast<const RecordedImage&>(*picture).canvas;
-        std::istringstream drawn(Transcript().text(canvas.calls));
-        const std::string path = VELTRA_DRAWINGS "/" + sheet.name + ".txt";
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
-        if (std::getenv("VELTRA_ACCEPT_DRAWINGS") != nullptr) std::ofstream(path) << drawn.str();
-        std::ifstream accepted(path);
-        std::string now, before;
-        for (int number = 1; std::getline(drawn, now); ++number) {
-            ASSERT_TRUE(std::getline(accepted, before)) << path << " ends before " << now;
-            ASSERT_EQ(now, before) << path << ':' << number;
+        for (const float scale : {1.0F, 1.25F, 1.5F, 1.75F, 2.0F}) {
+            for (const Appearance appearance : {Appearance::Light, Appearance::Dark}) {
+                const bool isDark = appearance == Appearance::Dark;
+                const auto picture = gallery::pictureOf(sheet, scale, appearance);
+                const auto& canvas = dynamic_cast<const RecordedImage&>(*picture).canvas;
+                const std::string text = Transcript().text(canvas.calls);
+                if (isDark && scale == 1.5F) compare(text, sheet.name);
+                sums << sheet.name << (isDark ? " dark " : " light ") << scale << ' ' << std::hex
+                     << QKCRC32(0, text.data(), text.size()) << std::dec << '\n';
+            }
         }
-        EXPECT_FALSE(std::getline(accepted, before)) << path << " goes on: " << before;
     }
+    compare(sums.str(), "all-settings");
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 
 #include "veltra/ui/image_registry.h"
 #include "veltra/ui/testing/scripted_port.h"
-#include "veltra/ui/theme.h"
 
 #include <sstream>
 
@@ -164,13 +163,7 @@ TEST_F(OctavePicker, SpeaksInNamesOfNotes) {
     EXPECT_EQ(port.notifications[AccessibilityNotification::ValueChanged].size(), 1U);
 }
 
-TEST_F(OctavePicker, DrawsTheImagesOfTheHostAndTheRestItself) {
-    const auto drawn = [&](RecordingCanvas::What what) {
-        picker->setNeedsDisplay();
-        return host.window->drawn(what);
-    };
-    EXPECT_EQ(drawn(RecordingCanvas::What::Text).size(), 11U);
-    EXPECT_EQ(drawn(RecordingCanvas::What::FillPath).at(0).color, theme(Appearance::Light).field);
+TEST_F(OctavePicker, DrawsTheImagesOfTheHost) {
     const auto keys = std::make_shared<testing::RecordedImage>(904, 60, 2.0F);
     const auto part = std::make_shared<testing::RecordedImage>(4, 26, 1.0F);
     const char* const names[] = {"octave-glyphKeys", "octave-L_edge", "octave-fill",
@@ -180,7 +173,8 @@ TEST_F(OctavePicker, DrawsTheImagesOfTheHostAndTheRestItself) {
     picker->appearanceDidChange();
     picker->setKeyRange({65, 10});
     std::vector<Rect> places;
-    for (const auto& call : drawn(RecordingCanvas::What::Image))
+    picker->setNeedsDisplay();
+    for (const auto& call : host.window->drawn(RecordingCanvas::What::Image))
         places.push_back(call.rect);
     EXPECT_THAT(places, ::testing::ElementsAre(Rect{{6, 5}, {452, 30}}, Rect{{397, 0}, {4, 40}},
                                                Rect{{401, 0}, {52, 40}}, Rect{{453, 0}, {4, 40}}));

@@ -4,7 +4,6 @@
 #include "veltra/controls/keyboard/keyboard_panel.h"
 #include "veltra/controls/keyboard/keyboard_window.h"
 #include "veltra/ui/testing/scripted_port.h"
-#include "veltra/ui/theme.h"
 
 namespace veltra {
 namespace {
@@ -144,37 +143,9 @@ TEST_F(KeyboardWindows, TheButtonStaysInTheCornerAboveTheStrip) {
     EXPECT_FALSE(button->mouseDownCanMoveWindow());
     window->hideToolbar();
     EXPECT_FALSE(button->isOn());
-}
-
-TEST_F(KeyboardWindows, TheButtonShowsPointerPressAndState) {
-    const Theme& colors = theme(Appearance::Light);
-    const auto shows = [&](Color color) {
-        testing::RecordingCanvas canvas;
-        const Rect all{{}, window->frame().size};
-        window->display(canvas, {&all, 1});
-        return std::any_of(canvas.calls.begin(), canvas.calls.end(),
-                           [&](const auto& call) { return call.color == color; });
-    };
-    const auto send = [&](EventType type) {
-        Event event;
-        event.type = type;
-        event.clickCount = 1;
-        event.locationInWindow = window->toolbarButton()->frame().center();
-        event.window = window.get();
-        Application::current().postEvent(event);
-    };
-    EXPECT_TRUE(shows(colors.label) && !shows(colors.controlHover));
-    send(EventType::MouseMoved);
-    EXPECT_TRUE(shows(colors.controlHover));
-    send(EventType::LeftMouseDown);
-    EXPECT_TRUE(shows(colors.controlPressed));
-    send(EventType::LeftMouseUp);
-    EXPECT_TRUE(shows(colors.accentSoft) && shows(colors.accent));
-    EXPECT_EQ(window->toolbarButton()->focusShape()->radius, 6.0F);
-    window->hideToolbar();
-    send(EventType::MouseMoved);
-    window->setContentView(content<View>());  // it moves over; the pointer is not on it any more
-    EXPECT_FALSE(shows(colors.controlHover));
+    button->buttonCell().setHovered(true);
+    window->setContentView(content<View>());  // it moves over, the pointer is elsewhere
+    EXPECT_FALSE(button->buttonCell().isHovered());
 }
 
 TEST_F(KeyboardWindows, SurviveDeletionAndNewContentInEachCallback) {

@@ -187,13 +187,13 @@ public:
     }
 
     // Draws what is invalid, which is nothing from then on.
-    std::vector<RecordingCanvas::Call> display(float scale = 1.0F) {
-        RecordingCanvas canvas(scale);
+    std::vector<RecordingCanvas::Call> display() {
+        RecordingCanvas canvas;
         window.display(canvas, std::exchange(port.invalid, {}));
         return std::move(canvas.calls);
     }
-    std::vector<RecordingCanvas::Call> drawn(RecordingCanvas::What what, float scale = 1.0F) {
-        return RecordingCanvas::only(what, display(scale));
+    std::vector<RecordingCanvas::Call> drawn(RecordingCanvas::What what) {
+        return RecordingCanvas::only(what, display());
     }
 
     Event eventAt(EventType type, Point point) {
