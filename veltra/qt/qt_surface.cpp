@@ -161,10 +161,6 @@ void QtSurface::displayIfNeeded() {
     QCoreApplication::sendPostedEvents(m_widget->window(), QEvent::UpdateRequest);
 }
 
-void QtSurface::takeKeyboard() {
-    if (m_widget != nullptr) m_widget->setFocus(Qt::OtherFocusReason);
-}
-
 bool QtSurface::passKeyboard(bool forward) {
     return m_widget != nullptr && m_moveFocus(forward);
 }

@@ -60,7 +60,6 @@ public:
 
     void invalidate(const Rect& surfaceRect) override;
     void displayIfNeeded() override;
-    void takeKeyboard() override;
     bool passKeyboard(bool forward) override;
     void setCursor(Cursor cursor) override;
     float scale() const override;

@@ -47,9 +47,8 @@ public:
     // Draws what is invalid before it returns, if the window is on screen.
     virtual void displayIfNeeded() = 0;
 
-    // Takes the keyboard, or gives it up to what comes before or after in the focus order of the
-    // toolkit's window around. Giving it up returns false when there is nothing else.
-    virtual void takeKeyboard() = 0;
+    // Gives the keyboard up to what comes before or after in the focus order of the toolkit's
+    // window around. Returns false when there is nothing else.
     virtual bool passKeyboard(bool forward) = 0;
 
     // What the pointer looks like over this surface, until the next call.

@@ -222,6 +222,19 @@ TEST(Touches, AreCancelledOnceWhenTheirViewOrWindowGoes) {
     }
 }
 
+TEST(Windows, AreOnScreenBetweenOrderingFrontAndOut) {
+    const ScriptedPort port;
+    Shown<View> host(Rect{{}, {100, 100}});
+    host.window.orderFront();
+    EXPECT_TRUE(host.port.isVisible);
+    host.window.orderOut();
+    EXPECT_FALSE(host.port.isVisible);
+    host.window.makeKeyAndOrderFront();
+    EXPECT_TRUE(host.port.isVisible);
+    host.window.close();
+    EXPECT_FALSE(host.port.isVisible);
+}
+
 TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
     const ScriptedPort port;
     Shown<View> host(Rect{{}, {100, 100}});

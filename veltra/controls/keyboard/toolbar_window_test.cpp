@@ -134,11 +134,11 @@ TEST_F(KeyboardWindows, TheStripMovesOverToANewContentWhereverYPoints) {
 TEST_F(KeyboardWindows, TheButtonStaysInTheCornerAboveTheStrip) {
     Button* const button = window->toolbarButton();
     EXPECT_EQ(window->contentView()->subviews().size(), 2U);
-    EXPECT_EQ(button->frame(), (Rect{{260, 173}, {28, 24}}));
+    EXPECT_EQ(button->frame(), (Rect{{260, 174}, {28, 22}}));
     strip->setAutoresizingMask(kStretches);
     button->performClick();
     EXPECT_TRUE(window->toolbarVisible() && button->isOn());
-    EXPECT_EQ(button->frame(), (Rect{{260, 203}, {28, 24}})) << "where it was on screen";
+    EXPECT_EQ(button->frame(), (Rect{{260, 204}, {28, 22}})) << "where it was on screen";
     EXPECT_EQ(window->contentView()->hitTest({270, 215}), button);
     EXPECT_FALSE(button->mouseDownCanMoveWindow());
     window->hideToolbar();

@@ -12,7 +12,6 @@ public:
 
     void invalidate(const Rect& /*surfaceRect*/) override {}
     void displayIfNeeded() override {}
-    void takeKeyboard() override {}
     bool passKeyboard(bool /*forward*/) override { return false; }
     void setCursor(Cursor /*cursor*/) override {}
     float scale() const override { return m_scale; }

@@ -31,7 +31,9 @@ public:
     bool canMove = false;
     bool isMiniaturized = false;
     std::string locks;  // of the pointer: + and -
+    bool isVisible = false;
 
+    void setVisible(bool visible) override { isVisible = visible; }
     bool lockPointer(bool isLocked) override {
         locks += isLocked ? '+' : '-';
         return isLocked;
@@ -40,7 +42,6 @@ public:
     bool startMove() override { return canMove; }
     void invalidate(const Rect& surfaceRect) override { invalid.push_back(surfaceRect); }
     void displayIfNeeded() override {}
-    void takeKeyboard() override {}
     bool passKeyboard(bool /*forward*/) override { return isKeyboardPassed = hasNeighbours; }
     void setCursor(Cursor newCursor) override { cursor = newCursor; }
     float scale() const override { return 1.0F; }

@@ -8,7 +8,7 @@ namespace veltra::detail {
 
 namespace {
 
-constexpr Rect kFrame{{0.0F, 0.0F}, {28.0F, 24.0F}};
+constexpr Rect kFrame{{0.0F, 0.0F}, {28.0F, 22.0F}};  // leaves room for the focus ring in the strip
 constexpr float kRadius = 6.0F;
 
 // Two black keys, and the lines between white ones under them.
@@ -42,7 +42,7 @@ void ToolbarButton::drawRect(Canvas& canvas, const Rect& /*dirty*/) {
     } else if (buttonCell().isHovered()) {
         fillRounded(canvas, bounds(), kRadius, colors.controlHover);
     }
-    const Rect box = bounds().inset(8.0F, 7.0F);
+    const Rect box = bounds().inset(8.0F, 6.0F);
     drawKeyboard(canvas, box, isOn() ? colors.accent : colors.label);
 }
 
