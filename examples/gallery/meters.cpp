@@ -72,7 +72,7 @@ public:
               Rect{{2.0F, 0.0F}, {LevelMeterScaleView::kWidth + 26.0F, PeakReadout::kHeight}}))),
           m_meter(addSubview(std::make_unique<DfStereoLevelMeterView>(
               Rect{{LevelMeterScaleView::kWidth, PeakReadout::kHeight + kReadoutGap},
-                   {28.0F, shown.height}}))),
+                   {shown.look == kLevelMeterImageSlim ? 18.0F : 28.0F, shown.height}}))),
           m_scale(addSubview(std::make_unique<LevelMeterScaleView>(
               Rect{{0.0F, PeakReadout::kHeight},
                    {LevelMeterScaleView::kWidth, shown.height + 2 * kReadoutGap}}))) {
