@@ -269,7 +269,7 @@ Sheet meterSheet() {
           bare<false>(twentyLeds("20 LEDs")), bare<true>(twentyLeds("y downward"))},
          {lying, readout("peak", -2.1), readout("hover", -2.1, {}, over),
           readout("focused", -2.1, {}, focus), readout("clipped", 1.8),
-          readout("disabled", -2.1, disable), readout("silent", kSilent),
+          readout("disabled", -2.1, disable), readout("silent", PeakReadout::kQuietest),
           readout("quiet", -60.0)}}};
 }
 

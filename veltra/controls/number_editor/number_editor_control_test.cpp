@@ -416,9 +416,9 @@ TEST_F(NumberEditors, CopyPasteAndLeadOnByKeysWhereTheHostWantsIt) {
     press(u'.');
     EXPECT_EQ(edited(), 0);
     control->setSeparatorsLead(true);
-    control->setStringOfSeparatorCellAtIndex(" of 4", 1);  // its digit is a digit all the same
-    const std::pair<char16_t, std::int32_t> keys[] = {
-        {u'4', 0}, {u'.', 2}, {u'/', 4}, {u',', 4}, {u'x', 4}};
+    control->setStringOfSeparatorCellAtIndex(" of 40", 1);  // its digits are digits all the same
+    const std::pair<char16_t, std::int32_t> keys[] = {{u'4', 0}, {u'0', 0}, {u'.', 2},
+                                                      {u'/', 4}, {u',', 4}, {u'x', 4}};
     for (const auto& [key, index] : keys) {
         press(key);
         EXPECT_EQ(edited(), index);
