@@ -69,13 +69,13 @@ TEST(LoudnessMeterTest, MeetsTheCasesOfTheStandard) {
 
 TEST(LoudnessMeterTest, FindsThePeakBetweenTheSamplesAndSkipsWhatIsNoNumber) {
     for (const double shift : {0.0, 45.0}) {  // degrees; a quarter of the rate, half of full scale
-        LoudnessMeter meter(48000, 1);
-        std::vector<float> samples(4800);
-        for (std::size_t i = 0; i < samples.size(); ++i) {
+        LoudnessMeter meter(48000, 2);
+        std::vector<float> samples(9600);  // in the second channel
+        for (std::size_t i = 0; i < samples.size() / 2; ++i) {
             const double phase = 0.5 * kPi * static_cast<double>(i) + shift * kPi / 180.0;
-            samples[i] = static_cast<float>(0.5 * std::sin(phase));
+            samples[2 * i + 1] = static_cast<float>(0.5 * std::sin(phase));
         }
-        meter.add(samples.data(), samples.size());
+        meter.add(samples.data(), samples.size() / 2);
         const double peak = meter.read().truePeak;
         EXPECT_TRUE(peak >= -6.02 - 0.4 && peak <= -6.02 + 0.2) << shift << ' ' << peak;
     }
