@@ -202,6 +202,17 @@ Sheet meterSheet() {
                    },
                    {}};
     // Levels at the beginning of an LED and just above it.
+    const auto usual = [](std::string caption) {
+        return Shown{std::move(caption), -7.2, -8.9, -2.1, -4.0, -2.1};
+    };
+    const auto withPitch = [&](std::string caption, float pitch) {
+        Shown shown = usual(std::move(caption));
+        shown.height = 120.0F;
+        shown.pitch = pitch;
+        return shown;
+    };
+    Shown amplitudes = usual("amplitudes");
+    amplitudes.levels = LevelMeterLevels::Amplitude;
     const auto twentyLeds = [](std::string caption) {
         return Shown{.caption = std::move(caption),
                      .left = -20.0,
@@ -214,8 +225,7 @@ Sheet meterSheet() {
     return {
         "meters",
         "Level meters",
-        {{strip({"LEDs", -7.2, -8.9, -2.1, -4.0, -2.1}),
-          strip({"clipped", 1.8, 0.4, 1.8, 0.4, 1.8}),
+        {{strip(usual("LEDs")), strip({"clipped", 1.8, 0.4, 1.8, 0.4, 1.8}),
           strip({.caption = "muted",
                  .left = -16.0,
                  .right = -17.5,
@@ -231,15 +241,8 @@ Sheet meterSheet() {
                  .heldRight = -4.0,
                  .peak = -2.1,
                  .rms = -9.0}),
-          strip({"silent"}),
-          strip({.caption = "amplitudes",
-                 .left = -7.2,
-                 .right = -8.9,
-                 .heldLeft = -2.1,
-                 .heldRight = -4.0,
-                 .peak = -2.1,
-                 .levels = LevelMeterLevels::Amplitude})},
-         {strip({"120 high", -7.2, -8.9, -2.1, -4.0, -2.1, 120.0F}),
+          strip({"silent"}), strip(amplitudes)},
+         {strip(withPitch("120 high", 4.0F)),
           strip({"72 high", -9.0, -10.9, -2.1, -4.0, -2.1, 72.0F}),
           mono({"one channel", -18.0, kSilent, -18.0, kSilent, kSilent, 144.0F}),
           mono({"72 high", -14.0, kSilent, -14.0, kSilent, kSilent, 72.0F, kLevelMeterImageBar}),
@@ -250,22 +253,7 @@ Sheet meterSheet() {
                  .height = 120.0F,
                  .look = kLevelMeterImageSlim,
                  .isMuted = true}),
-          strip({.caption = "fine LEDs",
-                 .left = -7.2,
-                 .right = -8.9,
-                 .heldLeft = -2.1,
-                 .heldRight = -4.0,
-                 .peak = -2.1,
-                 .height = 120.0F,
-                 .pitch = 2.0F}),
-          strip({.caption = "large LEDs",
-                 .left = -7.2,
-                 .right = -8.9,
-                 .heldLeft = -2.1,
-                 .heldRight = -4.0,
-                 .peak = -2.1,
-                 .height = 120.0F,
-                 .pitch = 8.0F}),
+          strip(withPitch("fine LEDs", 2.0F)), strip(withPitch("large LEDs", 8.0F)),
           bare<false>(twentyLeds("20 LEDs")), bare<true>(twentyLeds("y downward"))},
          {lying, readout("peak", -2.1), readout("hover", -2.1, {}, over),
           readout("focused", -2.1, {}, focus), readout("clipped", 1.8),
