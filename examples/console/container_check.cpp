@@ -15,7 +15,7 @@ constexpr std::uint32_t kStreamedSize = 0x7FFF0000;  // sizes from here on mean 
 
 // An Ogg page: a head, a table with the sizes of its parts, the parts.
 constexpr std::size_t kPageHead = 27;
-constexpr std::size_t kLargestPage = kPageHead + 255 + 255 * 255;
+constexpr std::size_t kLargestPage = kPageHead + 255 + std::size_t{255} * 255;
 constexpr std::size_t kFlagsAt = 5;
 constexpr unsigned kEndsStream = 4;
 
