@@ -16,9 +16,8 @@ struct ContainerCheck {
 };
 
 // Looks at RIFF and RIFX (WAV), FORM (AIFF, AIFF-C) and AU headers, and at the last page of an Ogg
-// file; other files answer {}. A size
-// that a streaming writer left open announces nothing: zero, or above nearly 2 GiB where the file
-// ends before.
+// file; other files answer {}. A size that a streaming writer left open announces nothing: zero, or
+// above nearly 2 GiB where the file ends before.
 ContainerCheck checkContainer(const std::string& path);
 
 }  // namespace veltra::console

@@ -201,7 +201,6 @@ Sheet meterSheet() {
                        return std::make_unique<Lying>(Shown{"", -7.2, -8.9, -2.1, -4.0});
                    },
                    {}};
-    // Levels at the beginning of an LED and just above it.
     const auto usual = [](std::string caption) {
         return Shown{std::move(caption), -7.2, -8.9, -2.1, -4.0, -2.1};
     };
@@ -213,6 +212,7 @@ Sheet meterSheet() {
     };
     Shown amplitudes = usual("amplitudes");
     amplitudes.levels = LevelMeterLevels::Amplitude;
+    // Levels at the beginning of an LED and just above it.
     const auto twentyLeds = [](std::string caption) {
         return Shown{.caption = std::move(caption),
                      .left = -20.0,

@@ -588,18 +588,19 @@ std::optional<ViewToolTips::Found> Window::toolTipAt(Point inWindow) const {
     return std::nullopt;
 }
 
-// What it is told may destroy it.
+// What the view is told may destroy it, and the window.
 void Window::viewLeaves(View& view) {
+    const WeakPointer<Window> self(this);
     const WeakPointer<View> leaving(&view);
     if (m_firstResponder.get() == &view) {
         view.resignFirstResponder();
-        if (!leaving) return;
+        if (!self || !leaving) return;
         m_firstResponder = nullptr;
     }
     if (m_hovered.get() == &view) endHovering();
-    if (!leaving) return;
+    if (!self || !leaving) return;
     if (m_pressed.get() == &view) releaseLostButton();
-    if (!leaving) return;
+    if (!self || !leaving) return;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
     ToolTipWindow::shared().viewLeaves(view);
     cancelTouches(&view);
