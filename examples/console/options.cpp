@@ -27,7 +27,7 @@ its channels, with constant power; its LFE channel is left out of that.
   --terminal      no window, but meters in the terminal; without colours where NO_COLOR is set
   --picture FILE  draw the window at the loudest moment into a PNG file, without a display
   --scale N       of the picture: pixels a point, 1 to 4 (1)
-  --size WxH      of the picture, in points, such as 1180x720 (as its files want it)
+  --size WxH      of the picture, in points, 460x320 to 7680x4320 (as its files want it)
   --theme NAME    of the picture: light or dark (light)
   --bounce FILE   mix all files into a stereo WAV file, faster than real time
   --bits KIND     of that file: float, 16 or 24 (float)
@@ -35,7 +35,8 @@ its channels, with constant power; its LFE channel is left out of that.
   --device NAME   play on this device: an identity of --list-devices, or a part of a device's name;
                   auto is the default device, or silence when there is none (the default), and null
                   is silence, at the pace of real time
-  --rate N        frames a second of the device or of the mix (those of the first file)
+  --rate N        frames a second of the device or of the mix, 1000 to 768000 (those of the first
+                  file)
   --block N       frames that the device asks for at a time, 16 to 8192 (512)
   --list-devices  print the identities of all devices, a star at the default one of each sound
                   system, and the rates that they can play
@@ -91,8 +92,9 @@ lines below, names in columns 3 to 14 and values from column 15; a blank line be
 A file that cannot be read has one line instead: error, and the reason. All measurements are of the
 file's own samples, before any change of sample rate.
 
-Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one was not or the report or the
-picture could not be written, 2 the command line makes no sense or would overwrite something.
+Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one could not be read, the report,
+the picture or the mix was not written, or the device named by --device did not play, 2 the command
+line makes no sense or would overwrite something.
 )";
 
 namespace {
@@ -160,6 +162,8 @@ Request requestOf(std::string_view name) {
 
 std::optional<Options> parseOptions(std::span<const char* const> arguments, std::string& error) {
     Options options;
+    std::string_view ofPicture;  // an option that means a picture only, when there is one
+    std::string_view ofMix;
     bool onlyFiles = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
@@ -202,11 +206,14 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
             options.picture = value;
         } else if (name == "--scale" && parseScale(value)) {
             options.scale = *parseScale(value);
+            ofPicture = name;
         } else if (const auto size = parseSize(value); name == "--size" && size) {
             options.width = size->first;
             options.height = size->second;
+            ofPicture = name;
         } else if (name == "--theme" && (value == "light" || value == "dark")) {
             options.theme = value == "dark" ? Appearance::Dark : Appearance::Light;
+            ofPicture = name;
         } else if (name == "--report" && !value.empty()) {
             options.report = value;
         } else if (name == "--device" && !value.empty()) {
@@ -219,6 +226,7 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
             options.bounce = value;
         } else if (name == "--bits" && parseBits(value)) {
             options.bits = *parseBits(value);
+            ofMix = name;
         } else {
             error = takesValue ? std::string(name).append(" cannot be '").append(value).append("'")
                                : std::string("unknown option ").append(argument);
@@ -240,6 +248,14 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
     }
     if (!options.bounce.empty() && (options.headless || options.terminal)) {
         error = "--bounce plays nothing; leave out --headless and --terminal";
+        return std::nullopt;
+    }
+    if (!ofPicture.empty() && options.picture.empty()) {
+        error = std::string(ofPicture).append(" is about a picture; add --picture FILE.png");
+        return std::nullopt;
+    }
+    if (!ofMix.empty() && options.bounce.empty()) {
+        error = std::string(ofMix).append(" is about a mix; add --bounce FILE.wav");
         return std::nullopt;
     }
     if (options.headless && options.terminal) {

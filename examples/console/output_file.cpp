@@ -62,7 +62,7 @@ bool isOwn(const std::string& path, const Kind& kind) {
     std::ifstream file(path, std::ios::binary);
     file.read(start.data(), start.size());
     const std::string_view text(start.data(), static_cast<std::size_t>(file.gcount()));
-    if (file.bad()) return false;
+    if (!file.is_open() || file.bad()) return false;
     return text.empty() || kind.isOwn(text);
 }
 

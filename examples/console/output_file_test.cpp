@@ -5,10 +5,12 @@
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
 #include "veltra/platform/application_facts.h"
+#include "veltra/platform/testing/child_process.h"
 
 #include <filesystem>
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 namespace veltra::console {
 namespace {
@@ -54,6 +56,16 @@ TEST(Output, NeverReplacesWhatThisProgramHasNotMade) {
         EXPECT_EQ(writeReport(report, path), problem);
         EXPECT_EQ(testing::contents(path), row.content) << row.name;
     }
+}
+
+TEST(Output, LeavesAloneWhatItCannotReadNow) {
+    const std::string path = testing::folder() + "take.txt";
+    testing::writeFile(path, "");
+    EXPECT_TRUE(veltra::testing::holdsInChild([&path] {
+        const rlimit none{0, 0};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        return !whyNotWrite(path, OutputKind::Report).empty();
+    }));
 }
 
 TEST(Output, IsNoneOfTheRecordingsByAnyName) {

@@ -155,8 +155,9 @@ TEST(Bounce, IsTheSumOfItsFilesInEveryFormatAndTheSameBytesEachTime) {
 }
 
 TEST(Options, NonsenseEndsWithStatus2AndHelpWith0) {
-    for (const char* arguments : {"", "--nonsense x", "--report", "--device= x", "--headless=1 x",
-                                  "--bounce x.wav", "--bits 8 x", "--rate 10 x", "--block 1e3 x"}) {
+    for (const char* arguments :
+         {"", "--nonsense x", "--report", "--device= x", "--headless=1 x", "--bounce x.wav",
+          "--bits 8 x", "--rate 10 x", "--block 1e3 x", "--theme dark x", "--bits 24 x"}) {
         const Outcome run = console(arguments);
         EXPECT_EQ(run.status, 2) << arguments;
         EXPECT_THAT(run.log, ContainsRegex("^veltra-console: .*--help\n$")) << arguments;

@@ -3,6 +3,7 @@
 
 #include "interruption.h"
 #include "mix_file.h"
+#include "output_file.h"
 #include "text.h"
 #include "veltra/diagnostics/log.h"
 #include "veltra/diagnostics/terminate_report.h"
@@ -120,7 +121,8 @@ void Session::runBounce() {
             peak = std::max(peak, each);
     }
     if (isInterrupted()) return complain(m_options.bounce + ": the mix was given up");
-    problem = mix->finish();
+    problem = whyNotWrite(m_options.bounce, OutputKind::Bounce);  // it may have come meanwhile
+    if (problem.empty()) problem = mix->finish();
     if (!problem.empty()) return complain(problem);
     if (peak > 1.0F && m_options.bits != MixFormat::Float) {
         note(m_options.bounce +

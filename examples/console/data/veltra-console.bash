@@ -8,7 +8,7 @@ _veltra_console() {
         --rate) choices="44100 48000 88200 96000 192000" ;;
         --block) choices="64 128 256 512 1024 2048" ;;
         --scale) choices="1 2 3 4" ;;
-        --size) return ;;
+        --size) choices="1180x720 1920x1080" ;;
         --device) choices="auto null" ;;
         *)
             case $word in

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "loudest_picture.h"
 
+#include "../output_file.h"
 #include "../rehearsal.h"
 #include "console_view.h"
 #include "veltra/platform/clock.h"
@@ -89,9 +90,11 @@ std::vector<std::string> writeLoudestPicture(const Options& options) {
         view.update(stateOf(rehearsal, overviews));
     }
     const auto image = picture.draw();
-    if (!image || !image->writePng(options.picture))
-        problems.push_back(options.picture +
-                           ": the picture cannot be written; choose another name or folder");
+    std::string refusal = whyNotWrite(options.picture, OutputKind::Picture);  // it may have come
+    if (refusal.empty() && !(image && image->writePng(options.picture)))
+        refusal =
+            options.picture + ": the picture cannot be written; choose another name or folder";
+    if (!refusal.empty()) problems.push_back(std::move(refusal));
     return problems;
 }
 

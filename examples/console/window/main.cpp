@@ -16,6 +16,7 @@
 #include "veltra/qt/qt_port.h"
 
 #include <QApplication>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -36,11 +37,14 @@ int showWindow(const Options& options) {
         QApplication::exec();
     }
     const auto entries = player.finish();
-    if (options.report.empty()) return 0;
-    const std::string problem = writeReport(makeReport(entries), options.report);
-    if (problem.empty()) return 0;
-    std::fprintf(stderr, "veltra-console: %s\n", problem.c_str());
-    return 1;
+    const bool hasProblems =
+        std::any_of(entries.begin(), entries.end(), [](const ReportEntry& entry) {
+            return !entry.error.empty() || (entry.result && !entry.result->problem.empty());
+        });
+    const std::string refusal =
+        options.report.empty() ? "" : writeReport(makeReport(entries), options.report);
+    if (!refusal.empty()) std::fprintf(stderr, "veltra-console: %s\n", refusal.c_str());
+    return hasProblems || !refusal.empty() ? 1 : 0;
 }
 
 // Qt ends the program where the display does not answer, as one of a session that is gone: the
