@@ -73,12 +73,18 @@ public:
     }
 
     void set(std::string_view key, std::string_view text) {
-        const std::lock_guard lock(m_lock);
-        PropertyValue::Dictionary changed;
-        if (m_isHandedOver) changed = *m_dictionary;
-        changed.insert_or_assign(std::string(key), PropertyValue(text));
-        m_dictionary = std::move(changed);
-        m_isHandedOver = true;
+        PropertyValue::Dictionary added;
+        added.emplace(key, text);
+        const std::lock_guard lock(m_lock);  // entries move only: nothing is allocated or freed
+        if (!m_isHandedOver) {
+            if (!m_dictionary) m_dictionary.emplace();
+            m_dictionary->swap(added);
+            m_isHandedOver = true;
+        } else if (const auto found = m_dictionary->find(key); found != m_dictionary->end()) {
+            std::swap(found->second, added.begin()->second);
+        } else {
+            m_dictionary->merge(added);
+        }
     }
 
 private:

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -21,8 +22,8 @@ namespace fs = std::filesystem;
 struct HostFolder {
     HostFolder() { lock.holdAcrossForks(); }
 
-    ForkSafeLock lock;
-    std::string path;
+    ForkSafeLock lock;  // nothing is allocated or freed under it
+    std::shared_ptr<const std::string> path;
 };
 
 HostFolder& hostFolder() {
@@ -50,16 +51,19 @@ std::string hostDataFolder() {
 }
 
 void setResourceFolder(std::string folder) {
+    auto path = std::make_shared<const std::string>(std::move(folder));
     const std::lock_guard lock(hostFolder().lock);
-    hostFolder().path = std::move(folder);
+    hostFolder().path.swap(path);
 }
 
 std::vector<std::string> resourceFolders() {
-    std::vector<std::string> folders;
+    std::shared_ptr<const std::string> first;
     {
         const std::lock_guard lock(hostFolder().lock);
-        folders.push_back(hostFolder().path);
+        first = hostFolder().path;
     }
+    std::vector<std::string> folders;
+    if (first != nullptr) folders.push_back(*first);
     folders.push_back(hostDataFolder());
     if (const fs::path library = platformLibraryPath(); !library.empty()) {
         for (const char* way : {"../share/veltra", "../../share/veltra"})

@@ -13,6 +13,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include <dlfcn.h>
 #include <xkbcommon/xkbcommon-x11.h>
@@ -75,9 +76,12 @@ class Session {
 public:
     SessionLook look(xkb_context* context, LayoutInUse& layout) {
         const char* const variable = environmentVariable("DISPLAY");
-        const std::string name = variable != nullptr ? variable : "";
+        const std::string_view name = variable != nullptr ? variable : "";
         const std::int32_t process = Process::current().processId();
-        if (process != m_process) m_display = nullptr;  // it is the parent's, who goes on using it
+        if (process != m_process) {  // the connection is the parent's, who goes on using it
+            m_display = nullptr;
+            m_isRead = false;
+        }
         m_process = process;
         if (m_display != nullptr && (name != m_name || m_library.hasError(m_display) != 0)) close();
         if (m_display == nullptr) {
@@ -89,6 +93,7 @@ public:
         const bool hasChanged = takeEvents();
         if (m_library.hasError(m_display) == 0) {
             if (!hasChanged && m_isRead) return SessionLook::Unchanged;
+            m_isRead = false;
             layout = read(context);
             m_isRead = layout.keymap != nullptr;
             if (m_isRead) return SessionLook::Read;
