@@ -148,6 +148,22 @@ TEST_F(KeyboardWindows, TheButtonStaysInTheCornerAboveTheStrip) {
     EXPECT_FALSE(button->buttonCell().isHovered());
 }
 
+TEST_F(KeyboardWindows, IgnoreAToggleWithinAToggle) {
+    strip->setAutoresizingMask(kStretches);
+    int calls = 0;
+    strip->callback = keys->callback = [&] {
+        ++calls;
+        window->toggleToolbar();
+    };
+    for (const bool shows : {true, false}) {
+        window->toggleToolbar();
+        EXPECT_GT(std::exchange(calls, 0), 0);
+        EXPECT_EQ(window->toolbarVisible(), shows);
+        EXPECT_EQ(window->frame().size.height, shows ? 230.0F : 200.0F);
+    }
+    strip->callback = keys->callback = nullptr;
+}
+
 TEST_F(KeyboardWindows, SurviveDeletionAndNewContentInEachCallback) {
     const std::pair<bool, std::function<void()>> acts[] = {
         // whether the strip is shown before, and what is done

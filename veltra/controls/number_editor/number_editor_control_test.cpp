@@ -249,6 +249,8 @@ TEST_F(NumberEditors, AreShownWholeOnADisplayOfTheSizeThatFits) {
             EXPECT_EQ(display.editor().valueText(), "0:00");
             EXPECT_EQ(display.editor().editorCellAtIndex(1)->accessibilityName(), "ticks");
             EXPECT_EQ(display.editor().maxEditStringLenOfEditorCellAtIndex(0), 3U);
+            display.setFrameSize({size.width, captions + 20.0F});  // too low for its digits
+            EXPECT_EQ(display.editor().frame().size.height, 20.0F);
         }
     }
 }
@@ -358,6 +360,10 @@ TEST_F(NumberEditors, AreEditedByDoubleClicksAndKeys) {
     EXPECT_THAT(told.take(),
                 ElementsAre("cell 2=2", "join", "split 16320", "action 960", "key", "cell 2=2",
                             "join", "split 16320", "action 0", "stopped 3", "key"));
+    control->startEditingForCell(control->cellAtIndex(2));
+    host.port.invalid.clear();
+    control->editingCell()->stopEditing();  // nothing was typed, but it looks otherwise
+    EXPECT_FALSE(host.port.invalid.empty());
     control->startEditingForCell(control->cellAtIndex(1));  // is not editable
     EXPECT_EQ(edited(), -1);
     control->setBecomeFirstResponderStartsEditing(true);
@@ -373,8 +379,11 @@ TEST_F(NumberEditors, AreEditedByDoubleClicksAndKeys) {
     host.window.makeFirstResponder(control);
     told.hook = [this](const std::string& what) {
         if (what != "key") return;
+        const WeakPointer<QkNumberEditorCell> removed(control->editorCellAtIndex(0));
         control->removeCellAtIndex(0);
         EXPECT_EQ(control->editingCell(), nullptr);
+        ASSERT_TRUE(removed) << "it lives until the key is dealt with";
+        EXPECT_EQ(removed->delegate(), nullptr);
     };
     EXPECT_EQ(edited(), 0);
     host.key(u'1');
