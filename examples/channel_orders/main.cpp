@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A 5.1 file in the order of films, played on outputs in the format's own order.
+// A 5.1 file in the order of MPEG 5.1 A, played on outputs in the format's own order.
 #include "veltra/audio/surround_names.h"
 
 #include <array>

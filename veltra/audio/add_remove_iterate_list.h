@@ -25,8 +25,8 @@
 //   scripts/check-model shows both.
 //
 // But for the allocator, all three are lock-free: a thread repeats a step only when another thread
-// has just completed one. Iterate is more: it takes one exchange, however many threads push, and
-// then works alone. How long that work takes is said at Iterate.
+// has just completed one. In Iterate that is the step that counts it in; it takes the requests by
+// one exchange, however many threads push, and then works alone. How long that takes is said there.
 //
 // CallbackList (callback_list.h) is for hosts that also need to know when a context may die.
 #pragma once

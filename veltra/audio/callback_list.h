@@ -76,7 +76,8 @@ public:
     public:
         // True once no entry that was added before the removal is called any more. It takes a pass
         // that begins after the removal: a host whose audio has stopped calls iterate itself, or
-        // destroys the list. The list must be alive.
+        // destroys the list. The list must be alive. Ask within 2^31 passes of the first yes (16
+        // days of 1,500 a second): then the numbers have come round, and for as long it is no.
         // Thread: any. Realtime-safe: yes.
         bool isSafe() const noexcept {
             // acquire: with iterate's release of the same number.

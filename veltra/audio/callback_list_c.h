@@ -77,6 +77,7 @@ VELTRA_EXPORT bool VLCallbackListRemoveWithNode(VLCallbackList* list, VLCallback
 
 // True once no entry that was added before the removal is called any more. It takes a pass that
 // begins after the removal. The list must be alive. Null, and a ticket that is all zero: false.
+// Ask within 2^31 passes of the first yes: then the numbers have come round, and it is no.
 // Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT bool VLCallbackTicketIsSafe(const VLCallbackTicket* ticket) VELTRA_NOEXCEPT;
 

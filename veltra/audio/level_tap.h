@@ -5,6 +5,9 @@
 //     if (const LevelReading level = tap.take(); level.frames > 0)     // main thread, each redraw
 //         cell.setLevel(meterPositionForAmplitude(level.peak));
 //
+// Tell the cell once that positions come from decibels, for screen readers:
+// cell.setLevelScale(LevelMeterLevels::Decibels).
+//
 // However seldom the main thread looks, and however many blocks have come meanwhile: each sample is
 // in exactly one reading. Peak and mean square of a reading belong to the same samples. For C:
 // levels.h.

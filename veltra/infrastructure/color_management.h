@@ -37,8 +37,9 @@ typedef struct VLSrgbColor {
     float alpha;  // 0 is transparent, 1 opaque
 } VLSrgbColor;
 
-// The space of the framework's own profile, "VLGenericRGBProfile.icc". Never null. The two names
-// stand for one and the same space.
+// The space of the framework's own profile, "VLGenericRGBProfile.icc". Never null: without Little
+// CMS (VELTRA_LCMS), and when memory is out at the first call, a formula stands for the profile.
+// The two names stand for one and the same space.
 // Thread: any. Realtime-safe: no (the first call reads the profile).
 VELTRA_EXPORT const VLColorSpace* VLGetCalibratedRGB_CGColorSpace(void) VELTRA_NOEXCEPT;
 VELTRA_EXPORT const VLColorSpace* VLGetCalibratedRGB_NSColorSpace(void) VELTRA_NOEXCEPT;
@@ -57,9 +58,10 @@ VELTRA_EXPORT int32_t VLGetUIRenderingIntent(void) VELTRA_NOEXCEPT;
 
 // The space of the profile in the resource file `name`, which includes the extension: the
 // framework's own profile, or a file in the resource folders. A file is read once; later changes of
-// it have no effect. Returns null for a null name and one with "/" in it; when there is no such
-// file; when the file has more than 1 MiB or is no intact profile of RGB or grey; in a library
-// without Little CMS (VELTRA_LCMS); and when memory is out. The two functions do the same.
+// it have no effect. The framework's own profile gives the shared space above, never null. Returns
+// null for a null name and one with "/" in it; when there is no such file; when the file has more
+// than 1 MiB or is no intact profile of RGB or grey; in a library without Little CMS (VELTRA_LCMS);
+// and when memory is out. The two functions do the same.
 // Thread: any. Realtime-safe: no.
 VELTRA_EXPORT const VLColorSpace* VLCreateCGColorSpaceFromResource(const VLString* name)
     VELTRA_NOEXCEPT;
@@ -84,7 +86,7 @@ VELTRA_EXPORT bool VLColorIsEqual(VLColor left, VLColor right) VELTRA_NOEXCEPT;
 // The colour in sRGB. What lies outside of sRGB is clipped, here and nowhere before. Components and
 // alpha below 0 count as 0, those above 1 as 1, and NaN as 0. A colour without a space becomes
 // transparent black.
-// Thread: any. Realtime-safe: yes in the shared spaces; no promise in those of resources.
+// Thread: any. Realtime-safe: yes in the grey space and in none; no promise in those of profiles.
 VELTRA_EXPORT VLSrgbColor VLColorToSrgb(VLColor color) VELTRA_NOEXCEPT;
 
 VELTRA_C_END

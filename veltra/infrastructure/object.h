@@ -41,8 +41,8 @@ public:
     virtual void release();
 
     // Hands a reference to the innermost AutoreleasePool of this thread, which gives it back when
-    // it ends. Without a pool, and when memory is out, the reference is kept until the thread ends;
-    // on the main thread it is kept for ever. Returns this object.
+    // it ends. Without a pool the reference is kept until the thread ends, on the main thread and
+    // when memory is out for ever. Returns this object.
     virtual Object* autorelease();
 
     // References at this moment. Only a caller that knows of all of them can use the number.

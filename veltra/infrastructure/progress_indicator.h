@@ -89,7 +89,8 @@ VELTRA_EXPORT int32_t VLSetProgressIndicatorValue(VLProgressIndicator* indicator
 
 // Passes `text`, which may be null, on to the host, and keeps it until the next one. A text that
 // was posted before and still waits is dropped.
-// Thread: any, one at a time for each indicator, deliveries included. Realtime-safe: no.
+// Thread: any, one at a time for each indicator, deliveries included; one from
+// VLAcquirePostedProgressIndicator(): the thread that acquired it. Realtime-safe: no.
 VELTRA_EXPORT void VLSetProgressIndicatorInfoText(VLProgressIndicator* indicator,
                                                   const VLString* text) VELTRA_NOEXCEPT;
 

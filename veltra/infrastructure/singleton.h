@@ -49,7 +49,7 @@ public:
     Object* sharedInstance();
 
     // Takes the instance off the register, calls its dealloc() and empties the slot, in this order.
-    // Without an instance nothing happens. The next sharedInstance() makes a new one.
+    // Without an instance only the register is made. The next sharedInstance() makes a new one.
     virtual void releaseSharedInstance();
 
     // Makes the instance and stores it, only if there is none; else returns null.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the host program says about itself: its name and its versions, by key.
 //
-//   setBundleInformation({{"CFBundleName", "Mixer"}, {"CFBundleShortVersionString", "2.1"}});
+//   setBundleInformation({{{"CFBundleName", "Mixer"}, {"CFBundleShortVersionString", "2.1"}}});
 //
 // A host that hands nothing over can put the same into a file instead: Info.json, an object of JSON
 // beside the executable, else in the host's data folder (resources.h). The keys that the framework

@@ -2,7 +2,8 @@
 // Compression of data. The compressed form is one zlib stream (RFC 1950) and nothing else: neither
 // a mark nor the unpacked size stands in front of it.
 //
-// All of it returns nothing when the library was built without zlib.
+// All of it returns nothing when the library was built without zlib; compressing then counts as an
+// assertion, too.
 // Thread: any. Realtime-safe: no.
 #pragma once
 

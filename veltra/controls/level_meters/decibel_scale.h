@@ -3,6 +3,7 @@
 // wants the quiet end to be seen converts its levels with this scale first. For C:
 // decibel_scale_c.h.
 //
+//   cell.setLevelScale(LevelMeterLevels::Decibels);  // once, for screen readers
 //   cell.setLevel(meterPositionForAmplitude(peakOfTheBlock));
 //
 // The law is the one of IEC 60268-18 for digital peak meters: straight pieces that get steeper

@@ -3,6 +3,7 @@
 // while, and a light goes on when the channel clips and stays on.
 //
 //   auto meter = std::make_unique<DfStereoLevelMeterView>(Rect{{8, 8}, {28, 180}});
+//   meter->setLevelScale(LevelMeterLevels::Decibels);  // what screen readers make of a position
 //   meter->setLevelL(meterPositionForAmplitude(left), meterPositionForAmplitude(right));
 //
 // It works without a view and without a toolkit: setLevel() then moves the model, and the getters
