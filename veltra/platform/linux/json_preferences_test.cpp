@@ -107,6 +107,22 @@ TEST_F(JsonPreferencesTest, WritersInTwoProcessesAndTwoThreadsLoseNothing) {
     EXPECT_EQ(textOf(m_file), jsonFromDictionary(all));
 }
 
+TEST_F(JsonPreferencesTest, NeitherReadersNorForkedChildrenWaitForAWriter) {
+    static JsonPreferences* writer;
+    static bool isFree;
+    FileCalls calls = kSystemFileCalls;
+    calls.fsync = [](int) {
+        const auto isThere = [] { return writer->value("key") == 1; };
+        isFree = isThere() &&
+                 testing::holdsInChild([&] { return isThere() && !writer->reload() && isThere(); });
+        return 0;
+    };
+    JsonPreferences preferences(m_file.string(), calls);
+    writer = &preferences;
+    EXPECT_TRUE(preferences.value("key").isNull() && preferences.setValue("key", 1));
+    EXPECT_FALSE(preferences.synchronise() || !isFree);
+}
+
 TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsTheChanges) {
     const std::string before = jsonFromDictionary({{"key", "old"}});
     const std::string after = jsonFromDictionary({{"key", "new"}});
