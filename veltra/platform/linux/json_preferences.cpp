@@ -153,7 +153,7 @@ PropertyValue JsonPreferences::value(std::string_view key) const noexcept {
 bool JsonPreferences::setValue(std::string_view key, const PropertyValue& value) noexcept {
     return isDoneUnlessOutOfMemory([&] {
         PropertyValue::Dictionary change;
-        const auto& [name, set] = *change.emplace(wellFormedUtf8(std::string(key)), value).first;
+        const auto& name = change.emplace(wellFormedUtf8(std::string(key)), value).first->first;
         const std::lock_guard lock(valuesLock);
         m_pending.merge(change);
         if (!change.empty()) std::swap(m_pending.find(name)->second, change.begin()->second);
