@@ -95,7 +95,7 @@ public:
     // host.
     // It takes no lock, waits for nobody and allocates nothing, but it is the one place that frees:
     // each removed entry and each removal request goes back to the allocator here. While the leak
-    // guard watches, every such `delete` takes the guard's lock. CallbackList frees nothing here.
+    // guard watches, deleting a recorded one takes its lock. CallbackList frees nothing here.
     // Thread: audio, one at a time. Realtime-safe: yes, if the callbacks and `delete` are.
     void Iterate(std::uint32_t message, void* data);
 

@@ -177,7 +177,7 @@ PropertyValue PropertyValue::valueAtPath(std::span<const std::string_view> path)
 PropertyValue PropertyValue::settingValueAtPath(std::span<const std::string_view> path,
                                                 const PropertyValue& value) const {
     if (path.empty()) return value;
-    if (path.size() > kMaximumDepth) return {};
+    if (path.size() + value.depth() > kMaximumDepth) return {};
     if (value.isNull() && valueAtPath(path).isNull()) return *this;
     Dictionary members = asDictionary();
     std::string key = wellFormedUtf8(std::string(path.front()));

@@ -153,7 +153,8 @@ public:
 
     // A copy in which `value` stands at `path`. Missing dictionaries on the way are made, and what
     // is no dictionary there is replaced by one; a null `value` removes the last key instead.
-    // Null when the path is longer than kMaximumDepth. Throws std::bad_alloc.
+    // Null when `value` would stand too deep: all or part of it below kMaximumDepth. Throws
+    // std::bad_alloc.
     PropertyValue settingValueAtPath(std::span<const std::string_view> path,
                                      const PropertyValue& value) const;
     PropertyValue settingValueAtPath(std::initializer_list<std::string_view> path,

@@ -48,6 +48,8 @@ TEST(PropertyValue, IsNeverDeeperThanItsLimit) {
     }
     EXPECT_TRUE(PropertyValue(Array{value}).isNull());
     EXPECT_TRUE(PropertyValue(Dictionary{{"", value}}).isNull());
+    const PropertyValue before = Dictionary{{"a", Dictionary{{"b", 1}}}};
+    EXPECT_TRUE(before.settingValueAtPath({"a", "c"}, value).isNull());
 }
 
 TEST(PropertyValue, IsSetAndTakenAwayAtAPath) {

@@ -19,7 +19,7 @@ VELTRA_C_BEGIN
 // show again": it sets the counter to 0 and returns 0.
 //
 // Texts are bytes to this function: what is not ASCII is logged as it stands, and shown if it is
-// UTF-8. Together they may have 4095 bytes; what is longer is cut, never inside a UTF-8 character.
+// UTF-8. The line may have 4095 bytes; what is longer is cut, never inside a UTF-8 character.
 // A "%%" in them is logged as "%".
 // Thread: main. Realtime-safe: no.
 VELTRA_EXPORT int dbgASSERT(int condition, const char* expression, const char* location,

@@ -6,14 +6,13 @@
 #include "veltra/diagnostics/log_text.h"
 #include "veltra/diagnostics/testing/log_fakes.h"
 #include "veltra/diagnostics/text_buffer.h"
+#include "veltra/platform/testing/cancelled_thread.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/environment.h"
 #include "veltra/platform/testing/temporary_folder.h"
 
 #include <clocale>
 #include <cstdarg>
-
-#include <pthread.h>
 
 namespace veltra {
 namespace {
@@ -211,11 +210,7 @@ TEST(Log, ErrnoIsKeptAndCanBeLogged) {
 TEST(Log, ACancelledThreadEndsItsLine) {
     LogWorld world;
     world.whenSending = ::pthread_testcancel;  // as every system call is one
-    std::thread([] {
-        ::pthread_cancel(::pthread_self());
-        QKLogCString(6, false, nullptr, "hello");
-        ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    }).join();
+    EXPECT_TRUE(testing::isCancelledOnlyAfter([] { QKLogCString(6, false, nullptr, "hello"); }));
     EXPECT_EQ(world.line(), "hello\n");
 }
 

@@ -2,9 +2,9 @@
 #include "veltra/infrastructure/nano_timer.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/cancelled_thread.h"
 #include "veltra/platform/testing/manual_run_loop.h"
 
-#include <pthread.h>
 #include <unistd.h>
 
 namespace veltra {
@@ -85,11 +85,7 @@ TEST_F(QKNanoTimerTest, ClockErrorsReadAsZeroAndArePrintedWithoutEndingTheProces
               "clock_get_time : 22: Invalid argument\n"
               "host_get_clock_service : 22: Invalid argument\n");
     ::testing::internal::CaptureStderr();
-    std::thread([&timer] {
-        ::pthread_cancel(::pthread_self());  // takes effect at the next point of cancellation
-        timer->start();
-        ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    }).join();
+    EXPECT_TRUE(testing::isCancelledOnlyAfter([&timer] { timer->start(); }));
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "clock_get_time : 22: Invalid argument\n");
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/memory/guarded_allocator.h"
 
+#include "veltra/platform/no_cancellation.h"
+
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -32,6 +34,7 @@ void count(std::int32_t change) noexcept {
 
 // Whether to ask the heap again.
 bool shouldRetry() noexcept {
+    const NoCancellation untilDecided;
     int action = failureAction.load(std::memory_order_acquire);  // with Mem_SetException()
     while (action == kMemExceptionCall)
         action = failureHandler.load(kPlain)();

@@ -14,11 +14,11 @@
 //
 // The guard is a tool for debugging. It is off unless the application's preference LeakGuardEnabled
 // is true when the guard is first used. Then every block of the process is 88 bytes larger, from
-// that moment on until the process ends; allocations under a scope cost a walk up the stack, and
-// every allocation and every free takes the guard's lock: those of an audio thread too, which may
-// then have to wait. To see
-// allocations at all, the executable must link the library (veltra/platform/allocation_zone.h); a
-// warning in the log tells which ones do not reach the guard.
+// that moment on until the process ends, and allocations under a scope cost a walk up the stack.
+// Freeing or reallocating a recorded block, and allocating on a thread that has scopes open, may
+// take the guard's lock: an audio thread that does so may have to wait. To see allocations at all,
+// the executable must link the library (veltra/platform/allocation_zone.h); a warning in the log
+// tells which ones do not reach the guard.
 //
 // The addresses mean something while the process lives. With its number PID,
 //     eu-addr2line -p PID -f -C -i ADDRESS

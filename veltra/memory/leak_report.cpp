@@ -125,6 +125,7 @@ long QKLeakGuardPrintLeaks() noexcept {
         },
         &printed);
     const detail::Unrecorded own;
+    const NoCancellation untilTheEnd;
     if (total == 0) std::puts("no leaks");
     if (total > 0)
         std::printf("%llu %s, %ld bytes in %zu blocks\n",

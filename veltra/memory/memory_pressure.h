@@ -59,8 +59,8 @@ public:
     // level that is left, or kNone.
     //
     // A level that stays is told again once a second, and at once when it is reached anew. Every
-    // observer of a level is called; `size` says how much is missing. Nothing is posted while the
-    // center is not initialised. Allocates nothing itself.
+    // observer of a level is called; `size` says how much is missing, and at least the center's
+    // threshold. Nothing is posted while the center is not initialised. Allocates nothing itself.
     int relieve() noexcept;
 
 private:

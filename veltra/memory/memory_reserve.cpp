@@ -15,6 +15,7 @@
 #include "veltra/memory/detail/reserve_mode.h"
 #include "veltra/memory/detail/zone_notice.h"
 #include "veltra/platform/fork_handlers.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/preferences.h"
 #include "veltra/platform/standard_error.h"
 #include "veltra/platform/zone_code.h"
@@ -95,6 +96,7 @@ std::size_t sizeOption(int index) noexcept {
 }
 
 void writeLine(std::string_view line) noexcept {
+    const NoCancellation untilWritten;
     StandardError& stream = StandardError::current();
     stream.write(stream.inspect(), {line});
 }

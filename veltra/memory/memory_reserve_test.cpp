@@ -11,6 +11,7 @@
 #include "veltra/memory/testing/fake_preferences.h"
 #include "veltra/memory/testing/limited_heap.h"
 #include "veltra/memory/testing/zone_stress.h"
+#include "veltra/platform/testing/cancelled_thread.h"
 
 #include <gmock/gmock.h>
 
@@ -280,6 +281,13 @@ TEST_F(MemoryReserve, TellsTheLogOnceThatNothingPassesThroughTheZone) {
         QKMemoryReserveExit();
     }
     EXPECT_THAT(world.message(), ::testing::StartsWith("allocations of this process do not pass"));
+}
+
+TEST_F(MemoryReserve, WritesItsLinesOnAThreadThatIsToBeCancelled) {
+    world.whenSending = ::pthread_testcancel;  // as writing is one
+    EXPECT_TRUE(testing::isCancelledOnlyAfter([this] { enter(); }));
+    EXPECT_EQ(world.lines.size(), 2U);
+    QKMemoryReserveExit();
 }
 
 AllocationZone shared{testing::kArenaHeap};

@@ -2,6 +2,7 @@
 #include "veltra/platform/alert.h"
 
 #include "veltra/base/installable_source.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
@@ -43,6 +44,7 @@ AlertAnswer presentAlert(const Alert& alert) noexcept {
     Alert asked = alert;
     asked.timeout = std::min(alert.timeout, kLongestTimeout);
     if (asked.defaultButton.empty()) asked.defaultButton = "OK";
+    const NoCancellation untilAnswered;
     const AlertAnswer answer = AlertPresenter::current().present(asked);
     return isOffered(answer, asked) ? answer : AlertAnswer::TimedOut;
 }

@@ -68,7 +68,8 @@ public:
 };
 
 // Asks through AlertPresenter::current() and waits for the answer. An answer that is none of the
-// four values, or that names a button which was not offered, comes back as TimedOut.
+// four values, or that names a button which was not offered, comes back as TimedOut. Until then the
+// thread cannot be cancelled.
 // Thread: any but audio: it waits for a human being. Realtime-safe: no.
 VELTRA_EXPORT AlertAnswer presentAlert(const Alert& alert) noexcept;
 

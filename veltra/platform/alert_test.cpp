@@ -2,6 +2,7 @@
 #include "veltra/platform/alert.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/cancelled_thread.h"
 #include "veltra/platform/testing/fake_user.h"
 
 namespace veltra {
@@ -25,6 +26,10 @@ TEST(Alert, InstalledPresenterGetsTheQuestionAndAnswersThatWereNotOfferedCountAs
     }
     presentAlert({"h", "m", "", "", "", seconds(1.5)});
     EXPECT_EQ(user.text, "h|m|OK||");
+    user.whileAsked = ::pthread_testcancel;  // as waiting is one
+    EXPECT_TRUE(testing::isCancelledOnlyAfter([] {
+        presentAlert({"h", "m", "", "", "", seconds(1.5)});
+    }));
 }
 
 }  // namespace

@@ -35,7 +35,6 @@ bool NotificationCenter::addObserver(void* context, Callback callback, const VLS
     auto* added =
         new (std::nothrow) Observer{nullptr, context, callback, retainString(name), object};
     if (added == nullptr) return false;  // and no reference was taken
-    if (this == &local()) addForkHandler({m_lock, ForkPolicy::ResetInChild});
     const std::lock_guard guard(m_lock);
     Observer** end = &m_first;
     while (*end != nullptr)
@@ -104,6 +103,8 @@ void NotificationCenter::destroy(Observer* chain) noexcept {
 
 NotificationCenter& NotificationCenter::local() noexcept {
     static const Immortal<NotificationCenter> center;
+    [[maybe_unused]] static const bool isForkSafe =
+        (addForkHandler({(*center).m_lock, ForkPolicy::ResetInChild}), true);
     return *center;
 }
 

@@ -44,7 +44,7 @@ public:
     void post(const VLString* name, const void* object) noexcept;
 
     // The center of the process.
-    // Thread: any. Realtime-safe: yes.
+    // Thread: any. Realtime-safe: yes, but for the first call.
     static NotificationCenter& local() noexcept;
 
 private:

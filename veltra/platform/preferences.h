@@ -32,7 +32,8 @@ public:
 
     // Null when the key is not set, or when memory is out. The first call on the platform's own
     // preferences reads the file; what cannot be read is empty.
-    // Thread: any; may wait for a synchronise() in progress. Realtime-safe: no.
+    // Thread: any; until the file is read it may wait for a synchronise() in progress.
+    // Realtime-safe: no.
     virtual PropertyValue value(std::string_view key) const noexcept = 0;
 
     // value() sees it at once; other processes and later launches see it after synchronise(). Null

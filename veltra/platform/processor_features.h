@@ -10,7 +10,7 @@
 namespace veltra {
 
 // A feature is true only when both the processor and the operating system carry it: without
-// wide registers saved by the system, everything from `avx` on is false.
+// wide registers saved by the system, `avx` and all of x86 after it but `gfni` are false.
 struct VELTRA_EXPORT ProcessorFeatures {
     // What kind of processor it is: which of the features below can be true.
     enum class Family : std::uint8_t { Other, X86, PowerPc, Arm };

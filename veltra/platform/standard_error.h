@@ -49,7 +49,7 @@ public:
     // what inspect() has just returned. Never waits for a reader, never ends the process by a
     // signal, and leaves no signal pending. What cannot be written at once is lost and never
     // written later; the next line says how many were lost before it. Signal handlers of this
-    // thread run after the line, so they may log too. The log calls it while the thread cannot be
+    // thread run after the line, so they may log too. Called while the thread cannot be
     // cancelled. Thread: any but audio. Realtime-safe: no.
     virtual void write(const Status& status, const Pieces& pieces) noexcept = 0;
 };

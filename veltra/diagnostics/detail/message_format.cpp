@@ -507,13 +507,13 @@ private:
         return true;
     }
 
-    // The precision counts bytes and splits no character.
+    // The precision counts bytes and splits no character; text that fills it needs no end.
     bool appendWide(const Conversion& conversion, const wchar_t* wide) noexcept {
         if (wide == nullptr) wide = L"(null)";
         LocalTextBuffer<256> utf8;
         const std::size_t most =
-            m_precision >= 0 ? static_cast<std::size_t>(m_precision) : kLongestText;
-        for (std::size_t before = 0; *wide != L'\0' && before <= most && !utf8.isCut(); ++wide) {
+            m_precision >= 0 ? static_cast<std::size_t>(m_precision) : SIZE_MAX;
+        for (std::size_t before = 0; before < most && *wide != L'\0' && !utf8.isCut(); ++wide) {
             utf8.appendCharacter(static_cast<char32_t>(*wide));
             if (utf8.view().size() > most) {
                 utf8.shorten(before);

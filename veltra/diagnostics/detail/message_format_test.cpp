@@ -3,6 +3,7 @@
 
 #include "veltra/base/string_object_text.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/processor/testing/guarded_memory.h"
 
 namespace veltra::detail {
 namespace {
@@ -76,6 +77,10 @@ TEST(MessageFormat, WideTextIsUtf8WhoseCharactersStayWhole) {
     const wchar_t* const wide = L"\u00FC\u266A!";
     EXPECT_EQ(formatted("%7ls|%-7ls|%.4ls|%.5ls|%.0ls", wide, wide, wide, wide, wide),
               " \xC3\xBC\xE2\x99\xAA!|\xC3\xBC\xE2\x99\xAA! |\xC3\xBC|\xC3\xBC\xE2\x99\xAA|");
+    const GuardedMemory memory;  // text without an end
+    auto* const two = reinterpret_cast<wchar_t*>(memory.at(Place::End, 2 * sizeof(wchar_t)));
+    std::copy_n(wide, 2, two);
+    EXPECT_EQ(formatted("%.5ls|%.4S|%.0ls", two, two, two + 2), "\xC3\xBC\xE2\x99\xAA|\xC3\xBC|");
     const wchar_t noCharacters[] = {static_cast<wchar_t>(0x7FFFFFFF), 0xD800, 0x10FFFF, 0};
     EXPECT_EQ(formatted("%ls %d", noCharacters, 5), "\uFFFD\uFFFD\U0010FFFF 5");
     EXPECT_EQ(formatted("%lcx", wint_t{0}).size(), 2U);

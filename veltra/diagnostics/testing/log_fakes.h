@@ -38,7 +38,7 @@ public:
     bool hasRaisedRights = false;
     Kind kind = Kind::RegularFile;
     bool managed = false;
-    void (*whenSending)() = nullptr;
+    void (*whenSending)() = nullptr;  // a record or a line
 
     std::vector<Record> records;
     std::vector<std::string> lines;
@@ -75,6 +75,7 @@ private:
     Status inspect() const noexcept override { return {kind, 1, 2}; }
     bool isManaged(const Status&) const noexcept override { return managed; }
     void write(const Status& status, const Pieces& pieces) noexcept override {
+        if (whenSending != nullptr) whenSending();
         if (status.kind != kind) return;
         lines.push_back(std::string(pieces[0]) + std::string(pieces[1]) + std::string(pieces[2]));
     }

@@ -19,10 +19,9 @@ public:
     LeakGuardPreferences& operator=(const LeakGuardPreferences&) = delete;
 
     // Reads the application's preferences; before everything else, on one thread.
-    //     LeakGuard             dictionary: group to dictionary of key to number or text, which
-    //     counts as far as it is a number LeakGuardEnabled      truth value; without it the guard
-    //     is off LeakGuardPrintLimit   how many leaks a report shows in full; 0, the default, for
-    //     all
+    //   - LeakGuard: group to dictionary of key to number, or to text as far as it is a number
+    //   - LeakGuardEnabled: truth value; without it the guard is off
+    //   - LeakGuardPrintLimit: how many leaks a report shows in full; 0, the default, for all
     void load() noexcept;
 
     bool isEnabled() const noexcept { return m_isEnabled; }

@@ -61,6 +61,7 @@ public:
 
 private:
     Status identify() const noexcept;
+    bool isClosed() const noexcept;
     Status identified(const Status& status) const noexcept;
     void writeLine(const Status& status, UnwrittenLine& line, SignalHold& signals) noexcept;
     int writeAll(UnwrittenLine& line, int descriptor) const noexcept;

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: MIT
+// Two locks, for all objects together, because a lock that forks know must live as long as the
+// process. `fileLock` is held while files are in use, which may take seconds; a forked child finds
+// it free. `valuesLock` is held across forks, so that the child finds whole values: under it things
+// are only looked up, swapped and linked. Nothing is allocated, freed or waited for.
 #include "veltra/platform/linux/json_preferences.h"
 
 #include "veltra/base/immortal.h"
 #include "veltra/base/json_text.h"
 #include "veltra/base/out_of_memory.h"
 #include "veltra/base/well_formed_utf8.h"
+#include "veltra/platform/fork_safe_lock.h"
 #include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -20,6 +26,9 @@
 namespace veltra {
 
 namespace {
+
+constinit AdaptiveLock fileLock;
+constinit ForkSafeLock valuesLock;
 
 constexpr std::size_t kLongestApplicationName = 200;  // room for what is appended to file names
 
@@ -63,6 +72,12 @@ JsonPreferences& applicationPreferences() noexcept {
 
 }  // namespace
 
+JsonPreferences::JsonPreferences(std::string_view path, const FileCalls& calls)
+    : m_calls(calls), m_path(path) {
+    addForkHandler({fileLock, ForkPolicy::ResetInChild});
+    valuesLock.holdAcrossForks();
+}
+
 std::error_code JsonPreferences::locate() const {
     if (!m_path.empty()) return {};
     const std::string folder = configurationFolder();
@@ -71,16 +86,20 @@ std::error_code JsonPreferences::locate() const {
     if (name.empty() && isUsableName(program_invocation_short_name)) {
         name = program_invocation_short_name;
     }
-    m_path = folder + '/' + (name.empty() ? "application" : name) + ".json";
+    std::string path = folder + '/' + (name.empty() ? "application" : name) + ".json";
+    const std::lock_guard lock(valuesLock);
+    m_path.swap(path);
     return {};
 }
 
 std::error_code JsonPreferences::setAside(PreferencesFile& file, std::error_code lockError) const {
-    DamagedPreferences damage{m_path, {}};
-    const std::error_code error = lockError ? lockError : file.setAside(damage.keptAs);
+    std::optional damage(DamagedPreferences{m_path, {}});
+    const std::error_code error = lockError ? lockError : file.setAside(damage->keptAs);
     const bool isKnown = error && m_isDamageInPlaceReported;
     m_isDamageInPlaceReported = static_cast<bool>(error);
-    if (!isKnown) m_damage = std::move(damage);
+    if (isKnown) return error;
+    const std::lock_guard lock(valuesLock);
+    m_damage.swap(damage);
     return error;
 }
 
@@ -104,22 +123,27 @@ std::error_code JsonPreferences::read(PreferencesFile& file,
 }
 
 void JsonPreferences::readAtFirstUse() const {
-    if (std::exchange(m_isRead, true)) return;
     const NoCancellation whileFilesAreRead;
-    if (locate()) return;
-    PreferencesFile file(m_path, m_calls);
-    PropertyValue::Dictionary values;
-    if (!read(file, values)) m_stored = std::move(values);
+    const std::lock_guard inTurn(fileLock);
+    if (m_isRead) return;
+    PropertyValue::Dictionary values;  // empty when they cannot be read
+    if (!locate()) {
+        PreferencesFile file(m_path, m_calls);
+        (void)read(file, values);
+    }
+    const std::lock_guard lock(valuesLock);
+    m_stored.swap(values);
+    m_isRead = true;
 }
 
 PropertyValue JsonPreferences::value(std::string_view key) const noexcept {
     return unlessOutOfMemory(PropertyValue(), [&]() -> PropertyValue {
-        const std::lock_guard lock(m_mutex);
         // Without memory for it the file is as good as unread: the next call reads it.
-        if (!isDoneUnlessOutOfMemory([this] { readAtFirstUse(); })) m_isRead = false;
+        if (!m_isRead) (void)isDoneUnlessOutOfMemory([this] { readAtFirstUse(); });
         std::string repaired;  // stays empty in all but odd cases: reading takes no memory
         if (!isWellFormedUtf8(key)) key = repaired = wellFormedUtf8(std::string(key));
-        for (const PropertyValue::Dictionary* values : {&m_pending, &std::as_const(m_stored)}) {
+        const std::lock_guard lock(valuesLock);
+        for (const auto* values : {&m_pending, &m_writing, &std::as_const(m_stored)}) {
             if (const auto found = values->find(key); found != values->end()) return found->second;
         }
         return {};
@@ -127,27 +151,39 @@ PropertyValue JsonPreferences::value(std::string_view key) const noexcept {
 }
 
 bool JsonPreferences::setValue(std::string_view key, const PropertyValue& value) noexcept {
-    return unlessOutOfMemory(false, [&] {
-        const std::lock_guard lock(m_mutex);
-        m_pending.insert_or_assign(wellFormedUtf8(std::string(key)), value);
-        return true;
+    return isDoneUnlessOutOfMemory([&] {
+        PropertyValue::Dictionary change;
+        const auto& name = change.emplace(wellFormedUtf8(std::string(key)), value).first->first;
+        const std::lock_guard lock(valuesLock);
+        m_pending.merge(change);
+        if (!change.empty()) std::swap(m_pending.find(name)->second, change.begin()->second);
     });
+}
+
+// What a failure, or a fork in the middle, has left is written with the rest; later values stay.
+void JsonPreferences::startWriting() {
+    PropertyValue::Dictionary overridden;
+    const std::lock_guard lock(valuesLock);
+    m_pending.merge(m_writing);
+    overridden.swap(m_writing);
+    m_writing.swap(m_pending);
 }
 
 std::error_code JsonPreferences::synchronise() noexcept {
     const NoCancellation whileFilesAreInUse;
     return unlessOutOfMemory(outOfMemory(), [&]() -> std::error_code {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard inTurn(fileLock);
         if (const std::error_code error = locate()) return error;
         PreferencesFile file(m_path, m_calls);
-        if (!m_pending.empty()) {
+        startWriting();
+        if (!m_writing.empty()) {
             if (const std::error_code error = file.lock()) return error;
         }
         PropertyValue::Dictionary values;
         if (const std::error_code error = read(file, values)) return error;
 
         bool isChanged = false;
-        for (const auto& [key, value] : m_pending) {
+        for (const auto& [key, value] : m_writing) {
             const auto found = values.find(key);
             if (value.isNull()) {
                 isChanged |= found != values.end();
@@ -161,9 +197,11 @@ std::error_code JsonPreferences::synchronise() noexcept {
             if (const std::error_code error = file.replace(jsonFromDictionary(values)))
                 return error;
         }
+        PropertyValue::Dictionary written;
+        const std::lock_guard lock(valuesLock);
+        m_stored.swap(values);
+        m_writing.swap(written);
         m_isRead = true;
-        m_stored = std::move(values);
-        m_pending.clear();
         return {};
     });
 }
@@ -171,29 +209,30 @@ std::error_code JsonPreferences::synchronise() noexcept {
 std::error_code JsonPreferences::reload() noexcept {
     const NoCancellation whileFilesAreInUse;
     return unlessOutOfMemory(outOfMemory(), [&]() -> std::error_code {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard inTurn(fileLock);
         if (const std::error_code error = locate()) return error;
         PreferencesFile file(m_path, m_calls);
         PropertyValue::Dictionary values;
         if (const std::error_code error = read(file, values)) return error;
+        const std::lock_guard lock(valuesLock);
+        m_stored.swap(values);
         m_isRead = true;
-        m_stored = std::move(values);
         return {};
     });
 }
 
 std::optional<DamagedPreferences> JsonPreferences::takeDamageReport() noexcept {
-    return unlessOutOfMemory(std::optional<DamagedPreferences>(), [&] {
-        const std::lock_guard lock(m_mutex);
-        return std::exchange(m_damage, std::nullopt);
-    });
+    const std::lock_guard lock(valuesLock);
+    return std::exchange(m_damage, std::nullopt);
 }
 
 bool JsonPreferences::setApplicationName(std::string_view name) noexcept {
     return unlessOutOfMemory(false, [&] {
-        const std::lock_guard lock(m_mutex);
+        std::string application(name);
+        const std::lock_guard inTurn(fileLock);
         if (m_isRead || !m_path.empty() || !isUsableName(name)) return false;
-        m_application = name;
+        const std::lock_guard lock(valuesLock);
+        m_application.swap(application);
         return true;
     });
 }
@@ -201,7 +240,7 @@ bool JsonPreferences::setApplicationName(std::string_view name) noexcept {
 std::string JsonPreferences::path() const noexcept {
     const NoCancellation whileFilesAreRead;
     return unlessOutOfMemory(std::string(), [&] {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard inTurn(fileLock);
         (void)locate();
         return m_path;
     });

@@ -7,18 +7,17 @@
 #include "veltra/platform/linux/preferences_file.h"
 #include "veltra/platform/preferences.h"
 
-#include <mutex>
+#include <atomic>
 
 namespace veltra {
 
 class JsonPreferences final : public Preferences {
 public:
     // Those of the running application; their file is located at first use.
-    JsonPreferences() noexcept = default;
+    JsonPreferences() noexcept : JsonPreferences(std::string_view()) {}
 
     // `calls` must outlive the object. Throws std::bad_alloc.
-    explicit JsonPreferences(std::string_view path, const FileCalls& calls = kSystemFileCalls)
-        : m_calls(calls), m_path(path) {}
+    explicit JsonPreferences(std::string_view path, const FileCalls& calls = kSystemFileCalls);
 
     PropertyValue value(std::string_view key) const noexcept override;
     bool setValue(std::string_view key, const PropertyValue& value) noexcept override;
@@ -33,21 +32,24 @@ public:
     std::string path() const noexcept;
 
 private:
-    // The rest needs m_mutex.
+    // These use files, one call at a time in the process.
     void readAtFirstUse() const;
     std::error_code locate() const;
     std::error_code read(PreferencesFile& file, PropertyValue::Dictionary& values) const;
     std::error_code setAside(PreferencesFile& file, std::error_code lockError) const;
+    void startWriting();
 
     const FileCalls& m_calls = kSystemFileCalls;
-    mutable std::mutex m_mutex;
-    mutable bool m_isRead = false;
+    // Changed by whoever uses files, under the lock of the values.
+    mutable std::atomic<bool> m_isRead{false};
     mutable std::string m_path;
     std::string m_application;
     mutable PropertyValue::Dictionary m_stored;  // as the file was last seen
-    PropertyValue::Dictionary m_pending;         // set here and not yet written; null: removed
-    mutable std::optional<DamagedPreferences> m_damage;
+    PropertyValue::Dictionary m_writing;         // set here and on its way into the file
     mutable bool m_isDamageInPlaceReported = false;
+    // Changed by others too, under the same lock.
+    PropertyValue::Dictionary m_pending;  // set here since; null: removed
+    mutable std::optional<DamagedPreferences> m_damage;
 };
 
 }  // namespace veltra

@@ -107,6 +107,25 @@ TEST_F(JsonPreferencesTest, WritersInTwoProcessesAndTwoThreadsLoseNothing) {
     EXPECT_EQ(textOf(m_file), jsonFromDictionary(all));
 }
 
+TEST_F(JsonPreferencesTest, NeitherReadersNorForkedChildrenWaitForAWriter) {
+    static JsonPreferences* writer;
+    static int answers;
+    answers = 0;
+    FileCalls calls = kSystemFileCalls;
+    calls.fsync = [](int) {  // of the file, then of its folder
+        const auto isThere = [] { return writer->value("key") == 1; };
+        answers += isThere() && writer->setValue("later", 1);
+        answers += testing::holdsInChild([&] { return !writer->reload() && isThere(); });
+        return 0;
+    };
+    JsonPreferences preferences(m_file.string(), calls);
+    writer = &preferences;
+    EXPECT_TRUE(preferences.value("key").isNull() && preferences.setValue("key", 1));
+    EXPECT_FALSE(preferences.synchronise());
+    EXPECT_EQ(answers, 4);
+    EXPECT_EQ(preferences.value("later"), 1);
+}
+
 TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsTheChanges) {
     const std::string before = jsonFromDictionary({{"key", "old"}});
     const std::string after = jsonFromDictionary({{"key", "new"}});
@@ -120,10 +139,12 @@ TEST_F(JsonPreferencesTest, AFailedOrInterruptedWriteLeavesTheOldFileAndKeepsThe
         if (textOf(m_file) != before) break;
 
         const auto fileCount = std::distance(fs::directory_iterator(m_file.parent_path()), {});
+        preferences.setValue("key", "newer");
         failAfter(failures, ENOSPC);
         EXPECT_EQ(preferences.synchronise(), std::errc::no_space_on_device);
         EXPECT_EQ(textOf(m_file), before);
         EXPECT_EQ(std::distance(fs::directory_iterator(m_file.parent_path()), {}), fileCount);
+        EXPECT_TRUE(preferences.value("key") == "newer" && preferences.setValue("key", "new"));
         EXPECT_EQ(preferences.value("key"), "new");
         failAfter(1000, EIO);
         EXPECT_FALSE(preferences.synchronise());

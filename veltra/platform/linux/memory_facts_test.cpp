@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/cancelled_thread.h"
 #include "veltra/platform/testing/child_process.h"
 #include "veltra/platform/testing/fake_memory_system.h"
 
@@ -153,7 +154,15 @@ TEST(MemoryFacts, AreToBeHadOfThisMachine) {
         system.takeEvents(events);
     }
     system.closeEvents(events);
-    EXPECT_EQ(system.openEvents("/no such file", milliseconds(1)).trigger, -1);
+    MemorySystem::Events others;
+    char text[9];
+    const std::function<void()> calls[] = {
+        [&] { EXPECT_EQ(system.read("/proc/meminfo", 0, text), 9); },
+        [&] { others = system.openEvents("/no such file", milliseconds(1)); },
+        [&] { system.takeEvents(others); }, [&] { system.closeEvents(others); }};
+    for (const auto& call : calls)
+        EXPECT_TRUE(testing::isCancelledOnlyAfter(call));
+    EXPECT_TRUE(others.all >= 0 && others.trigger == -1);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "veltra/base/immortal.h"
 #include "veltra/platform/linux/descriptor.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <cerrno>
@@ -38,6 +39,7 @@ class LinuxMemorySystem final : public MemorySystem {
 public:
     std::ptrdiff_t read(const char* path, std::size_t offset,
                         std::span<char> text) const noexcept override {
+        const NoCancellation whileFilesAreRead;
         const Descriptor file(::open(path, O_RDONLY | O_CLOEXEC));
         if (!file.isOpen()) return -1;
         std::size_t size = 0;
@@ -67,6 +69,7 @@ public:
     }
 
     Events openEvents(const char* pressurePath, Nanoseconds period) noexcept override {
+        const NoCancellation whileFilesAreInUse;
         Descriptor all(::epoll_create1(EPOLL_CLOEXEC));
         Descriptor timer(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
         const timespec time{static_cast<time_t>(period / kSecond),
@@ -84,6 +87,7 @@ public:
     }
 
     void takeEvents(const Events& events) noexcept override {
+        const NoCancellation whileFilesAreInUse;
         std::uint64_t ticks = 0;
         [[maybe_unused]] const ssize_t taken = ::read(events.timer, &ticks, sizeof ticks);
         // A stall is over when it was told.
@@ -92,6 +96,7 @@ public:
     }
 
     void closeEvents(const Events& events) noexcept override {
+        const NoCancellation whileFilesAreInUse;
         for (const int descriptor : {events.all, events.timer, events.trigger})
             Descriptor{descriptor}.close();
     }

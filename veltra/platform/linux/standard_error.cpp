@@ -155,6 +155,10 @@ StandardError::Status DescriptorStandardError::identified(const Status& status) 
     return status.inode != 0 ? status : identify();
 }
 
+bool DescriptorStandardError::isClosed() const noexcept {
+    return m_calls.lseek(STDERR_FILENO, 0, SEEK_CUR) < 0 && errno == EBADF;
+}
+
 bool DescriptorStandardError::isManaged(const Status& status) const noexcept {
     if (const char* starter = environmentVariable("SYSTEMD_EXEC_PID")) {
         std::string_view text = starter;
@@ -209,7 +213,7 @@ int DescriptorStandardError::writeWithoutWaiting(Kind kind, UnwrittenLine& line)
 }
 
 void DescriptorStandardError::write(const Status& status, const Pieces& pieces) noexcept {
-    if (status.kind == Kind::Unusable) return;
+    if (status.kind == Kind::Unusable && isClosed()) return;
     SignalHold signals;
     const std::lock_guard guard(lineLock);
     const std::size_t lost = m_lost.take();
@@ -228,8 +232,6 @@ void DescriptorStandardError::writeLine(const Status& status, UnwrittenLine& lin
                                         SignalHold& signals) noexcept {
     int error = 0;
     switch (status.kind) {
-        case Kind::Unusable:
-            return;
         case Kind::RegularFile:
             error = writeAll(line, STDERR_FILENO);
             break;
@@ -242,6 +244,7 @@ void DescriptorStandardError::writeLine(const Status& status, UnwrittenLine& lin
             });
             break;
         case Kind::Pipe:
+        case Kind::Unusable:  // open, though nothing is known about it
         case Kind::Other:
             error = writeWithoutWaiting(status.kind, line);
             break;

@@ -104,6 +104,20 @@ TEST(StandardError, EveryErrorAtEveryByteEndsTheLineOrIsOvercomeAndNothingIsRepe
                 }
 }
 
+TEST(StandardError, WhatTheSystemTellsNothingAboutGetsTheLineUnlessItIsClosed) {
+    for (const bool isClosed : {false, true}) {
+        StandardErrorCalls calls = scripted(true, false);
+        calls.fstat = [](int, struct stat*) { return errno = ESTALE, -1; };
+        if (isClosed) calls.lseek = [](int, off_t, int) { return errno = EBADF, off_t{-1}; };
+        DescriptorStandardError stream(calls);
+        kernel = {0, -EIO};
+        stream.write({}, kPieces);
+        kernel = {SIZE_MAX, 0};
+        stream.write({}, kPieces);
+        EXPECT_EQ(kernel.taken, isClosed ? "" : kTold + "1\n" + kLine);
+    }
+}
+
 TEST(StandardError, WhatWasLostIsCountedUntilItIsToldAndOnlyInItsOwnProcessAndFile) {
     const StandardError::Status file{Kind::RegularFile, 1, 7}, other{Kind::RegularFile, 1, 8};
     DescriptorStandardError stream(scripted(true, true));

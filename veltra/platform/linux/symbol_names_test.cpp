@@ -2,10 +2,10 @@
 #include "veltra/platform/symbol_names.h"
 
 #include "veltra/base/testing/prelude.h"
+#include "veltra/platform/testing/cancelled_thread.h"
 #include "veltra/platform/testing/child_process.h"
 
 #include <dlfcn.h>
-#include <pthread.h>
 
 // A name of C that would read as a type of C++.
 extern "C" [[gnu::noinline]] void Pc() {
@@ -55,14 +55,10 @@ TEST(SymbolNames, TellFunctionFileAndLineAlsoInAPreparedChildAndOnOtherThreads) 
 }
 
 TEST(SymbolNames, AreReadByAThreadThatIsToBeCancelled) {
-    std::atomic<bool> hasEnded{false};
-    std::thread([&hasEnded] {
-        ::pthread_cancel(::pthread_self());
+    EXPECT_TRUE(testing::isCancelledOnlyAfter([] {
         prepareSymbolNames();
         symbolNameOf(addressOf(here));
-        hasEnded = true;
-    }).join();
-    EXPECT_TRUE(hasEnded);
+    }));
 }
 
 TEST(SymbolNames, KnowModulesThatAreLoadedLater) {
