@@ -122,7 +122,7 @@ Point upwards(const QPointF& position, float height) {
 
 // Presses that follow one another quickly in one place count on; Qt's word for a double click is
 // taken over.
-void QtEvents::countPress(const QMouseEvent& event) {
+void QtEvents::countPress(const QMouseEvent& event, Press& press) {
     static std::int32_t s_lastEventNumber = 0;
     const QStyleHints& hints = *QGuiApplication::styleHints();
     const QPointF way = event.position() - m_press;
@@ -130,12 +130,12 @@ void QtEvents::countPress(const QMouseEvent& event) {
                          event.timestamp() - m_pressTime <
                              static_cast<std::uint64_t>(hints.mouseDoubleClickInterval()) &&
                          way.manhattanLength() <= hints.mouseDoubleClickDistance();
-    m_clickCount = follows ? m_clickCount + 1 : 1;
-    if (event.type() == QEvent::MouseButtonDblClick) m_clickCount = std::max(m_clickCount, 2);
+    const bool isDouble = event.type() == QEvent::MouseButtonDblClick;
+    press.clickCount = std::max(follows ? press.clickCount + 1 : 1, isDouble ? 2 : 1);
     m_press = event.position();
     m_pressTime = event.timestamp();
     m_pressButton = static_cast<int>(event.button());
-    m_eventNumber = ++s_lastEventNumber;
+    press.eventNumber = ++s_lastEventNumber;
 }
 
 void QtEvents::lock(QPointF place) {
@@ -166,9 +166,13 @@ std::optional<Event> QtEvents::mouse(const QMouseEvent& event, float height) {
     const QPointF position = positionOf(event);
     const QPointF way = position - m_last;
     if (m_lock && event.type() == QEvent::MouseMove && way.isNull()) return std::nullopt;
+    const bool isMove = event.type() == QEvent::MouseMove;
+    const bool isLeft =
+        isMove ? event.buttons().testFlag(Qt::LeftButton) : event.button() == Qt::LeftButton;
+    Press& press = isLeft ? m_left : m_right;
     EventType type = EventType::MouseMoved;
-    if (event.type() == QEvent::MouseMove) {
-        if (event.buttons().testFlag(Qt::LeftButton)) {
+    if (isMove) {
+        if (isLeft) {
             type = EventType::LeftMouseDragged;
         } else if (event.buttons().testFlag(Qt::RightButton)) {
             type = EventType::RightMouseDragged;
@@ -176,22 +180,21 @@ std::optional<Event> QtEvents::mouse(const QMouseEvent& event, float height) {
             return std::nullopt;
         }
     } else {
-        const bool isLeft = event.button() == Qt::LeftButton;
         if (!isLeft && event.button() != Qt::RightButton) return std::nullopt;
         if (event.type() == QEvent::MouseButtonRelease) {
             type = isLeft ? EventType::LeftMouseUp : EventType::RightMouseUp;
         } else {
             type = isLeft ? EventType::LeftMouseDown : EventType::RightMouseDown;
-            countPress(event);
+            countPress(event, press);
         }
     }
     m_last = position;
     Event result = made(type, event.modifiers());
     result.locationInWindow = upwards(position, height);
     if (type == EventType::MouseMoved) return result;
-    result.eventNumber = m_eventNumber;
-    result.clickCount = m_clickCount;
-    if (event.type() == QEvent::MouseMove) {
+    result.eventNumber = press.eventNumber;
+    result.clickCount = press.clickCount;
+    if (isMove) {
         result.deltaX = static_cast<float>(way.x());
         result.deltaY = static_cast<float>(-way.y());
     }

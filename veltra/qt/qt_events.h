@@ -46,7 +46,13 @@ private:
         bool isReturning = false;
     };
 
-    void countPress(const QMouseEvent& event);
+    // Of a button, until its next press.
+    struct Press {
+        std::int32_t eventNumber = 0;
+        std::int32_t clickCount = 0;
+    };
+
+    void countPress(const QMouseEvent& event, Press& press);
     QPointF positionOf(const QMouseEvent& event);
 
     std::optional<Lock> m_lock;
@@ -54,8 +60,8 @@ private:
     QPointF m_press;  // where the button went down
     std::uint64_t m_pressTime = 0;
     int m_pressButton = 0;
-    std::int32_t m_clickCount = 0;
-    std::int32_t m_eventNumber = 0;
+    Press m_left;
+    Press m_right;
 };
 
 }  // namespace veltra

@@ -35,7 +35,11 @@ TEST_F(OnQt, TellsPressesDragsAndTheWheelInTheWindowsCoordinates) {
     EXPECT_THAT(probe.events, ElementsAre(clicks(1), clicks(2), clicks(3)));
     EXPECT_EQ(probe.events.back().eventNumber, last + 3);
 
+    QTest::mouseClick(widget, Qt::RightButton, {}, {50, 20});  // meanwhile
+    EXPECT_EQ(probe.events.back().eventNumber, last + 4);
     QTest::mouseRelease(widget, Qt::LeftButton, {}, {50, 20});
+    EXPECT_THAT(probe.events.back(),
+                ::testing::AllOf(clicks(3), Field(&Event::eventNumber, last + 3)));
     probe.events.clear();
     for (const auto button : {Qt::RightButton, Qt::MiddleButton}) {  // nobody hears of the latter
         QTest::mousePress(widget, button, {}, {10, 20});

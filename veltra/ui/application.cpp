@@ -12,13 +12,16 @@ namespace veltra {
 
 namespace {
 constexpr Nanoseconds kTrashPatience = milliseconds(50);
-}
+
+int actionsUnderWay = 0;
+}  // namespace
 
 // One event on the stack. The last event of the outermost one stays the current one.
 class Application::Dispatch {
 public:
     Dispatch(Application& application, const Event& event) noexcept
         : m_application(application),
+          m_event(event),
           m_outer(application.m_dispatch),
           m_before(application.m_current) {
         application.m_current = &event;
@@ -32,10 +35,30 @@ public:
     }
     bool isOutermost() const noexcept { return m_outer == nullptr; }
 
+    // Whether a handler from here outwards has taken events: what was kept waits for its return.
+    bool hasPuller() const noexcept {
+        return pulls || (m_outer != nullptr && m_outer->hasPuller());
+    }
+
+    // A release while handlers of its press are on the stack: true when one of them pulls and gets
+    // it. If none has pulled yet, the view gets it, and who pulls later is told.
+    bool takesRelease(const Event& release) noexcept {
+        bool isTakenHere = false;
+        if (release.window.get() == m_event.window.get() &&
+            release.eventNumber == m_event.eventNumber) {
+            isTakenHere = pulls;
+            hasLostRelease = !pulls;
+        }
+        return isTakenHere || (m_outer != nullptr && m_outer->takesRelease(release));
+    }
+
     bool isTaken = true;
+    bool pulls = false;           // its handler has called nextEvent()
+    bool hasLostRelease = false;  // it went to the view before the handler pulled
 
 private:
     Application& m_application;
+    const Event& m_event;
     Dispatch* const m_outer;
     const Event* const m_before;
 };
@@ -46,6 +69,15 @@ Application& Application::current() {
 }
 
 bool Application::sendAction(Action action, Anchored* target, Anchored* sender) {
+    struct Scope {
+        Scope() noexcept { ++actionsUnderWay; }
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+        ~Scope() {
+            if (--actionsUnderWay == 0) current().discard(nullptr);
+        }
+    };
+    const Scope scope;
     if (target != nullptr) return action.send(target, sender);
     Window* const key = m_keyWindow.get();
     Window* const main = m_mainWindow.get();
@@ -61,6 +93,7 @@ Event Application::nextEvent(EventMask mask, RunLoopMode mode) {
     RunLoop* const loop = RunLoop::current();
     std::optional<RunLoop::ModeScope> scope;
     if (loop != nullptr) scope.emplace(*loop, mode);
+    if (m_dispatch != nullptr) m_dispatch->pulls = true;
     for (;;) {
         const auto found = std::find_if(m_queue.begin(), m_queue.end(), [mask](const Event& event) {
             return mask.contains(event.type);
@@ -70,7 +103,9 @@ Event Application::nextEvent(EventMask mask, RunLoopMode mode) {
             m_queue.erase(found);
             break;
         }
-        if (!waitForEvent()) {
+        const bool isReleased = mask.contains(EventType::LeftMouseUp) && m_dispatch != nullptr &&
+                                std::exchange(m_dispatch->hasLostRelease, false);
+        if (isReleased || !waitForEvent()) {
             Event release;
             release.type = EventType::LeftMouseUp;
             if (m_dispatch != nullptr) {
@@ -100,16 +135,19 @@ bool Application::waitForEvent() {
 
 bool Application::postEvent(Event event) {
     if (!event.window || !event.window->admits(event)) return true;
-    if (m_pulls > 0) {
+    const bool isForPuller = event.type == EventType::LeftMouseUp && m_dispatch != nullptr &&
+                             m_dispatch->takesRelease(event);
+    if (m_pulls > 0 || isForPuller) {
         m_queue.push_back(std::move(event));
         UiPort::current().eventWasPosted();
         return true;
     }
-    dispatchQueue();  // what was kept came before
+    if (m_dispatch == nullptr || !m_dispatch->hasPuller())
+        dispatchQueue();  // what was kept came before
     const bool isTaken = dispatch(event);
     if (m_dispatch == nullptr) {
         dispatchQueue();
-        emptyTrash();
+        discard(nullptr);  // what waits for the event's end
     }
     return isTaken;
 }
@@ -136,9 +174,9 @@ void Application::dispatchQueue() {
 }
 
 void Application::discard(std::unique_ptr<Anchored> object) {
-    if (!object) return;
-    m_trash.push_back(std::move(object));
-    if (m_dispatch != nullptr) return;  // postEvent() sees to it
+    if (object) m_trash.push_back(std::move(object));
+    if (m_trash.empty()) return;
+    if (m_dispatch != nullptr || actionsUnderWay > 0) return;  // their end sees to it
     const RunLoop* const loop = RunLoop::current();
     if (loop == nullptr || loop->depth() == 0) {
         emptyTrash();
@@ -156,7 +194,7 @@ void Application::emptyTrashAfter(Nanoseconds time) {
 }
 
 void Application::trashTimerFired() {
-    if (m_dispatch != nullptr) return;
+    if (m_dispatch != nullptr || actionsUnderWay > 0) return;
     if (RunLoop::current()->depth() > 1) {  // inside a loop that another timer's action runs
         emptyTrashAfter(kTrashPatience);
     } else {

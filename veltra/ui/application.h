@@ -40,7 +40,8 @@ public:
     // Takes the next event of the mask; timers of `mode` go on meanwhile. Other events keep their
     // order and are dispatched when the handler that asked has returned. Returns a synthetic
     // LeftMouseUp (clickCount 0) when nothing can come any more: the window is hidden, gone or has
-    // lost the pointer, or there is no toolkit.
+    // lost the pointer, the view has got the release before the handler asked, or there is no
+    // toolkit.
     Event nextEvent(EventMask mask, RunLoopMode mode);
 
     // For ports, and for tests: hands over one event. It is sent to its window at once, or kept for

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "veltra/ui/application.h"
 
+#include "veltra/platform/testing/manual_run_loop.h"
 #include "veltra/ui/control.h"
 #include "veltra/ui/testing/scripted_port.h"
 
@@ -65,6 +66,34 @@ TEST(Actions, GoUpTheChainsOfTheKeyAndTheMainWindowAndEndAtTheDelegate) {
     EXPECT_TRUE(isSent(nullptr) && inner.count == 1);
     host.window.makeFirstResponder(&host.view);
     EXPECT_TRUE(isSent(nullptr) && isSent(&inner) && host.view.count == 1 && inner.count == 2);
+}
+
+// Outside of any event; others come meanwhile.
+TEST(Trash, OutlivesTheActionThatDiscardedIt) {
+    struct Acting final : Anchored {
+        std::function<void()> react;
+        void act() { react(); }
+    };
+    const ScriptedPort port;
+    ManualRunLoop loop;
+    Shown<View> host(Rect{{}, {100, 100}});
+    for (const bool isTimer : {true, false}) {
+        View& view = host.view.addSubview(std::make_unique<View>(Rect{{}, {10, 10}}));
+        const WeakPointer<View> alive(&view);
+        Acting target;
+        target.react = [&] {
+            view.removeFromSuperview();
+            host.move({50, 50});
+            EXPECT_TRUE(alive) << isTimer;
+        };
+        const Action act = action<&Acting::act>();
+        const auto timer =
+            loop.schedule({.interval = milliseconds(1), .target = &target, .action = act});
+        if (!isTimer) timer->invalidate();
+        if (!isTimer) Application::current().sendAction(act, &target, nullptr);
+        loop.advance(0.1);
+        EXPECT_FALSE(alive) << isTimer;
+    }
 }
 
 }  // namespace

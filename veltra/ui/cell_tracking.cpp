@@ -11,7 +11,11 @@ Point CellTracking::pointOf(const Event& event) const {
 
 bool CellTracking::press(Cell& cell, View& view, const Rect& frame, bool untilMouseUp,
                          const Event& event) {
+    const WeakPointer<CellTracking> self(this);
+    const WeakPointer<Cell> pressed(&cell);
+    const WeakPointer<View> around(&view);
     cancel();
+    if (!self || !pressed || !around) return false;
     m_hasSucceeded = false;
     if (!cell.isEnabled()) return false;
     m_cell = &cell;
@@ -22,7 +26,6 @@ bool CellTracking::press(Cell& cell, View& view, const Rect& frame, bool untilMo
     m_eventNumber = event.eventNumber;
     m_last = pointOf(event);
     m_isActive = true;  // what the cell does may cancel it
-    const WeakPointer<CellTracking> self(this);
     const bool starts = cell.startTracking(m_last, view);
     if (!self) return false;
     if (!m_cell || !m_view || !starts) m_isActive = false;

@@ -29,7 +29,9 @@ Control::~Control() {
 }
 
 void Control::setCell(std::unique_ptr<Cell> cell) {
+    const WeakPointer<Control> self(this);
     m_tracking.cancel();
+    if (!self) return;
     auto* const newcomer = dynamic_cast<ActionCell*>(cell.get());
     if (newcomer != nullptr && newcomer->targetAction().isEmpty()) {
         newcomer->targetAction() = targetAction();
@@ -60,8 +62,10 @@ bool Control::sendAction() {
 void Control::setEnabled(bool isEnabled) {
     if (isEnabled == m_isEnabled) return;
     m_isEnabled = isEnabled;
+    const WeakPointer<Control> self(this);
     if (!isEnabled) m_tracking.cancel();
-    if (m_cell) m_cell->setEnabled(isEnabled);
+    if (self && m_cell) m_cell->setEnabled(m_isEnabled);
+    if (!self) return;
     setNeedsDisplay();
     postAccessibilityNotification(AccessibilityNotification::StateChanged);
 }

@@ -40,6 +40,41 @@ TEST(ControlActions, OneClickSendsOneActionWhereverTargetAndActionWereSet) {
     }
 }
 
+// Cancelling a drag may send an action, and what the cell posts may be heard by the host.
+TEST(ControlActions, MayDeleteTheControlThatEndsADrag) {
+    struct Ending final : ActionCell {
+        std::function<void()> tell = [] {};
+        bool startTracking(Point, View&) override { return true; }
+        void stopTracking(Point, Point, View&, bool) override {
+            std::exchange(tell, [] {})();
+        }
+        void setEnabled(bool isEnabled) override {
+            if (!isEnabled) std::exchange(tell, [] {})();
+        }
+    };
+    const ScriptedPort port;
+    Shown<View> host(Rect{{}, {20, 20}});
+    const std::function<void(Control&)> ends[] = {
+        [](Control& control) { control.setEnabled(false); },
+        [](Control& control) { control.setCell(nullptr); },
+        [&](Control& control) {
+            control.mouseDown(host.eventAt(EventType::LeftMouseDown, {5, 5}));
+        },
+        [](Control& control) { control.setEnabled(false); }};  // no drag
+    for (const auto& end : ends) {
+        auto made = std::make_unique<Ending>();
+        Ending& cell = *made;
+        auto& control =
+            host.view.addSubview(std::make_unique<Control>(Rect{{}, {20, 20}}, std::move(made)));
+        const WeakPointer<View> alive(&control);
+        host.press({5, 5});
+        if (&end == &ends[3]) host.release({5, 5});
+        cell.tell = [&] { control.takeFromSuperview().reset(); };
+        end(control);
+        EXPECT_FALSE(alive) << &end - ends;
+    }
+}
+
 TEST(ControlActions, WithoutACellLeaveAllToWhatIsAround) {
     struct Around final : View {
         using View::View;

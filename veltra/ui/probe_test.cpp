@@ -116,6 +116,31 @@ TEST_F(ProbeTest, KeepsOtherEventsInOrderWhileItPullsAndEndsWhenThePointerIsLost
     EXPECT_EQ(probe->probe().log.back(), "stop 10,20");
 }
 
+// The button is let go, or the pointer lost, while an action runs: in a dialog's loop, for example.
+TEST_F(ProbeTest, PullsNoLongerThanItsPressLasts) {
+    for (const bool isStart : {true, false}) {
+        for (const int way : {0, 1, 2}) {
+            SCOPED_TRACE(std::to_string(isStart) + std::to_string(way));
+            HostedView host(rootWithProbe(true));
+            ProbeCell& cell = probe->probe();
+            cell.hook = [&](std::string_view where) {
+                if (where != (isStart ? "start" : "drag")) return;
+                host.move({5, 5});
+                EXPECT_EQ(probe->intValue(), isStart ? 0 : 10) << "the key waits";
+                if (way == 0) probe->setHidden(true);
+                if (way == 1) host.window.cancelTracking();
+                if (way == 2) host.release({60, 50});
+            };
+            port.script = {[&] { host.key(kUpArrowCharacter), host.drag({60, 50}); }, [] {}};
+            host.window.makeFirstResponder(probe);
+            host.press({60, 40});
+            EXPECT_EQ(port.script.size(), isStart ? 2U : 1U) << "it waits for nothing";
+            EXPECT_EQ(cell.log.back().substr(0, 2), !isStart && way == 2 ? "up" : "st");
+            EXPECT_EQ(probe->intValue(), isStart ? 0 : way == 0 ? 10 : 11);
+        }
+    }
+}
+
 // Deleted at once, and discarded as a host does it, in every callback there is.
 TEST_F(ProbeTest, SurvivesTheDeletionOfItsControlInEachCallback) {
     for (const std::string_view place :

@@ -32,6 +32,12 @@ TEST(ToolTips, GoWithTheirViewAndTheirText) {
         EXPECT_FALSE(tip.isOpen());
         EXPECT_EQ(port.toolTip, "");
     }
+    {
+        Shown<View> dying(Rect{{}, {100, 100}});
+        tip.showToolTipWindowForView(dying.view, &source, 1, {2, 3});
+        EXPECT_EQ(port.toolTip, "71");
+    }
+    EXPECT_EQ(port.toolTip, "") << "its window is gone";
     View other({{}, {10, 10}});
     tip.showToolTipWindowForView(other, &source, 1, {2, 3});
     EXPECT_FALSE(tip.isOpen()) << "in no window";

@@ -21,7 +21,8 @@ void ViewToolTips::removeToolTip(std::int32_t tag) {
 }
 
 std::optional<ViewToolTips::Found> ViewToolTips::at(Point point) const {
-    for (auto entry = m_rects.rbegin(); entry != m_rects.rend(); ++entry) {
+    const std::vector<Entry> rects = m_rects;  // who is asked may change them, or destroy the view
+    for (auto entry = rects.rbegin(); entry != rects.rend(); ++entry) {
         if (!pointInRect(point, entry->rect)) continue;
         std::string text =
             entry->object ? toolTipText(entry->object.get(), entry->sourceTag) : entry->text;

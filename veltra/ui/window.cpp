@@ -252,14 +252,16 @@ bool Window::makeFirstResponder(Responder* responder) {
     return true;
 }
 
-// False when it does not resign, or the window dies of it.
+// False when it does not resign, or the window dies of it. One that resigns may give the keys to
+// another, who is asked in turn.
 bool Window::takeKeysFromFirstResponder() {
     const WeakPointer<Window> self(this);
-    const WeakPointer<Responder> before(m_firstResponder);
-    if (before && !before->resignFirstResponder()) return false;
-    if (!self) return false;
-    m_firstResponder = nullptr;
-    if (auto* const shown = dynamic_cast<View*>(before.get())) shown->setNeedsDisplay();
+    while (m_firstResponder) {
+        const WeakPointer<Responder> before(m_firstResponder);
+        if (!before->resignFirstResponder() || !self) return false;
+        if (m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
+        if (auto* const shown = dynamic_cast<View*>(before.get())) shown->setNeedsDisplay();
+    }
     return true;
 }
 
@@ -579,8 +581,9 @@ void Window::releaseLostButton() {
 }
 
 std::optional<ViewToolTips::Found> Window::toolTipAt(Point inWindow) const {
-    for (View* view = viewAt(inWindow); view != nullptr; view = view->superview()) {
+    for (WeakPointer<View> view(viewAt(inWindow)); view; view = view->superview()) {
         auto found = view->toolTips().at(view->convertPointFromView(inWindow, nullptr));
+        if (!view || view->window() != this) break;  // who was asked took it away
         if (!found) continue;
         found->rect = view->convertRectToView(found->rect, nullptr);
         return found;
@@ -590,19 +593,19 @@ std::optional<ViewToolTips::Found> Window::toolTipAt(Point inWindow) const {
 
 // What the view is told may destroy it, and the window.
 void Window::viewLeaves(View& view) {
+    ToolTipWindow::shared().viewLeaves(view);  // also while the window is being destroyed
     const WeakPointer<Window> self(this);
     const WeakPointer<View> leaving(&view);
     if (m_firstResponder.get() == &view) {
         view.resignFirstResponder();
         if (!self || !leaving) return;
-        m_firstResponder = nullptr;
+        if (m_firstResponder.get() == &view) m_firstResponder = nullptr;
     }
     if (m_hovered.get() == &view) endHovering();
     if (!self || !leaving) return;
     if (m_pressed.get() == &view) releaseLostButton();
     if (!self || !leaving) return;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
-    ToolTipWindow::shared().viewLeaves(view);
     cancelTouches(&view);
 }
 
@@ -611,6 +614,7 @@ void Window::viewIsHidden(View& view) {
     const WeakPointer<View> hidden(&view);
     const auto holds = [&](const View* inside) { return hidden && isInside(inside, view); };
     ToolTipWindow::shared().viewLeaves(view);
+    if (isInside(m_rightPressed.get(), view)) m_rightPressed = nullptr;
     if (isInside(m_hovered.get(), view)) endHovering();
     if (self && holds(m_pressed.get())) releaseLostButton();
     if (self && hidden) cancelTouches(&view);

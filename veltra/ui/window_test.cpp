@@ -22,6 +22,7 @@ struct Listener final : View {
     void mouseDown(const Event&) override { ++presses, isHeld = true; }
     void mouseDragged(const Event&) override { isHeld = true; }
     void mouseUp(const Event&) override { isHeld = false; }
+    void rightMouseDragged(const Event&) override { isHeld = true; }
     void mouseEntered(const Event&) override { isEntered = true; }
     void mouseExited(const Event&) override { isEntered = false; }
     void windowStateDidChange() override { mainStates.push_back(window()->isMainWindow()); }
@@ -91,10 +92,15 @@ TEST(KeyViewLoop, FollowsTheTreeTheNamedOrderAndTheWidgetAround) {
 TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
     struct Moody final : View {
         using View::View;
-        bool accepts = true, becomes = true, resigns = true;
+        bool accepts = true, becomes = true, resigns = true, hasResigned = false;
+        std::function<void()> react = [] {};
         bool acceptsFirstResponder() const override { return accepts; }
         bool becomeFirstResponder() override { return becomes; }
-        bool resignFirstResponder() override { return resigns; }
+        bool resignFirstResponder() override {
+            std::exchange(react, [] {})();
+            hasResigned = resigns;
+            return resigns;
+        }
     };
     const ScriptedPort port;
     Shown<View> host(Rect{{}, {100, 100}});
@@ -115,6 +121,17 @@ TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
     EXPECT_EQ(host.window.firstResponder(), nullptr);
     EXPECT_TRUE(gives(&one) && gives(&host.window));
     EXPECT_EQ(host.window.firstResponder(), nullptr);
+    // Whom one names that resigns is asked too, and keeps the keys of one that goes.
+    auto& third = host.view.addSubview(std::make_unique<Moody>(Rect{{50, 50}, {50, 50}}));
+    other.becomes = true;
+    gives(&one);
+    one.react = [&] { gives(&third); };
+    EXPECT_TRUE(gives(&other) && third.hasResigned);
+    EXPECT_EQ(host.window.firstResponder(), &other);
+    gives(&one);
+    one.react = [&] { gives(&third); };
+    one.removeFromSuperview();
+    EXPECT_EQ(host.window.firstResponder(), &third) << "not the heir";
 }
 
 TEST(FocusRing, FollowsItsViewWhileKeysLeadBeyondItsBounds) {
@@ -242,12 +259,14 @@ TEST(Windows, TakeThePointerAwayFromWhatIsHiddenOrTakenOut) {
     auto& listener = frame.addSubview(std::make_unique<Listener>(Rect{{50, 0}, {40, 40}}));
     for (View* const hidden : {static_cast<View*>(&listener), &frame}) {
         host.move({55, 5});
+        Application::current().postEvent(host.eventAt(EventType::RightMouseDown, {55, 5}));
         host.press({55, 5});
         EXPECT_TRUE(listener.isEntered && listener.isHeld);
         hidden->setHidden(true);
         EXPECT_FALSE(listener.isEntered || listener.isHeld);
         hidden->setHidden(false);
         host.drag({56, 5});
+        Application::current().postEvent(host.eventAt(EventType::RightMouseDragged, {56, 5}));
         EXPECT_FALSE(listener.isHeld) << "the drag is over";
         host.release({56, 5});
     }

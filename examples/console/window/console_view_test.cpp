@@ -449,6 +449,10 @@ TEST(ConsoleClips, AgreeAndGoOutTogether) {
     EXPECT_NE(desk.find("Clips: 2"), nullptr);
     EXPECT_TRUE(desk.strip(0).meters().hasClipped());
     EXPECT_EQ(desk.find(peak)->accessibilityValueText(), "0.0 dB, clipped");
+    Event space;
+    space.charactersIgnoringModifiers = u' ';
+    for (const std::string& name : {peak, std::string("left output peak")})
+        EXPECT_FALSE(desk.find(name)->accessibilityView()->wantsKey(space)) << "it plays";
     desk.click(desk.middleOf(nameOf(1) + " meters"));
     EXPECT_FALSE(desk.strip(0).hasClipped());
     EXPECT_EQ(desk.find(peak)->accessibilityValueText(), "silence");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "output_view.h"
 
+#include "console_readout.h"
 #include "icons.h"
 #include "veltra/controls/level_meters/decibel_scale.h"
 #include "veltra/platform/clock.h"
@@ -37,8 +38,8 @@ OutputView::OutputView(ConsoleDelegate& delegate)
           std::make_unique<Label>(themeFont(11.0F), &Theme::label, TextAlignment::Right))),
       m_gain(addSubview(std::make_unique<GainField>())),
       m_fader(addSubview(std::make_unique<StripSlider>(StripSlider::Kind::Fader))),
-      m_readouts{&addSubview(std::make_unique<PeakReadout>()),
-                 &addSubview(std::make_unique<PeakReadout>())},
+      m_readouts{&addSubview(std::make_unique<ConsoleReadout>()),
+                 &addSubview(std::make_unique<ConsoleReadout>())},
       m_scale(addSubview(std::make_unique<LevelMeterScaleView>())),
       m_meters(addSubview(std::make_unique<MeterGroup>(2, channelPlan(std::array<int, 2>{})))),
       m_footer(addSubview(std::make_unique<Label>(themeFont(11.0F), &Theme::caption))) {

@@ -3,6 +3,7 @@
 
 #include "../text.h"
 #include "../times.h"
+#include "console_readout.h"
 #include "icons.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
@@ -84,7 +85,7 @@ StripView::StripView(const StripState& state, ConsoleDelegate& delegate)
                                   hasPan() ? TextAlignment::Right : TextAlignment::Left))),
       m_gain(addSubview(std::make_unique<GainField>())),
       m_fader(addSubview(std::make_unique<StripSlider>(StripSlider::Kind::Fader))),
-      m_readout(addSubview(std::make_unique<PeakReadout>())),
+      m_readout(addSubview(std::make_unique<ConsoleReadout>())),
       m_scale(addSubview(std::make_unique<LevelMeterScaleView>())),
       m_meters(addSubview(std::make_unique<MeterGroup>(state.format.channels, state.format.plan))),
       m_time(addSubview(std::make_unique<Label>(themeFont(11.0F), &Theme::caption))),

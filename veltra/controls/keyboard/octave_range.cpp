@@ -46,7 +46,7 @@ std::uint32_t OctaveRow::borderAt(float x, std::int32_t raster) const noexcept {
 }
 
 KeyRange OctaveRow::withLeftAt(KeyRange range, float x, std::int32_t raster) const noexcept {
-    const std::uint32_t end = range.end();
+    const std::uint32_t end = std::max(range.end(), 1U);
     const std::uint32_t begin = std::min(borderAt(x, raster), end - 1U);
     return {begin, end - begin};
 }

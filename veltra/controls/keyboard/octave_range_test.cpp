@@ -56,6 +56,7 @@ TEST(OctaveRange, ASideGoesToTheNearestBorderAndLeavesAKey) {
                   (KeyRange{row.left, 20 - row.left}));
         EXPECT_EQ(kLarge.withRightAt({10, 10}, row.x, row.raster), (KeyRange{10, row.end - 10}));
     }
+    EXPECT_EQ(kLarge.withLeftAt({}, 40.0F, 1), (KeyRange{0, 1})) << "of no key";
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace veltra {
 
@@ -44,7 +45,7 @@ float LevelBallistics::restingLevel() const noexcept {
 }
 
 bool LevelBallistics::setLevel(float level, bool forceDisplayIfNeeded, Moment now) noexcept {
-    if (std::isnan(level)) level = 0.0F;
+    if (!(level > -std::numeric_limits<float>::infinity())) level = 0.0F;
     const double shown = m_displayLevel;
     const bool isSignificant = std::fabs(shown - static_cast<double>(level)) > kInsignificant;
     m_level = level;

@@ -46,7 +46,7 @@ public:
     // Returns whether it goes on falling.
     bool tick(Moment now) noexcept;
 
-    // What setLevel() and tick() were told last; not below 0 as displayLevel().
+    // What setLevel() was told last: may be below 0, as displayLevel() never is.
     float level() const noexcept { return m_level; }
     float displayLevel() const noexcept { return m_displayLevel; }  // at most 1 + fallBackStep()
     float maxDisplayLevel() const noexcept { return m_maxDisplayLevel; }  // 0: none is held

@@ -54,6 +54,9 @@ TEST(LevelBallisticsTest, DrawsAgainOnlyWhatCanBeSeenToChange) {
     EXPECT_TRUE(meter.setLevel(1.2F, false, kStart) || meter.peak());
     meter.setLevel(0.5F, false, kStart);
     EXPECT_TRUE(meter.peak());
+    meter = LevelBallistics();
+    for (const float none : {NAN, -INFINITY})
+        EXPECT_TRUE(!meter.setLevel(none, false, kStart) && meter.level() == 0.0F) << none;
 }
 
 // Whatever levels come: what must never happen.

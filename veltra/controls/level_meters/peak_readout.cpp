@@ -93,9 +93,7 @@ void PeakReadout::mouseExited(const Event& /*event*/) {
 }
 
 void PeakReadout::keyDown(const Event& event) {
-    const char16_t key = event.plainKey();
-    const bool isPress = key == kReturnCharacter || key == kEnterCharacter || key == u' ';
-    if (!isPress || !isEnabled()) return Control::keyDown(event);
+    if (!wantsKey(event)) return Control::keyDown(event);
     click();
 }
 

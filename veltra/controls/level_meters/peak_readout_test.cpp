@@ -70,11 +70,14 @@ TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
         EXPECT_EQ(readout->accessibilityValueText(), "silence");
     }
     host->key(u'x');
+    const auto isWanted = [&](char16_t key) { return host->window.wantsKey(host->keyEvent(key)); };
+    EXPECT_TRUE(isWanted(u' ') && isWanted(u'\r') && !isWanted(u'x'));
     readout->setEnabled(false);
     readout->setDecibels(-3.0);
     readout->setAccessibilityUnit("LUFS");
     host->click({5, 5});
     host->key(u' ');
+    EXPECT_FALSE(isWanted(u' '));
     EXPECT_FALSE(readout->performAccessibilityAction(AccessibilityAction::Press));
     EXPECT_TRUE(readout->accessibilityActions().empty());
     EXPECT_EQ(target.count, expected);

@@ -96,7 +96,8 @@ public:
     // up, once.
     bool sendsActionContinuous() const noexcept { return m_sendActionContinuous; }
     void setSendsActionContinuous(bool continuous) noexcept { m_sendActionContinuous = continuous; }
-    // Sent to the target when the button has been held for 0.6 s, which ends a drag. None at first.
+    // Sent to the target when the button has been held for 0.6 s, which ends a drag; not while the
+    // control is disabled. None at first.
     Action longClickAction() const noexcept { return m_longClickAction; }
     void setLongClickAction(Action action) noexcept { m_longClickAction = action; }
     using Control::sendAction;

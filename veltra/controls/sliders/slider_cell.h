@@ -115,7 +115,8 @@ public:
 
     // By how much each event of a drag with Shift changes the value to the right or upwards,
     // however far it leads; and a notch of the wheel, whatever the sign. 0, as at first: Shift does
-    // nothing and a notch is a hundredth of the range. NaN counts as 0.
+    // nothing and a notch is a hundredth of the range. NaN counts as 0. Steps of a drag that a
+    // magnetic mark swallows add up until one leads away from it.
     void setFineValueControlStep(double step);
     double fineValueControlStep() const noexcept { return m_fineValueControlStep; }
     // What Alt and a click set, if that is switched on; also where the coloured part of the track

@@ -35,8 +35,9 @@ SliderMark markOf(const PropertyValue& value) {
     const PropertyValue::Array& parts = value.asArray();
     if (parts.size() != 3) return {};
     constexpr double kLast = static_cast<double>(SliderMark::Kind::Reference);
+    const double kind = parts[1].asReal();  // NaN is none
     return {parts[0].asReal(),
-            static_cast<SliderMark::Kind>(std::clamp(parts[1].asReal(), 0.0, kLast)),
+            static_cast<SliderMark::Kind>(kind > 0.0 ? std::min(kind, kLast) : 0.0),
             std::string(parts[2].asString())};
 }
 
