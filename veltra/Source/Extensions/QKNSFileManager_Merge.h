@@ -27,7 +27,8 @@ struct MergeProblem {
                             // deep are: std::errc::filename_too_long
         KindsDiffer,        // a file, a folder, a package and a link do not replace one another
         NotCopied,          // neither a file nor a folder nor a link: a pipe, a device
-        InsideItself,       // the target lies in the source, or is the source
+        InsideItself,       // the target lies in the source, or is the source, or is a package with
+                            // the source in it
         PackageIncomplete,  // something in it was told before; the whole package was left out
         AttributesNotKept,  // it was copied, but permissions or times are not those of the source
         LeftBehind,         // a hidden item could not be removed again, or what stood in the target

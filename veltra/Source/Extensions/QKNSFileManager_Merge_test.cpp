@@ -223,12 +223,19 @@ TEST(MergePath, RefusesATargetInItsSourceBeforeItWrites) {
     }
     EXPECT_EQ(treeOf(kits.folder.path), before);
 
-    // The other way round, the folder must not be merged into itself either.
-    put(kits.folder.path / "out/in/in/c", "c");
-    Log log;
-    EXPECT_FALSE(mergePath(kits.folder / "out/in", kits.folder / "out", true, &log));
-    EXPECT_EQ(log.counts[Reason::InsideItself], 1);
-    EXPECT_FALSE(fs::exists(kits.folder / "out/in/c"));
+    // The other way round, the folder must not be merged into itself either, nor be replaced.
+    for (const auto& [source, target] : {std::pair("out/in", "out"),
+                                         {"A.vst3/up/A.vst3", "A.vst3"},
+                                         {"plugs/B.vst3/up", "plugs"}}) {
+        const TemporaryFolder folder;
+        for (const char* name : {"out/in/in/c", "A.vst3/up/A.vst3/c", "plugs/B.vst3/up/B.vst3/c"})
+            put(folder.path / name, "c");
+        const Tree all = treeOf(folder.path);
+        Log log;
+        EXPECT_FALSE(mergePath(folder / source, folder / target, true, &log)) << source;
+        EXPECT_EQ(log.counts[Reason::InsideItself], 1) << source;
+        EXPECT_EQ(treeOf(folder.path), all) << source;
+    }
 }
 
 TEST(MergePath, TellsWhatItLeavesOut) {

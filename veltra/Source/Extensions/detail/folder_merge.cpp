@@ -200,13 +200,18 @@ void FolderMerge::mergeFolder(const Pair& pair) {
 }
 
 void FolderMerge::mergePackage(const Pair& pair) {
-    if (pair.isThere && !m_isReplacing) return;
+    if (pair.isThere && (!m_isReplacing || pair.from.isSameItem(pair.to))) return;
+    // What is replaced goes away with all that is in it.
+    bool isInTarget = false;
+    std::error_code error;
+    if (pair.isThere) error = find(pair.source.folder, pair.to, isInTarget);
+    if (isInTarget) return tell(pair, Reason::InsideItself);
     OpenItem source(m_files);
     OpenItem target(m_files);
     Names names;
     FileFacts made;
     TemporaryItem copy(m_files, pair.target.folder);
-    std::error_code error = list(pair, source, names);
+    if (!error) error = list(pair, source, names);
     if (!error) {
         error = copy.make(FileKind::Folder, [&](const char* name) {
             return m_files.makeFolder(pair.target.folder, name, kOwnersOwn);
