@@ -32,8 +32,9 @@ bool isOfKind(std::string_view path, FileKind kind, LastLink lastLink) noexcept 
     });
 }
 
-// Whether `path` is a folder afterwards.
-bool makeOne(FileSystem& files, const std::string& path, std::optional<std::uint32_t> permissions) {
+// Whether `path` is a folder afterwards. One that it makes has at least the permissions `needed`.
+bool makeOne(FileSystem& files, const std::string& path, std::optional<std::uint32_t> permissions,
+             std::uint32_t needed) {
     constexpr FileSystem::Handle kHere = FileSystem::kWorkingFolder;
     // It must be opened before it gets permissions that may forbid that.
     constexpr std::uint32_t kOwnersOwn = 0700;
@@ -43,10 +44,15 @@ bool makeOne(FileSystem& files, const std::string& path, std::optional<std::uint
         // Also what may not be written to, or has a link in its place, may be there already.
         return kindAt(path, LastLink::Follow) == FileKind::Folder;
     }
-    if (!permissions) return true;
+    if (!permissions) {
+        FileFacts given;
+        if (files.facts(kHere, path.c_str(), LastLink::Keep, given)) return false;
+        if ((given.permissions & needed) == needed) return true;
+        permissions = given.permissions;
+    }
     OpenItem made(files);
     return !made.open(kHere, path.c_str(), Access::List, LastLink::Keep) &&
-           !files.setPermissions(made.handle(), *permissions);
+           !files.setPermissions(made.handle(), *permissions | needed);
 }
 
 std::optional<std::string> resolved(const std::string& path,
@@ -80,17 +86,15 @@ bool createDirectoriesRecursivelyAtPath(std::string_view path,
         while (whole.size() > 1 && whole.back() == '/')
             whole.pop_back();
         if (kindAt(whole, LastLink::Follow) == FileKind::Folder) return true;
-        std::optional<std::uint32_t> onTheWay = attributes.permissions;
-        if (onTheWay) *onTheWay |= kOnTheWay;
         for (std::size_t slash = whole.find('/', 1); slash != std::string::npos;
              slash = whole.find('/', slash + 1)) {
             if (whole[slash - 1] == '/') continue;
             const std::string above = whole.substr(0, slash);
             if (kindAt(above, LastLink::Follow) != FileKind::Folder &&
-                !makeOne(files, above, onTheWay))
+                !makeOne(files, above, attributes.permissions, kOnTheWay))
                 return false;
         }
-        return makeOne(files, whole, attributes.permissions);
+        return makeOne(files, whole, attributes.permissions, 0);
     });
 }
 

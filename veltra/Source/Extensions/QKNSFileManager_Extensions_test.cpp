@@ -82,6 +82,9 @@ TEST(FileManager, MakesFoldersAndTheFoldersOnTheWay) {
     EXPECT_EQ(modeOf(folder.path / "a/b/c"), 0577U);
     EXPECT_TRUE(makeSureDirectoryExistsAtPath(folder / "d/../e") &&
                 isDirectoryAtPath(folder / "e"));
+    ::umask(0300);
+    EXPECT_TRUE(makeSureDirectoryExistsAtPath(folder / "f/g"));
+    EXPECT_TRUE(modeOf(folder.path / "f") == 0777 && modeOf(folder.path / "f/g") == 0477);
     ::umask(umaskBefore);
     putText(folder.path / "file");
     fs::create_symlink("nowhere", folder.path / "dangling");
