@@ -257,6 +257,19 @@ TEST(MergePath, TellsWhatItLeavesOut) {
     EXPECT_TRUE(fs::is_symlink(to / "loop") && textOf(to / "z") == "new");
     EXPECT_TRUE(textOf(to / "folder") == "old" && fs::exists(to / "plain/mine"));
 
+    // The path of what it cannot remove, also where the target's ends in "/".
+    {
+        FailingFileSystem files;
+        files.error = std::make_error_code(std::errc::io_error);
+        files.beforeStep = [&](std::string_view step, std::string_view) {
+            if (step == "remove") files.failing = files.steps;
+        };
+        fs::create_directories(to / "plain.app");
+        Log leaving;
+        EXPECT_FALSE(mergePath(folder / "from/plain", folder / "to/plain.app/", true, &leaving));
+        EXPECT_TRUE(fs::exists(leaving.leftBehind)) << leaving.leftBehind;
+    }
+
     // Stopped, and paths that lead nowhere.
     const TemporaryFolder empty;
     Log stopped;

@@ -279,9 +279,8 @@ void FolderMerge::passOn(const Pair& pair, Handle folder, const FileFacts& made)
 void FolderMerge::discard(const Pair& pair, TemporaryItem& copy) {
     copy.discard();
     if (copy.leftBehind().empty()) return;
-    const std::string path =
-        pair.target.path.substr(0, pair.target.path.rfind('/') + 1) + copy.leftBehind();
-    tell(pair, Reason::LeftBehind, copy.leftBehindError(), path);
+    tell(pair, Reason::LeftBehind, copy.leftBehindError(),
+         pathIn(split(pair.target.path).folder, copy.leftBehind()));
 }
 
 void FolderMerge::tell(const Pair& pair, Reason reason, std::error_code error,
