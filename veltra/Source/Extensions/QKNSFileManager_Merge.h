@@ -23,8 +23,8 @@ namespace veltra {
 struct MergeProblem {
     // What kept an item from being merged, or from being merged in full.
     enum class Reason : std::uint8_t {
-        Failed,             // `error` says why; the item was left out. Folders more than 200 levels
-                            // deep are: std::errc::filename_too_long
+        Failed,             // `error` says why; the item was left out. Of a folder 200 levels down
+                            // only what is in it is: std::errc::filename_too_long
         KindsDiffer,        // a file, a folder, a package and a link do not replace one another
         NotCopied,          // neither a file nor a folder nor a link: a pipe, a device
         InsideItself,       // the target lies in the source, or is the source, or is a package with
@@ -71,9 +71,9 @@ public:
 // that is a file or link itself is merged likewise. `replaceExistingFilesWithSource` decides about
 // files, links and packages (isFilePackageAtPath()) that both have: true replaces those of the
 // target, packages as a whole, false keeps them. Folders that both have keep the target's
-// permissions and times; all that is new gets those of the source, without set-id bits. Links are
-// copied as links, and never followed, the two paths' own last steps included. The source is never
-// changed.
+// permissions; all that is new gets permissions and times of the source, without set-id bits. Links
+// are copied as links, and never followed, the two paths' own last steps included. The source is
+// never changed.
 //
 // Returns true when the target has everything that was asked for. Otherwise `handler`, which may be
 // null, was told of each item that is not there, and the rest was merged. Nothing at all is written

@@ -13,7 +13,8 @@
 
 namespace veltra::detail {
 
-// Raises std::bad_alloc, with nothing half done.
+// Raises std::bad_alloc: no file or package is half done, but a new folder may lack contents, and
+// the permissions and times of the source.
 class FolderMerge {
 public:
     FolderMerge(FileSystem& files, bool isReplacing, MergeHandler* handler) noexcept
