@@ -43,6 +43,15 @@ class Buffers:
                 self.assertEqual(len(veltra.to_float(b"", sample_format)), 0)
                 self.assertEqual([len(row) for row in veltra.to_float(b"", 2, channels=2)], [0, 0])
 
+    def test_what_is_no_row_of_floats_is_refused(self):
+        rows = [b"1234", bytearray(8), "1234", [[0.0, 0.0]]]
+        if _buffers.numpy:
+            rows.append(_buffers.numpy.zeros((2, 2)))
+        for row in rows:
+            for channels, sample_format in ((1, 2), (2, 2), (2, 4), (3, 2)):
+                with self.assertRaises((TypeError, ValueError)):
+                    veltra.from_float(*[row] * channels, sample_format=sample_format)
+
     def test_each_kind_of_buffer_is_read_alike(self):
         data = bytes(range(96))
         spaced = bytearray(192)

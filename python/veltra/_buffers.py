@@ -46,27 +46,34 @@ def copy_of(data: "BytesLike") -> "ctypes.Array[c_char]":
         return (c_char * view.nbytes).from_buffer_copy(view.tobytes())
 
 
-def floats_in(samples: "Floats") -> "tuple[Any, int]":
-    """An argument for a pointer to 32-bit floats, which keeps them alive, and their number."""
+def row_of(samples: "Floats") -> "FloatArray":
+    """The samples of a channel as 32-bit floats in one piece."""
+    if isinstance(samples, (str, bytes, bytearray)):
+        raise TypeError("a channel is a row of floats, not text or bytes")
     if numpy is not None:
         if not hasattr(samples, "__len__"):
             samples = list(samples)
         values = numpy.ascontiguousarray(samples, dtype=numpy.float32)
         if values.ndim != 1:
             raise ValueError("a channel is one row of samples")
-        return values.ctypes.data_as(c_void_p), len(values)
-    if not (isinstance(samples, array) and samples.typecode == "f"):
-        samples = array("f", samples)
-    return writable(samples)[0], len(samples)
+        return values
+    if isinstance(samples, array) and samples.typecode == "f":
+        return samples
+    return array("f", samples)
+
+
+def pointer_to(row: "FloatArray") -> "Any":
+    """An argument for a pointer to the floats of a row, which keeps them alive."""
+    return row.ctypes.data_as(c_void_p) if numpy is not None else writable(row)[0]
 
 
 def new_rows(channels: int, count: int) -> "tuple[FloatArrays, list[Any]]":
     """Rows of 32-bit floats to fill, and the arguments for pointers to them."""
     if numpy is not None:
-        rows = numpy.empty((channels, count), dtype=numpy.float32)
-        return rows, [row.ctypes.data_as(c_void_p) for row in rows]
-    rows = tuple(array("f", bytes(4 * count)) for _ in range(channels))
-    return rows, [writable(row)[0] for row in rows]
+        rows: "FloatArrays" = numpy.empty((channels, count), dtype=numpy.float32)
+    else:
+        rows = tuple(array("f", bytes(4 * count)) for _ in range(channels))
+    return rows, [pointer_to(row) for row in rows]
 
 
 def apart(stream: "FloatArray", channels: int) -> "FloatArrays":
@@ -76,13 +83,13 @@ def apart(stream: "FloatArray", channels: int) -> "FloatArrays":
     return tuple(stream[channel::channels] for channel in range(channels))
 
 
-def interleaved(rows: "Sequence[Floats]") -> "FloatArray":
+def interleaved(rows: "Sequence[FloatArray]") -> "FloatArray":
     """The rows of several channels as one stream. They have one length."""
     if numpy is not None:
-        return numpy.stack([numpy.asarray(row, dtype=numpy.float32) for row in rows], axis=1).ravel()
+        return numpy.stack(rows, axis=1).ravel()
     stream = array("f", bytes(4 * len(rows) * len(rows[0])))
     for channel, row in enumerate(rows):
-        stream[channel::len(rows)] = array("f", row)
+        stream[channel::len(rows)] = row
     return stream
 
 

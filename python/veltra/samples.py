@@ -4,7 +4,7 @@ import ctypes
 import enum
 from typing import TYPE_CHECKING
 
-from ._buffers import apart, floats_in, interleaved, new_rows, readable
+from ._buffers import apart, interleaved, new_rows, pointer_to, readable, row_of
 from ._library import library
 
 if TYPE_CHECKING:
@@ -69,7 +69,7 @@ def from_float(*channels: "Floats", sample_format: int, swapped: bool = False) -
     """The stream of one channel, or of several interleaved.
 
     Samples at or beyond full scale become the largest number of the format. The rows have one
-    length, or it is a ValueError.
+    dimension and one length, or it is a ValueError; text and bytes are a TypeError.
 
         stream = from_float(left, right, sample_format=SampleFormat.INT24)
     """
@@ -77,14 +77,14 @@ def from_float(*channels: "Floats", sample_format: int, swapped: bool = False) -
     if not channels:
         raise ValueError("no channel")
     convert = library.GetConvertFloatToN(known, swapped)
-    rows = [row if hasattr(row, "__len__") else list(row) for row in channels]
+    rows = [row_of(row) for row in channels]
     count = len(rows[0])
     if any(len(row) != count for row in rows):
         raise ValueError("the channels have different lengths")
     stream = ctypes.create_string_buffer(known.size * count * len(rows))
     if len(rows) == 2 and known in _IN_PAIRS:
-        convert(stream, floats_in(rows[0])[0], count, floats_in(rows[1])[0])
+        convert(stream, pointer_to(rows[0]), count, pointer_to(rows[1]))
     else:
-        samples, total = floats_in(rows[0] if len(rows) == 1 else interleaved(rows))
-        convert(stream, samples, total, None)
+        samples = rows[0] if len(rows) == 1 else interleaved(rows)
+        convert(stream, pointer_to(samples), len(samples), None)
     return stream.raw
