@@ -2,8 +2,10 @@
 # SPDX-License-Identifier: MIT
 """Laws and tables of the package, without numpy and, where there is one, with it."""
 import array
+import copy
 import math
 import os
+import pickle
 import random
 import subprocess
 import sys
@@ -101,7 +103,7 @@ class WithNumpy(Buffers, unittest.TestCase):
 
 
 class Values(unittest.TestCase):
-    def test_numbers_that_c_would_cut_off_are_refused(self):
+    def test_what_c_would_cut_off_or_misread_is_refused(self):
         for error, call in (
                 (ValueError, lambda: veltra.to_float(bytes(5), 2)),
                 (ValueError, lambda: veltra.to_float(bytes(6), 2, channels=2)),
@@ -122,6 +124,14 @@ class Values(unittest.TestCase):
                 (ValueError, lambda: veltra.midi_text(1, 4)),
                 (ValueError, lambda: Transients(bytes(37))),
                 (ValueError, lambda: Transients().thin_out(-1)),
+                (TypeError, lambda: Transients([5])),
+                (TypeError, lambda: Transients().append(3)),
+                (TypeError, lambda: Transients([Transient()]).__setitem__(0, 3)),
+                (TypeError, lambda: veltra.utf8_check(0)),
+                (TypeError, lambda: veltra.swap_record(b"abcd", "\3")),
+                (TypeError, lambda: copy.copy(veltra.LevelBallistics())),
+                (TypeError, lambda: copy.deepcopy(veltra.LevelBallistics())),
+                (TypeError, lambda: pickle.dumps(veltra.LevelBallistics())),
                 (IndexError, lambda: Transients()[0]),
                 (OverflowError, lambda: Transient(1 << 63)),
                 (OverflowError, lambda: veltra.crc32(b"a", -1)),
@@ -137,13 +147,20 @@ class Values(unittest.TestCase):
         self.assertEqual([veltra.swap_samples(b"\1\2\3\4\5\6", bits) for bits in (8, 16, 24)],
                          [b"\x81\x82\x83\x84\x85\x86", b"\2\1\4\3\6\5", b"\3\2\1\6\5\4"])
         self.assertEqual(veltra.swap_fields(b"abcdefg", [4, -2, 2]), b"dcbaefg")
-        self.assertEqual(veltra.swap_record(b"abcdefg", bytes([7, 15, 7, 0])),
-                         (b"dcbafeg", 6, False))
+        for kind in (bytes, bytearray, memoryview):
+            self.assertEqual(veltra.swap_record(b"abcdefg", kind(b"\7\17\7\0")),
+                             (b"dcbafeg", 6, False))
         self.assertEqual([veltra.utf8_cut("Café", size) for size in (0, 3, 4, 5, 99)],
                          [b"", b"Caf", b"Caf", "Café".encode(), "Café".encode()])
         self.assertEqual([veltra.utf8_check(text) for text in (b"", "é".encode(), b"\xc3")],
                          [True, True, False])
         self.assertTrue(veltra.utf8_is_ascii(b"abc") and not veltra.utf8_is_ascii(b"ab\xc3"))
+
+    def test_a_kernel_without_a_name_changes_nothing(self):
+        self.addCleanup(veltra.use_kernel, "crc32")
+        self.assertTrue(veltra.use_kernel("crc32", "plain"))
+        self.assertFalse(veltra.use_kernel("crc32", ""))
+        self.assertEqual(veltra.kernels_in_force()["crc32"], "plain")
 
     def test_channels_and_notes(self):
         for surround in SurroundFormat:

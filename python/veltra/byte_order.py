@@ -3,7 +3,7 @@
 import ctypes
 from typing import TYPE_CHECKING, Iterable, NamedTuple
 
-from ._buffers import copy_of, writable
+from ._buffers import copy_of, readable, writable
 from ._library import library
 
 if TYPE_CHECKING:
@@ -62,15 +62,16 @@ class SwappedRecord(NamedTuple):
     is_whole: bool  # whether the whole table was applied
 
 
-def swap_record(record: "BytesLike", table: bytes) -> SwappedRecord:
+def swap_record(record: "BytesLike", table: "BytesLike") -> SwappedRecord:
     """A record with the fields reversed that a table of field codes lists (record_swap.h).
 
     Safe for records from outside: nothing beyond their end is touched, whatever record and table
     hold.
     """
     copy = copy_of(record)
+    codes, count = readable(table)
     taken = ctypes.c_size_t()
-    is_whole = library.SwapRecordWithin(copy, len(copy), table, len(table), ctypes.byref(taken))
+    is_whole = library.SwapRecordWithin(copy, len(copy), codes, count, ctypes.byref(taken))
     return SwappedRecord(copy.raw, taken.value, is_whole)
 
 

@@ -16,4 +16,5 @@ def use_kernel(family: str, variant: Optional[str] = None) -> bool:
 
     False, and nothing changes, when there is none of that name or the processor does not run it.
     """
-    return library.VLKernelFamilyUse(family.encode(), variant.encode() if variant else None)
+    name = None if variant is None else variant.encode()
+    return library.VLKernelFamilyUse(family.encode(), name)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 """How a level meter moves, and where it shows how many decibels."""
 import time
-from typing import Optional
+from typing import NoReturn, Optional
 
 from ._library import library
 
@@ -54,6 +54,10 @@ class LevelBallistics:
         meter = getattr(self, "_meter", None)
         if meter:
             library.VLLevelBallisticsDestroy(meter)
+
+    def __reduce__(self) -> NoReturn:
+        # A copy would destroy the same meter a second time.
+        raise TypeError("a LevelBallistics cannot be copied or pickled")
 
     @property
     def fall_back_step(self) -> float:

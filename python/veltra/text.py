@@ -7,7 +7,7 @@ from ._library import library
 
 
 def without_nul(text: Union[str, bytes]) -> bytes:
-    data = text.encode() if isinstance(text, str) else bytes(text)
+    data = text.encode() if isinstance(text, str) else memoryview(text).tobytes()
     if b"\0" in data:
         raise ValueError("a NUL in the text")
     return data

@@ -33,6 +33,12 @@ class Transient(TransientRecord):
         return text.value.decode()
 
 
+def _record(transient: TransientRecord) -> bytes:
+    if not isinstance(transient, TransientRecord):
+        raise TypeError(f"{transient!r} is no transient")
+    return bytes(transient)
+
+
 class Transients:
     """A list of transients, as records of 36 bytes one behind the other.
 
@@ -45,7 +51,7 @@ class Transients:
         try:
             memoryview(transients)  # type: ignore[arg-type]
         except TypeError:
-            self._records += b"".join(bytes(transient) for transient in transients)
+            self._records += b"".join(map(_record, transients))
         else:
             data, size = readable(transients)  # type: ignore[arg-type]
             if size % _SIZE:
@@ -67,7 +73,7 @@ class Transients:
         return _buffers.numpy.frombuffer(bytes(self), dtype=dtype).copy()
 
     def append(self, transient: Transient) -> None:
-        self._records += bytes(transient)
+        self._records += _record(transient)
 
     def __len__(self) -> int:
         return len(self._records) // _SIZE
@@ -78,7 +84,7 @@ class Transients:
 
     def __setitem__(self, index: int, transient: Transient) -> None:
         offset = self._offset(index)
-        self._records[offset:offset + _SIZE] = bytes(transient)
+        self._records[offset:offset + _SIZE] = _record(transient)
 
     def __iter__(self) -> Iterator[Transient]:
         return (self[index] for index in range(len(self)))
