@@ -1,13 +1,19 @@
 # SPDX-License-Identifier: MIT
 # Takes back what `cmake --install` of this build folder put somewhere last, and the folders of ours
-# that are empty then. BUILD_FOLDER names the build folder.
+# that are empty then. BUILD_FOLDER names the build folder; DESTDIR in the environment is the one that
+# there was for the installation.
 set(manifest "${BUILD_FOLDER}/install_manifest.txt")
 if(NOT EXISTS "${manifest}")
     message(FATAL_ERROR "Nothing was installed from ${BUILD_FOLDER}.")
 endif()
 file(STRINGS "${manifest}" files)
+set(kept "")
 foreach(file IN LISTS files)
+    string(PREPEND file "$ENV{DESTDIR}")
     file(REMOVE "${file}")
+    if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+        list(APPEND kept "${file}")
+    endif()
     get_filename_component(folder "${file}" DIRECTORY)
     while(IS_DIRECTORY "${folder}" AND folder MATCHES "/[vV]eltra(/|$)")
         file(GLOB left LIST_DIRECTORIES true "${folder}/*" "${folder}/.*")
@@ -18,6 +24,10 @@ foreach(file IN LISTS files)
         get_filename_component(folder "${folder}" DIRECTORY)
     endwhile()
 endforeach()
+if(kept)
+    list(JOIN kept "\n  " kept)
+    message(FATAL_ERROR "Could not be removed:\n  ${kept}")
+endif()
 file(REMOVE "${manifest}")
 list(LENGTH files count)
 message(STATUS "${count} files removed")

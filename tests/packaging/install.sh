@@ -8,10 +8,18 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
 
-cmake --install "$build_dir" --prefix "$work/gone" >"$work/install.log"
-cmake "-DBUILD_FOLDER=$build_dir" -P "$source_dir/cmake/VeltraUninstall.cmake" >>"$work/install.log"
-left=$(find "$work/gone" ! -type d -o -iname '*veltra*')
-[ -z "$left" ] || { echo "left after uninstalling:"; echo "$left"; exit 1; }
+uninstall() { cmake "-DBUILD_FOLDER=$1" -P "$source_dir/cmake/VeltraUninstall.cmake" >>"$work/install.log"; }
+for staged in '' "$work/staged"; do
+    DESTDIR=$staged cmake --install "$build_dir" --prefix "$work/gone" >>"$work/install.log"
+    DESTDIR=$staged uninstall "$build_dir"
+    left=$(find "$staged$work/gone" ! -type d -o -iname '*veltra*')
+    [ -z "$left" ] || { echo "left after uninstalling:"; echo "$left"; exit 1; }
+done
+mkdir -p "$work/stuck/folder"
+echo "$work/stuck/folder" >"$work/stuck/install_manifest.txt"
+if uninstall "$work/stuck" 2>/dev/null || [ ! -f "$work/stuck/install_manifest.txt" ]; then
+    echo "what could not be removed is forgotten"; exit 1
+fi
 cmake --install "$build_dir" --prefix "$prefix" >>"$work/install.log"
 mv "$prefix" "$work/moved"     # an installed tree may be moved
 prefix=$work/moved
