@@ -38,6 +38,14 @@ tenths() { # NAME
     done
 }
 
+# Configures a tree, and prints which lines of CMake's are told; all of them when it fails.
+configure() { # TOLD CMAKE-ARGUMENT...
+    local told=$1 lines
+    shift
+    lines=$(cmake "$@") || { printf '%s\n' "$lines"; fail "the tree was not configured"; }
+    grep -E "$told" <<<"$lines" || true
+}
+
 # Configures and builds one preset. A terminal shows each step, anything else every tenth. The
 # switches are printed when they are new.
 build() {
@@ -47,7 +55,7 @@ build() {
     say "build $preset"
     mkdir -p "build/$preset" 2>/dev/null || fail "$PWD/build cannot be written to; copy the tree to where it can"
     [ ! -f "build/$preset/CMakeCache.txt" ] || told='^-- Veltra|not found'
-    cmake --preset "$preset" "$@" | grep -E "$told" || true
+    configure "$told" --preset "$preset" "$@"
     if [ -t 1 ]; then
         cmake --build --preset "$preset" --parallel "$(nproc)"
     else
