@@ -40,6 +40,12 @@ QString textOf(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// Whoever is told that files were moved here may delete them.
+void acceptCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
 std::string nameOf(const std::string& path) {
     return printable(std::filesystem::path(path).stem().string());
 }
@@ -467,7 +473,7 @@ bool ConsoleWidget::event(QEvent* event) {
         case QEvent::DragEnter: {
             auto* const drag = static_cast<QDragEnterEvent*>(event);
             if (!drag->mimeData()->hasUrls()) break;
-            drag->acceptProposedAction();
+            acceptCopy(*drag);
             m_view->setDropTarget(true);
             return true;
         }
@@ -486,7 +492,7 @@ bool ConsoleWidget::event(QEvent* event) {
                          ": only files of this machine can be played");
                 }
             }
-            drop->acceptProposedAction();
+            acceptCopy(*drop);
             addFiles(paths);
             return true;
         }

@@ -53,8 +53,11 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
                      QUrl::fromLocalFile(QString::fromStdString(brief))});
     QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&widget, &enter);
-    QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(QPointF(50, 50), Qt::CopyAction | Qt::MoveAction, &dropped, Qt::LeftButton,
+                    Qt::ShiftModifier);
+    EXPECT_EQ(drop.proposedAction(), Qt::MoveAction);
     QApplication::sendEvent(&widget, &drop);
+    EXPECT_TRUE(drop.isAccepted() && drop.dropAction() == Qt::CopyAction);
     ASSERT_EQ(player.look().strips.size(), 3U);
     AccessibilityElement* const bridge = find(root, "six.wav meters");
     ASSERT_NE(bridge, nullptr);
