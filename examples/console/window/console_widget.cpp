@@ -101,6 +101,7 @@ void ConsoleWidget::offerActions() {
         entry->setShortcut(keys);
         connect(entry, &QAction::triggered, this, reaction);
         addAction(entry);
+        entry->setAutoRepeat(false);
         return entry;
     };
     const auto line = [this] {

@@ -113,6 +113,8 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_TRUE(comesTrue([&] { return state().position == 0; }));
     QTest::keyClick(&widget, Qt::Key_L);
     EXPECT_TRUE(comesTrue([&] { return state().looping; }));
+    QTest::simulateEvent(&widget, true, Qt::Key_L, {}, QStringLiteral("l"), true);  // it is held
+    EXPECT_TRUE(state().looping);
     EXPECT_EQ(state().loopEnd, 120 * state().rate);  // all of the longest file
     EXPECT_NE(find(root, "Waveform of brief.wav, 1 onset"), nullptr);
 
