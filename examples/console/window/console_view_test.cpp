@@ -302,6 +302,28 @@ TEST(ConsoleLook, HasNoColourAtRest) {
     EXPECT_NEAR(desk.strip(0).fader().level(), 0.2, 1e-6);
 }
 
+TEST(ConsoleLook, MovesABarWhileNobodyKnowsHowFarTheReadingIs) {
+    Desk desk({1180, 720}, 1);
+    desk.state.reading.push_back({nameOf(1)});
+    std::vector<std::int32_t> begins;
+    for (int i = 0; i < 2; ++i) {
+        desk.update();
+        const auto image = desk.draw();
+        const Rect field = accessibilityFrameInWindow(*desk.find("Reading " + nameOf(1)));
+        const auto y = static_cast<std::int32_t>(720.0F - field.maxY() + 22.0F);
+        std::vector<std::int32_t> lit;
+        const auto end = static_cast<std::int32_t>(field.maxX());
+        for (auto x = static_cast<std::int32_t>(field.minX()) + 6; x < end; ++x) {
+            const std::uint32_t pixel = image->pixelAt(x, y);
+            if ((pixel & 0xFFU) > (pixel >> 16U & 0xFFU) + 64U) lit.push_back(x);
+        }
+        EXPECT_NEAR(static_cast<float>(lit.size()), 0.3F * (field.size.width - 16.0F), 2.0F);
+        begins.push_back(lit.empty() ? 0 : lit.front());
+    }
+    EXPECT_NE(begins[0], begins[1]);
+    HistoryView().add(0.5F, Moment(seconds(-0.5)));  // before all time
+}
+
 TEST(ConsoleInput, AsksTheDelegate) {
     Desk desk({1180, 720}, 3);
     const std::string one = nameOf(1);
