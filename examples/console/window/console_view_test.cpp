@@ -382,6 +382,12 @@ TEST(ConsoleInput, HasAKeyForEverything) {
         desk.key(row.key, row.flags);
         EXPECT_EQ(desk.notes.last, row.expected) << row.focus;
     }
+    Desk desk({1180, 720}, 3);
+    desk.focus("Solo " + one);
+    desk.key(u'm', {}, 0, EventType::KeyDown, true);
+    for (const char* const name : {"Waveform of ", "gain of "})
+        EXPECT_FALSE(desk.find(name + one)->setAccessibilityNumber(NAN));
+    EXPECT_EQ(desk.notes.last, "");
 }
 
 TEST(ConsoleInput, TakesATypedGain) {
@@ -425,7 +431,13 @@ TEST(ConsoleInput, LeadsFromStripToStripAndPartToPart) {
     const Rect bridge = inWindow(view.bridge());
     desk.click({bridge.minX() + 10.0F, bridge.center().y});
     EXPECT_EQ(row.first(), 0);
-    EXPECT_EQ(desk.find("Strips in sight")->accessibilityValueText(), "1 to 3 of 11");
+    AccessibilityElement& sight = *desk.find("Strips in sight");
+    EXPECT_EQ(sight.accessibilityValueText(), "1 to 3 of 11");
+    EXPECT_FALSE(sight.setAccessibilityNumber(NAN));
+    for (const auto& [place, first] : {std::pair(1e300, 8), {4.0, 3}, {-1e300, 0}}) {
+        EXPECT_TRUE(sight.setAccessibilityNumber(place));
+        EXPECT_EQ(row.first(), first);
+    }
 
     // A key moves the strips for a while, the wheel at once and with the keyboard.
     row.setScrollTime(1.5);

@@ -383,7 +383,7 @@ std::string WaveformView::accessibilityValueText() const {
 }
 
 bool WaveformView::setAccessibilityNumber(double value) {
-    if (!(m_length > 0.0)) return false;
+    if (!(m_length > 0.0) || std::isnan(value)) return false;
     m_delegate.placeWasChosen(std::clamp(value, 0.0, m_length));
     return true;
 }
