@@ -586,6 +586,11 @@ TEST(ConsoleSettings, KeepTheNewestFilesAndTheSize) {
     EXPECT_EQ(Settings::windowSize(), std::nullopt);
     Settings::setWindowSize({900.0F, 600.0F});
     EXPECT_EQ(Settings::windowSize(), (Size{900.0F, 600.0F}));
+    Settings::setWindowSize({1e30F, 600.0F});  // no screen has it
+    EXPECT_EQ(Settings::windowSize(), std::nullopt);
+    Preferences::current().setValue("ConsoleKeyboard", PropertyValue::Dictionary{{"open", true}});
+    EXPECT_EQ(Settings::keyboard().velocity, 100);
+    EXPECT_EQ(Settings::keyboard().firstKey, 28U);
     for (const MeterKind kind : {MeterKind::TruePeak, MeterKind::Rms, MeterKind::Peak}) {
         Settings::setMeterKind(kind);
         EXPECT_EQ(Settings::meterKind(), kind);
