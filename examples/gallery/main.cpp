@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QScrollArea>
 #include <QTabWidget>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -63,16 +64,22 @@ int showWindow(const std::string& name) {
 
 int main(int argc, char** argv) {
     const std::string option = argc > 1 ? argv[1] : "";
-    if (option == "--list") {
+    if (option == "--list" && argc == 2) {
         for (const Sheet& sheet : sheets())
             std::printf("%s\n", sheet.name.c_str());
         return 0;
     }
-    const bool writes = option == "--pictures" && argc >= 3;
+    const bool writes = option == "--pictures" && (argc == 3 || argc == 4);
     const bool showsOne = option == "--sheet" && argc == 3;
     if (argc > 1 && !writes && !showsOne) {
         std::fprintf(stderr,
                      "usage: gallery [--list | --sheet NAME | --pictures FOLDER [SCALE]]\n");
+        return 2;
+    }
+    const std::vector<Sheet> all = sheets();
+    const auto isAskedFor = [&](const Sheet& sheet) { return sheet.name == argv[2]; };
+    if (showsOne && std::none_of(all.begin(), all.end(), isAskedFor)) {
+        std::fprintf(stderr, "gallery: there is no sheet %s; see gallery --list\n", argv[2]);
         return 2;
     }
     if (writes) qputenv("QT_QPA_PLATFORM", "offscreen");

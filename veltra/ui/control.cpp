@@ -154,7 +154,9 @@ void Control::encodeWithCoder(KeyedCoder& coder) const {
 
 void Control::decodeWithCoder(const KeyedCoder& coder) {
     m_tag = static_cast<std::int32_t>(coder.decodeInt64(kTag, m_tag));
+    const WeakPointer<Control> self(this);  // what ends a drag may delete it
     setEnabled(coder.decodeBool(kEnabled, m_isEnabled));
+    if (!self) return;
     setFont(coder.decodeFont(kFont, m_font));
     setAlignment(coder.decodeEnum(kAlignment, m_alignment, TextAlignment::Right));
     setControlSize(coder.decodeEnum(kSize, m_controlSize, ControlSize::Mini));

@@ -2,6 +2,7 @@
 #include "veltra/ui/control.h"
 
 #include "veltra/ui/action_cell.h"
+#include "veltra/ui/keyed_coder.h"
 #include "veltra/ui/testing/scripted_port.h"
 
 namespace veltra::testing {
@@ -60,7 +61,12 @@ TEST(ControlActions, MayDeleteTheControlThatEndsADrag) {
         [&](Control& control) {
             control.mouseDown(host.eventAt(EventType::LeftMouseDown, {5, 5}));
         },
-        [](Control& control) { control.setEnabled(false); }};  // no drag
+        [](Control& control) { control.setEnabled(false); },  // no drag
+        [](Control& control) {
+            KeyedCoder coder;
+            coder.encodeBool(false, "CONTROL_ENABLED");
+            control.decodeWithCoder(coder);
+        }};
     for (const auto& end : ends) {
         auto made = std::make_unique<Ending>();
         Ending& cell = *made;

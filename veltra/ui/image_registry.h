@@ -37,8 +37,8 @@ VELTRA_EXPORT void registerDefaultImage(ImageKey key, ImageMaker maker);
 // is. Empty, as at first: no files.
 VELTRA_EXPORT void setImageFolder(std::string path);
 
-// Null when there is none. The answer is kept for the next call with the same key and scale, until
-// a registration, the folder or the toolkit changes.
+// Null when there is none. An image is kept for the next call with the same key and scale, until a
+// registration, the folder or the toolkit changes; what was not found is looked for again.
 VELTRA_EXPORT std::shared_ptr<const Image> findImage(const ImageKey& key, float scale = 1.0F);
 
 }  // namespace veltra

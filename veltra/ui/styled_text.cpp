@@ -25,9 +25,10 @@ Size StyledText::size() const {
 
 StyledText StyledText::truncatedTo(float width, TextTruncation truncation) const {
     if (size().width <= width) return *this;
-    // With `kept` bytes of the text at most, and no character in pieces.
+    // With `kept` bytes of the text at most, 55 % of them before an ellipsis in the middle, and no
+    // character in pieces.
     const auto cutTo = [&](std::size_t kept) {
-        std::size_t head = truncation == TextTruncation::End ? kept : (kept + 1) / 2;
+        std::size_t head = truncation == TextTruncation::End ? kept : (kept * 11 + 10) / 20;
         std::size_t tail = string.size() - (kept - head);
         while (head > 0 && continuesCharacter(string[head]))
             --head;

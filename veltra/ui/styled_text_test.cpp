@@ -14,6 +14,9 @@ TEST(TextThatIsTooLong, LosesItsEndBetweenCharacters) {
     EXPECT_EQ(text.truncatedTo(35.0F).string, "Gru\u2026");
     EXPECT_EQ(text.truncatedTo(0.0F).string, "\u2026");
     EXPECT_EQ(text.truncatedTo(40.0F, TextTruncation::Middle).string, "Gru\u2026el");
+    const StyledText name{"abcdefghijklmnopqrstuvwxyz", Font::systemFont(10.0F), {}};
+    EXPECT_EQ(name.truncatedTo(115.0F, TextTruncation::Middle).string,
+              "abcdefghijk\u2026rstuvwxyz");
 }
 
 TEST(Fonts, KeepWhatTheyAreWhenTheirFamilyIsLookedUp) {

@@ -2,8 +2,9 @@
 // Where the parts of a card stand, of a strip's and of the output's alike: all rows of a window are
 // at the same height, and nothing moves when a part is missing.
 //
-// Lengths are points from the card's upper left corner; all heights are multiples of 4, so that
-// edges fall on device pixels at every quarter of a scale.
+// Lengths are points from the card's upper left corner. The glass of a meter begins at a multiple
+// of 4, and its height and the pitch of the LEDs are some, too: their edges fall on device pixels
+// at every quarter of a scale.
 //
 // Thread: any.
 #pragma once
@@ -14,7 +15,7 @@
 
 namespace veltra::console {
 
-inline constexpr float kGrid = 4.0F;  // points, of all heights
+inline constexpr float kGrid = 4.0F;  // points, in whose steps cards grow
 
 // What a card has room for.
 enum class CardKind : std::uint8_t {
@@ -26,7 +27,8 @@ enum class CardKind : std::uint8_t {
 CardKind cardKind(float height) noexcept;
 
 struct CardLayout {
-    // The meter has `bars`; they grow where there is room, up to `bar` points when that is above 0.
+    // The meter has `bars`, `bar` points wide each; with 0 they grow with the card, up to 16. They
+    // are narrower where there is no room.
     static CardLayout make(Size card, int bars, float bar = 0.0F);
 
     // Of a card that is not tall, so that so many bars find room beside a fader, or without one.

@@ -302,6 +302,28 @@ TEST(ConsoleLook, HasNoColourAtRest) {
     EXPECT_NEAR(desk.strip(0).fader().level(), 0.2, 1e-6);
 }
 
+TEST(ConsoleLook, MovesABarWhileNobodyKnowsHowFarTheReadingIs) {
+    Desk desk({1180, 720}, 1);
+    desk.state.reading.push_back({nameOf(1)});
+    std::vector<std::int32_t> begins;
+    for (int i = 0; i < 2; ++i) {
+        desk.update();
+        const auto image = desk.draw();
+        const Rect field = accessibilityFrameInWindow(*desk.find("Reading " + nameOf(1)));
+        const auto y = static_cast<std::int32_t>(720.0F - field.maxY() + 22.0F);
+        std::vector<std::int32_t> lit;
+        const auto end = static_cast<std::int32_t>(field.maxX());
+        for (auto x = static_cast<std::int32_t>(field.minX()) + 6; x < end; ++x) {
+            const std::uint32_t pixel = image->pixelAt(x, y);
+            if ((pixel & 0xFFU) > (pixel >> 16U & 0xFFU) + 64U) lit.push_back(x);
+        }
+        EXPECT_NEAR(static_cast<float>(lit.size()), 0.3F * (field.size.width - 16.0F), 2.0F);
+        begins.push_back(lit.empty() ? 0 : lit.front());
+    }
+    EXPECT_NE(begins[0], begins[1]);
+    HistoryView().add(0.5F, Moment(seconds(-0.5)));  // before all time
+}
+
 TEST(ConsoleInput, AsksTheDelegate) {
     Desk desk({1180, 720}, 3);
     const std::string one = nameOf(1);
@@ -360,6 +382,12 @@ TEST(ConsoleInput, HasAKeyForEverything) {
         desk.key(row.key, row.flags);
         EXPECT_EQ(desk.notes.last, row.expected) << row.focus;
     }
+    Desk desk({1180, 720}, 3);
+    desk.focus("Solo " + one);
+    desk.key(u'm', {}, 0, EventType::KeyDown, true);
+    for (const char* const name : {"Waveform of ", "gain of "})
+        EXPECT_FALSE(desk.find(name + one)->setAccessibilityNumber(NAN));
+    EXPECT_EQ(desk.notes.last, "");
 }
 
 TEST(ConsoleInput, TakesATypedGain) {
@@ -403,7 +431,13 @@ TEST(ConsoleInput, LeadsFromStripToStripAndPartToPart) {
     const Rect bridge = inWindow(view.bridge());
     desk.click({bridge.minX() + 10.0F, bridge.center().y});
     EXPECT_EQ(row.first(), 0);
-    EXPECT_EQ(desk.find("Strips in sight")->accessibilityValueText(), "1 to 3 of 11");
+    AccessibilityElement& sight = *desk.find("Strips in sight");
+    EXPECT_EQ(sight.accessibilityValueText(), "1 to 3 of 11");
+    EXPECT_FALSE(sight.setAccessibilityNumber(NAN));
+    for (const auto& [place, first] : {std::pair(1e300, 8), {4.0, 3}, {-1e300, 0}}) {
+        EXPECT_TRUE(sight.setAccessibilityNumber(place));
+        EXPECT_EQ(row.first(), first);
+    }
 
     // A key moves the strips for a while, the wheel at once and with the keyboard.
     row.setScrollTime(1.5);
@@ -552,6 +586,11 @@ TEST(ConsoleSettings, KeepTheNewestFilesAndTheSize) {
     EXPECT_EQ(Settings::windowSize(), std::nullopt);
     Settings::setWindowSize({900.0F, 600.0F});
     EXPECT_EQ(Settings::windowSize(), (Size{900.0F, 600.0F}));
+    Settings::setWindowSize({1e30F, 600.0F});  // no screen has it
+    EXPECT_EQ(Settings::windowSize(), std::nullopt);
+    Preferences::current().setValue("ConsoleKeyboard", PropertyValue::Dictionary{{"open", true}});
+    EXPECT_EQ(Settings::keyboard().velocity, 100);
+    EXPECT_EQ(Settings::keyboard().firstKey, 28U);
     for (const MeterKind kind : {MeterKind::TruePeak, MeterKind::Rms, MeterKind::Peak}) {
         Settings::setMeterKind(kind);
         EXPECT_EQ(Settings::meterKind(), kind);

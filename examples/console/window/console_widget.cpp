@@ -40,6 +40,12 @@ QString textOf(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// Whoever is told that files were moved here may delete them.
+void acceptCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
 std::string nameOf(const std::string& path) {
     return printable(std::filesystem::path(path).stem().string());
 }
@@ -60,8 +66,10 @@ private:
     QkTimer m_timer;
 };
 
-ConsoleWidget::ConsoleWidget(Player& player)
-    : m_player(player), m_keyboard(player, [this] { return fileOfStrip(); }) {
+ConsoleWidget::ConsoleWidget(Player& player, Device device)
+    : m_player(player),
+      m_device(std::move(device)),
+      m_keyboard(player, [this] { return fileOfStrip(); }) {
     const Size size =
         Settings::windowSize().value_or(ConsoleView::sizeForStrips(m_player.state().strips));
     auto view = std::make_unique<ConsoleView>(Rect{{}, size}, *this);
@@ -93,6 +101,7 @@ void ConsoleWidget::offerActions() {
     const auto offer = [this](const char* name, const QKeySequence& keys, auto reaction) {
         auto* const entry = new QAction(QString::fromUtf8(name), this);
         entry->setShortcut(keys);
+        entry->setAutoRepeat(false);
         connect(entry, &QAction::triggered, this, reaction);
         addAction(entry);
         return entry;
@@ -270,10 +279,10 @@ QPoint ConsoleWidget::below(const View& view) const {
         QPoint(static_cast<int>(rect.minX()), height() - static_cast<int>(rect.minY()) + 4));
 }
 
-QMenu* ConsoleWidget::popUp(const View& view) {
+// To be filled before it pops up, so that it finds its place by its size.
+QMenu* ConsoleWidget::makeMenu() {
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->popup(below(view));
     return menu;
 }
 
@@ -284,7 +293,7 @@ void ConsoleWidget::stripMenuWasPressed(StripKey key, View& button) {
     if (strip == strips.end()) return;
     const auto place = static_cast<int>(strip - strips.begin());
     const bool isLast = place + 1 == static_cast<int>(strips.size());
-    QMenu* const menu = popUp(button);
+    QMenu* const menu = makeMenu();
     const auto offer = [&](const char* name, bool isEnabled, auto reaction) {
         menu->addAction(QString::fromUtf8(name), this, reaction)->setEnabled(isEnabled);
     };
@@ -296,18 +305,20 @@ void ConsoleWidget::stripMenuWasPressed(StripKey key, View& button) {
     });
     menu->addSeparator();
     offer("Re&move", true, [=, this] { removeStripWasPressed(key); });
+    menu->popup(below(button));
 }
 
 void ConsoleWidget::chooseDevice(const Device& device) {
-    m_device = device;
-    tell(m_player.chooseDevice(device.id, device.rate, device.blockFrames));
+    const std::string problem = m_player.chooseDevice(device.id, device.rate, device.blockFrames);
+    if (problem.empty()) m_device = device;
+    tell(problem);
     refresh();
 }
 
 // What does not depend on the sound systems is there at once; the devices join when they are known.
 void ConsoleWidget::deviceMenuWasPressed(View& button) {
     m_player.askForDevices();
-    m_deviceMenu = popUp(button);
+    m_deviceMenu = makeMenu();
     offerDevice(*m_deviceMenu, QStringLiteral("The default device"), "auto");
     m_beforeDevices = m_deviceMenu->addAction(QStringLiteral("Looking for devices\u2026"));
     m_beforeDevices->setEnabled(false);
@@ -325,6 +336,7 @@ void ConsoleWidget::deviceMenuWasPressed(View& button) {
                 QStringLiteral("The device's own"), QStringLiteral("%1 frames"));
     offerValues(QStringLiteral("Sample rate"), &Device::rate, kRates,
                 QStringLiteral("That of the first file"), QStringLiteral("%1 Hz"));
+    m_deviceMenu->popup(below(button));
 }
 
 QAction* ConsoleWidget::offerSetting(QMenu& where, const QString& name, const Device& device) {
@@ -467,7 +479,7 @@ bool ConsoleWidget::event(QEvent* event) {
         case QEvent::DragEnter: {
             auto* const drag = static_cast<QDragEnterEvent*>(event);
             if (!drag->mimeData()->hasUrls()) break;
-            drag->acceptProposedAction();
+            acceptCopy(*drag);
             m_view->setDropTarget(true);
             return true;
         }
@@ -486,7 +498,7 @@ bool ConsoleWidget::event(QEvent* event) {
                          ": only files of this machine can be played");
                 }
             }
-            drop->acceptProposedAction();
+            acceptCopy(*drop);
             addFiles(paths);
             return true;
         }

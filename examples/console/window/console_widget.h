@@ -17,7 +17,8 @@ namespace veltra::console {
 // Thread: main.
 class ConsoleWidget final : public ViewWidget, public ConsoleDelegate {
 public:
-    explicit ConsoleWidget(Player& player);  // must outlive the widget
+    // `player` must outlive the widget; `device` is what it was made with.
+    ConsoleWidget(Player& player, Device device);
     ~ConsoleWidget() override;
 
     // Those that cannot be read are told of in the window.
@@ -43,7 +44,7 @@ private:
     std::string fileOfStrip() const;
     void openKeyboard(bool takesKeys);
     QPoint below(const View& view) const;
-    QMenu* popUp(const View& view);
+    QMenu* makeMenu();
     std::int64_t framesOf(double seconds) const;
     void chooseDevice(const Device& device);
     // An entry for that device with these settings; for this device with the present ones.
@@ -76,7 +77,7 @@ private:
 
     Player& m_player;
     ConsoleView* m_view;
-    Device m_device;
+    Device m_device;                     // that is wanted
     QPointer<QMenu> m_deviceMenu;        // null: not open
     QAction* m_beforeDevices = nullptr;  // where devices join it, while it is open
     KeyboardDesk m_keyboard;

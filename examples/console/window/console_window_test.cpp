@@ -42,7 +42,7 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     const std::string six = synthetic("six.wav", 48000, "120 sine 300 gain -6 remix 1 1 1 1 1 1");
     const std::string brief = synthetic("brief.wav", 48000, "0.05 sine 300");
     Player player(Device::Null);
-    ConsoleWidget widget(player);
+    ConsoleWidget widget(player, Device::Null);
     widget.addFiles({kSamples + "loop_tabla.flac", "/nowhere.wav"});
     widget.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, 60'000));
@@ -53,8 +53,11 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
                      QUrl::fromLocalFile(QString::fromStdString(brief))});
     QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&widget, &enter);
-    QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(QPointF(50, 50), Qt::CopyAction | Qt::MoveAction, &dropped, Qt::LeftButton,
+                    Qt::ShiftModifier);
+    EXPECT_EQ(drop.proposedAction(), Qt::MoveAction);
     QApplication::sendEvent(&widget, &drop);
+    EXPECT_TRUE(drop.isAccepted() && drop.dropAction() == Qt::CopyAction);
     ASSERT_EQ(player.look().strips.size(), 3U);
     AccessibilityElement* const bridge = find(root, "six.wav meters");
     ASSERT_NE(bridge, nullptr);
@@ -110,6 +113,8 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_TRUE(comesTrue([&] { return state().position == 0; }));
     QTest::keyClick(&widget, Qt::Key_L);
     EXPECT_TRUE(comesTrue([&] { return state().looping; }));
+    QTest::simulateEvent(&widget, true, Qt::Key_L, {}, QStringLiteral("l"), true);  // it is held
+    EXPECT_TRUE(state().looping);
     EXPECT_EQ(state().loopEnd, 120 * state().rate);  // all of the longest file
     EXPECT_NE(find(root, "Waveform of brief.wav, 1 onset"), nullptr);
 
@@ -120,11 +125,45 @@ TEST(ConsoleWindow, PlaysMutesReplacesAndComplainsWhileItIsOperated) {
     EXPECT_FALSE(entries[2].result->complete);
 }
 
+TEST(ConsoleWindow, OffersOtherSettingsOfTheDeviceThatWasAskedFor) {
+    Player::SoundSystems systems;
+    systems.open = [](const Device&, std::int32_t, std::string& problem) {
+        problem = "missing";
+        return std::unique_ptr<AudioOutput>();
+    };
+    systems.list = [] { return std::vector<DeviceInfo>(); };
+    const Device device{"card", 48000, 256};
+    Player player(device, systems);
+    ConsoleWidget widget(player, device);
+    widget.show();
+    const QRect screen = widget.screen()->availableGeometry();
+    widget.move(0, screen.bottom() - widget.height());
+    ConsoleDelegate& delegate = widget;
+    // What is ticked in the menu, before `chosen` is chosen there.
+    const auto ticked = [&](const QString& chosen) {
+        delegate.deviceMenuWasPressed(*widget.contentView());
+        QWidget* const menu = QApplication::activePopupWidget();
+        EXPECT_TRUE(screen.contains(menu->geometry())) << "as large as it is in the end";
+        QString all;
+        for (QAction* const entry : menu->findChildren<QAction*>()) {
+            if (entry->isChecked()) all += entry->text() + ' ';
+            if (entry->text() == chosen) entry->trigger();
+        }
+        menu->close();
+        return all.toStdString();
+    };
+    EXPECT_EQ(ticked("512 frames"), "256 frames 48000 Hz ");
+    EXPECT_EQ(ticked(""), "512 frames 48000 Hz ");
+    player.keys();  // from now on a device that is not there is refused
+    ticked("1024 frames");
+    EXPECT_EQ(ticked(""), "512 frames 48000 Hz ");
+}
+
 TEST(ConsoleWindow, ShowsACrashReportFromItsMenu) {
     veltra::testing::FakeUser user;
     user.answer = AlertAnswer::Alternate;
     Player player(Device::Null);
-    ConsoleWidget widget(player);
+    ConsoleWidget widget(player, Device::Null);
     widget.show();
     QTimer::singleShot(0, &widget, [] {
         auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());

@@ -165,6 +165,7 @@ std::string GainField::accessibilityValueText() const {
 }
 
 bool GainField::setAccessibilityNumber(double value) {
+    if (std::isnan(value)) return false;
     change(value);
     return true;
 }

@@ -33,8 +33,8 @@ void HistoryView::setHasAxis(bool hasAxis) {
 
 void HistoryView::add(float peak, Moment now) {
     const auto column = static_cast<std::int64_t>((now - Moment()).seconds() / kColumnSeconds);
-    const bool isNew = column != m_column;
-    const std::int64_t missed = m_column < 0 ? 1 : column - m_column;
+    const bool isNew = m_peaks.empty() || column != m_column;
+    const std::int64_t missed = m_peaks.empty() ? 1 : column - m_column;
     m_column = column;
     if (isNew) {
         const auto added = static_cast<std::size_t>(

@@ -26,8 +26,8 @@ public:
 private:
     Rect field() const;
 
-    std::deque<float> m_peaks;   // one for each column, the newest last
-    std::int64_t m_column = -1;  // of the newest, counted from the beginning of time
+    std::deque<float> m_peaks;  // one for each column, the newest last
+    std::int64_t m_column = 0;  // of the newest, counted from the beginning of time
     bool m_hasAxis = true;
 };
 

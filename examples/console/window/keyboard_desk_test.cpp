@@ -181,7 +181,7 @@ TEST(KeyboardDesk, IsHeardAndRemembersWhatWasSet) {
     const std::string file = counting("played.wav", 30'000);
     {
         Player player(Device::Null);
-        ConsoleWidget widget(player);
+        ConsoleWidget widget(player, Device::Null);
         widget.show();
         EXPECT_EQ(keyboard(), nullptr);
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget, 60'000));
@@ -208,7 +208,7 @@ TEST(KeyboardDesk, IsHeardAndRemembersWhatWasSet) {
     }
     EXPECT_TRUE(Settings::keyboard().isOpen);
     Player player(Device::Null);
-    ConsoleWidget widget(player);
+    ConsoleWidget widget(player, Device::Null);
     widget.show();
     ASSERT_NE(keyboard(), nullptr);
     EXPECT_EQ(player.keys().file(), file);

@@ -49,7 +49,8 @@ ConsoleState stateOf(Rehearsal& rehearsal, const Overviews& overviews) {
         StripState strip;
         strip.key = static_cast<StripKey>(meter.id);
         strip.path = meter.path;
-        strip.overview = overviews.at(meter.path);
+        const auto overview = overviews.find(meter.path);  // none: it could not be opened again
+        if (overview != overviews.end()) strip.overview = overview->second;
         strip.format = *rehearsal.engine().format(meter.id);
         strip.meter = std::move(meter);
         state.strips.push_back(std::move(strip));

@@ -31,7 +31,7 @@ int showWindow(const Options& options) {
     listenForInterruption();
     Player player(options.device);
     {
-        ConsoleWidget widget(player);
+        ConsoleWidget widget(player, options.device);
         widget.addFiles(options.files);
         widget.show();
         QApplication::exec();

@@ -186,7 +186,7 @@ private:
     void startAnew() {
         leave();
         m_player = std::make_unique<Player>(Device{}, fickleSystems());
-        m_widget = std::make_unique<ConsoleWidget>(*m_player);
+        m_widget = std::make_unique<ConsoleWidget>(*m_player, Device::Auto);
         m_widget->addFiles({m_files[0], m_files[1]});
         m_widget->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(m_widget.get(), 60'000));

@@ -30,10 +30,11 @@ void store(std::string_view key, const PropertyValue& value) {
 
 std::optional<Size> Settings::windowSize() {
     const PropertyValue window = Preferences::current().value(kWindow);
-    const auto width = static_cast<float>(window[kWidth].asReal());
-    const auto height = static_cast<float>(window[kHeight].asReal());
-    if (!(width > 0.0F) || !(height > 0.0F)) return std::nullopt;
-    return Size{width, height};
+    const double width = window[kWidth].asReal();
+    const double height = window[kHeight].asReal();
+    const auto isLength = [](double length) { return length >= 1.0 && length <= 32767.0; };
+    if (!isLength(width) || !isLength(height)) return std::nullopt;
+    return Size{static_cast<float>(width), static_cast<float>(height)};
 }
 
 void Settings::setWindowSize(Size size) {
@@ -58,10 +59,10 @@ Settings::Keyboard Settings::keyboard() {
     Keyboard keyboard;
     if (stored.asDictionary().empty()) return keyboard;
     keyboard.isOpen = stored[kIsOpen].asBool();
-    keyboard.firstKey =
-        static_cast<std::uint32_t>(std::clamp<std::int64_t>(stored[kFirstKey].asInteger(), 0, 127));
-    keyboard.velocity =
-        static_cast<int>(std::clamp<std::int64_t>(stored[kVelocity].asInteger(), 1, 127));
+    keyboard.firstKey = static_cast<std::uint32_t>(
+        std::clamp<std::int64_t>(stored[kFirstKey].asInteger(keyboard.firstKey), 0, 127));
+    keyboard.velocity = static_cast<int>(
+        std::clamp<std::int64_t>(stored[kVelocity].asInteger(keyboard.velocity), 1, 127));
     const auto file = stored[kFile].asData();
     keyboard.file.assign(file.begin(), file.end());
     return keyboard;

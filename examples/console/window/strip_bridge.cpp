@@ -124,7 +124,8 @@ std::string StripBridge::accessibilityValueText() const {
 }
 
 bool StripBridge::setAccessibilityNumber(double value) {
-    want(static_cast<int>(std::lround(value)) - 1);
+    if (std::isnan(value)) return false;
+    want(static_cast<int>(std::lround(std::clamp(value, 1.0, count() + 1.0))) - 1);
     return true;
 }
 

@@ -301,6 +301,7 @@ bool StripView::focusPart(int part) {
 }
 
 void StripView::keyDown(const Event& event) {
+    if (event.isRepeat) return View::keyDown(event);  // what is held acts once
     switch (event.plainKey()) {
         case u'm':
         case u'M':

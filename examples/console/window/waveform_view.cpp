@@ -3,6 +3,7 @@
 
 #include "../text.h"
 #include "../times.h"
+#include "veltra/platform/clock.h"
 #include "veltra/ui/drawing.h"
 #include "veltra/ui/window.h"
 
@@ -70,7 +71,8 @@ void WaveformView::setOverview(std::shared_ptr<const Overview> overview) {
 }
 
 void WaveformView::setReading(std::optional<double> share) {
-    if (share == m_reading) return;
+    const bool moves = share && *share < 0.0 && m_overview == nullptr;
+    if (share == m_reading && !moves) return;
     m_reading = share;
     setNeedsDisplay();
 }
@@ -267,9 +269,19 @@ void WaveformView::drawReading(Canvas& canvas) const {
     const Rect bar{{wave.minX() + 6.0F, std::round(field().center().y) - 2.0F},
                    {wave.size.width - 12.0F, 4.0F}};
     fillRounded(canvas, bar, 2.0F, colors.line);
-    const auto share = static_cast<float>(std::clamp(*m_reading, 0.0, 1.0));
-    fillRounded(canvas, {bar.origin, {std::max(bar.size.width * share, 4.0F), 4.0F}}, 2.0F,
-                colors.accent);
+    Rect done = bar;
+    if (*m_reading >= 0.0) {
+        const auto share = static_cast<float>(std::min(*m_reading, 1.0));
+        done.size.width = std::max(bar.size.width * share, 4.0F);
+    } else {
+        constexpr double kToAndFro = 1.6;  // seconds
+        constexpr float kPart = 0.3F;
+        const double now = (Clocks::current().monotonic().moment() - Moment()).seconds();
+        const auto turn = static_cast<float>(std::remainder(now / kToAndFro, 1.0));
+        done.size.width = bar.size.width * kPart;
+        done.origin.x += 2.0F * std::fabs(turn) * (bar.size.width - done.size.width);
+    }
+    fillRounded(canvas, done, 2.0F, colors.accent);
 }
 
 // The pointer and the keys.
@@ -371,7 +383,7 @@ std::string WaveformView::accessibilityValueText() const {
 }
 
 bool WaveformView::setAccessibilityNumber(double value) {
-    if (!(m_length > 0.0)) return false;
+    if (!(m_length > 0.0) || std::isnan(value)) return false;
     m_delegate.placeWasChosen(std::clamp(value, 0.0, m_length));
     return true;
 }

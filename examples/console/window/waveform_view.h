@@ -21,7 +21,8 @@ public:
     // Null: not known yet, and only a line shows how far the file has played. One that is not
     // complete is drawn as far as it goes.
     void setOverview(std::shared_ptr<const Overview> overview);
-    // How far the reading of the file is, 0 to 1; below 0 nobody knows; nothing: it is over.
+    // How far the reading of the file is, 0 to 1; below 0 nobody knows, and with each call a bar
+    // moves to and fro; nothing: it is over.
     void setReading(std::optional<double> share);
     // How long the file is; 0: unknown. How far it has played; a loop, empty: none. In seconds.
     void setTimes(double length, double place, double loopBegin, double loopEnd);

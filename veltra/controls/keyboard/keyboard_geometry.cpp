@@ -26,7 +26,8 @@ std::int32_t KeyboardGeometry::lowestNote() const noexcept {
 }
 
 std::int32_t KeyboardGeometry::highestNote() const noexcept {
-    return VLNoteForWhiteKey(static_cast<std::int32_t>(range.end()) - 1, firstNote);
+    if (range.length == 0) return -1;
+    return VLNoteForWhiteKey(static_cast<std::int32_t>(range.end() - 1), firstNote);
 }
 
 float KeyboardGeometry::whiteKeyWidth() const noexcept {

@@ -48,6 +48,8 @@ TEST(KeyboardGeometry, BlackKeysAreShorterAndAllAreStruckHarderFurtherDown) {
     EXPECT_EQ(geometry.velocityAt(5, {0, 0}), 1);
     const KeyboardGeometry none{{700, 100}, {0, 0}, 0};
     EXPECT_EQ(none.noteAt({5, 5}), -1);
+    for (const KeyRange range : {KeyRange{7, 0}, KeyRange{1, INT32_MAX}})
+        EXPECT_EQ((KeyboardGeometry{{700, 100}, range, 0}.highestNote()), -1);
 }
 
 }  // namespace

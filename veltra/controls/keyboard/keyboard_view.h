@@ -44,9 +44,16 @@ public:
     explicit KeyboardView(const Rect& frame);
     ~KeyboardView() override;
 
-    // Not retained; an object that is no KeyboardViewDelegate is told nothing.
+    // Not retained; an object that is no KeyboardViewDelegate is told nothing. Before another one
+    // comes, the one there is hears of the release of what is being played.
     Anchored* delegate() const noexcept { return m_delegate.get(); }
-    void setDelegate(Anchored* delegate) noexcept { m_delegate = delegate; }
+    void setDelegate(Anchored* delegate) {
+        if (delegate == m_delegate.get()) return;
+        const WeakPointer<KeyboardView> self(this);
+        const WeakPointer<Anchored> next(delegate);
+        releaseAll();
+        if (self) m_delegate = next;
+    }
 
     // The white keys that are shown, counted from that of the first note as by DfOctavePickerView.
     // Kept within the notes there are, and at least one key long. Releases what is being played.

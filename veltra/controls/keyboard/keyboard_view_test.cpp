@@ -105,6 +105,7 @@ TEST_F(OnScreenKeyboard, NoNoteHangsAndItSurvivesItsDeletionInEachCallback) {
         {press, [&] { keys->setHidden(true); }},
         {press, [&] { host().window.visibilityDidChange(false); }},
         {press, [&] { keys->setEnabled(false); }},
+        {press, [&] { keys->setDelegate(nullptr); }},
         {press, [&] { keys->setKeyRange(kLower); }},
         {press, [&] { keys->setFirstNote(2); }},
         {press, [&] { host().window.setContentView(nullptr); }},

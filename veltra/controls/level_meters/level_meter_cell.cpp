@@ -218,7 +218,7 @@ float QkLevelMeterCell::cellHeight() const {
     if (orientation() == LevelMeterOrientation::Horizontal) return bar.thickness;
     if (bar.length > 0.0F) {
         const LevelMeterMeasures light = levelMeterLook(m_peakLEDImageID)->measures(orientation());
-        return bar.length + light.lightGap + light.lightLength;
+        return bar.length + (light.lightLength > 0.0F ? light.lightGap + light.lightLength : 0.0F);
     }
     return controlView() != nullptr ? controlView()->bounds().size.height - 2.0F * bar.glass
                                     : kNaturalLength;

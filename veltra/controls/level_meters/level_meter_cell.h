@@ -72,7 +72,8 @@ public:
     void setMuted(bool isMuted);
 
     // The number of LEDs; 0 shows a continuous bar. More than there are pixels count as 0. With a
-    // pitch it is what the frame has room for, and before there is a frame 32.
+    // pitch it is what the frame has room for, and before there is a frame the last count that was
+    // set, at first 32.
     std::uint32_t LEDCount() const;
     void setLEDCount(std::uint32_t count);
     // From LED to LED, in points, rounded to whole device pixels: as many LEDs as the frame has

@@ -3,7 +3,7 @@
 // the bar and the clip light, each unlit and lit. There are looks drawn by code, sharp at every
 // scale, in light and dark windows, and looks made of ready images.
 //
-// Thread: main, for everything in here. Realtime-safe: no.
+// Thread: main, unless a function says otherwise. Realtime-safe: no.
 #pragma once
 
 #include "veltra/export.h"
@@ -28,7 +28,7 @@ enum class LevelMeterLevels : std::uint8_t {
     Decibels,   // positions of decibel_scale.h
 };
 
-// Where that many decibels are shown, from 0 to 1; 0 for NaN.
+// Where that many decibels are shown, from 0 to 1; 0 for NaN. Thread: any. Realtime-safe: yes.
 VELTRA_EXPORT float meterPositionOfDecibels(double decibels, LevelMeterLevels levels) noexcept;
 
 // In points. "Length" runs with the level, "thickness" across.

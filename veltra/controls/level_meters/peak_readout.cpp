@@ -125,7 +125,7 @@ std::string PeakReadout::accessibilityName() const {
 
 std::string PeakReadout::accessibilityValueText() const {
     std::string words = detail::spokenLevel(m_decibels, kQuietest, m_unit);
-    if (m_decibels > kQuietest && m_isClipped) words += ", " + localizedString("clipped");
+    if (m_isClipped) words += ", " + localizedString("clipped");
     return words;
 }
 

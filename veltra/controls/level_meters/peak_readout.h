@@ -60,8 +60,8 @@ public:
     void drawRect(Canvas& canvas, const Rect& dirty) override;
 
     // A level indicator called "peak" unless it is named, with a value in words such as "−2.1 dB",
-    // "silence" and "1.8 dB, clipped", and Press, which does what a click does. A change is told
-    // when the value is reset, and when it clips.
+    // "silence", "1.8 dB, clipped" and "silence, clipped", and Press, which does what a click does.
+    // A change is told when the value is reset, and when it clips.
     AccessibilityRole accessibilityRole() const override;
     std::string accessibilityName() const override;
     std::string accessibilityValueText() const override;

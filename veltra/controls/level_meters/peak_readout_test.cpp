@@ -40,8 +40,11 @@ TEST_F(PeakReadoutViewTest, HoldsTheHighestLevelAndThatItHasClipped) {
         EXPECT_EQ(readout->isClipped(), row.isClipped) << row.amplitude;
         host->port.invalid.clear();
     }
-    readout->setDecibels(-12.0);  // shown as it is; the light stays
+    readout->setDecibels(-80.0);  // shown as it is; the light stays
     EXPECT_TRUE(readout->isClipped());
+    EXPECT_EQ(readout->accessibilityValueText(), "silence, clipped");
+    readout->setDecibels(INFINITY);
+    EXPECT_EQ(readout->accessibilityValueText(), "\u221E dB, clipped");
     readout->reset();
     readout->setClipDecibels(-15.0);
     readout->setDecibels(-15.0);

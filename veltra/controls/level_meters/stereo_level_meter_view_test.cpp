@@ -101,6 +101,11 @@ TEST_F(LevelMeterTest, ThePitchOfLedsIsTheSameAfterEveryLayout) {
     EXPECT_EQ(host.view.cellL().LEDCount(), 39U);  // of 180 points, less 24
     host.view.setLEDCount(7);
     EXPECT_EQ(host.view.cellL().LEDCount(), 7U);
+    registerLevelMeterLook(77, drawnLevelMeterLook({.lightLength = 0.0F}));
+    host.view.setImageIDs(77, 77);
+    host.view.setLEDPitch(4.0F);
+    EXPECT_EQ(host.view.cellL().LEDCount(), 43U) << "no gap before a light that is none";
+    registerLevelMeterLook(77, nullptr);
 }
 
 TEST_F(LevelMeterTest, ASecondValueOfNoneDimsTheLevelAndAHigherOneDoesNot) {

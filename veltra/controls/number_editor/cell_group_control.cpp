@@ -221,6 +221,7 @@ void QkCellGroupControl::setEnabled(bool isEnabled) {
         if (!self) return;
     }
     Control::setEnabled(isEnabled);
+    if (!self) return;
     for (const auto& cell : m_cells)
         cell->setEnabled(isEnabled);
 }
@@ -480,7 +481,9 @@ void QkCellGroupControl::encodeWithCoder(KeyedCoder& coder) const {
 }
 
 void QkCellGroupControl::decodeWithCoder(const KeyedCoder& coder) {
+    const WeakPointer<Control> self(this);
     Control::decodeWithCoder(coder);
+    if (!self) return;
     setBackgroundColor(coder.decodeColor(kBackground, m_backgroundColor));
     setEditBackgroundColor(coder.decodeColor(kEditBackground, m_editBackgroundColor));
     setTextColor(coder.decodeColor(kText, m_textColor));

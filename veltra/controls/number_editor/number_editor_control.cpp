@@ -494,7 +494,9 @@ void DfNumberEditorControl::encodeWithCoder(KeyedCoder& coder) const {
 }
 
 void DfNumberEditorControl::decodeWithCoder(const KeyedCoder& coder) {
+    const WeakPointer<Control> self(this);
     QkCellGroupControl::decodeWithCoder(coder);
+    if (!self) return;
     if (coder.contains(kValue)) m_value = lowHalf(coder.decodeInt64(kValue));
     m_sendActionContinuous = coder.decodeBool(kContinuous, m_sendActionContinuous);
     m_useCustomSeparatorWidths = coder.decodeBool(kCustomWidths, m_useCustomSeparatorWidths);

@@ -485,7 +485,7 @@ TEST_F(NumberEditors, TellReadersTheWholeAndEachGroup) {
 // Deleted at once, and removed as a host does it, at each call out in each gesture.
 TEST_F(NumberEditors, SurviveTheirDeletionInEachCallback) {
     for (const std::string place : {"down", "will", "cell", "join", "split", "action", "up",
-                                    "wheel", "key", "stopped", "long"}) {
+                                    "wheel", "key", "stopped", "long", "stop"}) {
         for (const bool atOnce : {true, false}) {
             SCOPED_TRACE(place);
             Editor* victim = nullptr;
@@ -508,6 +508,9 @@ TEST_F(NumberEditors, SurviveTheirDeletionInEachCallback) {
             window.press(ticks, 2);
             window.release(ticks);
             window.key(u'5');
+            KeyedCoder disabled;
+            disabled.encodeBool(false, "CONTROL_ENABLED");
+            if (place == "stop" && alive) victim->decodeWithCoder(disabled);
             window.key(kReturnCharacter);
             EXPECT_FALSE(alive);
             loop.advance(1.0);

@@ -93,6 +93,7 @@ double FaderScale::travelForGain(double gain) noexcept {
 
 std::string FaderScale::text(double decibels) {
     if (!(decibels > kShownAsSilence)) return "\u2212\u221E dB";
+    if (std::isinf(decibels)) return "+\u221E dB";
     const std::string_view sign = decibels <= -0.05 ? "\u2212" : decibels >= 0.05 ? "+" : "";
     std::string text(sign);
     text += NumberText::fixed(sign.empty() ? 0.0 : std::abs(decibels), 1).view();

@@ -34,9 +34,9 @@ TEST(FaderScales, RunThroughTheirTableBothWays) {
 
 TEST(FaderScales, SayDecibelsAndWriteWhatHasRoom) {
     const std::pair<double, const char*> rows[] = {
-        {-3, "\u22123.0 dB"},    {0, "0.0 dB"},    {-0.04, "0.0 dB"},
-        {0.06, "+0.1 dB"},       {10, "+10.0 dB"}, {-70, "\u2212\u221E dB"},
-        {NAN, "\u2212\u221E dB"}};
+        {-3, "\u22123.0 dB"},     {0, "0.0 dB"},           {-0.04, "0.0 dB"},
+        {0.06, "+0.1 dB"},        {10, "+10.0 dB"},        {-70, "\u2212\u221E dB"},
+        {NAN, "\u2212\u221E dB"}, {INFINITY, "+\u221E dB"}};
     for (const auto& [decibels, text] : rows)
         EXPECT_EQ(FaderScale::text(decibels), text);
     const auto marks = FaderScale::marks();

@@ -66,7 +66,8 @@ public:
     // action, when that is sent, tag, font and the like; and all of this class and the one below
     // where the other has it. The other keeps what it has.
     void initWithPropertiesOfSliderCell(const SliderCell& other);
-    // Sets everything that this class adds to what it is at first. The value and its limits stay.
+    // Sets everything that this class adds to what it is at first. The value and its limits stay,
+    // and so does the accessibility parent.
     void myInit();
 
     // What it looks like. Lengths in points; negative ones and NaN count as 0.

@@ -39,7 +39,7 @@ MeterLayout MeterLayout::make(Size frame, const LevelMeterLook& bar, const Level
     const std::int32_t thickness = toPixels(isVertical ? frame.width : frame.height);
 
     std::int32_t lightLength = toPixels(lightMeasures.lightLength);
-    std::int32_t gap = toPixels(lightMeasures.lightGap);
+    std::int32_t gap = lightLength > 0 ? toPixels(lightMeasures.lightGap) : 0;
     request.length = toPixels(barMeasures.length);
     request.thickness = thickness;
     std::int32_t start = 0;

@@ -10,7 +10,8 @@ namespace veltra::detail {
 
 std::string spokenLevel(double decibels, double quietest, const std::string& unit) {
     if (!(decibels > quietest)) return localizedString("silence");
-    const std::string digits(NumberText::fixed(std::fabs(decibels), 1).view());
+    const std::string digits(
+        std::isinf(decibels) ? "\u221E" : NumberText::fixed(std::fabs(decibels), 1).view());
     const char* const sign = decibels < 0.0 && digits != "0.0" ? "\u2212" : "";
     return sign + digits + ' ' + localizedString(unit);
 }
