@@ -204,8 +204,8 @@ Button::Button(const Rect& frame, std::string_view title, ButtonCell::Kind kind)
     : Control(frame, std::make_unique<ButtonCell>(title, kind)) {}
 
 void Button::keyDown(const Event& event) {
-    if (isPressKey(event)) return performClick();
-    Control::keyDown(event);
+    if (!isPressKey(event)) return Control::keyDown(event);
+    if (!event.isRepeat) performClick();
 }
 
 void Button::mouseEntered(const Event& /*event*/) {

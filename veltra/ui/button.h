@@ -99,7 +99,7 @@ private:
     std::optional<Color> m_onColor;
 };
 
-// Space and Return press it when it has the keyboard.
+// Space and Return press it when it has the keyboard, once however long they are held.
 class VELTRA_EXPORT Button : public Control {
 public:
     // A button of the system font, that is off and has no action yet.

@@ -38,6 +38,9 @@ TEST(ButtonPress, ClaimsItsKeysAndKeepsItsState) {
         EXPECT_EQ(host.window.wantsKey(host.keyEvent(key, flags)), isWanted) << flags.bits();
     }
     host.key(u' ');
+    Event held = host.keyEvent(u' ');
+    held.isRepeat = true;
+    Application::current().postEvent(held);
     EXPECT_TRUE(host.view.isOn() && host.view.cell()->accessibilityIsFocused());
     EXPECT_EQ(host.view.cell()->accessibilityName(), "Mute");
     host.view.cell()->setAccessibilityName("Mute kick");
