@@ -42,6 +42,15 @@ std::shared_ptr<const KeySound> sine(double pitch, std::int32_t rate = 44100) {
                    [=](double time) { return std::sin(2.0 * std::numbers::pi * pitch * time); });
 }
 
+TEST(KeySound, IsSilentWhereAFileHoldsNoNumbers) {
+    const auto sound = soundOf("nan.wav", 44100, 1000, [](double time) {
+        return time < 0.01 ? 0.5 : time < 0.015 ? std::nan("") : -INFINITY;
+    });
+    for (const float sample : sound->levels().back().channels[0])
+        EXPECT_TRUE(std::isfinite(sample));
+    EXPECT_EQ(sound->levels()[0].channels[0][500], 0.0F);
+}
+
 // Both outputs, which are alike for these sounds. What is told at a frame, counted from here, is
 // told before the block that holds it.
 using Told = std::multimap<std::uint64_t, std::function<void(Instrument&, std::uint64_t)>>;
