@@ -196,7 +196,7 @@ TEST(Options, WhatIsAnsweredInsteadOfPlaying) {
 }
 
 TEST(Options, ProgressIsToldOnlyToThoseWhoAsk) {
-    const std::string path = synthetic("told.wav", 44100, "1 pinknoise");
+    const std::string path = synthetic("told.wav", 44100, "9 pinknoise");
     EXPECT_THAT(console("--headless " + path).log, IsEmpty());
     EXPECT_THAT(console("--headless --progress " + path).log, HasSubstr("told.wav 100 %\n"));
     const std::vector<ProgressLine> lines{{"a.wav", 0.4}, {"b", -1.0}};
