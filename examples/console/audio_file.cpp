@@ -101,7 +101,7 @@ std::size_t AudioFile::read(float* const* channels, std::size_t frames) {
 }
 
 bool AudioFile::seek(std::uint64_t frame) {
-    if (frame == m_position) return !m_ended;
+    if (frame == m_position && !m_ended) return true;
     m_ended = false;
     if (!m_format.lengthUnknown && frame >= m_format.frames) {
         m_ended = true;

@@ -13,6 +13,21 @@ using namespace testing;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
+// A square wave at full scale, in a format of libsndfile.
+std::string written(const std::string& file, int format) {
+    SF_INFO info{};
+    info.samplerate = 8000;
+    info.channels = 1;
+    info.format = format;
+    const SoundHandle handle(sf_open((folder() + file).c_str(), SFM_WRITE, &info));
+    sf_command(handle.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
+    std::vector<float> samples(16'000, -1.0F);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = i % 800 < 400 ? 1.0F : -1.0F;
+    EXPECT_EQ(sf_write_float(handle.get(), samples.data(), 16'000), 16'000) << format;
+    return folder() + file;
+}
+
 TEST(AudioFile, EveryUncompressedVariantGivesTheSamplesOfTheRecording) {
     SKIP_WITHOUT_RECORDINGS();
     for (const char* name : {"loop_tabla", "guit_em9"}) {
@@ -59,7 +74,8 @@ TEST(AudioFile, WhatCannotBeReadIsRefusedWithTheReason) {
 TEST(AudioFile, ATruncatedFileIsReadAsFarAsItGoesAndSaysSo) {
     SKIP_WITHOUT_RECORDINGS();
     const Planar original = readAll(kSamples + "loop_tabla.flac");
-    for (const char* name : {"whole.wav", "whole.aiff", "whole.aifc", "whole.au", "whole.flac"}) {
+    for (const char* name :
+         {"whole.wav", "whole.aiff", "whole.aifc", "whole.au", "whole.flac", "whole.w64"}) {
         const std::string path =
             cutShort(recording("loop_tabla", "-b 16", name), 0.6, std::string("cut.") + name);
         auto file = mustOpen(path);
@@ -85,6 +101,27 @@ TEST(AudioFile, ATruncatedFileIsReadAsFarAsItGoesAndSaysSo) {
     writeFile(folder() + "open.wav", open.replace(open.find("data") + 4, 4, "\xF0\xFF\xFF\xFF"));
     EXPECT_TRUE(mustOpen(folder() + "open.wav")->format().openLength);
     EXPECT_EQ(readAll(folder() + "open.wav"), original);
+    std::string flac = contents(recording("loop_tabla", "", "open.flac"));
+    flac[21] &= '\xF0';  // and four more bytes: the number of samples
+    writeFile(folder() + "open.flac", flac.replace(22, 4, 4, '\0'));
+    auto piped = mustOpen(folder() + "open.flac");
+    EXPECT_TRUE(piped->format().openLength);
+    EXPECT_EQ(readAll(*piped), original);
+    EXPECT_THAT(piped->problem(), IsEmpty());
+    const std::string large = written("large.rf64", SF_FORMAT_RF64 | SF_FORMAT_PCM_16);
+    EXPECT_THAT(mustOpen(large)->problem(), IsEmpty());
+    EXPECT_THAT(mustOpen(cutShort(large, 0.6, "cut.rf64"))->problem(), HasSubstr("breaks off"));
+}
+
+TEST(AudioFile, KnowsTheLargestValueOfItsEncoding) {
+    for (const int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_WAV | SF_FORMAT_ULAW,
+                             SF_FORMAT_WAV | SF_FORMAT_ALAW, SF_FORMAT_WAV | SF_FORMAT_GSM610,
+                             SF_FORMAT_AU | SF_FORMAT_G721_32, SF_FORMAT_XI | SF_FORMAT_DPCM_8}) {
+        auto file = mustOpen(written("square", format));
+        const Planar samples = readAll(*file);
+        EXPECT_EQ(*std::max_element(samples[0].begin(), samples[0].end()), file->format().fullScale)
+            << format;
+    }
 }
 
 TEST(AudioFile, IsReadFromAnyFrameOnAsIfItHadBeenReadUpToThere) {
@@ -105,7 +142,9 @@ TEST(AudioFile, IsReadFromAnyFrameOnAsIfItHadBeenReadUpToThere) {
                                    all[0].begin() + static_cast<std::ptrdiff_t>(place)))
                 << place;
         }
+        EXPECT_TRUE(file->seek(7));
         EXPECT_FALSE(file->seek(frames + 1));
+        EXPECT_TRUE(file->seek(7));
         EXPECT_EQ(file->framesRead(), frames);
         EXPECT_THAT(file->problem(), IsEmpty());
     }

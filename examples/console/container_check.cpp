@@ -11,7 +11,11 @@ namespace veltra::console {
 
 namespace {
 
-constexpr std::uint32_t kStreamedSize = 0x7FFF0000;  // sizes from here on mean "until it ends"
+// Sizes from here on mean "until it ends".
+constexpr std::uint64_t kStreamedSize = 0x7FFF0000;
+constexpr std::uint64_t kStreamedSize64 = std::uint64_t{1} << 63U;
+
+constexpr std::uint32_t kIn64Bits = 0xFFFFFFFF;
 
 // An Ogg page: a head, a table with the sizes of its parts, the parts.
 constexpr std::size_t kPageHead = 27;
@@ -58,12 +62,35 @@ std::uint32_t number(const char* bytes, bool bigEndian) {
     return value;
 }
 
-void compareSizes(std::uint32_t announced, std::uint64_t start, std::uint64_t fileSize,
-                  ContainerCheck& result) {
+std::uint64_t number64(const char* bytes) {
+    return std::uint64_t{number(bytes + 4, false)} << 32U | number(bytes, false);
+}
+
+void compareSizes(std::uint64_t announced, std::uint64_t start, std::uint64_t fileSize,
+                  ContainerCheck& result, std::uint64_t streamedSize = kStreamedSize) {
     const std::uint64_t there = fileSize > start ? fileSize - start : 0;
     const bool isShort = announced > there;
-    result.openLength = announced == 0 ? there > 0 : isShort && announced >= kStreamedSize;
+    result.openLength = announced == 0 ? there > 0 : isShort && announced >= streamedSize;
     if (isShort && !result.openLength) result.missingBytes = announced - there;
+}
+
+// W64: 16 bytes name a chunk, beginning with what WAV calls it, and its size counts its head.
+ContainerCheck checkW64(HeaderFile& file) {
+    constexpr std::uint64_t kFileHead = 40;
+    ContainerCheck result;
+    std::array<char, 24> chunk{};
+    for (std::uint64_t position = kFileHead; file.read(position, chunk);) {
+        const std::uint64_t size = number64(&chunk[16]);
+        const std::uint64_t content = size - std::min<std::uint64_t>(size, chunk.size());
+        position += chunk.size();
+        if (std::string_view(chunk.data(), 4) == "data") {
+            compareSizes(content, position, file.size(), result, kStreamedSize64);
+            break;
+        }
+        if (content > file.size()) break;
+        position += (content + 7) / 8 * 8;
+    }
+    return result;
 }
 
 bool endsWithItsLastPage(const std::string& tail) {
@@ -95,15 +122,25 @@ ContainerCheck checkContainer(const std::string& path) {
         result.endIsMissing = !endsWithItsLastPage(file.tail(2 * kLargestPage));
         return result;
     }
-    if (kind != "RIFF" && kind != "RIFX" && kind != "FORM") return {};
+    if (kind == "riff") return checkW64(file);
+    const bool isLarge = kind == "RF64";
+    if (kind != "RIFF" && kind != "RIFX" && kind != "FORM" && !isLarge) return {};
 
-    const bool bigEndian = kind != "RIFF";
+    const bool bigEndian = kind == "RIFX" || kind == "FORM";
+    std::uint64_t largeSize = 0;  // of the samples, which the chunk "ds64" tells
     result.compressedAiff = std::string_view(&head[8], 4) == "AIFC";
     std::array<char, 8> chunk{};
     for (std::uint64_t position = head.size(); file.read(position, chunk);) {
         const std::string_view name(chunk.data(), 4);
         const std::uint32_t size = number(&chunk[4], bigEndian);
         position += chunk.size();
+        std::array<char, 16> sizes{};
+        if (isLarge && name == "ds64" && file.read(position, sizes))
+            largeSize = number64(&sizes[8]);
+        if (isLarge && name == "data" && size == kIn64Bits) {
+            compareSizes(largeSize, position, file.size(), result, kStreamedSize64);
+            break;
+        }
         if (name == "data" || name == "SSND") {
             compareSizes(size, position, file.size(), result);
             break;

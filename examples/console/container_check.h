@@ -15,9 +15,9 @@ struct ContainerCheck {
     bool endIsMissing = false;       // its last page is cut off, or does not end the stream
 };
 
-// Looks at RIFF and RIFX (WAV), FORM (AIFF, AIFF-C) and AU headers, and at the last page of an Ogg
-// file; other files answer {}. A size that a streaming writer left open announces nothing: zero, or
-// above nearly 2 GiB where the file ends before.
+// Looks at RIFF, RIFX and RF64 (WAV), W64, FORM (AIFF, AIFF-C) and AU headers, and at the last page
+// of an Ogg file; other files answer {}. A size that a streaming writer left open announces
+// nothing: zero, or above nearly 2 GiB (in 64 bits: 8 EiB) where the file ends before.
 ContainerCheck checkContainer(const std::string& path);
 
 }  // namespace veltra::console

@@ -188,9 +188,20 @@ void Engine::setSoloed(StripId id, bool soloed) noexcept {
     applyGains();
 }
 
+// The transport has stopped there, or was told to go there. A strip that was added meanwhile has
+// played nothing, and may be longer or shorter.
+bool Engine::isAtEnd() const noexcept {
+    const bool hasStopped = m_playhead.isAtEnd();
+    const bool goesBack = route().framesToJump(position()) != Route::kNever;
+    return m_atEnd == AtEnd::Stays &&
+           std::all_of(m_strips.begin(), m_strips.end(), [&](const Entry& entry) {
+               return entry.isUnwanted || (hasStopped && entry.strip->isDrained()) ||
+                      (!goesBack && entry.strip->endsBefore(position()));
+           });
+}
+
 void Engine::setPlaying(bool plays) {
-    if (plays && !isPlaying() && m_playhead.isAtEnd())
-        locate(route().loops ? route().loopBegin : 0);
+    if (plays && !isPlaying() && isAtEnd()) locate(route().loops ? route().loopBegin : 0);
     m_playhead.setPlaying(plays);
 }
 

@@ -17,8 +17,10 @@
 #include "transport.h"
 #include "veltra/audio/callback_list.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -86,8 +88,7 @@ public:
     // With ByThread the transport stands at 0 until setPlaying(); offline it moves at once.
     Engine(Feeding feeding, std::int32_t rate, std::size_t aheadFrames, AtEnd atEnd);
     Engine(Feeding feeding, std::int32_t rate, AtEnd atEnd = AtEnd::Leaves)
-        : Engine(feeding, rate, feeding == Feeding::ByThread ? kAheadFrames : kChunkFrames, atEnd) {
-    }
+        : Engine(feeding, rate, aheadFrames(feeding, rate), atEnd) {}
 
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
@@ -183,8 +184,14 @@ public:
     BarBeatTick musicalPosition() const;
 
 private:
-    // 0.7 seconds at 48 kHz. Offline one chunk does, and stays in the cache.
-    static constexpr std::size_t kAheadFrames = 32768;
+    // 0.7 seconds at 48 kHz, and hardly less at any other rate. Offline one chunk does, and stays
+    // in the cache.
+    static constexpr std::size_t aheadFrames(Feeding feeding, std::int32_t rate) {
+        const auto thousands = static_cast<std::size_t>(rate) / 1000;
+        return feeding != Feeding::ByThread
+                   ? kChunkFrames
+                   : std::bit_ceil(std::max<std::size_t>(32768 * thousands / 48, 32768));
+    }
 
     struct Entry {
         StripId id;
@@ -202,6 +209,7 @@ private:
         return const_cast<Entry*>(std::as_const(*this).find(id));  // NOLINT: of an own member
     }
     void applyGains() noexcept;
+    bool isAtEnd() const noexcept;
     void travel(const Route& route);
     void takeOut(Entry& entry);
     StripResult resultOf(const Entry& entry) const;

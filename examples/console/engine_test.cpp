@@ -248,9 +248,18 @@ TEST(Transport, LoopsToTheFrameLocatesWithAFadeAndStopsAtTheEndOfTheLongest) {
     take.engine.setLoop(false, 0, 0);
     take.play(9'000);
     EXPECT_EQ(take.engine.position(), 30'000);
-    take.engine.setPlaying(true);  // at the end: from the beginning
-    take.play(31'000);
-    EXPECT_EQ(take.engine.position(), 30'000);
+    for (const std::int64_t beyond : {30'000, 40'000}) {  // at the end: from the beginning
+        take.engine.locate(beyond);
+        take.left.clear();
+        take.engine.setPlaying(true);
+        take.play(31'000);
+        take.expectFrom(0, 0, 30'000);
+        EXPECT_EQ(take.engine.position(), 30'000);
+    }
+    take.engine.add(mustOpen(counting("longer.wav", 40'000)));  // the end is elsewhere now
+    take.engine.setPlaying(true);
+    take.play(512);
+    EXPECT_EQ(take.engine.position(), 30'512);
     take.engine.removeAll();
     EXPECT_TRUE(take.engine.collect()[0].complete);
 }
@@ -324,6 +333,55 @@ TEST(Engine, PeaksAreTrueOnesWhenAsked) {
         EXPECT_NEAR(take.engine.meters()[0].peak, expected, 0.02F);
         EXPECT_NEAR(take.engine.takeOutputLevels().peaks[1], expected, 0.02F);
     }
+}
+
+// What has less than it announces; counts what is read.
+struct ShortReader final : FrameReader {
+    explicit ShortReader(std::uint64_t frames, std::atomic<std::uint64_t>& count)
+        : m_frames(frames), m_count(count) {}
+    std::size_t read(float* const* channels, std::size_t frames) override {
+        const auto got = std::min<std::size_t>(frames, m_frames - std::min(m_at, m_frames));
+        std::fill_n(channels[0], got, 0.1F);
+        m_at += got;
+        m_count += got;
+        return got;
+    }
+    bool seek(std::uint64_t frame) override {
+        m_at = frame;
+        return true;
+    }
+
+private:
+    const std::uint64_t m_frames;
+    std::uint64_t m_at = 0;
+    std::atomic<std::uint64_t>& m_count;
+};
+
+TEST(FileStream, IsNotCompleteBecauseItFoundNothingBehindTheEnd) {
+    std::atomic<std::uint64_t> count{0};
+    FileFormat format;
+    format.rate = 768'000;
+    format.channels = 1;
+    format.frames = 2'000'000;
+    const auto file = [&](std::uint64_t frames) {
+        return std::make_unique<AudioFile>("", format,
+                                           std::make_unique<ShortReader>(frames, count));
+    };
+    FileStream stream(file(20'000), 0.0);
+    std::array<float, 100> samples{};
+    float* const place = samples.data();
+    stream.locate(25'000);
+    EXPECT_EQ(stream.make(&place, 100), 0U);
+    stream.locate(0);
+    EXPECT_EQ(stream.make(&place, 100), 100U);
+    EXPECT_FALSE(stream.isComplete());
+
+    // And the engine reads as many seconds ahead as at any other rate.
+    Engine engine(Engine::Feeding::ByThread, format.rate);
+    engine.add(file(2'000'000));
+    for (int i = 0; i < 5000 && count < 500'000; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_GE(count, 500'000U);
 }
 
 // As a network drive that does not answer: after some chunks it is silent.

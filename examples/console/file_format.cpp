@@ -33,8 +33,7 @@ constexpr std::array<Encoding, 7> kEncodings{{
 }};
 // clang-format on
 
-// The containers whose sample data are plain interleaved frames. FLAC, for one, also calls its
-// samples "16 bit", but its bytes are not samples.
+// The containers whose sample data are plain interleaved frames.
 constexpr std::array<int, 10> kPlainContainers{
     SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64,  SF_FORMAT_W64, SF_FORMAT_AIFF,
     SF_FORMAT_AU,  SF_FORMAT_CAF,   SF_FORMAT_IRCAM, SF_FORMAT_AVR, SF_FORMAT_NIST};
@@ -44,6 +43,34 @@ bool isPlain(int container) {
         if (container == plain) return true;
     }
     return false;
+}
+
+// Those whose bytes are no samples, though libsndfile calls what comes of them "16 bit".
+bool hasSamples(int container, int subtype) {
+    return container != SF_FORMAT_FLAC && container != SF_FORMAT_SDS &&
+           !(container == SF_FORMAT_PAF && subtype == SF_FORMAT_PCM_24);
+}
+
+// The largest value of each encoding, where that is below the one of 16 bits.
+float fullScaleOf(int subtype, int bits) {
+    switch (subtype) {
+        case SF_FORMAT_ULAW:
+            return 32124.0F / 32768.0F;
+        case SF_FORMAT_ALAW:
+            return 32256.0F / 32768.0F;
+        case SF_FORMAT_DPCM_8:
+            return fullScaleMagnitude(8);
+        case SF_FORMAT_DWVW_12:
+            return fullScaleMagnitude(12);
+        case SF_FORMAT_GSM610:
+            return fullScaleMagnitude(13);
+        case SF_FORMAT_G721_32:
+        case SF_FORMAT_G723_24:
+        case SF_FORMAT_G723_40:
+            return fullScaleMagnitude(14);
+        default:
+            return fullScaleMagnitude(bits);
+    }
 }
 
 std::string libraryName(SNDFILE* file, int format) {
@@ -79,14 +106,16 @@ FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path)
         format.frames = static_cast<std::uint64_t>(info.frames);
     }
     format.missingBytes = check.missingBytes;
-    format.endIsMissing = check.endIsMissing || format.lengthUnknown;
-    format.openLength = check.openLength;
+    // A FLAC encoder that writes into a pipe cannot go back to tell how many there were.
+    const bool isOpenFlac = format.lengthUnknown && container == SF_FORMAT_FLAC;
+    format.endIsMissing = check.endIsMissing || (format.lengthUnknown && !isOpenFlac);
+    format.openLength = check.openLength || isOpenFlac;
 
     for (const Encoding& encoding : kEncodings) {
         if (encoding.subtype != subtype) continue;
         format.encoding = encoding.name;
         format.bits = encoding.bits;
-        if (!isPlain(container)) break;
+        if (!hasSamples(container, subtype)) break;
 
         // libsndfile tells whether the data are of the other order than this machine's.
         const bool foreign = sf_command(file, SFC_RAW_DATA_NEEDS_ENDSWAP, nullptr, 0) == SF_TRUE;
@@ -94,12 +123,14 @@ FileFormat describe(SNDFILE* file, const SF_INFO& info, const std::string& path)
         const bool oneByte = encoding.bytes == 1;
         const bool isFloat = encoding.converterFormat < 0;
         format.byteOrder = oneByte ? ByteOrder::None : little ? ByteOrder::Little : ByteOrder::Big;
+        if (!isPlain(container)) break;
         format.layout.converterFormat = encoding.converterFormat;
         format.layout.bytes = encoding.bytes;
         format.layout.swapped = oneByte ? subtype == SF_FORMAT_PCM_U8 : !isFloat && little;
         format.layout.foreignFloat = isFloat && foreign;
         break;
     }
+    format.fullScale = fullScaleOf(subtype, format.bits);
     return format;
 }
 

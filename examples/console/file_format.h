@@ -3,6 +3,7 @@
 #pragma once
 
 #include "channel_plan.h"
+#include "measurement.h"
 
 #include <cstdint>
 #include <string>
@@ -25,6 +26,7 @@ struct FileFormat {
     std::string container;  // "WAV", "AIFF-C", "FLAC", ...
     std::string encoding;   // "24-bit integer", "Vorbis", ...
     int bits = 32;          // precision of a sample; 32 where the encoding has no fixed one
+    float fullScale = fullScaleMagnitude(32);  // from which a sample counts as at full scale
     ByteOrder byteOrder = ByteOrder::None;
     SampleLayout layout;
     int rate = 0;  // frames a second

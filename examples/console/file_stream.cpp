@@ -25,7 +25,7 @@ FileStream::FileStream(std::unique_ptr<AudioFile> file, double outputRate)
       m_outputRate(std::llround(outputRate)),
       m_resampler(resamplerFor(m_file->format(), outputRate)),
       m_speed(m_resampler ? m_file->format().rate / outputRate : 1.0),
-      m_fullScale(fullScaleMagnitude(m_file->format().bits)),
+      m_fullScale(m_file->format().fullScale),
       m_loudest(static_cast<std::size_t>(m_file->format().channels), m_file->format().rate) {
     if (!m_resampler) return;
     const auto channels = static_cast<std::size_t>(m_file->format().channels);
@@ -82,7 +82,10 @@ std::size_t FileStream::read(float* const* channels, std::size_t frames) {
 
 void FileStream::measureChunk(float* const* channels, std::uint64_t place, std::size_t frames) {
     const auto count = static_cast<std::size_t>(m_file->format().channels);
-    if (m_measuredEnd == m_measuredBegin) m_measuredBegin = m_measuredEnd = place;
+    if (m_measuredEnd == m_measuredBegin) {
+        m_measuredBegin = m_measuredEnd = place;
+        m_sawEnd = false;
+    }
     const bool isNext = place <= m_measuredEnd && place + frames > m_measuredEnd;
     const std::size_t known = isNext ? static_cast<std::size_t>(m_measuredEnd - place) : frames;
     // All the same: who plays them wants no samples that are not finite.

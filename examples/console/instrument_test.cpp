@@ -8,6 +8,7 @@
 #include "veltra/base/testing/prelude.h"
 
 #include <numbers>
+#include <numeric>
 
 namespace veltra::console {
 namespace {
@@ -40,6 +41,16 @@ std::shared_ptr<const KeySound> constant() {
 std::shared_ptr<const KeySound> sine(double pitch, std::int32_t rate = 44100) {
     return soundOf("sine.wav", rate, 200'000,
                    [=](double time) { return std::sin(2.0 * std::numbers::pi * pitch * time); });
+}
+
+TEST(KeySound, IsSilentWhereAFileHoldsNoNumbers) {
+    const auto sound = soundOf("nan.wav", 44100, 1000, [](double time) {
+        return time < 0.01 ? 0.5 : time < 0.015 ? std::nan("") : -INFINITY;
+    });
+    for (const KeySound::Level& level : sound->levels())
+        EXPECT_TRUE(std::isfinite(
+            std::accumulate(level.channels[0].begin(), level.channels[0].end(), 0.0F)));
+    EXPECT_EQ(sound->levels()[0].channels[0][500], 0.0F);
 }
 
 // Both outputs, which are alike for these sounds. What is told at a frame, counted from here, is

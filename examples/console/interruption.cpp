@@ -12,18 +12,23 @@ namespace {
 std::atomic<bool> interrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free);  // or a signal handler may not touch it
 
+void setReaction(void (*handler)(int)) {
+    struct sigaction reaction {};
+    reaction.sa_handler = handler;
+    ::sigaction(SIGINT, &reaction, nullptr);
+    ::sigaction(SIGTERM, &reaction, nullptr);
+}
+
+// The next one ends the process, whichever of the two it is.
 void remember(int) {
     interrupted.store(true, std::memory_order_relaxed);
+    setReaction(SIG_DFL);
 }
 
 }  // namespace
 
 void listenForInterruption() {
-    struct sigaction reaction {};
-    reaction.sa_handler = &remember;
-    reaction.sa_flags = static_cast<int>(SA_RESETHAND);
-    ::sigaction(SIGINT, &reaction, nullptr);
-    ::sigaction(SIGTERM, &reaction, nullptr);
+    setReaction(&remember);
 }
 
 bool isInterrupted() noexcept {

@@ -3,6 +3,7 @@
 
 #include "fold.h"
 #include "glide.h"
+#include "measurement.h"
 #include "mixing.h"
 
 #include <algorithm>
@@ -90,6 +91,8 @@ Channels folded(AudioFile& file, const std::atomic<bool>& stop) {
     for (std::size_t done = 0, got = kChunkFrames; got == kChunkFrames;) {
         if (stop.load(std::memory_order_relaxed)) return {};
         got = file.read(places.data(), kChunkFrames);
+        for (float* const samples : places)
+            measure(samples, got, 1.0F);  // silences what is not finite
         const std::size_t taken = std::min(got, KeySound::kMostFrames - done);
         for (std::vector<float>& channel : result)
             channel.resize(done + taken);

@@ -4,6 +4,7 @@
 #include "background.h"
 #include "veltra/platform/clock.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -37,19 +38,24 @@ bool LiveOutput::provesItself(const Playing& playing) {
     return false;
 }
 
-LiveOutput::LiveOutput(Device device, std::int32_t rate, std::string& notice, Opener opener)
+LiveOutput::LiveOutput(Device device, std::int32_t rate, News& notice, Opener opener)
     : m_device(std::move(device)),
       m_open(std::move(opener)),
       m_rate(m_device.rate > 0 ? m_device.rate : rate),
-      m_pace(m_rate) {
-    if (m_device.id != Device::Null.id) m_playing.output = m_open(m_device, m_rate, notice);
+      m_pace(m_rate, 0) {
+    if (m_device.id != Device::Null.id) m_playing.output = m_open(m_device, rate, notice.text);
     if (!m_playing.output) {
-        m_isLost = m_device.id != Device::Auto.id && m_device.id != Device::Null.id;
+        notice.isProblem = m_isLost =
+            m_device.id != Device::Auto.id && m_device.id != Device::Null.id;
         const std::uint32_t block = m_device.blockFrames;
         m_playing.output = openNullOutput(m_rate, block > 0 ? block : kUsualBlockFrames);
     }
     m_rate = m_playing.output->rate();
-    m_pace = PaceWatch(m_rate);
+    if (m_device.rate > 0 && m_rate != m_device.rate) {
+        notice.text = name() + ": the audio device cannot play at " +
+                      std::to_string(m_device.rate) + " Hz; playing at " + std::to_string(m_rate) +
+                      " Hz";
+    }
 }
 
 std::uint64_t LiveOutput::underruns() const {
@@ -60,7 +66,8 @@ std::uint64_t LiveOutput::underruns() const {
 LiveOutput::Playing LiveOutput::begin(Output output, Engine& engine) {
     Playing playing;
     playing.output = std::move(output);
-    playing.valve = std::make_unique<Valve>(engine, playing.output->rate());
+    playing.valve =
+        std::make_unique<Valve>(engine, playing.output->rate(), playing.output->blockFrames());
     playing.isRunning = playing.output->start(&Valve::render, playing.valve.get());
     return playing;
 }
@@ -68,7 +75,7 @@ LiveOutput::Playing LiveOutput::begin(Output output, Engine& engine) {
 // The engine may be an output's only when the one before is gone.
 bool LiveOutput::play(Playing playing) {
     m_playing = std::move(playing);
-    m_pace = PaceWatch(m_rate);
+    m_pace = PaceWatch(m_rate, blockFrames());
     if (m_playing.isRunning) m_playing.valve->open();
     return m_playing.isRunning;
 }
@@ -79,6 +86,8 @@ std::string LiveOutput::start(Engine& engine) {
     std::string problem = name() + ": the audio device does not start; playing to no device";
     letGo();
     play(begin(openNullOutput(m_rate), engine));
+    m_isLost = true;
+    m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
     return problem;
 }
 
@@ -147,25 +156,27 @@ std::string LiveOutput::change(const Device& device) {
     if (output->rate() != m_rate)
         return output->name() + ": the audio device cannot play at " + std::to_string(m_rate) +
                " Hz; choose another rate";
+    Playing playing = begin(std::move(output), *m_engine);
+    if (!playing.isRunning)
+        return playing.output->name() + ": the audio device does not start; choose another";
     if (!letGo()) return name() + ": the audio device hangs; try again";
     m_device = device;
     m_isLost = false;
     m_attempt = {};
-    m_playing.output = std::move(output);
-    return start(*m_engine);
+    play(std::move(playing));
+    return {};
 }
 
 void LiveOutput::stop() {
     if (!m_playing.valve) return;
-    // Twice the fade, and the blocks in which it lies.
-    const auto fade =
-        static_cast<std::uint64_t>(2 * Glide::framesAt(m_rate)) + std::uint64_t{2} * blockFrames();
+    // Twice the fade, or the block that is in progress and the one in which the fade lies.
+    const auto fade = std::max<std::uint64_t>(2 * Glide::framesAt(m_rate), 2 * blockFrames());
     m_engine->setPlaying(false);
     m_engine->instrument().silence();
     const std::uint64_t until = m_playing.valve->frames() + fade;
     constexpr std::chrono::milliseconds kPause{2};
-    constexpr int kMostPauses = 60;
-    for (int pauses = 0; m_playing.valve->frames() < until && pauses < kMostPauses; ++pauses)
+    const int mostPauses = 60 + static_cast<int>(fade * 500 / static_cast<std::uint64_t>(m_rate));
+    for (int pauses = 0; m_playing.valve->frames() < until && pauses < mostPauses; ++pauses)
         std::this_thread::sleep_for(kPause);
     letGo();
 }

@@ -16,23 +16,24 @@
 namespace veltra::console {
 
 // Thread: main. Everything that goes wrong is told in one line, on which playing goes on. Nothing
-// here waits for a device that hangs, for more than half a second; its thread stays behind.
+// here waits for a device that hangs, for more than half a second, or two of its blocks where they
+// are longer; its thread stays behind.
 class LiveOutput {
 public:
     // As openDeviceOutput(); called on other threads, too.
     using Opener = std::function<std::unique_ptr<AudioOutput>(
         const Device& device, std::int32_t rate, std::string& problem)>;
 
-    // What happened by itself.
+    // What happened by itself, or otherwise than it was asked for.
     struct News {
         std::string text;  // one line, or empty
         bool isProblem = false;
     };
 
     // Opens the output, at the device's wanted rate, else preferably at `rate`; nothing plays yet.
-    // `notice` is empty, or why there is no device.
-    LiveOutput(Device device, std::int32_t rate, std::string& notice,
-               Opener opener = openDeviceOutput);
+    // `notice` tells why there is no device, a problem if it was asked for by name, or that it does
+    // not play at the wanted rate.
+    LiveOutput(Device device, std::int32_t rate, News& notice, Opener opener = openDeviceOutput);
     LiveOutput(const LiveOutput&) = delete;
     LiveOutput& operator=(const LiveOutput&) = delete;
     ~LiveOutput() { stop(); }

@@ -12,6 +12,7 @@ namespace veltra::console {
 namespace {
 
 using namespace testing;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using Seconds = std::chrono::duration<double>;
@@ -21,7 +22,8 @@ TEST(PaceWatch, ForgivesHonestWorkAndTellsTheRestWithinTwoSeconds) {
         const char* what;
         std::function<double(double)> played;  // seconds of audio by then
         Pace expected;
-        double by;  // seconds
+        double by;           // seconds
+        double block = 0.0;  // seconds
     };
     const auto after3 = [](double time) { return std::max(time - 3.0, 0.0); };
     const std::initializer_list<Row> rows{
@@ -40,9 +42,11 @@ TEST(PaceWatch, ForgivesHonestWorkAndTellsTheRestWithinTwoSeconds) {
         {"at half speed", [&](double time) { return time - after3(time) * 0.7; }, Pace::Stands, 5},
         {"does not wait", [&](double time) { return time + 100 * after3(time); }, Pace::RunsAway,
          5},
+        {"long blocks", [](double time) { return 8 * std::ceil(time / 8); }, Pace::Steady, 60, 8},
+        {"a long block", [](double) { return 8.0; }, Pace::Stands, 19, 8},
         {"twice as fast", [&](double time) { return time + after3(time); }, Pace::RunsAway, 5}};
     for (const Row& row : rows) {
-        PaceWatch watch(48000);
+        PaceWatch watch(48000, static_cast<std::uint32_t>(row.block * 48000.0));
         Pace pace = Pace::Steady;
         double time = 0.0;
         for (; time < 60.0 && pace == Pace::Steady; time += 0.1)
@@ -51,7 +55,7 @@ TEST(PaceWatch, ForgivesHonestWorkAndTellsTheRestWithinTwoSeconds) {
         EXPECT_EQ(pace, row.expected) << row.what;
         EXPECT_LE(time, row.by + 0.11) << row.what;
     }
-    PaceWatch watch(48000);  // the whole process slept
+    PaceWatch watch(48000, 0);  // the whole process slept
     for (const double time : {0.0, 0.1, 0.2, 9.0, 9.1, 9.2, 30.0, 30.1})
         EXPECT_EQ(watch.look(Moment(seconds(time)), 0), Pace::Steady);
 }
@@ -80,9 +84,9 @@ TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
             return world->isThere ? std::make_unique<FakeOutput>(world, "fake", world->rate, 480)
                                   : nullptr;
         };
-        std::string notice;
-        LiveOutput output(Device::Auto, 44100, notice, open);
-        EXPECT_THAT(notice, IsEmpty());
+        LiveOutput::News news;
+        LiveOutput output(Device::Auto, 44100, news, open);
+        EXPECT_THAT(news.text, IsEmpty());
         ASSERT_EQ(output.rate(), 48000);
         Engine engine(Engine::Feeding::ByThread, 48000);
         EXPECT_THAT(output.start(engine), IsEmpty());
@@ -93,7 +97,6 @@ TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
         world->isThere = false;
         world->hangs = row.hangs;
         world->speed = row.speed;
-        LiveOutput::News news;
         EXPECT_LT(newsOf(output, news), Seconds(2.0));
         EXPECT_TRUE(news.isProblem);
         EXPECT_THAT(news.text, HasSubstr(row.what));
@@ -125,6 +128,75 @@ TEST(LiveOutput, LeavesADeviceThatFailsWithinTwoSecondsAndTakesItBack) {
         EXPECT_LT(std::chrono::steady_clock::now() - begin, Seconds(1.0));
         world->hangs = false;
     }
+}
+
+TEST(Valve, LetsABlockThroughThatIsLongerThanASecond) {
+    Engine engine(Engine::Feeding::ByCaller, 1000);
+    Valve valve(engine, 1000, 8192);
+    valve.open();
+    std::vector<float> samples(8192);
+    float* const outputs[] = {samples.data()};
+    EXPECT_TRUE(Valve::render(&valve, outputs, 1, 8192));
+    EXPECT_EQ(engine.position(), 8192);
+}
+
+TEST(LiveOutput, TellsOfAnotherRateLeavesWhatDoesNotStartAndWaitsForTheFadeOfALongBlock) {
+    const auto world = std::make_shared<World>();
+    const auto open = [world](const Device&, std::int32_t rate, std::string&) {
+        return std::make_unique<FakeOutput>(world, "fake", rate, 8192);  // at no other rate
+    };
+    LiveOutput::News news;
+    LiveOutput output({"fake", 96'000, 0}, 48'000, news, open);
+    EXPECT_THAT(news.text, HasSubstr("cannot play at 96000 Hz; playing at 48000 Hz"));
+    EXPECT_FALSE(news.isProblem);
+    ASSERT_EQ(output.rate(), 48'000);
+    Engine engine(Engine::Feeding::ByThread, 48'000);
+    world->starts = false;
+    EXPECT_THAT(output.start(engine), HasSubstr("does not start"));
+    world->starts = true;
+    newsOf(output, news);
+    EXPECT_EQ(output.name(), "fake");
+    world->starts = false;
+    EXPECT_THAT(output.change(Device::Auto), HasSubstr("does not start"));
+    EXPECT_EQ(output.name(), "fake");
+
+    engine.setPlaying(true);
+    while (engine.position() == 0)  // to stop right after a block
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    output.stop();
+    EXPECT_EQ(engine.position() % 8192, 240);
+}
+
+TEST(Player, KeepsStripsAndTheirEntriesApartWhenTheRateChanges) {
+    const auto world = std::make_shared<World>();
+    Player::SoundSystems systems;
+    systems.open = [world](const Device& device, std::int32_t rate, std::string&) {
+        return std::make_unique<FakeOutput>(world, "fake", device.rate > 0 ? device.rate : rate,
+                                            480);
+    };
+    const std::string gone = synthetic("gone.wav", 44100, "1 sin 300");
+    const std::string there = synthetic("there.wav", 44100, "1 sin 300");
+    Player player(Device::Auto, systems);
+    player.keys();
+    EXPECT_THAT(player.chooseDevice("auto", 0, 0), IsEmpty());
+    EXPECT_THAT(player.add(gone), IsEmpty());
+    EXPECT_THAT(player.add(there), IsEmpty());
+    EXPECT_EQ(player.look().rate, 44100);  // of the first file, still
+    const std::string elsewhere = folder() + "elsewhere.wav";
+    std::filesystem::rename(gone, elsewhere);
+    EXPECT_THAT(player.chooseDevice("auto", 24'000, 0), IsEmpty());
+    EXPECT_THAT(player.tick(), ElementsAre(HasSubstr("no such file")));
+    player.setMuted(player.state().strips[0].key, true);
+    EXPECT_TRUE(player.look().strips[1].heard);
+    EXPECT_EQ(player.state().deviceUnderruns, 12U);  // three of each of four outputs
+    std::filesystem::rename(elsewhere, gone);
+    EXPECT_THAT(player.chooseDevice("auto", 32'000, 0), IsEmpty());
+    EXPECT_THAT(player.tick(), IsEmpty());
+    const auto entries = player.finish();
+    ASSERT_EQ(entries.size(), 3U);
+    EXPECT_EQ(entries[1].result->path, there);
+    EXPECT_EQ(entries[2].result->path, gone);
+    EXPECT_EQ(entries[2].deviceUnderruns, 15U);
 }
 
 // As the window drives it, in real time.

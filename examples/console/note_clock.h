@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Which frame is due now: what was rendered grows a block at a time, the time of who plays does
 // not. Notes that are told to begin at that frame come in the rhythm in which they were played,
-// however long the blocks are.
+// as long as blocks are shorter than kMostAhead.
 #pragma once
 
 #include "veltra/base/time.h"

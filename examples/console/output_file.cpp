@@ -80,6 +80,10 @@ std::string whyNotWrite(const std::string& path, OutputKind kind,
     }
     if (*rules.extension != '\0' && fs::path(path).extension() != rules.extension)
         return path + rules.rule;
+    if (kind == OutputKind::Bounce && fs::exists(path, ignored) &&
+        !fs::is_regular_file(path, ignored)) {
+        return path + " is no regular file, and a mix needs one" + advice;
+    }
     if (!fs::is_regular_file(path, ignored) || isOwn(path, rules)) return {};
     return path + " is there already, and is no " + rules.what + " of this program" + advice;
 }

@@ -12,7 +12,8 @@ namespace veltra::console {
 enum class OutputKind { Report, Picture, Bounce };
 
 // An empty text when `path` may be written: it does not exist, holds nothing, is an earlier output
-// of the same kind, or is no regular file (a device, a pipe). Else why not and what to do.
+// of the same kind, or is no regular file (a device, a pipe), which a mix needs. Else why not
+// and what to do.
 // `inputs` are the recordings.
 std::string whyNotWrite(const std::string& path, OutputKind kind,
                         std::span<const std::string> inputs = {});

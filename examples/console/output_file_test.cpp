@@ -84,6 +84,9 @@ TEST(Output, IsNoneOfTheRecordingsByAnyName) {
     EXPECT_THAT(whyNotWrite(options), IsEmpty());
     options.report = "/dev/null";
     EXPECT_THAT(whyNotWrite(options), IsEmpty());
+    options.bounce = testing::folder() + "device.wav";
+    std::filesystem::create_symlink("/dev/null", options.bounce);
+    EXPECT_THAT(whyNotWrite(options), HasSubstr("no regular file"));
 }
 
 }  // namespace

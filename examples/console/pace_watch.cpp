@@ -27,10 +27,10 @@ Pace PaceWatch::look(Moment now, std::uint64_t frames) noexcept {
     const double passed = (now - m_anchor->time).seconds();
     const double played = static_cast<double>(frames - m_anchor->frames) / m_rate;
     const double lead = played - passed;
-    if (lead > kMostAhead) return Pace::RunsAway;
-    if (-lead > (m_hasStarted ? kMostBehind : kMostBehindAtStart)) return Pace::Stands;
-    const bool isSteady = std::fabs(lead) < kSteady;
-    if ((passed >= 1.0 && isSteady) || passed >= kUntilForgiven) {
+    if (lead > kMostAhead + m_block) return Pace::RunsAway;
+    if (-lead > (m_hasStarted ? kMostBehind : kMostBehindAtStart) + m_block) return Pace::Stands;
+    const bool isSteady = std::fabs(lead) < kSteady + m_block;
+    if ((passed >= 1.0 + 2.0 * m_block && isSteady) || passed >= kUntilForgiven + m_block) {
         m_anchor = Mark{now, frames};
         m_hasStarted = true;
     }

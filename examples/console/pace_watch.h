@@ -17,9 +17,11 @@ enum class Pace { Steady, Stands, RunsAway };
 // half second; when one comes late, as after a sleep of the whole process, it counts from there.
 class PaceWatch {
 public:
-    explicit PaceWatch(std::int32_t rate) noexcept : m_rate(rate) {}
+    PaceWatch(std::int32_t rate, std::uint32_t blockFrames) noexcept
+        : m_rate(rate), m_block(static_cast<double>(blockFrames) / rate) {}
 
-    // `frames` were rendered by now since the start. What is not steady is told within two seconds.
+    // `frames` were rendered by now since the start, a block at a time. What is not steady is told
+    // within two seconds, or one and a half and the time of a block.
     Pace look(Moment now, std::uint64_t frames) noexcept;
 
 private:
@@ -29,6 +31,7 @@ private:
     };
 
     std::int32_t m_rate;
+    double m_block;                // seconds
     bool m_hasStarted = false;     // and been steady for a second
     std::optional<Mark> m_anchor;  // what is compared with
     Moment m_lastLook;

@@ -44,12 +44,15 @@ std::string Player::add(const std::string& path) {
 
 // And the output that plays it, preferably at `rate`.
 void Player::makeEngine(std::int32_t rate) {
-    std::string notice;
-    if (m_output) m_output->stop();
+    LiveOutput::News notice;
+    if (m_output) {
+        m_output->stop();
+        m_underrunsBefore += m_output->underruns();
+    }
     m_output = std::make_unique<LiveOutput>(m_device, rate, notice, m_systems.open);
     m_engine =
         std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate(), Engine::AtEnd::Stays);
-    if (!notice.empty()) m_problems.push_back(notice);
+    if (!notice.text.empty()) m_problems.push_back(notice.text);
     m_engine->setTempo(m_state.tempo);
     m_engine->setMeter(m_state.beatsPerBar, m_state.beatUnit);
     setOutputGain(m_state.outputGainDecibels);
@@ -58,8 +61,8 @@ void Player::makeEngine(std::int32_t rate) {
     setMono(m_state.mono);
     setMeasuresTruePeaks(m_measuresTruePeaks);
     m_keys.setEngine(m_engine.get(), m_output->rate());
-    notice = m_output->start(*m_engine);
-    if (!notice.empty()) m_problems.push_back(notice);
+    std::string problem = m_output->start(*m_engine);
+    if (!problem.empty()) m_problems.push_back(std::move(problem));
 }
 
 void Player::play(StripState& strip, std::unique_ptr<AudioFile> file, std::size_t entry) {
@@ -233,7 +236,6 @@ std::string Player::chooseDevice(const std::string& id, std::int32_t rate,
         return {};
     }
     if (rate <= 0 || rate == m_output->rate()) {
-        wanted.rate = m_output->rate();
         std::string problem = m_output->change(wanted);
         if (problem.empty()) m_device = std::move(wanted);
         return problem;
@@ -253,6 +255,7 @@ void Player::changeRate(std::int32_t rate) {
     m_output->stop();
     m_engine->removeAll();
     collect(m_problems);
+    m_playing.clear();  // the next engine counts its strips anew
     makeEngine(rate);
     const double ratio = static_cast<double>(m_output->rate()) / rateBefore;
     const auto scaled = [ratio](std::int64_t frame) {
@@ -266,11 +269,15 @@ void Player::changeRate(std::int32_t rate) {
         const auto before =
             std::find_if(playing.begin(), playing.end(),
                          [&strip](const Playing& each) { return each.id == strip.meter.id; });
-        if (file && before != playing.end()) {
-            play(strip, std::move(file), before->entry);
-        } else {
+        if (!file) {
             m_problems.push_back(strip.path + ": " + problem);
+            strip.meter = {};
+            strip.squares.clear();
+            continue;
         }
+        if (before == playing.end()) m_entries.push_back({strip.path, {}, {}});  // it is back
+        play(strip, std::move(file),
+             before != playing.end() ? before->entry : m_entries.size() - 1);
     }
     m_engine->setPlaying(plays);
 }
@@ -334,7 +341,7 @@ const ConsoleState& Player::look() {
     m_state.loopEnd = route.loopEnd;
     m_state.outputName = m_output->name();
     m_state.blockFrames = m_output->blockFrames();
-    m_state.deviceUnderruns = m_output->underruns();
+    m_state.deviceUnderruns = m_underrunsBefore + m_output->underruns();
     return m_state;
 }
 
@@ -345,7 +352,7 @@ std::vector<ReportEntry> Player::finish() {
         std::vector<std::string> problems;
         collect(problems);
         for (ReportEntry& entry : m_entries)
-            entry.deviceUnderruns = m_output->underruns();
+            entry.deviceUnderruns = m_underrunsBefore + m_output->underruns();
     }
     return std::exchange(m_entries, {});
 }

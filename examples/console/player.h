@@ -122,6 +122,7 @@ private:
     std::future<std::vector<DeviceInfo>> m_devices;  // the answer that is waited for
     std::unique_ptr<Engine> m_engine;                // from the first file on
     std::unique_ptr<LiveOutput> m_output;  // after the engine: stops before the engine goes
+    std::uint64_t m_underrunsBefore = 0;   // of the outputs before that
     Keys m_keys;
     bool m_isForKeysAlone = false;  // the first file may still choose the rate
     ProgressBoard m_progress;       // before the overviews: their reader tells it

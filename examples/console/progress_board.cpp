@@ -18,6 +18,7 @@ namespace {
 struct Board {
     std::mutex mutex;  // guards what follows
     std::list<ProgressLine> lines;
+    std::uint64_t lastNumber = 0;
     ProgressBoard::Listener listener;
 };
 
@@ -47,7 +48,8 @@ void* addLine(const VLString* title, const void* /*identifier*/) noexcept try {
     std::array<char, 256> text{};
     VLStringCopyUtf8(title, text.data(), text.size());
     const std::lock_guard lock(board().mutex);
-    ProgressLine* const line = &board().lines.emplace_back(ProgressLine{text.data(), -1.0});
+    ProgressLine* const line =
+        &board().lines.emplace_back(ProgressLine{text.data(), -1.0, ++board().lastNumber});
     tell(line, false);
     return line;
 } catch (const std::exception&) {

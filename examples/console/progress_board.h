@@ -2,6 +2,7 @@
 // The host's side of the progress service: what is being read at this moment, and how far it is.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -10,7 +11,8 @@ namespace veltra::console {
 
 struct ProgressLine {
     std::string title;
-    double value = -1.0;  // 0 to 1; below 0: nobody knows
+    double value = -1.0;       // 0 to 1; below 0: nobody knows
+    std::uint64_t number = 0;  // that no other line has had
 };
 
 // Provides the service from its construction to its destruction. One at a time.

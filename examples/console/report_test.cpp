@@ -2,18 +2,22 @@
 // The program as its user sees it: reports, log lines, exit status.
 #include "report.h"
 
+#include "interruption.h"
 #include "options.h"
 #include "requests.h"
 #include "status_lines.h"
 #include "terminal_progress.h"
 #include "test_recordings.h"
 #include "veltra/base/testing/prelude.h"
+#include "veltra/infrastructure/progress_indicator.h"
 #include "veltra/platform/termination.h"
 #include "veltra/platform/testing/fake_user.h"
 
 #include <chrono>
 
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
 
 namespace veltra::console {
 namespace {
@@ -36,11 +40,14 @@ Outcome console(const std::string& arguments) {
     return {status, contents(out), contents(log)};
 }
 
-// The value of line `name` in a report's block for the file `path`.
+// The value of line `name` in a report's block for the file `path`, which must be there.
 std::string value(const std::string& report, const std::string& path, const std::string& name) {
     const std::size_t block = report.find(path + "\n");
     const std::size_t line = report.find("\n  " + name + " ", block);
-    if (block == std::string::npos || line == std::string::npos) return "no such line";
+    if (line == std::string::npos || line > report.find("\n\n", block)) {
+        ADD_FAILURE() << path << " has no line " << name;
+        return {};
+    }
     return report.substr(line + 15, report.find('\n', line + 1) - line - 15);
 }
 
@@ -196,6 +203,31 @@ TEST(Options, ProgressIsToldOnlyToThoseWhoAsk) {
     const std::vector<ProgressLine> lines{{"a.wav", 0.4}, {"b", -1.0}};
     EXPECT_EQ(progressText(lines, 100), "a.wav 40 %  b");
     EXPECT_EQ(progressText(lines, 7), "a.wav 4");
+    EXPECT_EQ(progressText({{"quité.wav"}}, 5), "quité");
+    ::testing::internal::CaptureStderr();
+    {
+        const TerminalProgress progress;
+        const VLString* const title = VLStringCreateWithUtf8("x.wav", 5);  // of both
+        VLProgressIndicator* const files[] = {VLAcquireProgressIndicator(title, nullptr),
+                                              VLAcquireProgressIndicator(title, nullptr)};
+        for (int i = 0; i < 4; ++i)
+            VLSetProgressIndicatorValue(files[i % 2], i % 2 == 0 ? 0.1 : 0.4);
+        for (VLProgressIndicator* const file : files)
+            VLReleaseProgressIndicator(file);
+        VLStringRelease(title);
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "x.wav 10 %\nx.wav 40 %\n");
+}
+
+TEST(Interruption, EndsTheProcessTheSecondTimeWhicheverSignalItIs) {
+    const auto interruptTwice = [] {
+        listenForInterruption();
+        ::raise(SIGINT);
+        std::fputs(isInterrupted() ? "heard" : "not heard", stderr);
+        ::raise(SIGTERM);
+        ::_exit(0);
+    };
+    EXPECT_EXIT(interruptTwice(), KilledBySignal(SIGTERM), "^heard$");
 }
 
 TEST(StatusLines, TellLevelsInDecibelsAndFitTheTerminal) {

@@ -127,7 +127,8 @@ private:
         if (ids.empty()) return false;
         unsigned id = m_device->getDefaultOutputDevice();
         RtAudio::DeviceInfo device = m_device->getDeviceInfo(id);
-        for (std::size_t i = 0; wanted.id != "auto" && !isWanted(wanted.id, system, device); ++i) {
+        const auto suits = [&] { return canPlay(device) && isWanted(wanted.id, system, device); };
+        for (std::size_t i = 0; wanted.id != "auto" && !suits(); ++i) {
             if (i == ids.size()) return false;
             id = ids[i];
             device = m_device->getDeviceInfo(id);

@@ -72,13 +72,9 @@ void Session::runHeadless() {
 void Session::runLive() {
     // It reads all names of the program, for which a run that only reads files would have to wait.
     VLInstallTerminateHandler();
-    std::string notice;
+    LiveOutput::News notice;
     m_output = std::make_unique<LiveOutput>(m_options.device, m_first->format().rate, notice);
-    if (!notice.empty() && m_options.device.id == Device::Auto.id) {
-        note(notice);
-    } else if (!notice.empty()) {
-        complain(notice);  // of a device that was asked for by name
-    }
+    tell(notice);
     m_engine = std::make_unique<Engine>(Engine::Feeding::ByThread, m_output->rate());
     if (const std::string problem = m_output->start(*m_engine); !problem.empty()) complain(problem);
 
@@ -133,12 +129,7 @@ void Session::runBounce() {
 
 void Session::tick() {
     collect();
-    const LiveOutput::News news = m_output->keepRunning();
-    if (news.isProblem) {
-        complain(news.text);
-    } else if (!news.text.empty()) {
-        note(news.text);
-    }
+    tell(m_output->keepRunning());
     m_status.show(*m_engine, m_output->rate());
 }
 
@@ -182,6 +173,14 @@ void Session::note(const std::string& text) {
     m_status.clear();
     if (m_progress) m_progress->clear();
     QKLogCString(kLogNotice, false, kLogTag, "veltra-console: %s", printable(text).c_str());
+}
+
+void Session::tell(const LiveOutput::News& news) {
+    if (news.isProblem) {
+        complain(news.text);
+    } else if (!news.text.empty()) {
+        note(news.text);
+    }
 }
 
 void Session::complain(const std::string& problem) {

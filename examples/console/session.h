@@ -31,6 +31,7 @@ private:
     void runLive();
     void runBounce();
     void note(const std::string& text);
+    void tell(const LiveOutput::News& news);
     void tick();  // every 100 ms of a live run
     void collect();
     bool addNextFile();

@@ -99,6 +99,12 @@ public:
         return format().lengthUnknown ? 0 : format().frames;
     }
 
+    // Whether the file says that it ends at or before that output frame. Thread: any.
+    bool endsBefore(std::int64_t frame) const noexcept {
+        return framesTotal() > 0 && static_cast<double>(frame - m_offset) * m_stream.speed() >=
+                                        static_cast<double>(framesTotal());
+    }
+
     // Frames that were due and not there. Thread: any.
     std::uint64_t missedFrames() const noexcept {
         return m_missedFrames.load(std::memory_order_relaxed);

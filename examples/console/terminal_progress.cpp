@@ -2,6 +2,7 @@
 #include "terminal_progress.h"
 
 #include "text.h"
+#include "veltra/base/utf8.h"
 
 #include <cstdio>
 #include <utility>
@@ -28,7 +29,11 @@ std::string progressText(const std::vector<ProgressLine>& lines, std::size_t col
         text += line.title;
         if (line.value >= 0.0) text += formatted(" %d %%", static_cast<int>(line.value * 100.0));
     }
-    return text.substr(0, columns);
+    std::size_t end = 0;
+    for (std::size_t count = 0; end < text.size(); ++end) {
+        if (!continuesCharacter(text[end]) && count++ == columns) break;
+    }
+    return text.substr(0, end);
 }
 
 bool TerminalProgress::isTerminal() noexcept {
@@ -50,11 +55,11 @@ void TerminalProgress::show(const std::vector<ProgressLine>& lines, std::size_t 
     }
     const ProgressLine& line = lines[changed];
     if (isOver) {
-        m_tenths.erase(line.title);
+        m_tenths.erase(line.number);
         return;
     }
     const int tenths = static_cast<int>(line.value * 10.0);
-    if (line.value < 0.0 || std::exchange(m_tenths[line.title], tenths) == tenths) return;
+    if (line.value < 0.0 || std::exchange(m_tenths[line.number], tenths) == tenths) return;
     std::fprintf(stderr, "%s %d %%\n", line.title.c_str(), tenths * 10);
 }
 

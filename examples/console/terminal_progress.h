@@ -28,11 +28,11 @@ private:
     void show(const std::vector<ProgressLine>& lines, std::size_t changed, bool isOver);
 
     const bool m_isTerminal;
-    std::map<std::string, int> m_tenths;  // that were printed, by title, where lines stay
-    ProgressBoard m_board;                // last: it calls show() from its construction on
+    std::map<std::uint64_t, int> m_tenths;  // that were printed of each line, where lines stay
+    ProgressBoard m_board;                  // last: it calls show() from its construction on
 };
 
-// "a.wav 40 %  b.wav 12 %", cut at `columns`; a name alone where nobody knows.
+// "a.wav 40 %  b.wav 12 %", cut at `columns` characters; a name alone where nobody knows.
 std::string progressText(const std::vector<ProgressLine>& lines, std::size_t columns);
 
 }  // namespace veltra::console

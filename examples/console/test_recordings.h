@@ -107,7 +107,7 @@ struct Variant {
     const char* encoding;
     ByteOrder order;
 };
-inline constexpr std::array<Variant, 15> kVariants{{
+inline constexpr std::array<Variant, 17> kVariants{{
     {"8.wav", "-b 8", "8-bit unsigned integer", ByteOrder::None},
     {"8.aiff", "-b 8", "8-bit signed integer", ByteOrder::None},
     {"16.wav", "-b 16", "16-bit integer", ByteOrder::Little},
@@ -122,6 +122,8 @@ inline constexpr std::array<Variant, 15> kVariants{{
     {"double.wav", "-e float -b 64", "64-bit float", ByteOrder::Little},
     {"double.aifc", "-e float -b 64", "64-bit float", ByteOrder::Big},
     {"16.au", "-b 16", "16-bit integer", ByteOrder::Big},
+    {"16.voc", "-b 16", "16-bit integer", ByteOrder::Little},
+    {"16.pvf", "-b 16", "16-bit integer", ByteOrder::Big},
     {"24.caf", "-b 24", "24-bit integer", ByteOrder::Big},
 }};
 

@@ -75,12 +75,15 @@ CMusicalContext musicalContext(std::int64_t position, std::int32_t rate, const M
 }
 
 BarBeatTick placeInMusic(std::int64_t position, std::int32_t rate, const Metre& metre) {
-    const std::int32_t ticks = musicalContext(position, rate, metre).m_positionInTicks;
-    const std::int32_t beats = ticks / CMusicalContext::kTicksPerBeat;
+    const double samplesPerBeat = 60000.0 / metre.tempo * rate;
+    const double samplesPerTick = samplesPerBeat / CMusicalContext::kTicksPerBeat;
+    const auto samples = static_cast<double>(std::max<std::int64_t>(position, 0));
+    const auto ticks = static_cast<std::int64_t>(samples / samplesPerTick + 0.5);
+    const std::int64_t beats = ticks / CMusicalContext::kTicksPerBeat;
     BarBeatTick place;
     place.bar = beats / metre.beatsPerBar + 1;
-    place.beat = beats % metre.beatsPerBar + 1;
-    place.tick = ticks % CMusicalContext::kTicksPerBeat;
+    place.beat = static_cast<std::int32_t>(beats % metre.beatsPerBar) + 1;
+    place.tick = static_cast<std::int32_t>(ticks % CMusicalContext::kTicksPerBeat);
     return place;
 }
 

@@ -41,11 +41,12 @@ struct Metre {
 void calculateAtRate(std::int32_t samplePosition, std::int32_t rate, CMusicalContext& context);
 
 // Musical time `position` samples after the start at `rate` samples a second. A context counts in
-// 32 bits: from sample 2,147,483,647 on (12 hours at 48 kHz) it stands still.
+// 32 bits: from sample 2,147,483,647 on (12 hours at 48 kHz) it stands still, its ticks from 19
+// hours on at 120.
 // Thread: any. Realtime-safe: yes.
 CMusicalContext musicalContext(std::int64_t position, std::int32_t rate, const Metre& metre);
 
-// The place at that position. Thread: any. Realtime-safe: yes.
+// The place at that position, however far. Thread: any. Realtime-safe: yes.
 BarBeatTick placeInMusic(std::int64_t position, std::int32_t rate, const Metre& metre);
 
 // "12.3.00480".

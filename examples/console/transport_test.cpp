@@ -31,6 +31,8 @@ TEST(Transport, ABarTakesTwoSecondsAtEveryRateAndHalfABeatIs7680Ticks) {
                       std::to_string(bar) + ".4.00000");
         }
     }
+    for (const std::int32_t rate : {8000, 768'000})  // a day
+        EXPECT_EQ(toText(placeOf(std::int64_t{86'400} * rate, rate)), "43201.1.00000");
     EXPECT_EQ(toText(placeOf(12000, 48000)), "1.1.07680");
     EXPECT_EQ(toText(placeOf(12000 - 1, 48000)), "1.1.07679");
 }

@@ -13,6 +13,7 @@ namespace {
 
 // An output may fill its buffers, and its clock is not ours.
 constexpr double kSecondsAhead = 1.0;
+constexpr double kBlocksAhead = 2.0;  // where that is more
 constexpr double kMostSpeed = 1.5;
 
 Moment now() noexcept {
@@ -21,15 +22,19 @@ Moment now() noexcept {
 
 }  // namespace
 
-Valve::Valve(Engine& engine, std::int32_t rate) noexcept
-    : m_engine(engine), m_rate(rate), m_credit(kSecondsAhead * rate), m_lastCall(now()) {}
+Valve::Valve(Engine& engine, std::int32_t rate, std::uint32_t blockFrames) noexcept
+    : m_engine(engine),
+      m_rate(rate),
+      m_mostCredit(std::max(kSecondsAhead * rate, kBlocksAhead * blockFrames)),
+      m_credit(m_mostCredit),
+      m_lastCall(now()) {}
 
 // Time earns credit, a little faster than it is spent at the right pace.
 bool Valve::isInTime(std::uint32_t frames) noexcept {
     const Moment call = now();
     const double earned = (call - m_lastCall).seconds() * m_rate * kMostSpeed;
     m_lastCall = call;
-    m_credit = std::min(m_credit + earned, kSecondsAhead * m_rate);
+    m_credit = std::min(m_credit + earned, m_mostCredit);
     if (m_credit < frames) return false;
     m_credit -= frames;
     return true;

@@ -19,8 +19,8 @@ namespace veltra::console {
 
 class Valve {
 public:
-    // `rate` in frames a second.
-    Valve(Engine& engine, std::int32_t rate) noexcept;
+    // `rate` in frames a second; blocks are mostly of `blockFrames`.
+    Valve(Engine& engine, std::int32_t rate, std::uint32_t blockFrames) noexcept;
     Valve(const Valve&) = delete;
     Valve& operator=(const Valve&) = delete;
 
@@ -47,6 +47,7 @@ private:
 
     Engine& m_engine;
     const double m_rate;
+    const double m_mostCredit;
     double m_credit;    // frames that may be asked for at once; audio thread only
     Moment m_lastCall;  // audio thread only
     std::atomic<State> m_state{State::Waiting};

@@ -14,6 +14,7 @@ namespace veltra::console::testing {
 struct World {
     std::atomic<int> speed{1};  // blocks in the time of one; 0: stands still, -1: ends by itself
     std::atomic<bool> isThere{true};
+    std::atomic<bool> starts{true};
     std::atomic<bool> hangs{false};  // in stop()
     std::atomic<int> rate{48000};
 };
@@ -30,6 +31,7 @@ public:
     std::uint64_t underruns() const override { return 3; }
     bool isRunning() const override { return m_isRunning; }
     bool start(Callback callback, void* context) override {
+        if (!m_world->starts) return false;
         m_isRunning = true;
         m_thread = std::jthread([=, this](const std::stop_token& stop) {
             std::vector<float> samples(std::size_t{2} * m_block);
