@@ -143,8 +143,9 @@ LiveOutput::News LiveOutput::takeBack() {
     return {name() + ": the audio device is back", false};
 }
 
-std::string LiveOutput::change(const Device& device) {
-    std::string problem;
+// Not running, with the reason in `problem`, when the device cannot be had; without an output when
+// it did not even open.
+LiveOutput::Playing LiveOutput::beginOn(const Device& device, std::string& problem) {
     Output output;
     if (device.id == Device::Null.id) {
         output =
@@ -152,14 +153,38 @@ std::string LiveOutput::change(const Device& device) {
     } else {
         output = m_open(device, m_rate, problem);
     }
-    if (!output) return problem;
-    if (output->rate() != m_rate)
-        return output->name() + ": the audio device cannot play at " + std::to_string(m_rate) +
-               " Hz; choose another rate";
+    if (!output) return {};
+    if (output->rate() != m_rate) {
+        problem = output->name() + ": the audio device cannot play at " + std::to_string(m_rate) +
+                  " Hz; choose another rate";
+        return {nullptr, std::move(output), false};
+    }
     Playing playing = begin(std::move(output), *m_engine);
     if (!playing.isRunning)
-        return playing.output->name() + ": the audio device does not start; choose another";
+        problem = playing.output->name() + ": the audio device does not start; choose another";
+    return playing;
+}
+
+// Both play for a moment, so that the old one goes on where the new one does not start. But many
+// devices play one stream only: with other settings such a one opens when the old stream has gone.
+std::string LiveOutput::change(const Device& device) {
+    std::string problem;
+    Playing playing = beginOn(device, problem);
+    const bool maybeSame =
+        device.id == m_device.id || device.id == Device::Auto.id || m_device.id == Device::Auto.id;
+    const bool isInTheWay = playing.output == nullptr && maybeSame && !m_isLost;
+    if (!playing.isRunning && !isInTheWay) return problem;
     if (!letGo()) return name() + ": the audio device hangs; try again";
+    if (isInTheWay) playing = beginOn(device, problem);
+    if (!playing.isRunning) {
+        playing = {};
+        std::string ignored;
+        playing = beginOn(m_device, ignored);
+        m_isLost = !playing.isRunning;
+        m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
+        play(m_isLost ? begin(openNullOutput(m_rate), *m_engine) : std::move(playing));
+        return problem;
+    }
     m_device = device;
     m_isLost = false;
     m_attempt = {};

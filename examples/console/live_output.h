@@ -52,8 +52,8 @@ public:
     // on without one; then tries every two seconds to have it back. Call it ten times a second.
     News keepRunning();
 
-    // Goes on with another device, at the same rate. Answers an empty text, or why everything stays
-    // as it is.
+    // Goes on with another device, or with other settings, at the same rate. Answers an empty text,
+    // or why everything stays as it is.
     std::string change(const Device& device);
 
     // The transport stops with its fade, then the output.
@@ -68,6 +68,7 @@ private:
     };
 
     static Playing begin(Output output, Engine& engine);
+    Playing beginOn(const Device& device, std::string& problem);
     static bool provesItself(const Playing& playing);
     bool play(Playing playing);
     bool letGo();

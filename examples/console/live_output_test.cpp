@@ -167,6 +167,30 @@ TEST(LiveOutput, TellsOfAnotherRateLeavesWhatDoesNotStartAndWaitsForTheFadeOfALo
     EXPECT_EQ(engine.position() % 8192, 240);
 }
 
+TEST(LiveOutput, LetsGoOfADeviceThatPlaysOneStreamBeforeItsSettingsChange) {
+    static std::atomic<int> streams;
+    struct Sole final : FakeOutput {
+        using FakeOutput::FakeOutput;
+        ~Sole() override { --streams; }
+    };
+    const auto open = [](const Device& device, std::int32_t rate,
+                         std::string& problem) -> std::unique_ptr<AudioOutput> {
+        if (streams > 0 || device.blockFrames > 1000) return problem = "busy", nullptr;
+        ++streams;
+        return std::make_unique<Sole>(std::make_shared<World>(), "card", rate, device.blockFrames);
+    };
+    LiveOutput::News news;
+    LiveOutput output({"card", 0, 256}, 48'000, news, open);
+    Engine engine(Engine::Feeding::ByThread, output.rate());
+    EXPECT_THAT(output.start(engine), IsEmpty());
+    EXPECT_THAT(output.change({"auto", 0, 256}), IsEmpty());
+    EXPECT_THAT(output.change({"card", 0, 512}), IsEmpty());
+    EXPECT_EQ(output.blockFrames(), 512U);
+    EXPECT_THAT(output.change({"other", 0, 256}), "busy");
+    EXPECT_THAT(output.change({"card", 0, 2048}), "busy");
+    EXPECT_TRUE(output.name() == "card" && output.blockFrames() == 512U && streams == 1);
+}
+
 TEST(Player, KeepsStripsAndTheirEntriesApartWhenTheRateChanges) {
     const auto world = std::make_shared<World>();
     Player::SoundSystems systems;

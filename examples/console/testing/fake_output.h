@@ -19,7 +19,7 @@ struct World {
     std::atomic<int> rate{48000};
 };
 
-class FakeOutput final : public AudioOutput {
+class FakeOutput : public AudioOutput {
 public:
     FakeOutput(std::shared_ptr<const World> world, std::string name, std::int32_t rate,
                std::uint32_t blockFrames)
