@@ -85,10 +85,14 @@ std::string LiveOutput::start(Engine& engine) {
     if (play(begin(std::move(m_playing.output), engine))) return {};
     std::string problem = name() + ": the audio device does not start; playing to no device";
     letGo();
-    play(begin(openNullOutput(m_rate), engine));
+    playWithoutDevice();
+    return problem;
+}
+
+void LiveOutput::playWithoutDevice() {
+    play(begin(openNullOutput(m_rate), *m_engine));
     m_isLost = true;
     m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
-    return problem;
 }
 
 // Takes the engine from the output that plays, and ends that. False, and it plays on, when its
@@ -113,9 +117,7 @@ LiveOutput::News LiveOutput::keepRunning() {
     if (isRunning && pace == Pace::Steady) return {};
     const std::string before = name();
     if (!letGo()) return {};
-    play(begin(openNullOutput(m_rate), *m_engine));
-    m_isLost = true;
-    m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
+    playWithoutDevice();
     const std::string what = !isRunning             ? "has stopped"
                              : pace == Pace::Stands ? "stands still"
                                                     : "runs away";
@@ -180,9 +182,11 @@ std::string LiveOutput::change(const Device& device) {
         playing = {};
         std::string ignored;
         playing = beginOn(m_device, ignored);
-        m_isLost = !playing.isRunning;
-        m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
-        play(m_isLost ? begin(openNullOutput(m_rate), *m_engine) : std::move(playing));
+        if (playing.isRunning) {
+            play(std::move(playing));
+        } else {
+            playWithoutDevice();
+        }
         return problem;
     }
     m_device = device;

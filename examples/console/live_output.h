@@ -71,6 +71,7 @@ private:
     Playing beginOn(const Device& device, std::string& problem);
     static bool provesItself(const Playing& playing);
     bool play(Playing playing);
+    void playWithoutDevice();
     bool letGo();
     void tryToReturn();
     News takeBack();

@@ -14,6 +14,11 @@ namespace {
 
 constexpr std::int32_t kBuiltInRate = 44100;
 
+// `tempo` in thousandths of a beat a minute.
+double samplesOfBeat(std::int32_t tempo, std::int32_t rate) {
+    return 60000.0 / tempo * rate;
+}
+
 // The nearest tick as 32 bits hold it; the division keeps a bad rate from doing harm.
 std::int32_t toTicks(double ticks) {
     constexpr double kLimit = std::numeric_limits<std::int32_t>::max();
@@ -23,7 +28,7 @@ std::int32_t toTicks(double ticks) {
 }  // namespace
 
 void calculateAtRate(std::int32_t samplePosition, std::int32_t rate, CMusicalContext& context) {
-    const double samplesPerBeat = 60000.0 / context.m_tempo * rate;
+    const double samplesPerBeat = samplesOfBeat(context.m_tempo, rate);
     const double samplesPerTick = samplesPerBeat / CMusicalContext::kTicksPerBeat;
     const double barPosition =
         std::remainder(samplePosition / samplesPerBeat, double(context.m_meterNumerator));
@@ -75,8 +80,7 @@ CMusicalContext musicalContext(std::int64_t position, std::int32_t rate, const M
 }
 
 BarBeatTick placeInMusic(std::int64_t position, std::int32_t rate, const Metre& metre) {
-    const double samplesPerBeat = 60000.0 / metre.tempo * rate;
-    const double samplesPerTick = samplesPerBeat / CMusicalContext::kTicksPerBeat;
+    const double samplesPerTick = samplesOfBeat(metre.tempo, rate) / CMusicalContext::kTicksPerBeat;
     const auto samples = static_cast<double>(std::max<std::int64_t>(position, 0));
     const auto ticks = static_cast<std::int64_t>(samples / samplesPerTick + 0.5);
     const std::int64_t beats = ticks / CMusicalContext::kTicksPerBeat;
