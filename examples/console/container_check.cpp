@@ -25,7 +25,7 @@ constexpr unsigned kEndsStream = 4;
 
 class HeaderFile {
 public:
-    explicit HeaderFile(const std::string& path) : m_stream(path, std::ios::binary) {
+    explicit HeaderFile(std::istream& stream) : m_stream(stream) {
         m_stream.seekg(0, std::ios::end);
         if (m_stream) m_size = static_cast<std::uint64_t>(m_stream.tellg());
     }
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    std::ifstream m_stream;
+    std::istream& m_stream;
     std::uint64_t m_size = 0;
 };
 
@@ -109,7 +109,12 @@ bool endsWithItsLastPage(const std::string& tail) {
 }  // namespace
 
 ContainerCheck checkContainer(const std::string& path) {
-    HeaderFile file(path);
+    std::ifstream file(path, std::ios::binary);
+    return checkContainer(file);
+}
+
+ContainerCheck checkContainer(std::istream& stream) {
+    HeaderFile file(stream);
     std::array<char, 12> head{};
     if (!file.read(0, head)) return {};
     const std::string_view kind(head.data(), 4);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 
 namespace veltra::console {
@@ -19,5 +20,6 @@ struct ContainerCheck {
 // of an Ogg file; other files answer {}. A size that a streaming writer left open announces
 // nothing: zero, or above nearly 2 GiB (in 64 bits: 8 EiB) where the file ends before.
 ContainerCheck checkContainer(const std::string& path);
+ContainerCheck checkContainer(std::istream& file);
 
 }  // namespace veltra::console

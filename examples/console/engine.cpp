@@ -195,8 +195,11 @@ bool Engine::isAtEnd() const noexcept {
     const bool goesBack = route().framesToJump(position()) != Route::kNever;
     return m_atEnd == AtEnd::Stays &&
            std::all_of(m_strips.begin(), m_strips.end(), [&](const Entry& entry) {
-               return entry.isUnwanted || (hasStopped && entry.strip->isDrained()) ||
-                      (!goesBack && entry.strip->endsBefore(position()));
+               const Strip& strip = *entry.strip;
+               const bool isOver =
+                   strip.isDrained() || (strip.format().lengthUnknown && strip.framesPlayed() > 0);
+               return entry.isUnwanted || (hasStopped && isOver) ||
+                      (!goesBack && strip.endsBefore(position()));
            });
 }
 

@@ -184,13 +184,11 @@ public:
     BarBeatTick musicalPosition() const;
 
 private:
-    // 0.7 seconds at 48 kHz, and hardly less at any other rate. Offline one chunk does, and stays
-    // in the cache.
+    // 0.7 seconds at 48 kHz, and hardly less at any other rate that a device has; a file's header
+    // may name any. Offline one chunk does, and stays in the cache.
     static constexpr std::size_t aheadFrames(Feeding feeding, std::int32_t rate) {
-        const auto thousands = static_cast<std::size_t>(rate) / 1000;
-        return feeding != Feeding::ByThread
-                   ? kChunkFrames
-                   : std::bit_ceil(std::max<std::size_t>(32768 * thousands / 48, 32768));
+        const auto thousands = static_cast<std::size_t>(std::clamp(rate, 48000, 768000)) / 1000;
+        return feeding != Feeding::ByThread ? kChunkFrames : std::bit_ceil(32768 * thousands / 48);
     }
 
     struct Entry {

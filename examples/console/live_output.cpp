@@ -44,7 +44,8 @@ LiveOutput::LiveOutput(Device device, std::int32_t rate, News& notice, Opener op
       m_rate(m_device.rate > 0 ? m_device.rate : rate),
       m_pace(m_rate, 0) {
     if (m_device.id != Device::Null.id) m_playing.output = m_open(m_device, rate, notice.text);
-    if (!m_playing.output) {
+    m_playsDevice = m_playing.output != nullptr;
+    if (!m_playsDevice) {
         notice.isProblem = m_isLost =
             m_device.id != Device::Auto.id && m_device.id != Device::Null.id;
         const std::uint32_t block = m_device.blockFrames;
@@ -91,20 +92,22 @@ std::string LiveOutput::start(Engine& engine) {
 
 void LiveOutput::playWithoutDevice() {
     play(begin(openNullOutput(m_rate), *m_engine));
+    m_playsDevice = false;
     m_isLost = true;
     m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
 }
 
 // Takes the engine from the output that plays, and ends that. False, and it plays on, when its
-// thread hangs in the middle of a block.
-bool LiveOutput::letGo() {
+// thread hangs in the middle of a block. One that ends in order may need a few blocks' time for it.
+bool LiveOutput::letGo(double blocks) {
     if (m_playing.isRunning && !m_playing.valve->shut()) return false;
+    const std::chrono::duration<double> more(blocks * blockFrames() / m_rate);
     m_underrunsBefore += m_playing.output->underruns();
     auto ended = inBackground([playing = std::exchange(m_playing, {})]() mutable {
         playing.output->stop();
         playing.output.reset();  // before its valve
     });
-    ended.wait_for(kPatience);
+    ended.wait_for(kPatience + more);
     return true;
 }
 
@@ -141,6 +144,7 @@ LiveOutput::News LiveOutput::takeBack() {
     m_nextAttempt = now() + seconds(kSecondsBetweenAttempts);
     if (!playing.output || !letGo()) return {};
     play(std::move(playing));
+    m_playsDevice = true;
     m_isLost = false;
     return {name() + ": the audio device is back", false};
 }
@@ -168,15 +172,21 @@ LiveOutput::Playing LiveOutput::beginOn(const Device& device, std::string& probl
 }
 
 // Both play for a moment, so that the old one goes on where the new one does not start. But many
-// devices play one stream only: with other settings such a one opens when the old stream has gone.
+// devices play one stream only: with other settings such a one opens when the old stream has gone,
+// and until then another may answer to what it is called by.
 std::string LiveOutput::change(const Device& device) {
     std::string problem;
     Playing playing = beginOn(device, problem);
+    if (m_playsDevice && device.id == m_device.id && playing.output &&
+        playing.output->name() != name()) {
+        std::exchange(playing, {});
+    }
     const bool maybeSame =
         device.id == m_device.id || device.id == Device::Auto.id || m_device.id == Device::Auto.id;
-    const bool isInTheWay = playing.output == nullptr && maybeSame && !m_isLost;
+    const bool isInTheWay = playing.output == nullptr && maybeSame && m_playsDevice;
     if (!playing.isRunning && !isInTheWay) return problem;
-    if (!letGo()) return name() + ": the audio device hangs; try again";
+    constexpr double kBuffered = 4.0;  // blocks that a device plays before it ends
+    if (!letGo(isInTheWay ? kBuffered : 0.0)) return name() + ": the audio device hangs; try again";
     if (isInTheWay) playing = beginOn(device, problem);
     if (!playing.isRunning) {
         playing = {};
@@ -190,6 +200,7 @@ std::string LiveOutput::change(const Device& device) {
         return problem;
     }
     m_device = device;
+    m_playsDevice = device.id != Device::Null.id;
     m_isLost = false;
     m_attempt = {};
     play(std::move(playing));

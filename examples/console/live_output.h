@@ -16,8 +16,8 @@
 namespace veltra::console {
 
 // Thread: main. Everything that goes wrong is told in one line, on which playing goes on. Nothing
-// here waits for a device that hangs, for more than half a second, or two of its blocks where they
-// are longer; its thread stays behind.
+// here waits for a device that hangs for more than half a second and four of its blocks; its thread
+// stays behind.
 class LiveOutput {
 public:
     // As openDeviceOutput(); called on other threads, too.
@@ -72,7 +72,7 @@ private:
     static bool provesItself(const Playing& playing);
     bool play(Playing playing);
     void playWithoutDevice();
-    bool letGo();
+    bool letGo(double blocks = 0.0);
     void tryToReturn();
     News takeBack();
 
@@ -82,7 +82,8 @@ private:
     std::int32_t m_rate;
     Engine* m_engine = nullptr;
     PaceWatch m_pace;
-    bool m_isLost = false;  // the device that is wanted is not there, but may come
+    bool m_playsDevice = false;  // and not the null output
+    bool m_isLost = false;       // the device that is wanted is not there, but may come
     Moment m_nextAttempt;
     std::future<Playing> m_attempt;  // to have it back
     std::uint64_t m_underrunsBefore = 0;

@@ -43,7 +43,9 @@ TEST(PaceWatch, ForgivesHonestWorkAndTellsTheRestWithinTwoSeconds) {
         {"does not wait", [&](double time) { return time + 100 * after3(time); }, Pace::RunsAway,
          5},
         {"long blocks", [](double time) { return 8 * std::ceil(time / 8); }, Pace::Steady, 60, 8},
-        {"a long block", [](double) { return 8.0; }, Pace::Stands, 19, 8},
+        {"a long block", [](double) { return 8.0; }, Pace::Stands, 9.6, 8},
+        {"a long block later", [](double time) { return time < 0.05 ? 0.0 : 8.0; }, Pace::Stands,
+         17.6, 8},
         {"twice as fast", [&](double time) { return time + after3(time); }, Pace::RunsAway, 5}};
     for (const Row& row : rows) {
         PaceWatch watch(48000, static_cast<std::uint32_t>(row.block * 48000.0));
@@ -175,7 +177,10 @@ TEST(LiveOutput, LetsGoOfADeviceThatPlaysOneStreamBeforeItsSettingsChange) {
     };
     const auto open = [](const Device& device, std::int32_t rate,
                          std::string& problem) -> std::unique_ptr<AudioOutput> {
-        if (streams > 0 || device.blockFrames > 1000) return problem = "busy", nullptr;
+        const std::uint32_t block = device.blockFrames;
+        if (streams > 0 && block == 300)  // answers to the same name
+            return std::make_unique<FakeOutput>(std::make_shared<World>(), "hdmi", rate, block);
+        if (streams > 0 || block > 1000) return problem = "busy", nullptr;
         ++streams;
         return std::make_unique<Sole>(std::make_shared<World>(), "card", rate, device.blockFrames);
     };
@@ -189,6 +194,24 @@ TEST(LiveOutput, LetsGoOfADeviceThatPlaysOneStreamBeforeItsSettingsChange) {
     EXPECT_THAT(output.change({"other", 0, 256}), "busy");
     EXPECT_THAT(output.change({"card", 0, 2048}), "busy");
     EXPECT_TRUE(output.name() == "card" && output.blockFrames() == 512U && streams == 1);
+    EXPECT_THAT(output.change({"card", 0, 300}), IsEmpty());
+    EXPECT_TRUE(output.name() == "card" && output.blockFrames() == 300U && streams == 1);
+}
+
+TEST(LiveOutput, KeepsToNoDeviceWhereThereIsNone) {
+    int attempts = 0;
+    LiveOutput::News news;
+    LiveOutput output({"auto", 0, 64}, 48'000, news,
+                      [&](const Device&, std::int32_t, std::string& problem) {
+                          ++attempts;
+                          problem = "there is none";
+                          return nullptr;
+                      });
+    Engine engine(Engine::Feeding::ByThread, output.rate());
+    EXPECT_THAT(output.start(engine), IsEmpty());
+    EXPECT_THAT(output.change({"auto", 0, 128}), "there is none");
+    EXPECT_EQ(output.blockFrames(), 64U);
+    EXPECT_EQ(attempts, 2);
 }
 
 TEST(Player, KeepsStripsAndTheirEntriesApartWhenTheRateChanges) {

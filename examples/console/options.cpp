@@ -93,8 +93,8 @@ A file that cannot be read has one line instead: error, and the reason. All meas
 file's own samples, before any change of sample rate.
 
 Exit status: 0 all files were read to their end (or to Ctrl-C), 1 one could not be read, the report,
-the picture or the mix was not written, the device named by --device did not play or any device
-failed, 2 the command line makes no sense or would overwrite something.
+the picture or the mix was not written, or, without a window, the device named by --device did not
+play or any device failed, 2 the command line makes no sense or would overwrite something.
 )";
 
 namespace {

@@ -30,7 +30,7 @@ Pace PaceWatch::look(Moment now, std::uint64_t frames) noexcept {
     if (lead > kMostAhead + m_block) return Pace::RunsAway;
     if (-lead > (m_hasStarted ? kMostBehind : kMostBehindAtStart) + m_block) return Pace::Stands;
     const bool isSteady = std::fabs(lead) < kSteady + m_block;
-    if ((passed >= 1.0 + 2.0 * m_block && isSteady) || passed >= kUntilForgiven + m_block) {
+    if ((passed >= 1.0 + 2.0 * m_block && isSteady) || passed >= kUntilForgiven + 2.0 * m_block) {
         m_anchor = Mark{now, frames};
         m_hasStarted = true;
     }

@@ -101,8 +101,9 @@ public:
 
     // Whether the file says that it ends at or before that output frame. Thread: any.
     bool endsBefore(std::int64_t frame) const noexcept {
-        return framesTotal() > 0 && static_cast<double>(frame - m_offset) * m_stream.speed() >=
-                                        static_cast<double>(framesTotal());
+        return !format().lengthUnknown &&
+               static_cast<double>(frame - m_offset) * m_stream.speed() >=
+                   static_cast<double>(framesTotal());
     }
 
     // Frames that were due and not there. Thread: any.

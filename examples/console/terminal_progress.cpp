@@ -30,8 +30,10 @@ std::string progressText(const std::vector<ProgressLine>& lines, std::size_t col
         if (line.value >= 0.0) text += formatted(" %d %%", static_cast<int>(line.value * 100.0));
     }
     std::size_t end = 0;
-    for (std::size_t count = 0; end < text.size(); ++end) {
-        if (!continuesCharacter(text[end]) && count++ == columns) break;
+    for (std::size_t used = 0; end < text.size(); ++end) {
+        if (continuesCharacter(text[end])) continue;
+        used += static_cast<unsigned char>(text[end]) < 0xE1 ? 1 : 2;  // from U+1000 on maybe wide
+        if (used > columns) break;
     }
     return text.substr(0, end);
 }

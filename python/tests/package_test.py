@@ -46,9 +46,9 @@ class Buffers:
                 self.assertEqual([len(row) for row in veltra.to_float(b"", 2, channels=2)], [0, 0])
 
     def test_what_is_no_row_of_floats_is_refused(self):
-        rows = [b"1234", bytearray(8), "1234", [[0.0, 0.0]]]
+        rows = [b"1234", bytearray(8), memoryview(b"1234"), "1234", ["1", "0.5"], [[0.0, 0.0]]]
         if _buffers.numpy:
-            rows.append(_buffers.numpy.zeros((2, 2)))
+            rows += [_buffers.numpy.zeros((2, 2)), _buffers.numpy.array(0.5)]
         for row in rows:
             for channels, sample_format in ((1, 2), (2, 2), (2, 4), (3, 2)):
                 with self.assertRaises((TypeError, ValueError)):

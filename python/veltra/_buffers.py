@@ -48,15 +48,18 @@ def copy_of(data: "BytesLike") -> "ctypes.Array[c_char]":
 
 def row_of(samples: "Floats") -> "FloatArray":
     """The samples of a channel as 32-bit floats in one piece."""
-    if isinstance(samples, (str, bytes, bytearray)):
+    holds_bytes = isinstance(samples, memoryview) and samples.format not in ("f", "d")
+    if holds_bytes or isinstance(samples, (str, bytes, bytearray)):
         raise TypeError("a channel is a row of floats, not text or bytes")
     if numpy is not None:
         if not hasattr(samples, "__len__"):
             samples = list(samples)
-        values = numpy.ascontiguousarray(samples, dtype=numpy.float32)
+        values = numpy.asarray(samples)
         if values.ndim != 1:
             raise ValueError("a channel is one row of samples")
-        return values
+        if values.dtype.kind not in "biuf":
+            raise TypeError("a channel is a row of numbers")
+        return numpy.ascontiguousarray(values, dtype=numpy.float32)
     if isinstance(samples, array) and samples.typecode == "f":
         return samples
     return array("f", samples)

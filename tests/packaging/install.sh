@@ -11,6 +11,7 @@ prefix=$work/prefix
 uninstall() { cmake "-DBUILD_FOLDER=$1" -P "$source_dir/cmake/VeltraUninstall.cmake" >>"$work/install.log"; }
 for staged in '' "$work/staged"; do
     DESTDIR=$staged cmake --install "$build_dir" --prefix "$work/gone" >>"$work/install.log"
+    if DESTDIR=$work/elsewhere uninstall "$build_dir" 2>/dev/null; then echo "removed what is not there"; exit 1; fi
     DESTDIR=$staged uninstall "$build_dir"
     left=$(find "$staged$work/gone" ! -type d -o -iname '*veltra*')
     [ -z "$left" ] || { echo "left after uninstalling:"; echo "$left"; exit 1; }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The modifier keys of a keyboard, as events report them and as shortcuts are written.
+//
+// Thread: any. Realtime-safe: yes.
 #pragma once
 
 #include "veltra/base/flags.h"

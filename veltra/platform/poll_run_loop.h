@@ -58,7 +58,7 @@ private:
 
     Round round(Nanoseconds longest);
     bool takeStop() noexcept;
-    void wait(int stopDescriptor, Nanoseconds longest) const noexcept;
+    void wait(int stopDescriptor, Nanoseconds longest) const;
     bool ownsTimerDescriptor() const noexcept;
 
     std::atomic<bool> m_isStopAsked{false};  // any thread

@@ -28,7 +28,9 @@ void ActionCell::encodeWithCoder(KeyedCoder& coder) const {
 }
 
 void ActionCell::decodeWithCoder(const KeyedCoder& coder) {
+    const WeakPointer<Cell> self(this);
     Cell::decodeWithCoder(coder);
+    if (!self) return;
     m_tag = static_cast<std::int32_t>(coder.decodeInt64(kTag, m_tag));
 }
 

@@ -49,7 +49,8 @@ public:
             isTakenHere = pulls;
             hasLostRelease = !pulls;
         }
-        return isTakenHere || (m_outer != nullptr && m_outer->takesRelease(release));
+        const bool isTakenOutside = m_outer != nullptr && m_outer->takesRelease(release);
+        return isTakenHere || isTakenOutside;
     }
 
     bool isTaken = true;

@@ -45,7 +45,8 @@ public:
     Event nextEvent(EventMask mask, RunLoopMode mode);
 
     // For ports, and for tests: hands over one event. It is sent to its window at once, or kept for
-    // whoever waits in nextEvent(). An event whose window is gone is dropped.
+    // whoever waits in nextEvent(); a release also for a handler of its press that has asked there
+    // before and has not returned. An event whose window is gone is dropped.
     // Returns false when the event went up the chain of responders and nobody handled it: a port
     // then offers it to what is around the window.
     bool postEvent(Event event);

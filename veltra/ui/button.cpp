@@ -31,11 +31,6 @@ Color inkOn(Color face, const Theme& colors) {
     return luminance > 0.45F ? colors.onSwitch : kWhite;
 }
 
-bool isPressKey(const Event& event) noexcept {
-    const char16_t key = event.plainKey();
-    return key == u' ' || key == kReturnCharacter || key == kEnterCharacter;
-}
-
 }  // namespace
 
 ButtonCell::ButtonCell(std::string_view title, Kind kind) : Cell(title), m_kind(kind) {
@@ -181,7 +176,7 @@ std::vector<AccessibilityAction> ButtonCell::accessibilityActions() const {
 }
 
 bool ButtonCell::wantsKey(const Event& event) const {
-    return isEnabled() && isPressKey(event);
+    return isEnabled() && event.isPressKey();
 }
 
 void ButtonCell::encodeWithCoder(KeyedCoder& coder) const {
@@ -190,8 +185,9 @@ void ButtonCell::encodeWithCoder(KeyedCoder& coder) const {
 }
 
 void ButtonCell::decodeWithCoder(const KeyedCoder& coder) {
+    const WeakPointer<Cell> self(this);
     Cell::decodeWithCoder(coder);
-    if (m_kind == Kind::Toggle) setOn(coder.decodeBool(kOn, m_isOn));
+    if (self && m_kind == Kind::Toggle) setOn(coder.decodeBool(kOn, m_isOn));
 }
 
 bool ButtonCell::performAccessibilityAction(AccessibilityAction action) {
@@ -204,7 +200,7 @@ Button::Button(const Rect& frame, std::string_view title, ButtonCell::Kind kind)
     : Control(frame, std::make_unique<ButtonCell>(title, kind)) {}
 
 void Button::keyDown(const Event& event) {
-    if (!isPressKey(event)) return Control::keyDown(event);
+    if (!event.isPressKey()) return Control::keyDown(event);
     if (!event.isRepeat) performClick();
 }
 

@@ -245,7 +245,9 @@ void Cell::decodeWithCoder(const KeyedCoder& coder) {
     } else if (value.kind() == PropertyValue::Kind::String) {
         setStringValue(value.asString());
     }
-    setEnabled(coder.decodeBool(kEnabled, m_isEnabled));
+    const WeakPointer<Cell> self(this);
+    setEnabled(coder.decodeBool(kEnabled, m_isEnabled));  // may end a run, whose observers may act
+    if (!self) return;
     setEditable(coder.decodeBool(kEditable, m_isEditable));
     setBordered(coder.decodeBool(kBordered, m_isBordered));
     setBezeled(coder.decodeBool(kBezeled, m_isBezeled));

@@ -38,6 +38,7 @@ void Control::setCell(std::unique_ptr<Cell> cell) {
     }
     std::swap(m_cell, cell);
     Application::current().discard(std::move(cell));
+    if (!self) return;
     if (m_cell) m_cell->calculateInternalsFromCellFrame(bounds(), *this);
     setNeedsDisplay();
 }

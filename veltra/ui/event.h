@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the user did: one press, movement, turn of the wheel, key or touch.
+//
+// Thread: main, as everything of veltra/ui.
 #pragma once
 
 #include "veltra/base/flags.h"
@@ -113,6 +115,12 @@ struct Event {
         if (!(modifierFlags & kOthers).isEmpty() || charactersIgnoringModifiers.empty())
             return u'\0';
         return charactersIgnoringModifiers.front();
+    }
+
+    // Whether the key presses a button that has the keyboard: Space, Return or Enter.
+    bool isPressKey() const noexcept {
+        const char16_t key = plainKey();
+        return key == u' ' || key == kReturnCharacter || key == kEnterCharacter;
     }
 };
 

@@ -253,15 +253,17 @@ bool Window::makeFirstResponder(Responder* responder) {
 }
 
 // False when it does not resign, or the window dies of it. One that resigns may give the keys to
-// another, who is asked in turn.
+// another, who is asked in turn; who pass them to and fro lose them.
 bool Window::takeKeysFromFirstResponder() {
     const WeakPointer<Window> self(this);
-    while (m_firstResponder) {
+    constexpr int kMostAsked = 8;
+    for (int asked = 0; m_firstResponder && asked < kMostAsked; ++asked) {
         const WeakPointer<Responder> before(m_firstResponder);
         if (!before->resignFirstResponder() || !self) return false;
         if (m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
         if (auto* const shown = dynamic_cast<View*>(before.get())) shown->setNeedsDisplay();
     }
+    m_firstResponder = nullptr;
     return true;
 }
 
@@ -593,18 +595,20 @@ std::optional<ViewToolTips::Found> Window::toolTipAt(Point inWindow) const {
 
 // What the view is told may destroy it, and the window.
 void Window::viewLeaves(View& view) {
-    ToolTipWindow::shared().viewLeaves(view);  // also while the window is being destroyed
+    ToolTipWindow::shared().viewLeaves(view);
     const WeakPointer<Window> self(this);
     const WeakPointer<View> leaving(&view);
+    const bool isDying = !self;  // being destroyed, it outlives what is done here
+    const auto goesOn = [&] { return (isDying || self) && leaving; };
     if (m_firstResponder.get() == &view) {
         view.resignFirstResponder();
-        if (!self || !leaving) return;
+        if (!goesOn()) return;
         if (m_firstResponder.get() == &view) m_firstResponder = nullptr;
     }
     if (m_hovered.get() == &view) endHovering();
-    if (!self || !leaving) return;
+    if (!goesOn()) return;
     if (m_pressed.get() == &view) releaseLostButton();
-    if (!self || !leaving) return;
+    if (!goesOn()) return;
     if (m_rightPressed.get() == &view) m_rightPressed = nullptr;
     cancelTouches(&view);
 }
@@ -618,7 +622,10 @@ void Window::viewIsHidden(View& view) {
     if (isInside(m_hovered.get(), view)) endHovering();
     if (self && holds(m_pressed.get())) releaseLostButton();
     if (self && hidden) cancelTouches(&view);
-    if (self && holds(dynamic_cast<View*>(m_firstResponder.get()))) makeFirstResponder(nullptr);
+    if (!self || !holds(dynamic_cast<View*>(m_firstResponder.get()))) return;
+    const WeakPointer<Responder> before(m_firstResponder);  // may name another, who keeps the keys
+    const bool resigns = before->resignFirstResponder();
+    if (self && resigns && m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
 }
 
 }  // namespace veltra

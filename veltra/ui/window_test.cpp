@@ -132,6 +132,24 @@ TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
     one.react = [&] { gives(&third); };
     one.removeFromSuperview();
     EXPECT_EQ(host.window.firstResponder(), &third) << "not the heir";
+    third.react = [&] { gives(&other); };
+    third.setHidden(true);
+    EXPECT_EQ(host.window.firstResponder(), &other) << "not the heir";
+    // Two that pass them to and fro.
+    third.setHidden(false);
+    auto& fourth = host.view.addSubview(std::make_unique<Moody>(Rect{{0, 50}, {50, 50}}));
+    bool isInside = false;
+    const std::function<void()> pass = [&] {
+        const bool isOther = host.window.firstResponder() == &other;
+        (isOther ? other : third).react = pass;
+        if (std::exchange(isInside, true)) return;
+        gives(isOther ? &third : &other);
+        isInside = false;
+    };
+    other.react = third.react = pass;
+    EXPECT_TRUE(gives(&fourth));
+    EXPECT_EQ(host.window.firstResponder(), &fourth);
+    other.react = third.react = [] {};
 }
 
 TEST(FocusRing, FollowsItsViewWhileKeysLeadBeyondItsBounds) {

@@ -43,7 +43,8 @@ struct DirectoryAttributes {
 // Makes the folder and all that are missing on the way to it. Those that exist stay as they are.
 // Folders on the way can always be written to by their owner. Returns true when the folder is there
 // at the end, also when somebody else was faster; false when something else is in the way or the
-// system refuses. Folders that were made until then stay.
+// system refuses, as it may where the umask takes reading from the owner. Folders that were made
+// until then stay.
 VELTRA_EXPORT bool createDirectoriesRecursivelyAtPath(
     std::string_view path, const DirectoryAttributes& attributes = {}) noexcept;
 VELTRA_EXPORT bool makeSureDirectoryExistsAtPath(std::string_view path) noexcept;

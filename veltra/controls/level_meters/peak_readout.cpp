@@ -94,7 +94,7 @@ void PeakReadout::mouseExited(const Event& /*event*/) {
 
 void PeakReadout::keyDown(const Event& event) {
     if (!wantsKey(event)) return Control::keyDown(event);
-    click();
+    if (!event.isRepeat) click();
 }
 
 std::optional<View::FocusShape> PeakReadout::focusShape() const {

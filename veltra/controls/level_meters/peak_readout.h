@@ -54,7 +54,7 @@ public:
     void mouseEntered(const Event& event) override;
     void mouseExited(const Event& event) override;
     void keyDown(const Event& event) override;
-    bool wantsKey(const Event& event) const override { return isEnabled() && isPressKey(event); }
+    bool wantsKey(const Event& event) const override { return isEnabled() && event.isPressKey(); }
     bool acceptsFirstResponder() const override { return isEnabled(); }
     std::optional<FocusShape> focusShape() const override;
     void drawRect(Canvas& canvas, const Rect& dirty) override;
@@ -71,10 +71,6 @@ public:
     void setAccessibilityUnit(std::string key) { m_unit = std::move(key); }
 
 private:
-    static bool isPressKey(const Event& event) noexcept {
-        const char16_t key = event.plainKey();
-        return key == kReturnCharacter || key == kEnterCharacter || key == u' ';
-    }
     void show(double decibels);
     void click();
 

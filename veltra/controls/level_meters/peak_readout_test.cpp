@@ -73,6 +73,9 @@ TEST_F(PeakReadoutViewTest, AClickAKeyOrAPressBeginsAgainAndSendsTheAction) {
         EXPECT_EQ(readout->accessibilityValueText(), "silence");
     }
     host->key(u'x');
+    Event held = host->keyEvent(u' ');
+    held.isRepeat = true;
+    Application::current().postEvent(held);
     const auto isWanted = [&](char16_t key) { return host->window.wantsKey(host->keyEvent(key)); };
     EXPECT_TRUE(isWanted(u' ') && isWanted(u'\r') && !isWanted(u'x'));
     readout->setEnabled(false);

@@ -221,9 +221,8 @@ void QkCellGroupControl::setEnabled(bool isEnabled) {
         if (!self) return;
     }
     Control::setEnabled(isEnabled);
-    if (!self) return;
-    for (const auto& cell : m_cells)
-        cell->setEnabled(isEnabled);
+    for (std::size_t i = 0; self && i < m_cells.size(); ++i)
+        m_cells[i]->setEnabled(Control::isEnabled());
 }
 
 // Editing.
@@ -421,6 +420,8 @@ void QkCellGroupControl::keyDown(const Event& event) {
             return Control::keyDown(event);
         case kReturnCharacter:
         case kEnterCharacter:
+            if (event.isRepeat)
+                return;  // or it would begin and end to edit for as long as it is held
             return m_editingCell ? sendToEditingCell(event) : startEditingForCell(cellAtIndex(0));
         case kLeftArrowCharacter:
             return walk(false, event);

@@ -64,7 +64,7 @@ void QkNumberEditorCell::setNewValueAndSendAction(std::int32_t value) {
 }
 
 void QkNumberEditorCell::sendCellAction() {
-    action().send(target(), this);
+    if (target() != nullptr) Application::current().sendAction(action(), target(), this);
 }
 
 // Edit mode.

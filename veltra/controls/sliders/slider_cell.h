@@ -60,7 +60,8 @@ public:
 
     // Set-up.
 
-    // Puts a new cell of this class in the place of the slider's own, with its properties.
+    // Puts a new cell of this class in the place of the slider's own, with its properties. A drag
+    // of the slider ends; who hears of that must leave the slider alive.
     static QkSliderCell& replacedCellInSlider(Slider& slider);
     // Takes over what the other cell is set to: value, limits, marks, orientation, step, target,
     // action, when that is sent, tag, font and the like; and all of this class and the one below

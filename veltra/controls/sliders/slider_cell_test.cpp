@@ -387,9 +387,13 @@ TEST_F(SliderCellTest, SaysNumbersAsFinelyAsTheyChange) {
 // In each call out the slider is deleted at once, or discarded as a host does it; or the pointer is
 // lost because the slider is disabled, hidden or its window closed. Each start has its stop.
 TEST_F(SliderCellTest, SurvivesWhateverHappensInItsCalls) {
+    QkSliderCell off;
+    off.setEnabled(false);
+    KeyedCoder disabled;
+    off.encodeWithCoder(disabled);
     for (const char* place : {"start", "send", "stop", "tip"}) {
         for (const int way : {0, 1, 2, 3, 4}) {
-            for (const int gesture : {0, 1, 2, 3, 4}) {
+            for (const int gesture : {0, 1, 2, 3, 4, 5, 6}) {
                 SCOPED_TRACE(place + std::string(" ") + std::to_string(way) +
                              std::to_string(gesture));
                 SliderHost on;
@@ -411,6 +415,10 @@ TEST_F(SliderCellTest, SurvivesWhateverHappensInItsCalls) {
                     on.host.wheel({5, 5}, 1.0F);
                 } else if (gesture == 4) {
                     on.host.key(kUpArrowCharacter);
+                } else if (gesture > 4) {  // the run is under way
+                    on.host.wheel({5, 5}, 1.0F);
+                    if (slider && gesture == 5) on.slider().setCell(std::make_unique<SliderCell>());
+                    if (slider && gesture == 6) on.cell.decodeWithCoder(disabled);
                 } else {
                     on.host.press({60, 20}, 1, gesture == 1 ? kAlternateKeyMask : ModifierFlags{});
                     on.host.drag({70, 20});

@@ -4,6 +4,7 @@
 #include "veltra/base/out_of_memory.h"
 #include "veltra/platform/clock.h"
 #include "veltra/platform/fork_generation.h"
+#include "veltra/platform/no_cancellation.h"
 #include "veltra/platform/port.h"
 
 #include <algorithm>
@@ -67,6 +68,7 @@ public:
     Waker(const Waker&) = delete;
     Waker& operator=(const Waker&) = delete;
     ~Waker() {
+        const NoCancellation whileItIsClosed;
         const int descriptor = m_descriptor.load(std::memory_order_relaxed);
         if (descriptor >= 0 && isOurs()) ::close(descriptor);
     }
@@ -75,6 +77,7 @@ public:
     void wake() const noexcept {
         const bool isRenewed = isOurs();
         const int descriptor = m_descriptor.load(std::memory_order_relaxed);
+        const NoCancellation whileItIsWritten;
         // Fails only when the count is full, and then the descriptor is readable already.
         if (isRenewed && descriptor >= 0) static_cast<void>(::eventfd_write(descriptor, 1));
     }
@@ -107,6 +110,7 @@ std::shared_ptr<PollRunLoop::Waker> PollRunLoop::makeWaker() noexcept {
 PollRunLoop::PollRunLoop() noexcept : m_waker(makeWaker()) {}
 
 PollRunLoop::~PollRunLoop() {
+    const NoCancellation whileItIsClosed;
     if (ownsTimerDescriptor()) ::close(m_timerDescriptor);
 }
 
@@ -152,7 +156,8 @@ bool PollRunLoop::takeStop() noexcept {
     return m_isStopAsked.exchange(false, std::memory_order_seq_cst);  // with stop()
 }
 
-void PollRunLoop::wait(int stopDescriptor, Nanoseconds longest) const noexcept {
+// A thread may be cancelled while it waits.
+void PollRunLoop::wait(int stopDescriptor, Nanoseconds longest) const {
     const std::optional<Moment> deadline = nextDeadline();
     if (deadline) longest = std::min(longest, waitUntil(*deadline));
     if (stopDescriptor < 0) longest = std::min(longest, kBlindWait);

@@ -135,7 +135,9 @@ void QkSliderCell::encodeWithCoder(KeyedCoder& coder) const {
 // The value is one that was kept before: no mark captures it now.
 void QkSliderCell::decodeWithCoder(const KeyedCoder& coder) {
     std::vector<double> marks = std::exchange(m_magneticMarks, {});
+    const WeakPointer<Cell> self(this);
     QkLogSliderCell::decodeWithCoder(coder);
+    if (!self) return;
     m_magneticMarks = std::move(marks);
     decodeOwn(coder);
 }
@@ -156,7 +158,9 @@ void QkSliderCell::initWithPropertiesOfSliderCell(const SliderCell& other) {
     KeyedCoder properties;
     other.encodeWithCoder(properties);
     setVertical(std::nullopt);  // which no archive says
+    const WeakPointer<Cell> self(this);
     decodeWithCoder(properties);
+    if (!self) return;
     setTarget(other.target());
     setAction(other.action());
     const auto* const own = dynamic_cast<const QkSliderCell*>(&other);
