@@ -8,6 +8,7 @@
 #include "veltra/memory/leak_guard.h"
 #include "veltra/platform/allocation_zone.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -43,13 +44,15 @@ void plainPair() {
     plainFree(block);
 }
 
+int mostFrames = 0;
+
+// As many frames as the guard looks at: those above the scope, at least as many as it keeps.
 void unwinderWalk() {
     int frames = 0;
     _Unwind_Backtrace(
         [](_Unwind_Context* context, void* argument) {
             benchmark::DoNotOptimize(_Unwind_GetIP(context));
-            ++*static_cast<int*>(argument);
-            return _URC_NO_REASON;
+            return ++*static_cast<int*>(argument) < mostFrames ? _URC_NO_REASON : _URC_END_OF_STACK;
         },
         &frames);
     benchmark::DoNotOptimize(frames);
@@ -75,6 +78,11 @@ void runAbove(int frames, benchmark::State& state) {
 template <void (*body)()>
 void atDepth(benchmark::State& state) {
     runAbove<body>(static_cast<int>(state.range(0)), state);
+}
+
+void unwinderAtDepth(benchmark::State& state) {
+    mostFrames = std::max(16, static_cast<int>(state.range(0)) + 1);
+    atDepth<unwinderWalk>(state);
 }
 
 void inScope(benchmark::State& state) {
@@ -106,7 +114,7 @@ BENCHMARK(atDepth<plainPair>)->Name("plain")->Arg(1);
 BENCHMARK(atDepth<guardedPair>)->Name("guard, no scope")->Arg(1);
 BENCHMARK(scopeElsewhere)->Name("guard, scope on another thread")->Arg(1);
 BENCHMARK(inScope)->Name("guard, in scope")->Arg(10)->Arg(40);
-BENCHMARK(atDepth<unwinderWalk>)->Name("walk by libgcc")->Arg(10)->Arg(40);
+BENCHMARK(unwinderAtDepth)->Name("walk by libgcc")->Arg(10)->Arg(40);
 BENCHMARK(atDepth<libraryWalk>)->Name("walk by backtrace, 16 frames")->Arg(40);
 BENCHMARK_CAPTURE(peer, guard, GUARDED_PEER " ")
     ->Name("guard, process")

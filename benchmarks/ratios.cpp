@@ -14,6 +14,16 @@ namespace {
 
 using Times = std::map<std::string, std::vector<double>>;
 
+// Empty when there is none. Google Benchmark 1.8 renamed it.
+template <typename Run>
+std::string problemOf(const Run& run) {
+    if constexpr (requires { run.error_occurred; }) {
+        return run.error_occurred ? run.error_message : "";
+    } else {
+        return static_cast<int>(run.skipped) != 0 ? run.skip_message : "";
+    }
+}
+
 // Keeps the time of one iteration of every repetition, in nanoseconds.
 class Collector final : public benchmark::BenchmarkReporter {
 public:
@@ -24,8 +34,9 @@ public:
             if (run.run_type != Run::RT_Iteration) continue;
             const std::string name = run.run_name.function_name +
                                      (run.run_name.args.empty() ? "" : "/" + run.run_name.args);
-            if (run.error_occurred) {
-                std::printf("%s: %s\n", name.c_str(), run.error_message.c_str());
+            if (const std::string problem = problemOf(run); !problem.empty()) {
+                std::printf("%s: %s\n", name.c_str(), problem.c_str());
+                m_hasFailed = true;
                 continue;
             }
             const double seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
@@ -34,6 +45,7 @@ public:
     }
 
     Times m_times;
+    bool m_hasFailed = false;
 };
 
 double median(std::vector<double> values) {
@@ -74,7 +86,7 @@ int runRatios(int argc, char** argv, std::span<const Ratio> ratios) {
     for (const auto& [name, times] : collector.m_times)
         std::printf("%-44s %14.2f\n", name.c_str(), median(times));
 
-    int status = 0;
+    int status = collector.m_hasFailed ? 2 : 0;
     std::printf("\n%-44s %12s %12s %7s %7s\n", "ratio", "ours ns", "reference ns", "ratio",
                 "limit");
     for (const Ratio& ratio : ratios) {

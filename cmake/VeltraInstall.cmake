@@ -29,6 +29,9 @@ install(FILES "${PROJECT_BINARY_DIR}/VeltraConfig.cmake" "${PROJECT_BINARY_DIR}/
     DESTINATION "${package_folder}")
 
 # The prefix is found from the file's own place, so that an installed tree can be moved.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    message(FATAL_ERROR "CMAKE_INSTALL_LIBDIR must be below the prefix, not '${CMAKE_INSTALL_LIBDIR}'")
+endif()
 file(RELATIVE_PATH prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
 list(JOIN VELTRA_LINK_NAMES " " pc_libraries)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What headers of functions with C linkage need: the export mark and their frame.
 //
-// Between VELTRA_C_BEGIN and VELTRA_C_END such a header is plain C11. C++ (any standard since
-// C++11) sees the same functions in namespace veltra, with C linkage and noexcept, so that one
-// symbol serves every language.
+// Between VELTRA_C_BEGIN and VELTRA_C_END such a header is plain C11. C++ (since C++17) sees the
+// same functions in namespace veltra, with C linkage and noexcept, so that one symbol serves every
+// language.
 #pragma once
 
 #if defined(__GNUC__)

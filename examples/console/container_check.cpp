@@ -140,7 +140,7 @@ ContainerCheck checkContainer(std::istream& stream) {
         const std::uint32_t size = number(&chunk[4], bigEndian);
         position += chunk.size();
         std::array<char, 16> sizes{};
-        if (isLarge && name == "ds64" && file.read(position, sizes))
+        if (isLarge && name == "ds64" && size >= sizes.size() && file.read(position, sizes))
             largeSize = number64(&sizes[8]);
         if (isLarge && name == "data" && size == kIn64Bits) {
             compareSizes(largeSize, position, file.size(), result, kStreamedSize64);

@@ -207,7 +207,8 @@ struct Take {
 TEST(Transport, LoopsToTheFrameLocatesWithAFadeAndStopsAtTheEndOfTheLongest) {
     constexpr std::size_t kRamp = 221;
     const std::string path = counting("count.wav", 30'000);
-    Take take{path, synthetic("short.wav", 44100, "100s sin 9 vol 0")};
+    Take take{path, synthetic("short.wav", 44100, "100s sin 9 vol 0"),
+              synthetic("empty.wav", 44100, "0.1 sin 9 trim 0 0")};
     EXPECT_TRUE(take.engine.isPlaying());
     take.engine.setLoop(true, 1000, 3500);
     take.play(12'000);

@@ -179,7 +179,9 @@ std::string LiveOutput::change(const Device& device) {
     Playing playing = beginOn(device, problem);
     if (m_playsDevice && device.id == m_device.id && playing.output &&
         playing.output->name() != name()) {
-        std::exchange(playing, {});
+        inBackground([other = std::exchange(playing, {})]() mutable {
+            other.output.reset();  // before its valve
+        }).wait_for(kPatience);
     }
     const bool maybeSame =
         device.id == m_device.id || device.id == Device::Auto.id || m_device.id == Device::Auto.id;

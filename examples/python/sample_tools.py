@@ -42,14 +42,14 @@ def names():
 
 
 def kernels():
-    best = veltra.kernels_in_force()
-    for family, variant in best.items():
+    chosen = veltra.kernels_in_force()
+    for family, variant in chosen.items():
         print(f"{family} runs as {variant}")
         veltra.use_kernel(family, "plain")  # to compare, in a test or a bug report
     plain = checksums()
-    for family in best:
-        veltra.use_kernel(family)  # the best again
-    return plain and best == veltra.kernels_in_force() and not veltra.use_kernel("crc32", "none")
+    for family, variant in chosen.items():
+        veltra.use_kernel(family, variant)  # without a name, the best that the processor runs
+    return plain and chosen == veltra.kernels_in_force() and not veltra.use_kernel("crc32", "none")
 
 
 checks = (samples, channels, records, checksums, names, kernels)

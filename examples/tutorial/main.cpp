@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
     // 1. A file; without one half a second that decays, of which only the high bytes are set.
     std::vector<char> file(44 + 4 * 22050);
     for (unsigned i = 45; i < file.size(); i += 2)
-        file[i] = static_cast<char>(100 * std::sin(i / 80.0) * std::exp(i / -16000.0));
+        file[i] = static_cast<char>(int(100 * std::sin(i / 80.0) * std::exp(i / -16000.0)));
     if (argc > 1) {
         std::ifstream stream(argv[1], std::ios::binary);
         file.assign(std::istreambuf_iterator<char>(stream), {});

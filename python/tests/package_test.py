@@ -3,6 +3,7 @@
 """Laws and tables of the package, without numpy and, where there is one, with it."""
 import array
 import copy
+import fractions
 import math
 import os
 import pickle
@@ -54,6 +55,10 @@ class Buffers:
                 with self.assertRaises((TypeError, ValueError)):
                     veltra.from_float(*[row] * channels, sample_format=sample_format)
 
+    def test_whatever_counts_as_a_number_is_one(self):
+        for row in ([0.5], [fractions.Fraction(1, 2)], array.array("d", [0.5]), memoryview(array.array("f", [0.5]))):
+            self.assertEqual(veltra.from_float(row, sample_format=2), veltra.from_float([0.5], sample_format=2))
+
     def test_each_kind_of_buffer_is_read_alike(self):
         data = bytes(range(96))
         spaced = bytearray(192)
@@ -83,6 +88,8 @@ class Buffers:
             records = onsets.to_numpy()
             self.assertEqual(records["pos"].tolist(), [9, -1, 9])
             self.assertEqual(Transients(records), onsets)
+            swapped = records.astype(records.dtype.newbyteorder())
+            self.assertRaises(TypeError, Transients, swapped)
         else:
             self.assertRaises(ImportError, onsets.to_numpy)
 
@@ -128,6 +135,8 @@ class Values(unittest.TestCase):
                 (TypeError, lambda: Transients().append(3)),
                 (TypeError, lambda: Transients([Transient()]).__setitem__(0, 3)),
                 (TypeError, lambda: veltra.utf8_check(0)),
+                (OverflowError, lambda: setattr(Transient(5), "pos", 1 << 64)),
+                (OverflowError, lambda: setattr(veltra.MusicalContext(0), "position_in_ticks", 1 << 40)),
                 (TypeError, lambda: veltra.swap_record(b"abcd", "\3")),
                 (TypeError, lambda: copy.copy(veltra.LevelBallistics())),
                 (TypeError, lambda: copy.deepcopy(veltra.LevelBallistics())),
@@ -159,7 +168,7 @@ class Values(unittest.TestCase):
     def test_a_kernel_without_a_name_changes_nothing(self):
         self.addCleanup(veltra.use_kernel, "crc32")
         self.assertTrue(veltra.use_kernel("crc32", "plain"))
-        self.assertFalse(veltra.use_kernel("crc32", ""))
+        self.assertFalse(veltra.use_kernel("crc32", "") or veltra.use_kernel("crc32", "plain\0"))
         self.assertEqual(veltra.kernels_in_force()["crc32"], "plain")
 
     def test_channels_and_notes(self):

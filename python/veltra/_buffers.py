@@ -48,15 +48,17 @@ def copy_of(data: "BytesLike") -> "ctypes.Array[c_char]":
 
 def row_of(samples: "Floats") -> "FloatArray":
     """The samples of a channel as 32-bit floats in one piece."""
-    holds_bytes = isinstance(samples, memoryview) and samples.format not in ("f", "d")
+    holds_bytes = isinstance(samples, memoryview) and samples.format in ("B", "b", "c")
     if holds_bytes or isinstance(samples, (str, bytes, bytearray)):
         raise TypeError("a channel is a row of floats, not text or bytes")
     if numpy is not None:
-        if not hasattr(samples, "__len__"):
+        if not hasattr(samples, "__getitem__"):
             samples = list(samples)
         values = numpy.asarray(samples)
         if values.ndim != 1:
             raise ValueError("a channel is one row of samples")
+        if values.dtype.kind == "O":  # fractions, for example
+            values = numpy.asarray(array("d", values))
         if values.dtype.kind not in "biuf":
             raise TypeError("a channel is a row of numbers")
         return numpy.ascontiguousarray(values, dtype=numpy.float32)

@@ -10,7 +10,17 @@ from typing import Iterator
 from ._version import __version__
 
 
-class MusicalContextRecord(ctypes.Structure):
+class _Record(ctypes.Structure):
+    """Refuses numbers that a field would cut off."""
+
+    def __setattr__(self, name: str, value: object) -> None:
+        kind = dict(self._fields_).get(name)
+        if kind in (c_int32, c_int64, c_uint32) and kind(value).value != value:
+            raise OverflowError(f"{name} cannot hold {value}")
+        super().__setattr__(name, value)
+
+
+class MusicalContextRecord(_Record):
     """VLMusicalContext."""
     _fields_ = [(name, c_int32) for name in (
         "sample_position", "second", "tempo", "meter_numerator", "meter_denominator",
@@ -18,8 +28,9 @@ class MusicalContextRecord(ctypes.Structure):
             ("reserved", c_int32 * 4), ("last", c_uint32)]
 
 
-class TransientRecord(ctypes.Structure):
+class TransientRecord(_Record):
     """VLTransient: 36 bytes, packed to 4."""
+    _layout_ = "ms"  # which _pack_ means; Python 3.14 wants it said
     _pack_ = 4
     _fields_ = [("pos", c_int64), ("energy", c_float), ("reserved3", c_uint32),
                 ("visible_weight", c_float), ("reserved5to7", c_uint32 * 3), ("freq_hz", c_float)]

@@ -16,5 +16,7 @@ def use_kernel(family: str, variant: Optional[str] = None) -> bool:
 
     False, and nothing changes, when there is none of that name or the processor does not run it.
     """
+    if "\0" in family or "\0" in (variant or ""):
+        return False
     name = None if variant is None else variant.encode()
     return library.VLKernelFamilyUse(family.encode(), name)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Sample streams of audio files to 32-bit floats and back, exact to the last bit."""
+"""Sample streams of audio files to 32-bit floats and back, with the same bits on every processor."""
 import ctypes
 import enum
 from typing import TYPE_CHECKING
@@ -43,8 +43,9 @@ def _existing(sample_format: int, swapped: bool) -> SampleFormat:
 
 def to_float(data: "BytesLike", sample_format: int, *, swapped: bool = False,
              channels: int = 1) -> "Union[FloatArray, FloatArrays]":
-    """The samples of a stream as floats, -1.0 up to just below 1.0.
+    """The samples of a stream as floats: of integers exactly those from -1.0 to just below 1.0.
 
+    Of 32-bit integers the lowest eight bits are dropped, and 64-bit floats are rounded.
     With one channel the result is one array, with more a row for each. ValueError when the bytes
     are no whole number of frames, or there is no such format.
     """
@@ -68,8 +69,9 @@ def to_float(data: "BytesLike", sample_format: int, *, swapped: bool = False,
 def from_float(*channels: "Floats", sample_format: int, swapped: bool = False) -> bytes:
     """The stream of one channel, or of several interleaved.
 
-    Samples at or beyond full scale become the largest number of the format. The rows have one
-    dimension and one length, or it is a ValueError; text and bytes are a TypeError.
+    Samples at or beyond full scale become the largest integer that sample_conversion.h names for
+    the format; floats stay as they are. Rows of several lengths are a ValueError, text and bytes a
+    TypeError, rows of more than one dimension one of both.
 
         stream = from_float(left, right, sample_format=SampleFormat.INT24)
     """

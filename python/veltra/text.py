@@ -31,6 +31,7 @@ def utf8_cut(text: Union[str, bytes], size: int) -> bytes:
     data = without_nul(text)
     if size < 0:
         raise ValueError(f"{size} bytes")
-    field = ctypes.create_string_buffer(min(size, len(data)) + 1)
+    longest = 6  # bytes that a lead byte may announce
+    field = ctypes.create_string_buffer(min(size, len(data) + longest - 1) + 1)
     library.utf8_strlcpy(field, data, len(field))
     return field.value

@@ -18,8 +18,6 @@ class Transient(TransientRecord):
 
     def __init__(self, pos: int = 0, energy: float = 1.0, freq_hz: float = 0.0,
                  visible_weight: float = 1.0) -> None:
-        if not -(1 << 63) <= pos < 1 << 63:
-            raise OverflowError(f"pos {pos} does not fit in 64 bits")
         super().__init__(pos=pos, energy=energy, visible_weight=visible_weight, freq_hz=freq_hz)
 
     def __eq__(self, other: object) -> bool:
@@ -43,11 +41,15 @@ class Transients:
     """A list of transients, as records of 36 bytes one behind the other.
 
     Made from transients, or from records: bytes, or an array of numpy with the type
-    Transients.dtype(). The sorts are stable.
+    Transients.dtype(). The sorts are stable. For one thread at a time.
     """
 
     def __init__(self, transients: Union[Iterable[Transient], "BytesLike"] = ()) -> None:
         self._records = bytearray()
+        if _buffers.numpy is not None and isinstance(transients, _buffers.numpy.ndarray):
+            kind = transients.dtype
+            if kind.itemsize > 1 and kind != self.dtype():
+                raise TypeError(f"records of the type {kind}, not of Transients.dtype()")
         try:
             memoryview(transients)  # type: ignore[arg-type]
         except TypeError:

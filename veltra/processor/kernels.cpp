@@ -67,6 +67,7 @@ KernelFamily* KernelFamily::find(std::string_view name) noexcept {
 
 std::size_t KernelFamily::writeInForce(char* text, std::size_t capacity) noexcept {
     std::size_t size = 0;
+    if (text == nullptr) capacity = 0;
     const auto append = [&](std::string_view part) {
         for (const char character : part) {
             if (size + 1 < capacity) text[size] = character;

@@ -46,7 +46,7 @@ VELTRA_EXPORT const char* VLKernelFamilyInForce(const char* family) VELTRA_NOEXC
 VELTRA_EXPORT bool VLKernelFamilyUse(const char* family, const char* variant) VELTRA_NOEXCEPT;
 
 // Writes what every family runs as, cut to `capacity` bytes with a NUL. Returns the length of the
-// whole text without its NUL. With `capacity` 0 nothing is written, and `text` may be null.
+// whole text without its NUL. With `capacity` 0 or a null `text` nothing is written.
 VELTRA_EXPORT size_t VLKernelsInForce(char* text, size_t capacity) VELTRA_NOEXCEPT;
 
 // Runs what is in force beside the plain variants on a few KiB. A family whose results differ, as

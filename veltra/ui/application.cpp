@@ -102,6 +102,8 @@ Event Application::nextEvent(EventMask mask, RunLoopMode mode) {
         if (found != m_queue.end()) {
             m_pulled = std::move(*found);
             m_queue.erase(found);
+            if (m_dispatch != nullptr && m_pulled.type == EventType::LeftMouseUp)
+                m_dispatch->hasLostRelease = false;
             break;
         }
         const bool isReleased = mask.contains(EventType::LeftMouseUp) && m_dispatch != nullptr &&

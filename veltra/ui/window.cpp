@@ -45,6 +45,23 @@ std::size_t countOfKeyViews(View& view) {
     return views.size();
 }
 
+constexpr int kMostAsked = 8;  // to give the keys to somebody else, one after the other
+
+// Asks it, unless it is answering that very question: then it gives the keys to another just now.
+bool resigns(Responder& responder) {
+    static const Responder* answering = nullptr;  // main thread
+    struct Answering {
+        explicit Answering(const Responder& asked) : m_before(std::exchange(answering, &asked)) {}
+        Answering(const Answering&) = delete;
+        Answering& operator=(const Answering&) = delete;
+        ~Answering() { answering = m_before; }
+        const Responder* const m_before;
+    };
+    if (&responder == answering) return true;
+    const Answering scope(responder);
+    return responder.resignFirstResponder();
+}
+
 }  // namespace
 
 Window::Window(const Rect& contentRect, const WindowStyle& style)
@@ -256,10 +273,9 @@ bool Window::makeFirstResponder(Responder* responder) {
 // another, who is asked in turn; who pass them to and fro lose them.
 bool Window::takeKeysFromFirstResponder() {
     const WeakPointer<Window> self(this);
-    constexpr int kMostAsked = 8;
     for (int asked = 0; m_firstResponder && asked < kMostAsked; ++asked) {
         const WeakPointer<Responder> before(m_firstResponder);
-        if (!before->resignFirstResponder() || !self) return false;
+        if (!resigns(*before.get()) || !self) return false;
         if (m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
         if (auto* const shown = dynamic_cast<View*>(before.get())) shown->setNeedsDisplay();
     }
@@ -601,7 +617,7 @@ void Window::viewLeaves(View& view) {
     const bool isDying = !self;  // being destroyed, it outlives what is done here
     const auto goesOn = [&] { return (isDying || self) && leaving; };
     if (m_firstResponder.get() == &view) {
-        view.resignFirstResponder();
+        resigns(view);
         if (!goesOn()) return;
         if (m_firstResponder.get() == &view) m_firstResponder = nullptr;
     }
@@ -622,10 +638,16 @@ void Window::viewIsHidden(View& view) {
     if (isInside(m_hovered.get(), view)) endHovering();
     if (self && holds(m_pressed.get())) releaseLostButton();
     if (self && hidden) cancelTouches(&view);
-    if (!self || !holds(dynamic_cast<View*>(m_firstResponder.get()))) return;
-    const WeakPointer<Responder> before(m_firstResponder);  // may name another, who keeps the keys
-    const bool resigns = before->resignFirstResponder();
-    if (self && resigns && m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
+    // One that resigns may name another, who keeps the keys if it is in sight.
+    const auto holdsKeys = [&] {
+        return self && holds(dynamic_cast<View*>(m_firstResponder.get()));
+    };
+    for (int asked = 0; holdsKeys() && asked < kMostAsked; ++asked) {
+        const WeakPointer<Responder> before(m_firstResponder);
+        if (!resigns(*before.get())) return;
+        if (self && m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
+    }
+    if (holdsKeys()) m_firstResponder = nullptr;
 }
 
 }  // namespace veltra

@@ -132,19 +132,21 @@ TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
     one.react = [&] { gives(&third); };
     one.removeFromSuperview();
     EXPECT_EQ(host.window.firstResponder(), &third) << "not the heir";
-    third.react = [&] { gives(&other); };
-    third.setHidden(true);
+    auto& group = host.view.addSubview(std::make_unique<View>(Rect{{}, {100, 100}}));
+    auto& inGroup = group.addSubview(std::make_unique<Moody>(Rect{{}, {50, 50}}));
+    group.addSubview(third.takeFromSuperview());
+    gives(&third);
+    third.react = [&] { gives(&inGroup); };
+    inGroup.react = [&] { gives(&other); };
+    group.setHidden(true);
     EXPECT_EQ(host.window.firstResponder(), &other) << "not the heir";
     // Two that pass them to and fro.
-    third.setHidden(false);
+    group.setHidden(false);
     auto& fourth = host.view.addSubview(std::make_unique<Moody>(Rect{{0, 50}, {50, 50}}));
-    bool isInside = false;
     const std::function<void()> pass = [&] {
         const bool isOther = host.window.firstResponder() == &other;
         (isOther ? other : third).react = pass;
-        if (std::exchange(isInside, true)) return;
         gives(isOther ? &third : &other);
-        isInside = false;
     };
     other.react = third.react = pass;
     EXPECT_TRUE(gives(&fourth));

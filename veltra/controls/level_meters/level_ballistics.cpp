@@ -84,8 +84,13 @@ bool LevelBallistics::setLevel(float level, bool forceDisplayIfNeeded, Moment no
 }
 
 bool LevelBallistics::tick(Moment now) noexcept {
+    if (!(m_fallBackStep > 0.0F) || !std::isfinite(m_fallBackStepTime)) return false;
+    if (!(m_fallBackStepTime > 0.0)) {
+        m_displayLevel = restingLevel();
+        return false;
+    }
     double steps = 1.0;
-    if (m_fallBackStepTime > 0.0 && m_lastCallDate && now > *m_lastCallDate) {
+    if (m_lastCallDate && now > *m_lastCallDate) {
         const double elapsed = secondsSinceLastCall(now);
         steps = std::clamp(std::floor(elapsed / m_fallBackStepTime + kTimerSlack), 1.0, kMostSteps);
         const double used = std::min(steps * m_fallBackStepTime, elapsed);

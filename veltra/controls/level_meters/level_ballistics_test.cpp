@@ -152,6 +152,10 @@ TEST(LevelBallisticsTest, AnswersOddLevelsSettingsAndTimes) {
         for (int i = 0; i < 20; ++i)
             meter.tick(at(20.0));
         EXPECT_TRUE(meter.displayLevel() >= 0.0F && meter.displayLevel() <= 1.1F);
+        EXPECT_FALSE(meter.tick(at(20.0)));
+        if (!(meter.fallBackStep() > 0.0F) || !std::isfinite(row.stepTime + 1.0)) {
+            EXPECT_NEAR(meter.displayLevel(), row.display, 1e-6) << "never falls";
+        }
     }
 }
 

@@ -414,6 +414,10 @@ TEST_F(NumberEditors, CopyPasteAndLeadOnByKeysWhereTheHostWantsIt) {
         EXPECT_EQ(control->cellAtIndex(0)->intValue(), key == u'8' ? 8 : 2);
     }
     press(kReturnCharacter);
+    Event held = host.keyEvent(kReturnCharacter);
+    held.isRepeat = true;
+    control->keyDown(held);
+    EXPECT_EQ(edited(), 0);
     press(u'9');
     told.take();
     for (const char* text : {"nothing", "7.5"}) {  // over what was typed; beat 5 is the next bar
