@@ -79,7 +79,7 @@ void run16(benchmark::State& state) {
 // Ours with one variant in force, whether or not it is the best here.
 void variant(benchmark::State& state, std::string_view family, std::string_view name) {
     veltra::KernelFamily* const kernels = veltra::KernelFamily::find(family);
-    if (!kernels->use(name)) return state.SkipWithError("not on this processor");
+    if (!kernels->use(name)) return state.SkipWithError(kNotHere);
     if (family == "crc32") {
         run32<ours32>(state);
     } else {

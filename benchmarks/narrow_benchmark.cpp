@@ -143,7 +143,7 @@ public:
                      const Run& run) {
         veltra::KernelFamily& kernels = *veltra::KernelFamily::find(family);
         return m_list.add("narrow " + name + ' ' + variant, [=, &kernels](benchmark::State& state) {
-            if (!kernels.use(variant)) return state.SkipWithError("not on this processor");
+            if (!kernels.use(variant)) return state.SkipWithError(kNotHere);
             measure(state, run);
             kernels.useBest();
         });

@@ -22,10 +22,13 @@ struct Ratio {
     double extra = 0;  // nanoseconds that ours may take on top
 };
 
+// The reason of a benchmark that is left out for want of instructions: no failure of the run.
+inline constexpr char kNotHere[] = "not on this processor";
+
 // Runs every registered benchmark in randomly interleaved repetitions and prints the median real
 // time of each, then a table of the ratios. Takes Google Benchmark's own flags, which win over the
 // defaults set here. Answers 0, or 1 when a ratio is over its limit, or 2 when one was not measured
-// (no verdict is given for what a --benchmark_filter left out).
+// or a benchmark failed (no verdict is given for what a --benchmark_filter left out).
 int runRatios(int argc, char** argv, std::span<const Ratio> ratios);
 
 // Benchmarks and comparisons whose names are made up while the program runs.

@@ -52,7 +52,7 @@ def row_of(samples: "Floats") -> "FloatArray":
     if holds_bytes or isinstance(samples, (str, bytes, bytearray)):
         raise TypeError("a channel is a row of floats, not text or bytes")
     if numpy is not None:
-        if not hasattr(samples, "__getitem__"):
+        if not (hasattr(samples, "__len__") and hasattr(samples, "__getitem__")):
             samples = list(samples)
         values = numpy.asarray(samples)
         if values.ndim != 1:

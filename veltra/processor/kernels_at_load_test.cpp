@@ -15,7 +15,7 @@ namespace veltra {
 namespace {
 
 std::string inForce() {
-    std::string text(VLKernelsInForce(nullptr, 0), '#');
+    std::string text(VLKernelsInForce(nullptr, 9), '#');
     VLKernelsInForce(text.data(), text.size() + 1);
     return text;
 }

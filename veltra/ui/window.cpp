@@ -47,17 +47,30 @@ std::size_t countOfKeyViews(View& view) {
 
 constexpr int kMostAsked = 8;  // to give the keys to somebody else, one after the other
 
+// Who is asked to resign at this moment, and by whom that was asked for. Main thread.
+class Answering {
+public:
+    explicit Answering(const Responder& asked) noexcept : m_asked(&asked) { s_innermost = this; }
+    Answering(const Answering&) = delete;
+    Answering& operator=(const Answering&) = delete;
+    ~Answering() { s_innermost = m_outer; }
+
+    static bool includes(const Responder& responder) noexcept {
+        const Answering* each = s_innermost;
+        while (each != nullptr && each->m_asked != &responder)
+            each = each->m_outer;
+        return each != nullptr;
+    }
+
+private:
+    static inline const Answering* s_innermost = nullptr;
+    const Answering* const m_outer = s_innermost;
+    const Responder* const m_asked;
+};
+
 // Asks it, unless it is answering that very question: then it gives the keys to another just now.
 bool resigns(Responder& responder) {
-    static const Responder* answering = nullptr;  // main thread
-    struct Answering {
-        explicit Answering(const Responder& asked) : m_before(std::exchange(answering, &asked)) {}
-        Answering(const Answering&) = delete;
-        Answering& operator=(const Answering&) = delete;
-        ~Answering() { answering = m_before; }
-        const Responder* const m_before;
-    };
-    if (&responder == answering) return true;
+    if (Answering::includes(responder)) return true;
     const Answering scope(responder);
     return responder.resignFirstResponder();
 }
@@ -644,7 +657,7 @@ void Window::viewIsHidden(View& view) {
     };
     for (int asked = 0; holdsKeys() && asked < kMostAsked; ++asked) {
         const WeakPointer<Responder> before(m_firstResponder);
-        if (!resigns(*before.get())) return;
+        resigns(*before.get());
         if (self && m_firstResponder.get() == before.get()) m_firstResponder = nullptr;
     }
     if (holdsKeys()) m_firstResponder = nullptr;

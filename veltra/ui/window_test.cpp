@@ -140,8 +140,14 @@ TEST(KeyViewLoop, GivesTheKeysOnlyToWhoTakesThemFromWhoLetsThemGo) {
     inGroup.react = [&] { gives(&other); };
     group.setHidden(true);
     EXPECT_EQ(host.window.firstResponder(), &other) << "not the heir";
+    group.setHidden(false);
+    gives(&inGroup);
+    inGroup.resigns = false;
+    group.setHidden(true);
+    EXPECT_EQ(host.window.firstResponder(), nullptr) << "nobody hidden keeps them";
     // Two that pass them to and fro.
     group.setHidden(false);
+    gives(&other);
     auto& fourth = host.view.addSubview(std::make_unique<Moody>(Rect{{0, 50}, {50, 50}}));
     const std::function<void()> pass = [&] {
         const bool isOther = host.window.firstResponder() == &other;
